@@ -1,0 +1,40 @@
+// The record sets that are open while a data file is open, each with its index "PrimaryKey".
+// Worksheets and the import use these and open none of their own on the data file.
+#pragma once
+
+#include <memory>
+
+#include "platform/dao/Database.h"
+#include "platform/dao/Recordset.h"
+
+namespace PrepDatatables {
+
+// Each is null while no file is open; dereferencing one then throws "object variable not set" (91).
+class Table {
+public:
+    dao::Recordset* operator->() const;
+    dao::Recordset& operator*() const;
+    explicit operator bool() const { return records_ != nullptr; }
+    void Open(dao::Database& database, const char* name);
+    void Close();
+
+private:
+    std::unique_ptr<dao::Recordset> records_;
+};
+
+extern std::unique_ptr<dao::Database> dbDatafile;
+extern Table tblProperties;
+extern Table tblManagementGoals;
+extern Table tblFMZList;
+extern Table tblSuppressionPerAcreCost;
+extern Table tblSRMasterList;
+extern Table tblNVCResources;
+extern Table tblNVCPerAcre;
+
+// Opens the six tables other than Properties and sets their indexes. On an error it is told like a
+// file that cannot be opened, everything is closed again and the result is false.
+bool OpenRecordsets();
+// Closes the record sets and the database; whatever of them is open.
+void CloseDatafile();
+
+}  // namespace PrepDatatables

@@ -1,0 +1,92 @@
+// A Jet database file, open.
+//
+// Start here. A Database owns the file from opening to closing; record sets borrow it and must not
+// be used after it is closed (they then throw kClosed). One thread uses a database at a time.
+//
+// Every row operation and every table creation is whole: when the call returned, the operation
+// survives the end of the process; when it threw, nothing of it is there, indexes included.
+// MakeDurable carries all operations so far through a power cut and leaves the file complete by
+// itself; until then the recent ones also live in a log file beside it (NAME-log), from which the
+// next opening brings them in.
+//
+// Exclusive means exclusive: while the database is open nobody else can open the file, neither
+// another process nor a second Database of this one.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "jet/error.h"
+#include "jet/file.h"
+#include "jet/schema.h"
+
+namespace jet {
+
+class Recordset;
+
+struct OpenOptions {
+    bool exclusive = true;
+    // Never writes, not even the recovery of a log: such a file is then refused with kReadOnly.
+    bool readOnly = false;
+};
+
+// What opening found to do before the file could be used.
+struct Recovery {
+    bool applied = false;            // operations of an interrupted run were brought in
+    std::uint64_t operations = 0;    // how many
+    bool foreignLogIgnored = false;  // a log lay there that does not belong to this file
+};
+
+class Database {
+public:
+    // Errors: kFileNotFound, kFileInUse, kNotADatabase, kUnsupportedVersion, kEncrypted, kDamaged,
+    // kReadOnly, kPermissionDenied, kIo. A refused file is left as it was, byte for byte.
+    static std::unique_ptr<Database> Open(const std::filesystem::path& path,
+                                          const OpenOptions& options = {},
+                                          FileSystem& files = HostFileSystem());
+    // Makes an empty database. Fails with kAlreadyExists when the file is there.
+    static std::unique_ptr<Database> Create(const std::filesystem::path& path, Version version,
+                                            FileSystem& files = HostFileSystem());
+
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+    // Closes; an error while closing is lost, so call Close first where it matters.
+    ~Database();
+
+    // Makes everything durable, removes the log and gives up the file. Safe to call twice.
+    void Close();
+    // At most two flushes; none when nothing changed since the last call.
+    void MakeDurable();
+
+    [[nodiscard]] Version FileVersion() const;
+    [[nodiscard]] bool IsReadOnly() const;
+    [[nodiscard]] const Recovery& OpeningRecovery() const;
+
+    // User tables, in catalogue order. Linked tables and queries are not among them.
+    [[nodiscard]] std::vector<std::string> TableNames() const;
+    [[nodiscard]] std::vector<std::string> SystemTableNames() const;
+    [[nodiscard]] bool HasTable(std::string_view name) const;
+    [[nodiscard]] TableSchema Describe(std::string_view table) const;
+    // Errors: kAlreadyExists, kBadName, kUnsupported (a type the version lacks), kReadOnly.
+    void CreateTable(const TableSchema& schema);
+
+    // A table-type record set: rows in stored order until an index is set. System tables open
+    // read-only.
+    [[nodiscard]] std::unique_ptr<Recordset> OpenTable(std::string_view name);
+    // A snapshot of the rows that a query selects, in its order; see query.h for the language.
+    [[nodiscard]] std::unique_ptr<Recordset> OpenQuery(std::string_view sql);
+
+    class Impl;
+    // The private side, for the structure check and the tools.
+    [[nodiscard]] Impl& Internals() { return *impl_; }
+
+private:
+    explicit Database(std::unique_ptr<Impl> impl);
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace jet

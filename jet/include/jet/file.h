@@ -1,0 +1,63 @@
+// The seam to the operating system: every read, write, flush, truncation and lock of the engine
+// goes through these two classes, and so does every fault that a test injects.
+//
+// All functions throw jet::Error. A File closes itself, and gives up its lock, when it goes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+
+namespace jet {
+
+class File {
+public:
+    File() = default;
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    virtual ~File() = default;
+
+    // Fills the whole of `into`. Reading past the end throws kIo.
+    virtual void Read(std::uint64_t offset, std::span<std::byte> into) = 0;
+    // Writes the whole of `from`, lengthening the file when it must.
+    virtual void Write(std::uint64_t offset, std::span<const std::byte> from) = 0;
+    [[nodiscard]] virtual std::uint64_t Size() = 0;
+    virtual void Truncate(std::uint64_t size) = 0;
+    // Returns when all that was written is on the medium.
+    virtual void Flush() = 0;
+    // Takes the whole-file lock: it lasts until the File goes, dies with the process, and is not
+    // lost when another handle on the file is closed. False when somebody else holds it.
+    [[nodiscard]] virtual bool TryLock(bool exclusive) = 0;
+};
+
+enum class OpenMode {
+    kReadOnly,
+    kReadWrite,
+    kCreateNew,     // fails when the file exists
+    kCreateOrOpen,  // read and write
+};
+
+class FileSystem {
+public:
+    FileSystem() = default;
+    FileSystem(const FileSystem&) = delete;
+    FileSystem& operator=(const FileSystem&) = delete;
+    virtual ~FileSystem() = default;
+
+    [[nodiscard]] virtual std::unique_ptr<File> Open(const std::filesystem::path& path,
+                                                     OpenMode mode) = 0;
+    [[nodiscard]] virtual bool Exists(const std::filesystem::path& path) = 0;
+    virtual void Remove(const std::filesystem::path& path) = 0;
+    // Makes the creation or removal of files in this folder last through a power cut.
+    virtual void FlushFolder(const std::filesystem::path& folder) = 0;
+};
+
+// The host's own files.
+FileSystem& HostFileSystem();
+
+// Files that live in memory, for tests and benchmarks; each call makes an empty file system.
+std::unique_ptr<FileSystem> MakeMemoryFileSystem();
+
+}  // namespace jet

@@ -1,0 +1,93 @@
+// A record set: one current record among the rows of a table or of a query's result.
+//
+// A table record set walks the rows in stored order, or in the order of the index that was set.
+// An index position is remembered as key and row, so it survives changes made through any other
+// record set of the same database.
+//
+// Positions. A record set opens on its first record (IsEof and IsBof both true when there is none).
+// - Moving past an end sets IsEof or IsBof; there is no current record there (kNoCurrentRecord).
+// - After AddNew and Update the current record is the one from before AddNew.
+// - After Delete there is no current record until the next move; MoveNext goes to the row that
+//   followed the deleted one.
+// - A Seek that finds nothing sets NoMatch and leaves the former record readable, but Edit and
+//   Delete then throw kNoCurrentRecord until the next successful Seek or move, so a missing row can
+//   never cause another one to be overwritten.
+// - Any move, Seek or close while an AddNew or Edit is open drops that edit.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "jet/error.h"
+#include "jet/schema.h"
+#include "jet/value.h"
+
+namespace jet {
+
+enum class Comparison { kEqual, kGreaterOrEqual, kGreater, kLess, kLessOrEqual };
+
+// The place of a field in its record set; get one by name once and use it for every row.
+struct FieldId {
+    int position = 0;
+};
+
+class Recordset {
+public:
+    Recordset() = default;
+    Recordset(const Recordset&) = delete;
+    Recordset& operator=(const Recordset&) = delete;
+    virtual ~Recordset() = default;
+
+    virtual void Close() = 0;
+
+    // Names and fields. Names ignore case; kNoSuchField and kNoSuchIndex.
+    [[nodiscard]] virtual const std::vector<ColumnSchema>& Fields() const = 0;
+    [[nodiscard]] virtual FieldId Field(std::string_view name) const = 0;
+    virtual void SetIndex(std::string_view name) = 0;  // empty: stored order
+    [[nodiscard]] virtual std::string Index() const = 0;
+
+    // Moving.
+    virtual void MoveFirst() = 0;
+    virtual void MoveLast() = 0;
+    virtual void MoveNext() = 0;
+    virtual void MovePrevious() = 0;
+    [[nodiscard]] virtual bool IsBof() const = 0;
+    [[nodiscard]] virtual bool IsEof() const = 0;
+    [[nodiscard]] virtual std::int32_t RecordCount() const = 0;
+
+    // Seeking in the current index by its leading columns. kEqual, kGreaterOrEqual and kGreater
+    // find the first such entry, kLess and kLessOrEqual the last.
+    virtual bool Seek(Comparison comparison, std::span<const Value> key) = 0;
+    bool Seek(Comparison comparison, std::initializer_list<Value> key) {
+        return Seek(comparison, std::span<const Value>(key.begin(), key.size()));
+    }
+    [[nodiscard]] virtual bool NoMatch() const = 0;
+
+    // Reading the current record, or the open edit's values when there is one.
+    [[nodiscard]] virtual Value Get(FieldId field) const = 0;
+    [[nodiscard]] Value Get(std::string_view field) const { return Get(Field(field)); }
+    // The same without an allocation: false for null, and `into` is left alone.
+    virtual bool ReadLong(FieldId field, std::int32_t& into) const = 0;
+    virtual bool ReadSingle(FieldId field, float& into) const = 0;
+    virtual bool ReadDouble(FieldId field, double& into) const = 0;
+    virtual bool ReadText(FieldId field, std::u16string& into) const = 0;
+
+    // Changing. Set converts between number types; kTypeMismatch, kOverflow, kTextTooLong.
+    // Update: kDuplicateKey, kNullNotAllowed, kRecordTooLarge, kUnsupported, kDiskFull, kIo; after
+    // an error the edit stays open with its values and the file is as before.
+    virtual void AddNew() = 0;
+    virtual void Edit() = 0;
+    virtual void Set(FieldId field, const Value& value) = 0;
+    void Set(std::string_view field, const Value& value) { Set(Field(field), value); }
+    virtual void Update() = 0;
+    virtual void CancelUpdate() = 0;
+    virtual void Delete() = 0;
+    [[nodiscard]] virtual bool IsEditing() const = 0;
+};
+
+}  // namespace jet

@@ -1,0 +1,80 @@
+// One field's value.
+//
+// A Value is a small sum type: null, or one of the types that a Jet column can hold. Text is
+// UTF-16 as the format knows it, unpaired surrogates included, so that nothing is lost on the way
+// through. Currency is a count of ten-thousandths. A date is a count of days since 1899-12-30.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace jet {
+
+struct Currency {
+    std::int64_t tenThousandths = 0;
+    bool operator==(const Currency&) const = default;
+};
+
+struct Date {
+    double days = 0;  // whole part: days since 1899-12-30; fraction: time of day
+    bool operator==(const Date&) const = default;
+};
+
+struct Guid {
+    std::array<std::byte, 16> bytes{};  // as stored
+    bool operator==(const Guid&) const = default;
+};
+
+struct Decimal {
+    bool negative = false;
+    std::array<std::uint8_t, 16> magnitude{};  // most significant byte first
+    std::uint8_t scale = 0;                    // value = magnitude / 10^scale
+    bool operator==(const Decimal&) const = default;
+};
+
+using Binary = std::vector<std::byte>;
+
+class Value {
+public:
+    using Storage = std::variant<std::monostate, bool, std::int32_t, Currency, float, double, Date,
+                                 std::u16string, Binary, Guid, Decimal>;
+
+    Value() = default;
+    Value(bool value) : storage_(value) {}          // NOLINT(google-explicit-constructor)
+    Value(std::int32_t value) : storage_(value) {}  // NOLINT(google-explicit-constructor)
+    Value(Currency value) : storage_(value) {}      // NOLINT(google-explicit-constructor)
+    Value(float value) : storage_(value) {}         // NOLINT(google-explicit-constructor)
+    Value(double value) : storage_(value) {}        // NOLINT(google-explicit-constructor)
+    Value(Date value) : storage_(value) {}          // NOLINT(google-explicit-constructor)
+    Value(std::u16string value)
+        : storage_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
+    Value(std::u16string_view value) : storage_(std::u16string(value)) {}  // NOLINT
+    Value(const char16_t* value) : storage_(std::u16string(value)) {}      // NOLINT
+    Value(Binary value) : storage_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
+    Value(Guid value) : storage_(value) {}               // NOLINT(google-explicit-constructor)
+    Value(Decimal value) : storage_(value) {}            // NOLINT(google-explicit-constructor)
+
+    [[nodiscard]] bool IsNull() const { return std::holds_alternative<std::monostate>(storage_); }
+
+    // The value as another type. A null, a text that is no number and a number outside the range
+    // throw kTypeMismatch or kOverflow; numbers of other types are converted, halves to even.
+    [[nodiscard]] bool AsBoolean() const;
+    [[nodiscard]] std::int32_t AsLong() const;
+    [[nodiscard]] float AsSingle() const;
+    [[nodiscard]] double AsDouble() const;
+    // Numbers become their shortest decimal text.
+    [[nodiscard]] std::u16string AsText() const;
+
+    [[nodiscard]] const Storage& Get() const { return storage_; }
+    bool operator==(const Value&) const = default;
+
+private:
+    Storage storage_;
+};
+
+}  // namespace jet

@@ -1,0 +1,43 @@
+// The one error above the engine: a customary number and a sentence for the user.
+#pragma once
+
+#include <QString>
+
+#include <stdexcept>
+
+namespace platform {
+
+// Numbers used by the program's own code; the engine's errors bring theirs along.
+enum ErrorNumber {
+    kOverflow = 6,
+    kOutOfMemory = 7,
+    kSubscriptOutOfRange = 9,
+    kTypeMismatch = 13,
+    kFileNotFound = 53,
+    kDeviceError = 57,
+    kDiskFull = 61,
+    kPermissionDenied = 70,
+    kPathAccess = 75,
+    kPathNotFound = 76,
+    kObjectNotSet = 91,
+    kNoCurrentRecord = 3021,
+    kDuplicateKey = 3022,
+    kObjectClosed = 3420,
+};
+
+class RuntimeError : public std::runtime_error {
+public:
+    RuntimeError(int number, const QString& description)
+        : std::runtime_error(description.toStdString()),
+          number_(number),
+          description_(description) {}
+
+    [[nodiscard]] int Number() const { return number_; }
+    [[nodiscard]] const QString& Description() const { return description_; }
+
+private:
+    int number_;
+    QString description_;
+};
+
+}  // namespace platform

@@ -1,0 +1,25 @@
+// A panel: a frame that may carry a caption and hold other controls.
+#pragma once
+
+#include <QFrame>
+
+class QLabel;
+
+class SSPanel : public QFrame {
+    Q_OBJECT
+    Q_PROPERTY(QString Caption READ Caption WRITE SetCaption)
+
+public:
+    explicit SSPanel(QWidget* parent = nullptr);
+    [[nodiscard]] QString Caption() const;
+    void SetCaption(const QString& caption);
+    void SetCaptionAlignment(Qt::Alignment alignment);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    [[nodiscard]] QSize sizeHint() const override;
+
+private:
+    QString caption_;
+    Qt::Alignment alignment_ = Qt::AlignCenter;
+};

@@ -1,0 +1,69 @@
+// Database and record set as the program speaks of them: names and texts are QString, errors are
+// platform::RuntimeError with the engine's number. Closing makes everything durable.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+#include "platform/RuntimeError.h"
+
+namespace jet {
+class Database;
+}
+
+namespace dao {
+
+class Recordset;
+
+enum class FieldType { kLong, kSingle, kText, kMemo };
+
+struct FieldDefinition {
+    QString name;
+    FieldType type = FieldType::kLong;
+    int size = 0;  // characters, kText only
+    bool autoIncrement = false;
+};
+
+struct IndexDefinition {
+    QString name;
+    QStringList fields;
+    bool primary = false;
+    bool unique = false;
+};
+
+struct TableDefinition {
+    QString name;
+    std::vector<FieldDefinition> fields;
+    std::vector<IndexDefinition> indexes;
+};
+
+enum class OpenMode {
+    kExclusive,  // read and write, nobody else
+    kShared,     // default options: read and write, falling back to read-only where it must
+};
+
+class Database {
+public:
+    static std::unique_ptr<Database> Open(const QString& path, OpenMode mode);
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    void Close();
+    void MakeDurable();
+    [[nodiscard]] std::unique_ptr<Recordset> OpenTable(const QString& name);
+    [[nodiscard]] std::unique_ptr<Recordset> OpenDynaset(const QString& sql);
+    void AppendTable(const TableDefinition& table);
+    // Operations of an interrupted run that opening brought in.
+    [[nodiscard]] int RecoveredOperations() const;
+    [[nodiscard]] bool IsReadOnly() const;
+
+private:
+    explicit Database(std::unique_ptr<jet::Database> database);
+    std::unique_ptr<jet::Database> database_;
+};
+
+}  // namespace dao

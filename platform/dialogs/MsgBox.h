@@ -1,0 +1,25 @@
+// The message box: plain text, the application's title unless another is given.
+#pragma once
+
+#include <QString>
+
+namespace platform {
+
+enum class MsgIcon { kNone, kStop, kQuestion, kExclamation, kInformation };
+enum class MsgButtons { kOk, kYesNo };
+enum class MsgAnswer { kOk, kYes, kNo };
+
+struct MsgOptions {
+    QString title;  // empty: the application's title
+    MsgIcon icon = MsgIcon::kNone;
+    MsgButtons buttons = MsgButtons::kOk;
+    bool secondIsDefault = false;  // No is the default button; Esc and the close button mean No
+};
+
+// Shows the text modally over the active window. "\r\n" starts a new line.
+MsgAnswer MsgBox(const QString& text, const MsgOptions& options = {});
+
+// The text that stands between the lines of a message.
+inline const QString kNewLine = QStringLiteral("\r\n");
+
+}  // namespace platform
