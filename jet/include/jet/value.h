@@ -53,8 +53,10 @@ public:
     Value(Date value) : storage_(value) {}          // NOLINT(google-explicit-constructor)
     Value(std::u16string value)
         : storage_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
-    Value(std::u16string_view value) : storage_(std::u16string(value)) {}  // NOLINT
-    Value(const char16_t* value) : storage_(std::u16string(value)) {}      // NOLINT
+    Value(std::u16string_view value)
+        : storage_(std::u16string(value)) {}  // NOLINT(google-explicit-constructor)
+    Value(const char16_t* value)
+        : storage_(std::u16string(value)) {}             // NOLINT(google-explicit-constructor)
     Value(Binary value) : storage_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
     Value(Guid value) : storage_(value) {}               // NOLINT(google-explicit-constructor)
     Value(Decimal value) : storage_(value) {}            // NOLINT(google-explicit-constructor)

@@ -1,0 +1,71 @@
+#!/usr/bin/env python3
+"""Each layer includes only those below it, and the operating system has two doors."""
+import re
+
+import tree
+
+SHELL_BASE = {"u91Trace", "UIMode", "u13Folders", "u92Utilities"}
+# Faces that include nothing themselves, through which a lower layer calls an upper one.
+FACES = {"shell/Worksheet.h", "datafile/DatafileHost.h"}
+ORDER = ["jet", "platform", "shell base", "datafile", "import", "worksheets", "shell"]
+FREE = {"tools", "tests", "fuzz", "bench"}
+MAY_USE_JET = {"jet", "platform"} | FREE
+DOORS = ("jet/src/os/", "platform/system/")
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
+SYSTEM = re.compile(r"^(sys/|linux/|unistd\.h|fcntl\.h|dirent\.h|dlfcn\.h|pwd\.h|windows\.h|io\.h"
+                    r"|poll\.h|signal\.h|csignal|spawn\.h|termios\.h|pthread\.h)")
+
+
+def layer(path):
+    parts = path.split("/")
+    if parts[0] == "shell" and parts[-1].split(".")[0] in SHELL_BASE:
+        return "shell base"
+    return parts[0]
+
+
+def target(path, quote, included):
+    """The file of the tree that an include means, or None."""
+    if quote == '"' and (path.parent / included).is_file():
+        return tree.name((path.parent / included).resolve())
+    for base in ("", "jet/include/", "jet/src/", "tests/"):
+        if (tree.ROOT / (base + included)).is_file():
+            return base + included
+    return None
+
+
+def offence(path, quote, included):
+    own = layer(tree.name(path))
+    if SYSTEM.match(included):
+        if own not in FREE and not tree.name(path).startswith(DOORS):
+            return "calls the operating system outside " + " and ".join(DOORS)
+        return None
+    if own == "jet" and re.match(r"Q[A-Z]|Qt", included):
+        return "the engine knows no Qt"
+    found = target(path, quote, included)
+    if found is None:
+        return "includes a file that is not there" if quote == '"' else None
+    other = layer(found)
+    if other == "jet" and own not in MAY_USE_JET:
+        return "only platform, tools and tests include the engine"
+    if own != "jet" and found.startswith("jet/src/") and own not in FREE:
+        return "the engine's private side"
+    if own in FREE or found in FACES:
+        return None
+    if other in FREE or ORDER.index(other) > ORDER.index(own):
+        return f"{own} may not know {other}"
+    return None
+
+
+def main():
+    offenders = []
+    for path in tree.code_files():
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            match = INCLUDE.match(line)
+            if match:
+                why = offence(path, match[1], match[2])
+                if why:
+                    offenders.append(f"{tree.name(path)}:{number}: {match[2]}: {why}")
+    tree.finish(offenders, "a layer includes only those below it")
+
+
+main()

@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""Files and functions keep to a size that one reader can hold."""
+import re
+
+import tree
+
+MOST_LINES = 800
+MOST_TEST_LINES = 1200
+USUAL_LINES = 400
+LONG_FUNCTION = 60
+USUAL_FUNCTION = 35
+# Lines at the left margin that open something other than a function.
+OTHER = re.compile(r"^(namespace|class|struct|enum|union|extern|#|//|}|using|template\s*<[^>]*>\s*"
+                   r"(class|struct))")
+
+
+def functions(lines):
+    """Begin and length of every function at the left margin, as the formatter lays it out."""
+    begin = None
+    for number, line in enumerate(lines):
+        if line == "}" and begin is not None:
+            yield begin, number - begin + 1
+            begin = None
+        elif line and not line[0].isspace() and line[0] not in "}{/" and begin is None:
+            if not OTHER.match(line):
+                begin = number
+        elif line.startswith("}"):
+            begin = None
+        if begin is not None and line.rstrip().endswith(";") and not line[:1].isspace():
+            begin = None
+        elif begin is not None and line.endswith(";") and "{" not in "".join(lines[begin:number]):
+            begin = None
+
+
+def says_why(lines, begin):
+    return begin > 0 and lines[begin - 1].lstrip().startswith("//")
+
+
+def main():
+    offenders, files, lengths = [], [], []
+    for path in tree.code_files():
+        lines = path.read_text(encoding="utf-8").splitlines()
+        where = tree.name(path)
+        test = where.startswith("tests/")
+        if len(lines) > (MOST_TEST_LINES if test else MOST_LINES):
+            offenders.append(f"{where}: {len(lines)} lines")
+        if not test:
+            files.append((len(lines), where))
+        for begin, length in functions(lines):
+            if test:
+                continue
+            lengths.append((length, f"{where}:{begin + 1}"))
+            if length > LONG_FUNCTION and not says_why(lines, begin):
+                offenders.append(f"{where}:{begin + 1}: a function of {length} lines that does"
+                                 " not say why")
+    offenders += band(files, USUAL_LINES, 10, "files")
+    offenders += band(lengths, USUAL_FUNCTION, 10, "functions")
+    offenders += band(lengths, LONG_FUNCTION, 30, "functions")
+    tree.finish(offenders, "sizes of files and functions")
+
+
+def band(sizes, limit, one_in, what):
+    over = sorted((entry for entry in sizes if entry[0] > limit), reverse=True)
+    if len(over) * one_in <= len(sizes):
+        return []
+    return [f"{len(over)} of {len(sizes)} {what} over {limit} lines, more than one in {one_in}:"] + [
+        f"  {where}: {size} lines" for size, where in over]
+
+
+main()

@@ -1,0 +1,118 @@
+#!/usr/bin/env python3
+"""Builds everything twice and runs all tests: optimised with gcc, and with clang under the address
+and undefined-behaviour sanitizers. The last line of the output is the summary."""
+import argparse
+import os
+import subprocess
+import sys
+import time
+import xml.etree.ElementTree as ET
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+JOBS = os.environ.get("TARN_JOBS", str(os.cpu_count() or 2))
+
+
+class Summary:
+    def __init__(self):
+        self.passed = self.failed = self.skipped = 0
+        self.offenders = []
+
+    def add_failure(self, name):
+        self.failed += 1
+        self.offenders.append(name)
+
+    def add_report(self, path, prefix):
+        """Counts a JUnit report; False when there is none."""
+        try:
+            cases = list(ET.parse(path).getroot().iter("testcase"))
+        except (OSError, ET.ParseError):
+            return False
+        for case in cases:
+            status = case.get("status")
+            if status == "run":
+                self.passed += 1
+            elif status == "fail":
+                self.add_failure(prefix + case.get("name"))
+            else:
+                self.skipped += 1
+        return True
+
+
+def build(folder, *options):
+    command = [str(ROOT / "tools/build.sh"), str(ROOT / folder), "all", *options]
+    return subprocess.run(command, check=False).returncode == 0
+
+
+def run_tests(folder, label, summary, only, environment=None):
+    report = ROOT / folder / "report.xml"
+    report.unlink(missing_ok=True)
+    command = ["ctest", "--test-dir", str(ROOT / folder), "-j", JOBS, "--output-on-failure",
+               "--no-tests=error", "--output-junit", str(report)]
+    if only:
+        command += ["-R", only]
+    log = ROOT / folder / "test.log"
+    with open(log, "w", encoding="utf-8") as out:
+        code = subprocess.run(command, stdout=out, stderr=subprocess.STDOUT, check=False,
+                              env={**os.environ, **(environment or {})}).returncode
+    before = summary.failed
+    if not summary.add_report(report, label) or (code != 0 and summary.failed == before):
+        if not only:
+            summary.add_failure(label + "running the tests")
+    if summary.failed > before:
+        print_failures(log)
+
+
+def print_failures(log):
+    """What the failed tests wrote, without the long list of those that passed."""
+    for line in log.read_text(encoding="utf-8", errors="replace").splitlines():
+        if not (line.lstrip()[:1].isdigit() and (" Passed " in line or "Start " in line)):
+            if not line.lstrip().startswith("Start "):
+                print(line)
+
+
+def optimised(summary, only):
+    print("== gcc, optimised", flush=True)
+    if not build("build"):
+        summary.add_failure("gcc: build")
+        return
+    run_tests("build", "gcc: ", summary, only)
+
+
+def sanitized(summary, only):
+    print("== clang, address and undefined-behaviour sanitizers", flush=True)
+    folder = "build-sanitize"
+    options = ["-DCMAKE_CXX_COMPILER=clang++", "-DTARN_SANITIZE=ON", "-DTARN_GATES=OFF",
+               "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1"]
+    # Everything is compiled, so that clang's warnings count for every file.
+    if not build(folder, *options):
+        summary.add_failure("clang: build")
+        return
+    run_tests(folder, "sanitizers: ", summary, only,
+              {"ASAN_OPTIONS": "detect_leaks=0:abort_on_error=0",
+               "UBSAN_OPTIONS": "print_stacktrace=1"})
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="./test", description=__doc__)
+    parser.add_argument("--quick", action="store_true", help="the optimised build only")
+    parser.add_argument("--only", metavar="REGEX", help="only the tests whose names match")
+    options = parser.parse_args()
+
+    started = time.time()
+    summary = Summary()
+    optimised(summary, options.only)
+    if not options.quick:
+        sanitized(summary, options.only)
+
+    if summary.offenders:
+        print("\nFailed:")
+        for name in summary.offenders:
+            print("  " + name)
+    print(f"\nTook {time.time() - started:.0f} s.")
+    print(f"{summary.passed} passed, {summary.failed} failed, {summary.skipped} skipped")
+    return 1 if summary.failed or not summary.passed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

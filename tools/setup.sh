@@ -1,0 +1,68 @@
+#!/bin/sh
+# Installs what this Debian 12 machine lacks. Usage: tools/setup.sh build|test|package
+#   build    the program and the tour
+#   test     that, and everything that ./test runs
+#   package  that, and the package builders
+# Safe to run at any time: with everything there it does nothing and needs no network.
+set -eu
+
+build="cmake ninja-build g++ qt6-base-dev qt6-tools-dev qt6-documentation-tools
+ libqt6sql6-sqlite libgtest-dev libgmock-dev xvfb fonts-dejavu-core python3"
+test="ccache clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev mdbtools
+ desktop-file-utils appstream shared-mime-info man-db librsvg2-bin"
+package="dpkg-dev fakeroot"
+
+case "${1:-build}" in
+build) wanted="$build" ;;
+test) wanted="$build $test" ;;
+package) wanted="$build $test $package" ;;
+*)
+    echo "usage: $0 build|test|package" >&2
+    exit 2
+    ;;
+esac
+# A desktop that offers only Wayland needs Qt's plug-in for it.
+if [ -n "${WAYLAND_DISPLAY:-}" ] && [ -z "${DISPLAY:-}" ]; then
+    wanted="$wanted qt6-wayland"
+fi
+
+if ! command -v apt-get >/dev/null 2>&1; then
+    echo "This is not a Debian system; going on with what is installed. The Debian names of" >&2
+    echo "what is needed:" $wanted >&2
+    exit 0
+fi
+
+missing=""
+for package_name in $wanted; do
+    status=$(dpkg-query -W -f '${Status}' "$package_name" 2>/dev/null || true)
+    [ "$status" = "install ok installed" ] || missing="$missing $package_name"
+done
+[ -n "$missing" ] || exit 0
+
+if [ "$(id -u)" -eq 0 ]; then
+    as_root="env"
+elif command -v sudo >/dev/null 2>&1; then
+    as_root="sudo env"
+else
+    echo "These packages are missing and only root (or sudo) can install them:$missing" >&2
+    exit 1
+fi
+
+install_missing() {
+    # shellcheck disable=SC2086
+    $as_root DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=300 \
+        -o Dpkg::Use-Pty=0 install --no-install-recommends $missing
+}
+
+echo "Installing:$missing"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+# The package lists of a new machine are empty or old: they are fetched only when that shows.
+if ! install_missing >"$log" 2>&1; then
+    $as_root apt-get -q -o DPkg::Lock::Timeout=300 update >>"$log" 2>&1 || true
+    if ! install_missing >>"$log" 2>&1; then
+        cat "$log" >&2
+        echo "Installing the packages failed; what apt-get said stands above." >&2
+        exit 1
+    fi
+fi
