@@ -1,0 +1,24 @@
+#include "shell/u13Folders.h"
+
+#include "platform/RuntimeError.h"
+#include "platform/system/Host.h"
+#include "shell/u91Trace.h"
+
+namespace u13Folders {
+
+QString CostsPath() {
+    u91Trace::Procedure(QStringLiteral("u13Folders.CostsPath"));
+    const QString programFolder = platform::ProgramFolder();
+    const QString costs = platform::FindFile(programFolder, QStringLiteral("Costs"));
+    try {
+        // Only whether listing fails counts: a folder that is not there lists as empty.
+        (void)platform::Dir(platform::JoinPath(costs, QString()));
+        return costs;
+    } catch (const platform::RuntimeError& error) {
+        u91Trace::Warning(QStringLiteral("  Err = %1, CostsPath = ").arg(error.Number()) +
+                          programFolder);
+        return programFolder;
+    }
+}
+
+}  // namespace u13Folders
