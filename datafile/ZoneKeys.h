@@ -2,7 +2,13 @@
 //
 // A zone owns nine rows of SuppressionPerAcreCost (FMZKey, Sequence 1 to 9) and, for each of its
 // representative locations, fourteen rows of NVCPerAcre (FMZRLKey, ResourceNumber 1 to 14).
+//
+// The key of a location leaves room for 99 of them. A zone with more reaches into the keys of the
+// zones after it; where such a zone has its rows already, the add is refused as a duplicate key
+// (3022) and everything that the call had added is taken back.
 #pragma once
+
+#include <QString>
 
 #include <cstdint>
 
@@ -14,6 +20,13 @@ inline constexpr int kFilLevels = 6;
 
 // zone key x 100 + location (from 1); throws overflow (6) outside 32 bits.
 std::int32_t FMZRLKey(std::int32_t zoneKey, std::int32_t location);
+
+// Adds a zone and all its dependent rows and gives its key, or adds nothing and throws.
+std::int32_t AddZone(const QString& name, std::int32_t locations);
+// Adds the rows of the locations first to last of an existing zone. Rows that are there already,
+// kept from before the zone had fewer locations, stay as they are; gives their number. All or
+// nothing: rows of another zone in the way throw.
+int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last);
 
 // Adds the nine cost rows of a new zone, sizes and costs left empty.
 void AddCostRows(std::int32_t zoneKey);

@@ -9,6 +9,7 @@ namespace platform {
 
 // Numbers used by the program's own code; the engine's errors bring theirs along.
 enum ErrorNumber {
+    kInvalidArgument = 5,
     kOverflow = 6,
     kOutOfMemory = 7,
     kSubscriptOutOfRange = 9,

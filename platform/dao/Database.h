@@ -48,12 +48,16 @@ enum class OpenMode {
 class Database {
 public:
     static std::unique_ptr<Database> Open(const QString& path, OpenMode mode);
+    // Throws when a file of that name exists and somebody holds it or it cannot be written, so that
+    // nobody's open file is replaced under their hands.
+    static void RequireFree(const QString& path);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
     void Close();
     void MakeDurable();
+    [[nodiscard]] bool HasTable(const QString& name) const;
     [[nodiscard]] std::unique_ptr<Recordset> OpenTable(const QString& name);
     [[nodiscard]] std::unique_ptr<Recordset> OpenDynaset(const QString& sql);
     void AppendTable(const TableDefinition& table);

@@ -2,6 +2,7 @@
 // the current record is after each operation; errors are platform::RuntimeError.
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QVariant>
 
@@ -14,7 +15,8 @@
 
 namespace jet {
 class Recordset;
-}
+struct FieldId;
+}  // namespace jet
 
 namespace dao {
 
@@ -56,7 +58,10 @@ public:
     void Delete();
 
 private:
+    [[nodiscard]] jet::FieldId Find(const QString& name) const;
+
     std::unique_ptr<jet::Recordset> records_;
+    mutable QHash<QString, int> fields_;  // positions of the names used so far, as spelt
 };
 
 }  // namespace dao

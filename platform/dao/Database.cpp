@@ -1,0 +1,133 @@
+#include "platform/dao/Database.h"
+
+#include "jet/database.h"
+#include "jet/recordset.h"
+#include "platform/dao/Convert.h"
+#include "platform/dao/Recordset.h"
+
+namespace dao {
+
+namespace {
+
+jet::ColumnSchema ToSchema(const FieldDefinition& field) {
+    jet::ColumnSchema column;
+    column.name = ToUtf8(field.name);
+    column.autoNumber = field.autoIncrement;
+    switch (field.type) {
+        case FieldType::kLong:
+            column.type = jet::ColumnType::kLong;
+            break;
+        case FieldType::kSingle:
+            column.type = jet::ColumnType::kSingle;
+            break;
+        case FieldType::kText:
+            column.type = jet::ColumnType::kText;
+            column.length = field.size;
+            break;
+        case FieldType::kMemo:
+            column.type = jet::ColumnType::kMemo;
+            break;
+    }
+    return column;
+}
+
+jet::IndexSchema ToSchema(const IndexDefinition& definition) {
+    jet::IndexSchema index;
+    index.name = ToUtf8(definition.name);
+    index.primary = definition.primary;
+    index.unique = definition.unique || definition.primary;
+    index.required = definition.primary;
+    for (const QString& field : definition.fields) {
+        index.columns.push_back({ToUtf8(field), true});
+    }
+    return index;
+}
+
+// Media that allow no writing (a disc, a folder on somebody else's machine) still allow reading.
+bool MayBeReadable(const jet::Error& error) {
+    return error.Kind() == jet::ErrorKind::kReadOnly ||
+           error.Kind() == jet::ErrorKind::kPermissionDenied;
+}
+
+std::unique_ptr<jet::Database> OpenShared(const std::filesystem::path& path) {
+    try {
+        return jet::Database::Open(path, {.exclusive = false, .readOnly = false});
+    } catch (const jet::Error& error) {
+        if (!MayBeReadable(error)) {
+            throw;
+        }
+        return jet::Database::Open(path, {.exclusive = false, .readOnly = true});
+    }
+}
+
+}  // namespace
+
+Database::Database(std::unique_ptr<jet::Database> database) : database_(std::move(database)) {}
+
+Database::~Database() = default;
+
+std::unique_ptr<Database> Database::Open(const QString& path, OpenMode mode) {
+    return Mapped([&] {
+        auto database =
+            mode == OpenMode::kExclusive
+                ? jet::Database::Open(ToPath(path), {.exclusive = true, .readOnly = false})
+                : OpenShared(ToPath(path));
+        return std::unique_ptr<Database>(new Database(std::move(database)));
+    });
+}
+
+void Database::RequireFree(const QString& path) {
+    Mapped([&] {
+        jet::FileSystem& files = jet::HostFileSystem();
+        if (!files.Exists(ToPath(path))) {
+            return;
+        }
+        if (!files.Open(ToPath(path), jet::OpenMode::kReadWrite)->TryLock(true)) {
+            throw jet::Error(jet::ErrorKind::kFileInUse,
+                             "The file is in use by another program or window.");
+        }
+    });
+}
+
+void Database::Close() {
+    Mapped([this] { database_->Close(); });
+}
+
+void Database::MakeDurable() {
+    Mapped([this] { database_->MakeDurable(); });
+}
+
+bool Database::HasTable(const QString& name) const {
+    return Mapped([&] { return database_->HasTable(ToUtf8(name)); });
+}
+
+std::unique_ptr<Recordset> Database::OpenTable(const QString& name) {
+    return Mapped([&] { return std::make_unique<Recordset>(database_->OpenTable(ToUtf8(name))); });
+}
+
+std::unique_ptr<Recordset> Database::OpenDynaset(const QString& sql) {
+    return Mapped([&] { return std::make_unique<Recordset>(database_->OpenQuery(ToUtf8(sql))); });
+}
+
+void Database::AppendTable(const TableDefinition& table) {
+    jet::TableSchema schema;
+    schema.name = ToUtf8(table.name);
+    for (const FieldDefinition& field : table.fields) {
+        schema.columns.push_back(ToSchema(field));
+    }
+    for (const IndexDefinition& index : table.indexes) {
+        schema.indexes.push_back(ToSchema(index));
+    }
+    Mapped([&] { database_->CreateTable(schema); });
+}
+
+int Database::RecoveredOperations() const {
+    const jet::Recovery& recovery = database_->OpeningRecovery();
+    return recovery.applied ? static_cast<int>(recovery.operations) : 0;
+}
+
+bool Database::IsReadOnly() const {
+    return database_->IsReadOnly();
+}
+
+}  // namespace dao
