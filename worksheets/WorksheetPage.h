@@ -1,0 +1,60 @@
+// What all worksheet forms have in common: one look (title, margins, spacing, label styles), and
+// their dealings with the worksheet manager.
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+#include "shell/Worksheet.h"
+
+class QComboBox;
+class QLabel;
+class QVBoxLayout;
+
+class WorksheetPage : public QWidget, public Worksheet {
+    Q_OBJECT
+
+public:
+    QWidget& Form() override { return *this; }
+
+protected:
+    struct Identity {
+        const char* name;  // of the form
+        QString caption;   // of its window
+        int index;         // of its tab and menu item
+        const char* id;    // of the worksheet
+        int helpContextId;
+    };
+
+    WorksheetPage(WorksheetHost& host, QWidget* parent, Identity identity);
+
+    // The first steps of every set-up: place, check mark, worksheet id.
+    void BecomeCurrent();
+    [[nodiscard]] WorksheetHost& Host() const { return host_; }
+    // Where the page's rows go; the title stands in the first one.
+    [[nodiscard]] QVBoxLayout& Body() const { return *body_; }
+    // The page's title.
+    void AddTitle(const QString& text);
+
+private:
+    WorksheetHost& host_;
+    Identity identity_;
+    QVBoxLayout* body_;
+};
+
+// The parts that pages and dialogs are made of.
+namespace PageParts {
+
+// A label whose property "Caption" holds the text as given. `text` may mark one letter with "&"
+// when the label is going to be somebody's buddy.
+QLabel* Label(QWidget* parent, const char* name, const QString& text);
+// The same for longer explanations: wraps its lines.
+QLabel* Instruction(QWidget* parent, const char* name, const QString& text);
+// Names a control for the program and for people who hear the screen.
+void Name(QWidget& control, const char* name, const QString& accessibleName);
+// The wheel passes over a closed combo box without changing it.
+void HoldWheel(QComboBox& box);
+// Makes an item current without telling anybody.
+void SelectSilently(QComboBox& box, int index);
+
+}  // namespace PageParts

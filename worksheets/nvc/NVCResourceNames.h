@@ -1,0 +1,27 @@
+// The names of the fourteen resources, as the table "NVCResources" has them.
+#pragma once
+
+#include <QString>
+
+#include <array>
+
+#include "datafile/ZoneKeys.h"
+
+class NVCResourceNames {
+public:
+    // Reads all names from the open data file; a missing row gives an empty name.
+    void Load();
+    // Resources count from 1; outside 1 to 14: subscript out of range (9).
+    [[nodiscard]] const QString& Name(int resource) const;
+    // Marks the name changed when it differs.
+    void SetName(int resource, const QString& name);
+    // Writes the names that were changed.
+    void Save();
+
+private:
+    struct Entry {
+        QString name;
+        bool changed = false;
+    };
+    std::array<Entry, ZoneKeys::kResources> entries_;
+};
