@@ -1,0 +1,22 @@
+// Text keys: bytes whose order is the order of the General collation.
+//
+//   Jet 3, "General 97"       one weight for each byte of code page 1252, then the accents of the
+//                             letters as hexadecimal digits
+//   Jet 4, "General Legacy"   weights for each UTF-16 code unit, then accents, kana, and the places
+//                             of hyphens, apostrophes and control characters
+//
+// Neither knows case. Both take 255 characters at most and no blanks at the end.
+#pragma once
+
+#include <string_view>
+
+#include "index/index_tree.h"
+#include "page/types.h"
+
+namespace jet {
+
+// Appends the encoding of a text, without a flag byte. `text` is in code page 1252.
+void AppendGeneral97(Key& key, std::string_view text, bool ascending);
+void AppendGeneralLegacy(Key& key, std::u16string_view text, bool ascending);
+
+}  // namespace jet

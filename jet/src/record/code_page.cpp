@@ -1,0 +1,50 @@
+#include "record/code_page.h"
+
+#include <algorithm>
+#include <array>
+
+namespace jet {
+
+namespace {
+
+// The characters of the bytes 0x80 to 0x9F; all others are the characters of the same numbers.
+constexpr unsigned kFirst = 0x80;
+constexpr std::array<char16_t, 32> kUpper = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+}  // namespace
+
+std::u16string DecodeCodePage(std::string_view bytes) {
+    std::u16string text(bytes.size(), u'\0');
+    std::transform(bytes.begin(), bytes.end(), text.begin(), [](char c) -> char16_t {
+        const unsigned byte = static_cast<unsigned char>(c);
+        const unsigned place = byte - kFirst;
+        return place < kUpper.size() ? kUpper[place] : static_cast<char16_t>(byte);
+    });
+    return text;
+}
+
+std::string EncodeCodePage(std::u16string_view text, bool* complete) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (const char16_t unit : text) {
+        if (unit < kFirst || (unit > 0x9F && unit <= 0xFF)) {
+            bytes.push_back(static_cast<char>(unit));
+            continue;
+        }
+        const auto* const found = std::find(kUpper.begin(), kUpper.end(), unit);
+        if (found != kUpper.end()) {
+            bytes.push_back(static_cast<char>(kFirst + (found - kUpper.begin())));
+            continue;
+        }
+        bytes.push_back('?');
+        if (complete != nullptr) {
+            *complete = false;
+        }
+    }
+    return bytes;
+}
+
+}  // namespace jet

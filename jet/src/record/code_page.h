@@ -1,0 +1,16 @@
+// Code page 1252, the encoding of text in Jet 3 files, to and from UTF-16.
+//
+// The five bytes that the code page leaves undefined stand for the characters of the same numbers,
+// as they do in Windows.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace jet {
+
+std::u16string DecodeCodePage(std::string_view bytes);
+// Characters outside the code page become question marks; `complete`, when given, then turns false.
+std::string EncodeCodePage(std::u16string_view text, bool* complete = nullptr);
+
+}  // namespace jet
