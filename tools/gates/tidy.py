@@ -1,0 +1,85 @@
+#!/usr/bin/env python3
+"""clang-tidy over every source file. What was found clean is remembered by content, so that only
+files that changed, or whose headers did, are looked at again.
+
+Usage: tidy.py BUILD_FOLDER [FILE...]"""
+import concurrent.futures
+import hashlib
+import json
+import os
+import subprocess
+import sys
+from pathlib import Path
+
+import tree
+
+
+def headers_of(build):
+    """Object file to the headers of the tree that its compilation read, as ninja recorded them."""
+    listing = subprocess.run(["ninja", "-C", str(build), "-t", "deps"], capture_output=True,
+                             text=True, check=False).stdout
+    found, current = {}, None
+    for line in listing.splitlines():
+        if line and not line[0].isspace():
+            current = line.split(":")[0]
+            found[current] = []
+        elif line.strip():
+            path = Path(os.path.normpath(build / line.strip()))
+            if path.is_relative_to(tree.ROOT) and not path.is_relative_to(build):
+                found[current].append(path)
+    return found
+
+
+def commands(build, wanted):
+    for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
+        path = Path(entry["file"])
+        if path.is_relative_to(build) or not path.is_relative_to(tree.ROOT):
+            continue
+        if wanted and path.resolve() not in wanted:
+            continue
+        yield path, entry["output"], entry["command"]
+
+
+def fingerprint(path, command, headers):
+    digest = hashlib.sha256()
+    digest.update((tree.ROOT / ".clang-tidy").read_bytes())
+    digest.update(command.replace(str(tree.ROOT), "").encode())
+    for part in sorted({path, *headers}):
+        digest.update(tree.name(part).encode() + part.read_bytes())
+    return digest.hexdigest()
+
+
+def examine(build, path, known, key):
+    run = subprocess.run(["clang-tidy", "--quiet", "-p", str(build), str(path)],
+                         capture_output=True, text=True, check=False)
+    if run.returncode == 0 and "warning:" not in run.stdout:
+        (known / key).touch()
+        return None
+    return run.stdout + ("" if run.stdout.strip() else run.stderr)
+
+
+def main():
+    build = Path(sys.argv[1]).resolve()
+    wanted = {Path(name).resolve() for name in sys.argv[2:]}
+    known = build / "tidy-clean"
+    known.mkdir(exist_ok=True)
+    headers = headers_of(build)
+    work, seen, total = [], set(), 0
+    for path, output, command in commands(build, wanted):
+        if path in seen:
+            continue
+        seen.add(path)
+        total += 1
+        key = fingerprint(path, command, headers.get(output, []))
+        if not (known / key).exists():
+            work.append((path, key))
+    offenders = []
+    with concurrent.futures.ThreadPoolExecutor(int(os.environ.get("TARN_JOBS", os.cpu_count()))) as pool:
+        for result in pool.map(lambda item: examine(build, item[0], known, item[1]), work):
+            if result:
+                offenders.append(result)
+    print(f"{len(work)} of {total} files examined")
+    tree.finish(offenders, "nothing for clang-tidy to say")
+
+
+main()
