@@ -3,8 +3,6 @@
 
 #include <QFrame>
 
-class QLabel;
-
 class SSPanel : public QFrame {
     Q_OBJECT
     Q_PROPERTY(QString Caption READ Caption WRITE SetCaption)
@@ -14,10 +12,10 @@ public:
     [[nodiscard]] QString Caption() const;
     void SetCaption(const QString& caption);
     void SetCaptionAlignment(Qt::Alignment alignment);
+    [[nodiscard]] QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    [[nodiscard]] QSize sizeHint() const override;
 
 private:
     QString caption_;

@@ -1,4 +1,8 @@
 // The tab strip's tabs: a tab bar whose switch can be refused.
+//
+// Every road to another tab - click, arrow keys, wheel, SetCurrTab, assistive technology - first
+// emits Switch, while the old tab still is the current one, and then Click. A tab that is not
+// visible is out of everybody's reach.
 #pragma once
 
 #include <QTabBar>
@@ -18,7 +22,22 @@ public:
     // only when `evenIfCurrent`.
     void SetCurrTab(int tab, bool evenIfCurrent = false);
 
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
 signals:
     void Switch(int oldTab, int newTab, bool* cancel);
     void Click();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    [[nodiscard]] QSize tabSizeHint(int tab) const override;
+
+private:
+    void OnCurrentChanged(int tab);
+    void ShowCurrent(int tab);
+    void FitFont();
+
+    int current_ = -1;
+    bool switching_ = false;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class QWidget;
 
@@ -15,6 +16,9 @@ struct OpenFileRequest {
     int filterIndex = 1;  // from 1
     bool mustExist = true;
 };
+
+// The pairs as the dialog wants them: "description (pattern pattern)".
+QStringList NameFilters(const QString& filter);
 
 class CommonDialog {
 public:

@@ -5,6 +5,9 @@
 
 namespace platform {
 
+// The application's title, as message boxes show it.
+inline const QString kApplicationTitle = QStringLiteral("TARN Prep");
+
 enum class MsgIcon { kNone, kStop, kQuestion, kExclamation, kInformation };
 enum class MsgButtons { kOk, kYesNo };
 enum class MsgAnswer { kOk, kYes, kNo };

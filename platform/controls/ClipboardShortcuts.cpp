@@ -1,0 +1,62 @@
+#include "platform/controls/ClipboardShortcuts.h"
+
+#include <QApplication>
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPointer>
+
+namespace platform {
+namespace {
+
+bool IsClipboardKey(const QKeyEvent& key) {
+    return key.matches(QKeySequence::Cut) || key.matches(QKeySequence::Copy) ||
+           key.matches(QKeySequence::Paste);
+}
+
+class ClipboardShortcutFilter : public QObject {
+public:
+    explicit ClipboardShortcutFilter(QObject* parent) : QObject(parent) {}
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ShortcutOverride && IsTextBox(watched)) {
+            auto* key = static_cast<QKeyEvent*>(event);
+            if (IsClipboardKey(*key)) {
+                key->ignore();
+                return true;
+            }
+        }
+        if (event->type() == QEvent::FocusOut &&
+            KeepsSelection(*static_cast<QFocusEvent*>(event))) {
+            if (auto* box = qobject_cast<QLineEdit*>(watched)) {
+                QFocusEvent asPopup(QEvent::FocusOut, Qt::PopupFocusReason);
+                static_cast<QObject*>(box)->event(&asPopup);
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    static bool IsTextBox(const QObject* object) {
+        return qobject_cast<const QLineEdit*>(object) != nullptr ||
+               qobject_cast<const QPlainTextEdit*>(object) != nullptr;
+    }
+
+    static bool KeepsSelection(const QFocusEvent& event) {
+        return event.reason() == Qt::MenuBarFocusReason;
+    }
+};
+
+}  // namespace
+
+void InstallClipboardShortcutFilter() {
+    static QPointer<ClipboardShortcutFilter> filter;
+    if (filter == nullptr) {
+        filter = new ClipboardShortcutFilter(qApp);
+        qApp->installEventFilter(filter);
+    }
+}
+
+}  // namespace platform

@@ -1,0 +1,14 @@
+// Cut, Copy and Paste by keyboard reach the program's menu.
+//
+// Text boxes claim these keys for themselves before any menu entry sees them. The filter takes the
+// claim away; where no menu entry wants the key (in a dialog, or while the entry is disabled) the
+// text box gets it after all. It also keeps a text box's selection while a menu is opened by
+// keyboard, so that the menu's Cut and Copy have something to work on.
+#pragma once
+
+namespace platform {
+
+// Installs the filter for the whole application; a second call does nothing.
+void InstallClipboardShortcutFilter();
+
+}  // namespace platform

@@ -1,0 +1,124 @@
+#include "platform/controls/vsIndexTab.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QSignalBlocker>
+#include <algorithm>
+
+namespace {
+
+constexpr int kStripHeight = 25;  // 375 twips
+constexpr int kTextHeight = 19;   // what the style leaves of it for the caption
+
+}  // namespace
+
+vsIndexTab::vsIndexTab(QWidget* parent) : QTabBar(parent) {
+    setShape(QTabBar::RoundedSouth);
+    setExpanding(false);
+    setDrawBase(false);
+    setUsesScrollButtons(true);
+    setElideMode(Qt::ElideNone);
+    setFocusPolicy(Qt::TabFocus);
+    FitFont();
+    connect(this, &QTabBar::currentChanged, this, &vsIndexTab::OnCurrentChanged);
+}
+
+void vsIndexTab::SetCaption(const QString& captions) {
+    const QSignalBlocker quiet(this);
+    while (count() > 0) {
+        removeTab(count() - 1);
+    }
+    for (QString caption : captions.split(u'|')) {
+        addTab(caption.replace(u'&', QStringLiteral("&&")));
+    }
+    current_ = currentIndex();
+}
+
+void vsIndexTab::SetTabVisibleByIndex(int tab, bool visible) {
+    const QSignalBlocker quiet(this);
+    setTabVisible(tab, visible);
+    current_ = currentIndex();
+}
+
+int vsIndexTab::CurrTab() const {
+    return currentIndex();
+}
+
+void vsIndexTab::SetCurrTab(int tab, bool evenIfCurrent) {
+    if (tab == currentIndex()) {
+        if (evenIfCurrent) {
+            emit Click();
+        }
+        return;
+    }
+    if (tab >= 0 && tab < count()) {
+        setCurrentIndex(tab);
+    }
+}
+
+QSize vsIndexTab::minimumSizeHint() const {
+    return {QTabBar::minimumSizeHint().width(), kStripHeight};
+}
+
+void vsIndexTab::keyPressEvent(QKeyEvent* event) {
+    const int step = event->key() == Qt::Key_Home ? 1 : event->key() == Qt::Key_End ? -1 : 0;
+    if (step == 0) {
+        QTabBar::keyPressEvent(event);
+        return;
+    }
+    int tab = step > 0 ? 0 : count() - 1;
+    while (tab >= 0 && tab < count() && !(isTabVisible(tab) && isTabEnabled(tab))) {
+        tab += step;
+    }
+    SetCurrTab(tab);
+}
+
+void vsIndexTab::changeEvent(QEvent* event) {
+    QTabBar::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange) {
+        FitFont();
+    }
+}
+
+QSize vsIndexTab::tabSizeHint(int tab) const {
+    const QSize hint = QTabBar::tabSizeHint(tab);
+    return {hint.width(), std::min(hint.height(), kStripHeight)};
+}
+
+// The tab bar has gone to its new tab already; the old one is shown again until the switch is
+// allowed.
+void vsIndexTab::OnCurrentChanged(int tab) {
+    const int old = current_;
+    ShowCurrent(old);
+    if (switching_ || tab < 0 || tab == old || !isTabVisible(tab)) {
+        return;
+    }
+    bool cancel = false;
+    switching_ = true;
+    emit Switch(old, tab, &cancel);
+    switching_ = false;
+    if (cancel) {
+        return;
+    }
+    current_ = tab;
+    ShowCurrent(tab);
+    emit Click();
+}
+
+void vsIndexTab::ShowCurrent(int tab) {
+    const QSignalBlocker quiet(this);
+    setCurrentIndex(tab);
+}
+
+// A large application font would not fit into the strip, whose height is given.
+void vsIndexTab::FitFont() {
+    QFont fitting = QApplication::font(this);
+    while (QFontMetrics(fitting).height() > kTextHeight && fitting.pointSizeF() > 6) {
+        fitting.setPointSizeF(fitting.pointSizeF() - 0.5);
+    }
+    if (fitting != font()) {
+        setFont(fitting);
+    }
+}

@@ -1,0 +1,62 @@
+#include "platform/dialogs/CommonDialog.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QPointer>
+#include <QRegularExpression>
+#include <QStringList>
+#include <algorithm>
+
+namespace platform {
+namespace {
+
+// "Data files (*.fcd)" and "*.fcd;*.mdb" as one Qt filter: "Data files (*.fcd *.mdb)".
+QString ToNameFilter(QString description, QString patterns) {
+    static const QRegularExpression kTrailingPatterns(QStringLiteral("\\s*\\([^()]*\\)\\s*$"));
+    description.remove(kTrailingPatterns);
+    QStringList list = patterns.replace(u';', u' ').split(u' ', Qt::SkipEmptyParts);
+    // Elsewhere "*.*" means all files, those without a dot included.
+    list.replaceInStrings(QStringLiteral("*.*"), QStringLiteral("*"));
+    return description + QStringLiteral(" (") + list.join(u' ') + u')';
+}
+
+}  // namespace
+
+QStringList NameFilters(const QString& filter) {
+    const QStringList parts = filter.split(u'|');
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        filters += ToNameFilter(parts[i], parts[i + 1]);
+    }
+    return filters;
+}
+
+QString CommonDialog::ShowOpen(const OpenFileRequest& request, QWidget* parent) {
+    QFileDialog dialog(parent, request.title);
+    dialog.setObjectName(QStringLiteral("CommonDialog"));
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    const QStringList filters = NameFilters(request.filter);
+    if (!filters.isEmpty()) {
+        dialog.setNameFilters(filters);
+        const qsizetype chosen =
+            std::clamp<qsizetype>(request.filterIndex - 1, 0, filters.size() - 1);
+        dialog.selectNameFilter(filters[chosen]);
+    }
+    // Set every time: the dialog would otherwise start where the last one ended.
+    const QString folder = request.initialFolder;
+    dialog.setDirectory(!folder.isEmpty() && QDir(folder).exists() ? folder : QDir::currentPath());
+    if (!request.fileName.isEmpty()) {
+        dialog.selectFile(request.fileName);
+    }
+    const QPointer<QWidget> window = parent == nullptr ? nullptr : parent->window();
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    if (window != nullptr) {
+        window->activateWindow();
+    }
+    const QStringList files = dialog.selectedFiles();
+    return accepted && !files.isEmpty() ? QDir::toNativeSeparators(files.first()) : QString();
+}
+
+}  // namespace platform

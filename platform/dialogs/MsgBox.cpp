@@ -1,0 +1,90 @@
+#include "platform/dialogs/MsgBox.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMessageBox>
+#include <QPointer>
+
+#include "platform/system/Host.h"
+
+namespace platform {
+namespace {
+
+QMessageBox::Icon ToIcon(MsgIcon icon) {
+    switch (icon) {
+        case MsgIcon::kStop:
+            return QMessageBox::Critical;
+        case MsgIcon::kQuestion:
+            return QMessageBox::Question;
+        case MsgIcon::kExclamation:
+            return QMessageBox::Warning;
+        case MsgIcon::kInformation:
+            return QMessageBox::Information;
+        case MsgIcon::kNone:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+// The ordinary pointer while the program waits for an answer.
+class PointerPause {
+public:
+    PointerPause() : pointer_(MousePointer()) { SetMousePointer(Pointer::kDefault); }
+    ~PointerPause() { SetMousePointer(pointer_); }
+    PointerPause(const PointerPause&) = delete;
+    PointerPause& operator=(const PointerPause&) = delete;
+
+private:
+    Pointer pointer_;
+};
+
+void SetButtons(QMessageBox& box, const MsgOptions& options) {
+    if (options.buttons == MsgButtons::kOk) {
+        box.setStandardButtons(QMessageBox::Ok);
+        box.setDefaultButton(QMessageBox::Ok);
+        return;
+    }
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(options.secondIsDefault ? QMessageBox::No : QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::No);
+}
+
+void NameButtons(QMessageBox& box) {
+    for (QAbstractButton* button : box.buttons()) {
+        QString name = button->text();
+        name.remove(u'&');
+        button->setObjectName(QStringLiteral("cmd") + name);
+        button->setAccessibleName(name);
+    }
+}
+
+}  // namespace
+
+MsgAnswer MsgBox(const QString& text, const MsgOptions& options) {
+    const PointerPause pause;
+    const QPointer<QWidget> parent = QApplication::activeWindow();
+    QMessageBox box(parent);
+    box.setObjectName(QStringLiteral("MsgBox"));
+    box.setWindowTitle(options.title.isEmpty() ? kApplicationTitle : options.title);
+    // Data texts may look like markup; as plain text they are shown as they are.
+    box.setTextFormat(Qt::PlainText);
+    box.setText(text);
+    box.setIcon(ToIcon(options.icon));
+    SetButtons(box, options);
+    NameButtons(box);
+    const int answer = box.exec();
+    // Not every window system hands the keyboard back by itself.
+    if (parent != nullptr) {
+        parent->activateWindow();
+    }
+    switch (answer) {
+        case QMessageBox::Yes:
+            return MsgAnswer::kYes;
+        case QMessageBox::No:
+            return MsgAnswer::kNo;
+        default:
+            return options.buttons == MsgButtons::kOk ? MsgAnswer::kOk : MsgAnswer::kNo;
+    }
+}
+
+}  // namespace platform

@@ -1,0 +1,196 @@
+#include "platform/system/Host.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCoreApplication>
+#include <QCursor>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QScreen>
+#include <QWidget>
+#include <algorithm>
+
+#include "platform/RuntimeError.h"
+
+namespace platform {
+namespace {
+
+QString programFolder;
+bool hourglass = false;
+
+[[noreturn]] void Throw(ErrorNumber number, const char* sentence, const QString& path) {
+    throw RuntimeError(number, QString::fromLatin1(sentence) + QStringLiteral(": ") + path);
+}
+
+// The pattern's "*" and "?" stand for any text and any character, everything else for itself.
+QRegularExpression WildcardExpression(const QString& pattern) {
+    QString expression;
+    for (const QChar c : pattern) {
+        if (c == u'*') {
+            expression += QStringLiteral(".*");
+        } else if (c == u'?') {
+            expression += u'.';
+        } else {
+            expression += QRegularExpression::escape(QString(c));
+        }
+    }
+    return QRegularExpression(
+        QRegularExpression::anchoredPattern(expression),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+}
+
+QScreen* FrameScreen() {
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == QLatin1String("frm0_Prep")) {
+            return window->screen();
+        }
+    }
+    return QGuiApplication::primaryScreen();
+}
+
+}  // namespace
+
+QString ProgramFolder() {
+    return programFolder.isEmpty()
+               ? QDir::toNativeSeparators(QCoreApplication::applicationDirPath())
+               : programFolder;
+}
+
+void SetProgramFolder(const QString& folder) {
+    programFolder = folder;
+}
+
+QString JoinPath(const QString& folder, const QString& name) {
+    const QChar separator = QDir::separator();
+    return folder.endsWith(separator) ? folder + name : folder + separator + name;
+}
+
+QStringList Dir(const QString& pattern) {
+    const QString path = QDir::fromNativeSeparators(pattern);
+    const qsizetype cut = path.lastIndexOf(u'/');
+    const QString folder = cut < 0 ? QStringLiteral(".") : path.left(std::max<qsizetype>(cut, 1));
+    QString last = path.mid(cut + 1);
+    if (last.isEmpty() || last == QLatin1String("*.*")) {
+        last = QStringLiteral("*");
+    }
+    const QFileInfo info(folder);
+    if (!info.exists()) {
+        return {};
+    }
+    if (!info.isDir()) {
+        Throw(kPathAccess, "Path/File access error", folder);
+    }
+    if (!info.isReadable() || !info.isExecutable()) {
+        Throw(kPermissionDenied, "Permission denied", folder);
+    }
+    return QDir(folder)
+        .entryList(QDir::Files, QDir::Name | QDir::IgnoreCase)
+        .filter(WildcardExpression(last));
+}
+
+QString FindFile(const QString& folder, const QString& name) {
+    const QString exact = JoinPath(folder, name);
+    if (QFileInfo::exists(exact)) {
+        return exact;
+    }
+    const QStringList names = QDir(folder).entryList(
+        QDir::Files | QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+    for (const QString& candidate : names) {
+        if (candidate.compare(name, Qt::CaseInsensitive) == 0) {
+            return JoinPath(folder, candidate);
+        }
+    }
+    return exact;
+}
+
+void FileCopy(const QString& from, const QString& to) {
+    const QFileInfo source(from);
+    if (!source.exists()) {
+        Throw(QFileInfo::exists(source.path()) ? kFileNotFound : kPathNotFound,
+              QFileInfo::exists(source.path()) ? "File not found" : "Path not found", from);
+    }
+    const QFileInfo target(to);
+    if (!QFileInfo::exists(target.path())) {
+        Throw(kPathNotFound, "Path not found", to);
+    }
+    if (source.isDir() || target.isDir()) {
+        Throw(kPathAccess, "Path/File access error", source.isDir() ? from : to);
+    }
+    QFile input(from);
+    if (!input.open(QIODevice::ReadOnly)) {
+        Throw(kPermissionDenied, "Permission denied", from);
+    }
+    if (target.exists() && !target.isWritable()) {
+        Throw(kPermissionDenied, "Permission denied", to);
+    }
+    QSaveFile output(to);
+    if (!output.open(QIODevice::WriteOnly)) {
+        Throw(kPermissionDenied, "Permission denied", to);
+    }
+    while (!input.atEnd()) {
+        const QByteArray block = input.read(1 << 16);
+        if (block.isEmpty()) {
+            Throw(kDeviceError, "Device I/O error", from);
+        }
+        if (output.write(block) != block.size()) {
+            Throw(kDiskFull, "Disk full", to);
+        }
+    }
+    if (!output.commit()) {
+        Throw(kPathAccess, "Path/File access error", to);
+    }
+}
+
+QSize ScreenSize() {
+    const QScreen* screen = FrameScreen();
+    return screen == nullptr ? QSize() : screen->geometry().size() * kTwipsPerPixel;
+}
+
+void SetMousePointer(Pointer pointer) {
+    const bool wanted = pointer == Pointer::kHourglass;
+    if (wanted == hourglass) {
+        return;
+    }
+    hourglass = wanted;
+    // Qt keeps a stack of pointers; there is never more than this one entry on it.
+    if (wanted) {
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QGuiApplication::restoreOverrideCursor();
+    }
+}
+
+Pointer MousePointer() {
+    return hourglass ? Pointer::kHourglass : Pointer::kDefault;
+}
+
+QString ClipboardText() {
+    return QGuiApplication::clipboard()->text();
+}
+
+void SetClipboardText(const QString& text) {
+    QGuiApplication::clipboard()->setText(text);
+}
+
+void PlaceOver(QWidget& dialog, const QWidget& frame) {
+    dialog.ensurePolished();
+    if (!dialog.testAttribute(Qt::WA_Resized)) {
+        dialog.adjustSize();
+    }
+    QRect place(QPoint(), dialog.size());
+    place.moveCenter(frame.frameGeometry().center());
+    if (const QScreen* screen = frame.screen()) {
+        const QRect room = screen->availableGeometry();
+        place.moveRight(std::min(place.right(), room.right()));
+        place.moveBottom(std::min(place.bottom(), room.bottom()));
+        place.moveLeft(std::max(place.left(), room.left()));
+        place.moveTop(std::max(place.top(), room.top()));
+    }
+    dialog.move(place.topLeft());
+}
+
+}  // namespace platform
