@@ -1,9 +1,13 @@
 // The life of the one data file: new from the template, open, version check and conversion, close.
+//
+// A failure is told to the user here and leaves no file open; a refused file stays as it was.
 #pragma once
 
 #include <QString>
 
 #include <cstdint>
+
+#include "platform/RuntimeError.h"
 
 class DatafileHost;
 
@@ -25,6 +29,8 @@ bool OpenDatatables(const QString& fileName);
 void Convert3to4();
 void CloseDatafile();
 QString FileTitleFromPath(const QString& path);
+// Tells the user that the file cannot be opened, and closes whatever of it is open.
+void RefuseDatafile(const platform::RuntimeError& reason);
 // Carries what was written so far through a power cut; nothing when no file is open.
 void MakeDurable();
 

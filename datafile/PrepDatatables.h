@@ -34,7 +34,10 @@ extern Table tblNVCPerAcre;
 // Opens the six tables other than Properties and sets their indexes. On an error it is told like a
 // file that cannot be opened, everything is closed again and the result is false.
 bool OpenRecordsets();
-// Closes the record sets and the database; whatever of them is open.
+// Closes the record sets and the database; whatever of them is open. All are closed even when an
+// error comes up, which is thrown at the end.
 void CloseDatafile();
+// The same without an entry in the log.
+void CloseAll();
 
 }  // namespace PrepDatatables

@@ -1,0 +1,292 @@
+#include "datafile/PrepDatafile.h"
+
+#include <algorithm>
+#include <array>
+
+#include "datafile/DatafileHost.h"
+#include "datafile/PrepDatatables.h"
+#include "datafile/PrepProperties.h"
+#include "datafile/frmFCDName.h"
+#include "datafile/u14libProperties.h"
+#include "platform/dialogs/CommonDialog.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/system/Host.h"
+#include "shell/u13Folders.h"
+#include "shell/u91Trace.h"
+
+using PrepDatatables::dbDatafile;
+using PrepDatatables::tblProperties;
+
+namespace PrepDatafile {
+
+namespace {
+
+const QString kDataFormatID = QStringLiteral("DataFormatID");
+const QString kCurrentFormat = QStringLiteral("4.01.01");
+const QString kPrimaryKey = QStringLiteral("PrimaryKey");
+
+DatafileHost* theHost = nullptr;
+bool fileIsOpen = false;
+QString currentFileName;
+QString currentPath;
+QString newUnitName;
+
+enum class Format { kCurrent, kSameTables, kWithoutGoals, kUnknown };
+
+Format FormatOf(const QString& formatID) {
+    if (formatID == kCurrentFormat) {
+        return Format::kCurrent;
+    }
+    if (formatID == QStringLiteral("4.00.00") || formatID == QStringLiteral("3.92.00")) {
+        return Format::kSameTables;
+    }
+    return formatID == QStringLiteral("3.00.00") ? Format::kWithoutGoals : Format::kUnknown;
+}
+
+void StoreFormat() {
+    tblProperties->Seek("=", {kDataFormatID});
+    tblProperties->Edit();
+    tblProperties->SetField(QStringLiteral("Value"), kCurrentFormat);
+    tblProperties->Update();
+}
+
+// An older file is changed when it is opened, so what OpenRecordsets will need is looked for first:
+// a file that is going to be refused must not be changed before.
+void RequireTables(Format format) {
+    static constexpr std::array<const char*, 6> kNames{"FMZList",      "SuppressionPerAcreCost",
+                                                       "SRMasterList", "NVCResources",
+                                                       "NVCPerAcre",   "ManagementGoals"};
+    for (const char* name : kNames) {
+        const QString table = QString::fromLatin1(name);
+        const bool mayBeMissing =
+            format == Format::kWithoutGoals && table == QStringLiteral("ManagementGoals");
+        if (mayBeMissing && !dbDatafile->HasTable(table)) {
+            continue;
+        }
+        const auto records = dbDatafile->OpenTable(table);
+        records->SetIndex(kPrimaryKey);
+        records->Close();
+    }
+}
+
+// Closes what has failed already; that closing fails as well is no news then.
+void CloseQuietly() {
+    fileIsOpen = false;
+    try {
+        PrepDatatables::CloseAll();
+    } catch (const platform::RuntimeError&) {
+        return;
+    }
+}
+
+void WarnOfRecovery() {
+    if (const int operations = dbDatafile->RecoveredOperations(); operations > 0) {
+        u91Trace::Warning(
+            QStringLiteral("PrepDatafile.OpenDatatables: %1 changes of an interrupted run were "
+                           "brought in")
+                .arg(operations));
+    }
+}
+
+// Accepts, relabels or converts the open file; false when its format is unknown.
+bool AcceptFormat() {
+    const Format format = FormatOf(u14libProperties::Read(*tblProperties, kDataFormatID));
+    switch (format) {
+        case Format::kUnknown:
+            return false;
+        case Format::kCurrent:
+            return true;
+        case Format::kSameTables:
+            RequireTables(format);
+            StoreFormat();
+            return true;
+        case Format::kWithoutGoals:
+            RequireTables(format);
+            Convert3to4();
+            return true;
+    }
+    return false;
+}
+
+bool TemplateExists() {
+    try {
+        return !platform::Dir(
+                    platform::JoinPath(platform::ProgramFolder(), QStringLiteral("FCD.new")))
+                    .isEmpty();
+    } catch (const platform::RuntimeError&) {
+        return false;
+    }
+}
+
+bool CopyTemplate(const QString& path) {
+    try {
+        dao::Database::RequireFree(path);
+        platform::FileCopy(platform::FindFile(platform::ProgramFolder(), QStringLiteral("FCD.new")),
+                           path);
+        return true;
+    } catch (const platform::RuntimeError&) {
+        return false;
+    }
+}
+
+// The worksheet that shows belongs to the file that is about to be closed.
+void CloseFormerFile() {
+    if (!fileIsOpen) {
+        return;
+    }
+    if (theHost != nullptr) {
+        theHost->ReleaseWorksheet();
+    }
+    CloseDatafile();
+}
+
+QWidget* Frame() {
+    return theHost != nullptr ? theHost->Frame() : nullptr;
+}
+
+}  // namespace
+
+void SetHost(DatafileHost* host) {
+    theHost = host;
+}
+
+bool IsDatafileOpen() {
+    return fileIsOpen;
+}
+
+const QString& CurrentFileName() {
+    return currentFileName;
+}
+
+const QString& CurrentPath() {
+    return currentPath;
+}
+
+std::int16_t QueryNewDatafile() {
+    u91Trace::Procedure(QStringLiteral("PrepDatafile.QueryNewDatafile"));
+    const QString path = NewFileDialog();
+    if (path.isEmpty()) {
+        return kCancelled;
+    }
+    CloseFormerFile();
+    if (!TemplateExists()) {
+        platform::MsgBox(QStringLiteral("Unable to create new TARN Prep file.") +
+                         platform::kNewLine + QStringLiteral("Source file FCD.new is missing."));
+        return kFailed;
+    }
+    if (!CopyTemplate(path)) {
+        platform::MsgBox(QStringLiteral("Unable to create new TARN Prep file."));
+        return kFailed;
+    }
+    if (!OpenDatatables(path)) {
+        return kFailed;
+    }
+    try {
+        PrepProperties::SetProperty(QStringLiteral("UnitName"), newUnitName);
+    } catch (...) {
+        CloseQuietly();
+        throw;
+    }
+    return kOpened;
+}
+
+QString NewFileDialog() {
+    u91Trace::Procedure(QStringLiteral("PrepDatafile.NewFileDialog"));
+    const frmFCDName::Outcome outcome = frmFCDName::ShowModal(Frame());
+    if (outcome.fileStatus != frmFCDName::kChosen) {
+        return {};
+    }
+    currentFileName = outcome.fileName;
+    newUnitName = outcome.unitDescription;
+    return platform::JoinPath(u13Folders::CostsPath(), currentFileName);
+}
+
+std::int16_t QueryOpenDatafile() {
+    u91Trace::Procedure(QStringLiteral("PrepDatafile.QueryOpenDatafile"));
+    platform::OpenFileRequest request;
+    request.title = QStringLiteral("Open TARN Prep file");
+    request.initialFolder = u13Folders::CostsPath();
+    request.filter = QStringLiteral("TARN Prep files (*.fcd)|*.fcd|All Files (*.*)|*.*");
+    request.mustExist = true;
+    const QString path = platform::CommonDialog::ShowOpen(request, Frame());
+    if (path.isEmpty()) {
+        return kCancelled;
+    }
+    CloseFormerFile();
+    if (OpenDatatables(path)) {
+        currentFileName = FileTitleFromPath(path);
+        return kOpened;
+    }
+    if (theHost != nullptr) {
+        theHost->FCD_Restart();
+    }
+    return kFailed;
+}
+
+bool OpenDatatables(const QString& fileName) {
+    u91Trace::Procedure(QStringLiteral("PrepDatafile.OpenDatatables ") + fileName);
+    try {
+        dbDatafile = dao::Database::Open(fileName, dao::OpenMode::kExclusive);
+        WarnOfRecovery();
+        tblProperties.Open(*dbDatafile, "Properties");
+        tblProperties->SetIndex(kPrimaryKey);
+        if (!AcceptFormat()) {
+            PrepDatatables::CloseAll();
+            platform::MsgBox(
+                QStringLiteral("This file uses an incompatible format and cannot be "
+                               "opened using TARN Prep 03."));
+            return false;
+        }
+    } catch (const platform::RuntimeError& error) {
+        RefuseDatafile(error);
+        return false;
+    }
+    currentPath = fileName;
+    currentFileName = FileTitleFromPath(fileName);
+    fileIsOpen = true;
+    return true;
+}
+
+void Convert3to4() {
+    u91Trace::Procedure(QStringLiteral("PrepDatafile.Convert3to4"));
+    const QString goals = QStringLiteral("ManagementGoals");
+    const QString key = QStringLiteral("Key");
+    // A conversion that was cut off between its two steps has added the table already.
+    if (!dbDatafile->HasTable(goals)) {
+        dao::TableDefinition table;
+        table.name = goals;
+        table.fields = {{key, dao::FieldType::kLong, 0, true},
+                        {QStringLiteral("ManagementArea"), dao::FieldType::kText, 100},
+                        {QStringLiteral("Explanation"), dao::FieldType::kMemo}};
+        table.indexes = {{kPrimaryKey, {key}, true, true}};
+        dbDatafile->AppendTable(table);
+    }
+    StoreFormat();
+}
+
+void CloseDatafile() {
+    fileIsOpen = false;
+    PrepDatatables::CloseDatafile();
+}
+
+QString FileTitleFromPath(const QString& path) {
+    // Both separators count: files and their paths travel between systems.
+    const qsizetype last =
+        std::max(path.lastIndexOf(QLatin1Char('\\')), path.lastIndexOf(QLatin1Char('/')));
+    return path.mid(last + 1);
+}
+
+void RefuseDatafile(const platform::RuntimeError& /*reason*/) {
+    CloseQuietly();
+    platform::MsgBox(
+        QStringLiteral("The file does not appear to be a TARN Prep file.  It cannot be opened."));
+    u91Trace::Warning(QStringLiteral("PrepDatafile.OpenDatafile: Unsuccessful - unable to open"));
+}
+
+void MakeDurable() {
+    if (fileIsOpen && dbDatafile) {
+        dbDatafile->MakeDurable();
+    }
+}
+
+}  // namespace PrepDatafile

@@ -1,0 +1,130 @@
+#include "datafile/UnitFinder.h"
+
+#include <utility>
+
+namespace {
+
+const QString kPrimaryKey = QStringLiteral("PrimaryKey");
+const QString kUnitID = QStringLiteral("UnitID");
+const QString kUnitName = QStringLiteral("UnitName");
+const QString kState = QStringLiteral("State");
+
+// Back to the primary index when a search ends, however it ends.
+class IndexScope {
+public:
+    IndexScope(dao::Recordset& records, const QString& index) : records_(records) {
+        records_.SetIndex(index);
+    }
+    ~IndexScope() {
+        try {
+            records_.SetIndex(kPrimaryKey);
+        } catch (const platform::RuntimeError&) {
+            return;  // the search itself has met the same failure and reports it
+        }
+    }
+    IndexScope(const IndexScope&) = delete;
+    IndexScope& operator=(const IndexScope&) = delete;
+
+private:
+    dao::Recordset& records_;
+};
+
+void CloseQuietly(std::unique_ptr<dao::Recordset>& records) {
+    try {
+        records->Close();
+    } catch (const platform::RuntimeError&) {
+        // Nothing was written through it, so nothing is lost.
+    }
+    records.reset();
+}
+
+}  // namespace
+
+UnitFinder::~UnitFinder() {
+    Close();
+}
+
+void UnitFinder::Open(const QString& path) {
+    database_ = dao::Database::Open(path, dao::OpenMode::kShared);
+    databaseOpen_ = true;
+    properties_ = database_->OpenTable(QStringLiteral("Properties"));
+    propertiesOpen_ = true;
+    properties_->SetIndex(kPrimaryKey);
+    units_ = database_->OpenTable(QStringLiteral("Units"));
+    unitsOpen_ = true;
+    units_->SetIndex(kPrimaryKey);
+}
+
+void UnitFinder::Close() {
+    if (std::exchange(propertiesOpen_, false)) {
+        CloseQuietly(properties_);
+    }
+    if (std::exchange(unitsOpen_, false)) {
+        CloseQuietly(units_);
+    }
+    if (std::exchange(databaseOpen_, false)) {
+        database_.reset();
+    }
+}
+
+UnitFinder::Answer UnitFinder::FindUnit(const QString& id) {
+    const IndexScope byID(*units_, kUnitID);
+    units_->Seek("=", {id});
+    if (units_->NoMatch()) {
+        return {};
+    }
+    units_->MoveNext();
+    if (!units_->EndOfFile() && units_->Text(kUnitID) == id) {
+        return {kInSeveralStates, {}};
+    }
+    units_->Seek("=", {id});
+    return {kFound, Current()};
+}
+
+UnitFinder::Answer UnitFinder::FindUnitInState(const QString& id, const QString& state) {
+    units_->Seek("=", {id, state});
+    if (units_->NoMatch()) {
+        return {};
+    }
+    return {kFound, Current()};
+}
+
+std::vector<UnitFinder::Unit> UnitFinder::ListByID(const QString& text) {
+    return List(kUnitID, text);
+}
+
+std::vector<UnitFinder::Unit> UnitFinder::ListByName(const QString& text) {
+    return List(kUnitName, text);
+}
+
+UnitFinder::Unit UnitFinder::Current() const {
+    return {units_->Text(kUnitName), units_->Text(kUnitID), units_->Text(kState)};
+}
+
+std::vector<UnitFinder::Unit> UnitFinder::List(const QString& index, const QString& text) {
+    const IndexScope scope(*units_, index);
+    std::vector<Unit> found;
+    if (units_->RecordCount() == 0) {
+        return found;
+    }
+    units_->Seek(">=", {text});
+    if (units_->NoMatch()) {
+        units_->MoveLast();
+        StepBack(2);
+    }
+    StepBack(3);
+    while (!units_->EndOfFile() && found.size() < kListRows) {
+        found.push_back(Current());
+        units_->MoveNext();
+    }
+    return found;
+}
+
+void UnitFinder::StepBack(int steps) {
+    for (int step = 0; step < steps; ++step) {
+        units_->MovePrevious();
+        if (units_->BeginOfFile()) {
+            units_->MoveFirst();
+        }
+    }
+}

@@ -1,0 +1,203 @@
+#include "datafile/ZoneKeys.h"
+
+#include <functional>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "datafile/FieldReaders.h"
+#include "datafile/PrepDatatables.h"
+
+using PrepDatatables::tblFMZList;
+using PrepDatatables::tblNVCPerAcre;
+using PrepDatatables::tblSuppressionPerAcreCost;
+
+namespace ZoneKeys {
+
+namespace {
+
+const QString kKey = QStringLiteral("Key");
+const QString kName = QStringLiteral("Name");
+const QString kRLCount = QStringLiteral("RLCount");
+const QString kFMZKey = QStringLiteral("FMZKey");
+const QString kSequence = QStringLiteral("Sequence");
+const QString kFMZRLKey = QStringLiteral("FMZRLKey");
+const QString kResourceNumber = QStringLiteral("ResourceNumber");
+
+constexpr std::int32_t kLocationsPerKey = 100;
+
+[[noreturn]] void Refuse() {
+    throw platform::RuntimeError(
+        platform::kDuplicateKey,
+        QStringLiteral("The rows of this location would lie among those of another zone. A zone "
+                       "has room for 99 locations."));
+}
+
+// What has been added so far, to be deleted again when the rest is refused.
+class Undo {
+public:
+    Undo() = default;
+    Undo(const Undo&) = delete;
+    Undo& operator=(const Undo&) = delete;
+    ~Undo() {
+        for (auto step = steps_.rbegin(); step != steps_.rend(); ++step) {
+            try {
+                (*step)();
+            } catch (const platform::RuntimeError&) {
+                // The error that led here is the one to report; the other rows can still go.
+                continue;
+            }
+        }
+    }
+    void Add(std::function<void()> step) { steps_.push_back(std::move(step)); }
+    void Keep() { steps_.clear(); }
+
+private:
+    std::vector<std::function<void()>> steps_;
+};
+
+void AddCostRow(std::int32_t zoneKey, int sequence) {
+    tblSuppressionPerAcreCost->AddNew();
+    tblSuppressionPerAcreCost->SetField(kFMZKey, zoneKey);
+    tblSuppressionPerAcreCost->SetField(kSequence, sequence);
+    tblSuppressionPerAcreCost->Update();
+}
+
+void DeleteCostRow(std::int32_t zoneKey, int sequence) {
+    tblSuppressionPerAcreCost->Seek("=", {zoneKey, sequence});
+    if (!tblSuppressionPerAcreCost->NoMatch()) {
+        tblSuppressionPerAcreCost->Delete();
+    }
+}
+
+bool HasValueRow(std::int32_t key, int resource) {
+    tblNVCPerAcre->Seek("=", {key, resource});
+    return !tblNVCPerAcre->NoMatch();
+}
+
+void AddValueRow(std::int32_t key, int resource) {
+    tblNVCPerAcre->AddNew();
+    tblNVCPerAcre->SetField(kFMZRLKey, key);
+    tblNVCPerAcre->SetField(kResourceNumber, resource);
+    tblNVCPerAcre->Update();
+}
+
+void DeleteValueRow(std::int32_t key, int resource) {
+    if (HasValueRow(key, resource)) {
+        tblNVCPerAcre->Delete();
+    }
+}
+
+void DeleteZone(std::int32_t zoneKey, const QString& name) {
+    tblFMZList->Seek("=", {zoneKey});
+    if (!tblFMZList->NoMatch() && tblFMZList->Text(kName) == name) {
+        tblFMZList->Delete();
+    }
+}
+
+// The number of locations of a zone, or -1 when there is no such zone.
+std::int32_t LocationsOf(std::int32_t zoneKey) {
+    tblFMZList->Seek("=", {zoneKey});
+    return tblFMZList->NoMatch() ? -1 : FieldReaders::LongField(*tblFMZList, kRLCount);
+}
+
+// Whether another zone owns the rows at this location's key: the zone whose key they spell, or one
+// before it with so many locations that they reach this far.
+bool ReachesAnother(std::int32_t zoneKey, std::int32_t location) {
+    const std::int32_t steps = location / kLocationsPerKey;
+    const std::int32_t rest = location % kLocationsPerKey;
+    if (steps > 0 && rest > 0 && LocationsOf(zoneKey + steps) >= 0) {
+        return true;
+    }
+    // The grid takes three digits for the number of locations, so ten keys is the farthest reach.
+    for (std::int32_t back = 1; back <= 10; ++back) {
+        if (LocationsOf(zoneKey - back) >= location + back * kLocationsPerKey) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool BelongsToAnother(std::int32_t zoneKey, std::int32_t location) {
+    const bool reaches = ReachesAnother(zoneKey, location);
+    LocationsOf(zoneKey);  // callers are about to edit this zone's record
+    return reaches;
+}
+
+// Gives the number of rows that existed.
+int AddValueRows(std::int32_t zoneKey, std::int32_t location, bool keepExisting, Undo& undo) {
+    const std::int32_t key = FMZRLKey(zoneKey, location);
+    int existed = 0;
+    for (int resource = 1; resource <= kResources; ++resource) {
+        if (HasValueRow(key, resource)) {
+            if (!keepExisting || (existed == 0 && BelongsToAnother(zoneKey, location))) {
+                Refuse();
+            }
+            ++existed;
+            continue;
+        }
+        AddValueRow(key, resource);
+        undo.Add([key, resource] { DeleteValueRow(key, resource); });
+    }
+    return existed;
+}
+
+void AddNineCostRows(std::int32_t zoneKey, Undo& undo) {
+    for (int sequence = 1; sequence <= kCostClasses; ++sequence) {
+        AddCostRow(zoneKey, sequence);
+        undo.Add([zoneKey, sequence] { DeleteCostRow(zoneKey, sequence); });
+    }
+}
+
+}  // namespace
+
+std::int32_t FMZRLKey(std::int32_t zoneKey, std::int32_t location) {
+    const std::int64_t key = std::int64_t{zoneKey} * kLocationsPerKey + location;
+    if (key < std::numeric_limits<std::int32_t>::min() ||
+        key > std::numeric_limits<std::int32_t>::max()) {
+        throw platform::RuntimeError(platform::kOverflow, QStringLiteral("Overflow."));
+    }
+    return static_cast<std::int32_t>(key);
+}
+
+std::int32_t AddZone(const QString& name, std::int32_t locations) {
+    Undo undo;
+    tblFMZList->AddNew();
+    tblFMZList->SetField(kName, name);
+    tblFMZList->SetField(kRLCount, locations);
+    tblFMZList->Update();
+    tblFMZList->MoveLast();
+    const std::int32_t zoneKey = tblFMZList->Long(kKey);
+    undo.Add([zoneKey, name] { DeleteZone(zoneKey, name); });
+    AddNineCostRows(zoneKey, undo);
+    for (std::int32_t location = 1; location <= locations; ++location) {
+        AddValueRows(zoneKey, location, false, undo);
+    }
+    undo.Keep();
+    return zoneKey;
+}
+
+int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last) {
+    Undo undo;
+    int existed = 0;
+    for (std::int32_t location = first; location <= last; ++location) {
+        existed += AddValueRows(zoneKey, location, true, undo);
+    }
+    undo.Keep();
+    return existed;
+}
+
+void AddCostRows(std::int32_t zoneKey) {
+    Undo undo;
+    AddNineCostRows(zoneKey, undo);
+    undo.Keep();
+}
+
+int AddLocationRows(std::int32_t zoneKey, std::int32_t location, bool keepExisting) {
+    Undo undo;
+    const int existed = AddValueRows(zoneKey, location, keepExisting, undo);
+    undo.Keep();
+    return existed;
+}
+
+}  // namespace ZoneKeys

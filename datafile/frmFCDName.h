@@ -1,0 +1,99 @@
+// The dialog that names a new data file: unit identifier, state and year make up the title, and the
+// ID Finder helps to find the unit in the table of unit names.
+#pragma once
+
+#include <QDialog>
+#include <QString>
+
+#include <cstdint>
+#include <vector>
+
+#include "datafile/UnitFinder.h"
+
+class QLabel;
+class QLayout;
+class QLineEdit;
+class QPushButton;
+class SSPanel;
+class UnitBox;
+class vsFlexGrid;
+
+class frmFCDName : public QDialog {
+    Q_OBJECT
+
+public:
+    enum Status : std::int16_t { kChosen = 1, kCancelled = 2, kNoUnitNames = 3 };
+
+    struct Outcome {
+        std::int16_t fileStatus = kCancelled;
+        QString fileName;
+        QString unitDescription;
+    };
+
+    // Shows the dialog over `frame` (may be null) until a name is chosen or it is cancelled.
+    static Outcome ShowModal(QWidget* frame);
+
+    explicit frmFCDName(QWidget* frame);
+
+    // Opens the unit names and fills the year. False, and the dialog is unloaded, when they cannot
+    // be opened.
+    bool Load();
+    void Unload();
+    [[nodiscard]] const Outcome& Result() const { return outcome_; }
+
+    void SetupGrid();
+    bool OpenNameTables();
+    void CloseNameTables();
+    UnitFinder::Code GetUnit(const QString& id);
+    UnitFinder::Code GetUnitState(const QString& id, const QString& state);
+    void GetMatchingIDs(const QString& text);
+    void GetMatchingNames(const QString& text);
+    void CreateFileTitle();
+
+    void reject() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void CreateControls();
+    void NameControls();
+    void LayOutControls();
+    QLayout* LayOutQuestions();
+    QLayout* LayOutUnitRow();
+    QLayout* LayOutTitleRow();
+    QLayout* LayOutFinder();
+    void ConnectHandlers();
+
+    void txtUnitID_Change();
+    void txtUnitName_Change();
+    void txtState_Change();
+    void txtYear_Change();
+    void grdUnits_Click();
+    void cmdOK_Click();
+    void cmdCancel_Click();
+
+    void LookUpState(QWidget* next);
+    void ShowUnits(const std::vector<UnitFinder::Unit>& units);
+    [[nodiscard]] bool ListShows(const QString& id) const;
+    // Empties the title when the boxes no longer spell it, so that no file is made under the name
+    // of a unit that was found before.
+    void DropStaleTitle();
+
+    UnitFinder finder_;
+    Outcome outcome_;
+    bool loaded_ = false;
+    bool yearIsMissing_ = false;  // the title was dropped only because the year is being retyped
+
+    UnitBox* txtUnitID = nullptr;
+    QLineEdit* txtUnitName = nullptr;
+    UnitBox* txtState = nullptr;
+    UnitBox* txtYear = nullptr;
+    QLineEdit* txtFileTitle = nullptr;
+    QLabel* lblExtension = nullptr;
+    QLabel* lblTie = nullptr;
+    SSPanel* Panel3D1 = nullptr;
+    vsFlexGrid* grdUnits = nullptr;
+    QPushButton* cmdOK = nullptr;
+    QPushButton* cmdCancel = nullptr;
+};
