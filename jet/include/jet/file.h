@@ -50,6 +50,10 @@ public:
                                                      OpenMode mode) = 0;
     [[nodiscard]] virtual bool Exists(const std::filesystem::path& path) = 0;
     virtual void Remove(const std::filesystem::path& path) = 0;
+    // Gives the file its new name at one stroke; a file that had it is replaced.
+    virtual void Rename(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
+    // The path with links followed, so that one file has one name; unchanged where there is none.
+    [[nodiscard]] virtual std::filesystem::path Resolve(const std::filesystem::path& path) = 0;
     // Makes the creation or removal of files in this folder last through a power cut.
     virtual void FlushFolder(const std::filesystem::path& folder) = 0;
 };

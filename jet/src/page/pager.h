@@ -6,42 +6,67 @@
 // and remembers how they were; Allocate and Free keep the global map. Operation::Commit is the one
 // moment of commitment: it hands the differences to the journal, in one write. An Operation that
 // goes without Commit puts every page back as it was.
+//
+// Changed pages stay in the cache, and out of the file, until MakeDurable. See journal.h for what
+// happens between.
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <utility>
 
+#include "jet/database.h"
+#include "jet/file.h"
 #include "page/format.h"
+#include "page/frame_cache.h"
+#include "page/header.h"
 #include "page/types.h"
 
 namespace jet {
-
-class Pager;
 
 // A pinned page, readable as long as the object lives. Changes made through Change show here.
 class PageRef {
 public:
     PageRef() = default;
-    PageRef(PageRef&& other) noexcept;
-    PageRef& operator=(PageRef&& other) noexcept;
-    ~PageRef();
+    PageRef(const PageRef&) = delete;
+    PageRef& operator=(const PageRef&) = delete;
+    PageRef(PageRef&& other) noexcept
+        : frame_(std::exchange(other.frame_, nullptr)), data_(std::exchange(other.data_, {})) {}
+    PageRef& operator=(PageRef&& other) noexcept {
+        std::swap(frame_, other.frame_);
+        std::swap(data_, other.data_);
+        return *this;
+    }
+    ~PageRef() {
+        if (frame_ != nullptr) --frame_->pins;
+    }
     [[nodiscard]] Bytes Data() const { return data_; }
-    [[nodiscard]] PageNumber Number() const { return number_; }
+    [[nodiscard]] PageNumber Number() const {
+        return PageNumber{frame_ == nullptr ? 0 : frame_->number};
+    }
 
 private:
     friend class Pager;
-    void* frame_ = nullptr;
-    PageNumber number_;
+    PageRef(Frame& frame, std::size_t size) : frame_(&frame), data_(frame.bytes.get(), size) {
+        ++frame.pins;
+    }
+
+    Frame* frame_ = nullptr;
     Bytes data_;
 };
 
+class Pager;
+
 class Operation {
 public:
-    // Operations do not nest.
+    // Operations do not nest. Errors: kReadOnly, kClosed, and those of MakeDurable when so much has
+    // changed since the last one that it is due.
     explicit Operation(Pager& pager);
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
     ~Operation();  // rolls back unless committed
+    // Errors: kDiskFull, kIo; the operation is then undone when it goes.
     void Commit();
 
 private:
@@ -52,26 +77,52 @@ private:
 class Pager {
 public:
     class Impl;
+
+    // Opens, locks, checks the header and brings in what an interrupted run left in its log.
+    // Errors: those of Database::Open.
+    static std::unique_ptr<Pager> Open(FileSystem& files, const std::filesystem::path& path,
+                                       const OpenOptions& options, Recovery& recovery);
+    // Makes a file of two pages, the header and the global maps; the caller adds the system tables
+    // from page 2 on. Nothing is in the file before MakeDurable.
+    static std::unique_ptr<Pager> Create(FileSystem& files, const std::filesystem::path& path,
+                                         Version version);
+
     explicit Pager(std::unique_ptr<Impl> impl);
-    ~Pager();
+    ~Pager();  // closes; errors are lost
 
     [[nodiscard]] const Format& FileFormat() const;
+    [[nodiscard]] const FileHeader& Header() const;
     [[nodiscard]] std::uint32_t PageCount() const;
+    [[nodiscard]] bool IsReadOnly() const;
+
     // kDamaged for a page past the end of the file.
     [[nodiscard]] PageRef Page(PageNumber page);
-    // The bytes stay valid until the operation ends. Needs an open Operation; kReadOnly.
+    // The bytes stay valid until the operation ends. Needs an open Operation.
     MutableBytes Change(PageNumber page);
-    // A zeroed page, marked as used in the global map. Needs an open Operation.
+    // A zeroed page, marked as used in the global map. Needs an open Operation. kFileTooLarge.
     PageNumber Allocate();
     // Marks the page as free in the global map and clears its first bytes. Needs an open Operation.
     void Free(PageNumber page);
-    // Raised by every committed operation; lets cached positions notice changes.
+    // Raised by every operation that changed something, and when one is undone; lets cached
+    // positions notice changes.
     [[nodiscard]] std::uint64_t ChangeCount() const;
-    [[nodiscard]] bool IsReadOnly() const;
+
+    // Carries all operations so far through a power cut; the file is then complete without the log.
+    void MakeDurable();
+    // Makes durable, removes the log, gives up the file. Reading then throws kClosed. When it
+    // throws, the file is given up all the same, and the log stays for the next opening.
+    void Close();
+    // Gives up a file that is not wanted any more, and its log, without writing anything.
+    void Abandon();
 
     [[nodiscard]] Impl& Internals() { return *impl_; }
 
 private:
+    friend class GlobalMap;
+    friend class Operation;
+    // Lengthens the file with zeroed pages until it has this one.
+    void Extend(PageNumber page);
+
     std::unique_ptr<Impl> impl_;
 };
 

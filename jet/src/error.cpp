@@ -1,0 +1,66 @@
+#include "jet/error.h"
+
+namespace jet {
+
+int ErrorNumber(ErrorKind kind) {
+    switch (kind) {
+        case ErrorKind::kFileNotFound:
+            return 3024;
+        case ErrorKind::kFileInUse:
+            return 3045;
+        case ErrorKind::kNotADatabase:
+        case ErrorKind::kUnsupportedVersion:
+            return 3343;
+        case ErrorKind::kEncrypted:
+            return 3031;
+        case ErrorKind::kDamaged:
+            return 3049;
+        case ErrorKind::kReadOnly:
+            return 3051;
+        case ErrorKind::kPermissionDenied:
+            return 70;
+        case ErrorKind::kDiskFull:
+            return 3026;
+        case ErrorKind::kIo:
+            return 57;
+        case ErrorKind::kFileTooLarge:
+            return 3183;
+        case ErrorKind::kNoCurrentRecord:
+            return 3021;
+        case ErrorKind::kDuplicateKey:
+            return 3022;
+        case ErrorKind::kNoEditBegun:
+            return 3020;
+        case ErrorKind::kNullNotAllowed:
+            return 3058;
+        case ErrorKind::kNoSuchTable:
+            return 3078;
+        case ErrorKind::kNoSuchIndex:
+            return 3015;
+        case ErrorKind::kNoSuchField:
+            return 3265;
+        case ErrorKind::kAlreadyExists:
+            return 3010;
+        case ErrorKind::kBadName:
+            return 3125;
+        case ErrorKind::kSyntax:
+            return 3075;
+        case ErrorKind::kTypeMismatch:
+            return 13;
+        case ErrorKind::kOverflow:
+            return 6;
+        case ErrorKind::kTextTooLong:
+            return 3163;
+        case ErrorKind::kRecordTooLarge:
+            return 3047;
+        case ErrorKind::kUnsupported:
+            return 3251;
+        case ErrorKind::kClosed:
+            return 3420;
+        case ErrorKind::kOutOfMemory:
+            return 7;
+    }
+    return 0;  // unreachable: every kind is listed
+}
+
+}  // namespace jet

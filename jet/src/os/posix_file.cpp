@@ -1,0 +1,209 @@
+// Files of a POSIX system.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+#include "jet/error.h"
+#include "jet/file.h"
+
+namespace jet {
+
+namespace {
+
+[[noreturn]] void ThrowForOpening(int code, const std::filesystem::path& path) {
+    const std::string name = "\"" + path.filename().string() + "\"";
+    switch (code) {
+        case ENOENT:
+        case ENOTDIR:
+        case ENAMETOOLONG:
+        case ELOOP:
+            throw Error(ErrorKind::kFileNotFound, "The file " + name + " cannot be found.");
+        case EEXIST:
+            throw Error(ErrorKind::kAlreadyExists, "The file " + name + " exists already.");
+        case EROFS:
+            throw Error(ErrorKind::kReadOnly, "The medium of " + name + " is read-only.");
+        case EACCES:
+        case EPERM:
+        case EISDIR:
+            throw Error(ErrorKind::kPermissionDenied, "Access to " + name + " is denied.");
+        case ETXTBSY:
+            throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
+        case ENOSPC:
+        case EDQUOT:
+            throw Error(ErrorKind::kDiskFull, "There is no room left on the disk.");
+        default:
+            throw Error(ErrorKind::kIo, "The file " + name + " cannot be opened.");
+    }
+}
+
+[[noreturn]] void ThrowForTransfer(int code, const char* what) {
+    switch (code) {
+        case ENOSPC:
+        case EDQUOT:
+            throw Error(ErrorKind::kDiskFull, "There is no room left on the disk.");
+        case EFBIG:
+            throw Error(ErrorKind::kFileTooLarge, "The file has reached the largest size allowed.");
+        default:
+            throw Error(ErrorKind::kIo, std::string("The file could not be ") + what +
+                                            " (system error " + std::to_string(code) + ").");
+    }
+}
+
+template <typename Call>
+auto Retrying(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR) result = call();
+    return result;
+}
+
+class PosixFile final : public File {
+public:
+    explicit PosixFile(int descriptor) : descriptor_(descriptor) {}
+    ~PosixFile() override { ::close(descriptor_); }
+
+    void Read(std::uint64_t offset, std::span<std::byte> into) override {
+        while (!into.empty()) {
+            const ssize_t got = Retrying([&] {
+                return ::pread(descriptor_, into.data(), into.size(), static_cast<off_t>(offset));
+            });
+            if (got < 0) ThrowForTransfer(errno, "read");
+            if (got == 0) throw Error(ErrorKind::kIo, "The file is shorter than expected.");
+            offset += static_cast<std::uint64_t>(got);
+            into = into.subspan(static_cast<std::size_t>(got));
+        }
+    }
+
+    void Write(std::uint64_t offset, std::span<const std::byte> from) override {
+        while (!from.empty()) {
+            const ssize_t put = Retrying([&] {
+                return ::pwrite(descriptor_, from.data(), from.size(), static_cast<off_t>(offset));
+            });
+            if (put < 0) ThrowForTransfer(errno, "written");
+            if (put == 0) ThrowForTransfer(ENOSPC, "written");
+            offset += static_cast<std::uint64_t>(put);
+            from = from.subspan(static_cast<std::size_t>(put));
+        }
+    }
+
+    std::uint64_t Size() override {
+        struct stat status {};
+        if (::fstat(descriptor_, &status) != 0) ThrowForTransfer(errno, "examined");
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+
+    void Truncate(std::uint64_t size) override {
+        if (Retrying([&] { return ::ftruncate(descriptor_, static_cast<off_t>(size)); }) != 0) {
+            ThrowForTransfer(errno, "shortened");
+        }
+    }
+
+    void Flush() override {
+#if defined(__APPLE__)
+        const int failed = ::fcntl(descriptor_, F_FULLFSYNC);
+#else
+        const int failed = Retrying([&] { return ::fdatasync(descriptor_); });
+#endif
+        if (failed != 0) ThrowForTransfer(errno, "brought to the disk");
+    }
+
+    // The lock belongs to this opening, not to the process: another handle on the same file, in
+    // this process too, neither shares it nor drops it by closing.
+    bool TryLock(bool exclusive) override {
+        const int how = (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB;
+        if (Retrying([&] { return ::flock(descriptor_, how); }) == 0) return true;
+        if (errno == EWOULDBLOCK) return false;
+        // Reading along needs no lock where the medium knows none.
+        if (!exclusive) return true;
+        throw Error(ErrorKind::kIo, "The file system does not let the file be locked.");
+    }
+
+private:
+    int descriptor_;
+};
+
+int FlagsOf(OpenMode mode) {
+    // Without O_NONBLOCK a named pipe would hold the program up for ever.
+    constexpr int kAlways = O_CLOEXEC | O_NONBLOCK;
+    switch (mode) {
+        case OpenMode::kReadOnly:
+            return kAlways | O_RDONLY;
+        case OpenMode::kReadWrite:
+            return kAlways | O_RDWR;
+        case OpenMode::kCreateNew:
+            return kAlways | O_RDWR | O_CREAT | O_EXCL;
+        case OpenMode::kCreateOrOpen:
+            return kAlways | O_RDWR | O_CREAT;
+    }
+    return kAlways | O_RDONLY;  // unreachable: every mode is listed
+}
+
+class PosixFileSystem final : public FileSystem {
+public:
+    std::unique_ptr<File> Open(const std::filesystem::path& path, OpenMode mode) override {
+        const int descriptor = Retrying([&] { return ::open(path.c_str(), FlagsOf(mode), 0666); });
+        if (descriptor < 0) {
+            const int code = errno;
+            if (code == EACCES && mode == OpenMode::kReadWrite &&
+                ::access(path.c_str(), R_OK) == 0) {
+                throw Error(ErrorKind::kReadOnly,
+                            "The file \"" + path.filename().string() + "\" is read-only.");
+            }
+            ThrowForOpening(code, path);
+        }
+        auto file = std::make_unique<PosixFile>(descriptor);
+        struct stat status {};
+        if (::fstat(descriptor, &status) != 0) ThrowForOpening(errno, path);
+        if (S_ISDIR(status.st_mode)) ThrowForOpening(EISDIR, path);
+        if (!S_ISREG(status.st_mode)) {
+            throw Error(ErrorKind::kNotADatabase,
+                        "\"" + path.filename().string() + "\" is not an ordinary file.");
+        }
+        return file;
+    }
+
+    bool Exists(const std::filesystem::path& path) override {
+        struct stat status {};
+        return ::lstat(path.c_str(), &status) == 0;
+    }
+
+    void Remove(const std::filesystem::path& path) override {
+        if (::unlink(path.c_str()) != 0 && errno != ENOENT) ThrowForOpening(errno, path);
+    }
+
+    void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
+        if (::rename(from.c_str(), to.c_str()) != 0) ThrowForOpening(errno, from);
+    }
+
+    std::filesystem::path Resolve(const std::filesystem::path& path) override {
+        std::error_code failed;
+        std::filesystem::path resolved = std::filesystem::canonical(path, failed);
+        return failed ? path : resolved;
+    }
+
+    void FlushFolder(const std::filesystem::path& folder) override {
+        const std::filesystem::path path = folder.empty() ? std::filesystem::path(".") : folder;
+        const int descriptor =
+            Retrying([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+        if (descriptor < 0) ThrowForOpening(errno, path);
+        const int failed = Retrying([&] { return ::fsync(descriptor); });
+        const int code = errno;
+        ::close(descriptor);
+        // Some file systems cannot flush a folder; they keep its entries by themselves.
+        if (failed != 0 && code != EINVAL && code != ENOTSUP) {
+            ThrowForTransfer(code, "brought to the disk");
+        }
+    }
+};
+
+}  // namespace
+
+FileSystem& HostFileSystem() {
+    static PosixFileSystem files;
+    return files;
+}
+
+}  // namespace jet

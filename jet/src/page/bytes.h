@@ -1,0 +1,90 @@
+// Numbers in bytes, lowest byte first, always within bounds: a place outside the span is damage in
+// the file, reported as such.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "page/types.h"
+
+namespace jet {
+
+[[noreturn]] void ThrowOutOfBounds();
+[[noreturn]] void ThrowDamaged(const char* sentence);
+
+inline void RequireRange(std::size_t size, std::size_t offset, std::size_t length) {
+    if (offset > size || length > size - offset) ThrowOutOfBounds();
+}
+
+inline Bytes Slice(Bytes bytes, std::size_t offset, std::size_t length) {
+    RequireRange(bytes.size(), offset, length);
+    return bytes.subspan(offset, length);
+}
+
+inline MutableBytes Slice(MutableBytes bytes, std::size_t offset, std::size_t length) {
+    RequireRange(bytes.size(), offset, length);
+    return bytes.subspan(offset, length);
+}
+
+inline std::uint8_t ReadU8(Bytes bytes, std::size_t offset) {
+    RequireRange(bytes.size(), offset, 1);
+    return static_cast<std::uint8_t>(bytes[offset]);
+}
+
+inline std::uint16_t ReadU16(Bytes bytes, std::size_t offset) {
+    RequireRange(bytes.size(), offset, 2);
+    const std::byte* from = bytes.data() + offset;
+    return static_cast<std::uint16_t>(static_cast<unsigned>(from[0]) |
+                                      static_cast<unsigned>(from[1]) << 8);
+}
+
+inline std::uint32_t ReadU24(Bytes bytes, std::size_t offset) {
+    RequireRange(bytes.size(), offset, 3);
+    const std::byte* from = bytes.data() + offset;
+    return static_cast<std::uint32_t>(from[0]) | static_cast<std::uint32_t>(from[1]) << 8 |
+           static_cast<std::uint32_t>(from[2]) << 16;
+}
+
+inline std::uint32_t ReadU32(Bytes bytes, std::size_t offset) {
+    RequireRange(bytes.size(), offset, 4);
+    const std::byte* from = bytes.data() + offset;
+    return static_cast<std::uint32_t>(from[0]) | static_cast<std::uint32_t>(from[1]) << 8 |
+           static_cast<std::uint32_t>(from[2]) << 16 | static_cast<std::uint32_t>(from[3]) << 24;
+}
+
+inline std::uint64_t ReadU64(Bytes bytes, std::size_t offset) {
+    return ReadU32(bytes, offset) | static_cast<std::uint64_t>(ReadU32(bytes, offset + 4)) << 32;
+}
+
+inline void WriteU8(MutableBytes bytes, std::size_t offset, std::uint8_t value) {
+    RequireRange(bytes.size(), offset, 1);
+    bytes[offset] = static_cast<std::byte>(value);
+}
+
+inline void WriteU16(MutableBytes bytes, std::size_t offset, std::uint16_t value) {
+    RequireRange(bytes.size(), offset, 2);
+    bytes[offset] = static_cast<std::byte>(value & 0xFF);
+    bytes[offset + 1] = static_cast<std::byte>(value >> 8);
+}
+
+inline void WriteU24(MutableBytes bytes, std::size_t offset, std::uint32_t value) {
+    RequireRange(bytes.size(), offset, 3);
+    for (std::size_t i = 0; i < 3; ++i) {
+        bytes[offset + i] = static_cast<std::byte>(value >> (8 * i) & 0xFF);
+    }
+}
+
+inline void WriteU32(MutableBytes bytes, std::size_t offset, std::uint32_t value) {
+    RequireRange(bytes.size(), offset, 4);
+    for (std::size_t i = 0; i < 4; ++i) {
+        bytes[offset + i] = static_cast<std::byte>(value >> (8 * i) & 0xFF);
+    }
+}
+
+inline void WriteU64(MutableBytes bytes, std::size_t offset, std::uint64_t value) {
+    WriteU32(bytes, offset, static_cast<std::uint32_t>(value & 0xFFFFFFFF));
+    WriteU32(bytes, offset + 4, static_cast<std::uint32_t>(value >> 32));
+}
+
+}  // namespace jet

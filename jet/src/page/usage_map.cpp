@@ -1,0 +1,281 @@
+#include "page/usage_map.h"
+
+#include <algorithm>
+#include <bit>
+#include <vector>
+
+#include "jet/error.h"
+#include "page/bits.h"
+#include "page/bytes.h"
+#include "page/map_row.h"
+#include "page/pager_impl.h"
+
+namespace jet {
+
+namespace {
+
+constexpr std::uint32_t kLargestPageNumber = 0xFFFFFF;
+
+[[noreturn]] void ThrowUnknownMap() {
+    ThrowDamaged("The file is damaged: a usage map is unknown.");
+}
+
+// One map as it lies on its page.
+class MapView {
+public:
+    MapView(Bytes page, const Format& format, std::uint8_t slot)
+        : extent_(FindMapRow(page, format, slot)),
+          row_(Slice(page, extent_.start, extent_.length)),
+          kind_(ReadU8(row_, 0)) {
+        if (kind_ != kInlineMap && kind_ != kReferenceMap) ThrowUnknownMap();
+        if (kind_ == kInlineMap) {
+            start_ = ReadU32(row_, 1);
+            if (start_ > kLargestPageNumber) ThrowUnknownMap();
+        }
+    }
+
+    [[nodiscard]] bool IsInline() const { return kind_ == kInlineMap; }
+    [[nodiscard]] const RowExtent& Extent() const { return extent_; }
+    // Inline maps.
+    [[nodiscard]] std::uint32_t Start() const { return start_; }
+    [[nodiscard]] Bytes Bits() const { return row_.subspan(kInlineMapHead); }
+    [[nodiscard]] std::uint32_t Coverage() const { return 8 * (extent_.length - kInlineMapHead); }
+    [[nodiscard]] bool Covers(std::uint32_t page) const {
+        return page >= start_ && page - start_ < Coverage();
+    }
+    // Reference maps.
+    [[nodiscard]] std::uint32_t RangeCount() const { return (extent_.length - 1) / 4; }
+    [[nodiscard]] std::uint32_t MapPageOf(std::uint32_t range) const {
+        return ReadU32(row_, 1 + 4 * range);
+    }
+
+private:
+    RowExtent extent_;
+    Bytes row_;
+    std::uint8_t kind_;
+    std::uint32_t start_ = 0;
+};
+
+// The map page of a range, or an empty reference where the range has none.
+PageRef OpenMapPage(Pager& pager, const MapView& map, std::uint32_t range) {
+    const std::uint32_t number = map.MapPageOf(range);
+    if (number == 0) return {};
+    const std::uint64_t first = std::uint64_t{range} * PagesOfMapPage(pager.FileFormat());
+    // Real files hold meaningless pointers for ranges that the file does not reach.
+    if (first >= pager.PageCount()) return {};
+    PageRef page = pager.Page(PageNumber{number});
+    if (!IsMapPage(page.Data())) ThrowDamaged("The file is damaged: a usage-map page is missing.");
+    return page;
+}
+
+std::optional<PageNumber> NextInline(const MapView& map, PageNumber from) {
+    const std::uint32_t first = from.value < map.Start() ? 0 : from.value - map.Start();
+    const auto bit = NextBit(map.Bits(), first);
+    if (!bit) return std::nullopt;
+    return PageNumber{map.Start() + static_cast<std::uint32_t>(*bit)};
+}
+
+std::optional<PageNumber> NextReferenced(Pager& pager, const MapView& map, PageNumber from) {
+    const std::uint32_t perRange = PagesOfMapPage(pager.FileFormat());
+    for (std::uint32_t range = from.value / perRange; range < map.RangeCount(); ++range) {
+        const PageRef page = OpenMapPage(pager, map, range);
+        if (page.Data().empty()) continue;
+        const std::uint32_t first = range * perRange;
+        const auto bit =
+            NextBit(page.Data().subspan(kMapPageHead), from.value < first ? 0 : from.value - first);
+        if (bit) return PageNumber{first + static_cast<std::uint32_t>(*bit)};
+    }
+    return std::nullopt;
+}
+
+std::vector<PageNumber> Members(const UsageMap& map) {
+    std::vector<PageNumber> members;
+    map.ForEach(PageNumber{0}, [&](PageNumber page) {
+        members.push_back(page);
+        return true;
+    });
+    return members;
+}
+
+// An inline map that begins at `start` and holds exactly `members`, all of them within it.
+void RewriteInline(MutableBytes row, std::uint32_t start, const std::vector<PageNumber>& members) {
+    std::fill(row.begin(), row.end(), std::byte{0});
+    WriteU32(row, 1, start);
+    for (const PageNumber member : members) {
+        SetBit(row.subspan(kInlineMapHead), member.value - start);
+    }
+}
+
+MutableBytes ChangeRow(Pager& pager, RowId row) {
+    const MutableBytes page = pager.Change(row.page);
+    const RowExtent extent = FindMapRow(page, pager.FileFormat(), row.slot);
+    return Slice(page, extent.start, extent.length);
+}
+
+// Sets the page's bit in a reference map, with a new map page where the range has none.
+void AddReferenced(Pager& pager, RowId row, PageNumber page) {
+    const Format& format = pager.FileFormat();
+    const std::uint32_t range = page.value / PagesOfMapPage(format);
+    const std::uint32_t bit = page.value % PagesOfMapPage(format);
+    MutableBytes bytes = ChangeRow(pager, row);
+    if (bytes.size() < 1 + 4 * (range + 1)) {
+        if (!LengthenMapRow(pager.Change(row.page), format, row.slot, 1 + 4 * (range + 1),
+                            std::byte{0})) {
+            throw Error(ErrorKind::kFileTooLarge, "A table has no room to grow any further.");
+        }
+        bytes = ChangeRow(pager, row);
+    }
+    PageNumber mapPage{ReadU32(bytes, 1 + 4 * range)};
+    if (!mapPage) {
+        mapPage = pager.Allocate();
+        WriteU16(pager.Change(mapPage), 0, kMapPageType);
+        // Allocating may have moved the row.
+        WriteU32(ChangeRow(pager, row), 1 + 4 * range, mapPage.value);
+    }
+    const MutableBytes target = pager.Change(mapPage);
+    if (!IsMapPage(target)) ThrowDamaged("The file is damaged: a usage-map page is missing.");
+    SetBit(target.subspan(kMapPageHead), bit);
+}
+
+void ConvertToReferences(Pager& pager, RowId row, const std::vector<PageNumber>& members) {
+    const MutableBytes bytes = ChangeRow(pager, row);
+    std::fill(bytes.begin(), bytes.end(), std::byte{0});
+    WriteU8(bytes, 0, kReferenceMap);
+    for (const PageNumber member : members) AddReferenced(pager, row, member);
+}
+
+// Lets an inline map reach a page outside it: by another start where the members are close
+// together, else by a longer row, else as a reference map.
+void AddBeyond(Pager& pager, const UsageMap& map, PageNumber page) {
+    const RowId row = map.Row();
+    std::vector<PageNumber> members = Members(map);
+    members.insert(std::lower_bound(members.begin(), members.end(), page), page);
+    const std::uint32_t last = members.back().value;
+    const auto length = static_cast<std::uint32_t>(ChangeRow(pager, row).size());
+    const std::uint32_t coverage = 8 * (length - kInlineMapHead);
+    const std::uint32_t near = members.front().value & ~7U;
+    const std::uint32_t start = last < coverage ? 0 : near;
+    if (last - start < coverage) {
+        RewriteInline(ChangeRow(pager, row), start, members);
+        return;
+    }
+    const std::uint32_t oldStart = ReadU32(ChangeRow(pager, row), 1);
+    const std::uint32_t grownStart = std::min(oldStart, near);
+    const std::uint32_t steps = (last - grownStart - coverage) / 32 + 1;
+    if (LengthenMapRow(pager.Change(row.page), pager.FileFormat(), row.slot, length + 4 * steps,
+                       std::byte{0})) {
+        RewriteInline(ChangeRow(pager, row), grownStart, members);
+        return;
+    }
+    ConvertToReferences(pager, row, members);
+}
+
+}  // namespace
+
+bool UsageMap::Contains(PageNumber page) const {
+    const PageRef holder = pager_->Page(row_.page);
+    const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
+    if (map.IsInline())
+        return map.Covers(page.value) && TestBit(map.Bits(), page.value - map.Start());
+    const std::uint32_t perRange = PagesOfMapPage(pager_->FileFormat());
+    const std::uint32_t range = page.value / perRange;
+    if (range >= map.RangeCount()) return false;
+    const PageRef mapPage = OpenMapPage(*pager_, map, range);
+    return !mapPage.Data().empty() &&
+           TestBit(mapPage.Data().subspan(kMapPageHead), page.value % perRange);
+}
+
+std::optional<PageNumber> UsageMap::NextFrom(PageNumber from) const {
+    const PageRef holder = pager_->Page(row_.page);
+    const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
+    return map.IsInline() ? NextInline(map, from) : NextReferenced(*pager_, map, from);
+}
+
+void UsageMap::ForEach(PageNumber from, const std::function<bool(PageNumber)>& visit) const {
+    std::optional<PageNumber> page = NextFrom(from);
+    while (page && visit(*page)) page = NextFrom(PageNumber{page->value + 1});
+}
+
+void UsageMap::Add(PageNumber page) {
+    bool isInline = false;
+    {
+        const PageRef holder = pager_->Page(row_.page);
+        const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
+        isInline = map.IsInline();
+        if (isInline && map.Covers(page.value)) {
+            const std::uint32_t bit = page.value - map.Start();
+            SetBit(ChangeRow(*pager_, row_).subspan(kInlineMapHead), bit);
+            return;
+        }
+    }
+    if (isInline) {
+        AddBeyond(*pager_, *this, page);
+    } else {
+        AddReferenced(*pager_, row_, page);
+    }
+}
+
+void UsageMap::Remove(PageNumber page) {
+    if (!Contains(page)) return;
+    const PageRef holder = pager_->Page(row_.page);
+    const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
+    if (map.IsInline()) {
+        ClearBit(ChangeRow(*pager_, row_).subspan(kInlineMapHead), page.value - map.Start());
+        return;
+    }
+    const std::uint32_t perRange = PagesOfMapPage(pager_->FileFormat());
+    const PageNumber mapPage{map.MapPageOf(page.value / perRange)};
+    ClearBit(pager_->Change(mapPage).subspan(kMapPageHead), page.value % perRange);
+}
+
+namespace {
+
+// Where the owned-pages map of MSysObjects lies: a page of map rows that every file has.
+PageNumber FirstMapRowPage(Pager& pager) {
+    const PageNumber objects = pager.Header().objects;
+    if (!objects || objects.value >= pager.PageCount()) return {};
+    const Format& format = pager.FileFormat();
+    const std::uint32_t ownedMapAt = format.tdefHeaderSize - 8;
+    return RowId::FromPacked(ReadU32(pager.Page(objects).Data(), ownedMapAt)).page;
+}
+
+// Page 1 is for the global maps, and a page with another owner is not one for map rows.
+bool TakesMapRows(Pager& pager, PageNumber page) {
+    if (page.value < 2 || page.value >= pager.PageCount()) return false;
+    const PageRef holder = pager.Page(page);
+    return ReadU16(holder.Data(), 0) == 0x0101 && ReadU32(holder.Data(), 4) == 0;
+}
+
+}  // namespace
+
+UsageMap UsageMap::Create(Pager& pager) {
+    const Format& format = pager.FileFormat();
+    for (const PageNumber page : {pager.Internals().mapRowPage, FirstMapRowPage(pager)}) {
+        if (!TakesMapRows(pager, page)) continue;
+        const std::uint16_t slot = ReadU16(pager.Page(page).Data(), format.rowCountAt);
+        if (AppendMapRow(pager.Change(page), format, format.initialMapRow)) {
+            return {pager, RowId{page, static_cast<std::uint8_t>(slot)}};
+        }
+    }
+    const PageNumber page = pager.Allocate();
+    StartMapRowPage(pager.Change(page), format);
+    AppendMapRow(pager.Change(page), format, format.initialMapRow);
+    pager.Internals().mapRowPage = page;
+    return {pager, RowId{page, 0}};
+}
+
+void UsageMap::Drop() {
+    std::vector<PageNumber> mapPages;
+    {
+        const PageRef holder = pager_->Page(row_.page);
+        const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
+        for (std::uint32_t range = 0; !map.IsInline() && range < map.RangeCount(); ++range) {
+            const PageRef mapPage = OpenMapPage(*pager_, map, range);
+            if (!mapPage.Data().empty()) mapPages.push_back(mapPage.Number());
+        }
+    }
+    for (const PageNumber page : mapPages) pager_->Free(page);
+    DeleteMapRow(pager_->Change(row_.page), pager_->FileFormat(), row_.slot);
+}
+
+}  // namespace jet

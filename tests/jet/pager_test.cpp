@@ -1,0 +1,159 @@
+// Whole operations on pages, and the map of free pages.
+#include "page/pager.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "jet/error.h"
+#include "page/bytes.h"
+#include "page/pager_impl.h"
+#include "page/usage_map.h"
+
+namespace jet {
+namespace {
+
+class PagerTest : public ::testing::TestWithParam<Version> {
+protected:
+    std::unique_ptr<Pager> MakeFile() {
+        auto pager = Pager::Create(*files_, "a file.mdb", GetParam());
+        Operation operation(*pager);
+        for (int i = 0; i < 4; ++i) EXPECT_TRUE(pager->Allocate());
+        operation.Commit();
+        return pager;
+    }
+
+    std::unique_ptr<Pager> Reopen() {
+        Recovery recovery;
+        return Pager::Open(*files_, "a file.mdb", {}, recovery);
+    }
+
+    std::unique_ptr<FileSystem> files_ = MakeMemoryFileSystem();
+};
+
+INSTANTIATE_TEST_SUITE_P(Versions, PagerTest, ::testing::Values(Version::kJet3, Version::kJet4),
+                         [](const auto& instance) {
+                             return instance.param == Version::kJet3 ? "Jet3" : "Jet4";
+                         });
+
+TEST_P(PagerTest, Create_GivesPagesInOrderFromTwo) {
+    auto pager = Pager::Create(*files_, "a file.mdb", GetParam());
+    const Operation operation(*pager);
+    for (std::uint32_t page = 2; page < 20; ++page) EXPECT_EQ(pager->Allocate().value, page);
+    EXPECT_EQ(pager->PageCount(), 20U);
+}
+
+TEST_P(PagerTest, Operation_WithoutCommit_PutsEverythingBack) {
+    auto pager = MakeFile();
+    const std::uint64_t before = pager->ChangeCount();
+    {
+        const Operation operation(*pager);
+        pager->Change(PageNumber{3})[100] = std::byte{7};
+        pager->Allocate();
+        EXPECT_EQ(pager->PageCount(), 7U);
+        EXPECT_EQ(pager->Page(PageNumber{3}).Data()[100], std::byte{7});
+    }
+    EXPECT_EQ(pager->PageCount(), 6U);
+    EXPECT_EQ(pager->Page(PageNumber{3}).Data()[100], std::byte{0});
+    EXPECT_NE(pager->ChangeCount(), before);
+    const Operation operation(*pager);
+    EXPECT_EQ(pager->Allocate().value, 6U);
+}
+
+TEST_P(PagerTest, Commit_ThenClose_IsThereAfterReopening) {
+    auto pager = MakeFile();
+    {
+        Operation operation(*pager);
+        pager->Change(PageNumber{5})[10] = std::byte{42};
+        operation.Commit();
+    }
+    pager->Close();
+    EXPECT_THROW((void)pager->Page(PageNumber{4711}), Error);
+    pager = Reopen();
+    EXPECT_EQ(pager->PageCount(), 6U);
+    EXPECT_EQ(pager->Page(PageNumber{5}).Data()[10], std::byte{42});
+}
+
+TEST_P(PagerTest, Free_ThenAllocate_GivesTheSamePageZeroed) {
+    auto pager = MakeFile();
+    Operation operation(*pager);
+    const MutableBytes bytes = pager->Change(PageNumber{4});
+    std::fill(bytes.begin(), bytes.end(), std::byte{0xAA});
+    pager->Free(PageNumber{4});
+    EXPECT_THROW(pager->Free(PageNumber{4}), Error);
+    EXPECT_EQ(pager->Allocate().value, 4U);
+    const Bytes again = pager->Page(PageNumber{4}).Data();
+    EXPECT_TRUE(std::all_of(again.begin(), again.end(), [](auto b) { return b == std::byte{0}; }));
+    operation.Commit();
+}
+
+TEST_P(PagerTest, Allocate_FarPastTheFirstMap_StaysExact) {
+    auto pager = MakeFile();
+    const std::uint32_t last = 70000;  // more than two map pages of either version
+    std::uint32_t previous = 5;
+    for (int round = 0; previous < last; ++round) {
+        Operation operation(*pager);
+        for (int i = 0; i < 1000; ++i) {
+            const PageNumber page = pager->Allocate();
+            ASSERT_GT(page.value, previous);
+            previous = page.value;
+        }
+        operation.Commit();
+    }
+    {
+        Operation operation(*pager);
+        for (const std::uint32_t page : {17U, 5000U, 69000U}) pager->Free(PageNumber{page});
+        operation.Commit();
+    }
+    pager->Close();
+    pager = Reopen();
+    Operation operation(*pager);
+    for (const std::uint32_t page : {17U, 5000U, 69000U}) EXPECT_EQ(pager->Allocate().value, page);
+    EXPECT_EQ(pager->Allocate().value, previous + 1);
+    operation.Commit();
+}
+
+TEST_P(PagerTest, Open_WhileOpen_IsRefused) {
+    auto pager = MakeFile();
+    pager->MakeDurable();
+    try {
+        Reopen();
+        FAIL() << "opened twice";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Kind(), ErrorKind::kFileInUse);
+    }
+}
+
+TEST_P(PagerTest, UsageMap_KeepsAnySetOfPages) {
+    auto pager = MakeFile();
+    Operation operation(*pager);
+    UsageMap map = UsageMap::Create(*pager);
+    UsageMap neighbour = UsageMap::Create(*pager);
+    neighbour.Add(PageNumber{11});
+    EXPECT_EQ(map.Row().page, neighbour.Row().page);
+    while (pager->Allocate().value < 60000) {
+    }
+    std::set<std::uint32_t> model;
+    std::uint32_t step = 1;
+    for (std::uint32_t page = 900; page < 60000; page += step++) {
+        map.Add(PageNumber{page});
+        model.insert(page);
+        if (page % 3 == 0) {
+            map.Remove(PageNumber{page});
+            model.erase(page);
+        }
+        ASSERT_EQ(map.Contains(PageNumber{page}), model.contains(page));
+    }
+    std::set<std::uint32_t> found;
+    map.ForEach({}, [&](PageNumber page) { return found.insert(page.value).second; });
+    EXPECT_EQ(found, model);
+    EXPECT_EQ(neighbour.NextFrom({}), PageNumber{11});
+    EXPECT_EQ(neighbour.NextFrom(PageNumber{12}), std::nullopt);
+    operation.Commit();
+}
+
+}  // namespace
+}  // namespace jet
