@@ -1,5 +1,8 @@
 // Copies zones, their costs per acre and their tables of net value change from an assessment file
 // into the open data file.
+//
+// An import only adds: every zone of the assessment file becomes a new zone beside those that are
+// there. Rows are written one by one, each for good.
 #pragma once
 
 #include <QString>
@@ -8,8 +11,8 @@
 
 class QWidget;
 
-// What a long import tells of its progress. It is called between zones, so whoever shows something
-// must not let the user change anything meanwhile.
+// What a long import tells of its progress. It is called before each zone, so whoever shows
+// something must not let the user change anything meanwhile.
 class ImportProgress {
 public:
     virtual ~ImportProgress() = default;
@@ -25,16 +28,18 @@ enum Result : std::int16_t {
     kNoZones = 12,
 };
 
-// The whole import, from the file dialog (shown over `frame`) on. Gives the import result code and
-// keeps it in ImportResult. An error part-way leaves the rows written so far, restores the pointer,
-// closes the assessment file, and is thrown on.
+// The whole import, from the file dialog (shown over `frame`, may be null) on. Gives the import
+// result code, which ImportResult keeps. An error part-way leaves the rows written so far, restores
+// the pointer, closes the assessment file, and is thrown on.
 std::int16_t BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress = nullptr);
-// The same for a file that has been chosen already; an empty path counts as cancelled.
-std::int16_t CopyFMZsFrom(const QString& path, ImportProgress* progress = nullptr);
-
 [[nodiscard]] std::int16_t ImportResult();
 
+// The chosen path, or an empty text when the user cancelled or the dialog failed.
 QString OpenFileDialog(QWidget* frame);
+// The folder in which the dialog starts.
 QString GetBRAMPath();
+
+// The steps after the dialog, for a path that is known.
+std::int16_t CopyFMZsFrom(const QString& path, ImportProgress* progress = nullptr);
 
 }  // namespace mImport

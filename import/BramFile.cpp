@@ -1,0 +1,58 @@
+#include "import/BramFile.h"
+
+#include "datafile/FieldReaders.h"
+
+BramFile::BramFile(const QString& path)
+    : database_(dao::Database::Open(path, dao::OpenMode::kShared)),
+      zones_(database_->OpenTable(QStringLiteral("FMZ"))),
+      costs_(database_->OpenTable(QStringLiteral("AAC"))),
+      setups_(database_->OpenTable(QStringLiteral("NVCSetup"))),
+      values_(database_->OpenTable(QStringLiteral("NVCTable"))) {
+    zones_->SetIndex(QStringLiteral("FMZCode"));
+    costs_->SetIndex(QStringLiteral("FMZRow"));
+    setups_->SetIndex(QStringLiteral("FMZRL"));
+    values_->SetIndex(QStringLiteral("NVCTable"));
+}
+
+void BramFile::Close() {
+    zones_->Close();
+    costs_->Close();
+    setups_->Close();
+    values_->Close();
+    database_->Close();
+}
+
+std::unique_ptr<dao::Recordset> BramFile::CostsOf(const QString& code) {
+    return database_->OpenDynaset(QStringLiteral("SELECT * FROM AAC WHERE FMZCode = '") + code +
+                                  QStringLiteral("' ORDER BY UpAcres"));
+}
+
+bool BramFile::HasSetups() const {
+    return setups_->RecordCount() > 0;
+}
+
+std::optional<QVariant> BramFile::TableIDOf(const QString& code, std::int32_t location) {
+    setups_->Seek("=", {code, location});
+    if (setups_->NoMatch()) {
+        return std::nullopt;
+    }
+    const QVariant tableID = setups_->Field(QStringLiteral("TableID"));
+    return tableID.isValid() ? tableID : QVariant(QString());
+}
+
+const BramFile::Values& BramFile::ValuesOf(const QVariant& tableID) {
+    static const QString kValue = QStringLiteral("WPANRVCBF");
+    const QString name = tableID.toString();
+    if (const auto known = read_.constFind(name); known != read_.constEnd()) {
+        return known.value();
+    }
+    Values values{};
+    for (int resource = 1; resource <= ZoneKeys::kResources; ++resource) {
+        for (int level = 1; level <= ZoneKeys::kFilLevels; ++level) {
+            values_->Seek("=", {tableID, resource, level});
+            values[std::size_t(resource - 1)][std::size_t(level - 1)] =
+                FieldReaders::SingleField(*values_, kValue);
+        }
+    }
+    return *read_.insert(name, values);
+}

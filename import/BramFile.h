@@ -1,0 +1,53 @@
+// An assessment file, open for reading: its zones, their costs per acre by fire size, and the
+// tables of net value change of their locations.
+//
+// Fields are read by name, whatever their order, width or numeric type; rows are found through the
+// named indexes, so the names of the key fields do not matter.
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QVariant>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "datafile/ZoneKeys.h"
+#include "platform/dao/Database.h"
+#include "platform/dao/Recordset.h"
+
+class BramFile {
+public:
+    // One value for each resource and FIL level, both counted from 0 here.
+    using Values = std::array<std::array<float, ZoneKeys::kFilLevels>, ZoneKeys::kResources>;
+
+    // Opens the file and its four tables with their indexes; throws when anything is missing.
+    explicit BramFile(const QString& path);
+    // Closes the four record sets, then the database.
+    void Close();
+
+    // The zones, walked by the caller in the order of their codes.
+    [[nodiscard]] dao::Recordset& Zones() { return *zones_; }
+    // The rows of one zone in the order of their upper sizes. The code stands in the query as it
+    // is, so that an apostrophe in it is a syntax error (3075).
+    [[nodiscard]] std::unique_ptr<dao::Recordset> CostsOf(const QString& code);
+
+    [[nodiscard]] bool HasSetups() const;
+    // The id of the table that applies to a location; nothing when there is no set-up for it.
+    [[nodiscard]] std::optional<QVariant> TableIDOf(const QString& code, std::int32_t location);
+    // The values of a table; 0 where a row or value is missing. Many locations share a table, so
+    // each is read from the file once.
+    [[nodiscard]] const Values& ValuesOf(const QVariant& tableID);
+
+private:
+    [[nodiscard]] std::unique_ptr<dao::Recordset> OpenTable(const char* name, const char* index);
+
+    std::unique_ptr<dao::Database> database_;
+    std::unique_ptr<dao::Recordset> zones_;
+    std::unique_ptr<dao::Recordset> costs_;
+    std::unique_ptr<dao::Recordset> setups_;
+    std::unique_ptr<dao::Recordset> values_;
+    QHash<QString, Values> read_;
+};
