@@ -24,6 +24,3 @@ format:
 
 clean:
 	rm -rf build build-sanitize build-bench build-fuzz build-package
-
-package:
-	packaging/build.sh

@@ -1,0 +1,40 @@
+#include "shell/LastTrap.h"
+
+#include "datafile/PrepDatafile.h"
+#include "platform/EventTrap.h"
+#include "platform/dialogs/MsgBox.h"
+#include "shell/UIMode.h"
+#include "shell/frm0_Prep.h"
+#include "shell/u91Trace.h"
+
+namespace {
+
+using platform::EventTrap::Report;
+
+void Tell(const Report& report) {
+    try {
+        u91Trace::Error(QStringLiteral("%1: Error %2, ").arg(report.handler).arg(report.number) +
+                        report.description);
+        platform::MsgBox(report.description + platform::kNewLine +
+                         QStringLiteral("(Error %1 in %2)").arg(report.number).arg(report.handler));
+    } catch (const std::exception&) {
+        // Out of memory or the like: there is nobody left to tell.
+        return;
+    }
+}
+
+}  // namespace
+
+namespace LastTrap {
+
+void Install() {
+    platform::EventTrap::Hooks hooks;
+    hooks.report = Tell;
+    hooks.remember = []() -> std::function<void()> {
+        return [state = UIMode::Remember()] { UIMode::Restore(state); };
+    };
+    hooks.idle = [] { PrepDatafile::MakeDurable(); };
+    platform::EventTrap::Install(std::move(hooks));
+}
+
+}  // namespace LastTrap

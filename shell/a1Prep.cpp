@@ -1,0 +1,138 @@
+#include "shell/a1Prep.h"
+
+#include <QSize>
+
+#include "datafile/DatafileHost.h"
+#include "datafile/PrepDatafile.h"
+#include "datafile/PrepDatatables.h"
+#include "platform/controls/vsIndexTab.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/system/Host.h"
+#include "shell/a3PrepForms.h"
+#include "shell/frm0Start.h"
+#include "shell/frm0_Prep.h"
+#include "shell/frmTabs.h"
+#include "shell/u91Trace.h"
+
+namespace {
+
+// Screen heights in twips: below 600 pixels, and the frame's working height.
+constexpr int kTooLow = 8000;
+constexpr int kFrameHeight = 9120;
+constexpr int kFrameWidth = 12120;
+
+constexpr std::int16_t kIntroduction = 1;
+constexpr int kWorksheetMenu = 2;
+constexpr int kEditMenu = 3;
+
+class Host : public DatafileHost {
+public:
+    void FCD_Restart() override { a1Prep::FCD_Restart(); }
+    void ReleaseWorksheet() override { a3PrepForms::UnloadCurrentWorksheet(); }
+    QWidget* Frame() override { return &frm0_Prep::Loaded(); }
+};
+
+void EnableMenus(bool enabled) {
+    frm0_Prep::Loaded().EnableMenu(kWorksheetMenu, enabled);
+    frm0_Prep::Loaded().EnableMenu(kEditMenu, enabled);
+}
+
+}  // namespace
+
+namespace a1Prep {
+
+void DisplayCheck(frm0_Prep& frame) {
+    u91Trace::Procedure(QStringLiteral("a1Prep.DisplayCheck"));
+    const int screenHeight = platform::ScreenSize().height();
+    if (screenHeight <= kTooLow) {
+        platform::MsgBox(
+            QStringLiteral(
+                "This program is designed for display at 800 x 600 resolution or higher.") +
+            platform::kNewLine +
+            QStringLiteral("You may have difficulty using the program with your current display "
+                           "settings."));
+    } else if (screenHeight <= kFrameHeight) {
+        frame.Maximise();
+    } else {
+        frame.move(0, 0);
+        frame.resize(platform::ToPixels(kFrameWidth), platform::ToPixels(kFrameHeight));
+    }
+}
+
+void StartWithoutFile() {
+    u91Trace::Procedure(QStringLiteral("a1Prep.StartWithoutFile"));
+    a3PrepForms::SetWorksheetID(QString());
+    frm0_Prep::Loaded().FillWithStartScreen();
+}
+
+void StartWithFile(const QString& fileName) {
+    u91Trace::Procedure(QStringLiteral("a1Prep.StartWithFile ") + fileName);
+    if (PrepDatafile::OpenDatatables(fileName) && PrepDatatables::OpenRecordsets()) {
+        LoadFromFile();
+    }
+}
+
+void LoadFromFile() {
+    u91Trace::Start(QStringLiteral("a1Prep.LoadFromFile"));
+    frm0_Prep& frame = frm0_Prep::Loaded();
+    frame.StartScreen().SetBackground();
+    frame.SetTitleBar(PrepDatafile::CurrentFileName());
+    EnableMenus(true);
+    frame.ShowTabs().Tab().SetCurrTab(kIntroduction);
+    a3PrepForms::SetUpIntroduction();
+    u91Trace::Finished(QStringLiteral("a1Prep.LoadFromFile"));
+}
+
+void FCD_Restart() {
+    u91Trace::Procedure(QStringLiteral("FCD_Restart"));
+    frm0_Prep& frame = frm0_Prep::Loaded();
+    frame.StartScreen().SetForeground();
+    frame.setWindowTitle(QStringLiteral("TARN Prep"));
+    frame.UnloadTabs();
+    EnableMenus(false);
+}
+
+void NewDatafile() {
+    u91Trace::Procedure(QStringLiteral("a1Prep.NewDatafile"));
+    switch (PrepDatafile::QueryNewDatafile()) {
+        case PrepDatafile::kOpened:
+            if (PrepDatatables::OpenRecordsets()) {
+                LoadFromFile();
+                frm0_Prep::Loaded().SetTitleBar(QStringLiteral("New"));
+            } else {
+                a3PrepForms::UnloadCurrentWorksheet();
+            }
+            break;
+        case PrepDatafile::kFailed:
+            a3PrepForms::UnloadCurrentWorksheet();
+            break;
+        default:
+            break;
+    }
+}
+
+void OpenDatafile() {
+    u91Trace::Procedure(QStringLiteral("a1Prep.OpenDatafile"));
+    switch (PrepDatafile::QueryOpenDatafile()) {
+        case PrepDatafile::kOpened:
+            if (PrepDatatables::OpenRecordsets()) {
+                LoadFromFile();
+            } else {
+                a3PrepForms::UnloadCurrentWorksheet();
+                FCD_Restart();
+            }
+            break;
+        case PrepDatafile::kFailed:
+            a3PrepForms::UnloadCurrentWorksheet();
+            break;
+        default:
+            break;
+    }
+}
+
+void ConnectDatafile() {
+    static Host host;
+    PrepDatafile::SetHost(&host);
+}
+
+}  // namespace a1Prep

@@ -1,0 +1,30 @@
+// Start-up, and the four moves between the two states of the interface: no data file open (the
+// start screen fills the frame) and a data file open (the worksheet tabs are shown).
+#pragma once
+
+#include <QString>
+
+class frm0_Prep;
+
+namespace a1Prep {
+
+// Sizes the frame for the screen; warns when the screen is smaller than the program is made for.
+void DisplayCheck(frm0_Prep& frame);
+
+void StartWithoutFile();
+// `fileName` is the whole command line, used unchanged as a path.
+void StartWithFile(const QString& fileName);
+// Shows a data file that has just been opened.
+void LoadFromFile();
+// Back to the start screen.
+void FCD_Restart();
+
+// The commands New and Open. A failed Open has gone back to the start screen; a failed New only
+// lets go of the worksheet, and the menus stay as they were although the file is closed.
+void NewDatafile();
+void OpenDatafile();
+
+// Stands behind the data file: what opening and closing files asks of the shell.
+void ConnectDatafile();
+
+}  // namespace a1Prep

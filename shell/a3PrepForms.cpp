@@ -1,0 +1,161 @@
+#include "shell/a3PrepForms.h"
+
+#include <memory>
+
+#include "datafile/PrepDatafile.h"
+#include "platform/system/Host.h"
+#include "shell/Worksheet.h"
+#include "shell/frm0_Prep.h"
+#include "shell/frm1Intro.h"
+#include "shell/frmTabs.h"
+#include "shell/u91Trace.h"
+#include "worksheets/cost/frm6SuppressAcre.h"
+#include "worksheets/goals/frm2RMAs.h"
+#include "worksheets/nvc/frm5NVCTable.h"
+#include "worksheets/resources/frm3SRMaster.h"
+#include "worksheets/zones/frm4FMZs.h"
+
+namespace {
+
+QString worksheetID;
+std::unique_ptr<Worksheet> current;
+int currentIndex = 0;
+
+// What the shell offers to the worksheets.
+class Manager : public WorksheetHost {
+public:
+    void PositionWorksheet(QWidget& form) override { a3PrepForms::PositionWorksheet(form); }
+    void StepMenu_Check(int index) override {
+        frm0_Prep::Loaded().StepMenu_Check(static_cast<std::int16_t>(index));
+    }
+    void SetWorksheetID(const QString& id) override { a3PrepForms::SetWorksheetID(id); }
+    QWidget& Frame() override { return frm0_Prep::Loaded(); }
+    QWidget& ClientArea() override { return frm0_Prep::Loaded().ClientArea(); }
+};
+
+template <typename FormType>
+std::unique_ptr<Worksheet> Make() {
+    static Manager manager;
+    return std::make_unique<FormType>(manager, &manager.ClientArea());
+}
+
+std::unique_ptr<Worksheet> MakeForm(int index) {
+    switch (index) {
+        case 1:
+            return Make<frm1Intro>();
+        case 2:
+            return Make<frm2RMAs>();
+        case 3:
+            return Make<frm3SRMaster>();
+        case 4:
+            return Make<frm4FMZs>();
+        case 5:
+            return Make<frm5NVCTable>();
+        case 6:
+            return Make<frm6SuppressAcre>();
+        default:
+            return nullptr;
+    }
+}
+
+// The keyboard goes to the new worksheet unless the user walks along the tabs with it.
+void FocusWorksheet() {
+    frmTabs* tabs = frm0_Prep::Loaded().Tabs();
+    if (current && (tabs == nullptr || !tabs->HasKeyboard())) {
+        frm0_Prep::Loaded().FocusForm(current->Form());
+    }
+}
+
+void SetUpForm(int index) {
+    if (currentIndex != index) {
+        a3PrepForms::UnloadForm();
+        current = MakeForm(index);
+        currentIndex = index;
+    }
+    try {
+        current->SetUp();
+    } catch (...) {
+        a3PrepForms::UnloadForm();
+        throw;
+    }
+    FocusWorksheet();
+}
+
+}  // namespace
+
+namespace a3PrepForms {
+
+const QString& WorksheetID() {
+    return worksheetID;
+}
+
+void SetWorksheetID(const QString& id) {
+    worksheetID = id;
+}
+
+void DisplayWorksheet(std::int16_t index) {
+    u91Trace::Procedure(QStringLiteral("DisplayWorksheet %1").arg(index));
+    if (index < 1 || index > 6) {
+        return;
+    }
+    SetUpForm(index);
+}
+
+void SetUpIntroduction() {
+    SetUpForm(1);
+}
+
+void PositionWorksheet(QWidget& form) {
+    u91Trace::Procedure(QStringLiteral("PositionWorksheet"));
+    const QSize client = frm0_Prep::Loaded().ClientSize();
+    const frmTabs* tabs = frm0_Prep::Loaded().Tabs();
+    const int strip = tabs != nullptr ? tabs->height() : frmTabs::kHeight;
+    const int height = client.height() > strip ? client.height() - strip : form.height();
+    form.setGeometry(0, 0, client.width(), height);
+    form.show();
+}
+
+void UpdateCurrentWorksheet() {
+    u91Trace::Procedure(QStringLiteral("a3PrepForms.UpdateCurrentWorksheet ") + worksheetID);
+    if (current && PrepDatafile::IsDatafileOpen()) {
+        current->Save();
+    }
+}
+
+void UnloadCurrentWorksheet() {
+    u91Trace::Procedure(QStringLiteral("a3PrepForms.UnloadCurrentWorksheet; WorksheetID = ") +
+                        worksheetID);
+    UnloadForm();
+}
+
+void ArrangeWorksheets() {
+    if (worksheetID.isEmpty()) {
+        return;
+    }
+    if (frmTabs* tabs = frm0_Prep::Loaded().Tabs()) {
+        const QSize client = frm0_Prep::Loaded().ClientSize();
+        const int top =
+            client.height() > tabs->height() ? client.height() - tabs->height() : tabs->y();
+        tabs->setGeometry(tabs->x(), top, client.width(), tabs->height());
+    }
+    if (current) {
+        PositionWorksheet(current->Form());
+    }
+}
+
+void UnloadForm() {
+    if (!current) {
+        return;
+    }
+    // Out of the manager's hands first: whatever the unload handler meets, the form is gone then.
+    const std::unique_ptr<Worksheet> leaving = std::move(current);
+    currentIndex = 0;
+    leaving->Form().hide();
+    leaving->Unload();
+}
+
+QWidget* CurrentForm() {
+    return current ? &current->Form() : nullptr;
+}
+
+}  // namespace a3PrepForms

@@ -1,0 +1,275 @@
+#include "shell/frm0Start.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/EventTrap.h"
+#include "platform/controls/FLabel.h"
+#include "platform/controls/SSPanel.h"
+#include "platform/help/HelpViewer.h"
+#include "shell/ProgramTexts.h"
+#include "shell/a1Prep.h"
+#include "shell/frm0_Prep.h"
+#include "shell/u91Trace.h"
+
+namespace {
+
+constexpr int kHelpContextId = 1;
+// The client area for which the sizes below are meant; on a larger one everything grows with it.
+constexpr double kDesignWidth = 800;
+constexpr double kDesignHeight = 560;
+constexpr double kLargestScale = 1.7;
+constexpr int kColumnWidth = 740;
+constexpr int kBanner = 120;
+constexpr int kGap = 18;
+constexpr int kButtonHeight = 36;
+
+const QString kOverview = QStringLiteral(
+    "|BEFORE:90|This program is used to collect and store data "
+    "for later use during a Tactical Assessment of Response Needs (TARN)."
+    "|CR|Information that can be collected and stored includes:"
+    "|BEFORE:15||CR|   Management Objectives,"
+    "|CR|   Suppression Resource Costs,"
+    "|CR|   Net Value Change (NVC Table), and"
+    "|CR|   Suppression Cost per Acre."
+    "|BEFORE:90||CR|NVC and Suppression Cost per Acre data "
+    "can be copied from an BRAM file, or entered by hand.");
+
+const QString kInstructions = QStringLiteral(
+    "To create a new data file,|CR|click the New button."
+    "|BEFORE:180||CR|To review or update an existing data file,"
+    "|BEFORE:0||CR|click the Open button.");
+
+// The outline of a chain of hills, from the left edge to the right one.
+QPainterPath Ridge(const QRectF& area, double base, double height, double phase) {
+    constexpr double kStep = 4;
+    QPainterPath path(area.bottomLeft());
+    for (double x = 0; x <= area.width() + kStep; x += kStep) {
+        const double at = x / kDesignWidth;
+        const double rise = 0.55 + 0.28 * std::sin(7.1 * at + phase) +
+                            0.13 * std::sin(17.3 * at + 2.3 * phase) +
+                            0.04 * std::sin(61 * at + phase);
+        path.lineTo(area.left() + x, area.bottom() - area.height() * (base + height * rise));
+    }
+    path.lineTo(area.bottomRight());
+    path.closeSubpath();
+    return path;
+}
+
+void PaintBanner(QPainter& painter, const QRectF& area, const QPalette& palette) {
+    const QColor accent = palette.color(QPalette::Highlight);
+    QLinearGradient sky(area.topLeft(), area.bottomRight());
+    sky.setColorAt(0, accent.darker(165));
+    sky.setColorAt(1, accent.darker(105));
+    painter.fillRect(area, sky);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    QColor hill = palette.color(QPalette::Window);
+    for (const auto& [alpha, base, height, phase] :
+         {std::array{0.14, 0.22, 0.5, 0.4}, std::array{0.24, 0.1, 0.42, 2.1},
+          std::array{1.0, -0.06, 0.34, 4.2}}) {
+        hill.setAlphaF(static_cast<float>(alpha));
+        painter.setBrush(hill);
+        painter.drawPath(Ridge(area, base, height, phase));
+    }
+}
+
+void Scale(QWidget& control, double factor, bool bold = false) {
+    QFont font = control.parentWidget()->font();
+    font.setPointSizeF(font.pointSizeF() * factor);
+    font.setBold(bold);
+    control.setFont(font);
+}
+
+SSPanel* MakePanel(QWidget* parent, const char* name, const QString& accessibleName) {
+    auto* panel = new SSPanel(parent);
+    panel->setObjectName(QLatin1String(name));
+    panel->setAccessibleName(accessibleName);
+    panel->setFrameStyle(QFrame::StyledPanel | QFrame::Plain);
+    panel->setBackgroundRole(QPalette::Base);
+    panel->setAutoFillBackground(true);
+    return panel;
+}
+
+}  // namespace
+
+frm0Start::frm0Start(QWidget* clientArea)
+    : QWidget(clientArea),
+      lblTitle_(new QLabel(ProgramTexts::kName, this)),
+      column_(new QWidget(this)) {
+    setObjectName(QStringLiteral("frm0Start"));
+    setAccessibleName(tr("Start screen"));
+    platform::SetHelpContextId(*this, kHelpContextId);
+    column_->setObjectName(QStringLiteral("startColumn"));
+    column_->setAccessibleName(tr("Start"));
+    lblTitle_->setObjectName(QStringLiteral("lblTitle"));
+    lblTitle_->setAccessibleName(ProgramTexts::kName);
+    lblTitle_->setProperty("Caption", ProgramTexts::kName);
+    lblTitle_->setForegroundRole(QPalette::HighlightedText);
+    lblCopyright_ = new QLabel(this);
+    lblCopyright_->setObjectName(QStringLiteral("lblCopyright"));
+    lblCopyright_->setAlignment(Qt::AlignCenter);
+    lblCopyright_->setWordWrap(true);
+    BuildOverview();
+    BuildButtons();
+    ArrangeControls();
+}
+
+void frm0Start::BuildOverview() {
+    pnlOverview_ = MakePanel(column_, "pnlOverview", tr("Overview"));
+    flbOverview_ = new FLabel(pnlOverview_);
+    flbOverview_->setObjectName(QStringLiteral("flbOverview"));
+    auto* inside = new QVBoxLayout(pnlOverview_);
+    inside->setContentsMargins(kGap, kGap, kGap, kGap);
+    inside->addWidget(flbOverview_);
+    inside->addStretch();
+}
+
+void frm0Start::BuildButtons() {
+    pnlButtons_ = MakePanel(column_, "pnlButtons", tr("New, Open or Exit"));
+    flbStart_ = new FLabel(pnlButtons_);
+    flbStart_->setObjectName(QStringLiteral("flbStart"));
+    auto* inside = new QVBoxLayout(pnlButtons_);
+    inside->setContentsMargins(kGap, kGap, kGap, kGap);
+    inside->addWidget(flbStart_);
+    inside->addSpacing(kGap);
+    inside->addStretch();
+    cmdNew_ = AddButton(*inside, "cmdNew", tr("&New"), tr("New data file"),
+                        "frm0Start.cmdNew_Click", &frm0Start::cmdNew_Click);
+    AddButton(*inside, "cmdOpen", tr("&Open"), tr("Open data file"), "frm0Start.cmdOpen_Click",
+              &frm0Start::cmdOpen_Click);
+    AddButton(*inside, "cmdExit", tr("E&xit"), tr("Exit the program"), "frm0Start.cmdExit_Click",
+              &frm0Start::cmdExit_Click);
+}
+
+QPushButton* frm0Start::AddButton(QVBoxLayout& column, const char* name, const QString& caption,
+                                  const QString& accessibleName, const char* handlerName,
+                                  void (frm0Start::*handler)()) {
+    auto* button = new QPushButton(caption, pnlButtons_);
+    button->setObjectName(QLatin1String(name));
+    button->setAccessibleName(accessibleName);
+    button->setMinimumHeight(kButtonHeight);
+    column.addWidget(button);
+    connect(
+        button, &QPushButton::clicked, this,
+        platform::EventTrap::Trapped(handlerName, [this, handler](bool) { (this->*handler)(); }));
+    return button;
+}
+
+void frm0Start::ArrangeControls() {
+    auto* panels = new QHBoxLayout(column_);
+    panels->setContentsMargins(0, 0, 0, 0);
+    panels->setSpacing(kGap);
+    panels->addWidget(pnlOverview_, 3);
+    panels->addWidget(pnlButtons_, 2);
+    auto* centre = new QHBoxLayout;
+    centre->addStretch(1);
+    centre->addWidget(column_, 1000);
+    centre->addStretch(1);
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(kGap, 0, kGap, kGap / 2);
+    rows->setSpacing(kGap);
+    rows->addWidget(lblTitle_);
+    rows->addLayout(centre);
+    rows->addStretch(1);
+    rows->addWidget(lblCopyright_);
+    // Hiding the panels leaves title and notice where they are.
+    for (SSPanel* panel : {pnlOverview_, pnlButtons_}) {
+        QSizePolicy policy = panel->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        panel->setSizePolicy(policy);
+    }
+}
+
+void frm0Start::Form_Load() {
+    u91Trace::FormLoad(QStringLiteral("frm0Start"));
+    move(0, 0);
+    flbOverview_->SetCaption(kOverview);
+    flbStart_->SetCaption(kInstructions);
+    lblCopyright_->setText(ProgramTexts::kNoticeOfRights);
+    lblCopyright_->setProperty("Caption", ProgramTexts::kNoticeOfRights);
+    lblCopyright_->setAccessibleName(ProgramTexts::kNoticeOfRights);
+    cmdNew_->setFocus();
+}
+
+void frm0Start::Form_Unload() {
+    u91Trace::FormUnload(QStringLiteral("frm0Start"));
+}
+
+void frm0Start::SetBackground() {
+    u91Trace::Procedure(QStringLiteral("frm0Start.SetBackground"));
+    ShowPanels(false);
+}
+
+void frm0Start::SetForeground() {
+    u91Trace::Procedure(QStringLiteral("frm0Start.SetForeground"));
+    ShowPanels(true);
+    cmdNew_->setFocus();
+}
+
+// A hidden button would keep the keyboard, and Space would still press it; a form that is not
+// enabled gives the keyboard away.
+void frm0Start::ShowPanels(bool shown) {
+    pnlOverview_->setVisible(shown);
+    pnlButtons_->setVisible(shown);
+    setEnabled(shown);
+}
+
+void frm0Start::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    PaintBanner(painter, QRectF(0, 0, width(), lblTitle_->geometry().bottom() + 1), palette());
+}
+
+void frm0Start::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    FitToSize();
+}
+
+void frm0Start::FitToSize() {
+    const double fitting = std::min(width() / kDesignWidth, height() / kDesignHeight);
+    const double scale = std::clamp(fitting, 1.0, kLargestScale);
+    Scale(*lblTitle_, 2.9 * scale, true);
+    Scale(*flbOverview_, 1.1 * scale);
+    Scale(*flbStart_, 1.1 * scale);
+    for (QPushButton* button : pnlButtons_->findChildren<QPushButton*>()) {
+        Scale(*button, 1.1 * scale);
+        button->setMinimumHeight(static_cast<int>(kButtonHeight * scale));
+    }
+    column_->setMaximumWidth(static_cast<int>(kColumnWidth * scale));
+    lblTitle_->setFixedHeight(static_cast<int>(kBanner * std::min(fitting, kLargestScale)));
+    const int columnLeft = std::max(0, (width() - 2 * kGap - column_->maximumWidth()) / 2);
+    lblTitle_->setContentsMargins(columnLeft, 0, 0, lblTitle_->height() / 4);
+}
+
+// Return presses the button that has the keyboard, as Space does.
+void frm0Start::keyPressEvent(QKeyEvent* event) {
+    auto* button = qobject_cast<QPushButton*>(focusWidget());
+    if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        button->click();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void frm0Start::cmdNew_Click() {
+    u91Trace::Procedure(QStringLiteral("frm0Start.cmdNew_Click"));
+    a1Prep::NewDatafile();
+}
+
+void frm0Start::cmdOpen_Click() {
+    u91Trace::Procedure(QStringLiteral("frm0Start.cmdOpen_Click"));
+    a1Prep::OpenDatafile();
+}
+
+void frm0Start::cmdExit_Click() {
+    u91Trace::Start(QStringLiteral("frm0Start.cmdExit_Click"));
+    frm0_Prep::Loaded().close();
+}

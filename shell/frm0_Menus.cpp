@@ -1,0 +1,191 @@
+// The frame's menus and their handlers, which dispatch on the menu items' numbers.
+
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+
+#include "datafile/PrepDatafile.h"
+#include "platform/EventTrap.h"
+#include "platform/RuntimeError.h"
+#include "platform/controls/vsIndexTab.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/help/HelpViewer.h"
+#include "shell/EditCommands.h"
+#include "shell/ProgramTexts.h"
+#include "shell/a1Prep.h"
+#include "shell/a3PrepForms.h"
+#include "shell/frm0Start.h"
+#include "shell/frm0_Prep.h"
+#include "shell/frmTabs.h"
+#include "shell/u91Trace.h"
+
+namespace {
+
+enum TopMenu { kFile = 1, kWorksheet = 2, kEdit = 3, kHelp = 9 };
+enum FileItem : std::int16_t { kNew = 1, kOpen = 2, kSeparator = 10 };
+enum HelpItem : std::int16_t { kCurrentWorksheet = 1, kContents = 2, kAbout = 9 };
+
+QString ItemName(const char* array, int index) {
+    return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(index);
+}
+
+QString AboutText() {
+    return ProgramTexts::kTitle + platform::kNewLine +
+           QStringLiteral("Preseason TARN Preparation, 2005 Edition, Version 1") +
+           platform::kNewLine + platform::kNewLine + ProgramTexts::kNoticeOfRights;
+}
+
+}  // namespace
+
+QMenu* frm0_Prep::AddTopMenu(int index, const QString& caption) {
+    QMenu* menu = menuBar()->addMenu(caption);
+    QString name = caption;
+    name.remove(QLatin1Char('&'));
+    menu->setObjectName(ItemName("mnuTopPopup", index));
+    menu->setAccessibleName(name);
+    menu->menuAction()->setObjectName(ItemName("mnuTop", index));
+    mnuTop_[index] = menu;
+    return menu;
+}
+
+QAction* frm0_Prep::AddItem(QMenu& menu, const QString& name, const QString& caption,
+                            const Handler& handler, std::int16_t index) {
+    QAction* item = menu.addAction(caption);
+    item->setObjectName(name);
+    connect(item, &QAction::triggered, this,
+            platform::EventTrap::Trapped(handler.name, [this, click = handler.click, index](bool) {
+                (this->*click)(index);
+            }));
+    return item;
+}
+
+void frm0_Prep::BuildMenus() {
+    menuBar()->setObjectName(QStringLiteral("menuBar"));
+    menuBar()->setAccessibleName(tr("Menus"));
+    menuBar()->setNativeMenuBar(false);
+
+    const Handler fileHandler{"frm0_Prep.mnuFile_Click", &frm0_Prep::mnuFile_Click};
+    QMenu& file = *AddTopMenu(kFile, tr("&File"));
+    AddItem(file, ItemName("mnuFile", kNew), tr("&New"), fileHandler, kNew);
+    AddItem(file, ItemName("mnuFile", kOpen), tr("&Open"), fileHandler, kOpen);
+    file.addSeparator()->setObjectName(ItemName("mnuFile", kSeparator));
+    AddItem(file, QStringLiteral("mnuExit"), tr("E&xit"),
+            {"frm0_Prep.mnuExit_Click", &frm0_Prep::mnuExit_Click}, 0);
+
+    QMenu& worksheet = *AddTopMenu(kWorksheet, tr("&Worksheet"));
+    const QStringList captions{tr("&Introduction"),          tr("&Management Goals"),
+                               tr("&Suppression Resources"), tr("Fire Management &Zones"),
+                               tr("&NVC Table (Impacts)"),   tr("Suppression Cost per &Acre")};
+    for (std::int16_t step = 1; step <= 6; ++step) {
+        QAction* item = AddItem(worksheet, ItemName("mnuStep", step), captions[step - 1],
+                                {"frm0_Prep.mnuStep_Click", &frm0_Prep::mnuStep_Click}, step);
+        item->setCheckable(true);
+        mnuStep_.at(static_cast<std::size_t>(step) - 1) = item;
+    }
+
+    QMenu& edit = *AddTopMenu(kEdit, tr("&Edit"));
+    const auto addEdit = [&](std::int16_t index, const QString& caption, Qt::Key key) {
+        AddItem(edit, ItemName("mnuEdit", index), caption,
+                {"frm0_Prep.mnuEdit_Click", &frm0_Prep::mnuEdit_Click}, index)
+            ->setShortcut(QKeySequence(Qt::CTRL | key));
+    };
+    addEdit(EditCommands::kCut, tr("Cu&t"), Qt::Key_X);
+    addEdit(EditCommands::kCopy, tr("&Copy"), Qt::Key_C);
+    addEdit(EditCommands::kPaste, tr("&Paste"), Qt::Key_V);
+
+    QMenu& help = *AddTopMenu(kHelp, tr("&Help"));
+    const auto addHelp = [&](std::int16_t index, const QString& caption) {
+        AddItem(help, ItemName("mnuHelp", index), caption,
+                {"frm0_Prep.mnuHelp_Click", &frm0_Prep::mnuHelp_Click}, index);
+    };
+    addHelp(kCurrentWorksheet, tr("Current &Worksheet   F1"));
+    addHelp(kContents, tr("&Contents"));
+    addHelp(kAbout, tr("&About ..."));
+
+    EnableMenu(kWorksheet, false);
+    EnableMenu(kEdit, false);
+}
+
+void frm0_Prep::EnableMenu(int top, bool enabled) {
+    mnuTop_.at(top)->menuAction()->setEnabled(enabled);
+}
+
+void frm0_Prep::StepMenu_Check(std::int16_t index) {
+    u91Trace::Procedure(QStringLiteral("frm0_Prep.StepMenu_Check"));
+    for (QAction* item : mnuStep_) {
+        item->setChecked(false);
+    }
+    mnuStep_.at(static_cast<std::size_t>(index) - 1)->setChecked(true);
+}
+
+void frm0_Prep::mnuFile_Click(std::int16_t index) {
+    u91Trace::Start(QStringLiteral("mnuFile_Click %1").arg(index));
+    if (PrepDatafile::IsDatafileOpen()) {
+        a3PrepForms::UpdateCurrentWorksheet();
+    }
+    if (index == kNew) {
+        a1Prep::NewDatafile();
+    } else if (index == kOpen) {
+        a1Prep::OpenDatafile();
+    }
+}
+
+// The worksheet is saved here and once more by the unload: saving twice does no harm.
+void frm0_Prep::mnuExit_Click(std::int16_t /*index*/) {
+    u91Trace::Start(QStringLiteral("mnuExit_Click"));
+    if (PrepDatafile::IsDatafileOpen() && !SaveBeforeLeaving()) {
+        return;
+    }
+    close();
+}
+
+void frm0_Prep::mnuStep_Click(std::int16_t index) {
+    // Choosing the item has turned its check mark over; only a set-up may do that.
+    mnuStep_.at(static_cast<std::size_t>(index) - 1)->toggle();
+    u91Trace::Procedure(QStringLiteral("mnuStep_Click %1").arg(index));
+    if (!tabs_) {
+        throw platform::RuntimeError(platform::kObjectNotSet,
+                                     tr("There is no data file whose worksheets could be shown."));
+    }
+    const bool noneShows = a3PrepForms::CurrentForm() == nullptr;
+    tabs_->Tab().SetCurrTab(index, noneShows);
+}
+
+void frm0_Prep::mnuEdit_Click(std::int16_t index) {
+    u91Trace::Procedure(
+        QStringLiteral("mnuEdit_Click %1 %2").arg(a3PrepForms::WorksheetID()).arg(index));
+    EditCommands::Run(index, ActiveControl());
+}
+
+void frm0_Prep::mnuHelp_Click(std::int16_t index) {
+    u91Trace::Procedure(QStringLiteral("mnuHelp_Click %1").arg(index));
+    switch (index) {
+        case kCurrentWorksheet:
+            platform::HelpViewer::ShowContext(platform::HelpContextId(ActiveForm()), this);
+            break;
+        case kContents:
+            platform::HelpViewer::ShowContents(this);
+            break;
+        case kAbout:
+            platform::MsgBox(AboutText());
+            break;
+        default:
+            break;
+    }
+}
+
+void frm0_Prep::RememberControl(QWidget* control) {
+    if (control != nullptr && clientArea_->isAncestorOf(control)) {
+        lastControl_ = control;
+    }
+}
+
+// A menu that was opened by keyboard has the keyboard itself while its item is chosen.
+QWidget* frm0_Prep::ActiveControl() const {
+    QWidget* const focus = QApplication::focusWidget();
+    if (focus != nullptr && clientArea_->isAncestorOf(focus)) {
+        return focus;
+    }
+    return lastControl_ != nullptr && lastControl_->isVisible() ? lastControl_ : nullptr;
+}

@@ -1,0 +1,290 @@
+#include "shell/frm0_Prep.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QMenuBar>
+#include <QScreen>
+
+#include "datafile/PrepDatafile.h"
+#include "datafile/PrepProperties.h"
+#include "platform/EventTrap.h"
+#include "platform/RuntimeError.h"
+#include "platform/controls/vsIndexTab.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/help/HelpViewer.h"
+#include "platform/system/Host.h"
+#include "shell/EditCommands.h"
+#include "shell/ProgramTexts.h"
+#include "shell/a1Prep.h"
+#include "shell/a3PrepForms.h"
+#include "shell/frm0Start.h"
+#include "shell/frmTabs.h"
+#include "shell/u91Trace.h"
+
+using platform::EventTrap::Run;
+using platform::EventTrap::Trapped;
+
+frm0_Prep* frm0_Prep::loaded_ = nullptr;
+
+namespace {
+
+// What the frame has on a screen for which it is not sized by the display check.
+QSize SizeOnSmallScreen(const QScreen* screen) {
+    constexpr QSize kWanted(808, 608);
+    constexpr QSize kDecoration(4, 40);
+    return screen == nullptr ? kWanted : kWanted.boundedTo(screen->availableSize() - kDecoration);
+}
+
+}  // namespace
+
+frm0_Prep::frm0_Prep(QString commandLine)
+    : commandLine_(std::move(commandLine)), clientArea_(new QWidget(this)) {
+    loaded_ = this;
+    setObjectName(QStringLiteral("frm0_Prep"));
+    setAccessibleName(ProgramTexts::kName);
+    setWindowTitle(ProgramTexts::kName);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    clientArea_->setObjectName(QStringLiteral("clientArea"));
+    clientArea_->setAccessibleName(tr("Client area"));
+    setCentralWidget(clientArea_);
+    BuildMenus();
+    resize(SizeOnSmallScreen(screen()));
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { RememberControl(now); });
+    connect(qApp, &QGuiApplication::commitDataRequest, this, &frm0_Prep::SaveForSessionEnd,
+            Qt::DirectConnection);
+    connect(qApp, &QGuiApplication::saveStateRequest, this, &frm0_Prep::SaveForSessionEnd,
+            Qt::DirectConnection);
+    qApp->installEventFilter(this);
+}
+
+frm0_Prep::~frm0_Prep() {
+    // The forms look for the frame while they go.
+    a3PrepForms::UnloadForm();
+    tabs_.reset();
+    startScreen_.reset();
+    loaded_ = nullptr;
+}
+
+frm0_Prep& frm0_Prep::Loaded() {
+    if (loaded_ == nullptr) {
+        throw platform::RuntimeError(platform::kObjectNotSet,
+                                     QStringLiteral("The main window is not loaded."));
+    }
+    return *loaded_;
+}
+
+void frm0_Prep::MDIForm_Load() {
+    int lastError = 0;
+    const auto step = [&lastError](const auto& body) {
+        try {
+            body();
+        } catch (const platform::RuntimeError& error) {
+            lastError = error.Number();
+        } catch (const std::bad_alloc&) {
+            lastError = platform::kOutOfMemory;
+        }
+    };
+    u91Trace::SetTolerant(true);
+    a1Prep::ConnectDatafile();
+    step([] { u91Trace::ProgramStart(ProgramTexts::kTitle); });
+    step([this] { a1Prep::DisplayCheck(*this); });
+    show();
+    step([] { platform::HelpViewer::SetHelpFile(HelpFilePath()); });
+    step([this] {
+        if (commandLine_.isEmpty()) {
+            a1Prep::StartWithoutFile();
+        } else {
+            a1Prep::StartWithFile(commandLine_);
+        }
+    });
+    if (lastError != 0) {
+        step([&] { u91Trace::Error(QStringLiteral("Error during startup %1").arg(lastError)); });
+    }
+    step([] { u91Trace::Finished(QStringLiteral("Loading TARN Prep")); });
+    TellOfLogFailure();
+}
+
+void frm0_Prep::MDIForm_Resize() {
+    u91Trace::Procedure(QStringLiteral("frm0_Prep_Resize %1 x %2")
+                            .arg(platform::ToTwips(width()))
+                            .arg(platform::ToTwips(height())));
+    FillWithStartScreen();
+    a3PrepForms::ArrangeWorksheets();
+}
+
+void frm0_Prep::SetTitleBar(const QString& sFileName) {
+    u91Trace::Procedure(QStringLiteral("frm0_Prep.SetTitleBar"));
+    setWindowTitle(QStringLiteral("TARN Prep:  [") + sFileName + QStringLiteral("]  ") +
+                   PrepProperties::GetPropertyWithDefault(QStringLiteral("UnitName"),
+                                                          QStringLiteral("No Name")));
+}
+
+QString frm0_Prep::HelpFilePath() {
+    return platform::JoinPath(platform::ProgramFolder(), QStringLiteral("TARNPlus.hlp"));
+}
+
+void frm0_Prep::Maximise() {
+    if (const QScreen* here = screen()) {
+        setGeometry(here->availableGeometry());
+    }
+    showMaximized();
+}
+
+frm0Start& frm0_Prep::StartScreen() {
+    if (!startScreen_) {
+        startScreen_ = std::make_unique<frm0Start>(clientArea_);
+        startScreen_->Form_Load();
+        startScreen_->show();
+        startScreen_->lower();
+    }
+    return *startScreen_;
+}
+
+void frm0_Prep::FillWithStartScreen() {
+    StartScreen().setGeometry(QRect(QPoint(0, 0), ClientSize()));
+}
+
+frmTabs& frm0_Prep::ShowTabs() {
+    if (!tabs_) {
+        tabs_ = std::make_unique<frmTabs>(clientArea_);
+        tabs_->Form_Load();
+    }
+    tabs_->show();
+    tabs_->raise();
+    return *tabs_;
+}
+
+void frm0_Prep::UnloadTabs() {
+    if (tabs_) {
+        tabs_->Form_Unload();
+        tabs_.reset();
+    }
+}
+
+QWidget* frm0_Prep::ActiveForm() const {
+    for (QWidget* widget = ActiveControl(); widget != nullptr; widget = widget->parentWidget()) {
+        if (widget->parentWidget() == clientArea_ && widget != tabs_.get()) {
+            return widget;
+        }
+    }
+    QWidget* worksheet = a3PrepForms::CurrentForm();
+    return worksheet != nullptr ? worksheet : startScreen_.get();
+}
+
+void frm0_Prep::FocusForm(QWidget& form) {
+    QWidget* const focus = QApplication::focusWidget();
+    if (focus != nullptr && form.isAncestorOf(focus)) {
+        return;
+    }
+    for (QWidget* next = form.nextInFocusChain(); next != &form; next = next->nextInFocusChain()) {
+        if (form.isAncestorOf(next) && next->isVisibleTo(&form) && next->isEnabled() &&
+            (next->focusPolicy() & Qt::TabFocus) != 0) {
+            next->setFocus(Qt::OtherFocusReason);
+            return;
+        }
+    }
+}
+
+void frm0_Prep::SaveForSessionEnd() {
+    Run("frm0_Prep.SaveForSessionEnd", [] {
+        if (PrepDatafile::IsDatafileOpen()) {
+            a3PrepForms::UpdateCurrentWorksheet();
+        }
+    });
+}
+
+void frm0_Prep::TellOfLogFailure() {
+    const QString failure = u91Trace::PassedOverFailure();
+    if (failure.isEmpty() || toldOfLogFailure_) {
+        return;
+    }
+    toldOfLogFailure_ = true;
+    platform::MsgBox(tr("The program's logs cannot be written; the program works without them.") +
+                     platform::kNewLine + failure);
+}
+
+void frm0_Prep::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (!isUnloaded_) {
+        Run("frm0_Prep.MDIForm_Resize", [this] { MDIForm_Resize(); });
+    }
+}
+
+void frm0_Prep::closeEvent(QCloseEvent* event) {
+    bool leave = true;
+    if (!isUnloaded_) {
+        Run("frm0_Prep.MDIForm_Unload", [&] { leave = MDIForm_Unload(); });
+    }
+    event->setAccepted(leave);
+    if (leave) {
+        emit Unloaded();
+    }
+}
+
+// F1 opens the topic of the form that has the keyboard, a dialog's own one included.
+bool frm0_Prep::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress || !watched->isWidgetType() ||
+        static_cast<QKeyEvent*>(event)->key() != Qt::Key_F1) {
+        return QMainWindow::eventFilter(watched, event);
+    }
+    auto* const control = static_cast<QWidget*>(watched);
+    QWidget* const window = control->window();
+    const bool isDialogOfOurs = window != this && platform::HelpContextId(window) != 0;
+    if (window != this && (!isDialogOfOurs || window->inherits("QMessageBox"))) {
+        return QMainWindow::eventFilter(watched, event);
+    }
+    Run("frm0_Prep.F1", [&] {
+        const QWidget* form = isDialogOfOurs ? control : ActiveForm();
+        platform::HelpViewer::ShowContext(platform::HelpContextId(form), window);
+    });
+    return true;
+}
+
+bool frm0_Prep::SaveBeforeLeaving() {
+    try {
+        a3PrepForms::UpdateCurrentWorksheet();
+        return true;
+    } catch (const platform::RuntimeError& error) {
+        u91Trace::Error(QStringLiteral("a3PrepForms.UpdateCurrentWorksheet %1 %2")
+                            .arg(error.Number())
+                            .arg(error.Description()));
+        platform::MsgOptions options;
+        options.icon = platform::MsgIcon::kStop;
+        options.buttons = platform::MsgButtons::kYesNo;
+        options.secondIsDefault = true;
+        leavesUnsaved_ =
+            platform::MsgBox(tr("The worksheet could not be saved.") + platform::kNewLine +
+                                 error.Description() + platform::kNewLine +
+                                 tr("Do you want to leave the program without saving it?"),
+                             options) == platform::MsgAnswer::kYes;
+        return leavesUnsaved_;
+    }
+}
+
+bool frm0_Prep::MDIForm_Unload() {
+    u91Trace::Procedure(QStringLiteral("frm0_Prep.MDIForm_Unload"));
+    if (PrepDatafile::IsDatafileOpen()) {
+        if (!leavesUnsaved_ && !SaveBeforeLeaving()) {
+            return false;
+        }
+        // The program ends even when closing fails; the trap tells of it.
+        Run("PrepDatafile.CloseDatafile", [] { PrepDatafile::CloseDatafile(); });
+    }
+    isUnloaded_ = true;
+    UnloadForms();
+    platform::HelpViewer::Close();
+    u91Trace::ProgramEnd(ProgramTexts::kName);
+    return true;
+}
+
+void frm0_Prep::UnloadForms() {
+    Run("a3PrepForms.UnloadForm", [] { a3PrepForms::UnloadForm(); });
+    UnloadTabs();
+    if (startScreen_) {
+        // It stays until the frame goes: its Exit button may be what ends the program.
+        startScreen_->Form_Unload();
+        startScreen_->hide();
+    }
+}

@@ -1,0 +1,86 @@
+#include "shell/frm1Intro.h"
+
+#include <QLabel>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include "platform/controls/FLabel.h"
+#include "platform/controls/SSPanel.h"
+#include "shell/u91Trace.h"
+
+namespace {
+
+constexpr int kTextWidth = 900;
+constexpr int kInset = 14;
+constexpr double kTextScale = 1.1;
+
+const QString kTitle = QStringLiteral("Instructions for creating a TARN Prep file");
+
+const QString kDescription = QStringLiteral(
+    "The TARN Prep process involves collecting information in a single file so that it is easily "
+    "accessible when needed for a Tactical Assessment of Response Needs (TARN).  "
+    "|CR||BEFORE:180|Worksheet 1: Introduction.  This page."
+    "|CR||BEFORE:90|Worksheet 2: Management Goals.  Management goals, objectives and guidelines "
+    "can be entered to help ensure that suppression objectives in the TARN are consistent with "
+    "resource management objectives for the area."
+    "|CR|Worksheet 3: Suppression Resources.  You will select suppression resources from this list "
+    "when describing alternatives in the TARN."
+    "|CR|Worksheet 4: FMZs.  Import data from an BRAM file."
+    "|CR|Worksheet 5: NVC Table.  The NVC Table will be used to compute impacts on natural "
+    "resources in the TARN."
+    "|CR|Worksheet 6: Suppression Cost / Acre.  This table will be used to estimate suppression "
+    "costs based on historic cost per acre.");
+
+// Scrolls the text where the window is too low for it.
+QScrollArea* Scroller(QWidget* parent, FLabel* text) {
+    auto* page = new QWidget;
+    page->setObjectName(QStringLiteral("descriptionPage"));
+    page->setAccessibleName(QScrollArea::tr("Instructions"));
+    auto* centre = new QVBoxLayout(page);
+    centre->setContentsMargins(kInset, kInset, kInset, kInset);
+    centre->addWidget(text);
+    centre->addStretch();
+    auto* area = new QScrollArea(parent);
+    area->setObjectName(QStringLiteral("descriptionArea"));
+    area->setAccessibleName(QScrollArea::tr("Instructions"));
+    area->setWidget(page);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setBackgroundRole(QPalette::Base);
+    area->viewport()->setObjectName(QStringLiteral("descriptionViewport"));
+    return area;
+}
+
+}  // namespace
+
+frm1Intro::frm1Intro(WorksheetHost& host, QWidget* parent)
+    : WorksheetPage(host, parent, {"frm1Intro", tr("Introduction"), 1, "INT", 10}),
+      flbDescription_(new FLabel) {
+    AddTitle(tr("Description of Section"));
+    auto* pnlDescription = new SSPanel(this);
+    pnlDescription->setObjectName(QStringLiteral("pnlDescription"));
+    pnlDescription->setAccessibleName(tr("Description"));
+    flbDescription_->setObjectName(QStringLiteral("flbDescription"));
+    flbDescription_->setMaximumWidth(kTextWidth);
+    QFont font = flbDescription_->font();
+    font.setPointSizeF(font.pointSizeF() * kTextScale);
+    flbDescription_->setFont(font);
+    auto* inside = new QVBoxLayout(pnlDescription);
+    inside->setContentsMargins(2, 2, 2, 2);
+    inside->addWidget(Scroller(pnlDescription, flbDescription_));
+    Body().addWidget(pnlDescription, 1);
+}
+
+void frm1Intro::Setup() {
+    u91Trace::Procedure(QStringLiteral("frm1Intro.Setup"));
+    BecomeCurrent();
+    auto* lblTitle = findChild<QLabel*>(QStringLiteral("lblTitle"));
+    lblTitle->setText(kTitle);
+    lblTitle->setProperty("Caption", kTitle);
+    lblTitle->setAccessibleName(kTitle);
+    flbDescription_->SetCaption(kDescription);
+}
+
+void frm1Intro::Unload() {
+    u91Trace::FormUnload(QStringLiteral("frm1Intro"));
+}

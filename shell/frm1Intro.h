@@ -1,0 +1,21 @@
+// Worksheet 1: what the six worksheets are for. It reads and writes nothing.
+#pragma once
+
+#include "worksheets/WorksheetPage.h"
+
+class FLabel;
+
+class frm1Intro : public WorksheetPage {
+    Q_OBJECT
+
+public:
+    frm1Intro(WorksheetHost& host, QWidget* parent);
+
+    void SetUp() override { Setup(); }
+    void Unload() override;
+
+    void Setup();
+
+private:
+    FLabel* flbDescription_;
+};
