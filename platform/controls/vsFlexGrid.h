@@ -4,22 +4,32 @@
 // text; its column's format decides how that text is shown. Row data is one number per row. Widths
 // are twips. Column resizing by the user is kept.
 //
-// Editing. Entering a cell, by mouse or keyboard, emits EnterCell; a handler that wants the cell
-// edited calls EditCell, which asks BeforeEdit (any handler may set *cancel) and opens the editor
-// with the cell's unformatted text selected. Each change of the editor's text, pasting and cutting
-// included, emits ChangeEdit; typed characters emit KeyPressEdit before and KeyUpEdit after the
-// editor saw them. Enter, Tab, the arrows, Page keys, loss of focus, and FinishEdit end the edit at
-// once: the text goes into the cell, then AfterEdit is emitted. Esc restores the cell and emits
-// EditCancelled with the text the cell had when the edit began. A paste or cut that no key release
-// follows emits KeyUpEdit too, so that handlers that store values there miss nothing. Nothing is
-// emitted by the program's own SetTextMatrix.
+// The current cell. While there are data rows one of them is current. EnterCell tells that the user
+// or Select, SetRow and SetCol moved to another cell, that the focus came to the grid by keyboard,
+// or that the user asks to edit the current cell again (F2, a typed character, a click).
+//
+// Editing. A handler of EnterCell that wants the cell edited calls EditCell, which asks BeforeEdit
+// (any handler may set *cancel) and opens the editor with the cell's unformatted text selected.
+// Each change of the editor's text, pasting and cutting included, emits ChangeEdit; typed
+// characters emit KeyPressEdit before and KeyUpEdit after the editor saw them. Enter, Tab, Up,
+// Down, the Page keys, Left and Right at the text's ends, loss of focus, and FinishEdit end the
+// edit at once: the text goes into the cell, then AfterEdit is emitted. Esc restores the cell and,
+// when something had been changed, emits EditCancelled with the cell holding again what it held
+// when the edit began. A change that no key release follows (a paste, a key that was still down
+// when the edit ended) emits KeyUpEdit too, so that handlers that store values there miss nothing.
+// Nothing is emitted by the program's own SetTextMatrix; an open editor of that cell shows the new
+// text.
+//
+// A grid with no handler for EnterCell is a list: it cannot be edited, Tab leaves it, and Space and
+// Enter emit Click.
 #pragma once
 
 #include <QRect>
 #include <QString>
+#include <QStringList>
 #include <QTableView>
-
 #include <memory>
+#include <vector>
 
 class vsFlexGrid : public QTableView {
     Q_OBJECT
@@ -54,7 +64,7 @@ public:
     Q_INVOKABLE QString DisplayText(int row, int col) const;
     [[nodiscard]] double ValueMatrix(int row, int col) const;  // the leading number of the text
     Q_INVOKABLE int RowData(int row) const;
-    void SetRowData(int row, int data);
+    void SetRowData(int row, int number);
     Q_INVOKABLE QRect CellRect(int row, int col);
     // The name of a cell for assistive technology and its editor: "FIL 3, Forage" by default
     // (heading, text of the row's first column); `SetRowNameColumn(-1)` leaves the heading and row
@@ -94,9 +104,14 @@ public:
     [[nodiscard]] QString EditText() const;
     void SetEditText(const QString& text);
     [[nodiscard]] QString EditSelText() const;
-    void SetEditSelText(const QString& text);  // replaces the editor's selection, as typing does
+    // Replaces the editor's selection, as typing does; outside an edit the current cell's text. A
+    // block of cells as a spreadsheet copies it fills the cells from the current one on.
+    void SetEditSelText(const QString& text);
+    // Empties what Clip gives: the editor's selection, or the selected cells.
+    void ClearClip();
     void SetEditMaxLength(int characters);
-    // The editor's selection while editing, else the selected cells as tab-separated lines.
+    // The editor's selection when there is one, else the selected cells: a single one as it is, a
+    // block as tab-separated lines.
     [[nodiscard]] QString Clip() const;
 
 signals:
@@ -110,7 +125,50 @@ signals:
     void ColumnResized(int col);
     void Click();  // a mouse click on any cell; Row and Col tell which (header cells leave them)
 
+protected:
+    bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+
+protected slots:
+    void updateGeometries() override;
+
 private:
     class Impl;
+
+    void CheckCell(int row, int col) const;
+    void CheckCol(int col) const;
+    void EnsureCurrent();
+    void ApplyColumn(int col);
+    void ApplyRowHeight();
+    void ConnectEditor();
+
+    bool MoveTo(int row, int col, bool extend);
+    bool MoveByKey(const QKeyEvent& event);
+    bool MoveByTab(bool forward);
+    bool TakeEditorKey(QKeyEvent* event);
+    void KeyInCell(QKeyEvent* event);
+    bool KeyInList(const QKeyEvent& event);
+    void Enter();
+    [[nodiscard]] bool IsList() const;
+    [[nodiscard]] int NextCol(int from, int step) const;
+    [[nodiscard]] int PageRows() const;
+
+    void PlaceEditor();
+    void OnEdited();
+    void ReportKeyUp(int key);
+    void CloseEditor();
+    void CancelEdit();
+    void PasteBlock(const std::vector<QStringList>& block);
+    void ReplaceCell(int row, int col, const QString& text);
+    [[nodiscard]] QModelIndexList SelectedCells() const;
+
     std::unique_ptr<Impl> impl_;
 };

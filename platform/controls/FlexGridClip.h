@@ -1,0 +1,18 @@
+// Blocks of cells as text, the way spreadsheets exchange them: a line for each row, tabs between
+// the cells, and quotation marks around a cell that holds a tab, a line end or a quotation mark.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+namespace FlexGridClip {
+
+using Block = std::vector<QStringList>;
+
+// A single cell stands as it is.
+QString ToText(const Block& block);
+// Lines end with CR LF or either of them; the end of the last line is optional.
+Block FromText(const QString& text);
+
+}  // namespace FlexGridClip

@@ -1,0 +1,42 @@
+// The text box in which a grid's cell is edited.
+//
+// It tells the grid what happens in it and leaves all decisions there: each key press is offered to
+// the grid first. A key release is reported only for a key that was pressed here, since the key
+// that moved on from another cell is released in this one.
+#pragma once
+
+#include <QLineEdit>
+#include <QSet>
+#include <functional>
+
+class FlexGridEditor : public QLineEdit {
+    Q_OBJECT
+
+public:
+    explicit FlexGridEditor(QWidget* parent);
+
+    // Gives true when the grid has taken the key.
+    void SetKeyTaker(std::function<bool(QKeyEvent*)> taker) { taker_ = std::move(taker); }
+    // Puts a new text in without reporting it, all selected.
+    void Load(const QString& text);
+    // Whether a key that was pressed here is still down, so that its release will follow.
+    [[nodiscard]] bool KeyIsDown() const { return !down_.isEmpty(); }
+
+signals:
+    void Edited();  // the user, or a paste or cut, changed the text
+    void KeyTyped(QChar key);
+    void KeyReleased(int key);
+    void FocusLost();
+
+protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    void OnTextEdited();
+
+    std::function<bool(QKeyEvent*)> taker_;
+    QSet<int> down_;
+};

@@ -1,0 +1,48 @@
+// The fixed rows of a grid, drawn above its columns; equal neighbouring texts may share one cell.
+#pragma once
+
+#include <QHeaderView>
+#include <vector>
+
+class FlexGridModel;
+
+class FlexGridHeader : public QHeaderView {
+    Q_OBJECT
+
+public:
+    FlexGridHeader(FlexGridModel& model, QWidget* parent);
+
+    void SetMerged(bool merged);
+    // Where a fixed cell lies in this header, a shared one only with its own part.
+    [[nodiscard]] QRect CellRect(int row, int col) const;
+    [[nodiscard]] QSize sizeHint() const override;
+
+signals:
+    void Clicked();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+
+private:
+    // A cell as it is drawn: the fixed cells from the first row and column to the last.
+    struct Block {
+        int top = 0;
+        int left = 0;
+        int bottom = 0;
+        int right = 0;
+    };
+
+    [[nodiscard]] std::vector<Block> Blocks() const;
+    [[nodiscard]] Block BlockAt(int row, int col) const;
+    [[nodiscard]] QRect BlockRect(const Block& block) const;
+    [[nodiscard]] std::vector<int> RowHeights() const;
+    [[nodiscard]] QStringList ShownLines(const Block& block) const;
+    void PaintBlock(QPainter& painter, const Block& block) const;
+
+    FlexGridModel& model_;
+    bool merged_ = false;
+    QPoint pressed_;
+};

@@ -1,0 +1,230 @@
+#include "platform/controls/FlexGridModel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "platform/RuntimeError.h"
+#include "platform/text/Numbers.h"
+
+namespace {
+
+QString InOneLine(QString text) {
+    text.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
+    return text.replace(u'\r', u' ').replace(u'\n', u' ');
+}
+
+double NumberOrInfinity(const QString& text) {
+    try {
+        return platform::Val(text);
+    } catch (const platform::RuntimeError&) {
+        return HUGE_VAL;
+    }
+}
+
+}  // namespace
+
+FlexGridModel::FlexGridModel(QObject* parent) : QAbstractTableModel(parent), rows_(1) {}
+
+void FlexGridModel::SetRows(int rows) {
+    const int wanted = std::max(rows, fixedRows_);
+    const int has = Rows();
+    if (wanted > has) {
+        beginInsertRows({}, has - fixedRows_, wanted - fixedRows_ - 1);
+        rows_.resize(static_cast<std::size_t>(wanted), EmptyRow());
+        endInsertRows();
+    } else if (wanted < has) {
+        beginRemoveRows({}, wanted - fixedRows_, has - fixedRows_ - 1);
+        rows_.resize(static_cast<std::size_t>(wanted));
+        endRemoveRows();
+    }
+}
+
+void FlexGridModel::SetCols(int cols) {
+    const auto wanted = static_cast<std::size_t>(std::max(cols, 0));
+    const int has = Cols();
+    const auto resize = [&] {
+        columns_.resize(wanted);
+        for (GridRow& row : rows_) {
+            row.cells.resize(wanted);
+        }
+    };
+    if (cols > has) {
+        beginInsertColumns({}, has, cols - 1);
+        resize();
+        endInsertColumns();
+    } else if (static_cast<int>(wanted) < has) {
+        beginRemoveColumns({}, static_cast<int>(wanted), has - 1);
+        resize();
+        endRemoveColumns();
+    }
+}
+
+void FlexGridModel::SetFixedRows(int rows) {
+    if (rows == fixedRows_ || rows < 0) {
+        return;
+    }
+    beginResetModel();
+    fixedRows_ = rows;
+    if (Rows() < rows) {
+        rows_.resize(static_cast<std::size_t>(rows), EmptyRow());
+    }
+    endResetModel();
+}
+
+const QString& FlexGridModel::Text(int row, int col) const {
+    return rows_[static_cast<std::size_t>(row)].cells[static_cast<std::size_t>(col)];
+}
+
+void FlexGridModel::SetText(int row, int col, const QString& text) {
+    QString& cell = rows_[static_cast<std::size_t>(row)].cells[static_cast<std::size_t>(col)];
+    if (cell == text) {
+        return;
+    }
+    cell = text;
+    if (row < fixedRows_) {
+        emit headerDataChanged(Qt::Horizontal, col, col);
+        return;
+    }
+    const QModelIndex changed = index(row - fixedRows_, col);
+    emit dataChanged(changed, changed);
+}
+
+QString FlexGridModel::Shown(int row, int col) const {
+    const QString& text = Text(row, col);
+    const FlexGridColumn& column = Column(col);
+    // Only a text that is a number as a whole: "12abc" and "1,000" would be shown as something that
+    // they are not read as.
+    if (row < fixedRows_ || column.format.isEmpty() || !platform::IsPlainNumber(text)) {
+        return text;
+    }
+    double value = NumberOrInfinity(text);
+    if (!std::isfinite(value)) {
+        return text;
+    }
+    if (column.whole) {
+        // As it will be stored: halves to the even neighbour.
+        value = std::nearbyint(value);
+    }
+    return platform::Format(value, column.format);
+}
+
+int FlexGridModel::RowData(int row) const {
+    return rows_[static_cast<std::size_t>(row)].data;
+}
+
+void FlexGridModel::SetRowData(int row, int data) {
+    rows_[static_cast<std::size_t>(row)].data = data;
+}
+
+const FlexGridColumn& FlexGridModel::Column(int col) const {
+    return columns_[static_cast<std::size_t>(col)];
+}
+
+FlexGridColumn& FlexGridModel::Column(int col) {
+    return columns_[static_cast<std::size_t>(col)];
+}
+
+void FlexGridModel::ColumnChanged(int col) {
+    emit headerDataChanged(Qt::Horizontal, col, col);
+    if (rowCount() > 0) {
+        emit dataChanged(index(0, col), index(rowCount() - 1, col));
+    }
+}
+
+void FlexGridModel::InsertRow(int row, const QStringList& texts) {
+    beginInsertRows({}, row - fixedRows_, row - fixedRows_);
+    GridRow added = EmptyRow();
+    const auto count = std::min(static_cast<std::size_t>(texts.size()), added.cells.size());
+    std::copy_n(texts.begin(), count, added.cells.begin());
+    rows_.insert(rows_.begin() + row, std::move(added));
+    endInsertRows();
+}
+
+void FlexGridModel::RemoveRow(int row) {
+    beginRemoveRows({}, row - fixedRows_, row - fixedRows_);
+    rows_.erase(rows_.begin() + row);
+    endRemoveRows();
+}
+
+void FlexGridModel::SortNumericAscending(int col) {
+    std::vector<std::pair<double, GridRow>> sorted;
+    for (int row = fixedRows_; row < Rows(); ++row) {
+        sorted.emplace_back(NumberOrInfinity(Text(row, col)),
+                            std::move(rows_[static_cast<std::size_t>(row)]));
+    }
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    auto place = rows_.begin() + fixedRows_;
+    for (auto& [number, row] : sorted) {
+        *place++ = std::move(row);
+    }
+    if (rowCount() > 0 && columnCount() > 0) {
+        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
+    }
+}
+
+QString FlexGridModel::Heading(int col) const {
+    QStringList texts;
+    for (int row = 0; row < fixedRows_; ++row) {
+        const QString text = InOneLine(Text(row, col)).trimmed();
+        if (!text.isEmpty() && !texts.contains(text)) {
+            texts += text;
+        }
+    }
+    return texts.join(QStringLiteral(", "));
+}
+
+QString FlexGridModel::CellName(int row, int col) const {
+    const QString heading = Heading(col);
+    const bool named = rowNameColumn_ >= 0 && rowNameColumn_ < Cols() && rowNameColumn_ != col;
+    QString rowName = named ? InOneLine(Shown(row, rowNameColumn_)).trimmed() : QString();
+    if (rowName.isEmpty()) {
+        rowName = tr("row %1").arg(row - fixedRows_ + 1);
+    }
+    return heading.isEmpty() ? rowName : heading + QStringLiteral(", ") + rowName;
+}
+
+int FlexGridModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : Rows() - fixedRows_;
+}
+
+int FlexGridModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : Cols();
+}
+
+QVariant FlexGridModel::data(const QModelIndex& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
+        return {};
+    }
+    const int row = index.row() + fixedRows_;
+    switch (role) {
+        case Qt::DisplayRole:
+            return InOneLine(Shown(row, index.column()));
+        case Qt::EditRole:
+            return Text(row, index.column());
+        case Qt::TextAlignmentRole:
+            return static_cast<int>(Column(index.column()).alignment);
+        case Qt::AccessibleTextRole: {
+            const QString shown = InOneLine(Shown(row, index.column()));
+            const QString name = CellName(row, index.column());
+            return shown.isEmpty() ? name : name + QStringLiteral(": ") + shown;
+        }
+        default:
+            return {};
+    }
+}
+
+QVariant FlexGridModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
+    if (orientation == Qt::Horizontal && isText && section >= 0 && section < Cols()) {
+        return Heading(section);
+    }
+    return {};
+}
+
+FlexGridModel::GridRow FlexGridModel::EmptyRow() const {
+    GridRow row;
+    row.cells.resize(columns_.size());
+    return row;
+}

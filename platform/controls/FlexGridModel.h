@@ -1,0 +1,72 @@
+// What a grid holds: its fixed rows, its rows of cells, and what is set for each column.
+//
+// Rows and columns are numbered from 0, row 0 being the first fixed row; the model's own index 0 is
+// the first row below the fixed ones. Callers give rows and columns that exist.
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+struct FlexGridColumn {
+    int twips = 960;
+    bool hidden = false;
+    Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
+    Qt::Alignment fixedAlignment = Qt::AlignCenter;
+    QString format;
+    bool whole = false;  // holds whole numbers
+};
+
+class FlexGridModel : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    explicit FlexGridModel(QObject* parent);
+
+    [[nodiscard]] int Rows() const { return static_cast<int>(rows_.size()); }
+    [[nodiscard]] int Cols() const { return static_cast<int>(columns_.size()); }
+    [[nodiscard]] int FixedRows() const { return fixedRows_; }
+    void SetRows(int rows);
+    void SetCols(int cols);
+    void SetFixedRows(int rows);
+
+    [[nodiscard]] const QString& Text(int row, int col) const;
+    void SetText(int row, int col, const QString& text);
+    // The text as its column shows it: a number by the column's format, all else as it is.
+    [[nodiscard]] QString Shown(int row, int col) const;
+    [[nodiscard]] int RowData(int row) const;
+    void SetRowData(int row, int data);
+    [[nodiscard]] const FlexGridColumn& Column(int col) const;
+    FlexGridColumn& Column(int col);
+    // Tells the views that a column's way of showing its texts has changed.
+    void ColumnChanged(int col);
+
+    void InsertRow(int row, const QStringList& texts);
+    void RemoveRow(int row);
+    void SortNumericAscending(int col);
+
+    // The heading in one line: the different texts of the fixed rows.
+    [[nodiscard]] QString Heading(int col) const;
+    [[nodiscard]] QString CellName(int row, int col) const;
+    void SetRowNameColumn(int col) { rowNameColumn_ = col; }
+
+    [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override;
+
+private:
+    struct GridRow {
+        std::vector<QString> cells;
+        int data = 0;
+    };
+
+    [[nodiscard]] GridRow EmptyRow() const;
+
+    std::vector<GridRow> rows_;
+    std::vector<FlexGridColumn> columns_;
+    int fixedRows_ = 1;
+    int rowNameColumn_ = 0;
+};

@@ -1,0 +1,340 @@
+// The grid's shape, cells and columns. Editing and keys are in the files beside this one.
+#include "platform/controls/vsFlexGrid.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QScrollBar>
+
+#include "platform/RuntimeError.h"
+#include "platform/controls/FlexGridDelegate.h"
+#include "platform/controls/vsFlexGridImpl.h"
+#include "platform/system/Host.h"
+#include "platform/text/Numbers.h"
+
+namespace {
+
+constexpr int kCellPadding = 4;
+
+[[noreturn]] void ThrowSubscript() {
+    throw platform::RuntimeError(platform::kSubscriptOutOfRange,
+                                 QStringLiteral("Subscript out of range"));
+}
+
+}  // namespace
+
+vsFlexGrid::vsFlexGrid(QWidget* parent) : QTableView(parent), impl_(std::make_unique<Impl>()) {
+    impl_->model = new FlexGridModel(this);
+    impl_->header = new FlexGridHeader(*impl_->model, this);
+    impl_->editor = new FlexGridEditor(viewport());
+    impl_->editor->hide();
+    setHorizontalHeader(impl_->header);
+    setModel(impl_->model);
+    setItemDelegate(new FlexGridDelegate(this));
+    setEditTriggers(NoEditTriggers);
+    setSelectionMode(ContiguousSelection);
+    setTabKeyNavigation(false);
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setVerticalScrollMode(ScrollPerPixel);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    ApplyRowHeight();
+    connect(impl_->header, &FlexGridHeader::Clicked, this, &vsFlexGrid::Click);
+    connect(impl_->header, &QHeaderView::sectionResized, this, [this](int col, int, int pixels) {
+        if (!impl_->sizing && !ColHidden(col)) {
+            impl_->model->Column(col).twips = platform::ToTwips(pixels);
+        }
+        PlaceEditor();
+        emit ColumnResized(col);
+    });
+    ConnectEditor();
+}
+
+vsFlexGrid::~vsFlexGrid() {
+    // The editor's going would otherwise end the edit, and nobody is left to hear of it.
+    impl_->edited = QPersistentModelIndex();
+    impl_->editor->disconnect(this);
+}
+
+int vsFlexGrid::Rows() const {
+    return impl_->model->Rows();
+}
+
+void vsFlexGrid::SetRows(int rows) {
+    FinishEdit();
+    const Impl::Quiet quiet(*impl_);
+    impl_->model->SetRows(rows);
+    EnsureCurrent();
+}
+
+int vsFlexGrid::Cols() const {
+    return impl_->model->Cols();
+}
+
+void vsFlexGrid::SetCols(int cols) {
+    FinishEdit();
+    const Impl::Quiet quiet(*impl_);
+    const int had = Cols();
+    impl_->model->SetCols(cols);
+    for (int col = had; col < Cols(); ++col) {
+        ApplyColumn(col);
+    }
+    EnsureCurrent();
+}
+
+int vsFlexGrid::FixedRows() const {
+    return impl_->model->FixedRows();
+}
+
+void vsFlexGrid::SetFixedRows(int rows) {
+    FinishEdit();
+    const Impl::Quiet quiet(*impl_);
+    impl_->model->SetFixedRows(rows);
+    impl_->header->setVisible(rows > 0);
+    EnsureCurrent();
+}
+
+void vsFlexGrid::SetFormatString(const QString& headings) {
+    const QStringList texts = headings.split(u'|');
+    SetCols(std::max(Cols(), static_cast<int>(texts.size())));
+    for (int col = 0; col < texts.size() && FixedRows() > 0; ++col) {
+        impl_->model->SetText(0, col, texts[col].trimmed());
+    }
+}
+
+QString vsFlexGrid::TextMatrix(int row, int col) const {
+    CheckCell(row, col);
+    return impl_->model->Text(row, col);
+}
+
+void vsFlexGrid::SetTextMatrix(int row, int col, const QString& text) {
+    CheckCell(row, col);
+    impl_->model->SetText(row, col, text);
+    const bool isEdited =
+        Editing() && impl_->edited.row() == row - FixedRows() && impl_->edited.column() == col;
+    if (isEdited && impl_->editor->text() != text) {
+        impl_->editor->Load(text);
+    }
+}
+
+QString vsFlexGrid::DisplayText(int row, int col) const {
+    CheckCell(row, col);
+    return impl_->model->Shown(row, col);
+}
+
+double vsFlexGrid::ValueMatrix(int row, int col) const {
+    return platform::Val(TextMatrix(row, col));
+}
+
+int vsFlexGrid::RowData(int row) const {
+    CheckCell(row, 0);
+    return impl_->model->RowData(row);
+}
+
+void vsFlexGrid::SetRowData(int row, int number) {
+    CheckCell(row, 0);
+    impl_->model->SetRowData(row, number);
+}
+
+QRect vsFlexGrid::CellRect(int row, int col) {
+    CheckCell(row, col);
+    if (row >= FixedRows()) {
+        const QModelIndex index = impl_->model->index(row - FixedRows(), col);
+        scrollTo(index);
+        return visualRect(index);
+    }
+    QRect rect = impl_->header->CellRect(row, col);
+    QScrollBar* bar = horizontalScrollBar();
+    const int missing = std::max(rect.right() - viewport()->width() + 1, 0);
+    bar->setValue(bar->value() + (rect.left() < missing ? rect.left() : missing));
+    rect = impl_->header->CellRect(row, col);
+    return rect.translated(0, -impl_->header->height());
+}
+
+QString vsFlexGrid::CellName(int row, int col) const {
+    CheckCell(row, col);
+    return impl_->model->CellName(row, col);
+}
+
+void vsFlexGrid::SetRowNameColumn(int col) {
+    impl_->model->SetRowNameColumn(col);
+}
+
+int vsFlexGrid::ColWidth(int col) const {
+    CheckCol(col);
+    return impl_->model->Column(col).twips;
+}
+
+void vsFlexGrid::SetColWidth(int col, int twips) {
+    CheckCol(col);
+    impl_->model->Column(col).twips = std::max(twips, 0);
+    ApplyColumn(col);
+}
+
+bool vsFlexGrid::ColHidden(int col) const {
+    CheckCol(col);
+    return impl_->model->Column(col).hidden;
+}
+
+void vsFlexGrid::SetColHidden(int col, bool hidden) {
+    CheckCol(col);
+    impl_->model->Column(col).hidden = hidden;
+    ApplyColumn(col);
+    const Impl::Quiet quiet(*impl_);
+    EnsureCurrent();
+}
+
+void vsFlexGrid::SetColAlignment(int col, Qt::Alignment alignment) {
+    CheckCol(col);
+    const bool vertical = (alignment & Qt::AlignVertical_Mask) != 0;
+    impl_->model->Column(col).alignment = vertical ? alignment : alignment | Qt::AlignVCenter;
+    impl_->model->ColumnChanged(col);
+}
+
+void vsFlexGrid::SetFixedAlignment(int col, Qt::Alignment alignment) {
+    CheckCol(col);
+    const bool vertical = (alignment & Qt::AlignVertical_Mask) != 0;
+    impl_->model->Column(col).fixedAlignment = vertical ? alignment : alignment | Qt::AlignVCenter;
+    impl_->model->ColumnChanged(col);
+}
+
+void vsFlexGrid::SetColFormat(int col, const QString& pattern) {
+    CheckCol(col);
+    impl_->model->Column(col).format = pattern;
+    impl_->model->ColumnChanged(col);
+}
+
+void vsFlexGrid::SetColDataType(int col, DataType type) {
+    CheckCol(col);
+    impl_->model->Column(col).whole = type == DataType::kLong;
+    impl_->model->ColumnChanged(col);
+}
+
+void vsFlexGrid::SetMergeFixed(bool merge) {
+    impl_->header->SetMerged(merge);
+}
+
+void vsFlexGrid::AddItem(const QString& texts, int row) {
+    const int at = row < 0 ? Rows() : row;
+    if (at < FixedRows() || at > Rows()) {
+        ThrowSubscript();
+    }
+    FinishEdit();
+    const Impl::Quiet quiet(*impl_);
+    impl_->model->InsertRow(at, texts.split(u'\t'));
+    EnsureCurrent();
+}
+
+void vsFlexGrid::RemoveItem(int row) {
+    CheckCell(row, 0);
+    if (row < FixedRows()) {
+        ThrowSubscript();
+    }
+    if (Editing() && impl_->edited.row() == row - FixedRows()) {
+        // The row takes its open edit along.
+        CloseEditor();
+    }
+    FinishEdit();
+    const Impl::Quiet quiet(*impl_);
+    impl_->model->RemoveRow(row);
+    EnsureCurrent();
+}
+
+void vsFlexGrid::SortNumericAscending(int col) {
+    CheckCol(col);
+    FinishEdit();
+    impl_->model->SortNumericAscending(col);
+}
+
+int vsFlexGrid::Row() const {
+    return FixedRows() + currentIndex().row();
+}
+
+void vsFlexGrid::SetRow(int row) {
+    Select(row, Col());
+}
+
+int vsFlexGrid::Col() const {
+    return std::max(currentIndex().column(), 0);
+}
+
+void vsFlexGrid::SetCol(int col) {
+    Select(Row(), col);
+}
+
+void vsFlexGrid::Select(int row, int col) {
+    if (Rows() == FixedRows()) {
+        return;
+    }
+    CheckCell(row, col);
+    if (row < FixedRows() || (row == Row() && col == Col())) {
+        return;
+    }
+    FinishEdit();
+    MoveTo(row, col, false);
+}
+
+void vsFlexGrid::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange && impl_ != nullptr) {
+        ApplyRowHeight();
+    }
+}
+
+void vsFlexGrid::updateGeometries() {
+    QTableView::updateGeometries();
+    PlaceEditor();
+}
+
+void vsFlexGrid::scrollContentsBy(int dx, int dy) {
+    QTableView::scrollContentsBy(dx, dy);
+    PlaceEditor();
+}
+
+void vsFlexGrid::CheckCell(int row, int col) const {
+    if (row < 0 || row >= Rows()) {
+        ThrowSubscript();
+    }
+    CheckCol(col);
+}
+
+void vsFlexGrid::CheckCol(int col) const {
+    if (col < 0 || col >= Cols()) {
+        ThrowSubscript();
+    }
+}
+
+// Without a current cell assistive technology and keyboard alike would have nothing to stand on.
+void vsFlexGrid::EnsureCurrent() {
+    const int col = NextCol(-1, 1);
+    if (Rows() == FixedRows() || col < 0) {
+        return;
+    }
+    const bool valid = currentIndex().isValid() && !ColHidden(currentIndex().column());
+    if (!valid) {
+        MoveTo(std::max(Row(), FixedRows()), col, false);
+    } else if (!impl_->anchor.isValid()) {
+        impl_->anchor = currentIndex();
+    }
+}
+
+void vsFlexGrid::ApplyColumn(int col) {
+    const FlexGridColumn& column = impl_->model->Column(col);
+    impl_->sizing = true;
+    setColumnHidden(col, column.hidden);
+    // Twips need not be whole pixels: the nearest are shown, the twips are kept.
+    constexpr int kHalf = platform::kTwipsPerPixel / 2;
+    if (!column.hidden) {
+        setColumnWidth(col, platform::ToPixels(column.twips + kHalf));
+    }
+    impl_->sizing = false;
+}
+
+void vsFlexGrid::ApplyRowHeight() {
+    const int height = fontMetrics().height() + 2 * kCellPadding;
+    verticalHeader()->setMinimumSectionSize(1);
+    verticalHeader()->setDefaultSectionSize(height);
+    verticalScrollBar()->setSingleStep(height);
+    horizontalScrollBar()->setSingleStep(2 * height);
+}
