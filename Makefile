@@ -24,3 +24,6 @@ format:
 
 clean:
 	rm -rf build build-sanitize build-bench build-fuzz build-package
+
+package:
+	packaging/build.sh

@@ -1,0 +1,393 @@
+#include "index/index_page.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <string>
+
+#include "jet/error.h"
+#include "page/bytes.h"
+
+namespace jet {
+
+namespace {
+
+constexpr std::byte kNodePage{3};
+constexpr std::byte kLeafPage{4};
+constexpr std::size_t kFreeAt = 2;
+constexpr std::size_t kTableAt = 4;
+
+std::uint32_t ReadPrefix(Bytes page, const Format& format) {
+    return format.prefixWidth == 1 ? ReadU8(page, format.prefixAt) : ReadU16(page, format.prefixAt);
+}
+
+void WritePrefix(MutableBytes page, const Format& format, std::size_t prefix) {
+    if (format.prefixWidth == 1) {
+        WriteU8(page, format.prefixAt, static_cast<std::uint8_t>(prefix));
+    } else {
+        WriteU16(page, format.prefixAt, static_cast<std::uint16_t>(prefix));
+    }
+}
+
+std::uint32_t ReadBig(Bytes bytes, std::size_t size) {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < size; ++i) {
+        value = value << 8 | std::to_integer<std::uint32_t>(bytes[i]);
+    }
+    return value;
+}
+
+void AppendBig(Key& bytes, std::uint32_t value) {
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        bytes.push_back(static_cast<std::byte>(value >> shift & 0xFFU));
+    }
+}
+
+// Orders bytes; a proper prefix comes first.
+int Compare(Bytes left, Bytes right) {
+    const std::size_t common = std::min(left.size(), right.size());
+    const int order = common == 0 ? 0 : std::memcmp(left.data(), right.data(), common);
+    if (order != 0) {
+        return order;
+    }
+    return left.size() < right.size() ? -1 : left.size() > right.size() ? 1 : 0;
+}
+
+std::size_t CommonStart(Bytes left, Bytes right) {
+    const std::size_t most = std::min(left.size(), right.size());
+    std::size_t i = 0;
+    while (i < most && left[i] == right[i]) {
+        ++i;
+    }
+    return i;
+}
+
+}  // namespace
+
+bool EntryBound::Passes(Bytes entry) const {
+    switch (rule) {
+        case Rule::kNotBelow:
+            return Compare(entry, bytes) < 0;
+        case Rule::kAbove:
+            return Compare(entry, bytes) <= 0;
+        case Rule::kBeyond:
+            break;
+    }
+    return Compare(entry.first(std::min(entry.size(), bytes.size())), bytes) <= 0;
+}
+
+Key EntryBytes(Bytes key, RowId row) {
+    Key entry;
+    entry.reserve(key.size() + kRowPointerSize + kChildPointerSize);
+    entry.assign(key.begin(), key.end());
+    AppendBig(entry, row.Packed());
+    return entry;
+}
+
+IndexEntry EntryFromBytes(Bytes entry) {
+    const std::size_t keySize = entry.size() - kRowPointerSize;
+    return {Key(entry.begin(), entry.begin() + static_cast<std::ptrdiff_t>(keySize)),
+            RowId::FromPacked(ReadBig(entry.subspan(keySize), kRowPointerSize))};
+}
+
+IndexPage::IndexPage(Bytes page, const Format& format, PageNumber number, PageNumber table)
+    : page_(page), format_(&format), number_(number) {
+    if ((page[0] != kNodePage && page[0] != kLeafPage) || page[1] != std::byte{1}) {
+        Damaged("is no index page");
+    }
+    if (ReadU32(page, kTableAt) != table.value) {
+        Damaged("belongs to another table");
+    }
+    leaf_ = page[0] == kLeafPage;
+    used_ = LastBitUpTo(format.entryBitmapSize * 8 - 1);
+    if (used_ > format.entryCapacity) {
+        Damaged("has an entry beyond its end");
+    }
+    prefix_ = ReadPrefix(page, format);
+    if (used_ != 0 && prefix_ > NextBit(1)) {
+        Damaged("has a prefix longer than its first entry");
+    }
+}
+
+void IndexPage::Damaged(const char* what) const {
+    throw Error(ErrorKind::kDamaged,
+                "The index page " + std::to_string(number_.value) + " " + what + ".");
+}
+
+PageNumber IndexPage::Previous() const {
+    return PageNumber{ReadU32(page_, format_->previousPageAt)};
+}
+
+PageNumber IndexPage::Next() const {
+    return PageNumber{ReadU32(page_, format_->nextPageAt)};
+}
+
+PageNumber IndexPage::Tail() const {
+    return PageNumber{ReadU32(page_, format_->tailPageAt)};
+}
+
+std::uint8_t IndexPage::Level() const {
+    return std::to_integer<std::uint8_t>(page_[format_->levelAt]);
+}
+
+std::uint32_t IndexPage::FreeField() const {
+    return ReadU16(page_, kFreeAt);
+}
+
+// The first set bit from `from` on; there is one, as `from` is at most the last.
+std::size_t IndexPage::NextBit(std::size_t from) const {
+    const Bytes bitmap = page_.subspan(format_->entryBitmapAt, format_->entryBitmapSize);
+    std::size_t at = from / 8;
+    unsigned bits = std::to_integer<unsigned>(bitmap[at]) >> from % 8 << from % 8;
+    while (bits == 0) {
+        bits = std::to_integer<unsigned>(bitmap[++at]);
+    }
+    return at * 8 + static_cast<std::size_t>(std::countr_zero(bits));
+}
+
+// The last set bit up to and including `to`, or 0.
+std::size_t IndexPage::LastBitUpTo(std::size_t to) const {
+    const Bytes bitmap = page_.subspan(format_->entryBitmapAt, format_->entryBitmapSize);
+    std::size_t at = to / 8;
+    unsigned bits = std::to_integer<unsigned>(bitmap[at]) & ((2U << to % 8) - 1);
+    while (bits == 0 && at >= sizeof(std::uint64_t)) {
+        std::uint64_t eight = 0;
+        std::memcpy(&eight, &bitmap[at - sizeof eight], sizeof eight);
+        if (eight != 0) {
+            break;
+        }
+        at -= sizeof eight;
+    }
+    while (bits == 0 && at > 0) {
+        bits = std::to_integer<unsigned>(bitmap[--at]);
+    }
+    return bits == 0 ? 0 : at * 8 + static_cast<std::size_t>(std::bit_width(bits)) - 1;
+}
+
+std::size_t IndexPage::After(std::size_t at) const {
+    return NextBit(at + 1);
+}
+
+std::size_t IndexPage::Before(std::size_t at) const {
+    return LastBitUpTo(at - 1);
+}
+
+Bytes IndexPage::Stored(std::size_t at, std::size_t end) const {
+    const std::size_t whole = end - at + (at == 0 ? 0 : prefix_);
+    if (whole <= kRowPointerSize + (leaf_ ? 0 : kChildPointerSize)) {
+        Damaged("has an entry that is too short");
+    }
+    return page_.subspan(format_->entryAreaAt + at, end - at);
+}
+
+bool IndexPage::Passes(const EntryBound& bound, std::size_t at, std::size_t end) const {
+    Bytes rest = Stored(at, end);
+    EntryBound part = bound;
+    if (at != 0 && prefix_ != 0) {
+        const Bytes first = page_.subspan(format_->entryAreaAt, prefix_);
+        const std::size_t shared = std::min(prefix_, bound.bytes.size());
+        const int order = shared == 0 ? 0 : std::memcmp(first.data(), bound.bytes.data(), shared);
+        if (order != 0) {
+            return order < 0;
+        }
+        if (shared < prefix_) {
+            // The bytes searched for end inside the prefix: every entry begins with them.
+            return bound.rule == EntryBound::Rule::kBeyond;
+        }
+        part.bytes = bound.bytes.subspan(prefix_);
+    }
+    if (!leaf_) {
+        if (rest.size() < kChildPointerSize) {
+            Damaged("has an entry that is too short");
+        }
+        rest = rest.first(rest.size() - kChildPointerSize);
+    }
+    return part.Passes(rest);
+}
+
+// Halves the stored bytes, not the entries: the entry around a byte is found through the bitmap.
+std::size_t IndexPage::Find(const EntryBound& bound) const {
+    std::size_t low = 0;
+    std::size_t high = used_;
+    while (low < high) {
+        const std::size_t start = LastBitUpTo(low + (high - low) / 2);
+        const std::size_t end = NextBit(start + 1);
+        if (Passes(bound, start, end)) {
+            low = end;
+        } else {
+            high = start;
+        }
+    }
+    return low;
+}
+
+void IndexPage::Read(std::size_t at, Key& into) const {
+    const Bytes stored = Stored(at, After(at));
+    into.clear();
+    if (at != 0) {
+        const Bytes first = page_.subspan(format_->entryAreaAt, prefix_);
+        into.assign(first.begin(), first.end());
+    }
+    into.insert(into.end(), stored.begin(), stored.end());
+    if (!leaf_) {
+        into.resize(into.size() - kChildPointerSize);
+    }
+}
+
+PageNumber IndexPage::Child(std::size_t at) const {
+    const std::size_t end = After(at);
+    if (end - at < kChildPointerSize) {
+        Damaged("has an entry that is too short");
+    }
+    return PageNumber{
+        ReadBig(page_.subspan(format_->entryAreaAt + end - kChildPointerSize), kChildPointerSize)};
+}
+
+Bytes EntryList::At(std::size_t i) const {
+    return Bytes(bytes_).subspan(StartOf(i), ends_[i] - StartOf(i));
+}
+
+void EntryList::Insert(std::size_t i, Bytes entry) {
+    const std::size_t start = StartOf(i);
+    bytes_.insert(bytes_.begin() + static_cast<std::ptrdiff_t>(start), entry.begin(), entry.end());
+    ends_.insert(ends_.begin() + static_cast<std::ptrdiff_t>(i), start);
+    for (std::size_t n = i; n < ends_.size(); ++n) {
+        ends_[n] += entry.size();
+    }
+}
+
+void EntryList::Erase(std::size_t i) {
+    const std::size_t start = StartOf(i);
+    const std::size_t size = ends_[i] - start;
+    const auto first = bytes_.begin() + static_cast<std::ptrdiff_t>(start);
+    bytes_.erase(first, first + static_cast<std::ptrdiff_t>(size));
+    ends_.erase(ends_.begin() + static_cast<std::ptrdiff_t>(i));
+    for (std::size_t n = i; n < ends_.size(); ++n) {
+        ends_[n] -= size;
+    }
+}
+
+void EntryList::MoveTail(std::size_t i, EntryList& to) {
+    for (std::size_t n = i; n < Count(); ++n) {
+        to.Append(At(n));
+    }
+    bytes_.resize(StartOf(i));
+    ends_.resize(i);
+}
+
+Bytes IndexPageContent::KeyAndRow(std::size_t i) const {
+    const Bytes entry = entries.At(i);
+    return IsLeaf() ? entry : entry.first(entry.size() - kChildPointerSize);
+}
+
+PageNumber IndexPageContent::ChildAt(std::size_t slot) const {
+    if (slot == entries.Count()) {
+        return tail;
+    }
+    const Bytes entry = entries.At(slot);
+    return PageNumber{ReadBig(entry.subspan(entry.size() - kChildPointerSize), kChildPointerSize)};
+}
+
+void IndexPageContent::SetChild(std::size_t slot, PageNumber child) {
+    if (slot == entries.Count()) {
+        tail = child;
+        return;
+    }
+    const Bytes old = KeyAndRow(slot);
+    const Key keyAndRow(old.begin(), old.end());
+    entries.Erase(slot);
+    InsertChild(slot, keyAndRow, child);
+}
+
+void IndexPageContent::InsertChild(std::size_t i, Bytes keyAndRow, PageNumber child) {
+    Key entry(keyAndRow.begin(), keyAndRow.end());
+    AppendBig(entry, child.value);
+    entries.Insert(i, entry);
+}
+
+std::size_t IndexPageContent::Find(const EntryBound& bound) const {
+    std::size_t low = 0;
+    std::size_t high = entries.Count();
+    while (low < high) {
+        const std::size_t middle = low + (high - low) / 2;
+        if (bound.Passes(KeyAndRow(middle))) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low;
+}
+
+IndexPageContent IndexPageContent::Decode(Bytes page, const Format& format, PageNumber number,
+                                          PageNumber table) {
+    const IndexPage stored(page, format, number, table);
+    const auto damaged = [&](const char* what) {
+        throw Error(ErrorKind::kDamaged,
+                    "The index page " + std::to_string(number.value) + " " + what + ".");
+    };
+    if (stored.FreeField() != format.entryCapacity - stored.End()) {
+        damaged("counts its free bytes wrongly");
+    }
+    IndexPageContent content;
+    // Other writers leave the level of nodes at 0: it is put right here, as far as this page knows.
+    content.level = stored.IsLeaf() ? std::uint8_t{0} : std::max<std::uint8_t>(stored.Level(), 1);
+    content.previous = stored.Previous();
+    content.next = stored.Next();
+    content.tail = stored.IsLeaf() ? PageNumber{} : stored.Tail();
+    Key entry;
+    Key before;
+    for (std::size_t at = 0; at != stored.End(); at = stored.After(at)) {
+        stored.Read(at, entry);
+        if (!before.empty() && Compare(before, entry) >= 0) {
+            damaged("has entries out of order");
+        }
+        before = entry;
+        if (!stored.IsLeaf()) {
+            AppendBig(entry, stored.Child(at).value);
+        }
+        content.entries.Append(entry);
+    }
+    return content;
+}
+
+std::size_t IndexPageContent::CommonPrefix(const Format& format) const {
+    if (!IsLeaf() || entries.Count() < 2) {
+        return 0;
+    }
+    const std::size_t widest = format.prefixWidth == 1 ? 0xFF : 0xFFFF;
+    return std::min(CommonStart(entries.At(0), entries.At(entries.Count() - 1)), widest);
+}
+
+// A page is compressed only when it would not fit otherwise, and only leaves are.
+std::size_t IndexPageContent::PrefixFor(const Format& format) const {
+    return entries.TotalSize() <= format.entryCapacity ? 0 : CommonPrefix(format);
+}
+
+bool IndexPageContent::Fits(const Format& format) const {
+    const std::size_t saved = entries.Count() < 2 ? 0 : PrefixFor(format) * (entries.Count() - 1);
+    return entries.TotalSize() - saved <= format.entryCapacity;
+}
+
+void IndexPageContent::Encode(MutableBytes page, const Format& format, PageNumber table) const {
+    std::fill(page.begin(), page.end(), std::byte{0});
+    const std::size_t prefix = PrefixFor(format);
+    std::size_t used = 0;
+    for (std::size_t i = 0; i < entries.Count(); ++i) {
+        const Bytes stored = i == 0 ? entries.At(0) : entries.At(i).subspan(prefix);
+        std::memcpy(&page[format.entryAreaAt + used], stored.data(), stored.size());
+        used += stored.size();
+        page[format.entryBitmapAt + used / 8] |= static_cast<std::byte>(1U << used % 8);
+    }
+    page[0] = IsLeaf() ? kLeafPage : kNodePage;
+    page[1] = std::byte{1};
+    WriteU16(page, kFreeAt, static_cast<std::uint16_t>(format.entryCapacity - used));
+    WriteU32(page, kTableAt, table.value);
+    WriteU32(page, format.previousPageAt, previous.value);
+    WriteU32(page, format.nextPageAt, next.value);
+    WriteU32(page, format.tailPageAt, tail.value);
+    WritePrefix(page, format, prefix);
+    page[format.levelAt] = std::byte{level};
+}
+
+}  // namespace jet

@@ -1,0 +1,47 @@
+#!/bin/sh
+# The Debian package. Usage: packaging/deb/build.sh ROOT OUT VERSION
+set -eu
+root=$1 out=$2 version=$3
+. "$root/packaging/stage.sh"
+architecture=$(dpkg --print-architecture)
+stage=$out/deb
+rm -rf "$stage"
+
+# The program folder here is the pattern from which each user's own is made.
+stage_program "$stage/usr/lib/tarnprep"
+stage_tools "$stage/usr/bin"
+stage_icons "$stage/usr/share/icons/hicolor"
+install -D -m 755 "$root/packaging/deb/tarnprep" "$stage/usr/bin/tarnprep"
+install -D -m 644 "$root/packaging/tarnprep.desktop" \
+    "$stage/usr/share/applications/tarnprep.desktop"
+install -D -m 644 "$root/packaging/tarnprep-mime.xml" \
+    "$stage/usr/share/mime/packages/tarnprep.xml"
+install -D -m 644 "$root/packaging/tarnprep.metainfo.xml" \
+    "$stage/usr/share/metainfo/org.tarnprep.tarnprep.metainfo.xml"
+install -D -m 644 "$root/LICENSE" "$stage/usr/share/doc/tarnprep/copyright"
+mkdir -p "$stage/usr/share/man/man1"
+for page in "$root"/packaging/man/*.1; do
+    gzip -9n <"$page" >"$stage/usr/share/man/man1/$(basename "$page").gz"
+done
+gzip -9n <"$root/CHANGELOG.md" >"$stage/usr/share/doc/tarnprep/changelog.gz"
+printf '%s\n' "$version" >"$stage/usr/lib/tarnprep/VERSION"
+find "$stage" -type d -exec chmod 755 {} +
+find "$stage/usr/lib/tarnprep" "$stage/usr/share" -type f -exec chmod 644 {} +
+chmod 755 "$stage/usr/lib/tarnprep/tarnprep" "$stage"/usr/bin/*
+
+# What the program and the tools are linked with, as Debian's own tool finds it.
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/debian"
+printf 'Source: tarnprep\n\nPackage: tarnprep\nArchitecture: any\n' >"$work/debian/control"
+libraries=$(cd "$work" && dpkg-shlibdeps -O -l/nonexistent "$stage/usr/lib/tarnprep/tarnprep" \
+    "$stage/usr/bin/jetdoctor" "$stage/usr/bin/jetdump" 2>/dev/null |
+    sed -n 's/^shlibs:Depends=//p')
+
+mkdir -p "$stage/DEBIAN"
+size=$(du -k -s "$stage/usr" | cut -f1)
+sed -e "s/@VERSION@/$version/" -e "s/@ARCHITECTURE@/$architecture/" -e "s/@SIZE@/$size/" \
+    -e "s/@LIBRARIES@/$libraries/" "$root/packaging/deb/control.in" >"$stage/DEBIAN/control"
+(cd "$stage" && find usr -type f -print0 | sort -z | xargs -0 md5sum >DEBIAN/md5sums)
+fakeroot dpkg-deb -Zxz --build "$stage" "$out/tarnprep_${version}_$architecture.deb" >/dev/null
+echo "$out/tarnprep_${version}_$architecture.deb"

@@ -1,0 +1,48 @@
+#!/bin/sh
+# The portable archive: the program folder with every library that a bare system lacks.
+# Usage: packaging/portable/build.sh ROOT OUT VERSION
+set -eu
+root=$1 out=$2 version=$3
+. "$root/packaging/stage.sh"
+name=TARNPrep-$version-linux-$(uname -m)
+stage=$out/portable/TARNPrep-$version
+rm -rf "$out/portable"
+
+stage_program "$stage"
+stage_tools "$stage"
+stage_icons "$stage/share/icons/hicolor"
+mkdir -p "$stage/share/man/man1" "$stage/lib"
+cp "$root"/packaging/man/*.1 "$stage/share/man/man1/"
+cp "$root/packaging/tarnprep.desktop" "$root/packaging/tarnprep-mime.xml" "$stage/share/"
+cp "$root/LICENSE" "$root/packaging/portable/README.txt" "$root/packaging/portable/install" \
+    "$root/packaging/portable/uninstall" "$stage/"
+
+# Qt's plug-ins: windows, keyboards, pictures, printing, and the database that help needs.
+plugins=$(qmake6 -query QT_INSTALL_PLUGINS)
+for plugin in platforms/libqxcb.so platforms/libqoffscreen.so platforms/libqminimal.so \
+    platforms/libqwayland-generic.so platforms/libqwayland-egl.so \
+    wayland-shell-integration/libxdg-shell.so \
+    platforminputcontexts/libcomposeplatforminputcontextplugin.so \
+    platforminputcontexts/libibusplatforminputcontextplugin.so \
+    xcbglintegrations/libqxcb-glx-integration.so imageformats/libqjpeg.so \
+    sqldrivers/libqsqlite.so printsupport/libcupsprintersupport.so; do
+    if [ -f "$plugins/$plugin" ]; then
+        mkdir -p "$stage/plugins/$(dirname $plugin)"
+        cp "$plugins/$plugin" "$stage/plugins/$plugin"
+    fi
+done
+printf '[Paths]\nPrefix = .\nPlugins = plugins\n' >"$stage/qt.conf"
+
+# The C library and what belongs to it stay the system's own.
+own='^(ld-linux.*|libc|libm|libdl|libpthread|librt|libresolv|libnss_.*)\.so'
+find "$stage" -type f \( -name tarnprep -o -name '*.so' \) -exec ldd {} + |
+    awk '$2 == "=>" && $3 ~ /^\// { print $3 }' | sort -u | while read -r library; do
+    if ! basename "$library" | grep -Eq "$own"; then
+        cp -L "$library" "$stage/lib/"
+    fi
+done
+strip --strip-unneeded "$stage"/lib/*.so* 2>/dev/null || true
+
+tar -C "$out/portable" --owner=0 --group=0 --sort=name -czf "$out/$name.tar.gz" \
+    "TARNPrep-$version"
+echo "$out/$name.tar.gz"

@@ -1,0 +1,31 @@
+# For the package builders, which source this file: `root`, `out` and `version` are set.
+
+# stage_program FOLDER: the program folder as a user gets it, without what a trial run left in it.
+stage_program() {
+    mkdir -p "$1"
+    cp -r "$out/build/TARNPrep/." "$1/"
+    rm -f "$1"/*.LOG "$1"/Costs/*-log
+    strip "$1/tarnprep"
+}
+
+# stage_tools FOLDER
+stage_tools() {
+    mkdir -p "$1"
+    for tool in jetdoctor jetdump; do
+        cp "$out/build/bin/$tool" "$1/"
+        strip "$1/$tool"
+    done
+}
+
+# stage_icons FOLDER: the icon in the usual sizes, for the program and for its files.
+stage_icons() {
+    for size in 16 24 32 48 64 128 256; do
+        for name in apps/tarnprep mimetypes/application-x-tarn-prep; do
+            mkdir -p "$1/${size}x${size}/$(dirname $name)"
+            rsvg-convert -w $size -h $size "$root/packaging/icons/tarnprep.svg" \
+                -o "$1/${size}x${size}/$name.png"
+        done
+    done
+    mkdir -p "$1/scalable/apps"
+    cp "$root/packaging/icons/tarnprep.svg" "$1/scalable/apps/"
+}
