@@ -109,8 +109,8 @@ void CloseDatafile() {
 void CloseAll() {
     EveryStep close;
     close.Run([] { tblProperties.Close(); });
-    for (const auto& [table, name] : kTables) {
-        close.Run([&table] { table->Close(); });
+    for (const NamedTable& named : kTables) {
+        close.Run([&named] { named.table->Close(); });
     }
     close.Run([] {
         if (const auto database = std::move(dbDatafile)) {

@@ -196,9 +196,9 @@ bool IndexTree::HasKey(Bytes key, RowId except) const {
         // Between entries of this key others can lie that begin with it, when it is the beginning
         // of another key.
         const Key bytes = EntryBytes(entry->key, entry->row);
-        if (!std::equal(key.begin(), key.end(), bytes.begin(),
-                        bytes.begin() +
-                            static_cast<std::ptrdiff_t>(std::min(key.size(), bytes.size())))) {
+        if (!std::equal(
+                key.begin(), key.end(), bytes.begin(),
+                bytes.begin() + static_cast<std::ptrdiff_t>(std::min(key.size(), bytes.size())))) {
             return false;
         }
         if (entry->key.size() == key.size() && entry->row != except) {
