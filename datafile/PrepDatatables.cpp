@@ -20,7 +20,10 @@ Table tblNVCPerAcre;
 
 namespace {
 
-using NamedTable = std::pair<Table*, const char*>;
+struct NamedTable {
+    Table* table;
+    const char* name;
+};
 
 // In the order of opening and closing.
 const std::array<NamedTable, 6> kTables{{
