@@ -136,7 +136,7 @@ Decimal FromScientific(std::string_view text) {
 
 template <typename Number>
 Decimal Shortest(Number value) {
-    std::array<char, 64> buffer;
+    std::array<char, 64> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                    std::chars_format::scientific);
     return FromScientific({buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data())});
@@ -144,7 +144,7 @@ Decimal Shortest(Number value) {
 
 // Fifteen significant digits: what a double holds of a decimal number.
 Decimal FifteenDigits(double value) {
-    std::array<char, 64> buffer;
+    std::array<char, 64> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                    std::chars_format::scientific, 14);
     return FromScientific({buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data())});

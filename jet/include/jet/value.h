@@ -45,21 +45,21 @@ public:
                                  std::u16string, Binary, Guid, Decimal>;
 
     Value() = default;
-    Value(bool value) : storage_(value) {}          // NOLINT(google-explicit-constructor)
-    Value(std::int32_t value) : storage_(value) {}  // NOLINT(google-explicit-constructor)
-    Value(Currency value) : storage_(value) {}      // NOLINT(google-explicit-constructor)
-    Value(float value) : storage_(value) {}         // NOLINT(google-explicit-constructor)
-    Value(double value) : storage_(value) {}        // NOLINT(google-explicit-constructor)
-    Value(Date value) : storage_(value) {}          // NOLINT(google-explicit-constructor)
-    Value(std::u16string value)
-        : storage_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
-    Value(std::u16string_view value)
-        : storage_(std::u16string(value)) {}  // NOLINT(google-explicit-constructor)
-    Value(const char16_t* value)
-        : storage_(std::u16string(value)) {}             // NOLINT(google-explicit-constructor)
-    Value(Binary value) : storage_(std::move(value)) {}  // NOLINT(google-explicit-constructor)
-    Value(Guid value) : storage_(value) {}               // NOLINT(google-explicit-constructor)
-    Value(Decimal value) : storage_(value) {}            // NOLINT(google-explicit-constructor)
+    // A value is made of whatever stands where one is expected.
+    // NOLINTBEGIN(google-explicit-constructor)
+    Value(bool value) : storage_(value) {}
+    Value(std::int32_t value) : storage_(value) {}
+    Value(Currency value) : storage_(value) {}
+    Value(float value) : storage_(value) {}
+    Value(double value) : storage_(value) {}
+    Value(Date value) : storage_(value) {}
+    Value(std::u16string value) : storage_(std::move(value)) {}
+    Value(std::u16string_view value) : storage_(std::u16string(value)) {}
+    Value(const char16_t* value) : storage_(std::u16string(value)) {}
+    Value(Binary value) : storage_(std::move(value)) {}
+    Value(Guid value) : storage_(value) {}
+    Value(Decimal value) : storage_(value) {}
+    // NOLINTEND(google-explicit-constructor)
 
     [[nodiscard]] bool IsNull() const { return std::holds_alternative<std::monostate>(storage_); }
 
