@@ -16,13 +16,15 @@ constexpr std::array<char16_t, 32> kUpper = {
 
 }  // namespace
 
+char16_t DecodeByte(unsigned char byte) {
+    const unsigned place = byte - kFirst;
+    return place < kUpper.size() ? kUpper[place] : static_cast<char16_t>(byte);
+}
+
 std::u16string DecodeCodePage(std::string_view bytes) {
     std::u16string text(bytes.size(), u'\0');
-    std::transform(bytes.begin(), bytes.end(), text.begin(), [](char c) -> char16_t {
-        const unsigned byte = static_cast<unsigned char>(c);
-        const unsigned place = byte - kFirst;
-        return place < kUpper.size() ? kUpper[place] : static_cast<char16_t>(byte);
-    });
+    std::transform(bytes.begin(), bytes.end(), text.begin(),
+                   [](char c) { return DecodeByte(static_cast<unsigned char>(c)); });
     return text;
 }
 

@@ -9,6 +9,7 @@
 
 namespace jet {
 
+char16_t DecodeByte(unsigned char byte);
 std::u16string DecodeCodePage(std::string_view bytes);
 // Characters outside the code page become question marks; `complete`, when given, then turns false.
 std::string EncodeCodePage(std::u16string_view text, bool* complete = nullptr);

@@ -1,0 +1,385 @@
+#include "record/column.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <type_traits>
+
+#include "jet/error.h"
+#include "page/bytes.h"
+#include "record/text.h"
+
+namespace jet {
+
+namespace {
+
+constexpr std::uint8_t kNegativeSign = 0x80;
+constexpr std::size_t kDecimalSize = 17;
+constexpr std::uint32_t kLongestValue = (1U << 30) - 1;
+
+[[noreturn]] void ThrowMismatch(const Column& column) {
+    throw Error(ErrorKind::kTypeMismatch,
+                "The value does not fit the type of the field '" + column.name + "'.");
+}
+
+[[noreturn]] void ThrowTooLarge(const Column& column) {
+    throw Error(ErrorKind::kOverflow,
+                "The number is too large for the field '" + column.name + "'.");
+}
+
+[[noreturn]] void ThrowTooLong(const Column& column) {
+    throw Error(ErrorKind::kTextTooLong,
+                "The field '" + column.name + "' is too small to accept the amount of data.");
+}
+
+std::int32_t ToRange(const Column& column, const Value& value, std::int32_t low,
+                     std::int32_t high) {
+    const std::int32_t number = value.AsLong();
+    if (number < low || number > high) ThrowTooLarge(column);
+    return number;
+}
+
+Currency ToCurrency(const Column& column, const Value& value) {
+    if (const auto* money = std::get_if<Currency>(&value.Get())) return *money;
+    if (const auto* number = std::get_if<std::int32_t>(&value.Get())) {
+        return {std::int64_t{*number} * 10000};
+    }
+    const double scaled = value.AsDouble() * 10000;
+    constexpr double kLimit = 9223372036854775807.0;
+    if (!(std::abs(scaled) < kLimit)) ThrowTooLarge(column);
+    const double below = std::floor(scaled);
+    const double rest = scaled - below;
+    const bool up = rest > 0.5 || (rest == 0.5 && std::fmod(below, 2) != 0);
+    return {static_cast<std::int64_t>(up ? below + 1 : below)};
+}
+
+// Multiplies the magnitude by ten, or divides it, dropping the last digit.
+bool TimesTen(Decimal& decimal) {
+    unsigned carry = 0;
+    for (std::size_t i = decimal.magnitude.size(); i-- > 0;) {
+        carry += decimal.magnitude[i] * 10U;
+        decimal.magnitude[i] = static_cast<std::uint8_t>(carry & 0xFF);
+        carry >>= 8;
+    }
+    return carry == 0;
+}
+
+unsigned DivideByTen(Decimal& decimal) {
+    unsigned rest = 0;
+    for (std::uint8_t& byte : decimal.magnitude) {
+        rest = rest << 8 | byte;
+        byte = static_cast<std::uint8_t>(rest / 10);
+        rest %= 10;
+    }
+    return rest;
+}
+
+void AddOne(Decimal& decimal) {
+    for (std::size_t i = decimal.magnitude.size(); i-- > 0;) {
+        if (++decimal.magnitude[i] != 0) return;
+    }
+}
+
+int DigitCount(Decimal decimal) {
+    int digits = 0;
+    while (std::any_of(decimal.magnitude.begin(), decimal.magnitude.end(),
+                       [](std::uint8_t byte) { return byte != 0; })) {
+        DivideByTen(decimal);
+        ++digits;
+    }
+    return digits;
+}
+
+Decimal DecimalOf(const Column& column, const Value& value) {
+    if (const auto* decimal = std::get_if<Decimal>(&value.Get())) return *decimal;
+    // The shortest decimal text says what the writer meant by a binary fraction.
+    std::u16string text = value.AsText();
+    Decimal decimal;
+    bool fraction = false;
+    for (const char16_t c : text) {
+        if (c == u'-' && !decimal.negative) {
+            decimal.negative = true;
+        } else if (c == u'.' && !fraction) {
+            fraction = true;
+        } else if (c >= u'0' && c <= u'9') {
+            if (!TimesTen(decimal)) ThrowTooLarge(column);
+            for (int i = c - u'0'; i > 0; --i) AddOne(decimal);
+            if (fraction) ++decimal.scale;
+        } else {
+            ThrowMismatch(column);
+        }
+    }
+    return decimal;
+}
+
+Decimal ToDecimal(const Column& column, const Value& value) {
+    Decimal decimal = DecimalOf(column, value);
+    while (decimal.scale < column.scale) {
+        if (!TimesTen(decimal)) ThrowTooLarge(column);
+        ++decimal.scale;
+    }
+    while (decimal.scale > column.scale) {
+        const bool up = DivideByTen(decimal) >= 5 && decimal.scale == column.scale + 1;
+        if (up) AddOne(decimal);
+        --decimal.scale;
+    }
+    if (column.precision != 0 && DigitCount(decimal) > column.precision) ThrowTooLarge(column);
+    return decimal;
+}
+
+Binary ToBinary(const Column& column, const Value& value) {
+    if (const auto* bytes = std::get_if<Binary>(&value.Get())) return *bytes;
+    if (const auto* guid = std::get_if<Guid>(&value.Get())) {
+        return {guid->bytes.begin(), guid->bytes.end()};
+    }
+    ThrowMismatch(column);
+}
+
+Guid ToGuid(const Column& column, const Value& value) {
+    if (const auto* guid = std::get_if<Guid>(&value.Get())) return *guid;
+    const auto* bytes = std::get_if<Binary>(&value.Get());
+    if (bytes == nullptr || bytes->size() != 16) ThrowMismatch(column);
+    Guid guid;
+    std::copy(bytes->begin(), bytes->end(), guid.bytes.begin());
+    return guid;
+}
+
+Decimal DecodeDecimal(const Column& column, Bytes stored) {
+    Decimal decimal;
+    decimal.negative = (ReadU8(stored, 0) & kNegativeSign) != 0;
+    for (std::size_t word = 0; word < 4; ++word) {
+        const std::uint32_t bits = ReadU32(stored, 1 + 4 * word);
+        for (std::size_t i = 0; i < 4; ++i) {
+            decimal.magnitude[4 * word + i] = static_cast<std::uint8_t>(bits >> (24 - 8 * i));
+        }
+    }
+    decimal.scale = column.scale;
+    return decimal;
+}
+
+template <typename Unsigned>
+void AppendNumber(Unsigned bits, std::vector<std::byte>& into) {
+    for (std::size_t i = 0; i < sizeof(Unsigned); ++i) {
+        into.push_back(static_cast<std::byte>(bits >> (8 * i) & 0xFFU));
+    }
+}
+
+void AppendDecimal(const Decimal& decimal, std::vector<std::byte>& into) {
+    into.push_back(static_cast<std::byte>(decimal.negative ? kNegativeSign : 0));
+    for (std::size_t word = 0; word < 4; ++word) {
+        for (std::size_t i = 4; i-- > 0;) {
+            into.push_back(static_cast<std::byte>(decimal.magnitude[4 * word + i]));
+        }
+    }
+}
+
+// Text of a fixed length is filled up with blanks.
+void AppendText(const Column& column, const std::u16string& text, Version version,
+                std::vector<std::byte>& into) {
+    if (!column.fixed) {
+        EncodeText(text, version, column.compressed, into);
+        return;
+    }
+    const std::size_t unit = version == Version::kJet3 ? 1 : 2;
+    std::u16string padded = text;
+    padded.resize(column.length / unit, u' ');
+    EncodeText(padded, version, false, into);
+}
+
+void AppendBytes(const Column& column, Bytes bytes, std::vector<std::byte>& into) {
+    const std::size_t before = into.size();
+    into.insert(into.end(), bytes.begin(), bytes.end());
+    if (column.fixed) into.resize(before + column.length);
+}
+
+void RequireSize(const Column& column, Bytes stored) {
+    const std::uint32_t size = SizeOfType(column.type);
+    if (size != 0 && stored.size() < size) {
+        throw Error(ErrorKind::kDamaged,
+                    "The file is damaged: a value of the field '" + column.name + "' is cut off.");
+    }
+}
+
+template <typename T>
+const T& Held(const Column& column, const Value& value) {
+    const T* held = std::get_if<T>(&value.Get());
+    if (held == nullptr) ThrowMismatch(column);
+    return *held;
+}
+
+}  // namespace
+
+std::uint32_t SizeOfType(ColumnType type) {
+    switch (type) {
+        case ColumnType::kByte:
+            return 1;
+        case ColumnType::kInteger:
+            return 2;
+        case ColumnType::kLong:
+        case ColumnType::kSingle:
+            return 4;
+        case ColumnType::kCurrency:
+        case ColumnType::kDouble:
+        case ColumnType::kDate:
+            return 8;
+        case ColumnType::kGuid:
+            return 16;
+        case ColumnType::kDecimal:
+            return kDecimalSize;
+        default:
+            return 0;
+    }
+}
+
+Value DecodeValue(const Column& column, Bytes stored, Version version) {
+    RequireSize(column, stored);
+    switch (column.type) {
+        case ColumnType::kByte:
+            return std::int32_t{ReadU8(stored, 0)};
+        case ColumnType::kInteger:
+            return std::int32_t{static_cast<std::int16_t>(ReadU16(stored, 0))};
+        case ColumnType::kLong:
+            return static_cast<std::int32_t>(ReadU32(stored, 0));
+        case ColumnType::kCurrency:
+            return Currency{static_cast<std::int64_t>(ReadU64(stored, 0))};
+        case ColumnType::kSingle:
+            return std::bit_cast<float>(ReadU32(stored, 0));
+        case ColumnType::kDouble:
+            return std::bit_cast<double>(ReadU64(stored, 0));
+        case ColumnType::kDate:
+            return Date{std::bit_cast<double>(ReadU64(stored, 0))};
+        case ColumnType::kText:
+        case ColumnType::kMemo: {
+            std::u16string text;
+            DecodeText(stored, version, text);
+            return text;
+        }
+        case ColumnType::kGuid: {
+            Guid guid;
+            std::copy_n(stored.begin(), guid.bytes.size(), guid.bytes.begin());
+            return guid;
+        }
+        case ColumnType::kDecimal:
+            return DecodeDecimal(column, stored);
+        default:
+            return Binary(stored.begin(), stored.end());
+    }
+}
+
+bool DecodeNumber(const Column& column, Bytes stored, double& into) {
+    RequireSize(column, stored);
+    switch (column.type) {
+        case ColumnType::kByte:
+            into = ReadU8(stored, 0);
+            return true;
+        case ColumnType::kInteger:
+            into = static_cast<std::int16_t>(ReadU16(stored, 0));
+            return true;
+        case ColumnType::kLong:
+            into = static_cast<std::int32_t>(ReadU32(stored, 0));
+            return true;
+        case ColumnType::kSingle:
+            into = static_cast<double>(std::bit_cast<float>(ReadU32(stored, 0)));
+            return true;
+        case ColumnType::kDouble:
+        case ColumnType::kDate:
+            into = std::bit_cast<double>(ReadU64(stored, 0));
+            return true;
+        default:
+            return false;
+    }
+}
+
+Value ConvertForSearch(const Column& column, const Value& value) {
+    if (column.type == ColumnType::kBoolean) return value.IsNull() ? Value() : value.AsBoolean();
+    if (value.IsNull()) return {};
+    switch (column.type) {
+        case ColumnType::kByte:
+            return ToRange(column, value, 0, std::numeric_limits<std::uint8_t>::max());
+        case ColumnType::kInteger:
+            return ToRange(column, value, std::numeric_limits<std::int16_t>::min(),
+                           std::numeric_limits<std::int16_t>::max());
+        case ColumnType::kLong:
+            return value.AsLong();
+        case ColumnType::kCurrency:
+            return ToCurrency(column, value);
+        case ColumnType::kSingle:
+            return value.AsSingle();
+        case ColumnType::kDouble:
+            return value.AsDouble();
+        case ColumnType::kDate:
+            return Date{value.AsDouble()};
+        case ColumnType::kText:
+        case ColumnType::kMemo:
+            return value.AsText();
+        case ColumnType::kGuid:
+            return ToGuid(column, value);
+        case ColumnType::kDecimal:
+            return ToDecimal(column, value);
+        case ColumnType::kBinary:
+        case ColumnType::kOle:
+            return ToBinary(column, value);
+        default:
+            throw Error(ErrorKind::kUnsupported,
+                        "The type of the field '" + column.name + "' is not known here.");
+    }
+}
+
+Value ConvertForColumn(const Column& column, const Value& value, Version version) {
+    if (column.type == ColumnType::kBoolean) return !value.IsNull() && value.AsBoolean();
+    Value converted = ConvertForSearch(column, value);
+    if (const auto* text = std::get_if<std::u16string>(&converted.Get())) {
+        const std::size_t size = text->size() * (version == Version::kJet3 ? 1 : 2);
+        if (size > (column.type == ColumnType::kMemo ? kLongestValue : column.length)) {
+            ThrowTooLong(column);
+        }
+    } else if (const auto* bytes = std::get_if<Binary>(&converted.Get())) {
+        if (bytes->size() > (column.type == ColumnType::kOle ? kLongestValue : column.length)) {
+            ThrowTooLong(column);
+        }
+    }
+    return converted;
+}
+
+void EncodeValue(const Column& column, const Value& value, Version version,
+                 std::vector<std::byte>& into) {
+    switch (column.type) {
+        case ColumnType::kByte:
+            into.push_back(static_cast<std::byte>(Held<std::int32_t>(column, value)));
+            break;
+        case ColumnType::kInteger:
+            AppendNumber(static_cast<std::uint16_t>(Held<std::int32_t>(column, value)), into);
+            break;
+        case ColumnType::kLong:
+            AppendNumber(static_cast<std::uint32_t>(Held<std::int32_t>(column, value)), into);
+            break;
+        case ColumnType::kCurrency:
+            AppendNumber(static_cast<std::uint64_t>(Held<Currency>(column, value).tenThousandths),
+                         into);
+            break;
+        case ColumnType::kSingle:
+            AppendNumber(std::bit_cast<std::uint32_t>(Held<float>(column, value)), into);
+            break;
+        case ColumnType::kDouble:
+            AppendNumber(std::bit_cast<std::uint64_t>(Held<double>(column, value)), into);
+            break;
+        case ColumnType::kDate:
+            AppendNumber(std::bit_cast<std::uint64_t>(Held<Date>(column, value).days), into);
+            break;
+        case ColumnType::kText:
+            AppendText(column, Held<std::u16string>(column, value), version, into);
+            break;
+        case ColumnType::kGuid:
+            AppendBytes(column, Held<Guid>(column, value).bytes, into);
+            break;
+        case ColumnType::kDecimal:
+            AppendDecimal(Held<Decimal>(column, value), into);
+            break;
+        default:
+            AppendBytes(column, Held<Binary>(column, value), into);
+            break;
+    }
+}
+
+}  // namespace jet

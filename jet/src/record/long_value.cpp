@@ -1,0 +1,200 @@
+#include "record/long_value.h"
+
+#include <algorithm>
+
+#include "jet/error.h"
+#include "page/bytes.h"
+#include "record/data_page.h"
+
+namespace jet {
+
+namespace {
+
+constexpr std::uint32_t kLengthMask = 0x3FFFFFFF;
+constexpr unsigned kFormShift = 30;
+constexpr std::uint32_t kPointerSize = 4;
+
+[[noreturn]] void ThrowBadValue() {
+    ThrowDamaged("The file is damaged: a part of a long value is missing.");
+}
+
+// One row on a page of long values; the pin keeps its bytes.
+struct LongValueRow {
+    PageRef page;
+    Bytes bytes;
+};
+
+LongValueRow ReadRow(Pager& pager, RowId row) {
+    LongValueRow found;
+    found.page = pager.Page(row.page);
+    const Bytes page = found.page.Data();
+    if (!IsDataPage(page) || PageOwner(page) != kLongValueOwner) ThrowBadValue();
+    const Slot slot = ReadSlot(page, pager.FileFormat(), row.slot);
+    if (slot.kind == SlotKind::kDeleted) ThrowBadValue();
+    found.bytes = Slice(page, slot.start, slot.length);
+    return found;
+}
+
+void ReadChain(Pager& pager, const LongValueHead& head, std::vector<std::byte>& into) {
+    std::uint32_t missing = head.length;
+    RowId next = head.first;
+    // A row of a chain may be empty, but a chain visits no more rows than the file has.
+    std::uint64_t steps = std::uint64_t{pager.PageCount()} * kMostSlots;
+    while (missing > 0) {
+        if (!next || steps-- == 0) ThrowBadValue();
+        const LongValueRow row = ReadRow(pager, next);
+        if (row.bytes.size() <= kPointerSize) ThrowBadValue();
+        const Bytes part = row.bytes.subspan(
+            kPointerSize, std::min<std::size_t>(missing, row.bytes.size() - kPointerSize));
+        into.insert(into.end(), part.begin(), part.end());
+        missing -= static_cast<std::uint32_t>(part.size());
+        next = RowId::FromPacked(ReadU32(row.bytes, 0));
+    }
+}
+
+void AppendHead(std::size_t length, LongValueForm form, RowId first,
+                std::vector<std::byte>& inRow) {
+    const std::size_t at = inRow.size();
+    inRow.resize(at + kLongValueHeader);
+    const MutableBytes head = MutableBytes(inRow).subspan(at);
+    WriteU32(head, 0,
+             static_cast<std::uint32_t>(length) | static_cast<std::uint32_t>(form) << kFormShift);
+    WriteU32(head, 4, first.Packed());
+}
+
+}  // namespace
+
+std::optional<LongValueHead> ReadLongValueHead(Bytes inRow) {
+    if (inRow.empty()) return std::nullopt;
+    if (inRow.size() < kLongValueHeader) ThrowBadValue();
+    const std::uint32_t word = ReadU32(inRow, 0);
+    LongValueHead head;
+    head.length = word & kLengthMask;
+    head.first = RowId::FromPacked(ReadU32(inRow, 4));
+    if (word >> kFormShift > 2) ThrowBadValue();
+    head.form = static_cast<LongValueForm>(word >> kFormShift);
+    return head;
+}
+
+void ReadLongValue(Pager& pager, Bytes inRow, std::vector<std::byte>& into) {
+    const auto head = ReadLongValueHead(inRow);
+    if (!head) return;
+    // Nothing longer than the file can be in it, so no memory is taken for a nonsensical length.
+    if (head->length > std::uint64_t{pager.PageCount()} * pager.FileFormat().pageSize) {
+        ThrowBadValue();
+    }
+    switch (head->form) {
+        case LongValueForm::kInline: {
+            if (inRow.size() - kLongValueHeader < head->length) ThrowBadValue();
+            const Bytes value = inRow.subspan(kLongValueHeader, head->length);
+            into.insert(into.end(), value.begin(), value.end());
+            return;
+        }
+        case LongValueForm::kRow: {
+            const LongValueRow row = ReadRow(pager, head->first);
+            if (row.bytes.size() < head->length) ThrowBadValue();
+            into.insert(into.end(), row.bytes.begin(), row.bytes.begin() + head->length);
+            return;
+        }
+        case LongValueForm::kChain:
+            ReadChain(pager, *head, into);
+            return;
+    }
+}
+
+LongValueStore::LongValueStore(Pager& pager, RowId ownedMap, RowId freeMap)
+    : pager_(&pager), owned_(pager, ownedMap) {
+    if (freeMap) free_.emplace(pager, freeMap);
+}
+
+void LongValueStore::Write(Bytes value, std::size_t plainLength, std::vector<std::byte>& inRow) {
+    const Format& format = pager_->FileFormat();
+    if (plainLength <= format.longValueInRow) {
+        AppendHead(value.size(), LongValueForm::kInline, {}, inRow);
+        inRow.insert(inRow.end(), value.begin(), value.end());
+        return;
+    }
+    if (plainLength <= format.longValueOnePage) {
+        AppendHead(value.size(), LongValueForm::kRow, Append(value), inRow);
+        return;
+    }
+    // The last part is written first, so that each row can name the next one.
+    RowId next;
+    std::vector<std::byte> row;
+    std::size_t end = value.size();
+    while (end > 0) {
+        const std::size_t start = (end - 1) / format.longValueChunk * format.longValueChunk;
+        row.assign(kPointerSize, std::byte{0});
+        WriteU32(row, 0, next.Packed());
+        row.insert(row.end(), value.begin() + static_cast<std::ptrdiff_t>(start),
+                   value.begin() + static_cast<std::ptrdiff_t>(end));
+        next = Append(row);
+        end = start;
+    }
+    AppendHead(value.size(), LongValueForm::kChain, next, inRow);
+}
+
+void LongValueStore::Release(Bytes inRow) {
+    const auto head = ReadLongValueHead(inRow);
+    if (!head || head->form == LongValueForm::kInline) return;
+    if (head->form == LongValueForm::kRow) {
+        ReleaseRow(head->first);
+        return;
+    }
+    RowId row = head->first;
+    while (row) {
+        const RowId next = RowId::FromPacked(ReadU32(ReadRow(*pager_, row).bytes, 0));
+        ReleaseRow(row);
+        // A released row cannot be read again, so a chain that bites its tail ends here too.
+        row = next;
+    }
+}
+
+RowId LongValueStore::Append(Bytes row) {
+    const PageNumber page = PageWithRoom(static_cast<std::uint32_t>(row.size()));
+    const MutableBytes bytes = pager_->Change(page);
+    const std::uint8_t slot = AppendRow(bytes, pager_->FileFormat(), row, SlotKind::kRow);
+    if (free_ && PageRoom(bytes, pager_->FileFormat()) <= kPointerSize) free_->Remove(page);
+    return {page, slot};
+}
+
+PageNumber LongValueStore::PageWithRoom(std::uint32_t length) {
+    const Format& format = pager_->FileFormat();
+    std::optional<PageNumber> page = free_ ? free_->NextFrom(PageNumber{0}) : std::nullopt;
+    // A whole page is asked for by the parts of a chain; searching the others would be in vain.
+    while (page && length < format.longValueChunk) {
+        const PageRef candidate = pager_->Page(*page);
+        if (!IsDataPage(candidate.Data()) || PageOwner(candidate.Data()) != kLongValueOwner) {
+            ThrowBadValue();
+        }
+        if (HasRoomFor(candidate.Data(), format, length)) return *page;
+        free_->Remove(*page);
+        page = free_->NextFrom(PageNumber{page->value + 1});
+    }
+    const PageNumber fresh = pager_->Allocate();
+    StartDataPage(pager_->Change(fresh), format, kLongValueOwner);
+    owned_.Add(fresh);
+    EnterFree(fresh);
+    return fresh;
+}
+
+void LongValueStore::EnterFree(PageNumber page) {
+    if (free_ && !free_->Contains(page)) free_->Add(page);
+}
+
+void LongValueStore::ReleaseRow(RowId row) {
+    const Format& format = pager_->FileFormat();
+    if (!owned_.Contains(row.page)) ThrowBadValue();
+    const MutableBytes page = pager_->Change(row.page);
+    if (ReadSlot(page, format, row.slot).kind == SlotKind::kDeleted) ThrowBadValue();
+    DeleteRow(page, format, row.slot);
+    if (HasLiveSlots(page, format)) {
+        EnterFree(row.page);
+        return;
+    }
+    if (free_) free_->Remove(row.page);
+    owned_.Remove(row.page);
+    pager_->Free(row.page);
+}
+
+}  // namespace jet

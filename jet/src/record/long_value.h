@@ -1,0 +1,64 @@
+// Long values: memos and OLE objects, kept in the row, on a page of their own kind, or in a chain.
+//
+// In the row, 12 bytes:
+//
+//   0   4  length in bytes (30 bits) and form (the two highest bits)
+//   4   4  row pointer (forms 0 and 1)
+//   8   4  stamp (Jet 4, form 0), else 0
+//
+// Form 2: the value follows these 12 bytes. Form 1: one row of a page is the value. Form 0: a chain
+// of rows, each the pointer of the next row (0 at the last) and a part of the value.
+//
+// The pages are data pages whose owner reads "LVAL"; each belongs to one column of one table, which
+// has a map of them and a map of those with room.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "page/pager.h"
+#include "page/types.h"
+#include "page/usage_map.h"
+
+namespace jet {
+
+inline constexpr std::size_t kLongValueHeader = 12;
+
+enum class LongValueForm : std::uint8_t { kChain = 0, kRow = 1, kInline = 2 };
+
+struct LongValueHead {
+    std::uint32_t length = 0;
+    LongValueForm form = LongValueForm::kInline;
+    RowId first;
+};
+
+// An empty value has no head at all. kDamaged.
+std::optional<LongValueHead> ReadLongValueHead(Bytes inRow);
+
+// Appends the whole value. kDamaged for a chain that is broken, endless or too short.
+void ReadLongValue(Pager& pager, Bytes inRow, std::vector<std::byte>& into);
+
+// The pages of one column, for writing.
+class LongValueStore {
+public:
+    LongValueStore(Pager& pager, RowId ownedMap, RowId freeMap);
+
+    // Stores the value and appends its part in the row. `plainLength` is the size before any
+    // compression and decides about the form. Needs an open Operation.
+    void Write(Bytes value, std::size_t plainLength, std::vector<std::byte>& inRow);
+    // Gives back everything outside the row. Needs an open Operation.
+    void Release(Bytes inRow);
+
+private:
+    RowId Append(Bytes row);
+    PageNumber PageWithRoom(std::uint32_t length);
+    void EnterFree(PageNumber page);
+    void ReleaseRow(RowId row);
+
+    Pager* pager_;
+    UsageMap owned_;
+    std::optional<UsageMap> free_;
+};
+
+}  // namespace jet

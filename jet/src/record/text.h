@@ -1,0 +1,32 @@
+// Text as rows hold it, to and from UTF-16.
+//
+// Jet 3: a byte for each character, code page 1252. Jet 4: UTF-16, or the compressed form:
+//
+//   FF FE | characters below U+0100, a byte each | 00 | other characters, two bytes each | 00 | ...
+//
+// where a zero byte switches between the two kinds. A reader must expect it in every value,
+// whatever the column says.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "jet/schema.h"
+#include "page/types.h"
+
+namespace jet {
+
+// Replaces `into`, which keeps its memory from one call to the next. An odd last byte of a value
+// that should have whole characters is passed over.
+void DecodeText(Bytes stored, Version version, std::u16string& into);
+// Appends the stored form: compressed only where that is wanted, possible and shorter. Characters
+// that a Jet 3 file cannot hold become question marks.
+void EncodeText(std::u16string_view text, Version version, bool compress,
+                std::vector<std::byte>& into);
+
+// Names: UTF-8 in the engine's face, plain text in the file.
+std::u16string WidenName(std::string_view utf8);
+std::string NarrowName(std::u16string_view name);
+
+}  // namespace jet
