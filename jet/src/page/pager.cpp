@@ -1,8 +1,8 @@
 #include "page/pager.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstring>
+#include <stdexcept>
 
 #include "jet/error.h"
 #include "page/bytes.h"
@@ -14,6 +14,11 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kCacheBytes = 24U << 20;
+// When this much has changed, or been logged, MakeDurable is due.
+constexpr std::size_t kMostDirtyBytes = 24U << 20;
+constexpr std::uint64_t kLargestLog = 64U << 20;
+// Neighbouring pages go to the file in pieces of this size.
+constexpr std::size_t kWriteBytes = 256U << 10;
 
 }  // namespace
 
@@ -24,7 +29,27 @@ Pager::Impl::Impl(FileSystem& fileSystem, std::filesystem::path filePath,
       file(std::move(openFile)),
       format(fileFormat),
       readOnly(isReadOnly),
-      cache_(fileFormat.pageSize, kCacheBytes / fileFormat.pageSize) {}
+      cache_(fileFormat.pageSize, kCacheBytes / fileFormat.pageSize),
+      journal_(fileSystem, LogPath(path), fileFormat.pageSize) {}
+
+void Pager::Impl::Start(std::uint32_t pages, std::uint16_t commitCounter) {
+    pageCount = pages;
+    filePageCount_ = pages;
+    fileCounter_ = commitCounter;
+}
+
+void Pager::Impl::Recover(const LogReplay& replay) {
+    pageCount = replay.PageCount();
+    for (const auto& [number, page] : replay.Pages()) {
+        Frame& frame = cache_.Insert(number);
+        std::memset(frame.bytes.get(), 0, format.pageSize);
+        std::copy(page.image.begin(), page.image.end(), frame.bytes.get());
+        frame.dirty = true;
+        ++dirtyCount_;
+    }
+    journal_.Resume(replay.Position());
+    MakeDurable();
+}
 
 Frame& Pager::Impl::Fetch(PageNumber page) {
     if (Frame* frame = cache_.Find(page.value)) {
@@ -49,13 +74,16 @@ Frame& Pager::Impl::Fetch(PageNumber page) {
 void Pager::Impl::Begin() {
     if (!file) throw Error(ErrorKind::kClosed, "The database is closed.");
     if (readOnly) throw Error(ErrorKind::kReadOnly, "The file is open for reading only.");
-    assert(!inOperation_);
+    if (inOperation_) throw std::logic_error("operations do not nest");
+    if (dirtyCount_ * format.pageSize > kMostDirtyBytes || journal_.Size() > kLargestLog) {
+        MakeDurable();
+    }
     inOperation_ = true;
     pageCountBefore_ = pageCount;
 }
 
 void Pager::Impl::RequireOperation() const {
-    assert(inOperation_);
+    if (!inOperation_) throw std::logic_error("no operation is open");
 }
 
 Pager::Impl::ChangedPage& Pager::Impl::Remember(Frame& frame) {
@@ -100,22 +128,35 @@ void Pager::Impl::Append() {
     ++pageCount;
 }
 
-void Pager::Impl::Commit() {
-    RequireOperation();
-    bool anything = false;
+void Pager::Impl::CollectChanges() {
+    changes_.clear();
     for (std::size_t i = 0; i < changedCount_; ++i) {
         const ChangedPage& entry = changed_[i];
-        Frame& frame = *entry.frame;
-        if (!entry.fresh &&
-            std::memcmp(frame.bytes.get(), entry.before.get(), format.pageSize) == 0) {
-            continue;
+        const Bytes before(entry.before.get(), format.pageSize);
+        const Bytes after(entry.frame->bytes.get(), format.pageSize);
+        if (entry.fresh || std::memcmp(before.data(), after.data(), format.pageSize) != 0) {
+            changes_.push_back({.page = PageNumber{entry.frame->number},
+                                .fresh = entry.fresh,
+                                .before = before,
+                                .after = after});
         }
-        anything = true;
-        dirtyCount_ += frame.dirty ? 0 : 1;
-        frame.dirty = true;
+    }
+}
+
+void Pager::Impl::Commit() {
+    RequireOperation();
+    CollectChanges();
+    if (!changes_.empty()) {
+        journal_.Append(changes_, pageCount, {filePageCount_, fileCounter_});
+        // Done: nothing from here on fails.
+        for (const PageChange& change : changes_) {
+            Frame& frame = *cache_.Find(change.page.value);
+            dirtyCount_ += frame.dirty ? 0 : 1;
+            frame.dirty = true;
+        }
+        ++changeCount;
     }
     EndOperation();
-    if (anything) ++changeCount;
 }
 
 void Pager::Impl::Rollback() noexcept {
@@ -147,28 +188,65 @@ void Pager::Impl::WriteDirtyPages() {
     });
     std::sort(dirty.begin(), dirty.end(),
               [](const Frame* a, const Frame* b) { return a->number < b->number; });
-    for (const Frame* frame : dirty) {
-        file->Write(std::uint64_t{frame->number} * format.pageSize,
-                    {frame->bytes.get(), format.pageSize});
+    const std::size_t longest = kWriteBytes / format.pageSize;
+    for (std::size_t begin = 0; begin < dirty.size();) {
+        std::size_t end = begin + 1;
+        while (end < dirty.size() && end - begin < longest &&
+               dirty[end]->number == dirty[end - 1]->number + 1) {
+            ++end;
+        }
+        WriteRun(std::span(dirty).subspan(begin, end - begin));
+        begin = end;
     }
+    // A page stays dirty until the flush succeeded: after a failed one everything is written anew.
     file->Flush();
     for (Frame* frame : dirty) frame->dirty = false;
     dirtyCount_ = 0;
 }
 
+void Pager::Impl::WriteRun(std::span<Frame* const> run) {
+    std::vector<std::byte> bytes;
+    bytes.reserve(run.size() * format.pageSize);
+    for (const Frame* frame : run) {
+        bytes.insert(bytes.end(), frame->bytes.get(), frame->bytes.get() + format.pageSize);
+    }
+    file->Write(std::uint64_t{run.front()->number} * format.pageSize, bytes);
+}
+
 void Pager::Impl::MakeDurable() {
-    if (!file || dirtyCount_ == 0) return;
+    if (!file || journal_.IsEmpty()) return;
+    if (inOperation_) throw std::logic_error("an operation is open");
+    Frame& headerPage = Fetch(PageNumber{0});
+    const std::uint16_t counter = journal_.Mark();
+    journal_.Flush();
+    WriteCommitCounter({headerPage.bytes.get(), format.pageSize}, format, counter);
+    dirtyCount_ += headerPage.dirty ? 0 : 1;
+    headerPage.dirty = true;
     WriteDirtyPages();
+    filePageCount_ = pageCount;
+    fileCounter_ = counter;
+    journal_.Empty();
     cache_.Shrink();
 }
 
 void Pager::Impl::Close() {
     if (!file) return;
-    MakeDurable();
+    try {
+        if (!readOnly) {
+            MakeDurable();
+            journal_.Remove();
+        }
+    } catch (...) {
+        journal_.Release();
+        file.reset();
+        throw;
+    }
     file.reset();
 }
 
 void Pager::Impl::Abandon() noexcept {
+    if (!file) return;
+    journal_.Remove();
     file.reset();
 }
 
@@ -183,48 +261,6 @@ Operation::~Operation() {
 void Operation::Commit() {
     pager_.Internals().Commit();
     committed_ = true;
-}
-
-std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::path& path,
-                                   const OpenOptions& options, Recovery& recovery) {
-    recovery = {};
-    const std::filesystem::path resolved = files.Resolve(path);
-    auto file = files.Open(resolved, options.readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
-    if (!file->TryLock(options.exclusive || !options.readOnly)) {
-        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
-    }
-    const std::uint64_t size = file->Size();
-    std::vector<std::byte> prefix(std::min<std::uint64_t>(size, kHeaderPrefix));
-    file->Read(0, prefix);
-    const FileHeader header = ReadFileHeader(prefix);
-    const Format& format = FormatOf(header.version);
-    auto impl = std::make_unique<Impl>(files, resolved, std::move(file), format, options.readOnly);
-    impl->header = header;
-    if (size % format.pageSize != 0 || size / format.pageSize < kSmallestPageCount ||
-        size / format.pageSize > LargestPageCount(format)) {
-        ThrowDamaged("The file is damaged: it has been cut off.");
-    }
-    impl->pageCount = static_cast<std::uint32_t>(size / format.pageSize);
-    return std::make_unique<Pager>(std::move(impl));
-}
-
-std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::path& path,
-                                     Version version) {
-    auto file = files.Open(path, OpenMode::kCreateNew);
-    const std::filesystem::path resolved = files.Resolve(path);
-    if (!file->TryLock(true)) {
-        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
-    }
-    const Format& format = FormatOf(version);
-    auto pager = std::make_unique<Pager>(
-        std::make_unique<Impl>(files, resolved, std::move(file), format, false));
-    Operation operation(*pager);
-    pager->Extend(PageNumber{1});
-    WriteFileHeader(pager->Change(PageNumber{0}), version);
-    WriteGlobalMapsPage(pager->Change(PageNumber{1}), format);
-    pager->impl_->header = ReadFileHeader(pager->Page(PageNumber{0}).Data());
-    operation.Commit();
-    return pager;
 }
 
 Pager::Pager(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "page/frame_cache.h"
+#include "page/journal.h"
 #include "page/pager.h"
 
 namespace jet {
@@ -13,6 +15,11 @@ class Pager::Impl {
 public:
     Impl(FileSystem& files, std::filesystem::path path, std::unique_ptr<File> file,
          const Format& format, bool readOnly);
+
+    // Takes the file as it is on the disk.
+    void Start(std::uint32_t pages, std::uint16_t commitCounter);
+    // Brings in what a log holds beyond the file.
+    void Recover(const LogReplay& replay);
 
     // The page's frame, read from the file when it is not in memory.
     Frame& Fetch(PageNumber page);
@@ -26,6 +33,7 @@ public:
     void MakeDurable();
     void Close();
     void Abandon() noexcept;
+    Journal& Log() { return journal_; }
 
     FileSystem& files;
     std::filesystem::path path;
@@ -48,14 +56,24 @@ private:
     void RequireOperation() const;
     ChangedPage& Remember(Frame& frame);
     void EndOperation() noexcept;
+    void CollectChanges();
     void WriteDirtyPages();
+    void WriteRun(std::span<Frame* const> run);
 
     FrameCache cache_;
     bool inOperation_ = false;
     std::uint32_t pageCountBefore_ = 0;
     std::vector<ChangedPage> changed_;
     std::size_t changedCount_ = 0;  // entries beyond keep their buffers for the next operation
+    std::vector<PageChange> changes_;
     std::size_t dirtyCount_ = 0;
+    Journal journal_;
+    // The data file as the last MakeDurable left it.
+    std::uint32_t filePageCount_ = 0;
+    std::uint16_t fileCounter_ = 0;
 };
+
+// The log of a data file.
+std::filesystem::path LogPath(const std::filesystem::path& dataFile);
 
 }  // namespace jet

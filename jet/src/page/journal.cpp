@@ -1,0 +1,170 @@
+#include "page/journal.h"
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+
+#include "jet/error.h"
+#include "page/checksum.h"
+#include "page/header.h"
+#include "page/log_reader.h"
+
+namespace jet {
+
+namespace {
+
+// Different for each log, so that records of an earlier one never pass for its own.
+std::uint64_t NewSalt() {
+    static std::uint64_t last = [] {
+        std::random_device source;
+        return std::uint64_t{source()} << 32 | source();
+    }();
+    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+    last = last * 6364136223846793005U + static_cast<std::uint64_t>(now) * 2 + 1;
+    return last;
+}
+
+}  // namespace
+
+void Journal::Prepare() noexcept {
+    try {
+        RequireFile();
+    } catch (...) {
+        file_.reset();
+    }
+}
+
+void Journal::RequireFile() {
+    if (file_) return;
+    auto file = files_.Open(path_, OpenMode::kCreateOrOpen);
+    files_.FlushFolder(path_.parent_path());
+    cutFirst_ = cutFirst_ || file->Size() > end_;
+    file_ = std::move(file);
+}
+
+void Journal::Resume(const LogPosition& position) {
+    end_ = position.end;
+    checksum_ = position.checksum;
+    operation_ = position.operations;
+    lastCounter_ = position.lastCounter;
+    logged_ = position.logged;
+    RequireFile();
+}
+
+void Journal::Append(std::span<const PageChange> changes, std::uint32_t pagesAfter,
+                     const Start& start) {
+    buffer_.clear();
+    std::uint64_t seed = checksum_;
+    if (IsEmpty()) {
+        seed = AppendLogHeader(buffer_, {.pageSize = pageSize_,
+                                         .pageCount = start.pageCount,
+                                         .salt = NewSalt(),
+                                         .commitCounter = start.commitCounter});
+        operation_ = 0;
+        logged_.assign(pagesAfter, false);
+    } else if (logged_.size() < pagesAfter) {
+        logged_.resize(std::max<std::size_t>(pagesAfter, logged_.size() * 2), false);
+    }
+    LogRecordWriter record(buffer_, LogRecordKind::kOperation, operation_ + 1, pagesAfter);
+    for (const PageChange& change : changes) {
+        const LogBase base = change.fresh       ? LogBase::kZero
+                             : Has(change.page) ? LogBase::kInLog
+                                                : LogBase::kImage;
+        record.AddPage(change, base);
+    }
+    const std::uint64_t checksum = record.Finish(seed);
+    const bool first = IsEmpty();
+    WriteBuffer();
+    if (first) lastCounter_ = start.commitCounter;
+    checksum_ = checksum;
+    ++operation_;
+    for (const PageChange& change : changes) logged_[change.page.value] = true;
+}
+
+// Appends the buffer to the good part. When it fails, the file is cut to the good part at once or,
+// where that fails too, before anything else is written.
+void Journal::WriteBuffer() {
+    RequireFile();
+    if (cutFirst_) {
+        file_->Truncate(end_);
+        cutFirst_ = false;
+    }
+    try {
+        file_->Write(end_, buffer_);
+    } catch (...) {
+        cutFirst_ = true;
+        try {
+            file_->Truncate(end_);
+            cutFirst_ = false;
+        } catch (...) {
+            // The next write begins with it.
+        }
+        throw;
+    }
+    end_ += buffer_.size();
+}
+
+std::uint16_t Journal::Mark() {
+    const std::uint16_t counter = NextCommitCounter(lastCounter_);
+    buffer_.clear();
+    LogRecordWriter record(buffer_, LogRecordKind::kMark, operation_, counter);
+    const std::uint64_t checksum = record.Finish(checksum_);
+    WriteBuffer();
+    checksum_ = checksum;
+    lastCounter_ = counter;
+    return counter;
+}
+
+void Journal::Flush() {
+    if (flushFailed_) WriteAllAgain();
+    try {
+        file_->Flush();
+    } catch (...) {
+        flushFailed_ = true;
+        throw;
+    }
+    flushFailed_ = false;
+}
+
+// After a failed flush the operating system may count pages as written that are not, so that a
+// second flush would succeed without doing anything. The same bytes are therefore written once
+// more; to write the same bytes is harmless at whatever moment the process ends.
+void Journal::WriteAllAgain() {
+    LogReader reader(*file_);
+    while (reader.Next()) {
+    }
+    if (reader.End() != end_ || reader.LastChecksum() != checksum_) {
+        throw Error(ErrorKind::kIo, "The log of the database can no longer be read.");
+    }
+    constexpr std::uint64_t kBlock = 1U << 20;
+    std::vector<std::byte> block;
+    for (std::uint64_t at = 0; at < end_; at += kBlock) {
+        block.resize(static_cast<std::size_t>(std::min(kBlock, end_ - at)));
+        file_->Read(at, block);
+        file_->Write(at, block);
+    }
+}
+
+void Journal::Empty() noexcept {
+    end_ = 0;
+    flushFailed_ = false;
+    logged_.clear();
+    try {
+        file_->Truncate(0);
+        cutFirst_ = false;
+    } catch (...) {
+        // Its contents are in the data file; the next operation begins with this.
+        cutFirst_ = true;
+    }
+}
+
+void Journal::Remove() noexcept {
+    file_.reset();
+    try {
+        files_.Remove(path_);
+    } catch (...) {
+        // What stays behind is empty, or replays to what the data file holds already.
+    }
+}
+
+}  // namespace jet

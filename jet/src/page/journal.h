@@ -1,0 +1,92 @@
+// The journal: every committed operation in a log file beside the data file, so that neither the
+// end of the process nor a power cut leaves half of one behind.
+//
+// 1. Committing. An operation is one record in the log (log_format.h), written by one write. After
+//    it the operation is done: the process may be killed, the log lies with the operating system.
+//    The data file itself is not touched; changed pages stay in memory.
+// 2. Making durable. A mark is appended and the log flushed; then the changed pages, and the header
+//    page with a raised commit counter, are written to the data file and that is flushed; then the
+//    log is emptied. Two flushes, none when the log is empty.
+// 3. Opening. A log that is found is replayed in memory, and then step 2 is done.
+//
+// Why emptying needs no flush of its own: what a power cut can bring back is the old log, whole or
+// in part. Whole, replaying it is harmless, since the data file holds its end state already. In
+// part - its beginning, followed by new records or by nothing - it would undo things. So a log
+// counts only if the data file's commit counter is the one that the log began with (then step 2
+// never completed, and no log was ever emptied) or one of a mark that is still readable (then the
+// log is whole up to that mark at least, for it was flushed before the data file got that value).
+// Every attempt at step 2 uses another counter value.
+//
+// Why a log never gets into a file that it does not belong to: the counter, the file's size and the
+// bytes of every page that the log touches must all fit. Each byte must be the one that the log
+// began with or one that the log itself put there, which also holds for a half-written page.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "jet/file.h"
+#include "page/log_format.h"
+#include "page/log_replay.h"
+
+namespace jet {
+
+class Journal {
+public:
+    // The state of the data file that a log begins with.
+    struct Start {
+        std::uint32_t pageCount = 0;
+        std::uint16_t commitCounter = 0;
+    };
+
+    Journal(FileSystem& files, std::filesystem::path path, std::uint32_t pageSize)
+        : files_(files), path_(std::move(path)), pageSize_(pageSize) {}
+
+    // Makes the (empty) log file and its place in the folder durable, so that no later flush has to
+    // do it. May fail; the first operation then tries again, and fails if it has to.
+    void Prepare() noexcept;
+    // Goes on with a log that was replayed.
+    void Resume(const LogPosition& position);
+
+    // The moment of commitment: writes the record of an operation. `start` is what a log that
+    // begins with it belongs to. When it throws, the operation is not in the log. kDiskFull, kIo.
+    void Append(std::span<const PageChange> changes, std::uint32_t pagesAfter, const Start& start);
+
+    // Step 2. The value that the data file's commit counter takes this time.
+    std::uint16_t Mark();
+    void Flush();
+    void Empty() noexcept;
+    // Closes the log file and leaves it where it is.
+    void Release() noexcept { file_.reset(); }
+    // Closes and removes the log file.
+    void Remove() noexcept;
+
+    [[nodiscard]] bool IsEmpty() const { return end_ == 0; }
+    [[nodiscard]] std::uint64_t Size() const { return end_; }
+
+private:
+    void RequireFile();
+    void WriteBuffer();
+    void WriteAllAgain();
+    [[nodiscard]] bool Has(PageNumber page) const {
+        return page.value < logged_.size() && logged_[page.value];
+    }
+
+    FileSystem& files_;
+    std::filesystem::path path_;
+    std::uint32_t pageSize_;
+    std::unique_ptr<File> file_;
+    std::uint64_t end_ = 0;       // length of the good part
+    std::uint64_t checksum_ = 0;  // of its last record
+    std::uint64_t operation_ = 0;
+    std::uint16_t lastCounter_ = 0;  // of the log's beginning or its last mark
+    bool cutFirst_ = false;          // there may be bytes past the good part
+    bool flushFailed_ = false;       // what was written may never have reached the disk
+    std::vector<bool> logged_;       // pages whose former bytes are in the log
+    std::vector<std::byte> buffer_;
+};
+
+}  // namespace jet

@@ -1,0 +1,94 @@
+// The log file: what its bytes mean.
+//
+// A log belongs to one state of one data file, the one that it began with, and tells what has been
+// done to it since. It is a header and any number of records, each record good only after the one
+// before it: its checksum is seeded with theirs.
+//
+//   header                            64 bytes
+//   0   8  "JetLog1" and a zero byte
+//   8   4  page size
+//   12  4  pages of the data file when the log began
+//   16  8  salt, another one for each log
+//   24  2  the data file's commit counter when the log began
+//   26  30 zeros
+//   56  8  checksum of the 56 bytes before
+//
+//   record
+//   0   4  length of the whole record
+//   4   4  kind: 1 an operation, 2 a mark
+//   8   8  number of the operation in this log, from 1 (mark: of the last one)
+//   16  4  operation: pages of the data file after it; mark: commit counter
+//   20  4  operation: number of page entries
+//   24     page entries
+//   end 8  checksum of everything before, seeded with the checksum before
+//
+//   page entry
+//   0   4  page
+//   4   2  base: 0 the page is in the log already, 1 its former bytes follow, 2 it was new and zero
+//   6   2  number of ranges
+//   8      base 1: the page as it was
+//          each range: u16 offset, u16 length, the new bytes
+//
+// A mark says: from here on everything above may be in the data file, and once all of it is, the
+// file's commit counter has this value.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "page/types.h"
+
+namespace jet {
+
+inline constexpr std::size_t kLogHeaderSize = 64;
+inline constexpr std::size_t kLogRecordHead = 24;
+inline constexpr std::size_t kLogChecksumSize = 8;
+inline constexpr std::size_t kLogEntryHead = 8;
+inline constexpr std::uint32_t kLargestLogRecord = 1U << 30;
+
+enum class LogRecordKind : std::uint32_t { kOperation = 1, kMark = 2 };
+enum class LogBase : std::uint16_t { kInLog = 0, kImage = 1, kZero = 2 };
+
+struct LogHeader {
+    std::uint32_t pageSize = 0;
+    std::uint32_t pageCount = 0;
+    std::uint64_t salt = 0;
+    std::uint16_t commitCounter = 0;
+};
+
+// Writes the 64 bytes at the end of `out` and gives their checksum, the seed of the first record.
+std::uint64_t AppendLogHeader(std::vector<std::byte>& out, const LogHeader& header);
+
+struct CheckedLogHeader {
+    LogHeader header;
+    std::uint64_t checksum = 0;
+};
+// Nothing when the bytes are no whole header of a log.
+std::optional<CheckedLogHeader> ParseLogHeader(Bytes bytes);
+
+struct PageChange {
+    PageNumber page;
+    bool fresh = false;  // made by this operation, `before` is all zeros
+    Bytes before;
+    Bytes after;
+};
+
+// Builds one record at the end of `out`, which is reused from record to record.
+class LogRecordWriter {
+public:
+    LogRecordWriter(std::vector<std::byte>& out, LogRecordKind kind, std::uint64_t operation,
+                    std::uint32_t value);
+    void AddPage(const PageChange& change, LogBase base);
+    // Completes the record and gives its checksum. kRecordTooLarge.
+    std::uint64_t Finish(std::uint64_t seed);
+
+private:
+    void AddRange(const PageChange& change, std::size_t begin, std::size_t end);
+
+    std::vector<std::byte>& out_;
+    std::size_t start_;
+    std::uint32_t entries_ = 0;
+};
+
+}  // namespace jet

@@ -1,0 +1,44 @@
+// Reads a log record by record, up to the first one that is not whole.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "jet/file.h"
+#include "page/log_format.h"
+
+namespace jet {
+
+class LogReader {
+public:
+    // Errors of reading are thrown on: a log that cannot be read is not an empty one.
+    explicit LogReader(File& log);
+
+    // Something lies there that is not the beginning of a log, torn or whole.
+    [[nodiscard]] bool IsUnknown() const { return unknown_; }
+    [[nodiscard]] bool HasHeader() const { return hasHeader_; }
+    [[nodiscard]] const LogHeader& Header() const { return header_; }
+
+    // Steps to the next record; false at the end of the good part.
+    bool Next();
+    [[nodiscard]] LogRecordKind Kind() const;
+    [[nodiscard]] std::uint32_t Value() const;  // pages after the operation, or the counter
+    [[nodiscard]] std::uint32_t EntryCount() const;
+    [[nodiscard]] Bytes Entries() const;
+
+    // The good part so far.
+    [[nodiscard]] std::uint64_t End() const { return end_; }
+    [[nodiscard]] std::uint64_t LastChecksum() const { return checksum_; }
+
+private:
+    File& log_;
+    std::uint64_t size_ = 0;
+    bool unknown_ = false;
+    bool hasHeader_ = false;
+    LogHeader header_;
+    std::uint64_t end_ = 0;
+    std::uint64_t checksum_ = 0;
+    std::vector<std::byte> record_;
+};
+
+}  // namespace jet

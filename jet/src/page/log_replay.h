@@ -1,0 +1,68 @@
+// Replays a log in memory: what the data file's pages are after it, and whether it belongs to the
+// data file at all.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include "jet/file.h"
+#include "page/format.h"
+#include "page/log_format.h"
+#include "page/log_reader.h"
+
+namespace jet {
+
+// Where a replayed log can be gone on with.
+struct LogPosition {
+    std::uint64_t end = 0;
+    std::uint64_t checksum = 0;
+    std::uint64_t operations = 0;
+    std::uint16_t lastCounter = 0;  // of the log's beginning or its last mark
+    std::vector<bool> logged;       // by page
+};
+
+class LogReplay {
+public:
+    struct LoggedPage {
+        std::vector<std::byte> image;     // after the last operation; empty: all zeros
+        std::vector<std::byte> inFile;    // as much of the page as the data file has
+        std::vector<std::uint8_t> known;  // bytes of inFile that the log explains
+    };
+
+    enum class Finding {
+        kNothing,  // no whole operation in it
+        kForeign,  // no log, or not one of this file in its present state
+        kPending,  // belongs to the file
+    };
+
+    LogReplay(File& dataFile, const Format& format, std::uint16_t commitCounter);
+
+    // kIo when either file cannot be read.
+    Finding Read(File& log);
+
+    [[nodiscard]] std::uint32_t PageCount() const { return pageCount_; }
+    [[nodiscard]] const LogPosition& Position() const { return position_; }
+    [[nodiscard]] const std::map<std::uint32_t, LoggedPage>& Pages() const { return pages_; }
+    // True when the data file holds all of it already.
+    [[nodiscard]] bool IsInFile() const;
+
+private:
+    bool Apply(const LogReader& reader);
+    bool ApplyOperation(const LogReader& reader);
+    LoggedPage* StartPage(PageNumber page, LogBase base, Bytes image);
+    static bool ApplyRange(LoggedPage& page, std::size_t pageSize, std::size_t offset, Bytes bytes);
+    [[nodiscard]] bool Belongs() const;
+
+    File& dataFile_;
+    const Format& format_;
+    std::uint16_t commitCounter_;
+    std::uint64_t dataSize_;
+    LogHeader header_;
+    bool counterFits_ = false;
+    std::uint32_t pageCount_ = 0;
+    LogPosition position_;
+    std::map<std::uint32_t, LoggedPage> pages_;
+};
+
+}  // namespace jet

@@ -1,0 +1,141 @@
+// Opening and creating: the checks, the lock, and what an interrupted run left behind.
+#include <algorithm>
+#include <vector>
+
+#include "jet/error.h"
+#include "page/bytes.h"
+#include "page/log_replay.h"
+#include "page/pager_impl.h"
+
+namespace jet {
+
+namespace {
+
+std::unique_ptr<File> OpenLocked(FileSystem& files, const std::filesystem::path& path,
+                                 OpenMode mode, bool exclusive) {
+    auto file = files.Open(path, mode);
+    if (!file->TryLock(exclusive)) {
+        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
+    }
+    return file;
+}
+
+FileHeader ReadHeaderOf(File& file) {
+    std::vector<std::byte> prefix(
+        static_cast<std::size_t>(std::min<std::uint64_t>(file.Size(), kHeaderPrefix)));
+    file.Read(0, prefix);
+    return ReadFileHeader(prefix);
+}
+
+std::uint16_t ReadCounterOf(File& file, const Format& format) {
+    std::vector<std::byte> page(format.pageSize);
+    if (file.Size() < page.size()) ThrowDamaged("The file is damaged: it has been cut off.");
+    file.Read(0, page);
+    return ReadCommitCounter(page, format);
+}
+
+void CheckLength(std::uint64_t size, const Format& format) {
+    const std::uint64_t pages = size / format.pageSize;
+    if (size % format.pageSize != 0 || pages < kSmallestPageCount) {
+        ThrowDamaged("The file is damaged: it has been cut off.");
+    }
+    if (pages > LargestPageCount(format)) {
+        ThrowDamaged("The file is damaged: it is longer than its format allows.");
+    }
+}
+
+// A log that does not belong here may belong to another copy of the file, so it is kept, under a
+// name that no opening looks for.
+void SetAside(FileSystem& files, const std::filesystem::path& log) {
+    std::filesystem::path aside = log;
+    aside += "-old";
+    for (int number = 2; files.Exists(aside) && number < 100; ++number) {
+        aside = log;
+        aside += "-old" + std::to_string(number);
+    }
+    files.Rename(log, aside);
+}
+
+struct FoundLog {
+    LogReplay::Finding finding = LogReplay::Finding::kNothing;
+    std::unique_ptr<LogReplay> replay;
+};
+
+FoundLog LookForLog(FileSystem& files, const std::filesystem::path& log, File& dataFile,
+                    const Format& format, std::uint16_t counter) {
+    FoundLog found;
+    if (!files.Exists(log)) return found;
+    const auto file = files.Open(log, OpenMode::kReadOnly);
+    found.replay = std::make_unique<LogReplay>(dataFile, format, counter);
+    found.finding = found.replay->Read(*file);
+    return found;
+}
+
+}  // namespace
+
+std::filesystem::path LogPath(const std::filesystem::path& dataFile) {
+    std::filesystem::path log = dataFile;
+    log += "-log";
+    return log;
+}
+
+std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::path& path,
+                                   const OpenOptions& options, Recovery& recovery) {
+    using Finding = LogReplay::Finding;
+    recovery = {};
+    const std::filesystem::path resolved = files.Resolve(path);
+    const std::filesystem::path log = LogPath(resolved);
+    auto file =
+        OpenLocked(files, resolved, options.readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite,
+                   options.exclusive || !options.readOnly);
+    const FileHeader header = ReadHeaderOf(*file);
+    const Format& format = FormatOf(header.version);
+    const std::uint16_t counter = ReadCounterOf(*file, format);
+    const FoundLog found = LookForLog(files, log, *file, format, counter);
+    const bool pending = found.finding == Finding::kPending;
+    const std::uint64_t size = file->Size();
+    CheckLength(pending ? std::uint64_t{found.replay->PageCount()} * format.pageSize : size,
+                format);
+    recovery.foreignLogIgnored = found.finding == Finding::kForeign;
+    if (options.readOnly && pending && !found.replay->IsInFile()) {
+        throw Error(ErrorKind::kReadOnly,
+                    "The file was not closed properly; it must be opened for writing once.");
+    }
+
+    auto impl = std::make_unique<Impl>(files, resolved, std::move(file), format, options.readOnly);
+    impl->header = header;
+    impl->Start(static_cast<std::uint32_t>(size / format.pageSize), counter);
+    if (!options.readOnly) {
+        if (recovery.foreignLogIgnored) SetAside(files, log);
+        impl->Log().Prepare();
+        if (pending) {
+            recovery.applied = !found.replay->IsInFile();
+            recovery.operations = found.replay->Position().operations;
+            impl->Recover(*found.replay);
+        }
+    }
+    return std::make_unique<Pager>(std::move(impl));
+}
+
+std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::path& path,
+                                     Version version) {
+    auto file = OpenLocked(files, path, OpenMode::kCreateNew, true);
+    const std::filesystem::path resolved = files.Resolve(path);
+    const Format& format = FormatOf(version);
+    if (files.Exists(LogPath(resolved))) SetAside(files, LogPath(resolved));
+    auto pager = std::make_unique<Pager>(
+        std::make_unique<Impl>(files, resolved, std::move(file), format, false));
+    // Also carries the new file's own place in the folder through a power cut.
+    pager->impl_->Log().Prepare();
+    Operation operation(*pager);
+    pager->Extend(PageNumber{1});
+    WriteFileHeader(pager->Change(PageNumber{0}), version);
+    WriteGlobalMapsPage(pager->Change(PageNumber{1}), format);
+    pager->impl_->header = ReadFileHeader(pager->Page(PageNumber{0}).Data());
+    pager->impl_->Start(0, ReadCommitCounter(pager->Page(PageNumber{0}).Data(), format));
+    pager->impl_->pageCount = 2;
+    operation.Commit();
+    return pager;
+}
+
+}  // namespace jet
