@@ -26,9 +26,13 @@ constexpr int kHelpContextId = 1;
 // The client area for which the sizes below are meant; on a larger one everything grows with it.
 constexpr double kDesignWidth = 800;
 constexpr double kDesignHeight = 560;
-constexpr double kLargestScale = 1.7;
-constexpr int kColumnWidth = 740;
-constexpr int kBanner = 120;
+constexpr double kSmallestScale = 0.7;
+constexpr double kLargestScale = 1.8;
+constexpr double kTitleSize = 2.9;
+constexpr double kTextSize = 1.15;
+constexpr int kColumnWidth = 764;
+constexpr int kColumnHeight = 300;
+constexpr int kBanner = 130;
 constexpr int kGap = 18;
 constexpr int kButtonHeight = 36;
 
@@ -70,12 +74,18 @@ void PaintBanner(QPainter& painter, const QRectF& area, const QPalette& palette)
     sky.setColorAt(0, accent.darker(165));
     sky.setColorAt(1, accent.darker(105));
     painter.fillRect(area, sky);
+    // The glow of the evening, or of a fire, behind the hills.
+    QRadialGradient glow(area.left() + 0.78 * area.width(), area.bottom(), 0.45 * area.width());
+    glow.setColorAt(0, QColor(255, 170, 80, 220));
+    glow.setColorAt(0.35, QColor(255, 130, 60, 110));
+    glow.setColorAt(1, QColor(255, 130, 60, 0));
+    painter.fillRect(area, glow);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     QColor hill = palette.color(QPalette::Window);
     for (const auto& [alpha, base, height, phase] :
          {std::array{0.14, 0.22, 0.5, 0.4}, std::array{0.24, 0.1, 0.42, 2.1},
-          std::array{1.0, -0.06, 0.34, 4.2}}) {
+          std::array{1.0, 0.02, 0.3, 4.2}}) {
         hill.setAlphaF(static_cast<float>(alpha));
         painter.setBrush(hill);
         painter.drawPath(Ridge(area, base, height, phase));
@@ -140,7 +150,7 @@ void frm0Start::BuildButtons() {
     auto* inside = new QVBoxLayout(pnlButtons_);
     inside->setContentsMargins(kGap, kGap, kGap, kGap);
     inside->addWidget(flbStart_);
-    inside->addSpacing(kGap);
+    inside->addSpacing(kGap / 2);
     inside->addStretch();
     cmdNew_ = AddButton(*inside, "cmdNew", tr("&New"), tr("New data file"),
                         "frm0Start.cmdNew_Click", &frm0Start::cmdNew_Click);
@@ -168,8 +178,8 @@ void frm0Start::ArrangeControls() {
     auto* panels = new QHBoxLayout(column_);
     panels->setContentsMargins(0, 0, 0, 0);
     panels->setSpacing(kGap);
-    panels->addWidget(pnlOverview_, 3);
-    panels->addWidget(pnlButtons_, 2);
+    panels->addWidget(pnlOverview_, 5);
+    panels->addWidget(pnlButtons_, 4);
     auto* centre = new QHBoxLayout;
     centre->addStretch(1);
     centre->addWidget(column_, 1000);
@@ -178,7 +188,7 @@ void frm0Start::ArrangeControls() {
     rows->setContentsMargins(kGap, 0, kGap, kGap / 2);
     rows->setSpacing(kGap);
     rows->addWidget(lblTitle_);
-    rows->addLayout(centre);
+    rows->addLayout(centre, 1000);
     rows->addStretch(1);
     rows->addWidget(lblCopyright_);
     // Hiding the panels leaves title and notice where they are.
@@ -235,16 +245,23 @@ void frm0Start::resizeEvent(QResizeEvent* event) {
 
 void frm0Start::FitToSize() {
     const double fitting = std::min(width() / kDesignWidth, height() / kDesignHeight);
-    const double scale = std::clamp(fitting, 1.0, kLargestScale);
-    Scale(*lblTitle_, 2.9 * scale, true);
-    Scale(*flbOverview_, 1.1 * scale);
-    Scale(*flbStart_, 1.1 * scale);
+    const double size = std::clamp(fitting, kSmallestScale, kLargestScale);
+    const double textSize = std::max(size, 1.0);  // small windows get less room, not small print
+    Scale(*lblTitle_, kTitleSize * textSize, true);
+    Scale(*flbOverview_, kTextSize * textSize);
+    Scale(*flbStart_, kTextSize * textSize);
+    Scale(*lblCopyright_, std::min(textSize, 1.3));
+    const auto pixels = [size](int designed) { return static_cast<int>(designed * size); };
     for (QPushButton* button : pnlButtons_->findChildren<QPushButton*>()) {
-        Scale(*button, 1.1 * scale);
-        button->setMinimumHeight(static_cast<int>(kButtonHeight * scale));
+        Scale(*button, kTextSize * textSize);
+        button->setMinimumHeight(pixels(kButtonHeight));
     }
-    column_->setMaximumWidth(static_cast<int>(kColumnWidth * scale));
-    lblTitle_->setFixedHeight(static_cast<int>(kBanner * std::min(fitting, kLargestScale)));
+    for (SSPanel* panel : {pnlOverview_, pnlButtons_}) {
+        const int inset = pixels(kGap);
+        panel->layout()->setContentsMargins(inset, inset, inset, inset);
+    }
+    column_->setMaximumSize(pixels(kColumnWidth), pixels(kColumnHeight));
+    lblTitle_->setFixedHeight(pixels(kBanner));
     const int columnLeft = std::max(0, (width() - 2 * kGap - column_->maximumWidth()) / 2);
     lblTitle_->setContentsMargins(columnLeft, 0, 0, lblTitle_->height() / 4);
 }
