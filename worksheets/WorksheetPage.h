@@ -24,6 +24,7 @@ protected:
         int index;         // of its tab and menu item
         const char* id;    // of the worksheet
         int helpContextId;
+        const char* loadName = nullptr;  // in its load entry, where that is another
     };
 
     WorksheetPage(WorksheetHost& host, QWidget* parent, Identity identity);

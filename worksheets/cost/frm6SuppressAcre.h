@@ -28,18 +28,21 @@ public:
 
 private:
     void Build();
+    void ConnectHandlers();
     void FormatCostGrid();
     void DisplayData();
     void ShowNextLowerBound(int row, float top);
     void ShowStored(int row, int col);
     [[nodiscard]] float Stored(int row, int col) const;
     void Store(int row, int col, float value);
+    void RequireStored(int row, int col);
+    void PutBack(int row, int col);
+    void ChooseZone();
     void cboFMZs_Click();
     void grdCosts_EnterCell();
     void grdCosts_BeforeEdit(int row, int col, bool* cancel);
     void grdCosts_ChangeEdit();
     void grdCosts_AfterEdit(int row, int col);
-    void grdCosts_EditCancelled(int row, int col);
 
     QComboBox* cboFMZs_ = nullptr;
     vsFlexGrid* grdCosts_ = nullptr;

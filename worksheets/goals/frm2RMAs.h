@@ -8,10 +8,10 @@
 
 #include "worksheets/WorksheetPage.h"
 
-class QLineEdit;
 class QListWidget;
 class QPlainTextEdit;
 class QPushButton;
+class TextBox;
 
 class frm2RMAs : public WorksheetPage {
     Q_OBJECT
@@ -28,12 +28,14 @@ public:
     void Update();
 
 private:
-    void Build();
+    QVBoxLayout* BuildList();
+    QVBoxLayout* BuildBoxes();
+    void ConnectHandlers();
     void LoadList();
     void ShowItem();
     void ShowNothing();
     void EnableBoxes(bool enabled);
-    [[nodiscard]] QString Explanation() const;
+    void AddEntry(const QString& heading, std::int32_t key);
     void lstRMAs_Click();
     void txtHeading_Change();
     void txtBody_Change();
@@ -43,7 +45,7 @@ private:
     QListWidget* lstRMAs_ = nullptr;
     QPushButton* cmdAdd_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;
-    QLineEdit* txtHeading_ = nullptr;
+    TextBox* txtHeading_ = nullptr;
     QPlainTextEdit* txtBody_ = nullptr;
     std::int32_t currentKey_ = 0;
     bool changed_ = false;

@@ -5,7 +5,6 @@
 // runs before another zone or location is shown.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 
@@ -34,20 +33,26 @@ public:
     void SaveChanges();
 
 private:
-    void Build();
+    enum class Stored { kAsBefore, kChanged, kRefused };  // refused: larger than the file can hold
+
+    void BuildChoices();
+    void BuildTable();
+    void ConnectHandlers();
     void SetupGrid();
     void ShowNVCTable();
     void ShowTotals();
-    void StoreCell(int row, int col, const QString& text);
+    void ShowTotal(int level, double total);
+    void SettleCell(int row, int col);
+    Stored StoreCell(int row, int col, const QString& text);
     void ChooseZone();
     void ChooseLocation();
+    void RestoreChoices();
     void cboFMZs_Click();
     void cboRepLocs_Click();
     void grdNVC_EnterCell();
     void grdNVC_BeforeEdit(int row, int col, bool* cancel);
     void grdNVC_KeyPressEdit(int row, int col, QChar key);
     void grdNVC_KeyUpEdit(int row, int col);
-    void grdNVC_AfterEdit(int row, int col);
 
     QComboBox* cboFMZs_ = nullptr;
     QComboBox* cboRepLocs_ = nullptr;

@@ -5,6 +5,8 @@
 // differ; additions and deletions are in the file at once.
 #pragma once
 
+#include <cstdint>
+
 #include "worksheets/WorksheetPage.h"
 #include "worksheets/resources/SRDataSource.h"
 
@@ -30,13 +32,16 @@ public:
 
 private:
     void Build();
+    void BuildSource();
     void FormatGrid();
     void LoadGrid();
     void MoveRow(int from, int to);
     void SaveRow(int row);
-    void RestoreNumber(int row);
+    void LoadRow(int row);
+    void RequireCost(int row);
+    [[nodiscard]] std::int32_t Number(int row) const;
     void grdMasterList_EnterCell();
-    void grdMasterList_BeforeEdit(int row, int col, bool* cancel);
+    void grdMasterList_BeforeEdit(int row, int col);
     void grdMasterList_AfterEdit(int row, int col);
     void txtSource_Change();
     void cmdAdd_Click();
@@ -47,5 +52,5 @@ private:
     QPushButton* cmdAdd_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;
     SRDataSource source_;
-    QString numberBeforeEdit_;
+    QString textBeforeEdit_;
 };

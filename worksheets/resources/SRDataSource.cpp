@@ -1,0 +1,33 @@
+#include "worksheets/resources/SRDataSource.h"
+
+#include "datafile/PrepProperties.h"
+
+namespace {
+
+const QString kProperty = QStringLiteral("SRDataSource");
+
+}  // namespace
+
+const QString& SRDataSource::Get() {
+    if (value_.isEmpty() && !changed_) {
+        value_ = PrepProperties::GetProperty(kProperty);
+    }
+    return value_;
+}
+
+void SRDataSource::Let(const QString& value) {
+    value_ = value;
+    changed_ = true;
+    savePending_ = true;
+}
+
+void SRDataSource::Save() {
+    if (!savePending_) {
+        return;
+    }
+    if (changed_) {
+        PrepProperties::SetProperty(kProperty, value_);
+        changed_ = false;
+    }
+    savePending_ = false;
+}

@@ -1,0 +1,218 @@
+#include "worksheets/resources/frm3SRMasterAdd.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include <optional>
+
+#include "platform/EventTrap.h"
+#include "platform/RuntimeError.h"
+#include "platform/controls/vsFlexGrid.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/help/HelpViewer.h"
+#include "platform/system/Host.h"
+#include "platform/text/Numbers.h"
+#include "shell/u91Trace.h"
+#include "worksheets/TextBox.h"
+#include "worksheets/WorksheetPage.h"
+#include "worksheets/resources/KeyFilters.h"
+#include "worksheets/resources/ResourceColumns.h"
+#include "worksheets/resources/ResourceRecords.h"
+#include "worksheets/resources/RowOrder.h"
+
+using platform::EventTrap::Trapped;
+using namespace ResourceColumns;
+
+namespace {
+
+constexpr int kSelectedAtEntry = 5;  // characters
+constexpr int kHelpContextId = 31;
+constexpr int kNarrowBox = 120;  // pixels
+
+void Trace(const QString& text) {
+    u91Trace::Procedure(text);
+}
+
+std::optional<float> CostFromText(const QString& text) {
+    try {
+        return platform::CSng(text);
+    } catch (const platform::RuntimeError&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+frm3SRMasterAdd::frm3SRMasterAdd(vsFlexGrid& list, QWidget& frame) : QDialog(&frame), list_(list) {
+    u91Trace::FormLoad(QStringLiteral("frm3SRMasterAdd"));
+    setObjectName(QStringLiteral("frm3SRMasterAdd"));
+    setWindowTitle(tr("Add Suppression Resource"));
+    setModal(true);
+    platform::SetHelpContextId(*this, kHelpContextId);
+    auto* rows = new QGridLayout(this);
+    rows->setColumnStretch(2, 1);
+    BuildTexts(*rows);
+    ConnectHandlers();
+    adjustSize();
+    platform::PlaceOver(*this, frame);
+}
+
+TextBox* frm3SRMasterAdd::AddBox(QGridLayout& rows, int row, const char* name, const QString& label,
+                                 int length) {
+    auto* box = new TextBox(this);
+    PageParts::Name(*box, name, label.simplified());
+    box->setMaxLength(length);
+    QLabel* text = PageParts::Label(this, (QByteArray("lbl") + (name + 3)).constData(), label);
+    text->setBuddy(box);
+    rows.addWidget(text, row, 0);
+    rows.addWidget(box, row, 1);
+    return box;
+}
+
+void frm3SRMasterAdd::BuildTexts(QGridLayout& rows) {
+    txtResourceName_ = AddBox(rows, 0, "txtResourceName", tr("Resource Name"), 50);
+    rows.addWidget(txtResourceName_, 0, 1, 1, 2);
+    txtResourceName_->setMinimumWidth(3 * kNarrowBox);
+    txtShortName_ = AddBox(rows, 1, "txtShortName", tr("Short Name"), 20);
+    BuildCostMeasure(rows);
+    txtUnits_ = AddBox(rows, 4, "txtUnits", tr("Units"), 10);
+    rows.addWidget(PageParts::Label(this, "lblUnitsHint", tr("(hours, shifts, days, loads, etc.)")),
+                   4, 2);
+    txtCost_ = AddBox(rows, 5, "txtCost", tr("Cost  $"), 5);
+    txtPosition_ = AddBox(rows, 6, "txtPosition", tr("Position in List"), 4);
+    for (TextBox* box : {txtShortName_, txtUnits_, txtCost_, txtPosition_}) {
+        box->setMinimumWidth(kNarrowBox);
+    }
+    BuildButtons(rows);
+}
+
+void frm3SRMasterAdd::BuildCostMeasure(QGridLayout& rows) {
+    rows.addWidget(PageParts::Label(this, "lblMeasure", tr("How is cost measured?")), 2, 0);
+    optTime_ = new QRadioButton(tr("Per time unit"), this);
+    optItem_ = new QRadioButton(tr("Per item"), this);
+    PageParts::Name(*optTime_, "optTime", tr("Cost per time unit"));
+    PageParts::Name(*optItem_, "optItem", tr("Cost per item"));
+    optTime_->setChecked(true);
+    rows.addWidget(optTime_, 2, 1);
+    rows.addWidget(PageParts::Label(this, "lblTimeExample", tr("Example: Engine cost per day")), 2,
+                   2);
+    rows.addWidget(optItem_, 3, 1);
+    rows.addWidget(PageParts::Label(this, "lblItemExample", tr("Example: Retardant cost per load")),
+                   3, 2);
+}
+
+void frm3SRMasterAdd::BuildButtons(QGridLayout& rows) {
+    cmdOK_ = new QPushButton(tr("&OK"), this);
+    cmdCancel_ = new QPushButton(tr("&Cancel"), this);
+    PageParts::Name(*cmdOK_, "cmdOK", tr("OK"));
+    PageParts::Name(*cmdCancel_, "cmdCancel", tr("Cancel"));
+    cmdOK_->setDefault(true);
+    cmdOK_->setEnabled(false);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(cmdOK_);
+    buttons->addWidget(cmdCancel_);
+    rows.addLayout(buttons, 7, 0, 1, 3);
+}
+
+void frm3SRMasterAdd::ConnectHandlers() {
+    for (TextBox* box : {txtResourceName_, txtShortName_, txtUnits_, txtCost_, txtPosition_}) {
+        ConnectBox(box);
+    }
+    for (TextBox* box : {txtCost_, txtPosition_}) {
+        box->SetKeyFilter([](const QString& typed) { return KeyFilters::TakesDigits(typed); });
+    }
+    for (QRadioButton* option : {optTime_, optItem_}) {
+        const QString entry = QStringLiteral("frm3SRMasterAdd.%1_Click").arg(option->objectName());
+        connect(option, &QRadioButton::clicked, this,
+                Trapped("frm3SRMasterAdd.optTime_Click", [entry](bool) { Trace(entry); }));
+    }
+    connect(cmdOK_, &QPushButton::clicked, this,
+            Trapped("frm3SRMasterAdd.cmdOK_Click", [this](bool) { cmdOK_Click(); }));
+    connect(cmdCancel_, &QPushButton::clicked, this,
+            Trapped("frm3SRMasterAdd.cmdCancel_Click", [this](bool) { cmdCancel_Click(); }));
+}
+
+void frm3SRMasterAdd::ConnectBox(TextBox* box) {
+    const QString name = QStringLiteral("frm3SRMasterAdd.") + box->objectName();
+    const bool holdsNumber = box == txtCost_ || box == txtPosition_;
+    connect(box, &TextBox::GotFocus, this,
+            Trapped("frm3SRMasterAdd.GotFocus", [box, name, holdsNumber] {
+                Trace(name + QStringLiteral("_GotFocus"));
+                if (holdsNumber) {
+                    box->setSelection(0, kSelectedAtEntry);
+                }
+            }));
+    if (box != txtPosition_) {
+        connect(box, &TextBox::textChanged, this,
+                Trapped("frm3SRMasterAdd.Change", [this, name](const QString&) {
+                    Trace(name + QStringLiteral("_Change"));
+                    EnableOK();
+                }));
+    }
+}
+
+void frm3SRMasterAdd::SetPosition(int position) {
+    txtPosition_->setText(QString::number(position));
+}
+
+void frm3SRMasterAdd::EnableOK() {
+    bool complete = true;
+    for (const TextBox* box : {txtResourceName_, txtShortName_, txtUnits_, txtCost_}) {
+        complete = complete && !box->text().isEmpty();
+    }
+    cmdOK_->setEnabled(complete);
+}
+
+void frm3SRMasterAdd::cmdOK_Click() {
+    Trace(QStringLiteral("cmdOK_Click"));
+    const std::optional<float> cost = CostFromText(txtCost_->text());
+    if (!cost) {
+        platform::MsgBox(tr("The cost must be a number."),
+                         {.icon = platform::MsgIcon::kExclamation});
+        txtCost_->setFocus();
+        return;
+    }
+    Resource resource;
+    resource.longName = txtResourceName_->text();
+    resource.shortName = txtShortName_->text();
+    resource.units = txtUnits_->text();
+    resource.cost = *cost;
+    const bool perTime = optTime_->isChecked();
+    resource.key =
+        ResourceRecords::Add(resource, perTime ? QStringLiteral("time") : QStringLiteral("item"));
+    InsertRow(resource);
+    accept();
+}
+
+// Cells are set one by one: a name may hold a tab character.
+void frm3SRMasterAdd::InsertRow(const Resource& resource) {
+    const int place = RowOrder::NewPlace(txtPosition_->text(), list_.Rows() - 1);
+    list_.AddItem(QString(), place);
+    list_.SetTextMatrix(place, kName, resource.longName);
+    list_.SetTextMatrix(place, kShortName, resource.shortName);
+    list_.SetTextMatrix(place, kUnits, resource.units);
+    list_.SetTextMatrix(place, kCost, platform::Str(resource.cost));
+    list_.SetTextMatrix(place, kKey, platform::Str(resource.key));
+    for (int row = place; row < list_.Rows(); ++row) {
+        list_.SetTextMatrix(row, kNumber, QString::number(row));
+    }
+    list_.Select(place, kName);
+}
+
+void frm3SRMasterAdd::cmdCancel_Click() {
+    Trace(QStringLiteral("cmdCancel_Click"));
+    QDialog::reject();
+}
+
+// Esc and the close button.
+void frm3SRMasterAdd::reject() {
+    cmdCancel_->click();
+}
+
+void frm3SRMasterAdd::Unload() {
+    u91Trace::FormUnload(objectName());
+}

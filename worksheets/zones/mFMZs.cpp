@@ -1,0 +1,48 @@
+#include "worksheets/zones/mFMZs.h"
+
+#include <QComboBox>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+#include "datafile/FieldReaders.h"
+#include "datafile/PrepDatatables.h"
+#include "shell/u91Trace.h"
+
+using PrepDatatables::tblFMZList;
+
+namespace {
+
+// Far more than the keys of a zone can tell apart; a damaged count must not fill the memory.
+constexpr std::int32_t kMostLocations = 9999;
+
+}  // namespace
+
+namespace mFMZs {
+
+void LoadFMZs(QComboBox& box) {
+    u91Trace::Procedure(QStringLiteral("LoadFMZs"));
+    const QSignalBlocker blocker(box);
+    box.clear();
+    if (tblFMZList->RecordCount() == 0) {
+        return;
+    }
+    for (tblFMZList->MoveFirst(); !tblFMZList->EndOfFile(); tblFMZList->MoveNext()) {
+        box.addItem(tblFMZList->Text(QStringLiteral("Name")),
+                    tblFMZList->Long(QStringLiteral("Key")));
+    }
+}
+
+void LoadRepLocs(QComboBox& box, std::int32_t zoneKey) {
+    u91Trace::Procedure(QStringLiteral("LoadRepLocs"));
+    const QSignalBlocker blocker(box);
+    tblFMZList->Seek("=", {zoneKey});
+    const std::int32_t stored = FieldReaders::LongField(*tblFMZList, QStringLiteral("RLCount"));
+    box.clear();
+    const std::int32_t locations = std::min(stored, kMostLocations);
+    for (std::int32_t location = 1; location <= locations; ++location) {
+        box.addItem(QString::number(location));
+    }
+}
+
+}  // namespace mFMZs
