@@ -161,9 +161,24 @@ void frm2RMAs::EnableBoxes(bool enabled) {
 
 void frm2RMAs::lstRMAs_Click() {
     Trace(QStringLiteral("lstRMAs_Click ") + lstRMAs_->currentItem()->text());
-    Update();
+    try {
+        Update();
+    } catch (...) {
+        SelectShown();
+        throw;
+    }
     currentKey_ = lstRMAs_->currentItem()->data(Qt::UserRole).toInt();
     ShowItem();
+}
+
+// An area that cannot be saved stays in the boxes; the list then goes back to it.
+void frm2RMAs::SelectShown() {
+    const QSignalBlocker blocker(lstRMAs_);
+    for (int row = 0; row < lstRMAs_->count(); ++row) {
+        if (lstRMAs_->item(row)->data(Qt::UserRole).toInt() == currentKey_) {
+            lstRMAs_->setCurrentRow(row);
+        }
+    }
 }
 
 void frm2RMAs::txtHeading_Change() {

@@ -34,6 +34,7 @@ private:
     void LoadList();
     void ShowItem();
     void ShowNothing();
+    void SelectShown();
     void EnableBoxes(bool enabled);
     void AddEntry(const QString& heading, std::int32_t key);
     void lstRMAs_Click();

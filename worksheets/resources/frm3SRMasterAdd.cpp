@@ -171,8 +171,9 @@ void frm3SRMasterAdd::cmdOK_Click() {
     Trace(QStringLiteral("cmdOK_Click"));
     const std::optional<float> cost = CostFromText(txtCost_->text());
     if (!cost) {
-        platform::MsgBox(tr("The cost must be a number."),
-                         {.icon = platform::MsgIcon::kExclamation});
+        platform::MsgOptions options;
+        options.icon = platform::MsgIcon::kExclamation;
+        platform::MsgBox(tr("The cost must be a number."), options);
         txtCost_->setFocus();
         return;
     }

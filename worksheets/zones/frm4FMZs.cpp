@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -10,13 +11,13 @@
 
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
+#include "import/ImportProgressBox.h"
 #include "import/mImport.h"
 #include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/text/Numbers.h"
 #include "shell/u91Trace.h"
 #include "worksheets/GridParts.h"
-#include "worksheets/zones/ImportProgressBox.h"
 #include "worksheets/zones/ZoneRecords.h"
 
 using platform::EventTrap::Trapped;
