@@ -1,0 +1,312 @@
+// New, open, conversion, refusal and close.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include <memory>
+
+#include "data_file_fixture.h"
+#include "datafile/PrepProperties.h"
+#include "datafile/frmFCDName.h"
+#include "support/Answers.h"
+#include "support/Corpus.h"
+
+using PrepDatatables::tblFMZList;
+using PrepDatatables::tblManagementGoals;
+using PrepDatatables::tblNVCPerAcre;
+using PrepDatatables::tblNVCResources;
+using PrepDatatables::tblProperties;
+
+namespace {
+
+const QString kNotPrepFile =
+    QStringLiteral("The file does not appear to be a TARN Prep file.  It cannot be opened.");
+const QString kIncompatible = QStringLiteral(
+    "This file uses an incompatible format and cannot be opened using TARN Prep 03.");
+
+class LifeTest : public DataFileTest {
+protected:
+    QString CopyOfMade(const QString& name) {
+        const QString path = folder_.CostsPath(name);
+        support::Copy(support::MadeFile(name), path);
+        return path;
+    }
+    void ExpectRefused(const QString& path, const QString& text) {
+        SCOPED_TRACE(path.toStdString());
+        const QByteArray before = support::Bytes(path);
+        const support::Answers answers;
+        EXPECT_FALSE(PrepDatafile::OpenDatatables(path) && PrepDatatables::OpenRecordsets());
+        ASSERT_FALSE(answers.Messages().empty());
+        EXPECT_EQ(answers.Messages().front().text, text);
+        EXPECT_EQ(answers.Messages().front().buttons, QMessageBox::Ok);
+        EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+        EXPECT_FALSE(PrepDatatables::dbDatafile);
+        EXPECT_FALSE(tblProperties);
+        EXPECT_EQ(support::Bytes(path), before);
+        EXPECT_EQ(QDir(QFileInfo(path).path()).entryList({QStringLiteral("*-log")}), QStringList());
+    }
+    // Plays the naming dialog: the unit's identifier is typed, then OK is pressed.
+    static void NameUnit(QWidget& dialog, const QString& id) {
+        QTest::keyClicks(dialog.findChild<QLineEdit*>(QStringLiteral("txtUnitID")), id);
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+    }
+    static void Choose(QWidget& dialog, const QString& path) {
+        auto* files = qobject_cast<QFileDialog*>(&dialog);
+        ASSERT_NE(files, nullptr);
+        files->selectFile(path);
+        QMetaObject::invokeMethod(files, "accept");
+    }
+};
+
+TEST(FileTitleFromPath, AnyPath_IsWhatFollowsTheLastSeparator) {
+    EXPECT_EQ(PrepDatafile::FileTitleFromPath(QString()), QString());
+    EXPECT_EQ(PrepDatafile::FileTitleFromPath(QStringLiteral("A.FCD")), QStringLiteral("A.FCD"));
+    EXPECT_EQ(PrepDatafile::FileTitleFromPath(QStringLiteral("C:\\Costs\\A.FCD")),
+              QStringLiteral("A.FCD"));
+    EXPECT_EQ(PrepDatafile::FileTitleFromPath(QStringLiteral("/x/y z/A.FCD")),
+              QStringLiteral("A.FCD"));
+    EXPECT_EQ(PrepDatafile::FileTitleFromPath(QStringLiteral("Costs\\")), QString());
+}
+
+TEST_F(LifeTest, OpenDatatables_TheTemplate_HasSevenTablesAndFourteenNames) {
+    OpenNewFile();
+    EXPECT_TRUE(PrepDatafile::IsDatafileOpen());
+    EXPECT_EQ(PrepDatafile::CurrentFileName(), QStringLiteral("GPFWA26.FCD"));
+    EXPECT_EQ(PrepDatafile::CurrentPath(), folder_.CostsPath(QStringLiteral("GPFWA26.FCD")));
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("DataFormatID")),
+              QStringLiteral("4.01.01"));
+    EXPECT_EQ(tblNVCResources->RecordCount(), 14);
+    tblNVCResources->Seek("=", {14});
+    EXPECT_EQ(tblNVCResources->Text(QStringLiteral("ResourceName")),
+              QStringLiteral("Improvements"));
+    EXPECT_EQ(tblFMZList->RecordCount(), 0);
+    EXPECT_EQ(tblManagementGoals->RecordCount(), 0);
+}
+
+TEST_F(LifeTest, OpenAndClose_WithoutAChange_LeavesTheFileByteForByte) {
+    const QString path = NewFile();
+    const QByteArray before = support::Bytes(path);
+    OpenFile(path);
+    PrepDatafile::CloseDatafile();
+    EXPECT_EQ(support::Bytes(path), before);
+}
+
+TEST_F(LifeTest, OpenAndClose_Trace_ReadsToTheLetter) {
+    const QString path = NewFile();
+    OpenFile(path);
+    PrepDatafile::CloseDatafile();
+    EXPECT_EQ(folder_.Trace(),
+              QStringList({QStringLiteral("   PrepDatafile.OpenDatatables ") + path,
+                           QStringLiteral("   OpenRecordsets"),
+                           QStringLiteral("   PrepDatafile.CloseDatafile")}));
+}
+
+TEST_F(LifeTest, TablesOfNoFile_AreAnErrorNotACrash) {
+    EXPECT_THROW((void)tblFMZList->RecordCount(), platform::RuntimeError);
+    EXPECT_THROW(PrepProperties::SetProperty(QStringLiteral("a"), QStringLiteral("b")),
+                 platform::RuntimeError);
+    EXPECT_THROW(PrepDatatables::OpenRecordsets(), platform::RuntimeError);
+    PrepDatafile::MakeDurable();
+}
+
+TEST_F(LifeTest, OpenDatatables_NoDatabase_IsRefusedUntouched) {
+    const QString text = folder_.CostsPath(QStringLiteral("notes.fcd"));
+    support::WriteBytes(text, "just some notes\r\n");
+    ExpectRefused(text, kNotPrepFile);
+    const QString empty = folder_.CostsPath(QStringLiteral("empty.fcd"));
+    support::WriteBytes(empty, {});
+    ExpectRefused(empty, kNotPrepFile);
+    const QString cut = folder_.CostsPath(QStringLiteral("cut.fcd"));
+    support::WriteBytes(cut, support::Bytes(folder_.Path(QStringLiteral("FCD.new"))).left(10000));
+    ExpectRefused(cut, kNotPrepFile);
+    EXPECT_TRUE(folder_.Trace().contains(
+        QStringLiteral("  Warning! PrepDatafile.OpenDatafile: Unsuccessful - unable to open")));
+}
+
+TEST_F(LifeTest, OpenDatatables_MissingFile_IsRefused) {
+    const support::Answers answers;
+    EXPECT_FALSE(PrepDatafile::OpenDatatables(QStringLiteral("\"/no such folder/in quotes.fcd\"")));
+    EXPECT_EQ(answers.Texts(), QStringList(kNotPrepFile));
+}
+
+TEST_F(LifeTest, OpenDatatables_FileInUse_IsRefused) {
+    const QString path = NewFile();
+    const auto other = dao::Database::Open(path, dao::OpenMode::kExclusive);
+    const support::Answers answers;
+    EXPECT_FALSE(PrepDatafile::OpenDatatables(path));
+    EXPECT_EQ(answers.Texts(), QStringList(kNotPrepFile));
+    other->Close();
+    EXPECT_TRUE(PrepDatafile::OpenDatatables(path));
+}
+
+TEST_F(LifeTest, OpenDatatables_FormatsOfOtherOrigin_AreTakenConvertedOrRefused) {
+    if (!support::HasCorpus()) {
+        GTEST_SKIP() << "the corpus is not here";
+    }
+    ExpectRefused(CopyOfMade(QStringLiteral("data-5.02.00.fcd")), kIncompatible);
+    ExpectRefused(CopyOfMade(QStringLiteral("data-noformat.fcd")), kIncompatible);
+    for (const char* name : {"data-4.01.01.fcd", "data-empty.fcd"}) {
+        const QString path = CopyOfMade(QString::fromLatin1(name));
+        const QByteArray before = support::Bytes(path);
+        OpenFile(path);
+        PrepDatafile::CloseDatafile();
+        EXPECT_EQ(support::Bytes(path), before) << name;
+    }
+    for (const char* name : {"data-4.00.00.fcd", "data-3.92.00.fcd", "data-3.00.00.fcd"}) {
+        SCOPED_TRACE(name);
+        const QString path = CopyOfMade(QString::fromLatin1(name));
+        OpenFile(path);
+        EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("DataFormatID")),
+                  QStringLiteral("4.01.01"));
+        PrepDatafile::CloseDatafile();
+        EXPECT_EQ(support::Complaints(path), QString());
+        const QByteArray converted = support::Bytes(path);
+        OpenFile(path);
+        PrepDatafile::CloseDatafile();
+        EXPECT_EQ(support::Bytes(path), converted) << "opening it again changes nothing";
+    }
+}
+
+TEST_F(LifeTest, Convert3to4_AddsGoalsWithCounterTextMemoAndKey) {
+    if (!support::HasCorpus()) {
+        GTEST_SKIP() << "the corpus is not here";
+    }
+    OpenFile(CopyOfMade(QStringLiteral("data-3.00.00.fcd")));
+    tblManagementGoals->AddNew();
+    tblManagementGoals->SetField(QStringLiteral("ManagementArea"), QString(100, u'x'));
+    tblManagementGoals->SetField(QStringLiteral("Explanation"), QString(5000, u'y'));
+    tblManagementGoals->Update();
+    tblManagementGoals->Seek("=", {1});
+    ASSERT_FALSE(tblManagementGoals->NoMatch());
+    EXPECT_EQ(tblManagementGoals->Text(QStringLiteral("Explanation")).size(), 5000);
+    tblManagementGoals->AddNew();
+    EXPECT_THROW(tblManagementGoals->SetField(QStringLiteral("ManagementArea"), QString(101, u'x')),
+                 platform::RuntimeError);
+    tblManagementGoals->CancelUpdate();
+}
+
+// A file that opening would have changed before it found a table missing.
+TEST_F(LifeTest, OpenDatatables_OlderFileWithoutATable_IsRefusedUntouched) {
+    const QString path = folder_.CostsPath(QStringLiteral("partial.fcd"));
+    support::Copy(folder_.Path(QStringLiteral("fcdname.dat")), path);
+    {
+        const auto units = dao::Database::Open(path, dao::OpenMode::kExclusive);
+        const auto properties = units->OpenTable(QStringLiteral("Properties"));
+        properties->AddNew();
+        properties->SetField(QStringLiteral("Property"), QStringLiteral("DataFormatID"));
+        properties->SetField(QStringLiteral("Value"), QStringLiteral("4.00.00"));
+        properties->Update();
+        units->Close();
+    }
+    ExpectRefused(path, kNotPrepFile);
+}
+
+TEST_F(LifeTest, OpenRecordsets_TableMissing_IsToldAndCloses) {
+    const QString path = folder_.CostsPath(QStringLiteral("partial.fcd"));
+    support::Copy(folder_.Path(QStringLiteral("fcdname.dat")), path);
+    {
+        const auto units = dao::Database::Open(path, dao::OpenMode::kExclusive);
+        const auto properties = units->OpenTable(QStringLiteral("Properties"));
+        properties->AddNew();
+        properties->SetField(QStringLiteral("Property"), QStringLiteral("DataFormatID"));
+        properties->SetField(QStringLiteral("Value"), QStringLiteral("4.01.01"));
+        properties->Update();
+        units->Close();
+    }
+    ExpectRefused(path, kNotPrepFile);
+}
+
+TEST_F(LifeTest, QueryNewDatafile_UnitChosen_MakesOpensAndNamesTheFile) {
+    support::Answers answers;
+    answers.Then([](QWidget& dialog) { NameUnit(dialog, QStringLiteral("gpf")); });
+    ASSERT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kOpened);
+    const QString year = QDate::currentDate().toString(QStringLiteral("yy"));
+    EXPECT_EQ(PrepDatafile::CurrentFileName(), QStringLiteral("GPFWA") + year + ".FCD");
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("UnitName")),
+              QStringLiteral("Gifford Pinchot National Forest '") + year);
+    EXPECT_TRUE(QFile::exists(folder_.CostsPath(PrepDatafile::CurrentFileName())));
+    EXPECT_EQ(host_.releases, 0) << "no file was open before";
+    PrepDatafile::CloseDatafile();
+    EXPECT_EQ(support::Complaints(PrepDatafile::CurrentPath()), QString());
+}
+
+TEST_F(LifeTest, QueryNewDatafile_Cancelled_ChangesNothingAndWritesProcedureLinesOnly) {
+    OpenNewFile();
+    folder_.ForgetTrace();
+    support::Answers answers;
+    answers.Then([](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kCancelled);
+    EXPECT_TRUE(PrepDatafile::IsDatafileOpen());
+    EXPECT_EQ(host_.releases, 0);
+    for (const QString& line : folder_.Trace()) {
+        EXPECT_FALSE(line.contains(QStringLiteral("Warning"))) << line.toStdString();
+    }
+}
+
+TEST_F(LifeTest, QueryNewDatafile_TemplateMissing_IsToldAfterTheFormerFileIsClosed) {
+    OpenNewFile();
+    QFile::remove(folder_.Path(QStringLiteral("FCD.new")));
+    support::Answers answers;
+    answers.Then([](QWidget& dialog) { NameUnit(dialog, QStringLiteral("GPF")); });
+    EXPECT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kFailed);
+    EXPECT_EQ(answers.Texts().last(),
+              QStringLiteral("Unable to create new TARN Prep file.\r\nSource file FCD.new is "
+                             "missing."));
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+    EXPECT_EQ(host_.releases, 1);
+    EXPECT_TRUE(host_.wasOpenAtRelease) << "the worksheet is let go before its file is closed";
+    EXPECT_EQ(host_.restarts, 0);
+}
+
+TEST_F(LifeTest, QueryNewDatafile_TargetInUseElsewhere_IsRefusedAndTheOtherKeepsItsFile) {
+    const QString year = QDate::currentDate().toString(QStringLiteral("yy"));
+    const QString path = NewFile(QStringLiteral("GPFWA%1.FCD").arg(year));
+    const auto other = dao::Database::Open(path, dao::OpenMode::kExclusive);
+    support::Answers answers({QMessageBox::Yes});
+    answers.Then([](QWidget& dialog) { NameUnit(dialog, QStringLiteral("GPF")); });
+    EXPECT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kFailed);
+    EXPECT_EQ(answers.Texts().last(), QStringLiteral("Unable to create new TARN Prep file."));
+    other->Close();
+    EXPECT_EQ(support::Bytes(path), support::Bytes(folder_.Path(QStringLiteral("FCD.new"))));
+}
+
+TEST_F(LifeTest, QueryOpenDatafile_AFile_ClosesTheFormerOneAfterTheChoice) {
+    OpenNewFile();
+    const QString second = NewFile(QStringLiteral("UMFOR26.FCD"));
+    support::Answers answers;
+    answers.Then([second](QWidget& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Open TARN Prep file"));
+        EXPECT_TRUE(PrepDatafile::IsDatafileOpen());
+        Choose(dialog, second);
+    });
+    EXPECT_EQ(PrepDatafile::QueryOpenDatafile(), PrepDatafile::kOpened);
+    EXPECT_EQ(PrepDatafile::CurrentFileName(), QStringLiteral("UMFOR26.FCD"));
+    EXPECT_EQ(host_.releases, 1);
+    EXPECT_TRUE(host_.wasOpenAtRelease);
+}
+
+TEST_F(LifeTest, QueryOpenDatafile_Refused_ReturnsToTheStartScreen) {
+    OpenNewFile();
+    const QString text = folder_.CostsPath(QStringLiteral("notes.fcd"));
+    support::WriteBytes(text, "notes");
+    support::Answers answers;
+    answers.Then([text](QWidget& dialog) { Choose(dialog, text); });
+    EXPECT_EQ(PrepDatafile::QueryOpenDatafile(), PrepDatafile::kFailed);
+    EXPECT_EQ(host_.restarts, 1);
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen()) << "a failure never returns to the former file";
+}
+
+TEST_F(LifeTest, QueryOpenDatafile_Cancelled_LeavesTheOpenFile) {
+    OpenNewFile();
+    support::Answers answers;
+    answers.Then([](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_EQ(PrepDatafile::QueryOpenDatafile(), PrepDatafile::kCancelled);
+    EXPECT_TRUE(PrepDatafile::IsDatafileOpen());
+    EXPECT_EQ(host_.releases, 0);
+}
+
+}  // namespace

@@ -1,0 +1,83 @@
+// Answers the message boxes that come up while a test runs, in order, and keeps what they said.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMessageBox>
+#include <QObject>
+#include <QPushButton>
+#include <QStringList>
+#include <QTimer>
+
+#include <deque>
+#include <functional>
+#include <utility>
+#include <vector>
+
+namespace support {
+
+struct Message {
+    QString title;
+    QString text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QMessageBox::StandardButtons buttons = QMessageBox::NoButton;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+};
+
+class Answers : public QObject {
+public:
+    // The buttons to press, one for each box; OK (or No) when there are more boxes than answers.
+    explicit Answers(std::deque<QMessageBox::StandardButton> buttons = {})
+        : buttons_(std::move(buttons)) {
+        QObject::connect(&timer_, &QTimer::timeout, this, [this] { Look(); });
+        timer_.start(1);
+    }
+
+    // What to do with a modal window that is no message box, once for each.
+    void Then(std::function<void(QWidget&)> step) { steps_.push_back(std::move(step)); }
+
+    [[nodiscard]] const std::vector<Message>& Messages() const { return messages_; }
+    [[nodiscard]] QStringList Texts() const {
+        QStringList texts;
+        for (const Message& message : messages_) {
+            texts << message.text;
+        }
+        return texts;
+    }
+
+private:
+    void Look() {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+            Press(*box);
+        } else if (modal != nullptr && modal->isVisible() && !steps_.empty()) {
+            const auto step = std::move(steps_.front());
+            steps_.pop_front();
+            step(*modal);
+        }
+    }
+    void Press(QMessageBox& box) {
+        auto* isDefault = box.defaultButton();
+        messages_.push_back(
+            {box.windowTitle(), box.text(), box.icon(), box.standardButtons(),
+             isDefault == nullptr ? QMessageBox::NoButton : box.standardButton(isDefault)});
+        QMessageBox::StandardButton answer =
+            (box.standardButtons() & QMessageBox::Ok) != 0 ? QMessageBox::Ok : QMessageBox::No;
+        if (!buttons_.empty()) {
+            answer = buttons_.front();
+            buttons_.pop_front();
+        }
+        QAbstractButton* button = box.button(answer);
+        ASSERT_NE(button, nullptr) << box.text().toStdString();
+        button->click();
+    }
+
+    QTimer timer_;
+    std::deque<QMessageBox::StandardButton> buttons_;
+    std::deque<std::function<void(QWidget&)>> steps_;
+    std::vector<Message> messages_;
+};
+
+}  // namespace support
