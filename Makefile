@@ -1,5 +1,5 @@
 # One-word commands for contributors; `make` alone builds.
-.PHONY: build check quick format bench fuzz package run tour clean
+.PHONY: build check quick format coverage bench fuzz package run tour pictures clean
 
 build:
 	tools/setup.sh build
@@ -19,11 +19,29 @@ tour:
 	tools/build.sh build program
 	tools/tour/play.sh
 
+pictures:
+	tools/setup.sh build
+	tools/build.sh build program
+	tools/tour/pictures.sh
+
+coverage:
+	tools/setup.sh test
+	tools/coverage.py
+
+bench:
+	tools/setup.sh test
+	tools/build.sh build-bench all -DTARN_BENCH=ON -DTARN_TESTS=OFF
+	for program in build-bench/bin/*_bench; do "$$program" || exit 1; done
+
+fuzz:
+	tools/setup.sh test
+	tools/fuzz.sh
+
 format:
 	python3 tools/gates/formatting.py --fix
 
 clean:
-	rm -rf build build-sanitize build-bench build-fuzz build-package
+	rm -rf build build-sanitize build-bench build-coverage build-fuzz build-package
 
 package:
 	packaging/build.sh

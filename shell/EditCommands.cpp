@@ -62,7 +62,7 @@ void RunOnText(std::int16_t command, const QString& selected, bool readOnly,
 
 namespace EditCommands {
 
-void Run(std::int16_t command, QWidget* activeControl) {
+void Execute(std::int16_t command, QWidget* activeControl) {
     if (command != kCut && command != kCopy && command != kPaste) {
         return;
     }

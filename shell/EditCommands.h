@@ -12,6 +12,6 @@ enum Command : std::int16_t { kCut = 2, kCopy = 3, kPaste = 4 };
 
 // Works on text boxes and grids, a grid's cell editor included; anything else is ignored, and so is
 // a control with nothing selected.
-void Run(std::int16_t command, QWidget* activeControl);
+void Execute(std::int16_t command, QWidget* activeControl);
 
 }  // namespace EditCommands

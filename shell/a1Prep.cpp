@@ -41,21 +41,31 @@ void EnableMenus(bool enabled) {
 
 namespace a1Prep {
 
+FirstSize FirstSizeFor(int screenHeight) {
+    if (screenHeight <= kTooLow) {
+        return FirstSize::kAsItIs;
+    }
+    return screenHeight <= kFrameHeight ? FirstSize::kMaximised : FirstSize::kWorkingSize;
+}
+
 void DisplayCheck(frm0_Prep& frame) {
     u91Trace::Procedure(QStringLiteral("a1Prep.DisplayCheck"));
-    const int screenHeight = platform::ScreenSize().height();
-    if (screenHeight <= kTooLow) {
-        platform::MsgBox(
-            QStringLiteral(
-                "This program is designed for display at 800 x 600 resolution or higher.") +
-            platform::kNewLine +
-            QStringLiteral("You may have difficulty using the program with your current display "
-                           "settings."));
-    } else if (screenHeight <= kFrameHeight) {
-        frame.Maximise();
-    } else {
-        frame.move(0, 0);
-        frame.resize(platform::ToPixels(kFrameWidth), platform::ToPixels(kFrameHeight));
+    switch (FirstSizeFor(platform::ScreenSize().height())) {
+        case FirstSize::kAsItIs:
+            platform::MsgBox(
+                QStringLiteral(
+                    "This program is designed for display at 800 x 600 resolution or higher.") +
+                platform::kNewLine +
+                QStringLiteral("You may have difficulty using the program with your current "
+                               "display settings."));
+            break;
+        case FirstSize::kMaximised:
+            frame.Maximise();
+            break;
+        case FirstSize::kWorkingSize:
+            frame.move(0, 0);
+            frame.resize(platform::ToPixels(kFrameWidth), platform::ToPixels(kFrameHeight));
+            break;
     }
 }
 

@@ -44,10 +44,10 @@ private:
     void cmdExit_Click();
 
     QLabel* lblTitle_;
-    SSPanel* pnlOverview_;
-    FLabel* flbOverview_;
-    SSPanel* pnlButtons_;
-    FLabel* flbStart_;
+    SSPanel* pnlOverview_ = nullptr;
+    FLabel* flbOverview_ = nullptr;
+    SSPanel* pnlButtons_ = nullptr;
+    FLabel* flbStart_ = nullptr;
     QPushButton* cmdNew_ = nullptr;
     QLabel* lblCopyright_;
     QWidget* column_;

@@ -155,7 +155,7 @@ void frm0_Prep::mnuStep_Click(std::int16_t index) {
 void frm0_Prep::mnuEdit_Click(std::int16_t index) {
     u91Trace::Procedure(
         QStringLiteral("mnuEdit_Click %1 %2").arg(a3PrepForms::WorksheetID()).arg(index));
-    EditCommands::Run(index, ActiveControl());
+    EditCommands::Execute(index, ActiveControl());
 }
 
 void frm0_Prep::mnuHelp_Click(std::int16_t index) {

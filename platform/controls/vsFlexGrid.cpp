@@ -237,8 +237,13 @@ void vsFlexGrid::RemoveItem(int row) {
     }
     FinishEdit();
     const Impl::Quiet quiet(*impl_);
+    const int col = Col();
+    const bool wasCurrent = row == Row();
     impl_->model->RemoveRow(row);
     EnsureCurrent();
+    if (wasCurrent && Rows() > FixedRows()) {
+        MoveTo(std::min(row, Rows() - 1), col, false);
+    }
 }
 
 void vsFlexGrid::SortNumericAscending(int col) {

@@ -8,7 +8,7 @@
 #include "datafile/DatafileHost.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
-#include "support/ProgramFolder.h"
+#include "support/BuiltProgramFolder.h"
 
 // Counts what opening and closing asks of the shell.
 class RecordingHost : public DatafileHost {

@@ -16,7 +16,7 @@
 #include "platform/controls/vsFlexGrid.h"
 #include "shell/UIMode.h"
 #include "support/Answers.h"
-#include "support/ProgramFolder.h"
+#include "support/BuiltProgramFolder.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "datafile/UnitFinder.h"
 #include "support/Corpus.h"
-#include "support/ProgramFolder.h"
+#include "support/BuiltProgramFolder.h"
 
 namespace {
 

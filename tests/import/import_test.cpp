@@ -17,7 +17,7 @@
 #include "platform/system/Host.h"
 #include "support/Answers.h"
 #include "support/Corpus.h"
-#include "support/ProgramFolder.h"
+#include "support/BuiltProgramFolder.h"
 
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;

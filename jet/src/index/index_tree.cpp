@@ -148,7 +148,7 @@ private:
 }  // namespace
 
 IndexTree::IndexTree(Pager& pager, PageNumber table, PageNumber root, UsageMap pages)
-    : pager_(&pager), table_(table), root_(root), pages_(std::move(pages)) {}
+    : pager_(&pager), table_(table), root_(root), pages_(pages) {}
 
 std::optional<IndexEntry> IndexTree::First() const {
     return FirstNotBelow({});

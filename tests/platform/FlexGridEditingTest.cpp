@@ -1,0 +1,364 @@
+// Playing the user in a grid whose cells are edited when they are entered.
+#include <QClipboard>
+#include <QGuiApplication>
+
+#include "FlexGridFixture.h"
+
+namespace {
+
+class FlexGridEditing : public FlexGridTest {
+protected:
+    void SetUp() override {
+        FlexGridTest::SetUp();
+        FillList();
+        EditOnEntering();
+        Show();
+    }
+};
+
+TEST_F(FlexGridEditing, Click_EntersAndEditsCell) {
+    ClickCell(2, 0);
+    EXPECT_EQ(Current(), Cell(2, 0));
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(grid_->EditText(), "East");
+    EXPECT_EQ(grid_->EditSelText(), "East");
+    EXPECT_EQ(TakeLog(), QStringList({"Enter 2 0", "Click"}));
+}
+
+TEST_F(FlexGridEditing, Click_OnCurrentCell_EntersIt) {
+    ClickCell(1, 0);
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(Current(), Cell(1, 0));
+}
+
+TEST_F(FlexGridEditing, Typing_ReportsEachKeyAroundItsChange) {
+    ClickCell(1, 0);
+    TakeLog();
+    Type("ab");
+    EXPECT_EQ(TakeLog(), QStringList({"Press a", "Change a", "Up 1 0 a", "Press b", "Change ab",
+                                      "Up 1 0 ab"}));
+    EXPECT_EQ(grid_->TextMatrix(1, 0), "North");
+}
+
+TEST_F(FlexGridEditing, Enter_StoresAndMovesDown) {
+    ClickCell(1, 0);
+    Type("x");
+    TakeLog();
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid_->TextMatrix(1, 0), "x");
+    EXPECT_EQ(Current(), Cell(2, 0));
+    EXPECT_TRUE(grid_->Editing());
+    // The release of the Enter key arrives in the next cell and means nothing there.
+    EXPECT_EQ(TakeLog(), QStringList({"After 1 0 x", "Enter 2 0"}));
+}
+
+TEST_F(FlexGridEditing, Enter_InLastRow_StoresAndStays) {
+    ClickCell(3, 0);
+    Type("x");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid_->TextMatrix(3, 0), "x");
+    EXPECT_EQ(Current(), Cell(3, 0));
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_TRUE(grid_->hasFocus());
+}
+
+TEST_F(FlexGridEditing, Tab_SkipsHiddenColumnsAndLeavesBehindLastCell) {
+    ClickCell(3, 1);
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Current(), Cell(3, 2));
+    Type("5");
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(grid_->TextMatrix(3, 2), "5");
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_TRUE(after_->hasFocus());
+}
+
+TEST_F(FlexGridEditing, Tab_AtRowsEnd_GoesToNextRow) {
+    ClickCell(1, 2);
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Current(), Cell(2, 0));
+    Key(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(Current(), Cell(1, 2));
+    EXPECT_TRUE(grid_->Editing());
+}
+
+TEST_F(FlexGridEditing, Backtab_InFirstCell_LeavesGrid) {
+    ClickCell(1, 0);
+    Key(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_TRUE(before_->hasFocus());
+    EXPECT_FALSE(grid_->Editing());
+}
+
+TEST_F(FlexGridEditing, ControlTab_LeavesGridFromAnyCell) {
+    ClickCell(2, 1);
+    Type("9");
+    Key(Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(grid_->TextMatrix(2, 1), "9");
+    EXPECT_TRUE(after_->hasFocus());
+}
+
+TEST_F(FlexGridEditing, TabIntoGrid_EntersCurrentCell) {
+    Key(Qt::Key_Tab);
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(TakeLog(), QStringList({"Enter 1 0"}));
+}
+
+TEST_F(FlexGridEditing, Arrows_EndEditAndMove) {
+    ClickCell(2, 1);
+    Type("8");
+    Key(Qt::Key_Down);
+    EXPECT_EQ(grid_->TextMatrix(2, 1), "8");
+    EXPECT_EQ(Current(), Cell(3, 1));
+    Key(Qt::Key_Up);
+    EXPECT_EQ(Current(), Cell(2, 1));
+    Key(Qt::Key_Right);
+    EXPECT_EQ(Current(), Cell(2, 2));
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Current(), Cell(2, 1));
+    EXPECT_TRUE(grid_->Editing());
+}
+
+TEST_F(FlexGridEditing, LeftAndRight_InsideText_MoveCursor) {
+    ClickCell(1, 1);
+    Type("12");
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Current(), Cell(1, 1));
+    Type("9");
+    EXPECT_EQ(grid_->EditText(), "192");
+    Key(Qt::Key_Right);
+    EXPECT_EQ(Current(), Cell(1, 1));
+    Key(Qt::Key_Right);
+    EXPECT_EQ(Current(), Cell(1, 2));
+    EXPECT_EQ(grid_->TextMatrix(1, 1), "192");
+}
+
+TEST_F(FlexGridEditing, DownInLastRow_KeepsEditOpen) {
+    ClickCell(3, 0);
+    Type("x");
+    Key(Qt::Key_Down);
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(grid_->EditText(), "x");
+}
+
+TEST_F(FlexGridEditing, ControlHomeAndEnd_GoToCorners) {
+    ClickCell(2, 1);
+    Key(Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(Current(), Cell(3, 2));
+    Key(Qt::Key_Home, Qt::ControlModifier);
+    EXPECT_EQ(Current(), Cell(1, 0));
+}
+
+TEST_F(FlexGridEditing, PageKeys_GoToFirstAndLastRowOfAShortGrid) {
+    ClickCell(2, 0);
+    Key(Qt::Key_PageDown);
+    EXPECT_EQ(Current(), Cell(3, 0));
+    Key(Qt::Key_PageUp);
+    EXPECT_EQ(Current(), Cell(1, 0));
+}
+
+TEST_F(FlexGridEditing, Escape_RestoresCellAndTells) {
+    ClickCell(1, 0);
+    Type("x");
+    // A form that stores at every keystroke has put the text into the cell already.
+    grid_->SetTextMatrix(1, 0, "x");
+    TakeLog();
+    Key(Qt::Key_Escape);
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_EQ(grid_->TextMatrix(1, 0), "North");
+    EXPECT_EQ(TakeLog(), QStringList({"Cancelled North"}));
+}
+
+TEST_F(FlexGridEditing, Escape_WithoutChange_TellsNothing) {
+    ClickCell(1, 0);
+    TakeLog();
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(TakeLog(), QStringList());
+    EXPECT_FALSE(grid_->Editing());
+}
+
+TEST_F(FlexGridEditing, F2_StartsEditAndThenPutsCursorBehindText) {
+    ClickCell(1, 0);
+    Key(Qt::Key_Escape);
+    Key(Qt::Key_F2);
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(grid_->EditSelText(), "North");
+    Key(Qt::Key_F2);
+    EXPECT_EQ(grid_->EditSelText(), "");
+    Type("!");
+    EXPECT_EQ(grid_->EditText(), "North!");
+}
+
+TEST_F(FlexGridEditing, TypingWithoutEdit_StartsOneWithThatKey) {
+    ClickCell(1, 0);
+    Key(Qt::Key_Escape);
+    TakeLog();
+    Type("z");
+    EXPECT_EQ(grid_->EditText(), "z");
+    EXPECT_EQ(TakeLog(), QStringList({"Enter 1 0", "Press z", "Change z", "Up 1 0 z"}));
+}
+
+TEST_F(FlexGridEditing, LossOfFocus_EndsEdit) {
+    ClickCell(1, 0);
+    Type("x");
+    QTest::mouseClick(window_.windowHandle(), Qt::LeftButton, {}, after_->geometry().center());
+    EXPECT_EQ(grid_->TextMatrix(1, 0), "x");
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_TRUE(after_->hasFocus());
+}
+
+TEST_F(FlexGridEditing, FocusToGridWhileEditing_GoesToEditor) {
+    ClickCell(1, 0);
+    Type("x");
+    grid_->setFocus();
+    EXPECT_TRUE(grid_->Editing());
+    Type("y");
+    EXPECT_EQ(grid_->EditText(), "xy");
+}
+
+TEST_F(FlexGridEditing, FinishEdit_StoresAtOnce) {
+    ClickCell(1, 0);
+    Type("x");
+    TakeLog();
+    grid_->FinishEdit();
+    EXPECT_EQ(TakeLog(), QStringList({"After 1 0 x"}));
+    EXPECT_FALSE(grid_->Editing());
+    grid_->FinishEdit();
+    EXPECT_EQ(TakeLog(), QStringList());
+}
+
+TEST_F(FlexGridEditing, KeyStillDownWhenEditEnds_IsReported) {
+    ClickCell(1, 0);
+    QTest::keyPress(window_.windowHandle(), 'x');
+    TakeLog();
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(TakeLog(), QStringList({"Up 1 0 x", "After 1 0 x", "Enter 1 1"}));
+}
+
+TEST_F(FlexGridEditing, SetEditSelText_CountsAsTyping) {
+    ClickCell(1, 0);
+    TakeLog();
+    grid_->SetEditSelText("pasted");
+    EXPECT_EQ(TakeLog(), QStringList({"Change pasted", "Up 1 0 pasted"}));
+    EXPECT_TRUE(grid_->Editing());
+}
+
+TEST_F(FlexGridEditing, ContextMenuPaste_CountsAsTyping) {
+    ClickCell(1, 1);
+    TakeLog();
+    QGuiApplication::clipboard()->setText("12\r\n");
+    grid_->findChild<QLineEdit*>()->paste();
+    EXPECT_EQ(TakeLog(), QStringList({"Change 12", "Up 1 1 12"}));
+}
+
+TEST_F(FlexGridEditing, MaxLength_LimitsTypingButNeverCutsWhatIsThere) {
+    grid_->SetEditMaxLength(3);
+    ClickCell(1, 0);
+    EXPECT_EQ(grid_->EditText(), "North");
+    Type("abcd");
+    EXPECT_EQ(grid_->EditText(), "abcd");
+    ClickCell(1, 1);
+    Type("1234");
+    EXPECT_EQ(grid_->EditText(), "123");
+}
+
+TEST_F(FlexGridEditing, BeforeEdit_CanRefuse) {
+    QObject::connect(grid_, &vsFlexGrid::BeforeEdit, grid_,
+                     [](int, int col, bool* cancel) { *cancel = col == 1; });
+    ClickCell(1, 1);
+    EXPECT_EQ(Current(), Cell(1, 1));
+    EXPECT_FALSE(grid_->Editing());
+    Type("5");
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_EQ(grid_->TextMatrix(1, 1), "1");
+    Key(Qt::Key_Tab);
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(Current(), Cell(1, 2));
+}
+
+TEST_F(FlexGridEditing, RemovedRow_TakesItsEditAlong) {
+    ClickCell(2, 0);
+    Type("x");
+    TakeLog();
+    grid_->RemoveItem(2);
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_EQ(TakeLog(), QStringList());
+    EXPECT_EQ(grid_->TextMatrix(2, 0), "South");
+    EXPECT_EQ(Current(), Cell(2, 0));
+}
+
+TEST_F(FlexGridEditing, NewRowMadeCurrent_IsEditedWithFocus) {
+    ClickCell(1, 1);
+    grid_->AddItem(QString());
+    grid_->SetRow(4);
+    grid_->SetTextMatrix(4, 1, "1");
+    grid_->SetCol(0);
+    grid_->setFocus();
+    EXPECT_EQ(Current(), Cell(4, 0));
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(grid_->TextMatrix(4, 1), "1");
+    Type("West");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid_->TextMatrix(4, 0), "West");
+}
+
+TEST_F(FlexGridEditing, SetTextMatrix_OfEditedCell_ShowsInEditor) {
+    ClickCell(1, 1);
+    grid_->SetTextMatrix(1, 1, "7");
+    EXPECT_EQ(grid_->EditText(), "7");
+    grid_->FinishEdit();
+    EXPECT_EQ(grid_->TextMatrix(1, 1), "7");
+}
+
+TEST_F(FlexGridEditing, AfterEdit_MaySortAndEnterStillMoves) {
+    QObject::connect(grid_, &vsFlexGrid::AfterEdit, grid_,
+                     [this](int, int) { grid_->SortNumericAscending(1); });
+    ClickCell(1, 1);
+    Type("9");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid_->TextMatrix(3, 0), "North");
+    EXPECT_EQ(grid_->RowData(3), 0);
+    EXPECT_EQ(Current(), Cell(2, 1));
+}
+
+TEST_F(FlexGridEditing, ScrollingWhileEditing_KeepsEditorOnItsCell) {
+    grid_->SetRows(100);
+    ClickCell(5, 0);
+    Type("x");
+    QTest::qWait(0);
+    const QRect rect = grid_->CellRect(60, 0);
+    EXPECT_TRUE(grid_->viewport()->rect().contains(rect.center()));
+    EXPECT_TRUE(grid_->Editing());
+    const QRect cell = grid_->CellRect(5, 0);
+    EXPECT_EQ(grid_->findChild<QLineEdit*>()->geometry(), cell);
+}
+
+TEST_F(FlexGridEditing, MenuBarFocus_KeepsEditAndSelection) {
+    ClickCell(1, 0);
+    auto* editor = grid_->findChild<QLineEdit*>();
+    QFocusEvent toMenu(QEvent::FocusOut, Qt::MenuBarFocusReason);
+    QApplication::sendEvent(editor, &toMenu);
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(grid_->EditSelText(), "North");
+}
+
+TEST_F(FlexGridEditing, EditorName_TellsHeadingAndRow) {
+    ClickCell(2, 2);
+    EXPECT_EQ(grid_->findChild<QLineEdit*>()->accessibleName(), "Cost, East");
+}
+
+TEST_F(FlexGridEditing, DestructionWhileEditing_TellsNothing) {
+    ClickCell(1, 0);
+    Type("x");
+    TakeLog();
+    delete grid_;
+    EXPECT_EQ(log_, QStringList());
+}
+
+TEST_F(FlexGridEditing, Undo_TakesTypingBack) {
+    ClickCell(1, 0);
+    Type("x");
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid_->EditText(), "North");
+}
+
+}  // namespace

@@ -1,0 +1,37 @@
+#include "shell/u13Folders.h"
+
+#include <gtest/gtest.h>
+
+#include "support/ProgramFolder.h"
+
+namespace {
+
+TEST(u13Folders, CostsPath_FolderExists_IsBelowTheProgramFolder) {
+    const ProgramFolder folder;
+    ASSERT_TRUE(QDir(folder.Path()).mkdir(QStringLiteral("Costs")));
+    EXPECT_EQ(u13Folders::CostsPath(), folder.Path(QStringLiteral("Costs")));
+    EXPECT_EQ(folder.Trace(), QStringList("   u13Folders.CostsPath"));
+}
+
+TEST(u13Folders, CostsPath_FolderInOtherCase_IsThatFolder) {
+    const ProgramFolder folder;
+    ASSERT_TRUE(QDir(folder.Path()).mkdir(QStringLiteral("costs")));
+    EXPECT_EQ(u13Folders::CostsPath(), folder.Path(QStringLiteral("costs")));
+}
+
+TEST(u13Folders, CostsPath_FolderMissing_IsStillBelowTheProgramFolder) {
+    const ProgramFolder folder;
+    EXPECT_EQ(u13Folders::CostsPath(), folder.Path(QStringLiteral("Costs")));
+    EXPECT_FALSE(folder.Trace().join(u'\n').contains(QStringLiteral("Warning!")));
+}
+
+TEST(u13Folders, CostsPath_ListingFails_FallsBackWithAWarning) {
+    const ProgramFolder folder;
+    QFile inItsPlace(folder.Path(QStringLiteral("Costs")));
+    ASSERT_TRUE(inItsPlace.open(QIODevice::WriteOnly));
+    EXPECT_EQ(u13Folders::CostsPath(), folder.Path());
+    EXPECT_EQ(folder.Trace().last(),
+              QStringLiteral("  Warning!   Err = 75, CostsPath = ") + folder.Path());
+}
+
+}  // namespace
