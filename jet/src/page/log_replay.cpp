@@ -91,7 +91,7 @@ LogReplay::LoggedPage* LogReplay::StartPage(PageNumber page, LogBase base, Bytes
     const std::uint64_t there = dataSize_ > offset ? dataSize_ - offset : 0;
     logged.inFile.resize(
         static_cast<std::size_t>(std::min<std::uint64_t>(there, format_.pageSize)));
-    dataFile_.Read(offset, logged.inFile);
+    if (there > 0) dataFile_.Read(offset, logged.inFile);
     logged.known.resize(logged.inFile.size());
     for (std::size_t i = 0; i < logged.inFile.size(); ++i) {
         const std::byte before = fresh ? std::byte{0} : image[i];
