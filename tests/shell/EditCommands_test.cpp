@@ -7,8 +7,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+#include "LogFolder.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "support/ProgramFolder.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ using namespace EditCommands;
 class EditCommandsTest : public testing::Test {
 protected:
     void SetUp() override { platform::SetClipboardText(QStringLiteral("before")); }
-    ProgramFolder folder_;
+    LogFolder folder_;
 };
 
 TEST_F(EditCommandsTest, Cut_NothingSelected_LeavesTheClipboardAsItWas) {

@@ -4,8 +4,8 @@
 
 #include <QDateTime>
 
+#include "LogFolder.h"
 #include "platform/RuntimeError.h"
-#include "support/ProgramFolder.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ const QString kTrace = QStringLiteral("TARN.LOG");
 const QString kErrors = QStringLiteral("ERROR.LOG");
 
 TEST(u91Trace, ProgramStart_Always_WritesItsBlock) {
-    const ProgramFolder folder;
+    const LogFolder folder;
     u91Trace::ProgramStart(QStringLiteral("TARN Prep 05.1"));
     const QSize screen = platform::ScreenSize();
     EXPECT_EQ(
@@ -25,7 +25,7 @@ TEST(u91Trace, ProgramStart_Always_WritesItsBlock) {
 }
 
 TEST(u91Trace, ProgramStart_SecondRun_LeavesOnlyItsOwnTraceAndAllErrors) {
-    const ProgramFolder folder;
+    const LogFolder folder;
     u91Trace::ProgramStart(QStringLiteral("first"));
     u91Trace::Error(QStringLiteral("of the first run"));
     u91Trace::ProgramStart(QStringLiteral("second"));
@@ -43,7 +43,7 @@ struct Entry {
 class u91TraceEntry : public testing::TestWithParam<Entry> {};
 
 TEST_P(u91TraceEntry, Routine_AnyText_AppendsExactlyItsLines) {
-    const ProgramFolder folder;
+    const LogFolder folder;
     u91Trace::Procedure(QStringLiteral("before"));
     GetParam().routine(QStringLiteral("a text"));
     EXPECT_EQ(folder.Lines(kTrace), QStringList("hh:mm:ss   before") + GetParam().lines);
@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Entry{u91Trace::Error, {"", "* * * ERROR * * *", "hh:mm:ss   a text", ""}}));
 
 TEST(u91Trace, Error_Always_AppendsADatedBlockToTheErrorLog) {
-    const ProgramFolder folder;
+    const LogFolder folder;
     u91Trace::Error(QStringLiteral("Error during startup 53"));
     EXPECT_EQ(folder.Lines(kErrors),
               QStringList({QString(), "* * * ERROR * * *", "mm/dd/yyyy",
@@ -70,13 +70,13 @@ TEST(u91Trace, Error_Always_AppendsADatedBlockToTheErrorLog) {
 }
 
 TEST(u91Trace, Procedure_WithAPath_SeparatesItByOneBlank) {
-    const ProgramFolder folder;
+    const LogFolder folder;
     u91Trace::Procedure(QStringLiteral("a1Prep.StartWithFile ") + QStringLiteral("C:\\x y.fcd"));
     EXPECT_EQ(folder.Lines(kTrace), QStringList("hh:mm:ss   a1Prep.StartWithFile C:\\x y.fcd"));
 }
 
 TEST(u91Trace, Times_Always_AreLocalAndOfTwentyFourHours) {
-    const ProgramFolder folder;
+    const LogFolder folder;
     const QTime before = QTime::currentTime();
     u91Trace::Procedure(QStringLiteral("now"));
     const QTime written =
@@ -94,13 +94,13 @@ public:
 };
 
 TEST(u91Trace, Procedure_FolderIsMissing_PassesTheErrorOn) {
-    const ProgramFolder folder;
+    const LogFolder folder;
     platform::SetProgramFolder(folder.Path(QStringLiteral("not there")));
     EXPECT_THROW(u91Trace::Procedure(QStringLiteral("x")), platform::RuntimeError);
 }
 
 TEST(u91Trace, Procedure_FolderIsMissingWhileTolerant_RemembersTheFailure) {
-    const ProgramFolder folder;
+    const LogFolder folder;
     platform::SetProgramFolder(folder.Path(QStringLiteral("not there")));
     const ToleranceScope tolerance;
     EXPECT_TRUE(u91Trace::PassedOverFailure().isEmpty());

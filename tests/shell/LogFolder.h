@@ -11,15 +11,15 @@
 
 #include "platform/system/Host.h"
 
-class ProgramFolder {
+class LogFolder {
 public:
-    ProgramFolder() : folder_(QDir::tempPath() + QStringLiteral("/tarn prep XXXXXX")) {
+    LogFolder() : folder_(QDir::tempPath() + QStringLiteral("/tarn prep XXXXXX")) {
         EXPECT_TRUE(folder_.isValid());
         platform::SetProgramFolder(folder_.path());
     }
-    ~ProgramFolder() { platform::SetProgramFolder(QString()); }
-    ProgramFolder(const ProgramFolder&) = delete;
-    ProgramFolder& operator=(const ProgramFolder&) = delete;
+    ~LogFolder() { platform::SetProgramFolder(QString()); }
+    LogFolder(const LogFolder&) = delete;
+    LogFolder& operator=(const LogFolder&) = delete;
 
     [[nodiscard]] QString Path(const QString& name = QString()) const {
         return name.isEmpty() ? folder_.path() : folder_.filePath(name);
