@@ -3,25 +3,42 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QHelpEvent>
+#include <QItemSelectionModel>
 #include <QPainter>
 #include <QToolTip>
 
+namespace {
+
+bool IsOneCell(const QAbstractItemView& view) {
+    const QItemSelection selection = view.selectionModel()->selection();
+    return selection.size() == 1 && selection.first().width() == 1 &&
+           selection.first().height() == 1;
+}
+
+}  // namespace
+
 FlexGridDelegate::FlexGridDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
 
-// The current cell is framed as well, so that it is told from the other cells of a selected block.
+// The current cell is framed, so that it is told from the other cells of a selected block; where
+// the keyboard is elsewhere and it is all that is selected, the frame is all that shows.
 void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              const QModelIndex& index) const {
-    QStyledItemDelegate::paint(painter, option, index);
     const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
-    if (view == nullptr || view->currentIndex() != index) {
+    const bool current = view != nullptr && view->currentIndex() == index;
+    QStyleOptionViewItem cell = option;
+    if (current && !view->hasFocus() && IsOneCell(*view)) {
+        cell.state &= ~QStyle::State_Selected;
+    }
+    QStyledItemDelegate::paint(painter, cell, index);
+    if (!current) {
         return;
     }
-    const bool selected = (option.state & QStyle::State_Selected) != 0;
+    const bool selected = (cell.state & QStyle::State_Selected) != 0;
     painter->save();
     painter->setPen(
-        QPen(option.palette.color(selected ? QPalette::HighlightedText : QPalette::Highlight), 1,
+        QPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Highlight), 1,
              selected ? Qt::DotLine : Qt::SolidLine));
-    painter->drawRect(option.rect.adjusted(0, 0, -1, -1));
+    painter->drawRect(cell.rect.adjusted(0, 0, -1, -1));
     painter->restore();
 }
 

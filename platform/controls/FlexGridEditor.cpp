@@ -2,6 +2,7 @@
 
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QRegularExpression>
 #include <QSignalBlocker>
 
@@ -88,6 +89,13 @@ void FlexGridEditor::focusOutEvent(QFocusEvent* event) {
     }
     QLineEdit::focusOutEvent(event);
     emit FocusLost();
+}
+
+void FlexGridEditor::paintEvent(QPaintEvent* event) {
+    QLineEdit::paintEvent(event);
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Highlight));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 // Spreadsheets put a line end behind a copied cell; a cell is one line without tabs.

@@ -14,6 +14,8 @@
 namespace {
 
 constexpr int kPadding = 4;
+constexpr int kMargin = kPadding / 2;
+constexpr double kSmallestScale = 0.7;
 
 QStringList Lines(QString text) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
@@ -171,11 +173,27 @@ std::vector<int> FlexGridHeader::RowHeights() const {
     return heights;
 }
 
+// The header's font, made smaller within reason where a line would not fit otherwise.
+QFont FlexGridHeader::FittingFont(const Block& block) const {
+    const int room = BlockRect(block).width() - 2 * kPadding;
+    int widest = 0;
+    for (const QString& line : Lines(model_.Text(block.top, block.left))) {
+        widest = std::max(widest, fontMetrics().horizontalAdvance(line));
+    }
+    QFont fitting = font();
+    if (widest > room) {
+        const double scale = std::max(static_cast<double>(room) / widest, kSmallestScale);
+        fitting.setPointSizeF(QFontInfo(fitting).pointSizeF() * scale);
+    }
+    return fitting;
+}
+
 QStringList FlexGridHeader::ShownLines(const Block& block) const {
     QStringList shown;
-    const int room = BlockRect(block).width() - 2 * kPadding;
+    const int room = BlockRect(block).width() - kPadding;
+    const QFontMetrics metrics(FittingFont(block));
     for (const QString& line : Lines(model_.Text(block.top, block.left))) {
-        shown += fontMetrics().elidedText(line, Qt::ElideRight, room);
+        shown += metrics.elidedText(line, Qt::ElideRight, room);
     }
     return shown;
 }
@@ -188,7 +206,8 @@ void FlexGridHeader::PaintBlock(QPainter& painter, const Block& block) const {
     option.position = QStyleOptionHeader::Middle;
     style()->drawControl(QStyle::CE_HeaderSection, &option, &painter, this);
     const Qt::Alignment alignment = model_.Column(block.left).fixedAlignment;
-    style()->drawItemText(&painter, option.rect.adjusted(kPadding, 0, -kPadding, 0),
+    painter.setFont(FittingFont(block));
+    style()->drawItemText(&painter, option.rect.adjusted(kMargin, 0, -kMargin, 0),
                           static_cast<int>(alignment), palette(), isEnabled(),
                           ShownLines(block).join(u'\n'), QPalette::ButtonText);
 }

@@ -39,6 +39,7 @@ private:
     [[nodiscard]] Block BlockAt(int row, int col) const;
     [[nodiscard]] QRect BlockRect(const Block& block) const;
     [[nodiscard]] std::vector<int> RowHeights() const;
+    [[nodiscard]] QFont FittingFont(const Block& block) const;
     [[nodiscard]] QStringList ShownLines(const Block& block) const;
     void PaintBlock(QPainter& painter, const Block& block) const;
 

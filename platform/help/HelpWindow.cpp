@@ -16,6 +16,7 @@
 #include <QScreen>
 #include <QSplitter>
 #include <QStyle>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -84,6 +85,7 @@ HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QH
     tabs->addTab(engine_->contentWidget(), tr("&Contents"));
     tabs->addTab(MakeIndexPage(), tr("&Index"));
     tabs->addTab(MakeSearchPage(), tr("&Search"));
+    tabs->tabBar()->setAccessibleName(tabs->accessibleName());
     auto* splitter = new QSplitter;
     splitter->setObjectName(QStringLiteral("splHelp"));
     splitter->addWidget(tabs);

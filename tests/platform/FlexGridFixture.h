@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QVBoxLayout>
 #include <QWidget>
+#include <QWindow>
 
 #include "platform/controls/vsFlexGrid.h"
 

@@ -1,0 +1,186 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QTest>
+#include <QWheelEvent>
+#include <QWindow>
+
+#include "platform/controls/ClipboardShortcuts.h"
+#include "platform/controls/FLabel.h"
+#include "platform/controls/SSPanel.h"
+#include "platform/controls/vsIndexTab.h"
+
+namespace {
+
+TEST(FLabelTest, Marks_BecomeParagraphsAndSpace) {
+    const QString caption = "|BEFORE:90|One  two|CR|   three|BEFORE:15||CR|<b>|CR||BEFORE:0|x";
+    EXPECT_EQ(FLabel::ToPlainText(caption), "One  two\n   three\n<b>\nx");
+    const QString html = FLabel::ToRichText(caption);
+    EXPECT_TRUE(html.contains("margin:6px 0 0 0; white-space:pre-wrap\">One  two</p>"));
+    EXPECT_TRUE(html.contains("margin:6px 0 0 0; white-space:pre-wrap\">   three</p>"));
+    EXPECT_TRUE(html.contains("margin:1px 0 0 0; white-space:pre-wrap\">&lt;b&gt;</p>"));
+    EXPECT_TRUE(html.contains("margin:0px 0 0 0; white-space:pre-wrap\">x</p>"));
+}
+
+TEST(FLabelTest, HalfMarks_AreText) {
+    for (const char* text : {"|CR", "|BEFORE:|", "|BEFORE:x|", "a|b", "|"}) {
+        EXPECT_EQ(FLabel::ToPlainText(text), text);
+    }
+}
+
+TEST(FLabelTest, Caption_IsKeptAsSetAndNamesTheLabel) {
+    FLabel label;
+    label.SetCaption("a|CR|b");
+    EXPECT_EQ(label.property("Caption").toString(), "a|CR|b");
+    EXPECT_EQ(label.accessibleName(), "a\nb");
+    label.SetCaption("c");
+    EXPECT_EQ(label.accessibleName(), "c");
+    label.setAccessibleName("Overview");
+    label.SetCaption("d");
+    EXPECT_EQ(label.accessibleName(), "Overview");
+}
+
+TEST(SSPanelTest, Caption_IsShownAndDescribed) {
+    SSPanel panel;
+    panel.setProperty("Caption", "$1,234");
+    EXPECT_EQ(panel.Caption(), "$1,234");
+    EXPECT_EQ(panel.accessibleDescription(), "$1,234");
+    EXPECT_GE(panel.sizeHint().width(), panel.fontMetrics().horizontalAdvance("$1,234"));
+}
+
+class IndexTabTest : public testing::Test {
+protected:
+    void SetUp() override {
+        connect(&tab_);
+        tab_.SetCaption("|One|Two|Three & more");
+        tab_.SetTabVisibleByIndex(0, false);
+        tab_.resize(600, 25);
+        tab_.show();
+        tab_.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&tab_));
+        EXPECT_EQ(log_, QStringList());
+    }
+    void connect(vsIndexTab* tab) {
+        QObject::connect(tab, &vsIndexTab::Switch, tab, [this](int from, int to, bool* cancel) {
+            log_ += QStringLiteral("Switch %1 %2 at %3").arg(from).arg(to).arg(tab_.CurrTab());
+            *cancel = refuse_;
+        });
+        QObject::connect(tab, &vsIndexTab::Click, tab,
+                         [this] { log_ += QStringLiteral("Click %1").arg(tab_.CurrTab()); });
+    }
+    QStringList TakeLog() { return std::exchange(log_, {}); }
+
+    vsIndexTab tab_;
+    QStringList log_;
+    bool refuse_ = false;
+};
+
+TEST_F(IndexTabTest, SetCurrTab_SwitchesThenClicks) {
+    tab_.SetCurrTab(2);
+    EXPECT_EQ(TakeLog(), QStringList({"Switch 1 2 at 1", "Click 2"}));
+    tab_.SetCurrTab(2);
+    EXPECT_EQ(TakeLog(), QStringList());
+    tab_.SetCurrTab(2, true);
+    EXPECT_EQ(TakeLog(), QStringList({"Click 2"}));
+}
+
+TEST_F(IndexTabTest, RefusedSwitch_LeavesTheOldTab) {
+    refuse_ = true;
+    tab_.SetCurrTab(3);
+    EXPECT_EQ(tab_.CurrTab(), 1);
+    EXPECT_EQ(TakeLog(), QStringList({"Switch 1 3 at 1"}));
+}
+
+TEST_F(IndexTabTest, EveryRoad_CanBeRefused) {
+    QWindow* window = tab_.windowHandle();
+    QTest::mouseClick(window, Qt::LeftButton, {}, tab_.tabRect(3).center());
+    EXPECT_EQ(TakeLog(), QStringList({"Switch 1 3 at 1", "Click 3"}));
+    refuse_ = true;
+    QTest::mouseClick(window, Qt::LeftButton, {}, tab_.tabRect(1).center());
+    tab_.setFocus();
+    QTest::keyClick(window, Qt::Key_Left);
+    QTest::keyClick(window, Qt::Key_Home);
+    tab_.setCurrentIndex(2);
+    EXPECT_EQ(tab_.CurrTab(), 3);
+    EXPECT_EQ(TakeLog(), QStringList({"Switch 3 1 at 3", "Switch 3 2 at 3", "Switch 3 1 at 3",
+                                      "Switch 3 2 at 3"}));
+}
+
+TEST_F(IndexTabTest, HiddenTab_IsOutOfReach) {
+    tab_.setFocus();
+    QTest::keyClick(tab_.windowHandle(), Qt::Key_Left);
+    QTest::keyClick(tab_.windowHandle(), Qt::Key_Home);
+    tab_.setCurrentIndex(0);
+    tab_.SetCurrTab(0);
+    tab_.SetCurrTab(-1);
+    tab_.SetCurrTab(9);
+    EXPECT_EQ(tab_.CurrTab(), 1);
+    EXPECT_EQ(TakeLog(), QStringList());
+}
+
+TEST_F(IndexTabTest, SwitchingInsideSwitch_IsIgnored) {
+    QObject::connect(&tab_, &vsIndexTab::Switch, &tab_, [this] { tab_.SetCurrTab(3); });
+    tab_.SetCurrTab(2);
+    EXPECT_EQ(tab_.CurrTab(), 2);
+    EXPECT_EQ(TakeLog(), QStringList({"Switch 1 2 at 1", "Click 2"}));
+}
+
+TEST_F(IndexTabTest, Captions_FitTheStripAtAnyFontSize) {
+    EXPECT_EQ(tab_.tabText(3), "Three && more");
+    const QFont old = QApplication::font();
+    for (const int size : {8, 9, 12, 18}) {
+        QFont font = old;
+        font.setPointSize(size);
+        QApplication::setFont(font);
+        EXPECT_LE(tab_.sizeHint().height(), 25) << size;
+        EXPECT_LE(QFontMetrics(tab_.font()).height(), 19) << size;
+    }
+    QApplication::setFont(old);
+}
+
+// A frame with a Cut entry and a text box, as the program has them.
+class ClipboardShortcutTest : public testing::Test {
+protected:
+    void SetUp() override {
+        platform::InstallClipboardShortcutFilter();
+        box_ = new QLineEdit("text");
+        frame_.setCentralWidget(box_);
+        cut_ = new QAction(&frame_);
+        cut_->setShortcut(QKeySequence("Ctrl+X"));
+        frame_.addAction(cut_);
+        QObject::connect(cut_, &QAction::triggered, cut_, [this] { ++cuts_; });
+        frame_.show();
+        frame_.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame_));
+        box_->setFocus();
+        box_->selectAll();
+    }
+    QMainWindow frame_;
+    QLineEdit* box_ = nullptr;
+    QAction* cut_ = nullptr;
+    int cuts_ = 0;
+};
+
+TEST_F(ClipboardShortcutTest, Key_ReachesTheMenuEntry) {
+    QTest::keyClick(frame_.windowHandle(), Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(cuts_, 1);
+    EXPECT_EQ(box_->text(), "text");
+}
+
+TEST_F(ClipboardShortcutTest, DisabledEntry_LeavesTheKeyToTheTextBox) {
+    cut_->setEnabled(false);
+    QTest::keyClick(frame_.windowHandle(), Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(cuts_, 0);
+    EXPECT_EQ(box_->text(), "");
+}
+
+TEST_F(ClipboardShortcutTest, MenuByKeyboard_KeepsTheSelection) {
+    QFocusEvent toMenu(QEvent::FocusOut, Qt::MenuBarFocusReason);
+    QApplication::sendEvent(box_, &toMenu);
+    EXPECT_EQ(box_->selectedText(), "text");
+}
+
+}  // namespace

@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+
+#include "platform/dialogs/CommonDialog.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/system/Host.h"
+
+namespace {
+
+// Runs `answer` on the next modal dialog of this kind.
+template <typename Dialog>
+class Answer {
+public:
+    explicit Answer(std::function<void(Dialog&)> answer) {
+        timer_.setInterval(1);
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this, answer] {
+            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
+                timer_.stop();
+                answer(*dialog);
+            }
+        });
+        timer_.start();
+    }
+
+private:
+    QTimer timer_;
+};
+
+TEST(MsgBox, ShowsPlainTextUnderTheApplicationsTitle) {
+    Answer<QMessageBox> answer([](QMessageBox& box) {
+        EXPECT_EQ(box.objectName(), "MsgBox");
+        EXPECT_EQ(box.text(), "<b>North</b>\r\nline");
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        EXPECT_EQ(box.windowTitle(), "TARN Prep");
+        EXPECT_EQ(box.icon(), QMessageBox::NoIcon);
+        EXPECT_EQ(box.buttons().size(), 1);
+        QTest::keyClick(&box, Qt::Key_Escape);
+    });
+    EXPECT_EQ(platform::MsgBox("<b>North</b>" + platform::kNewLine + "line"),
+              platform::MsgAnswer::kOk);
+}
+
+platform::MsgOptions DeleteQuestion() {
+    platform::MsgOptions options;
+    options.title = "Delete";
+    options.icon = platform::MsgIcon::kStop;
+    options.buttons = platform::MsgButtons::kYesNo;
+    options.secondIsDefault = true;
+    return options;
+}
+
+TEST(MsgBox, YesNo_DefaultsToNoAndEscapeIsNo) {
+    Answer<QMessageBox> answer([](QMessageBox& box) {
+        EXPECT_EQ(box.windowTitle(), "Delete");
+        EXPECT_EQ(box.icon(), QMessageBox::Critical);
+        EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
+        QTest::keyClick(&box, Qt::Key_Escape);
+    });
+    EXPECT_EQ(platform::MsgBox("Really?", DeleteQuestion()), platform::MsgAnswer::kNo);
+}
+
+TEST(MsgBox, YesNo_AnswersAreTold) {
+    for (const auto button : {QMessageBox::Yes, QMessageBox::No}) {
+        Answer<QMessageBox> answer([button](QMessageBox& box) { box.button(button)->click(); });
+        EXPECT_EQ(platform::MsgBox("Really?", DeleteQuestion()), button == QMessageBox::Yes
+                                                                     ? platform::MsgAnswer::kYes
+                                                                     : platform::MsgAnswer::kNo);
+    }
+    Answer<QMessageBox> answer([](QMessageBox& box) { box.close(); });
+    EXPECT_EQ(platform::MsgBox("Really?", DeleteQuestion()), platform::MsgAnswer::kNo);
+}
+
+TEST(MsgBox, HourglassWaitsForTheAnswer) {
+    platform::SetMousePointer(platform::Pointer::kHourglass);
+    Answer<QMessageBox> answer([](QMessageBox& box) {
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+        box.accept();
+    });
+    platform::MsgBox("x");
+    EXPECT_NE(QGuiApplication::overrideCursor(), nullptr);
+    platform::SetMousePointer(platform::Pointer::kDefault);
+}
+
+TEST(NameFilters, PairsBecomeFilters) {
+    EXPECT_EQ(platform::NameFilters("TARN Prep files (*.fcd)|*.fcd|Both|*.fcd;*.mdb|All|*.*"),
+              QStringList({"TARN Prep files (*.fcd)", "Both (*.fcd *.mdb)", "All (*)"}));
+    EXPECT_EQ(platform::NameFilters(""), QStringList());
+}
+
+class ShowOpenTest : public testing::Test {
+protected:
+    void SetUp() override {
+        QFile file(folder_.filePath("A unit.fcd"));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        request_.title = "Open a file";
+        request_.initialFolder = folder_.path();
+        request_.filter = "Data files|*.fcd|All|*.*";
+        request_.filterIndex = 2;
+    }
+    QTemporaryDir folder_{QDir::tempPath() + "/tarn dialog XXXXXX"};
+    platform::OpenFileRequest request_;
+};
+
+TEST_F(ShowOpenTest, Cancel_GivesNothing) {
+    Answer<QFileDialog> answer([this](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Open a file");
+        EXPECT_EQ(dialog.selectedNameFilter(), "All (*)");
+        EXPECT_EQ(dialog.directory().canonicalPath(), QDir(folder_.path()).canonicalPath());
+        EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
+        EXPECT_TRUE(dialog.testOption(QFileDialog::DontUseNativeDialog));
+        dialog.reject();
+    });
+    EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), "");
+}
+
+TEST_F(ShowOpenTest, ChosenFile_ComesBackWithItsPath) {
+    request_.fileName = "A unit.fcd";
+    Answer<QFileDialog> answer(
+        [](QFileDialog& dialog) { static_cast<QDialog&>(dialog).done(QDialog::Accepted); });
+    EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), folder_.filePath("A unit.fcd"));
+}
+
+}  // namespace

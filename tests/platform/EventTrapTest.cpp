@@ -1,0 +1,98 @@
+#include "platform/EventTrap.h"
+
+#include <gtest/gtest.h>
+
+#include <QStringList>
+#include <new>
+#include <stdexcept>
+#include <vector>
+
+#include "jet/error.h"
+#include "platform/RuntimeError.h"
+
+namespace {
+
+namespace EventTrap = platform::EventTrap;
+
+class EventTrapTest : public testing::Test {
+protected:
+    void SetUp() override {
+        EventTrap::Hooks hooks;
+        hooks.report = [this](const EventTrap::Report& report) {
+            reports_.push_back(report);
+            steps_ += QStringLiteral("report");
+        };
+        hooks.remember = [this] { return [this] { steps_ += QStringLiteral("put back"); }; };
+        hooks.idle = [this] {
+            steps_ += QStringLiteral("idle");
+            if (idleFails_) {
+                throw platform::RuntimeError(platform::kDiskFull, "Disk full");
+            }
+        };
+        EventTrap::Install(hooks);
+    }
+    void TearDown() override { EventTrap::Install({}); }
+
+    std::vector<EventTrap::Report> reports_;
+    QStringList steps_;
+    bool idleFails_ = false;
+};
+
+TEST_F(EventTrapTest, HandlerThatEndsWell_RunsOnlyTheIdleStep) {
+    EXPECT_TRUE(EventTrap::Run("form.cmd_Click", [this] {
+        EXPECT_EQ(EventTrap::Depth(), 1);
+        steps_ += QStringLiteral("body");
+    }));
+    EXPECT_EQ(steps_, QStringList({"body", "idle"}));
+    EXPECT_EQ(EventTrap::Depth(), 0);
+}
+
+TEST_F(EventTrapTest, Error_IsPutBackMadeDurableAndReported) {
+    EXPECT_FALSE(EventTrap::Run("form.cmd_Click", [] {
+        throw platform::RuntimeError(platform::kFileNotFound, "File not found");
+    }));
+    EXPECT_EQ(steps_, QStringList({"put back", "idle", "report"}));
+    ASSERT_EQ(reports_.size(), 1U);
+    EXPECT_EQ(reports_[0].handler, "form.cmd_Click");
+    EXPECT_EQ(reports_[0].number, 53);
+    EXPECT_EQ(reports_[0].description, "File not found");
+}
+
+TEST_F(EventTrapTest, EveryKindOfError_GetsANumber) {
+    EventTrap::Run("a", [] { throw jet::Error(jet::ErrorKind::kDuplicateKey, "Twice"); });
+    EventTrap::Run("b", [] { throw std::bad_alloc(); });
+    EventTrap::Run("c", [] { throw std::logic_error("odd"); });
+    EventTrap::Run("d", [] { throw 7; });
+    ASSERT_EQ(reports_.size(), 4U);
+    EXPECT_EQ(reports_[0].number, 3022);
+    EXPECT_EQ(reports_[0].description, "Twice");
+    EXPECT_EQ(reports_[1].number, 7);
+    EXPECT_EQ(reports_[2].number, 51);
+    EXPECT_TRUE(reports_[2].description.endsWith("odd"));
+    EXPECT_EQ(reports_[3].number, 51);
+}
+
+TEST_F(EventTrapTest, NestedHandler_KeepsTheOuterOneRunning) {
+    EXPECT_TRUE(EventTrap::Run("outer", [this] {
+        EventTrap::Run("inner", [] { throw platform::RuntimeError(6, "Overflow"); });
+        steps_ += QStringLiteral("outer goes on");
+    }));
+    EXPECT_EQ(steps_, QStringList({"put back", "report", "outer goes on", "idle"}));
+}
+
+TEST_F(EventTrapTest, FailingIdleStep_IsReportedToo) {
+    idleFails_ = true;
+    EXPECT_FALSE(EventTrap::Run("form.txt_Change", [] {}));
+    ASSERT_EQ(reports_.size(), 1U);
+    EXPECT_EQ(reports_[0].number, 61);
+    EXPECT_EQ(EventTrap::Depth(), 0);
+}
+
+TEST_F(EventTrapTest, Trapped_HandsArgumentsOn) {
+    int sum = 0;
+    auto handler = EventTrap::Trapped("h", [&](int a, int b) { sum = a + b; });
+    handler(2, 3);
+    EXPECT_EQ(sum, 5);
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+#include "platform/help/HelpViewer.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QWidget>
+#include <QWindow>
+
+namespace {
+
+// The help file of this build, or "".
+QString BuiltHelpFile() {
+    const QString path = qEnvironmentVariable("TARN_BUILD") + "/TARNPrep/TARNPlus.hlp";
+    return QFile::exists(path) ? path : QString();
+}
+
+QWidget* HelpWindowShown() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == "frmHelp" && window->isVisible()) {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
+// Answers the next message box and gives its text.
+class NextMessage {
+public:
+    NextMessage() {
+        timer_.setInterval(1);
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                text = box->text();
+                timer_.stop();
+                box->accept();
+            }
+        });
+        timer_.start();
+    }
+    QString text;
+
+private:
+    QTimer timer_;
+};
+
+class HelpViewerTest : public testing::Test {
+protected:
+    void TearDown() override { platform::HelpViewer::Close(); }
+    QTemporaryDir folder_{QDir::tempPath() + "/tarn help XXXXXX"};
+};
+
+TEST_F(HelpViewerTest, Context_ShowsItsTopic) {
+    if (BuiltHelpFile().isEmpty()) {
+        GTEST_SKIP() << "the help file has not been built";
+    }
+    // A copy beside nothing else: the file alone must do.
+    const QString copy = folder_.filePath("Help.hlp");
+    ASSERT_TRUE(QFile::copy(BuiltHelpFile(), copy));
+    platform::HelpViewer::SetHelpFile(copy);
+    platform::HelpViewer::ShowContext(40, nullptr);
+    QWidget* window = HelpWindowShown();
+    ASSERT_NE(window, nullptr);
+    auto* page = window->findChild<QTextBrowser*>("txtTopic");
+    EXPECT_TRUE(page->source().path().endsWith("zones.html"))
+        << page->source().path().toStdString();
+    EXPECT_TRUE(page->toPlainText().contains("Zone", Qt::CaseInsensitive));
+    platform::HelpViewer::ShowContents(nullptr);
+    EXPECT_TRUE(page->source().path().endsWith("index.html"));
+    EXPECT_EQ(HelpWindowShown(), window);
+    page->backward();
+    EXPECT_TRUE(page->source().path().endsWith("zones.html"));
+}
+
+TEST_F(HelpViewerTest, UnknownContext_ShowsContents) {
+    if (BuiltHelpFile().isEmpty()) {
+        GTEST_SKIP() << "the help file has not been built";
+    }
+    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+    platform::HelpViewer::ShowContext(999, nullptr);
+    ASSERT_NE(HelpWindowShown(), nullptr);
+    auto* page = HelpWindowShown()->findChild<QTextBrowser*>("txtTopic");
+    EXPECT_TRUE(page->source().path().endsWith("index.html"));
+}
+
+TEST_F(HelpViewerTest, EveryFocusableWidget_HasAName) {
+    if (BuiltHelpFile().isEmpty()) {
+        GTEST_SKIP() << "the help file has not been built";
+    }
+    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+    platform::HelpViewer::ShowContents(nullptr);
+    ASSERT_NE(HelpWindowShown(), nullptr);
+    for (const QWidget* widget : HelpWindowShown()->findChildren<QWidget*>()) {
+        if (widget->focusPolicy() != Qt::NoFocus && widget->isVisible()) {
+            EXPECT_FALSE(widget->accessibleName().isEmpty())
+                << widget->metaObject()->className() << " " << widget->objectName().toStdString();
+        }
+    }
+}
+
+TEST_F(HelpViewerTest, Escape_ClosesTheWindow) {
+    if (BuiltHelpFile().isEmpty()) {
+        GTEST_SKIP() << "the help file has not been built";
+    }
+    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+    platform::HelpViewer::ShowContents(nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(HelpWindowShown()));
+    QTest::keyClick(HelpWindowShown()->windowHandle(), Qt::Key_Escape);
+    EXPECT_EQ(HelpWindowShown(), nullptr);
+}
+
+TEST_F(HelpViewerTest, MissingFile_IsToldToTheUser) {
+    platform::HelpViewer::SetHelpFile(folder_.filePath("Nothing.hlp"));
+    NextMessage message;
+    platform::HelpViewer::ShowContext(40, nullptr);
+    EXPECT_TRUE(message.text.startsWith("The help file cannot be found.\r\n"));
+    EXPECT_EQ(HelpWindowShown(), nullptr);
+}
+
+TEST_F(HelpViewerTest, DamagedFile_IsToldToTheUser) {
+    QFile file(folder_.filePath("Bad.hlp"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(5000, 'x'));
+    file.close();
+    platform::HelpViewer::SetHelpFile(file.fileName());
+    NextMessage message;
+    platform::HelpViewer::ShowContents(nullptr);
+    EXPECT_TRUE(message.text.startsWith("The help file cannot be read.\r\n"));
+    EXPECT_EQ(HelpWindowShown(), nullptr);
+}
+
+TEST_F(HelpViewerTest, CutFile_IsToldToTheUser) {
+    if (BuiltHelpFile().isEmpty()) {
+        GTEST_SKIP() << "the help file has not been built";
+    }
+    const QString copy = folder_.filePath("Cut.hlp");
+    ASSERT_TRUE(QFile::copy(BuiltHelpFile(), copy));
+    ASSERT_TRUE(QFile::resize(copy, 9000));
+    platform::HelpViewer::SetHelpFile(copy);
+    NextMessage message;
+    platform::HelpViewer::ShowContents(nullptr);
+    EXPECT_TRUE(message.text.startsWith("The help file cannot be read.\r\n"));
+}
+
+TEST(HelpContextIdTest, NearestFormUpwards_Decides) {
+    QWidget form;
+    auto* inner = new QWidget(&form);
+    auto* control = new QWidget(inner);
+    EXPECT_EQ(platform::HelpContextId(control), 0);
+    platform::SetHelpContextId(form, 40);
+    EXPECT_EQ(platform::HelpContextId(control), 40);
+    platform::SetHelpContextId(*inner, 31);
+    EXPECT_EQ(platform::HelpContextId(control), 31);
+    EXPECT_EQ(platform::HelpContextId(nullptr), 0);
+}
+
+}  // namespace
