@@ -34,6 +34,14 @@ void Put(Bytes& target, std::uint64_t offset, const std::byte* from, std::size_t
     if (size > 0) std::memcpy(target.data() + offset, from, size);
 }
 
+void Bring(const Pending& change, Bytes& medium) {
+    if (change.truncation) {
+        medium.resize(change.offset);
+    } else {
+        Put(medium, change.offset, change.bytes.data(), change.bytes.size());
+    }
+}
+
 }  // namespace
 
 struct FaultFileSystem::State {
@@ -135,8 +143,8 @@ public:
         }
         state_->Step(
             [&] {
+                for (const Pending& change : node_->pending) Bring(change, node_->onMedium);
                 node_->pending.clear();
-                node_->onMedium = node_->now;
             },
             [] {});
     }

@@ -48,6 +48,8 @@ void Journal::Resume(const LogPosition& position) {
     operation_ = position.operations;
     lastCounter_ = position.lastCounter;
     logged_ = position.logged;
+    // The process that wrote it may have ended over a flush that failed.
+    flushFailed_ = true;
     RequireFile();
 }
 
