@@ -8,8 +8,8 @@
 #include <QStringList>
 
 #include "datafile/UnitFinder.h"
-#include "support/Corpus.h"
 #include "support/BuiltProgramFolder.h"
+#include "support/Corpus.h"
 
 namespace {
 

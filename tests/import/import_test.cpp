@@ -16,8 +16,8 @@
 #include "import/mImport.h"
 #include "platform/system/Host.h"
 #include "support/Answers.h"
-#include "support/Corpus.h"
 #include "support/BuiltProgramFolder.h"
+#include "support/Corpus.h"
 
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;

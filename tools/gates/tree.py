@@ -1,4 +1,5 @@
 """What the gates have in common: the source files of the tree and the way offenders are named."""
+import shutil
 import subprocess
 import sys
 from pathlib import Path
@@ -18,10 +19,11 @@ def code_files():
 
 def text_files():
     """Every tracked or new text file, build folders and ignored files left out."""
-    listing = subprocess.run(["git", "-C", str(ROOT), "ls-files", "-co", "--exclude-standard"],
-                             capture_output=True, text=True, check=False)
-    if listing.returncode == 0 and listing.stdout:
-        return [ROOT / line for line in listing.stdout.splitlines() if (ROOT / line).is_file()]
+    if shutil.which("git"):
+        listing = subprocess.run(["git", "-C", str(ROOT), "ls-files", "-co", "--exclude-standard"],
+                                 capture_output=True, text=True, check=False)
+        if listing.returncode == 0 and listing.stdout:
+            return [ROOT / line for line in listing.stdout.splitlines() if (ROOT / line).is_file()]
     return [path for path in ROOT.rglob("*")
             if path.is_file() and not path.relative_to(ROOT).parts[0].startswith(("build", "."))]
 
