@@ -5,10 +5,9 @@ class vsFlexGrid;
 
 namespace GridParts {
 
-// Makes a cell current and edits it, also when it was current before.
+// Makes a cell current, edits it and gives it the focus, also when it was current before.
 void EnterAndEdit(vsFlexGrid& grid, int row, int col);
-// Sets how many characters the editor of this cell takes. A stored text that is longer is not cut:
-// walking over a cell must not change it.
-void LimitEdit(vsFlexGrid& grid, int row, int col, int characters);
+// Keeps the grid no higher than its rows, so that what stands below it stands at its end.
+void EndAtLastRow(vsFlexGrid& grid);
 
 }  // namespace GridParts

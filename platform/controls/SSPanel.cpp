@@ -4,6 +4,8 @@
 #include <QPainter>
 #include <QStyle>
 
+#include "platform/controls/FittingFont.h"
+
 namespace {
 
 constexpr int kMargin = 4;
@@ -41,6 +43,7 @@ void SSPanel::paintEvent(QPaintEvent* event) {
     }
     QPainter painter(this);
     const QRect room = contentsRect().adjusted(kMargin, 0, -kMargin, 0);
+    painter.setFont(platform::FittingFont(font(), caption_.simplified().split(u' '), room.width()));
     style()->drawItemText(&painter, room, static_cast<int>(alignment_) | Qt::TextWordWrap,
                           palette(), isEnabled(), caption_, foregroundRole());
 }

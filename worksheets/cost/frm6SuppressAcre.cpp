@@ -23,6 +23,7 @@ using ZoneKeys::kCostClasses;
 
 namespace {
 
+constexpr int kMostOfTheRoom = 1000;
 constexpr int kFrom = 0;
 constexpr int kTo = 1;
 constexpr int kCost = 2;
@@ -78,7 +79,9 @@ void frm6SuppressAcre::Build() {
     Body().addLayout(choice);
     grdCosts_ = new vsFlexGrid(this);
     PageParts::Name(*grdCosts_, "grdCosts", tr("Suppression cost per acre by fire size"));
-    Body().addWidget(grdCosts_, 1);
+    Body().addWidget(grdCosts_, kMostOfTheRoom);
+    Body().addStretch(1);
+    GridParts::EndAtLastRow(*grdCosts_);
 }
 
 void frm6SuppressAcre::ConnectHandlers() {
@@ -214,7 +217,7 @@ void frm6SuppressAcre::grdCosts_BeforeEdit(int row, int col, bool* cancel) {
         *cancel = true;
         return;
     }
-    GridParts::LimitEdit(*grdCosts_, row, col, col == kTo ? kToLength : kCostLength);
+    grdCosts_->SetEditMaxLength(col == kTo ? kToLength : kCostLength);
     valueBeforeEdit_ = Stored(row, col);
 }
 

@@ -63,6 +63,7 @@ QVBoxLayout* frm2RMAs::BuildList() {
     cmdDelete_ = new QPushButton(tr("&Delete Management Area"), this);
     PageParts::Name(*cmdDelete_, "cmdDelete", tr("Delete the management area"));
     auto* rows = new QVBoxLayout;
+    rows->setSpacing(Body().spacing());
     rows->addWidget(lblList);
     rows->addWidget(lstRMAs_, 1);
     rows->addWidget(PageParts::Instruction(
@@ -86,6 +87,7 @@ QVBoxLayout* frm2RMAs::BuildBoxes() {
     PageParts::Name(*txtBody_, "txtBody", tr("Management Objectives"));
     lblBody->setBuddy(txtBody_);
     auto* rows = new QVBoxLayout;
+    rows->setSpacing(Body().spacing());
     rows->addWidget(lblHeading);
     rows->addWidget(txtHeading_);
     rows->addWidget(lblBody);

@@ -24,6 +24,7 @@ using ZoneKeys::kResources;
 
 namespace {
 
+constexpr int kMostOfTheRoom = 1000;
 constexpr int kNameLength = 50;
 constexpr int kValueLength = 10;
 constexpr int kHelpContextId = 50;
@@ -85,6 +86,7 @@ void frm5NVCTable::BuildTable() {
     for (int level = 1; level <= kFilLevels; ++level) {
         auto* panel = new SSPanel(this);
         panel->setObjectName(QStringLiteral("pnlAcreImpact_%1").arg(level));
+        panel->setAccessibleName(tr("Total of FIL %1").arg(level));
         panel->SetCaptionAlignment(Qt::AlignRight | Qt::AlignVCenter);
         panels.push_back(panel);
     }
@@ -98,9 +100,11 @@ void frm5NVCTable::BuildTable() {
     keepsItsPlace.setRetainSizeWhenHidden(true);
     lblMinus_->setSizePolicy(keepsItsPlace);
     lblMinus_->hide();
-    Body().addWidget(grdNVC_, 1);
+    Body().addWidget(grdNVC_, kMostOfTheRoom);
     Body().addWidget(totals_);
     Body().addWidget(lblMinus_);
+    Body().addStretch(1);
+    GridParts::EndAtLastRow(*grdNVC_);
 }
 
 void frm5NVCTable::ConnectHandlers() {
@@ -111,8 +115,8 @@ void frm5NVCTable::ConnectHandlers() {
     connect(grdNVC_, &vsFlexGrid::EnterCell, this,
             Trapped("frm5NVCTable.grdNVC_EnterCell", [this] { grdNVC_EnterCell(); }));
     connect(grdNVC_, &vsFlexGrid::BeforeEdit, this,
-            Trapped("frm5NVCTable.grdNVC_BeforeEdit", [this](int row, int col, bool* cancel) {
-                grdNVC_BeforeEdit(row, col, cancel);
+            Trapped("frm5NVCTable.grdNVC_BeforeEdit", [this](int /*row*/, int col, bool* cancel) {
+                grdNVC_BeforeEdit(col, cancel);
             }));
     connect(grdNVC_, &vsFlexGrid::KeyPressEdit, this,
             Trapped("frm5NVCTable.grdNVC_KeyPressEdit",
@@ -250,7 +254,7 @@ void frm5NVCTable::ShowTotals() {
 void frm5NVCTable::ShowTotal(int level, double total) {
     SSPanel& panel = totals_->Panel(level);
     panel.SetCaption(NVCTotals::Text(total));
-    panel.setAccessibleName(tr("Total of FIL %1: %2").arg(level).arg(panel.Caption()));
+    panel.setToolTip(panel.Caption());
 }
 
 void frm5NVCTable::grdNVC_EnterCell() {
@@ -258,9 +262,9 @@ void frm5NVCTable::grdNVC_EnterCell() {
     grdNVC_->EditCell();
 }
 
-void frm5NVCTable::grdNVC_BeforeEdit(int row, int col, bool* cancel) {
+void frm5NVCTable::grdNVC_BeforeEdit(int col, bool* cancel) {
     Trace(QStringLiteral("frm5NVCTable.grdNVC_BeforeEdit"));
-    GridParts::LimitEdit(*grdNVC_, row, col, col == 0 ? kNameLength : kValueLength);
+    grdNVC_->SetEditMaxLength(col == 0 ? kNameLength : kValueLength);
     // A zone without locations leaves the table that was shown before, which is not its own.
     *cancel = *cancel || locationIndex_ < 0;
 }

@@ -50,7 +50,7 @@ private:
     void cboFMZs_Click();
     void cboRepLocs_Click();
     void grdNVC_EnterCell();
-    void grdNVC_BeforeEdit(int row, int col, bool* cancel);
+    void grdNVC_BeforeEdit(int col, bool* cancel);
     void grdNVC_KeyPressEdit(int row, int col, QChar key);
     void grdNVC_KeyUpEdit(int row, int col);
 

@@ -204,7 +204,7 @@ void frm3SRMaster::grdMasterList_BeforeEdit(int row, int col) {
     Trace(QStringLiteral("frm3SRMaster.grdMasterList_BeforeEdit"));
     static constexpr std::array<int, kVisible> kLengths{4, 50, 20, 10, 5};
     if (col < kVisible) {
-        GridParts::LimitEdit(*grdMasterList_, row, col, kLengths[std::size_t(col)]);
+        grdMasterList_->SetEditMaxLength(kLengths[std::size_t(col)]);
     }
     textBeforeEdit_ = grdMasterList_->TextMatrix(row, col);
 }

@@ -53,9 +53,8 @@ frm4FMZs::frm4FMZs(WorksheetHost& host, QWidget* parent)
     connect(grdFMZs_, &vsFlexGrid::EnterCell, this,
             Trapped("frm4FMZs.grdFMZs_EnterCell", [this] { grdFMZs_EnterCell(); }));
     connect(grdFMZs_, &vsFlexGrid::BeforeEdit, this,
-            Trapped("frm4FMZs.grdFMZs_BeforeEdit", [this](int row, int col, bool* cancel) {
-                grdFMZs_BeforeEdit(row, col, cancel);
-            }));
+            Trapped("frm4FMZs.grdFMZs_BeforeEdit",
+                    [this](int /*row*/, int col, bool* /*cancel*/) { grdFMZs_BeforeEdit(col); }));
 }
 
 void frm4FMZs::Build() {
@@ -166,7 +165,6 @@ void frm4FMZs::cmdAdd_Click() {
         grdFMZs_->RemoveItem(row);
         throw;
     }
-    grdFMZs_->setFocus();
     GridParts::EnterAndEdit(*grdFMZs_, row, kName);
 }
 
@@ -185,9 +183,9 @@ void frm4FMZs::grdFMZs_EnterCell() {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
-void frm4FMZs::grdFMZs_BeforeEdit(int row, int col, bool* /*cancel*/) {
+void frm4FMZs::grdFMZs_BeforeEdit(int col) {
     Trace(QStringLiteral("frm4FMZs.grdFMZs_BeforeEdit"));
-    GridParts::LimitEdit(*grdFMZs_, row, col, col == kName ? kNameLength : kLocationsLength);
+    grdFMZs_->SetEditMaxLength(col == kName ? kNameLength : kLocationsLength);
 }
 
 void frm4FMZs::Unload() {

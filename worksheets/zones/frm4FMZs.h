@@ -33,7 +33,7 @@ private:
     void cmdAdd_Click();
     void cmdImport_Click();
     void grdFMZs_EnterCell();
-    void grdFMZs_BeforeEdit(int row, int col, bool* cancel);
+    void grdFMZs_BeforeEdit(int col);
 
     vsFlexGrid* grdFMZs_ = nullptr;
     QPushButton* cmdAdd_ = nullptr;
