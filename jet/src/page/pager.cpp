@@ -17,6 +17,7 @@ constexpr std::size_t kCacheBytes = 24U << 20;
 // When this much has changed, or been logged, MakeDurable is due.
 constexpr std::size_t kMostDirtyBytes = 24U << 20;
 constexpr std::uint64_t kLargestLog = 64U << 20;
+constexpr std::uint32_t kReadAheadPages = 16;
 // Neighbouring pages go to the file in pieces of this size.
 constexpr std::size_t kWriteBytes = 256U << 10;
 
@@ -60,14 +61,32 @@ Frame& Pager::Impl::Fetch(PageNumber page) {
     if (page.value >= pageCount) {
         ThrowDamaged("The file is damaged: it refers to a page past its end.");
     }
-    Frame& frame = cache_.Insert(page.value);
-    try {
-        file->Read(std::uint64_t{page.value} * format.pageSize,
-                   {frame.bytes.get(), format.pageSize});
-    } catch (...) {
-        cache_.Drop(frame);
-        throw;
+    return Load(page);
+}
+
+// How many pages to read at once: one, unless pages are asked for in the order of the file.
+std::uint32_t Pager::Impl::ReadAhead(PageNumber page) const {
+    std::uint32_t pages = 1;
+    if (page.value != nextInRow_) return pages;
+    while (pages < kReadAheadPages && page.value + pages < filePageCount_ &&
+           cache_.Find(page.value + pages) == nullptr) {
+        ++pages;
     }
+    return pages;
+}
+
+Frame& Pager::Impl::Load(PageNumber page) {
+    const std::uint32_t pages = ReadAhead(page);
+    readBuffer_.resize(std::size_t{pages} * format.pageSize);
+    file->Read(std::uint64_t{page.value} * format.pageSize, readBuffer_);
+    nextInRow_ = page.value + pages;
+    // The page asked for comes last, so that none of the others can take its frame.
+    for (std::uint32_t i = pages - 1; i > 0; --i) {
+        std::memcpy(cache_.Insert(page.value + i).bytes.get(),
+                    readBuffer_.data() + std::size_t{i} * format.pageSize, format.pageSize);
+    }
+    Frame& frame = cache_.Insert(page.value);
+    std::memcpy(frame.bytes.get(), readBuffer_.data(), format.pageSize);
     return frame;
 }
 

@@ -53,6 +53,8 @@ private:
         std::unique_ptr<std::byte[]> before;
     };
 
+    Frame& Load(PageNumber page);
+    [[nodiscard]] std::uint32_t ReadAhead(PageNumber page) const;
     void RequireOperation() const;
     ChangedPage& Remember(Frame& frame);
     void EndOperation() noexcept;
@@ -61,6 +63,8 @@ private:
     void WriteRun(std::span<Frame* const> run);
 
     FrameCache cache_;
+    std::uint32_t nextInRow_ = 0;  // the page that reading in file order would ask for next
+    std::vector<std::byte> readBuffer_;
     bool inOperation_ = false;
     std::uint32_t pageCountBefore_ = 0;
     std::vector<ChangedPage> changed_;
