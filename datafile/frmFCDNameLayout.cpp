@@ -148,8 +148,12 @@ QLayout* frmFCDName::LayOutQuestions() {
     QSizePolicy keepsItsRoom = lblTie->sizePolicy();
     keepsItsRoom.setRetainSizeWhenHidden(true);
     lblTie->setSizePolicy(keepsItsRoom);
-    lblTie->setMinimumHeight(2 * lblTie->fontMetrics().lineSpacing());
-    MakeBold(lblTie);
+    lblTie->setAutoFillBackground(true);
+    lblTie->setBackgroundRole(QPalette::ToolTipBase);
+    lblTie->setForegroundRole(QPalette::ToolTipText);
+    lblTie->setFrameStyle(QFrame::Box | QFrame::Plain);
+    lblTie->setMargin(kSpace / 2);
+    lblTie->setMinimumHeight(2 * lblTie->fontMetrics().lineSpacing() + kSpace + 2);
     lblTie->hide();
     column->addWidget(lblTie);
 
@@ -169,7 +173,10 @@ QLayout* frmFCDName::LayOutQuestions() {
     column->addLayout(row);
 
     column->addStretch();
-    column->addLayout(LayOutTitleRow());
+    auto* result = new SSPanel(this);
+    Name(result, "pnlFileName", QStringLiteral("File name"));
+    result->setLayout(LayOutTitleRow());
+    column->addWidget(result);
     return column;
 }
 
