@@ -162,8 +162,13 @@ Weights WeightsOf(char16_t unit) {
 // Goes through the characters of a text and keeps the parts of its General Legacy key apart.
 class LegacyKey {
 public:
+    explicit LegacyKey(LetterCount letters) : letters_(letters) {}
+
     void Add(char16_t unit) {
-        const Weights weights = WeightsOf(unit);
+        Weights weights = WeightsOf(unit);
+        if (letters_ == LetterCount::kCharacters) {
+            weights.count = std::min(weights.count, 1U);
+        }
         if (weights.kind == Kind::kIgnored) {
             return;
         }
@@ -274,6 +279,7 @@ private:
         }
     }
 
+    LetterCount letters_;
     Key primary_;
     Key secondary_;
     Key special_;
@@ -317,9 +323,9 @@ void AppendGeneral97(Key& key, std::string_view text, bool ascending) {
     }
 }
 
-void AppendGeneralLegacy(Key& key, std::u16string_view text, bool ascending) {
+void AppendGeneralLegacy(Key& key, std::u16string_view text, bool ascending, LetterCount letters) {
     const std::size_t start = key.size();
-    LegacyKey parts;
+    LegacyKey parts(letters);
     for (const char16_t unit : Prepare(text)) {
         parts.Add(unit);
     }

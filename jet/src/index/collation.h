@@ -15,8 +15,14 @@
 
 namespace jet {
 
+// How letters that stand for two (sharp s, ligatures) are counted where a key records the places of
+// accents and of special characters: as the engines do it, or as another writer does. Keys are made
+// in the first way; files can hold the second.
+enum class LetterCount { kWeights, kCharacters };
+
 // Appends the encoding of a text, without a flag byte. `text` is in code page 1252.
 void AppendGeneral97(Key& key, std::string_view text, bool ascending);
-void AppendGeneralLegacy(Key& key, std::u16string_view text, bool ascending);
+void AppendGeneralLegacy(Key& key, std::u16string_view text, bool ascending,
+                         LetterCount letters = LetterCount::kWeights);
 
 }  // namespace jet

@@ -1,0 +1,47 @@
+// The catalogue: which tables there are, and whether what it says of them holds.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "check/account.h"
+#include "check/row_check.h"
+#include "check/table_layout.h"
+
+namespace jet {
+
+struct CatalogueEntry {
+    RowId row;
+    std::string name;
+    std::uint32_t page = 0;  // of the table's definition
+};
+
+// Collects the rows of the system table of objects.
+class CatalogueCheck {
+public:
+    CatalogueCheck(CheckContext& context, const TableLayout& objects);
+
+    // False when the table lacks the columns that a catalogue must have.
+    [[nodiscard]] bool IsReadable() const { return readable_; }
+    void AddRow(const CheckedRow& row);
+    // The tables of the catalogue whose definition can be there.
+    [[nodiscard]] const std::vector<CatalogueEntry>& Tables() const { return tables_; }
+
+private:
+    [[nodiscard]] std::size_t Find(const char* column);
+    void CheckProperties(Bytes blob, const Spot& spot);
+
+    CheckContext& context_;
+    const TableLayout& objects_;
+    bool readable_ = true;
+    std::size_t id_, name_, type_, properties_;
+    std::vector<CatalogueEntry> tables_;
+    std::map<std::uint32_t, std::string> names_;  // by page
+};
+
+// Both sides of every relationship must name each other.
+void CheckRelations(CheckContext& context, const std::vector<TableLayout>& tables);
+
+}  // namespace jet

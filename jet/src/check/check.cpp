@@ -1,0 +1,280 @@
+#include "jet/check.h"
+
+#include <algorithm>
+#include <optional>
+#include <set>
+
+#include "check/account.h"
+#include "check/catalogue_check.h"
+#include "check/findings.h"
+#include "check/page_source.h"
+#include "check/row_check.h"
+#include "check/tree_check.h"
+#include "jet/error.h"
+#include "page/bytes.h"
+#include "page/header.h"
+
+namespace jet {
+
+namespace {
+
+constexpr std::uint16_t kDefinitionPage = 0x0102;
+constexpr std::uint16_t kDataPage = 0x0101;
+constexpr std::size_t kOwnerAt = 4;
+
+class FileCheck {
+public:
+    FileCheck(const PageSource& pages, const FileHeader& header, CheckReport& report)
+        : header_(header),
+          findings_(report),
+          context_{pages, FormatOf(header.version), findings_, report},
+          account_(context_) {}
+
+    void Run() {
+        context_.report.pages = context_.pages.PageCount();
+        account_.Claim(0, "the header", {});
+        account_.Claim(1, "the global maps", {});
+        CheckHeader();
+        account_.ReadMap(header_.secondMap, "pages set aside", {});
+        if (!CheckCatalogue()) {
+            CheckTablesByPageType();
+        }
+        CheckRelations(context_, tables_);
+        CheckUnaccounted();
+        CheckRowCounts();
+        findings_.Finish();
+    }
+
+private:
+    void CheckHeader() {
+        const auto expect = [&](bool right, const std::string& what) {
+            if (!right) {
+                findings_.Error({{}, 0, -1}, "header-field",
+                                "The header names a wrong place for " + what + ".");
+            }
+        };
+        expect(header_.freePages == RowId{PageNumber{1}, 0}, "the map of free pages");
+        expect(header_.secondMap == RowId{PageNumber{1}, 1}, "the second map");
+        expect(header_.objects.value == 2, "the catalogue");
+        expect(header_.accessControl.value == 3, "the permissions");
+        // In some files these two have changed places.
+        const std::set<std::uint32_t> rest{header_.queries.value, header_.relationships.value};
+        expect(rest == std::set<std::uint32_t>{4, 5}, "the queries and relationships");
+    }
+
+    bool CheckCatalogue() {
+        auto objects = ReadTableLayout(context_, header_.objects.value, "MSysObjects");
+        std::optional<CatalogueCheck> catalogue;
+        if (objects) {
+            catalogue.emplace(context_, *objects);
+        }
+        if (!catalogue || !catalogue->IsReadable()) {
+            findings_.Error({{}, header_.objects.value, -1}, "catalogue-unreadable",
+                            "The catalogue cannot be read; tables are looked for by their pages.");
+            return false;
+        }
+        CheckTable(*objects, [&](const CheckedRow& row) { catalogue->AddRow(row); });
+        bool self = false;
+        for (const CatalogueEntry& entry : catalogue->Tables()) {
+            if (entry.page == header_.objects.value) {
+                self = true;
+                continue;
+            }
+            CheckEntry(entry);
+        }
+        if (!self) {
+            findings_.Error({"MSysObjects", header_.objects.value, -1}, "catalogue-missing",
+                            "The catalogue does not list itself.");
+        }
+        return true;
+    }
+
+    void CheckEntry(const CatalogueEntry& entry) {
+        if (entry.page >= context_.pages.PageCount()) {
+            findings_.Error({"MSysObjects", entry.row.page.value, entry.row.slot},
+                            "page-beyond-end",
+                            "The table " + entry.name + " is said to be on page " +
+                                std::to_string(entry.page) + ", which is past the end.");
+            return;
+        }
+        if (const auto table = ReadTableLayout(context_, entry.page, entry.name)) {
+            CheckTable(*table, [](const CheckedRow&) {});
+        }
+    }
+
+    void CheckTablesByPageType() {
+        for (const std::uint32_t page : LoneDefinitions()) {
+            const auto table = ReadTableLayout(context_, page, "on page " + std::to_string(page));
+            if (table) {
+                CheckTable(*table, [](const CheckedRow&) {});
+            }
+        }
+    }
+
+    // Definition pages without a user that no other definition goes on to.
+    std::vector<std::uint32_t> LoneDefinitions() {
+        std::set<std::uint32_t> found;
+        std::set<std::uint32_t> continued;
+        for (std::uint32_t page = 2; page < context_.pages.PageCount(); ++page) {
+            const auto bytes = context_.pages.Read(page);
+            if (ReadU16(bytes, 0) == kDefinitionPage && !account_.IsClaimed(page)) {
+                found.insert(page);
+                continued.insert(ReadU32(bytes, kOwnerAt));
+            }
+        }
+        std::vector<std::uint32_t> lone;
+        std::set_difference(found.begin(), found.end(), continued.begin(), continued.end(),
+                            std::back_inserter(lone));
+        return lone;
+    }
+
+    template <typename Visit>
+    void CheckTable(const TableLayout& table, const Visit& visit) {
+        for (const std::uint32_t page : table.chain) {
+            account_.Claim(page, "the definition of " + table.name, table.name);
+        }
+        std::vector<EntryCheck> entries;
+        for (const RealIndexLayout& index : table.indexes) {
+            entries.emplace_back(context_, table, index);
+        }
+        std::uint64_t rows = 0;
+        std::int64_t greatest = 0;
+        bool random = false;  // numbers drawn at random do not rise
+        RowCheck(context_, account_, table).Run([&](const CheckedRow& row) {
+            ++rows;
+            for (std::size_t i = 0; i < table.columns.size(); ++i) {
+                const auto* number = std::get_if<std::int32_t>(&row.values[i].Get());
+                if (table.columns[i].autoNumber && number != nullptr) {
+                    greatest = std::max<std::int64_t>(greatest, *number);
+                    random = random || *number < 0;
+                }
+            }
+            for (EntryCheck& check : entries) {
+                check.AddRow(row);
+            }
+            visit(row);
+        });
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            const auto found = TreeCheck(context_, account_, table, table.indexes[i]).Run();
+            context_.report.entries += found.size();
+            entries[i].Compare(found);
+        }
+        if (greatest > table.lastAutoNumber && !random) {
+            findings_.Error({table.name, table.page, -1}, "autonumber",
+                            "The last number given out is " + std::to_string(table.lastAutoNumber) +
+                                ", but " + std::to_string(greatest) + " is in use.");
+        }
+        if (rows != table.rowCount) {
+            wrongCounts_.push_back({table.name, table.page, table.system, table.rowCount, rows});
+        }
+        ++context_.report.tables;
+        context_.report.rows += rows;
+        context_.report.indexes += static_cast<std::uint32_t>(table.indexes.size());
+        tables_.push_back(table);
+    }
+
+    void CheckUnaccounted() {
+        const std::vector<std::uint32_t> nobodys = account_.Unaccounted(header_.freePages);
+        const std::vector<std::uint32_t> lone = LoneDefinitions();
+        for (const std::uint32_t page : nobodys) {
+            const Spot spot{{}, page, -1};
+            if (std::binary_search(lone.begin(), lone.end(), page) && IsWholeDefinition(page)) {
+                findings_.Error(spot, "table-lost",
+                                "A table's definition is here, but not in the catalogue.");
+            } else if (const std::string owner = OwnerOfRows(page); !owner.empty()) {
+                findings_.Error({owner, page, -1}, "rows-lost",
+                                "The page has rows of the table, but is not in its map.");
+            } else {
+                pagesLost_ = true;
+                findings_.Warning(spot, "page-lost", "Nobody uses the page, and it is not free.");
+            }
+        }
+    }
+
+    bool IsWholeDefinition(std::uint32_t page) {
+        CheckReport report;
+        Findings silent(report);
+        CheckContext aside{context_.pages, context_.format, silent, report};
+        return ReadTableLayout(aside, page, {}).has_value() && report.IsSound();
+    }
+
+    // The table that a data page with live rows names.
+    std::string OwnerOfRows(std::uint32_t number) {
+        const auto page = context_.pages.Read(number);
+        if (ReadU16(page, 0) != kDataPage) {
+            return {};
+        }
+        const std::uint32_t owner = ReadU32(page, kOwnerAt);
+        const auto table =
+            std::find_if(tables_.begin(), tables_.end(),
+                         [&](const TableLayout& candidate) { return candidate.page == owner; });
+        const std::uint32_t count = ReadU16(page, context_.format.rowCountAt);
+        for (std::uint32_t i = 0; table != tables_.end() && i < std::min(count, 255U); ++i) {
+            const std::uint16_t entry = ReadU16(page, context_.format.rowDirectoryAt + 2 * i);
+            if ((entry & 0xC000) != 0xC000) {
+                return table->name;
+            }
+        }
+        return {};
+    }
+
+    // Counts of system tables, and of files that have lost pages, are often off in sound files.
+    void CheckRowCounts() {
+        for (const WrongCount& wrong : wrongCounts_) {
+            const Spot spot{wrong.table, wrong.page, -1};
+            const std::string sentence = "The table claims " + std::to_string(wrong.claimed) +
+                                         " rows and has " + std::to_string(wrong.rows) + ".";
+            if (wrong.system || pagesLost_) {
+                findings_.Warning(spot, "row-count", sentence);
+            } else {
+                findings_.Error(spot, "row-count", sentence);
+            }
+        }
+    }
+
+    struct WrongCount {
+        std::string table;
+        std::uint32_t page = 0;
+        bool system = false;
+        std::uint32_t claimed = 0;
+        std::uint64_t rows = 0;
+    };
+
+    const FileHeader& header_;
+    Findings findings_;
+    CheckContext context_;
+    PageAccount account_;
+    std::vector<TableLayout> tables_;
+    std::vector<WrongCount> wrongCounts_;
+    bool pagesLost_ = false;
+};
+
+}  // namespace
+
+CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) {
+    const auto file = files.Open(path, OpenMode::kReadOnly);
+    if (!file->TryLock(false)) {
+        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
+    }
+    std::vector<std::byte> head(kHeaderPrefix);
+    if (file->Size() < head.size()) {
+        throw Error(ErrorKind::kNotADatabase, "The file is not a database.");
+    }
+    file->Read(0, head);
+    const FileHeader header = ReadFileHeader(head);
+    const std::uint32_t pageSize = FormatOf(header.version).pageSize;
+    CheckReport report;
+    Findings findings(report);
+    if (file->Size() % pageSize != 0) {
+        findings.Error({}, "file-length", "The file ends in the middle of a page.");
+    }
+    if (file->Size() / pageSize < kSmallestPageCount) {
+        findings.Error({}, "file-length", "The file is shorter than an empty database.");
+        return report;
+    }
+    const FilePages pages(*file, pageSize);
+    FileCheck(pages, header, report).Run();
+    return report;
+}
+
+}  // namespace jet

@@ -1,0 +1,53 @@
+// The pages that a check looks at: those of a file as it lies there, or those of an open database.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "jet/file.h"
+#include "page/pager.h"
+#include "page/types.h"
+
+namespace jet {
+
+class PageSource {
+public:
+    PageSource() = default;
+    PageSource(const PageSource&) = delete;
+    PageSource& operator=(const PageSource&) = delete;
+    virtual ~PageSource() = default;
+
+    [[nodiscard]] virtual std::uint32_t PageCount() const = 0;
+    // A copy of the page. Throws Damage "page-beyond-end".
+    [[nodiscard]] std::vector<std::byte> Read(std::uint32_t page) const;
+
+protected:
+    virtual void ReadInto(std::uint32_t page, std::vector<std::byte>& into) const = 0;
+};
+
+class FilePages : public PageSource {
+public:
+    FilePages(File& file, std::uint32_t pageSize);
+    [[nodiscard]] std::uint32_t PageCount() const override { return pageCount_; }
+
+private:
+    void ReadInto(std::uint32_t page, std::vector<std::byte>& into) const override;
+
+    File& file_;
+    std::uint32_t pageSize_;
+    std::uint32_t pageCount_;
+};
+
+class PagerPages : public PageSource {
+public:
+    explicit PagerPages(Pager& pager) : pager_(pager) {}
+    [[nodiscard]] std::uint32_t PageCount() const override { return pager_.PageCount(); }
+
+private:
+    void ReadInto(std::uint32_t page, std::vector<std::byte>& into) const override;
+
+    Pager& pager_;
+};
+
+}  // namespace jet

@@ -1,0 +1,44 @@
+// jetdoctor FILE [--repair NEW]
+//
+// Checks a database file and says what is wrong with it; with --repair, writes everything that can
+// be read into the new file NEW. FILE is never changed.
+//
+// Exit status: 0 clean (or repaired without losses), 1 findings (or losses), 2 unreadable.
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <string>
+
+#include "jet/check.h"
+#include "jet/error.h"
+
+namespace {
+
+constexpr int kClean = 0;
+constexpr int kFindings = 1;
+constexpr int kUnreadable = 2;
+
+int Usage() {
+    std::fputs("usage: jetdoctor FILE [--repair NEW]\n", stderr);
+    return kUnreadable;
+}
+
+int Check(const std::string& path) {
+    const jet::CheckReport report = jet::CheckFile(path);
+    std::fputs(report.Text().c_str(), stdout);
+    return report.IsSound() ? kClean : kFindings;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2 && (argc != 4 || std::string(argv[2]) != "--repair")) {
+        return Usage();
+    }
+    try {
+        return Check(argv[1]);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s: %s\n", argv[1], error.what());
+        return kUnreadable;
+    }
+}
