@@ -74,7 +74,10 @@ private:
                 throw Damage{"tdef-chain", "The pages of the definition run in a circle."};
             }
             const auto bytes = context_.pages.Read(page);
-            if (ReadU16(bytes, 0) != kDefinitionPage) {
+            if (ReadU8(bytes, 0) == (kDefinitionPage & 0xFF) && ReadU8(bytes, 1) != 1) {
+                context_.findings.Error({table_.name, page, -1}, "page-header",
+                                        "The second byte of the page is wrong.");
+            } else if (ReadU16(bytes, 0) != kDefinitionPage) {
                 throw Damage{page == table_.page ? "page-type" : "tdef-chain",
                              "Page " + std::to_string(page) + " is no page of a definition."};
             }
@@ -205,7 +208,7 @@ private:
             table_.logicalIndexes.push_back(index);
         }
         for (LogicalIndexLayout& index : table_.logicalIndexes) {
-            index.name = TakeName("index-definition");
+            index.name = TakeName("tdef-length");
         }
     }
 
