@@ -126,6 +126,7 @@ FileHeader ReadFileHeader(Bytes page) {
         header.language = ReadU16(plain, 0x3A);
     } else {
         header.language = ReadU16(plain, 0x6E);
+        header.sortVersion = ReadU8(plain, 0x71);
         header.creationDate = std::bit_cast<double>(ReadU64(plain, 0x72));
     }
     if (ReadU32(plain, 0x3E) != 0 || HasPassword(plain, version, header.creationDate)) {

@@ -39,7 +39,7 @@ struct FileHeader {
     PageNumber accessControl;
     PageNumber queries;
     PageNumber relationships;
-    std::uint16_t sortVersion = 0;  // Jet 3: repeated in every column block
+    std::uint16_t sortVersion = 0;  // repeated in every column block
     std::uint16_t language = 0;
     std::uint16_t codePage = 0;
     double creationDate = 0;  // Jet 4

@@ -174,23 +174,22 @@ void AppendDecimal(const Decimal& decimal, std::vector<std::byte>& into) {
     }
 }
 
-// Text of a fixed length is filled up with blanks.
-void AppendText(const Column& column, const std::u16string& text, Version version,
-                std::vector<std::byte>& into) {
-    if (!column.fixed) {
-        EncodeText(text, version, column.compressed, into);
-        return;
+// A value of a fixed length is filled up: text with blanks, bytes with zeros.
+void FillUp(const Column& column, Version version, Value& value) {
+    if (!column.fixed) return;
+    if (const auto* text = std::get_if<std::u16string>(&value.Get())) {
+        std::u16string padded = *text;
+        padded.resize(column.length / (version == Version::kJet3 ? 1U : 2U), u' ');
+        value = std::move(padded);
+    } else if (const auto* bytes = std::get_if<Binary>(&value.Get())) {
+        Binary padded = *bytes;
+        padded.resize(column.length);
+        value = std::move(padded);
     }
-    const std::size_t unit = version == Version::kJet3 ? 1 : 2;
-    std::u16string padded = text;
-    padded.resize(column.length / unit, u' ');
-    EncodeText(padded, version, false, into);
 }
 
-void AppendBytes(const Column& column, Bytes bytes, std::vector<std::byte>& into) {
-    const std::size_t before = into.size();
+void AppendBytes(Bytes bytes, std::vector<std::byte>& into) {
     into.insert(into.end(), bytes.begin(), bytes.end());
-    if (column.fixed) into.resize(before + column.length);
 }
 
 void RequireSize(const Column& column, Bytes stored) {
@@ -339,6 +338,7 @@ Value ConvertForColumn(const Column& column, const Value& value, Version version
             ThrowTooLong(column);
         }
     }
+    FillUp(column, version, converted);
     return converted;
 }
 
@@ -368,16 +368,17 @@ void EncodeValue(const Column& column, const Value& value, Version version,
             AppendNumber(std::bit_cast<std::uint64_t>(Held<Date>(column, value).days), into);
             break;
         case ColumnType::kText:
-            AppendText(column, Held<std::u16string>(column, value), version, into);
+            EncodeText(Held<std::u16string>(column, value), version,
+                       column.compressed && !column.fixed, into);
             break;
         case ColumnType::kGuid:
-            AppendBytes(column, Held<Guid>(column, value).bytes, into);
+            AppendBytes(Held<Guid>(column, value).bytes, into);
             break;
         case ColumnType::kDecimal:
             AppendDecimal(Held<Decimal>(column, value), into);
             break;
         default:
-            AppendBytes(column, Held<Binary>(column, value), into);
+            AppendBytes(Held<Binary>(column, value), into);
             break;
     }
 }

@@ -1,0 +1,57 @@
+// The catalogue: which tables a file has, and where their definitions are.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "catalog/system_tables.h"
+#include "jet/schema.h"
+#include "table/table.h"
+
+namespace jet {
+
+struct CatalogEntry {
+    std::u16string wide;
+    std::string name;  // UTF-8
+    PageNumber definition;
+    bool system = false;
+    RowId row;  // in the catalogue's own table
+};
+
+class Catalog {
+public:
+    // kDamaged when the catalogue's own tables cannot be read.
+    explicit Catalog(Pager& pager);
+
+    // All local tables, in stored order.
+    [[nodiscard]] const std::vector<CatalogEntry>& Entries();
+    [[nodiscard]] const CatalogEntry* Find(std::u16string_view name);
+    // The table of an entry; the same object each time.
+    Table& Open(const CatalogEntry& entry);
+    // Errors: those of Database::CreateTable.
+    void CreateTable(const TableSchema& schema);
+
+    [[nodiscard]] Table& Objects() { return objects_; }
+    [[nodiscard]] Table& Permissions() { return permissions_; }
+
+private:
+    void ReadEntries();
+    [[nodiscard]] bool IsNameTaken(std::u16string_view name);
+    [[nodiscard]] Binary OwnerOf(std::uint32_t id);
+    [[nodiscard]] SecurityId Mask();
+    void GrantPermissions(Operation& operation, PageNumber table, const Binary& owner);
+    void ApplyStoredProperties(RowId row, Definition& definition);
+
+    Pager* pager_;
+    Table objects_;
+    Table permissions_;
+    std::vector<CatalogEntry> entries_;
+    bool known_ = false;
+    std::map<std::uint32_t, std::unique_ptr<Table>> tables_;  // by page of the definition
+};
+
+}  // namespace jet

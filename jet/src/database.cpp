@@ -1,0 +1,161 @@
+#include "jet/database.h"
+
+#include <algorithm>
+
+#include "catalog/new_table.h"
+#include "catalog/system_tables.h"
+#include "jet/query.h"
+#include "jet/recordset.h"
+#include "open_file.h"
+#include "query_recordset.h"
+#include "record/text.h"
+#include "table_recordset.h"
+
+namespace jet {
+
+OpenFile::OpenFile(std::unique_ptr<Pager> pager, const Recovery& recovery)
+    : pager_(std::move(pager)), catalog_(std::make_unique<Catalog>(*pager_)), recovery_(recovery) {}
+
+OpenFile::~OpenFile() = default;
+
+void OpenFile::Close() {
+    if (closed_) return;
+    closed_ = true;
+    pager_->Close();
+}
+
+void OpenFile::RequireOpen() const {
+    if (closed_) throw Error(ErrorKind::kClosed, "The database has been closed.");
+}
+
+void OpenFile::Watch(RowWatcher& watcher) {
+    watchers_.push_back(&watcher);
+}
+
+void OpenFile::Unwatch(RowWatcher& watcher) {
+    watchers_.erase(std::remove(watchers_.begin(), watchers_.end(), &watcher), watchers_.end());
+}
+
+void OpenFile::TellDeleted(const Table& table, RowId row) {
+    for (RowWatcher* watcher : watchers_) watcher->RowDeleted(table, row);
+}
+
+std::unique_ptr<Database> Database::Open(const std::filesystem::path& path,
+                                         const OpenOptions& options, FileSystem& files) {
+    Recovery recovery;
+    std::unique_ptr<Pager> pager = Pager::Open(files, path, options, recovery);
+    auto file = std::make_shared<OpenFile>(std::move(pager), recovery);
+    return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
+}
+
+std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Version version,
+                                           FileSystem& files) {
+    std::unique_ptr<Pager> pager = Pager::Create(files, path, version);
+    try {
+        {
+            Operation operation(*pager);
+            CreateSystemTables(operation, *pager);
+            operation.Commit();
+        }
+        pager->MakeDurable();
+    } catch (const Error&) {
+        pager->Abandon();
+        throw;
+    }
+    auto file = std::make_shared<OpenFile>(std::move(pager), Recovery{});
+    return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
+}
+
+Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+
+Database::~Database() {
+    try {
+        impl_->file->Close();
+    } catch (const Error&) {
+        // Whoever wants to know calls Close.
+    }
+}
+
+void Database::Close() {
+    impl_->file->Close();
+}
+
+void Database::MakeDurable() {
+    impl_->file->RequireOpen();
+    impl_->file->Pages().MakeDurable();
+}
+
+Version Database::FileVersion() const {
+    return impl_->file->Pages().FileFormat().version;
+}
+
+bool Database::IsReadOnly() const {
+    return impl_->file->Pages().IsReadOnly();
+}
+
+const Recovery& Database::OpeningRecovery() const {
+    return impl_->file->OpeningRecovery();
+}
+
+namespace {
+
+std::vector<std::string> Names(OpenFile& file, bool system) {
+    file.RequireOpen();
+    std::vector<std::string> names;
+    for (const CatalogEntry& entry : file.Tables().Entries()) {
+        if (entry.system == system) names.push_back(entry.name);
+    }
+    return names;
+}
+
+const CatalogEntry& Require(OpenFile& file, std::string_view name) {
+    file.RequireOpen();
+    const CatalogEntry* entry = file.Tables().Find(WidenName(name));
+    if (entry == nullptr) {
+        throw Error(ErrorKind::kNoSuchTable,
+                    "The database has no table '" + std::string(name) + "'.");
+    }
+    return *entry;
+}
+
+}  // namespace
+
+std::vector<std::string> Database::TableNames() const {
+    return Names(*impl_->file, false);
+}
+
+std::vector<std::string> Database::SystemTableNames() const {
+    return Names(*impl_->file, true);
+}
+
+bool Database::HasTable(std::string_view name) const {
+    impl_->file->RequireOpen();
+    return impl_->file->Tables().Find(WidenName(name)) != nullptr;
+}
+
+TableSchema Database::Describe(std::string_view table) const {
+    const CatalogEntry& entry = Require(*impl_->file, table);
+    return SchemaOf(entry.name, impl_->file->Tables().Open(entry).Def());
+}
+
+void Database::CreateTable(const TableSchema& schema) {
+    impl_->file->RequireOpen();
+    if (IsReadOnly()) throw Error(ErrorKind::kReadOnly, "The file is open for reading only.");
+    impl_->file->Tables().CreateTable(schema);
+}
+
+std::unique_ptr<Recordset> Database::OpenTable(std::string_view name) {
+    const CatalogEntry& entry = Require(*impl_->file, name);
+    Table& table = impl_->file->Tables().Open(entry);
+    return std::make_unique<TableRecordset>(impl_->file, table, entry.system);
+}
+
+std::unique_ptr<Recordset> Database::OpenQuery(std::string_view sql) {
+    impl_->file->RequireOpen();
+    const Query query = ParseQuery(sql);
+    const CatalogEntry& entry = Require(*impl_->file, query.table);
+    Table& table = impl_->file->Tables().Open(entry);
+    return std::make_unique<QueryRecordset>(impl_->file, table, entry.system, query);
+}
+
+}  // namespace jet

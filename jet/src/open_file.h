@@ -1,0 +1,56 @@
+// An open file with its catalogue, shared by the database and the record sets on it.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "catalog/catalog.h"
+#include "jet/database.h"
+#include "page/pager.h"
+
+namespace jet {
+
+// Is told of rows that go, so that a record set never takes another row for its own.
+class RowWatcher {
+public:
+    RowWatcher() = default;
+    RowWatcher(const RowWatcher&) = delete;
+    RowWatcher& operator=(const RowWatcher&) = delete;
+    virtual ~RowWatcher() = default;
+    virtual void RowDeleted(const Table& table, RowId row) = 0;
+};
+
+class OpenFile {
+public:
+    OpenFile(std::unique_ptr<Pager> pager, const Recovery& recovery);
+    ~OpenFile();
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    void Close();
+    [[nodiscard]] bool IsClosed() const { return closed_; }
+    void RequireOpen() const;
+
+    [[nodiscard]] Pager& Pages() { return *pager_; }
+    [[nodiscard]] Catalog& Tables() { return *catalog_; }
+    [[nodiscard]] const Recovery& OpeningRecovery() const { return recovery_; }
+
+    void Watch(RowWatcher& watcher);
+    void Unwatch(RowWatcher& watcher);
+    void TellDeleted(const Table& table, RowId row);
+
+private:
+    std::unique_ptr<Pager> pager_;
+    std::unique_ptr<Catalog> catalog_;
+    Recovery recovery_;
+    std::vector<RowWatcher*> watchers_;
+    bool closed_ = false;
+};
+
+class Database::Impl {
+public:
+    explicit Impl(std::shared_ptr<OpenFile> opened) : file(std::move(opened)) {}
+    std::shared_ptr<OpenFile> file;
+};
+
+}  // namespace jet

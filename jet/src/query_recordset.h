@@ -1,0 +1,34 @@
+// The record set of a query: the places of the rows that it selected, in its order.
+#pragma once
+
+#include "jet/query.h"
+#include "row_cursor.h"
+
+namespace jet {
+
+class QueryRecordset : public RowCursor {
+public:
+    QueryRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system, const Query& query);
+
+    void SetIndex(std::string_view name) override;
+    [[nodiscard]] std::string Index() const override { return {}; }
+    [[nodiscard]] std::int32_t RecordCount() const override;
+    bool Seek(Comparison comparison, std::span<const Value> key) override;
+    [[nodiscard]] bool NoMatch() const override { return false; }
+
+protected:
+    std::optional<RowId> GoFirst() override;
+    std::optional<RowId> GoLast() override;
+    std::optional<RowId> GoNext() override;
+    std::optional<RowId> GoPrevious() override;
+    void RowAdded(RowId row) override { rows_.push_back(row); }
+    void RowDeleted(const Table& table, RowId row) override;
+
+private:
+    std::optional<RowId> GoTo(std::size_t place);
+
+    std::vector<RowId> rows_;
+    std::size_t at_ = 0;  // of the current record, or of the follower of one that is gone
+};
+
+}  // namespace jet

@@ -1,0 +1,299 @@
+#include "row_cursor.h"
+
+#include <cmath>
+#include <numeric>
+
+#include "catalog/new_table.h"
+#include "default_value.h"
+#include "jet/error.h"
+#include "record/text.h"
+
+namespace jet {
+
+namespace {
+
+std::vector<std::size_t> AllColumns(const Definition& definition) {
+    std::vector<std::size_t> columns(definition.columns.size());
+    std::iota(columns.begin(), columns.end(), std::size_t{0});
+    return columns;
+}
+
+[[noreturn]] void ThrowNoCurrent() {
+    throw Error(ErrorKind::kNoCurrentRecord, "There is no current record.");
+}
+
+}  // namespace
+
+RowCursor::RowCursor(std::shared_ptr<OpenFile> file, Table& table, bool system,
+                     std::vector<std::size_t> columns)
+    : file_(std::move(file)),
+      table_(&table),
+      readOnly_(system || file_->Pages().IsReadOnly()),
+      columns_(columns.empty() ? AllColumns(table.Def()) : std::move(columns)) {
+    const TableSchema schema = SchemaOf(table.Name(), table.Def());
+    for (const std::size_t column : columns_) fields_.push_back(schema.columns[column]);
+    file_->Watch(*this);
+}
+
+RowCursor::~RowCursor() {
+    file_->Unwatch(*this);
+}
+
+void RowCursor::Close() {
+    DropEdit();
+    file_->Unwatch(*this);
+    place_ = Place::kNowhere;
+    stored_ = StoredRow();
+}
+
+FieldId RowCursor::Field(std::string_view name) const {
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (fields_[i].name == name) return {static_cast<int>(i)};
+    }
+    const std::u16string wide = WidenName(name);
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        const Column& column = table_->Def().columns[columns_[i]];
+        if (SameName(column.wide, wide, table_->Def().version)) return {static_cast<int>(i)};
+    }
+    throw Error(ErrorKind::kNoSuchField,
+                "The table '" + table_->Name() + "' has no field '" + std::string(name) + "'.");
+}
+
+bool RowCursor::IsBof() const {
+    return place_ == Place::kNowhere || place_ == Place::kBefore;
+}
+
+bool RowCursor::IsEof() const {
+    return place_ == Place::kNowhere || place_ == Place::kBehind;
+}
+
+void RowCursor::Arrive(const std::optional<RowId>& row, Place otherwise) {
+    place_ = row ? Place::kOn : otherwise;
+    if (row) row_ = *row;
+}
+
+void RowCursor::MoveFirst() {
+    RequireOpen();
+    DropEdit();
+    searchFailed_ = false;
+    Arrive(GoFirst(), Place::kNowhere);
+}
+
+void RowCursor::MoveLast() {
+    RequireOpen();
+    DropEdit();
+    searchFailed_ = false;
+    Arrive(GoLast(), Place::kNowhere);
+}
+
+void RowCursor::MoveNext() {
+    RequireOpen();
+    DropEdit();
+    searchFailed_ = false;
+    if (place_ == Place::kNowhere || place_ == Place::kBehind) ThrowNoCurrent();
+    Arrive(place_ == Place::kBefore ? GoFirst() : GoNext(), Place::kBehind);
+}
+
+void RowCursor::MovePrevious() {
+    RequireOpen();
+    DropEdit();
+    searchFailed_ = false;
+    if (place_ == Place::kNowhere || place_ == Place::kBefore) ThrowNoCurrent();
+    Arrive(place_ == Place::kBehind ? GoLast() : GoPrevious(), Place::kBefore);
+}
+
+void RowCursor::RowDeleted(const Table& table, RowId row) {
+    if (&table == table_ && place_ == Place::kOn && row == row_) place_ = Place::kGone;
+}
+
+std::size_t RowCursor::ColumnOf(FieldId field) const {
+    if (field.position < 0 || static_cast<std::size_t>(field.position) >= columns_.size()) {
+        throw Error(ErrorKind::kNoSuchField, "The record set has no such field.");
+    }
+    return columns_[static_cast<std::size_t>(field.position)];
+}
+
+bool RowCursor::IsInEdit(std::size_t column) const {
+    return edit_ == EditKind::kAdd || (edit_ == EditKind::kEdit && values_.given[column]);
+}
+
+const RowView& RowCursor::CurrentView() const {
+    RequireOpen();
+    if (place_ != Place::kOn) ThrowNoCurrent();
+    const std::uint64_t change = table_->Pages().ChangeCount();
+    if (viewRow_ == row_ && viewChange_ == change) return view_;
+    // A page that changed may be another one in memory now.
+    if (viewChange_ != change) stored_ = StoredRow();
+    viewRow_ = RowId();
+    if (!table_->Rows().Find(row_, stored_)) {
+        throw Error(ErrorKind::kDamaged, "The file is damaged: a record of the table '" +
+                                             table_->Name() + "' is missing.");
+    }
+    view_ = table_->View(stored_.bytes);
+    viewRow_ = row_;
+    viewChange_ = change;
+    return view_;
+}
+
+Value RowCursor::Get(FieldId field) const {
+    RequireOpen();
+    const std::size_t column = ColumnOf(field);
+    if (IsInEdit(column)) return values_.values[column];
+    return table_->ReadValue(CurrentView(), column);
+}
+
+bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const {
+    const std::size_t column = ColumnOf(field);
+    const ColumnType type = table_->Def().columns[column].type;
+    const bool exact =
+        type == ColumnType::kLong || type == ColumnType::kInteger || type == ColumnType::kByte;
+    if (!exact || IsInEdit(column)) {
+        const Value value = Get(field);
+        if (value.IsNull()) return false;
+        into = value.AsLong();
+        return true;
+    }
+    double number = 0;
+    if (!ReadDouble(field, number)) return false;
+    into = static_cast<std::int32_t>(number);
+    return true;
+}
+
+bool RowCursor::ReadSingle(FieldId field, float& into) const {
+    const std::size_t column = ColumnOf(field);
+    if (IsInEdit(column) || table_->Def().columns[column].type != ColumnType::kSingle) {
+        const Value value = Get(field);
+        if (value.IsNull()) return false;
+        into = value.AsSingle();
+        return true;
+    }
+    double number = 0;
+    if (!ReadDouble(field, number)) return false;
+    into = static_cast<float>(number);
+    return true;
+}
+
+bool RowCursor::ReadDouble(FieldId field, double& into) const {
+    const std::size_t column = ColumnOf(field);
+    const Column& stored = table_->Def().columns[column];
+    if (!IsInEdit(column) && stored.type != ColumnType::kBoolean) {
+        const auto bytes = table_->ColumnBytes(CurrentView(), column);
+        if (!bytes) return false;
+        if (DecodeNumber(stored, *bytes, into)) return true;
+    }
+    const Value value = Get(field);
+    if (value.IsNull()) return false;
+    into = value.AsDouble();
+    return true;
+}
+
+bool RowCursor::ReadText(FieldId field, std::u16string& into) const {
+    const std::size_t column = ColumnOf(field);
+    if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
+    const Value& value = values_.values[column];
+    if (value.IsNull()) return false;
+    into = value.AsText();
+    return true;
+}
+
+void RowCursor::RequireWritable() const {
+    RequireOpen();
+    if (!readOnly_) return;
+    throw Error(ErrorKind::kReadOnly,
+                "The table '" + table_->Name() + "' is open for reading only.");
+}
+
+void RowCursor::RequireCurrent() const {
+    if (place_ != Place::kOn || searchFailed_) ThrowNoCurrent();
+}
+
+void RowCursor::StartValues(EditKind kind) {
+    const std::size_t count = table_->Def().columns.size();
+    values_.values.assign(count, Value());
+    values_.given.assign(count, false);
+    edit_ = kind;
+}
+
+void RowCursor::AddNew() {
+    RequireWritable();
+    StartValues(EditKind::kAdd);
+    FillDefaults();
+}
+
+// The number of an auto-number field shows at once; it is given out when the record is written.
+void RowCursor::FillDefaults() {
+    const auto& columns = table_->Def().columns;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].type == ColumnType::kBoolean) values_.values[i] = false;
+        if (columns[i].autoNumber) {
+            values_.values[i] = static_cast<std::int32_t>(table_->Counters().LastAutoNumber() + 1);
+            continue;
+        }
+        const auto value = LiteralDefault(columns[i], table_->Def().version);
+        if (!value) continue;
+        values_.values[i] = *value;
+        values_.given[i] = true;
+    }
+}
+
+void RowCursor::Edit() {
+    RequireWritable();
+    RequireCurrent();
+    static_cast<void>(CurrentView());
+    StartValues(EditKind::kEdit);
+}
+
+void RowCursor::Set(FieldId field, const Value& value) {
+    RequireOpen();
+    const std::size_t column = ColumnOf(field);
+    if (edit_ == EditKind::kNone) {
+        throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
+    }
+    values_.values[column] =
+        ConvertForColumn(table_->Def().columns[column], value, table_->Def().version);
+    values_.given[column] = true;
+}
+
+void RowCursor::Update() {
+    RequireWritable();
+    if (edit_ == EditKind::kNone) {
+        throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
+    }
+    if (edit_ == EditKind::kEdit) RequireCurrent();
+    RowId row = row_;
+    {
+        Operation operation(table_->Pages());
+        if (edit_ == EditKind::kAdd) {
+            row = table_->Insert(operation, values_);
+        } else {
+            table_->Update(operation, row_, values_);
+        }
+        operation.Commit();
+    }
+    const EditKind kind = edit_;
+    DropEdit();
+    if (kind == EditKind::kAdd) {
+        RowAdded(row);
+    } else {
+        CurrentChanged();
+    }
+}
+
+void RowCursor::CancelUpdate() {
+    RequireOpen();
+    DropEdit();
+}
+
+void RowCursor::Delete() {
+    RequireWritable();
+    DropEdit();
+    RequireCurrent();
+    {
+        Operation operation(table_->Pages());
+        table_->Delete(operation, row_);
+        operation.Commit();
+    }
+    file_->TellDeleted(*table_, row_);
+}
+
+}  // namespace jet

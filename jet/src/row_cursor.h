@@ -1,0 +1,109 @@
+// What both kinds of record set share: the current record, reading its fields, and the open edit.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "jet/recordset.h"
+#include "open_file.h"
+#include "table/table.h"
+
+namespace jet {
+
+class RowCursor : public Recordset, public RowWatcher {
+public:
+    ~RowCursor() override;
+
+    void Close() override;
+    [[nodiscard]] const std::vector<ColumnSchema>& Fields() const override { return fields_; }
+    [[nodiscard]] FieldId Field(std::string_view name) const override;
+    [[nodiscard]] bool IsBof() const override;
+    [[nodiscard]] bool IsEof() const override;
+
+    void MoveFirst() override;
+    void MoveLast() override;
+    void MoveNext() override;
+    void MovePrevious() override;
+
+    [[nodiscard]] Value Get(FieldId field) const override;
+    bool ReadLong(FieldId field, std::int32_t& into) const override;
+    bool ReadSingle(FieldId field, float& into) const override;
+    bool ReadDouble(FieldId field, double& into) const override;
+    bool ReadText(FieldId field, std::u16string& into) const override;
+
+    void AddNew() override;
+    void Edit() override;
+    void Set(FieldId field, const Value& value) override;
+    void Update() override;
+    void CancelUpdate() override;
+    void Delete() override;
+    [[nodiscard]] bool IsEditing() const override { return edit_ != EditKind::kNone; }
+
+protected:
+    // `columns` are the positions of the fields in the table; empty for all.
+    RowCursor(std::shared_ptr<OpenFile> file, Table& table, bool system,
+              std::vector<std::size_t> columns);
+
+    enum class Place {
+        kNowhere,  // there was no record to go to
+        kBefore,   // before the first
+        kOn,       // on `row_`
+        kGone,     // on a record that was deleted; its place is still known
+        kBehind,   // behind the last
+    };
+
+    // The subclass knows the order. Each gives the record and notes whatever else it needs to go on
+    // from there; the two neighbours are those of the current place.
+    virtual std::optional<RowId> GoFirst() = 0;
+    virtual std::optional<RowId> GoLast() = 0;
+    virtual std::optional<RowId> GoNext() = 0;
+    virtual std::optional<RowId> GoPrevious() = 0;
+    // The current record was changed; `row_` was added.
+    virtual void CurrentChanged() {}
+    virtual void RowAdded(RowId row) { static_cast<void>(row); }
+
+    void RequireOpen() const { file_->RequireOpen(); }
+    void DropEdit() { edit_ = EditKind::kNone; }
+    void Arrive(const std::optional<RowId>& row, Place otherwise);
+    [[nodiscard]] OpenFile& File() const { return *file_; }
+    [[nodiscard]] Table& Source() const { return *table_; }
+    [[nodiscard]] Place Where() const { return place_; }
+    [[nodiscard]] RowId Row() const { return row_; }
+    void SetGone() { place_ = Place::kGone; }
+    // After a search that found nothing the former record can be read but not be changed.
+    void SetSearchFailed(bool failed) { searchFailed_ = failed; }
+    [[nodiscard]] const RowView& CurrentView() const;
+    void RowDeleted(const Table& table, RowId row) override;
+
+private:
+    enum class EditKind { kNone, kAdd, kEdit };
+
+    [[nodiscard]] std::size_t ColumnOf(FieldId field) const;
+    // True when the value is that of the edit, not of the stored record.
+    [[nodiscard]] bool IsInEdit(std::size_t column) const;
+    void RequireChangeable() const;
+    void RequireCurrent() const;
+    void RequireWritable() const;
+    void StartValues(EditKind kind);
+    void FillDefaults();
+
+    std::shared_ptr<OpenFile> file_;
+    Table* table_;
+    bool readOnly_;
+    std::vector<std::size_t> columns_;
+    std::vector<ColumnSchema> fields_;
+    Place place_ = Place::kNowhere;
+    RowId row_;
+    bool searchFailed_ = false;
+    EditKind edit_ = EditKind::kNone;
+    RowValues values_;
+    // The current record's bytes, as long as nothing changes.
+    mutable StoredRow stored_;
+    mutable RowView view_;
+    mutable RowId viewRow_;
+    mutable std::uint64_t viewChange_ = 0;
+};
+
+}  // namespace jet

@@ -1,0 +1,342 @@
+#include "table/table.h"
+
+#include <algorithm>
+#include <random>
+
+#include "jet/error.h"
+#include "page/bytes.h"
+#include "record/long_value.h"
+#include "record/text.h"
+
+namespace jet {
+
+namespace {
+
+Guid RandomGuid() {
+    std::random_device source;
+    Guid guid;
+    for (std::byte& byte : guid.bytes) byte = static_cast<std::byte>(source() & 0xFF);
+    // The marks of a random identifier, in the third and fourth field.
+    guid.bytes[7] = (guid.bytes[7] & std::byte{0x0F}) | std::byte{0x40};
+    guid.bytes[8] = (guid.bytes[8] & std::byte{0x3F}) | std::byte{0x80};
+    return guid;
+}
+
+}  // namespace
+
+Table::Table(Pager& pager, std::string name, Definition definition)
+    : pager_(&pager),
+      name_(std::move(name)),
+      definition_(std::move(definition)),
+      rows_(pager, definition_.page, definition_.ownedMap, definition_.freeMap) {
+    for (std::size_t i = 0; i < definition_.realIndexes.size(); ++i) {
+        indexes_.push_back(std::make_unique<TableIndex>(pager, definition_, i));
+    }
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        const Column& column = definition_.columns[i];
+        if (!column.fixed && column.type != ColumnType::kBoolean) variableOrder_.push_back(i);
+        hasAutoColumn_ = hasAutoColumn_ || column.autoNumber || column.autoGuid;
+    }
+    std::sort(variableOrder_.begin(), variableOrder_.end(),
+              [this](std::size_t left, std::size_t right) {
+                  return definition_.columns[left].variableIndex <
+                         definition_.columns[right].variableIndex;
+              });
+    newKeys_.resize(indexes_.size());
+    oldKeys_.resize(indexes_.size());
+}
+
+std::optional<Bytes> Table::ColumnBytes(const RowView& row, std::size_t column) const {
+    const Column& wanted = definition_.columns[column];
+    if (!row.IsSet(wanted.number)) return std::nullopt;
+    if (wanted.fixed) return row.Fixed(wanted.fixedOffset, wanted.length);
+    if (wanted.variableIndex >= row.VariableCount()) return std::nullopt;
+    return row.Variable(wanted.variableIndex);
+}
+
+Value Table::ReadValue(const RowView& row, std::size_t column) const {
+    const Column& wanted = definition_.columns[column];
+    if (wanted.type == ColumnType::kBoolean) return row.IsSet(wanted.number);
+    const auto bytes = ColumnBytes(row, column);
+    if (!bytes) return {};
+    if (!IsLongValue(wanted.type)) return DecodeValue(wanted, *bytes, definition_.version);
+    longValue_.clear();
+    ReadLongValue(*pager_, *bytes, longValue_);
+    return DecodeValue(wanted, longValue_, definition_.version);
+}
+
+bool Table::ReadText(const RowView& row, std::size_t column, std::u16string& into) const {
+    const Column& wanted = definition_.columns[column];
+    if (wanted.type != ColumnType::kText && wanted.type != ColumnType::kMemo) {
+        const Value value = ReadValue(row, column);
+        if (value.IsNull()) return false;
+        into = value.AsText();
+        return true;
+    }
+    const auto bytes = ColumnBytes(row, column);
+    if (!bytes) return false;
+    if (wanted.type == ColumnType::kText) {
+        DecodeText(*bytes, definition_.version, into);
+        return true;
+    }
+    longValue_.clear();
+    ReadLongValue(*pager_, *bytes, longValue_);
+    DecodeText(longValue_, definition_.version, into);
+    return true;
+}
+
+void Table::RequireWritable() const {
+    for (const LogicalIndex& index : definition_.logicalIndexes) {
+        if (index.role != IndexRole::kRelation && !index.partnerTable) continue;
+        throw Error(ErrorKind::kUnsupported,
+                    "The table '" + name_ + "' takes part in the relationship '" + index.name +
+                        "', whose rules cannot be kept here, so it is not written to.");
+    }
+    if (!definition_.ownedMap || !definition_.freeMap) {
+        throw Error(ErrorKind::kUnsupported,
+                    "The table '" + name_ + "' has no list of its pages, so it is not written to.");
+    }
+}
+
+void Table::RequireIndex(const TableIndex& index) const {
+    if (!index.Obstacle()) return;
+    throw Error(ErrorKind::kUnsupported, "The index '" + index.Name() + "' of the table '" + name_ +
+                                             "' cannot be kept right (" + *index.Obstacle() +
+                                             "), so the change is refused.");
+}
+
+void Table::RequireValues(const RowValues& row, bool isNew) const {
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        const Column& column = definition_.columns[i];
+        if (!column.required || !(row.given[i] ? row.values[i].IsNull() : isNew)) continue;
+        throw Error(ErrorKind::kNullNotAllowed,
+                    "The field '" + column.name +
+                        "' cannot contain a null value because it is a required field.");
+    }
+}
+
+void Table::RequireAllowed(const TableIndex& index, const TableIndex::RowKey& key,
+                           RowId except) const {
+    if (key.anyNull && index.IsRequired()) {
+        throw Error(ErrorKind::kNullNotAllowed,
+                    "Index or primary key '" + index.Name() + "' cannot contain a null value.");
+    }
+    if (!index.IsUnique() || key.allNull || !index.Tree().HasKey(key.key, except)) return;
+    throw Error(ErrorKind::kDuplicateKey,
+                "The change would create a second record with the same values in the index '" +
+                    index.Name() + "'.");
+}
+
+void Table::EnterKey(std::size_t index, const Key& key, RowId id) {
+    if (indexes_[index]->Tree().Insert(key, id)) Counters().AddDistinctKey(index);
+}
+
+void Table::EraseKey(std::size_t index, const Key& key, RowId id) {
+    indexes_[index]->Tree().Erase(key, id);
+}
+
+void Table::RaiseAutoNumber(std::int32_t value) {
+    if (value > static_cast<std::int32_t>(Counters().LastAutoNumber())) {
+        Counters().SetLastAutoNumber(static_cast<std::uint32_t>(value));
+    }
+}
+
+RowValues Table::WithAutoNumbers(const RowValues& row) {
+    RowValues numbered = row;
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        const Column& column = definition_.columns[i];
+        if (!column.autoNumber && !column.autoGuid) continue;
+        const bool missing = !row.given[i] || row.values[i].IsNull();
+        numbered.given[i] = true;
+        if (column.autoGuid) {
+            if (missing) numbered.values[i] = RandomGuid();
+        } else if (missing) {
+            const std::uint32_t next = Counters().LastAutoNumber() + 1;
+            Counters().SetLastAutoNumber(next);
+            numbered.values[i] = static_cast<std::int32_t>(next);
+        } else {
+            RaiseAutoNumber(row.values[i].AsLong());
+        }
+    }
+    return numbered;
+}
+
+void Table::BuildLongValue(const Column& column, const Value& value, std::vector<std::byte>& into) {
+    const LongValueMaps* maps = definition_.FindLongValueMaps(column.number);
+    if (maps == nullptr || !maps->owned) {
+        throw Error(ErrorKind::kUnsupported, "The field '" + column.name +
+                                                 "' has no list of its pages, so it is not "
+                                                 "written to.");
+    }
+    longValue_.clear();
+    std::size_t plainLength = 0;
+    if (const auto* text = std::get_if<std::u16string>(&value.Get())) {
+        plainLength = text->size() * pager_->FileFormat().bytesPerCharacter;
+        EncodeText(*text, definition_.version, plainLength <= pager_->FileFormat().longValueInRow,
+                   longValue_);
+    } else if (const auto* bytes = std::get_if<Binary>(&value.Get())) {
+        plainLength = bytes->size();
+        longValue_.assign(bytes->begin(), bytes->end());
+    }
+    LongValueStore(*pager_, maps->owned, maps->free).Write(longValue_, plainLength, into);
+}
+
+std::optional<Bytes> Table::OldBytes(const RowView* old, std::size_t column) const {
+    return old == nullptr ? std::nullopt : ColumnBytes(*old, column);
+}
+
+void Table::BuildFixedPart(const RowValues& row, const RowView* old) {
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        const Column& column = definition_.columns[i];
+        if (column.type == ColumnType::kBoolean) {
+            const bool set = row.given[i] ? !row.values[i].IsNull() && row.values[i].AsBoolean()
+                                          : old != nullptr && old->IsSet(column.number);
+            if (set) builder_.Set(column.number);
+            continue;
+        }
+        if (!column.fixed) continue;
+        fixedValue_.clear();
+        if (!row.given[i]) {
+            const auto bytes = OldBytes(old, i);
+            if (!bytes) continue;
+            fixedValue_.assign(bytes->begin(), bytes->end());
+        } else {
+            if (row.values[i].IsNull()) continue;
+            EncodeValue(column, row.values[i], definition_.version, fixedValue_);
+        }
+        builder_.Set(column.number);
+        const MutableBytes place = builder_.Fixed(column.fixedOffset, column.length);
+        std::copy_n(fixedValue_.begin(), std::min(fixedValue_.size(), place.size()), place.begin());
+    }
+}
+
+void Table::BuildVariablePart(const RowValues& row, const RowView* old) {
+    for (const std::size_t i : variableOrder_) {
+        const Column& column = definition_.columns[i];
+        std::vector<std::byte>& into = builder_.StartVariable(column.variableIndex);
+        if (!row.given[i]) {
+            const auto bytes = OldBytes(old, i);
+            if (!bytes) continue;
+            into.insert(into.end(), bytes->begin(), bytes->end());
+        } else if (row.values[i].IsNull()) {
+            continue;
+        } else if (IsLongValue(column.type)) {
+            BuildLongValue(column, row.values[i], into);
+        } else {
+            EncodeValue(column, row.values[i], definition_.version, into);
+        }
+        builder_.Set(column.number);
+    }
+}
+
+// Columns that are not given keep the bytes of the old row, the heads of long values included.
+Bytes Table::BuildRow(const RowValues& row, const RowView* old) {
+    builder_.Start(pager_->FileFormat(), definition_.shape);
+    BuildFixedPart(row, old);
+    BuildVariablePart(row, old);
+    return builder_.Finish();
+}
+
+void Table::ReleaseLongValues(const RowView& old, const RowValues* replacedBy) {
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        const Column& column = definition_.columns[i];
+        if (!IsLongValue(column.type) || (replacedBy != nullptr && !replacedBy->given[i])) continue;
+        const auto bytes = ColumnBytes(old, i);
+        const auto head = bytes ? ReadLongValueHead(*bytes) : std::nullopt;
+        if (!head || head->form == LongValueForm::kInline) continue;
+        const LongValueMaps* maps = definition_.FindLongValueMaps(column.number);
+        if (maps == nullptr || !maps->owned) {
+            ThrowDamaged("The file is damaged: the pages of a long value are not listed.");
+        }
+        LongValueStore(*pager_, maps->owned, maps->free).Release(*bytes);
+    }
+}
+
+RowView Table::TakeOldRow(RowId id) {
+    StoredRow stored;
+    if (!rows_.Find(id, stored)) {
+        throw Error(ErrorKind::kNoCurrentRecord, "The record has been deleted.");
+    }
+    oldRow_.assign(stored.bytes.begin(), stored.bytes.end());
+    return View(oldRow_);
+}
+
+RowId Table::Insert(Operation& /*operation*/, const RowValues& given) {
+    RequireWritable();
+    RequireValues(given, true);
+    RowValues numbered;
+    if (hasAutoColumn_) numbered = WithAutoNumbers(given);
+    const RowValues& row = hasAutoColumn_ ? numbered : given;
+    const auto value = [&row](std::size_t column) {
+        return row.given[column] ? row.values[column] : Value();
+    };
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        RequireIndex(*indexes_[i]);
+        indexes_[i]->MakeRowKey(value, newKeys_[i]);
+        RequireAllowed(*indexes_[i], newKeys_[i], {});
+    }
+    const RowId id = rows_.Insert(BuildRow(row, nullptr));
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        if (newKeys_[i].entered) EnterKey(i, newKeys_[i].key, id);
+    }
+    Counters().AddRows(1);
+    return id;
+}
+
+std::vector<std::size_t> Table::ChangedIndexes(const RowView& old, const RowValues& row, RowId id) {
+    const auto oldValue = [&](std::size_t column) { return ReadValue(old, column); };
+    const auto newValue = [&](std::size_t column) {
+        return row.given[column] ? row.values[column] : ReadValue(old, column);
+    };
+    std::vector<std::size_t> changed;
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        const RealIndex& real = indexes_[i]->Real();
+        const bool concerned =
+            real.unknownPart || std::any_of(real.parts.begin(), real.parts.end(),
+                                            [&row](const RealIndex::Part& part) -> bool {
+                                                return row.given[part.column];
+                                            });
+        if (!concerned) continue;
+        RequireIndex(*indexes_[i]);
+        indexes_[i]->MakeRowKey(std::ref(newValue), newKeys_[i]);
+        indexes_[i]->MakeRowKey(std::ref(oldValue), oldKeys_[i]);
+        if (newKeys_[i].key == oldKeys_[i].key) continue;
+        RequireAllowed(*indexes_[i], newKeys_[i], id);
+        changed.push_back(i);
+    }
+    return changed;
+}
+
+void Table::Update(Operation& /*operation*/, RowId id, const RowValues& row) {
+    RequireWritable();
+    RequireValues(row, false);
+    const RowView old = TakeOldRow(id);
+    const std::vector<std::size_t> changed = ChangedIndexes(old, row, id);
+    rows_.Replace(id, BuildRow(row, &old));
+    ReleaseLongValues(old, &row);
+    for (const std::size_t i : changed) {
+        if (oldKeys_[i].entered) EraseKey(i, oldKeys_[i].key, id);
+        if (newKeys_[i].entered) EnterKey(i, newKeys_[i].key, id);
+    }
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        if (definition_.columns[i].autoNumber && row.given[i]) {
+            RaiseAutoNumber(row.values[i].AsLong());
+        }
+    }
+}
+
+void Table::Delete(Operation& /*operation*/, RowId id) {
+    RequireWritable();
+    for (const auto& index : indexes_) RequireIndex(*index);
+    const RowView old = TakeOldRow(id);
+    const auto value = [&](std::size_t column) { return ReadValue(old, column); };
+    for (std::size_t i = 0; i < indexes_.size(); ++i) {
+        indexes_[i]->MakeRowKey(value, oldKeys_[i]);
+        if (oldKeys_[i].entered) EraseKey(i, oldKeys_[i].key, id);
+    }
+    ReleaseLongValues(old, nullptr);
+    rows_.Remove(id);
+    Counters().AddRows(-1);
+}
+
+}  // namespace jet

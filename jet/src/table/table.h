@@ -1,0 +1,95 @@
+// A table: its rows and all of its indexes, changed as one.
+//
+// Reading goes through views of the stored bytes. Each of the three changes takes the open
+// Operation that makes it whole; what it wrote before an error goes with that operation.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "jet/value.h"
+#include "page/pager.h"
+#include "record/row.h"
+#include "table/definition.h"
+#include "table/row_keys.h"
+#include "table/row_store.h"
+
+namespace jet {
+
+// The new values of a row, by the columns' positions; only those marked as given count.
+struct RowValues {
+    std::vector<Value> values;
+    std::vector<bool> given;
+};
+
+class Table {
+public:
+    Table(Pager& pager, std::string name, Definition definition);
+    Table(const Table&) = delete;
+    Table& operator=(const Table&) = delete;
+
+    [[nodiscard]] const std::string& Name() const { return name_; }
+    [[nodiscard]] const Definition& Def() const { return definition_; }
+    [[nodiscard]] Pager& Pages() const { return *pager_; }
+    [[nodiscard]] RowStore& Rows() { return rows_; }
+    [[nodiscard]] DefinitionCounters Counters() const { return {*pager_, definition_.page}; }
+    // One for each real index.
+    [[nodiscard]] const std::vector<std::unique_ptr<TableIndex>>& Indexes() const {
+        return indexes_;
+    }
+
+    [[nodiscard]] RowView View(Bytes row) const {
+        return {row, pager_->FileFormat(), definition_.shape};
+    }
+    // The stored bytes of a column that is not boolean; nothing for null.
+    [[nodiscard]] std::optional<Bytes> ColumnBytes(const RowView& row, std::size_t column) const;
+    [[nodiscard]] Value ReadValue(const RowView& row, std::size_t column) const;
+    // The text of a text or memo column, into memory that is used again; false for null.
+    bool ReadText(const RowView& row, std::size_t column, std::u16string& into) const;
+
+    // Values must have been converted (ConvertForColumn). Errors: kDuplicateKey, kNullNotAllowed,
+    // kRecordTooLarge, kUnsupported and those of the pager.
+    RowId Insert(Operation& operation, const RowValues& row);
+    void Update(Operation& operation, RowId id, const RowValues& row);
+    void Delete(Operation& operation, RowId id);
+
+private:
+    void RequireWritable() const;
+    void RequireIndex(const TableIndex& index) const;
+    void RequireValues(const RowValues& row, bool isNew) const;
+    void RequireAllowed(const TableIndex& index, const TableIndex::RowKey& key, RowId except) const;
+    void EnterKey(std::size_t index, const Key& key, RowId id);
+    void EraseKey(std::size_t index, const Key& key, RowId id);
+    Bytes BuildRow(const RowValues& row, const RowView* old);
+    void BuildLongValue(const Column& column, const Value& value, std::vector<std::byte>& into);
+    void ReleaseLongValues(const RowView& old, const RowValues* replacedBy);
+    RowValues WithAutoNumbers(const RowValues& row);
+    void RaiseAutoNumber(std::int32_t value);
+    void BuildFixedPart(const RowValues& row, const RowView* old);
+    void BuildVariablePart(const RowValues& row, const RowView* old);
+    std::optional<Bytes> OldBytes(const RowView* old, std::size_t column) const;
+    // The indexes whose entry differs between the old row and the new values, with both keys made.
+    std::vector<std::size_t> ChangedIndexes(const RowView& old, const RowValues& row, RowId id);
+    // A copy of the row's bytes, since the page is about to change.
+    RowView TakeOldRow(RowId id);
+
+    Pager* pager_;
+    std::string name_;
+    Definition definition_;
+    RowStore rows_;
+    std::vector<std::unique_ptr<TableIndex>> indexes_;
+    std::vector<std::size_t> variableOrder_;  // positions of the variable columns
+    bool hasAutoColumn_ = false;
+    // Memory that is used again from one row to the next.
+    RowBuilder builder_;
+    std::vector<std::byte> fixedValue_;
+    std::vector<std::byte> oldRow_;
+    mutable std::vector<std::byte> longValue_;
+    std::vector<TableIndex::RowKey> newKeys_;
+    std::vector<TableIndex::RowKey> oldKeys_;
+};
+
+}  // namespace jet

@@ -1,0 +1,113 @@
+#include "table_recordset.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "jet/error.h"
+#include "record/text.h"
+
+namespace jet {
+
+namespace {
+
+bool BeginsWith(const Key& key, const Key& start) {
+    return key.size() >= start.size() && std::equal(start.begin(), start.end(), key.begin());
+}
+
+}  // namespace
+
+TableRecordset::TableRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system)
+    : RowCursor(std::move(file), table, system, {}) {
+    Arrive(GoFirst(), Place::kNowhere);
+}
+
+void TableRecordset::SetIndex(std::string_view name) {
+    RequireOpen();
+    DropEdit();
+    SetSearchFailed(false);
+    if (name.empty()) {
+        index_ = nullptr;
+        indexName_.clear();
+    } else {
+        const LogicalIndex* found = Source().Def().FindIndex(WidenName(name));
+        if (found == nullptr) {
+            throw Error(ErrorKind::kNoSuchIndex, "The table '" + Source().Name() +
+                                                     "' has no index '" + std::string(name) + "'.");
+        }
+        index_ = Source().Indexes()[found->real].get();
+        indexName_ = found->name;
+    }
+    Arrive(GoFirst(), Place::kNowhere);
+}
+
+std::int32_t TableRecordset::RecordCount() const {
+    RequireOpen();
+    const std::uint32_t count = Source().Counters().RowCount();
+    constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(count, kMost));
+}
+
+std::optional<IndexEntry> TableRecordset::Search(Comparison comparison, Bytes key) const {
+    const IndexTree& tree = index_->Tree();
+    switch (comparison) {
+        case Comparison::kEqual:
+        case Comparison::kGreaterOrEqual:
+            return tree.FirstNotBelow(key);
+        case Comparison::kGreater:
+            return tree.FirstBeyond(key);
+        case Comparison::kLess:
+            return tree.LastBelow(key);
+        case Comparison::kLessOrEqual:
+            return tree.LastNotBeyond(key);
+    }
+    return std::nullopt;
+}
+
+bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) {
+    RequireOpen();
+    DropEdit();
+    if (index_ == nullptr) {
+        throw Error(ErrorKind::kNoSuchIndex,
+                    "No index of the table '" + Source().Name() + "' has been chosen.");
+    }
+    index_->MakeSearchKey(key, searchKey_);
+    auto found = Search(comparison, searchKey_);
+    noMatch_ = !found || (comparison == Comparison::kEqual && !BeginsWith(found->key, searchKey_));
+    SetSearchFailed(noMatch_);
+    if (noMatch_) return false;
+    Arrive(GoTo(std::move(found)), Place::kNowhere);
+    return true;
+}
+
+std::optional<RowId> TableRecordset::GoTo(std::optional<IndexEntry> entry) {
+    if (!entry) return std::nullopt;
+    entry_ = std::move(*entry);
+    return entry_.row;
+}
+
+std::optional<RowId> TableRecordset::GoFirst() {
+    return index_ == nullptr ? Source().Rows().First() : GoTo(index_->Tree().First());
+}
+
+std::optional<RowId> TableRecordset::GoLast() {
+    return index_ == nullptr ? Source().Rows().Last() : GoTo(index_->Tree().Last());
+}
+
+std::optional<RowId> TableRecordset::GoNext() {
+    return index_ == nullptr ? Source().Rows().After(Row()) : GoTo(index_->Tree().After(entry_));
+}
+
+std::optional<RowId> TableRecordset::GoPrevious() {
+    return index_ == nullptr ? Source().Rows().Before(Row()) : GoTo(index_->Tree().Before(entry_));
+}
+
+// The record stays the current one, at the place that its new values give it in the index.
+void TableRecordset::CurrentChanged() {
+    if (index_ == nullptr || index_->Obstacle()) return;
+    const RowView& view = CurrentView();
+    TableIndex::RowKey key;
+    index_->MakeRowKey([&](std::size_t column) { return Source().ReadValue(view, column); }, key);
+    if (key.entered) entry_.key = std::move(key.key);
+}
+
+}  // namespace jet

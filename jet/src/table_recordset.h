@@ -1,0 +1,36 @@
+// The record set of a whole table, in stored order or in that of an index.
+#pragma once
+
+#include "row_cursor.h"
+
+namespace jet {
+
+class TableRecordset : public RowCursor {
+public:
+    TableRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system);
+
+    void SetIndex(std::string_view name) override;
+    [[nodiscard]] std::string Index() const override { return indexName_; }
+    [[nodiscard]] std::int32_t RecordCount() const override;
+    bool Seek(Comparison comparison, std::span<const Value> key) override;
+    [[nodiscard]] bool NoMatch() const override { return noMatch_; }
+
+protected:
+    std::optional<RowId> GoFirst() override;
+    std::optional<RowId> GoLast() override;
+    std::optional<RowId> GoNext() override;
+    std::optional<RowId> GoPrevious() override;
+    void CurrentChanged() override;
+
+private:
+    std::optional<RowId> GoTo(std::optional<IndexEntry> entry);
+    [[nodiscard]] std::optional<IndexEntry> Search(Comparison comparison, Bytes key) const;
+
+    const TableIndex* index_ = nullptr;
+    std::string indexName_;
+    IndexEntry entry_;  // the current place in the index
+    Key searchKey_;
+    bool noMatch_ = false;
+};
+
+}  // namespace jet
