@@ -175,7 +175,7 @@ std::vector<int> FlexGridHeader::RowHeights() const {
 
 // The header's font, made smaller within reason where a line would not fit otherwise.
 QFont FlexGridHeader::FittingFont(const Block& block) const {
-    const int room = BlockRect(block).width() - 2 * kPadding;
+    const int room = BlockRect(block).width() - 2 * kMargin;
     int widest = 0;
     for (const QString& line : Lines(model_.Text(block.top, block.left))) {
         widest = std::max(widest, fontMetrics().horizontalAdvance(line));
@@ -190,7 +190,7 @@ QFont FlexGridHeader::FittingFont(const Block& block) const {
 
 QStringList FlexGridHeader::ShownLines(const Block& block) const {
     QStringList shown;
-    const int room = BlockRect(block).width() - kPadding;
+    const int room = BlockRect(block).width() - 2 * kMargin;
     const QFontMetrics metrics(FittingFont(block));
     for (const QString& line : Lines(model_.Text(block.top, block.left))) {
         shown += metrics.elidedText(line, Qt::ElideRight, room);
