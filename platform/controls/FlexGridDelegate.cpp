@@ -7,12 +7,22 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include "platform/controls/FlexGridPaint.h"
+#include "platform/text/Numbers.h"
+
 namespace {
 
 bool IsOneCell(const QAbstractItemView& view) {
     const QItemSelection selection = view.selectionModel()->selection();
     return selection.size() == 1 && selection.first().width() == 1 &&
            selection.first().height() == 1;
+}
+
+// How wide a text may be before the style cuts it.
+int TextRoom(const QStyleOptionViewItem& cell) {
+    const QStyle& style = cell.widget != nullptr ? *cell.widget->style() : *QApplication::style();
+    const int margin = style.pixelMetric(QStyle::PM_FocusFrameHMargin, &cell, cell.widget) + 1;
+    return cell.rect.width() - 2 * margin;
 }
 
 }  // namespace
@@ -30,6 +40,11 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
         cell.state &= ~QStyle::State_Selected;
     }
     QStyledItemDelegate::paint(painter, cell, index);
+    painter->save();
+    FlexGridPaint::DrawEdges(
+        *painter, cell.rect,
+        FlexGridPaint::LineColor(cell.palette, QPalette::Base, QPalette::Text));
+    painter->restore();
     if (!current) {
         return;
     }
@@ -38,8 +53,19 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     painter->setPen(
         QPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Highlight), 1,
              selected ? Qt::DotLine : Qt::SolidLine));
-    painter->drawRect(cell.rect.adjusted(0, 0, -1, -1));
+    painter->drawRect(cell.rect.adjusted(0, 0, -2, -2));
     painter->restore();
+}
+
+// A number cut short would be another number: it is set smaller instead.
+void FlexGridDelegate::initStyleOption(QStyleOptionViewItem* option,
+                                       const QModelIndex& index) const {
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (platform::IsPlainNumber(index.data(Qt::EditRole).toString())) {
+        const int room = TextRoom(*option);
+        option->font = FlexGridPaint::FittingFont(option->font, {option->text}, room);
+        option->fontMetrics = QFontMetrics(option->font);
+    }
 }
 
 bool FlexGridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
@@ -49,10 +75,7 @@ bool FlexGridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     }
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    const QRect room =
-        view->style()->subElementRect(QStyle::SE_ItemViewItemText, &cell, cell.widget);
-    const int margin = view->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, &cell, view) + 1;
-    if (cell.fontMetrics.horizontalAdvance(cell.text) > room.width() - 2 * margin) {
+    if (cell.fontMetrics.horizontalAdvance(cell.text) > TextRoom(cell)) {
         QToolTip::showText(event->globalPos(), cell.text.toHtmlEscaped(), view);
     } else {
         QToolTip::hideText();

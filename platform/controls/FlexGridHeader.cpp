@@ -10,12 +10,12 @@
 #include <numeric>
 
 #include "platform/controls/FlexGridModel.h"
+#include "platform/controls/FlexGridPaint.h"
 
 namespace {
 
 constexpr int kPadding = 4;
 constexpr int kMargin = kPadding / 2;
-constexpr double kSmallestScale = 0.7;
 
 QStringList Lines(QString text) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
@@ -173,19 +173,9 @@ std::vector<int> FlexGridHeader::RowHeights() const {
     return heights;
 }
 
-// The header's font, made smaller within reason where a line would not fit otherwise.
 QFont FlexGridHeader::FittingFont(const Block& block) const {
     const int room = BlockRect(block).width() - 2 * kMargin;
-    int widest = 0;
-    for (const QString& line : Lines(model_.Text(block.top, block.left))) {
-        widest = std::max(widest, fontMetrics().horizontalAdvance(line));
-    }
-    QFont fitting = font();
-    if (widest > room) {
-        const double scale = std::max(static_cast<double>(room) / widest, kSmallestScale);
-        fitting.setPointSizeF(QFontInfo(fitting).pointSizeF() * scale);
-    }
-    return fitting;
+    return FlexGridPaint::FittingFont(font(), Lines(model_.Text(block.top, block.left)), room);
 }
 
 QStringList FlexGridHeader::ShownLines(const Block& block) const {
@@ -205,6 +195,9 @@ void FlexGridHeader::PaintBlock(QPainter& painter, const Block& block) const {
     option.section = block.left;
     option.position = QStyleOptionHeader::Middle;
     style()->drawControl(QStyle::CE_HeaderSection, &option, &painter, this);
+    FlexGridPaint::DrawEdges(
+        painter, option.rect,
+        FlexGridPaint::LineColor(palette(), QPalette::Button, QPalette::ButtonText));
     const Qt::Alignment alignment = model_.Column(block.left).fixedAlignment;
     painter.setFont(FittingFont(block));
     style()->drawItemText(&painter, option.rect.adjusted(kMargin, 0, -kMargin, 0),

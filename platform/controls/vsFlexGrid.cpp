@@ -34,6 +34,7 @@ vsFlexGrid::vsFlexGrid(QWidget* parent) : QTableView(parent), impl_(std::make_un
     setSelectionMode(ContiguousSelection);
     setTabKeyNavigation(false);
     setWordWrap(false);
+    setShowGrid(false);  // the cells draw their lines themselves
     setCornerButtonEnabled(false);
     setHorizontalScrollMode(ScrollPerPixel);
     setVerticalScrollMode(ScrollPerPixel);

@@ -152,7 +152,7 @@ QString vsFlexGrid::Clip() const {
 void vsFlexGrid::PlaceEditor() {
     if (impl_ != nullptr && Editing()) {
         // Inside the grid lines.
-        impl_->editor->setGeometry(visualRect(impl_->edited));
+        impl_->editor->setGeometry(visualRect(impl_->edited).adjusted(0, 0, -1, -1));
     }
 }
 

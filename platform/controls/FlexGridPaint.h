@@ -1,0 +1,18 @@
+// What the grid's cells and its fixed rows have in common when they are drawn.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QPalette>
+#include <QStringList>
+
+namespace FlexGridPaint {
+
+// The lines between cells: visible on any palette, loud on none.
+QColor LineColor(const QPalette& palette, QPalette::ColorRole ground, QPalette::ColorRole text);
+// The font, made smaller within reason where the widest line would not fit.
+QFont FittingFont(const QFont& font, const QStringList& lines, int room);
+// Draws a line along the right and one along the bottom edge, inside the rectangle.
+void DrawEdges(QPainter& painter, const QRect& rect, const QColor& color);
+
+}  // namespace FlexGridPaint
