@@ -1,0 +1,197 @@
+// Files of Windows.
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <windows.h>
+
+#include <algorithm>
+#include <string>
+
+#include "jet/error.h"
+#include "jet/file.h"
+
+namespace jet {
+
+namespace {
+
+constexpr DWORD kLargestTransfer = 1U << 24;
+// Locked far beyond the end, because a lock within the file would keep others from reading it.
+constexpr std::uint64_t kLockOffset = std::uint64_t{1} << 62;
+
+[[noreturn]] void ThrowForOpening(DWORD code, const std::filesystem::path& path) {
+    const std::string name = "\"" + path.filename().string() + "\"";
+    switch (code) {
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_PATH_NOT_FOUND:
+        case ERROR_INVALID_NAME:
+        case ERROR_BAD_NETPATH:
+        case ERROR_NOT_READY:
+            throw Error(ErrorKind::kFileNotFound, "The file " + name + " cannot be found.");
+        case ERROR_FILE_EXISTS:
+        case ERROR_ALREADY_EXISTS:
+            throw Error(ErrorKind::kAlreadyExists, "The file " + name + " exists already.");
+        case ERROR_WRITE_PROTECT:
+            throw Error(ErrorKind::kReadOnly, "The medium of " + name + " is read-only.");
+        case ERROR_ACCESS_DENIED:
+            throw Error(ErrorKind::kPermissionDenied, "Access to " + name + " is denied.");
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_LOCK_VIOLATION:
+            throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            throw Error(ErrorKind::kDiskFull, "There is no room left on the disk.");
+        default:
+            throw Error(ErrorKind::kIo, "The file " + name + " cannot be opened.");
+    }
+}
+
+[[noreturn]] void ThrowForTransfer(DWORD code, const char* what) {
+    if (code == ERROR_DISK_FULL || code == ERROR_HANDLE_DISK_FULL) {
+        throw Error(ErrorKind::kDiskFull, "There is no room left on the disk.");
+    }
+    throw Error(ErrorKind::kIo, std::string("The file could not be ") + what + " (system error " +
+                                    std::to_string(code) + ").");
+}
+
+OVERLAPPED At(std::uint64_t offset) {
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(offset & 0xFFFFFFFF);
+    place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    return place;
+}
+
+class WindowsFile final : public File {
+public:
+    explicit WindowsFile(HANDLE handle) : handle_(handle) {}
+    ~WindowsFile() override { ::CloseHandle(handle_); }
+
+    void Read(std::uint64_t offset, std::span<std::byte> into) override {
+        while (!into.empty()) {
+            OVERLAPPED place = At(offset);
+            DWORD got = 0;
+            const auto size =
+                static_cast<DWORD>(std::min<std::size_t>(into.size(), kLargestTransfer));
+            const BOOL done = ::ReadFile(handle_, into.data(), size, &got, &place);
+            const DWORD code = done != 0 ? ERROR_SUCCESS : ::GetLastError();
+            if (code == ERROR_HANDLE_EOF || (done != 0 && got == 0)) {
+                throw Error(ErrorKind::kIo, "The file is shorter than expected.");
+            }
+            if (done == 0) ThrowForTransfer(code, "read");
+            offset += got;
+            into = into.subspan(got);
+        }
+    }
+
+    void Write(std::uint64_t offset, std::span<const std::byte> from) override {
+        while (!from.empty()) {
+            OVERLAPPED place = At(offset);
+            DWORD put = 0;
+            const auto size =
+                static_cast<DWORD>(std::min<std::size_t>(from.size(), kLargestTransfer));
+            if (::WriteFile(handle_, from.data(), size, &put, &place) == 0) {
+                ThrowForTransfer(::GetLastError(), "written");
+            }
+            if (put == 0) ThrowForTransfer(ERROR_DISK_FULL, "written");
+            offset += put;
+            from = from.subspan(put);
+        }
+    }
+
+    std::uint64_t Size() override {
+        LARGE_INTEGER size{};
+        if (::GetFileSizeEx(handle_, &size) == 0) ThrowForTransfer(::GetLastError(), "examined");
+        return static_cast<std::uint64_t>(size.QuadPart);
+    }
+
+    void Truncate(std::uint64_t size) override {
+        FILE_END_OF_FILE_INFO end{};
+        end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+        if (::SetFileInformationByHandle(handle_, FileEndOfFileInfo, &end, sizeof end) == 0) {
+            ThrowForTransfer(::GetLastError(), "shortened");
+        }
+    }
+
+    void Flush() override {
+        if (::FlushFileBuffers(handle_) == 0) {
+            ThrowForTransfer(::GetLastError(), "brought to the disk");
+        }
+    }
+
+    bool TryLock(bool exclusive) override {
+        OVERLAPPED place = At(kLockOffset);
+        const DWORD how = LOCKFILE_FAIL_IMMEDIATELY |
+                          (exclusive ? static_cast<DWORD>(LOCKFILE_EXCLUSIVE_LOCK) : 0);
+        if (::LockFileEx(handle_, how, 0, 1, 0, &place) != 0) return true;
+        const DWORD code = ::GetLastError();
+        if (code == ERROR_LOCK_VIOLATION || code == ERROR_IO_PENDING) return false;
+        if (!exclusive) return true;
+        throw Error(ErrorKind::kIo, "The file system does not let the file be locked.");
+    }
+
+private:
+    HANDLE handle_;
+};
+
+class WindowsFileSystem final : public FileSystem {
+public:
+    std::unique_ptr<File> Open(const std::filesystem::path& path, OpenMode mode) override {
+        const bool reading = mode == OpenMode::kReadOnly;
+        const DWORD access = GENERIC_READ | (reading ? 0 : static_cast<DWORD>(GENERIC_WRITE));
+        DWORD creation = OPEN_EXISTING;
+        if (mode == OpenMode::kCreateNew) creation = CREATE_NEW;
+        if (mode == OpenMode::kCreateOrOpen) creation = OPEN_ALWAYS;
+        const HANDLE handle = ::CreateFileW(path.c_str(), access,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                            nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (handle == INVALID_HANDLE_VALUE) {
+            const DWORD code = ::GetLastError();
+            const DWORD attributes = ::GetFileAttributesW(path.c_str());
+            if (code == ERROR_ACCESS_DENIED && !reading && attributes != INVALID_FILE_ATTRIBUTES &&
+                (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+                throw Error(ErrorKind::kReadOnly,
+                            "The file \"" + path.filename().string() + "\" is read-only.");
+            }
+            ThrowForOpening(code, path);
+        }
+        auto file = std::make_unique<WindowsFile>(handle);
+        if (::GetFileType(handle) != FILE_TYPE_DISK) {
+            throw Error(ErrorKind::kNotADatabase,
+                        "\"" + path.filename().string() + "\" is not an ordinary file.");
+        }
+        return file;
+    }
+
+    bool Exists(const std::filesystem::path& path) override {
+        return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+    }
+
+    void Remove(const std::filesystem::path& path) override {
+        if (::DeleteFileW(path.c_str()) != 0) return;
+        const DWORD code = ::GetLastError();
+        if (code != ERROR_FILE_NOT_FOUND) ThrowForOpening(code, path);
+    }
+
+    void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
+        constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+        if (::MoveFileExW(from.c_str(), to.c_str(), kHow) == 0) {
+            ThrowForOpening(::GetLastError(), from);
+        }
+    }
+
+    std::filesystem::path Resolve(const std::filesystem::path& path) override {
+        std::error_code failed;
+        std::filesystem::path resolved = std::filesystem::canonical(path, failed);
+        return failed ? path : resolved;
+    }
+
+    // The file system keeps a folder's entries by itself.
+    void FlushFolder(const std::filesystem::path&) override {}
+};
+
+}  // namespace
+
+FileSystem& HostFileSystem() {
+    static WindowsFileSystem files;
+    return files;
+}
+
+}  // namespace jet
