@@ -1,0 +1,149 @@
+#include "samples.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "jet/database.h"
+#include "jet/error.h"
+#include "jet/recordset.h"
+
+namespace tarn_fuzz {
+
+namespace {
+
+using jet::ColumnType;
+
+void MakeTables(jet::Database& database) {
+    database.CreateTable(
+        {.name = "People",
+         .columns = {{.name = "ID", .type = ColumnType::kLong, .autoNumber = true},
+                     {.name = "Name", .type = ColumnType::kText, .length = 40},
+                     {.name = "Remarks", .type = ColumnType::kMemo},
+                     {.name = "Size", .type = ColumnType::kSingle}},
+         .indexes = {{.name = "PrimaryKey", .columns = {{.name = "ID"}}, .primary = true},
+                     {.name = "Name", .columns = {{.name = "Name"}}},
+                     {.name = "Size", .columns = {{.name = "Size", .ascending = false}}}}});
+    database.CreateTable({.name = "Rates",
+                          .columns = {{.name = "Zone", .type = ColumnType::kLong},
+                                      {.name = "Place", .type = ColumnType::kLong},
+                                      {.name = "First", .type = ColumnType::kSingle},
+                                      {.name = "Second", .type = ColumnType::kSingle}},
+                          .indexes = {{.name = "PrimaryKey",
+                                       .columns = {{.name = "Zone"}, {.name = "Place"}},
+                                       .primary = true}}});
+}
+
+void AddPeople(jet::Database& database, int first, int last) {
+    const auto people = database.OpenTable("People");
+    for (int i = first; i < last; ++i) {
+        people->AddNew();
+        people->Set("Name", std::u16string(static_cast<std::size_t>(i % 30), u'a' + i % 26));
+        // In the row, on a page of its own, and in a chain of pages.
+        const std::array<std::size_t, 3> lengths = {10, 700, 6000};
+        people->Set("Remarks", std::u16string(lengths[static_cast<std::size_t>(i) % 3], u'm'));
+        if (i % 4 != 0) people->Set("Size", static_cast<float>(i) / 2);
+        people->Update();
+    }
+}
+
+void AddRates(jet::Database& database) {
+    const auto rates = database.OpenTable("Rates");
+    for (std::int32_t zone = 1; zone <= 20; ++zone) {
+        for (std::int32_t place = 1; place <= 20; ++place) {
+            rates->AddNew();
+            rates->Set("Zone", zone);
+            rates->Set("Place", place);
+            rates->Set("First", static_cast<float>(zone * place));
+            rates->Update();
+        }
+    }
+}
+
+Contents MakeSampleFile(jet::Version version) {
+    const auto files = jet::MakeMemoryFileSystem();
+    const auto database = jet::Database::Create(kFile, version, *files);
+    MakeTables(*database);
+    AddPeople(*database, 0, 12);
+    AddRates(*database);
+    const auto people = database->OpenTable("People");
+    people->MoveNext();
+    people->Delete();
+    people->Close();
+    database->Close();
+    return Get(*files, kFile);
+}
+
+Interrupted Interrupt(jet::Version version) {
+    const auto files = jet::MakeMemoryFileSystem();
+    Put(*files, kFile, SampleFile(version));
+    const auto database = jet::Database::Open(kFile, {}, *files);
+    AddPeople(*database, 20, 24);
+    return {.file = Get(*files, kFile), .log = Get(*files, kLog)};
+}
+
+std::size_t IndexOf(jet::Version version) {
+    return version == jet::Version::kJet3 ? 0 : 1;
+}
+
+}  // namespace
+
+std::u16string Input::Text(std::size_t length) {
+    std::u16string text;
+    while (text.size() < length && !IsEmpty()) text.push_back(Byte());
+    return text;
+}
+
+Contents Input::Rest() {
+    Contents rest(static_cast<std::size_t>(end_ - at_));
+    if (!rest.empty()) std::memcpy(rest.data(), at_, rest.size());
+    at_ = end_;
+    return rest;
+}
+
+const Contents& SampleFile(jet::Version version) {
+    static const std::array<Contents, 2> samples = {MakeSampleFile(jet::Version::kJet3),
+                                                    MakeSampleFile(jet::Version::kJet4)};
+    return samples[IndexOf(version)];
+}
+
+const Interrupted& InterruptedSample(jet::Version version) {
+    static const std::array<Interrupted, 2> samples = {Interrupt(jet::Version::kJet3),
+                                                       Interrupt(jet::Version::kJet4)};
+    return samples[IndexOf(version)];
+}
+
+void Damage(Contents& contents, std::size_t blockSize, Input& input) {
+    const std::size_t blocks = std::max<std::size_t>(1, contents.size() / blockSize);
+    for (int places = input.Byte() % 16; places > 0 && !contents.empty(); --places) {
+        const std::size_t block = input.Byte() % blocks;
+        std::size_t at = block * blockSize + input.Word() % blockSize;
+        for (int length = input.Byte() % 16; length >= 0; --length, ++at) {
+            contents[at % contents.size()] = static_cast<std::byte>(input.Byte());
+        }
+    }
+}
+
+Contents FileFrom(Input& input) {
+    const std::uint8_t kind = input.Byte();
+    if (kind % 8 == 7) return input.Rest();
+    const bool older = kind % 2 == 0;
+    Contents contents = SampleFile(older ? jet::Version::kJet3 : jet::Version::kJet4);
+    Damage(contents, older ? 2048 : 4096, input);
+    return contents;
+}
+
+void Put(jet::FileSystem& files, const std::string& name, const Contents& contents) {
+    files.Remove(name);
+    files.Open(name, jet::OpenMode::kCreateNew)->Write(0, contents);
+}
+
+Contents Get(jet::FileSystem& files, const std::string& name) {
+    if (!files.Exists(name)) return {};
+    const auto file = files.Open(name, jet::OpenMode::kReadOnly);
+    Contents contents(static_cast<std::size_t>(file->Size()));
+    file->Read(0, contents);
+    return contents;
+}
+
+}  // namespace tarn_fuzz
