@@ -5,6 +5,7 @@
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QScreen>
+#include <QTimer>
 
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepProperties.h"
@@ -29,11 +30,19 @@ frm0_Prep* frm0_Prep::loaded_ = nullptr;
 
 namespace {
 
+constexpr int kRetryInMs = 20;
+
 // What the frame has on a screen for which it is not sized by the display check.
 QSize SizeOnSmallScreen(const QScreen* screen) {
     constexpr QSize kWanted(808, 608);
     constexpr QSize kDecoration(4, 40);
     return screen == nullptr ? kWanted : kWanted.boundedTo(screen->availableSize() - kDecoration);
+}
+
+void LogFailedSave(const platform::RuntimeError& error) {
+    u91Trace::Error(
+        QStringLiteral("a3PrepForms.UpdateCurrentWorksheet: Error %1, ").arg(error.Number()) +
+        error.Description());
 }
 
 }  // namespace
@@ -195,6 +204,31 @@ void frm0_Prep::SaveForSessionEnd() {
     });
 }
 
+void frm0_Prep::EndAtOnce() {
+    if (isUnloaded_) {
+        return;
+    }
+    try {
+        if (PrepDatafile::IsDatafileOpen()) {
+            a3PrepForms::UpdateCurrentWorksheet();
+        }
+    } catch (const platform::RuntimeError& error) {
+        LogFailedSave(error);
+    }
+    // Saved, or beyond saving: there is nobody to ask. A handler that waits for a dialog must come
+    // to its end before its form may go.
+    QWidget* const waiting = QApplication::activeModalWidget();
+    if (waiting != nullptr || platform::EventTrap::Depth() > 0) {
+        if (waiting != nullptr) {
+            waiting->close();
+        }
+        QTimer::singleShot(kRetryInMs, this, &frm0_Prep::EndAtOnce);
+        return;
+    }
+    leavesUnsaved_ = true;
+    close();
+}
+
 void frm0_Prep::TellOfLogFailure() {
     const QString failure = u91Trace::PassedOverFailure();
     if (failure.isEmpty() || toldOfLogFailure_) {
@@ -247,9 +281,7 @@ bool frm0_Prep::SaveBeforeLeaving() {
         a3PrepForms::UpdateCurrentWorksheet();
         return true;
     } catch (const platform::RuntimeError& error) {
-        u91Trace::Error(QStringLiteral("a3PrepForms.UpdateCurrentWorksheet %1 %2")
-                            .arg(error.Number())
-                            .arg(error.Description()));
+        LogFailedSave(error);
         platform::MsgOptions options;
         options.icon = platform::MsgIcon::kStop;
         options.buttons = platform::MsgButtons::kYesNo;

@@ -58,6 +58,8 @@ public:
     void FocusForm(QWidget& form);
     // Writes what the worksheet holds into the file, when the desktop session ends.
     void SaveForSessionEnd();
+    // Saves and ends the program without asking anything.
+    void EndAtOnce();
     // Tells the user once that the logs cannot be written.
     void TellOfLogFailure();
 
