@@ -1,0 +1,38 @@
+#include <QApplication>
+
+#include "platform/controls/ClipboardShortcuts.h"
+#include "platform/system/Termination.h"
+#include "shell/LastTrap.h"
+#include "shell/frm0_Prep.h"
+
+namespace {
+
+// The command line is one text, the path of a data file: nothing in it is a switch, and no blank
+// separates arguments.
+QString CommandLine(int argc, char* argv[]) {
+    QStringList words;
+    for (int i = 1; i < argc; ++i) {
+        words += QString::fromLocal8Bit(argv[i]);
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    const QString commandLine = CommandLine(argc, argv);
+    int programNameOnly = 1;
+    QApplication application(programNameOnly, argv);
+    // A message box may be the only window for a while; the program ends with the main frame.
+    QApplication::setQuitOnLastWindowClosed(false);
+    platform::InstallClipboardShortcutFilter();
+    LastTrap::Install();
+
+    frm0_Prep frame(commandLine);
+    QObject::connect(
+        &frame, &frm0_Prep::Unloaded, &application, [] { QApplication::exit(0); },
+        Qt::QueuedConnection);
+    platform::OnTermination([&frame] { frame.EndAtOnce(); });
+    frame.MDIForm_Load();
+    return frame.IsUnloaded() ? 0 : QApplication::exec();
+}
