@@ -21,7 +21,7 @@ constexpr std::uint16_t kFlags = 0xC000;
 LongValueCheck::LongValueCheck(CheckContext& context, PageAccount& account,
                                const TableLayout& table)
     : context_(context), table_(table) {
-    for (const LongValueMaps& maps : table.longValues) {
+    for (const LongValueMapsLayout& maps : table.longValues) {
         const Column* column = table.FindColumn(maps.column);
         const std::string user =
             "long values of " + table.name + "." + (column == nullptr ? "?" : column->name);

@@ -214,7 +214,7 @@ private:
 
     void ReadLongValueMaps() {
         while (ReadU16(bytes_, at_) != 0xFFFF) {
-            LongValueMaps maps;
+            LongValueMapsLayout maps;
             maps.column = static_cast<std::uint16_t>(Take(2));
             maps.owned = RowId::FromPacked(Take(4));
             maps.free = RowId::FromPacked(Take(4));
@@ -233,7 +233,7 @@ private:
         for (const Column& column : table_.columns) {
             const auto maps = std::count_if(
                 table_.longValues.begin(), table_.longValues.end(),
-                [&](const LongValueMaps& map) { return map.column == column.number; });
+                [&](const LongValueMapsLayout& map) { return map.column == column.number; });
             if (IsLongValue(column.type) && maps != 1) {
                 Error("long-value-map", "The column " + column.name + " has " +
                                             std::to_string(maps) + " maps of long values.");

@@ -38,7 +38,7 @@ struct LogicalIndexLayout {
     std::string name;
 };
 
-struct LongValueMaps {
+struct LongValueMapsLayout {
     std::uint16_t column = 0;
     RowId owned;
     RowId free;
@@ -58,7 +58,7 @@ struct TableLayout {
     std::vector<Column> columns;  // by number
     std::vector<RealIndexLayout> indexes;
     std::vector<LogicalIndexLayout> logicalIndexes;
-    std::vector<LongValueMaps> longValues;
+    std::vector<LongValueMapsLayout> longValues;
 
     [[nodiscard]] const Column* FindColumn(std::uint16_t number) const;
 };

@@ -1,0 +1,219 @@
+// The structure check: silent about sound files of any origin, and naming damage that an
+// independent program has planted.
+#include "jet/check.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include "jet/error.h"
+#include "support/temp_folder.h"
+
+namespace jet {
+namespace {
+
+const std::filesystem::path kShared = TARN_SOURCE "/../shared";
+
+std::vector<std::filesystem::path> CorpusFiles() {
+    std::vector<std::filesystem::path> files;
+    for (const char* folder : {"corpus", "corpus/made"}) {
+        if (!std::filesystem::exists(kShared / folder)) {
+            continue;
+        }
+        for (const auto& entry : std::filesystem::directory_iterator(kShared / folder)) {
+            const auto extension = entry.path().extension();
+            if (extension == ".mdb" || extension == ".fcd" || extension == ".dat") {
+                files.push_back(entry.path());
+            }
+        }
+    }
+    return files;
+}
+
+TEST(CheckFile, SoundFilesOfAnyOrigin_HaveNoErrors) {
+    const auto files = CorpusFiles();
+    if (files.empty()) {
+        GTEST_SKIP() << "no sample files beside the source";
+    }
+    int checked = 0;
+    for (const auto& file : files) {
+        try {
+            const CheckReport report = CheckFile(file);
+            EXPECT_TRUE(report.IsSound()) << file << "\n" << report.Text();
+            EXPECT_GE(report.tables, 4U);
+            ++checked;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::kEncrypted) << file << ": " << error.what();
+        }
+    }
+    EXPECT_GT(checked, 60);
+}
+
+struct Plant {
+    int status = -1;
+    std::string answer;
+};
+
+// Has the named damage planted in a copy; status 3 says that the file has no place for it.
+Plant PlantDamage(const std::filesystem::path& from, const std::string& kind,
+                  const std::filesystem::path& to) {
+    const std::string command = "python3 '" + (kShared / "tools/jetcheck.py").string() +
+                                "' plant '" + from.string() + "' " + kind + " '" + to.string() +
+                                "' --seed 3 2>/dev/null";
+    Plant plant;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        return plant;
+    }
+    std::array<char, 256> part{};
+    while (std::fgets(part.data(), static_cast<int>(part.size()), pipe) != nullptr) {
+        plant.answer += part.data();
+    }
+    plant.status = pclose(pipe) >> 8;
+    return plant;
+}
+
+// The codes of which the check should name at least one.
+std::set<std::string> ExpectedCodes(const std::string& answer) {
+    std::set<std::string> codes;
+    const std::size_t start = answer.find("\"expect\"");
+    const std::size_t end = answer.find(']', start);
+    std::string code;
+    bool inside = false;
+    for (std::size_t i = answer.find('[', start); i < end && i != std::string::npos; ++i) {
+        if (answer[i] != '"') {
+            if (inside) {
+                code += answer[i];
+            }
+            continue;
+        }
+        if (inside) {
+            codes.insert(code);
+        }
+        code.clear();
+        inside = !inside;
+    }
+    return codes;
+}
+
+std::vector<std::string> DamageKinds() {
+    std::vector<std::string> kinds;
+    std::ostringstream names;
+    names << "file-cut-midpage file-cut-pages header-pointer page-twice page-lost-data "
+             "page-lost-index page-lost-free page-used-free map-beyond-end map-pointer map-shared "
+             "map-type free-map-extra long-value-map page-owner page-type page-header "
+             "index-missing index-extra index-double index-key index-order index-link index-free "
+             "index-prefix index-bitmap index-owner index-level index-empty-leaf index-unique "
+             "index-node-key index-child index-loop index-tail free-space slot-overlap slot-bounds "
+             "slot-count row-deleted row-undeleted null-mask-cut row-column-count var-offset "
+             "var-count null-bit value-changed overflow-dangling overflow-loop overflow-orphan "
+             "overflow-shared overflow-unmarked long-value-loop long-value-chain-cut "
+             "long-value-dangling long-value-length long-value-orphan long-value-shared "
+             "long-value-deleted long-value-form tdef-length tdef-chain tdef-cut row-count "
+             "autonumber-low column-count column-number column-overlap column-type index-root "
+             "index-column index-number relation-partner properties catalogue-dangling "
+             "catalogue-type catalogue-missing";
+    std::istringstream words(names.str());
+    for (std::string word; words >> word;) {
+        kinds.push_back(word);
+    }
+    return kinds;
+}
+
+class PlantedDamage : public ::testing::TestWithParam<std::string> {};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, PlantedDamage, ::testing::ValuesIn(DamageKinds()),
+                         [](const auto& instance) {
+                             std::string name = instance.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+TEST_P(PlantedDamage, IsFoundByName) {
+    if (!std::filesystem::exists(kShared / "tools/jetcheck.py")) {
+        GTEST_SKIP() << "the planting program is not beside the source";
+    }
+    const tarn_test::TempFolder folder;
+    int planted = 0;
+    for (const char* name : {"jackcess-test2V1997.mdb", "jackcess-indexTestV2003.mdb",
+                             "jackcess-testIndexCodesV1997.mdb"}) {
+        const auto copy = folder.Path() / name;
+        const Plant plant = PlantDamage(kShared / "corpus" / name, GetParam(), copy);
+        if (plant.status == 3) {
+            continue;
+        }
+        ASSERT_EQ(plant.status, 0) << plant.answer;
+        ++planted;
+        const CheckReport report = CheckFile(copy);
+        const std::set<std::string> expected = ExpectedCodes(plant.answer);
+        ASSERT_FALSE(expected.empty());
+        EXPECT_TRUE(
+            std::any_of(report.findings.begin(), report.findings.end(),
+                        [&](const Finding& finding) { return expected.count(finding.code) != 0; }))
+            << name << ": " << plant.answer << report.Text();
+    }
+    EXPECT_GT(planted, 0);
+}
+
+// Random bytes anywhere behind the header: the check ends, with findings or without.
+TEST(CheckFile, Noise_NeverHangsOrCrashes) {
+    const auto source = kShared / "corpus/jackcess-test2V1997.mdb";
+    if (!std::filesystem::exists(source)) {
+        GTEST_SKIP() << "no sample files beside the source";
+    }
+    std::ifstream file(source, std::ios::binary);
+    const std::string whole((std::istreambuf_iterator<char>(file)), {});
+    const tarn_test::TempFolder folder;
+    const auto copy = folder.Path() / "noise.mdb";
+    std::mt19937 random(7);
+    int unsound = 0;
+    for (int round = 0; round < 150; ++round) {
+        std::string bytes = whole;
+        for (unsigned i = 0; i < 1U << random() % 8; ++i) {
+            bytes[2048 + random() % (bytes.size() - 2048)] = static_cast<char>(random() & 0xFF);
+        }
+        std::ofstream(copy, std::ios::binary | std::ios::trunc) << bytes;
+        unsound += CheckFile(copy).IsSound() ? 0 : 1;
+    }
+    EXPECT_GT(unsound, 20);
+}
+
+TEST(CheckFile, WhatIsNoDatabase_IsRefused) {
+    const tarn_test::TempFolder folder;
+    const auto path = folder.Path() / "a text.mdb";
+    for (const std::string& content :
+         {std::string(), std::string("hello"), std::string(100000, 'x')}) {
+        std::ofstream(path, std::ios::binary | std::ios::trunc) << content;
+        try {
+            (void)CheckFile(path);
+            ADD_FAILURE() << "a file that is no database was checked";
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::kNotADatabase);
+        }
+    }
+    EXPECT_THROW((void)CheckFile(folder.Path() / "absent.mdb"), Error);
+}
+
+TEST(CheckReport, Text_NamesPlaceAndCountsFindings) {
+    CheckReport report;
+    report.findings.push_back(
+        {Severity::kError, "index-missing", "AAC", 12, 3, "The row has no entry."});
+    report.findings.push_back({Severity::kWarning, "page-lost", "", 9, -1, "Nobody uses it."});
+    EXPECT_FALSE(report.IsSound());
+    EXPECT_NE(report.Text().find("error index-missing, table AAC, page 12, row 3: The row has no "
+                                 "entry.\n"),
+              std::string::npos);
+    EXPECT_NE(report.Text().find("1 errors, 1 warnings, 0 notes"), std::string::npos);
+    report.findings.erase(report.findings.begin());
+    EXPECT_TRUE(report.IsSound());
+}
+
+}  // namespace
+}  // namespace jet
