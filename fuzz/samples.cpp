@@ -14,24 +14,40 @@ namespace {
 
 using jet::ColumnType;
 
+jet::ColumnSchema Column(const std::string& name, ColumnType type, int length = 0) {
+    jet::ColumnSchema column;
+    column.name = name;
+    column.type = type;
+    column.length = length;
+    return column;
+}
+
+jet::IndexSchema Index(const std::string& name, std::vector<std::string> columns) {
+    jet::IndexSchema index;
+    index.name = name;
+    for (std::string& column : columns) index.columns.push_back({.name = std::move(column)});
+    return index;
+}
+
 void MakeTables(jet::Database& database) {
-    database.CreateTable(
-        {.name = "People",
-         .columns = {{.name = "ID", .type = ColumnType::kLong, .autoNumber = true},
-                     {.name = "Name", .type = ColumnType::kText, .length = 40},
-                     {.name = "Remarks", .type = ColumnType::kMemo},
-                     {.name = "Size", .type = ColumnType::kSingle}},
-         .indexes = {{.name = "PrimaryKey", .columns = {{.name = "ID"}}, .primary = true},
-                     {.name = "Name", .columns = {{.name = "Name"}}},
-                     {.name = "Size", .columns = {{.name = "Size", .ascending = false}}}}});
-    database.CreateTable({.name = "Rates",
-                          .columns = {{.name = "Zone", .type = ColumnType::kLong},
-                                      {.name = "Place", .type = ColumnType::kLong},
-                                      {.name = "First", .type = ColumnType::kSingle},
-                                      {.name = "Second", .type = ColumnType::kSingle}},
-                          .indexes = {{.name = "PrimaryKey",
-                                       .columns = {{.name = "Zone"}, {.name = "Place"}},
-                                       .primary = true}}});
+    jet::TableSchema people;
+    people.name = "People";
+    people.columns = {Column("ID", ColumnType::kLong), Column("Name", ColumnType::kText, 40),
+                      Column("Remarks", ColumnType::kMemo), Column("Size", ColumnType::kSingle)};
+    people.columns[0].autoNumber = true;
+    people.indexes = {Index("PrimaryKey", {"ID"}), Index("Name", {"Name"}),
+                      Index("Size", {"Size"})};
+    people.indexes[0].primary = true;
+    people.indexes[2].columns[0].ascending = false;
+    database.CreateTable(people);
+
+    jet::TableSchema rates;
+    rates.name = "Rates";
+    rates.columns = {Column("Zone", ColumnType::kLong), Column("Place", ColumnType::kLong),
+                     Column("First", ColumnType::kSingle), Column("Second", ColumnType::kSingle)};
+    rates.indexes = {Index("PrimaryKey", {"Zone", "Place"})};
+    rates.indexes[0].primary = true;
+    database.CreateTable(rates);
 }
 
 void AddPeople(jet::Database& database, int first, int last) {

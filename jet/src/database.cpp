@@ -58,7 +58,7 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Ve
             operation.Commit();
         }
         pager->MakeDurable();
-    } catch (const Error&) {
+    } catch (...) {
         pager->Abandon();
         throw;
     }

@@ -35,8 +35,8 @@ Pager::Impl::Impl(FileSystem& fileSystem, std::filesystem::path filePath,
 
 void Pager::Impl::Start(std::uint32_t pages, std::uint16_t commitCounter) {
     pageCount = pages;
-    filePageCount_ = pages;
-    fileCounter_ = commitCounter;
+    filePageCount = pages;
+    fileCounter = commitCounter;
 }
 
 void Pager::Impl::Recover(const LogReplay& replay) {
@@ -68,7 +68,7 @@ Frame& Pager::Impl::Fetch(PageNumber page) {
 std::uint32_t Pager::Impl::ReadAhead(PageNumber page) const {
     std::uint32_t pages = 1;
     if (page.value != nextInRow_) return pages;
-    while (pages < kReadAheadPages && page.value + pages < filePageCount_ &&
+    while (pages < kReadAheadPages && page.value + pages < filePageCount &&
            cache_.Find(page.value + pages) == nullptr) {
         ++pages;
     }
@@ -166,7 +166,7 @@ void Pager::Impl::Commit() {
     RequireOperation();
     CollectChanges();
     if (!changes_.empty()) {
-        journal_.Append(changes_, pageCount, {filePageCount_, fileCounter_});
+        journal_.Append(changes_, pageCount, {filePageCount, fileCounter});
         // Done: nothing from here on fails.
         for (const PageChange& change : changes_) {
             Frame& frame = *cache_.Find(change.page.value);
@@ -242,8 +242,8 @@ void Pager::Impl::MakeDurable() {
     dirtyCount_ += headerPage.dirty ? 0 : 1;
     headerPage.dirty = true;
     WriteDirtyPages();
-    filePageCount_ = pageCount;
-    fileCounter_ = counter;
+    filePageCount = pageCount;
+    fileCounter = counter;
     journal_.Empty();
     cache_.Shrink();
 }
@@ -267,6 +267,12 @@ void Pager::Impl::Abandon() noexcept {
     if (!file) return;
     journal_.Remove();
     file.reset();
+    if (filePageCount > 0) return;
+    try {
+        files.Remove(path);
+    } catch (...) {
+        // An empty file stays; opening it says that it is no database.
+    }
 }
 
 Operation::Operation(Pager& pager) : pager_(pager) {

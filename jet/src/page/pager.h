@@ -112,7 +112,8 @@ public:
     // Makes durable, removes the log, gives up the file. Reading then throws kClosed. When it
     // throws, the file is given up all the same, and the log stays for the next opening.
     void Close();
-    // Gives up a file that is not wanted any more, and its log, without writing anything.
+    // Gives up the file and its log without writing anything. A file that Create made goes too,
+    // unless it has been made durable.
     void Abandon();
 
     [[nodiscard]] Impl& Internals() { return *impl_; }
@@ -122,6 +123,7 @@ private:
     friend class Operation;
     // Lengthens the file with zeroed pages until it has this one.
     void Extend(PageNumber page);
+    void StartFile(Version version);
 
     std::unique_ptr<Impl> impl_;
 };

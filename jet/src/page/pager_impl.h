@@ -43,6 +43,9 @@ public:
     bool readOnly;
     std::uint32_t pageCount = 0;  // with those that the file does not have yet
     std::uint64_t changeCount = 0;
+    // The data file as the last MakeDurable left it.
+    std::uint32_t filePageCount = 0;
+    std::uint16_t fileCounter = 0;
     PageNumber lowestFree;  // no page below it is free
     PageNumber mapRowPage;  // lately had room for a usage map; 0 when none is known
 
@@ -72,9 +75,6 @@ private:
     std::vector<PageChange> changes_;
     std::size_t dirtyCount_ = 0;
     Journal journal_;
-    // The data file as the last MakeDurable left it.
-    std::uint32_t filePageCount_ = 0;
-    std::uint16_t fileCounter_ = 0;
 };
 
 // The log of a data file.

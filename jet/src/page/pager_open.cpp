@@ -127,15 +127,25 @@ std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::p
         std::make_unique<Impl>(files, resolved, std::move(file), format, false));
     // Also carries the new file's own place in the folder through a power cut.
     pager->impl_->Log().Prepare();
-    Operation operation(*pager);
-    pager->Extend(PageNumber{1});
-    WriteFileHeader(pager->Change(PageNumber{0}), version);
-    WriteGlobalMapsPage(pager->Change(PageNumber{1}), format);
-    pager->impl_->header = ReadFileHeader(pager->Page(PageNumber{0}).Data());
-    pager->impl_->Start(0, ReadCommitCounter(pager->Page(PageNumber{0}).Data(), format));
-    pager->impl_->pageCount = 2;
-    operation.Commit();
+    try {
+        pager->StartFile(version);
+    } catch (...) {
+        pager->Abandon();
+        throw;
+    }
     return pager;
+}
+
+// The header page and the global maps.
+void Pager::StartFile(Version version) {
+    Operation operation(*this);
+    Extend(PageNumber{1});
+    WriteFileHeader(Change(PageNumber{0}), version);
+    WriteGlobalMapsPage(Change(PageNumber{1}), FileFormat());
+    const PageRef first = Page(PageNumber{0});
+    impl_->header = ReadFileHeader(first.Data());
+    impl_->fileCounter = ReadCommitCounter(first.Data(), FileFormat());
+    operation.Commit();
 }
 
 }  // namespace jet

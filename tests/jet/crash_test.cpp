@@ -1,0 +1,303 @@
+// Row operations through every kind of failure, in both formats: whatever step fails, is cut short
+// or is the last of the process or of the machine, the file that comes back passes the integrity
+// check and holds exactly the rows of a state that the caller was told of.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "jet/check.h"
+#include "jet/database.h"
+#include "jet/error.h"
+#include "jet/recordset.h"
+#include "support/fault_file_system.h"
+
+namespace jet {
+namespace {
+
+using tarn_test::Fault;
+using tarn_test::FaultFileSystem;
+using Rows = std::vector<std::u16string>;
+using Change = std::function<void(Database&)>;
+
+constexpr char kFile[] = "a file.mdb";
+
+ColumnSchema Column(const std::string& name, ColumnType type, int length = 0) {
+    ColumnSchema column;
+    column.name = name;
+    column.type = type;
+    column.length = length;
+    return column;
+}
+
+IndexSchema Index(const std::string& name, const std::string& column) {
+    IndexSchema index;
+    index.name = name;
+    index.columns = {{.name = column}};
+    index.unique = true;
+    return index;
+}
+
+TableSchema PeopleSchema(const std::string& name) {
+    TableSchema schema;
+    schema.name = name;
+    schema.columns = {Column("ID", ColumnType::kLong), Column("Name", ColumnType::kText, 40),
+                      Column("Remarks", ColumnType::kMemo), Column("Size", ColumnType::kSingle)};
+    schema.columns[0].autoNumber = true;
+    schema.indexes = {Index("PrimaryKey", "ID"), Index("Name", "Name")};
+    schema.indexes[0].primary = true;
+    return schema;
+}
+
+void Add(Database& database, const std::u16string& name, std::size_t remarks) {
+    const auto people = database.OpenTable("People");
+    people->AddNew();
+    people->Set("Name", name);
+    if (remarks > 0) people->Set("Remarks", std::u16string(remarks, u'r'));
+    people->Set("Size", static_cast<float>(remarks));
+    people->Update();
+}
+
+void Alter(Database& database, const std::u16string& name, const std::u16string& newName,
+           std::size_t remarks) {
+    const auto people = database.OpenTable("People");
+    people->SetIndex("Name");
+    if (!people->Seek(Comparison::kEqual, {name})) throw std::logic_error("the row is missing");
+    people->Edit();
+    people->Set("Name", newName);
+    people->Set("Remarks", std::u16string(remarks, u's'));
+    people->Update();
+}
+
+void Delete(Database& database, const std::u16string& name) {
+    const auto people = database.OpenTable("People");
+    people->SetIndex("Name");
+    if (!people->Seek(Comparison::kEqual, {name})) throw std::logic_error("the row is missing");
+    people->Delete();
+}
+
+// Every kind of operation: rows short and long, memos in the row, on one page and in a chain, rows
+// that move, keys that change, pages that are freed, a table that is created.
+const std::vector<Change>& Changes() {
+    static const std::vector<Change> changes = {
+        [](Database& d) { Add(d, u"short", 0); },
+        [](Database& d) { Add(d, u"on a page of its own", 900); },
+        [](Database& d) { Alter(d, u"first", u"first", 20); },
+        [](Database& d) { Alter(d, u"second", u"zzz moved in the index", 600); },
+        [](Database& d) { Add(d, u"chain", 9000); },
+        [](Database& d) { Alter(d, u"chain", u"a shorter chain", 5000); },
+        [](Database& d) { Delete(d, u"a shorter chain"); },
+        [](Database& d) { d.CreateTable(PeopleSchema("Others")); },
+        [](Database& d) { Delete(d, u"first"); },
+    };
+    return changes;
+}
+
+Rows ReadRows(Database& database) {
+    Rows rows;
+    for (const std::string& name : database.TableNames()) {
+        rows.emplace_back(name.begin(), name.end());
+        const auto table = database.OpenTable(name);
+        for (; !table->IsEof(); table->MoveNext()) {
+            std::u16string row;
+            for (const ColumnSchema& field : table->Fields()) {
+                const Value value = table->Get(field.name);
+                row += (value.IsNull() ? u"null" : value.AsText()) + u"|";
+            }
+            rows.push_back(std::move(row));
+        }
+    }
+    return rows;
+}
+
+struct Progress {
+    std::size_t told = 0;
+    std::size_t durable = 0;
+    bool underWay = false;
+};
+
+// Makes every change, making the file durable after each third.
+void MakeChanges(FaultFileSystem& files, Progress& progress, int patience) {
+    std::unique_ptr<Database> database;
+    const auto persist = [&](const std::function<void()>& step) {
+        for (int left = patience;; --left) {
+            try {
+                step();
+                return;
+            } catch (const Error&) {
+                if (files.HasStopped() || left == 0) throw;
+                files.Heal();
+            }
+        }
+    };
+    persist([&] { database = Database::Open(kFile, {}, files); });
+    for (const Change& change : Changes()) {
+        progress.underWay = true;
+        persist([&] { change(*database); });
+        progress.underWay = false;
+        ++progress.told;
+        if (progress.told % 3 == 0) {
+            persist([&] { database->MakeDurable(); });
+            progress.durable = progress.told;
+        }
+    }
+    persist([&] { database->Close(); });
+}
+
+class CrashTest : public ::testing::TestWithParam<Version> {
+protected:
+    CrashTest() {
+        {
+            const auto database = Database::Create(kFile, GetParam(), files_);
+            database->CreateTable(PeopleSchema("People"));
+            for (const char16_t* name : {u"first", u"second", u"third"}) Add(*database, name, 40);
+            database->Close();
+        }
+        const auto files = files_.Copy();
+        const auto database = Database::Open(kFile, {}, *files);
+        states_.push_back(ReadRows(*database));
+        for (const Change& change : Changes()) {
+            change(*database);
+            states_.push_back(ReadRows(*database));
+        }
+    }
+
+    void ExpectSound(FaultFileSystem& files, const Progress& progress, bool powerCut,
+                     const std::string& where) {
+        Rows found;
+        {
+            const auto database = Database::Open(kFile, {}, files);
+            found = ReadRows(*database);
+            database->Close();
+        }
+        const CheckReport report = CheckFile(kFile, files);
+        EXPECT_TRUE(report.IsSound()) << where << "\n" << report.Text();
+        const std::size_t first = powerCut ? progress.durable : progress.told;
+        const std::size_t last = progress.told + (progress.underWay ? 1 : 0);
+        bool known = false;
+        for (std::size_t i = first; i <= last; ++i) known = known || states_[i] == found;
+        EXPECT_TRUE(known) << where << ", told " << progress.told;
+        ++filesLookedAt_;
+    }
+
+    FaultFileSystem files_;
+    std::vector<Rows> states_;
+    int filesLookedAt_ = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(Versions, CrashTest, ::testing::Values(Version::kJet3, Version::kJet4));
+
+TEST_P(CrashTest, AnyStep_IsTheLastOfTheProcessOrTheMachine) {
+    for (const Fault fault : {Fault::kStop, Fault::kStopHalfDone, Fault::kStopDone}) {
+        for (int step = 1;; ++step) {
+            bool passed = false;
+            // Seed 0 is the end of the process only.
+            for (std::uint32_t seed = 0; seed < 8 && !passed; ++seed) {
+                const auto files = files_.Copy();
+                files->Arm(fault, step);
+                Progress progress;
+                try {
+                    MakeChanges(*files, progress, 0);
+                    passed = true;
+                    continue;
+                } catch (const Error&) {
+                    ASSERT_TRUE(files->HasStopped());
+                }
+                if (seed == 0) {
+                    files->Restart();
+                } else {
+                    files->CutPower(seed);
+                }
+                ExpectSound(*files, progress, seed > 0,
+                            "step " + std::to_string(step) + ", seed " + std::to_string(seed));
+            }
+            if (passed) break;
+        }
+    }
+    RecordProperty("files", filesLookedAt_);
+    EXPECT_GT(filesLookedAt_, 300);
+}
+
+TEST_P(CrashTest, AnyStep_Fails_NothingIsLostAndTheRunGoesOn) {
+    for (const Fault fault : {Fault::kFail, Fault::kFailHalfDone, Fault::kFailDone}) {
+        for (int step = 1;; ++step) {
+            const auto files = files_.Copy();
+            files->Arm(fault, step);
+            Progress progress;
+            MakeChanges(*files, progress, 1);
+            const bool happened = files->HasHappened();
+            ExpectSound(*files, progress, false, "step " + std::to_string(step));
+            if (!happened) break;
+        }
+    }
+}
+
+TEST_P(CrashTest, AnyRead_Fails_TheOperationIsUndoneAndSucceedsNext) {
+    for (int read = 1;; ++read) {
+        const auto files = files_.Copy();
+        files->ArmReading(read);
+        Progress progress;
+        MakeChanges(*files, progress, 1);
+        const bool happened = files->Reads() >= read;
+        files->Heal();
+        ExpectSound(*files, progress, false, "read " + std::to_string(read));
+        if (!happened) break;
+    }
+}
+
+TEST_P(CrashTest, FullDisk_FromAnyStepOn_LosesNothingTold) {
+    for (int step = 1;; ++step) {
+        const auto files = files_.Copy();
+        files->Arm(Fault::kFullDisk, step);
+        Progress progress;
+        try {
+            MakeChanges(*files, progress, 0);
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::kDiskFull);
+        }
+        const bool happened = files->HasHappened();
+        files->Heal();
+        progress.underWay = false;
+        ExpectSound(*files, progress, false, "step " + std::to_string(step));
+        if (!happened) break;
+    }
+}
+
+TEST_P(CrashTest, Create_StoppedAtAnyStep_LeavesNoFileThatLooksWhole) {
+    for (int step = 1;; ++step) {
+        FaultFileSystem files;
+        files.Arm(step % 2 == 0 ? Fault::kStopHalfDone : Fault::kStopDone, step);
+        try {
+            Database::Create(kFile, GetParam(), files)->Close();
+            break;
+        } catch (const Error&) {
+            ASSERT_TRUE(files.HasStopped());
+        }
+        files.Restart();
+        try {
+            const auto database = Database::Open(kFile, {}, files);
+            database->Close();
+            EXPECT_TRUE(CheckFile(kFile, files).IsSound()) << step;
+        } catch (const Error&) {
+            // Not there, or recognised as no database.
+        }
+    }
+}
+
+TEST_P(CrashTest, Create_FailsAtAnyStep_LeavesNothingBehind) {
+    for (int step = 1;; ++step) {
+        FaultFileSystem files;
+        files.Arm(Fault::kFail, step);
+        try {
+            Database::Create(kFile, GetParam(), files)->Close();
+            if (!files.HasHappened()) break;
+        } catch (const Error&) {
+            EXPECT_TRUE(files.Names().empty()) << step;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace jet
