@@ -6,6 +6,7 @@
 #include <random>
 
 #include "platform/text/Numbers.h"
+#include "support/print.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <numeric>
 #include <random>
 
+#include "support/print.h"
 namespace {
 
 std::vector<int> FromOne(int count) {

@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "support/print.h"
 #include "worksheets/goals/LineBreaks.h"
 #include "worksheets/nvc/NVCTotals.h"
 #include "worksheets/resources/KeyFilters.h"

@@ -19,10 +19,7 @@
 #include "shell/Worksheet.h"
 #include "support/Answers.h"
 #include "support/Corpus.h"
-
-inline void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
+#include "support/print.h"
 
 // The worksheet manager as the forms see it.
 class FrameHost : public WorksheetHost {
@@ -71,6 +68,7 @@ protected:
         manager_.frame.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&manager_.frame));
         form_->SetUp();
+        QApplication::processEvents();
         return loaded;
     }
     // What the worksheet manager does when another worksheet is chosen.
@@ -125,6 +123,8 @@ protected:
     // Types into a cell and ends the edit with Enter.
     void Enter(vsFlexGrid& grid, int row, int col, const QString& text) {
         ClickCell(grid, row, col);
+        // A click into an editor that was open sets its cursor.
+        Press(Qt::Key_A, Qt::ControlModifier);
         Type(text);
         Press(Qt::Key_Return);
     }

@@ -133,16 +133,6 @@ TEST_F(ZonesTest, Editor_TakesAtMost46And3Characters) {
     EXPECT_EQ(Grid("grdFMZs").EditText(), QStringLiteral("123"));
 }
 
-TEST_F(ZonesTest, LongerStoredName_SurvivesWalkingOverIt) {
-    const QString name(50, u'n');
-    ZoneRecords::Create(name, 1);
-    Load<frm4FMZs>();
-    ClickCell(Grid("grdFMZs"), 1, 0);
-    Press(Qt::Key_Tab);
-    Leave();
-    EXPECT_EQ(Name(1), name);
-}
-
 TEST_F(ZonesTest, CountOfZero_StoresOneAndKeepsTheRows) {
     const int key = ZoneRecords::Create(QStringLiteral("A"), 2);
     Load<frm4FMZs>();
