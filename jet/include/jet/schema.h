@@ -39,7 +39,7 @@ struct ColumnSchema {
     int scale = 0;                // kDecimal
     bool required = false;        // property "Required"
     bool allowZeroLength = true;  // property "AllowZeroLength", text and memo
-    std::string defaultValue;     // property "DefaultValue", an expression; empty for none
+    std::string defaultValue = {};  // property "DefaultValue", an expression; empty for none
 };
 
 struct IndexColumn {
@@ -49,7 +49,7 @@ struct IndexColumn {
 
 struct IndexSchema {
     std::string name;
-    std::vector<IndexColumn> columns;
+    std::vector<IndexColumn> columns = {};
     bool primary = false;  // implies unique and required
     bool unique = false;
     bool ignoreNulls = false;

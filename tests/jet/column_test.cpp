@@ -1,0 +1,127 @@
+// Values to and from the bytes of a column.
+#include "record/column.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "jet/error.h"
+
+namespace jet {
+namespace {
+
+Column Make(ColumnType type, std::uint16_t length = 0) {
+    Column column;
+    column.name = "Field";
+    column.type = type;
+    column.length = length == 0 ? static_cast<std::uint16_t>(SizeOfType(type)) : length;
+    return column;
+}
+
+ErrorKind KindOf(const Column& column, const Value& value) {
+    try {
+        static_cast<void>(ConvertForColumn(column, value, Version::kJet4));
+    } catch (const Error& error) {
+        return error.Kind();
+    }
+    ADD_FAILURE() << "the value was taken";
+    return ErrorKind::kIo;
+}
+
+void ExpectRoundTrip(const Column& column, const Value& value) {
+    for (const Version version : {Version::kJet3, Version::kJet4}) {
+        std::vector<std::byte> bytes;
+        EncodeValue(column, ConvertForColumn(column, value, version), version, bytes);
+        EXPECT_EQ(DecodeValue(column, bytes, version), value);
+    }
+}
+
+TEST(ColumnValue, EveryType_ReadsBackAsItWasWritten) {
+    ExpectRoundTrip(Make(ColumnType::kByte), 255);
+    ExpectRoundTrip(Make(ColumnType::kInteger), -32768);
+    ExpectRoundTrip(Make(ColumnType::kLong), std::numeric_limits<std::int32_t>::min());
+    ExpectRoundTrip(Make(ColumnType::kCurrency), Currency{-922337203685477});
+    ExpectRoundTrip(Make(ColumnType::kSingle), 1.1F);
+    ExpectRoundTrip(Make(ColumnType::kDouble), -1e300);
+    ExpectRoundTrip(Make(ColumnType::kDate), Date{-1.25});
+    ExpectRoundTrip(Make(ColumnType::kText, 100), u"Grüße");
+    ExpectRoundTrip(Make(ColumnType::kText, 100), u"");
+    ExpectRoundTrip(Make(ColumnType::kBinary, 10), Binary{std::byte{0}, std::byte{255}});
+    Guid guid;
+    for (std::size_t i = 0; i < 16; ++i) guid.bytes[i] = static_cast<std::byte>(i);
+    ExpectRoundTrip(Make(ColumnType::kGuid), guid);
+}
+
+TEST(ColumnValue, Decimal_HasSignAndWordsInTheKnownOrder) {
+    Column column = Make(ColumnType::kDecimal);
+    column.precision = 18;
+    column.scale = 2;
+    std::vector<std::byte> bytes;
+    EncodeValue(column, ConvertForColumn(column, -2.56, Version::kJet4), Version::kJet4, bytes);
+    ASSERT_EQ(bytes.size(), 17U);
+    EXPECT_EQ(bytes[0], std::byte{0x80});
+    EXPECT_EQ(bytes[13], std::byte{0});
+    EXPECT_EQ(bytes[14], std::byte{1});
+    EXPECT_EQ(DecodeValue(column, bytes, Version::kJet4).AsText(), u"-2.56");
+}
+
+TEST(ColumnValue, Decimal_RoundsToItsScaleAndMindsItsPrecision) {
+    Column column = Make(ColumnType::kDecimal);
+    column.precision = 4;
+    column.scale = 1;
+    EXPECT_EQ(ConvertForColumn(column, 12.25, Version::kJet4).AsText(), u"12.3");
+    EXPECT_EQ(ConvertForColumn(column, 7, Version::kJet4).AsText(), u"7");
+    EXPECT_EQ(KindOf(column, 1000), ErrorKind::kOverflow);
+}
+
+TEST(ColumnValue, NumberOutsideTheRange_Overflows) {
+    EXPECT_EQ(KindOf(Make(ColumnType::kByte), 256), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(Make(ColumnType::kByte), -1), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(Make(ColumnType::kInteger), 32768), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(Make(ColumnType::kLong), 2147483648.0), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(Make(ColumnType::kSingle), 1e39), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(Make(ColumnType::kCurrency), 1e15), ErrorKind::kOverflow);
+}
+
+TEST(ColumnValue, NumbersAreConverted_HalvesToEven) {
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kLong), 2.5, Version::kJet4), Value(2));
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kLong), u"17", Version::kJet4), Value(17));
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kCurrency), 0.00005, Version::kJet4),
+              Value(Currency{0}));
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kText, 20), 12, Version::kJet4), Value(u"12"));
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kBoolean), -1, Version::kJet4), Value(true));
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kBoolean), Value(), Version::kJet4), Value(false));
+}
+
+TEST(ColumnValue, WrongKind_IsAMismatch) {
+    EXPECT_EQ(KindOf(Make(ColumnType::kLong), u"seven"), ErrorKind::kTypeMismatch);
+    EXPECT_EQ(KindOf(Make(ColumnType::kBinary, 4), 7), ErrorKind::kTypeMismatch);
+    EXPECT_EQ(KindOf(Make(ColumnType::kGuid), u"x"), ErrorKind::kTypeMismatch);
+}
+
+TEST(ColumnValue, TextBeyondTheLength_IsTooLong) {
+    EXPECT_EQ(KindOf(Make(ColumnType::kText, 8), u"abcde"), ErrorKind::kTextTooLong);
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kText, 8), u"abcd", Version::kJet4),
+              Value(u"abcd"));
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kText, 8), u"abcdefgh", Version::kJet3),
+              Value(u"abcdefgh"));
+    EXPECT_EQ(KindOf(Make(ColumnType::kBinary, 1), Binary(2)), ErrorKind::kTextTooLong);
+}
+
+TEST(ColumnValue, FixedLength_IsFilledUp) {
+    Column column = Make(ColumnType::kText, 8);
+    column.fixed = true;
+    EXPECT_EQ(ConvertForColumn(column, u"ab", Version::kJet4), Value(u"ab  "));
+    column.type = ColumnType::kBinary;
+    EXPECT_EQ(ConvertForColumn(column, Binary{std::byte{1}}, Version::kJet4),
+              Value(Binary{std::byte{1}, {}, {}, {}, {}, {}, {}, {}}));
+}
+
+TEST(ColumnValue, CutOffNumber_IsDamage) {
+    const std::vector<std::byte> bytes(3);
+    EXPECT_THROW(static_cast<void>(DecodeValue(Make(ColumnType::kLong), bytes, Version::kJet4)),
+                 Error);
+}
+
+}  // namespace
+}  // namespace jet
