@@ -16,9 +16,12 @@ public:
     [[nodiscard]] int TextSize() const { return textSize_; }
 
 protected:
+    void changeEvent(QEvent* event) override;
     void doSetSource(const QUrl& name, QTextDocument::ResourceType type) override;
 
 private:
+    void MakeLinksReadable();
+
     const QHelpEngineCore& engine_;
     int textSize_ = 0;
 };

@@ -5,7 +5,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLineEdit>
+#include <QListView>
 #include <QMessageBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
@@ -102,6 +105,50 @@ TEST_F(HelpViewerTest, EveryFocusableWidget_HasAName) {
                 << widget->metaObject()->className() << " " << widget->objectName().toStdString();
         }
     }
+}
+
+TEST_F(HelpViewerTest, Search_FindsWordsInTheText) {
+    if (BuiltHelpFile().isEmpty()) {
+        GTEST_SKIP() << "the help file has not been built";
+    }
+    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+    platform::HelpViewer::ShowContents(nullptr);
+    QWidget* window = HelpWindowShown();
+    ASSERT_NE(window, nullptr);
+    window->findChild<QTabWidget*>("tabNavigation")->setCurrentIndex(2);
+    auto* query = window->findChild<QWidget*>("pnlQuery")->findChild<QLineEdit*>();
+    auto* results = window->findChild<QWidget*>("lstResults")->findChild<QTextBrowser*>();
+    ASSERT_NE(query, nullptr);
+    ASSERT_NE(results, nullptr);
+    // The words are indexed beside the program's other work; a search before that finds nothing.
+    const auto found = [&] {
+        query->setText("minus sign");
+        emit query->returnPressed();
+        return QTest::qWaitFor([&] { return results->toPlainText().contains("NVC"); }, 500);
+    };
+    bool shown = found();
+    for (int i = 0; i < 20 && !shown; ++i) {
+        shown = found();
+    }
+    EXPECT_TRUE(shown) << results->toPlainText().toStdString();
+}
+
+TEST_F(HelpViewerTest, Index_LeadsToItsTopic) {
+    if (BuiltHelpFile().isEmpty()) {
+        GTEST_SKIP() << "the help file has not been built";
+    }
+    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+    platform::HelpViewer::ShowContents(nullptr);
+    QWidget* window = HelpWindowShown();
+    ASSERT_NE(window, nullptr);
+    auto* list = window->findChild<QListView*>("lstIndex");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount() > 5; }));
+    auto* filter = window->findChild<QLineEdit*>("txtIndex");
+    filter->setText("apostrophe");
+    emit filter->returnPressed();
+    auto* page = window->findChild<QTextBrowser*>("txtTopic");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return page->source().path().endsWith("import.html"); }))
+        << page->source().toString().toStdString();
 }
 
 TEST_F(HelpViewerTest, Escape_ClosesTheWindow) {
