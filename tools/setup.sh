@@ -7,7 +7,7 @@
 set -eu
 
 build="cmake ninja-build g++ qt6-base-dev qt6-tools-dev qt6-documentation-tools
- libqt6sql6-sqlite libgtest-dev libgmock-dev xvfb fonts-dejavu-core python3"
+ libqt6sql6-sqlite libgtest-dev libgmock-dev zlib1g-dev xvfb fonts-dejavu-core python3"
 test="ccache clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev mdbtools
  desktop-file-utils appstream shared-mime-info man-db librsvg2-bin"
 package="dpkg-dev fakeroot"

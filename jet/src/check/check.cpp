@@ -11,6 +11,7 @@
 #include "check/row_check.h"
 #include "check/tree_check.h"
 #include "jet/error.h"
+#include "open_file.h"
 #include "page/bytes.h"
 #include "page/header.h"
 
@@ -274,6 +275,15 @@ CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) {
     }
     const FilePages pages(*file, pageSize);
     FileCheck(pages, header, report).Run();
+    return report;
+}
+
+CheckReport CheckDatabase(Database& database) {
+    OpenFile& file = *database.Internals().file;
+    file.RequireOpen();
+    const PagerPages pages(file.Pages());
+    CheckReport report;
+    FileCheck(pages, file.Pages().Header(), report).Run();
     return report;
 }
 
