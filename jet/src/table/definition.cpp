@@ -118,8 +118,9 @@ Column ParseColumn(Bytes block, const DefinitionLayout& at) {
     if (column.type == ColumnType::kDecimal) {
         column.precision = ReadU8(block, 11);
         column.scale = ReadU8(block, 12);
-        // Real files declare other lengths; the value always has the same.
-        column.length = static_cast<std::uint16_t>(SizeOfType(column.type));
+        // Real files declare other lengths; the value always has the same. The declared one is kept
+        // where nothing is reckoned with it.
+        if (column.fixed) column.length = static_cast<std::uint16_t>(SizeOfType(column.type));
     }
     return column;
 }
