@@ -1,0 +1,190 @@
+// Starting and ending: the start screen, the command line, the title, the logs.
+
+#include <QLabel>
+
+#include "RunningProgram.h"
+#include "platform/controls/FLabel.h"
+#include "shell/u91Trace.h"
+
+namespace {
+
+class Start : public RunningProgram {};
+
+TEST_F(Start, NoCommandLine_FillsTheFrameWithTheStartScreen) {
+    Run();
+    EXPECT_EQ(frame_->windowTitle(), QStringLiteral("TARN Prep"));
+    EXPECT_EQ(frame_->size(), QSize(808, 608));
+    EXPECT_EQ(frame_->pos(), QPoint(0, 0));
+    EXPECT_EQ(Get(QStringLiteral("frm0Start")).geometry(),
+              QRect(QPoint(0, 0), frame_->ClientSize()));
+    EXPECT_TRUE(StartScreenShows());
+    EXPECT_TRUE(a3PrepForms::WorksheetID().isEmpty());
+    EXPECT_FALSE(MenuEnabled(2));
+    EXPECT_FALSE(MenuEnabled(3));
+    EXPECT_TRUE(MenuEnabled(1));
+    EXPECT_TRUE(MenuEnabled(9));
+}
+
+TEST_F(Start, NoCommandLine_LogsItsStepsInOrder) {
+    Run();
+    const QStringList trace = NewTrace();
+    EXPECT_EQ(trace[0], QStringLiteral("* * * * * Program Start * * * * *"));
+    EXPECT_EQ(Text(trace.mid(2)),
+              Text(QStringList({"App.Path = " + platform::ProgramFolder(), "Screen: 15360 x 11520",
+                                " Start TARN Prep 05.1", "   a1Prep.DisplayCheck",
+                                "   frm0_Prep_Resize 12120 x 9120", "   Load frm0Start",
+                                "   a1Prep.StartWithoutFile", " Finished Loading TARN Prep"})));
+}
+
+TEST_F(Start, StartScreen_Captions_AreTheTextsWithTheirMarks) {
+    Run();
+    EXPECT_EQ(Get<FLabel>(QStringLiteral("flbOverview")).Caption(),
+              QStringLiteral(
+                  "|BEFORE:90|This program is used to collect and store data for later use during "
+                  "a Tactical Assessment of Response Needs (TARN).|CR|Information that can be "
+                  "collected and stored includes:|BEFORE:15||CR|   Management Objectives,|CR|   "
+                  "Suppression Resource Costs,|CR|   Net Value Change (NVC Table), and|CR|   "
+                  "Suppression Cost per Acre.|BEFORE:90||CR|NVC and Suppression Cost per Acre data "
+                  "can be copied from an BRAM file, or entered by hand."));
+    EXPECT_EQ(
+        Get<FLabel>(QStringLiteral("flbStart")).Caption(),
+        QStringLiteral("To create a new data file,|CR|click the New button.|BEFORE:180||CR|To "
+                       "review or update an existing data file,|BEFORE:0||CR|click the Open "
+                       "button."));
+    EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdOpen")).text(), QStringLiteral("&Open"));
+    EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdNew")).text(), QStringLiteral("&New"));
+    EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdExit")).text(), QStringLiteral("E&xit"));
+}
+
+TEST_F(Start, CommandLineFile_ShowsTheIntroduction) {
+    Run(NewFile(QStringLiteral("My unit.fcd")));
+    EXPECT_EQ(frame_->windowTitle(), QStringLiteral("TARN Prep:  [My unit.fcd]  No Name"));
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+    EXPECT_EQ(a3PrepForms::WorksheetID(), QStringLiteral("INT"));
+    EXPECT_EQ(CheckedSteps(), QList<int>{1});
+    EXPECT_EQ(Tab().CurrTab(), 1);
+    EXPECT_FALSE(Tab().isTabVisible(0));
+    EXPECT_FALSE(StartScreenShows());
+    EXPECT_TRUE(MenuEnabled(2));
+    EXPECT_TRUE(MenuEnabled(3));
+}
+
+TEST_F(Start, CommandLineFile_LogsItsStepsInOrder) {
+    const QString path = NewFile();
+    Run(path);
+    const QStringList trace = NewTrace();
+    EXPECT_EQ(Text(trace.mid(trace.indexOf(QStringLiteral("   a1Prep.StartWithFile ") + path))),
+              Text(QStringList(
+                  {"   a1Prep.StartWithFile " + path, "   PrepDatafile.OpenDatatables " + path,
+                   "   OpenRecordsets", " Start a1Prep.LoadFromFile", "   frm0Start.SetBackground",
+                   "   frm0_Prep.SetTitleBar", "   PrepProperties.GetPropertyWithDefault UnitName",
+                   "   Load frmTabs", "   frmTabs.Form_Resize", "   Load frm1Intro",
+                   "   frm1Intro.Setup", "   PositionWorksheet", "   frm0_Prep.StepMenu_Check",
+                   " Finished a1Prep.LoadFromFile", " Finished Loading TARN Prep"})));
+}
+
+TEST_F(Start, CommandLineInQuotes_FailsToOpenWithItsQuotes) {
+    support::Answers answers;
+    const QString quoted = u'"' + NewFile() + u'"';
+    Run(quoted);
+    EXPECT_EQ(answers.Texts().value(0), QStringLiteral("The file does not appear to be a TARN Prep "
+                                                       "file.  It cannot be opened."));
+    EXPECT_TRUE(NewTrace().contains(QStringLiteral("   a1Prep.StartWithFile ") + quoted));
+    EXPECT_TRUE(StartScreenShows());
+    EXPECT_FALSE(MenuEnabled(2));
+    EXPECT_EQ(frame_->windowTitle(), QStringLiteral("TARN Prep"));
+}
+
+TEST_F(Start, IntroductionTexts_AreShownWithTheirMarks) {
+    RunWithFile();
+    QWidget* intro = a3PrepForms::CurrentForm();
+    EXPECT_EQ(intro->findChild<QLabel*>(QStringLiteral("lblTitle"))->text(),
+              QStringLiteral("Instructions for creating a TARN Prep file"));
+    const QString body = intro->findChild<FLabel*>(QStringLiteral("flbDescription"))->Caption();
+    EXPECT_TRUE(body.startsWith(QStringLiteral(
+        "The TARN Prep process involves collecting information in a single file so that it is "
+        "easily accessible when needed for a Tactical Assessment of Response Needs (TARN).  "
+        "|CR||BEFORE:180|Worksheet 1: Introduction.  This page.|CR||BEFORE:90|Worksheet 2: ")));
+    EXPECT_TRUE(
+        body.endsWith(QStringLiteral("|CR|Worksheet 6: Suppression Cost / Acre.  This table "
+                                     "will be used to estimate suppression costs based on "
+                                     "historic cost per acre.")));
+}
+
+TEST_F(Start, ExitButton_EndsTheProgramWithEveryFormUnloaded) {
+    Run();
+    NewTrace();
+    Click(QStringLiteral("cmdExit"));
+    EXPECT_TRUE(frame_->IsUnloaded());
+    EXPECT_EQ(Text(NewTrace()),
+              Text(QStringList({" Start frm0Start.cmdExit_Click", "   frm0_Prep.MDIForm_Unload",
+                                "   Unloaded frm0Start", " TARN Prep",
+                                "* * * * * Program End * * * * *"})));
+}
+
+TEST_F(Start, ReturnKey_PressesTheButtonThatHasTheKeyboard) {
+    Run();
+    Get(QStringLiteral("cmdExit")).setFocus();
+    Press(Qt::Key_Return);
+    EXPECT_TRUE(frame_->IsUnloaded());
+}
+
+TEST_F(Start, ExitItem_FileOpen_SavesTwiceAndCloses) {
+    RunWithFile();
+    NewTrace();
+    Choose(QStringLiteral("mnuExit"));
+    EXPECT_TRUE(frame_->IsUnloaded());
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+    EXPECT_EQ(Text(NewTrace()),
+              Text(QStringList(
+                  {" Start mnuExit_Click", "   a3PrepForms.UpdateCurrentWorksheet INT",
+                   "   frm0_Prep.MDIForm_Unload", "   a3PrepForms.UpdateCurrentWorksheet INT",
+                   "   PrepDatafile.CloseDatafile", "   Unloaded frm1Intro", "   Unloaded frmTabs",
+                   "   Unloaded frm0Start", " TARN Prep", "* * * * * Program End * * * * *"})));
+}
+
+TEST_F(Start, WindowClosed_FileOpen_SavesOnce) {
+    RunWithFile();
+    NewTrace();
+    frame_->close();
+    EXPECT_EQ(NewTrace().count(QStringLiteral("   a3PrepForms.UpdateCurrentWorksheet INT")), 1);
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+}
+
+TEST_F(Start, LogsCannotBeWritten_RunsAndTellsOnce) {
+    platform::SetProgramFolder(folder_.Path(QStringLiteral("not there")));
+    support::Answers answers;
+    Run();
+    EXPECT_TRUE(StartScreenShows());
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts()[0].startsWith(
+        QStringLiteral("The program's logs cannot be written; the program works without them.")));
+    frame_->resize(900, 700);
+    frame_->TellOfLogFailure();
+    EXPECT_EQ(answers.Texts().size(), 1);
+}
+
+TEST_F(Start, AboutItem_ShowsTitleEditionAndRights) {
+    Run();
+    support::Answers answers;
+    Choose(QStringLiteral("mnuHelp_9"));
+    ASSERT_EQ(answers.Messages().size(), 1U);
+    EXPECT_TRUE(answers.Texts()[0].startsWith(
+        QStringLiteral("TARN Prep 05.1\r\nPreseason TARN Preparation, 2005 Edition, Version "
+                       "1\r\n\r\nCopyright")));
+    EXPECT_EQ(answers.Messages()[0].title, QStringLiteral("TARN Prep"));
+    EXPECT_EQ(NewTrace().last(), QStringLiteral("   mnuHelp_Click 9"));
+}
+
+TEST_F(Start, Controls_AllOfThem_HaveObjectAndAccessibleNames) {
+    RunWithFile();
+    for (const QWidget* control : frame_->findChildren<QWidget*>()) {
+        if (!control->isVisible() || control->objectName().startsWith(QStringLiteral("qt_")) ||
+            control->inherits("QToolButton") || control->inherits("QScrollBar")) {
+            continue;
+        }
+        EXPECT_FALSE(control->objectName().isEmpty()) << control->metaObject()->className();
+    }
+}
+
+}  // namespace

@@ -1,0 +1,233 @@
+// The worksheet manager: the switching protocol, its refusals, and the geometry of strip and form.
+
+#include "RunningProgram.h"
+#include "datafile/PrepDatatables.h"
+#include "datafile/ZoneKeys.h"
+#include "shell/frmTabs.h"
+
+namespace {
+
+class Worksheets : public RunningProgram {
+protected:
+    void AddZone() {
+        using PrepDatatables::tblFMZList;
+        tblFMZList->AddNew();
+        tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("North"));
+        tblFMZList->SetField(QStringLiteral("RLCount"), 1);
+        tblFMZList->Update();
+        tblFMZList->MoveLast();
+        const std::int32_t key = tblFMZList->Long(QStringLiteral("Key"));
+        ZoneKeys::AddCostRows(key);
+        ZoneKeys::AddLocationRows(key, 1, false);
+    }
+    // The frame with this client area, in pixels.
+    void ResizeClientTo(int width, int height) {
+        const QSize around = frame_->size() - frame_->ClientSize();
+        frame_->resize(QSize(width, height) + around);
+        ASSERT_EQ(frame_->ClientSize(), QSize(width, height));
+    }
+};
+
+struct Page {
+    int index;
+    const char* id;
+    const char* form;
+};
+
+constexpr Page kPages[] = {{1, "INT", "frm1Intro"},    {2, "RMA", "frm2RMAs"},
+                           {3, "SRM", "frm3SRMaster"}, {4, "FMZ", "frm4FMZs"},
+                           {5, "NVC", "frm5NVCTable"}, {6, "SCA", "frm6SuppressAcre"}};
+
+TEST_F(Worksheets, Tabs_EachClicked_ShowsItsFormAlone) {
+    RunWithFile();
+    AddZone();
+    for (const int index : {2, 3, 4, 5, 6, 1}) {
+        const Page& page = kPages[index - 1];
+        ClickTab(index);
+        EXPECT_EQ(ShownForm(), QLatin1String(page.form));
+        EXPECT_EQ(a3PrepForms::WorksheetID(), QLatin1String(page.id));
+        EXPECT_EQ(CheckedSteps(), QList<int>{index});
+        for (const Page& other : kPages) {
+            EXPECT_EQ(Find(QLatin1String(other.form)) != nullptr, other.index == index);
+        }
+    }
+}
+
+TEST_F(Worksheets, MenuItems_EachChosen_SetTheTab) {
+    RunWithFile();
+    AddZone();
+    for (const int index : {6, 5, 4, 3, 2, 1}) {
+        Choose(QStringLiteral("mnuStep_%1").arg(index));
+        EXPECT_EQ(Tab().CurrTab(), index);
+        EXPECT_EQ(ShownForm(), QLatin1String(kPages[index - 1].form));
+        EXPECT_EQ(CheckedSteps(), QList<int>{index});
+    }
+}
+
+TEST_F(Worksheets, MenuItem_OfTheWorksheetShowing_ChangesNothing) {
+    RunWithFile();
+    NewTrace();
+    Choose(QStringLiteral("mnuStep_1"));
+    EXPECT_EQ(CheckedSteps(), QList<int>{1});
+    EXPECT_EQ(Text(NewTrace()), Text(QStringList("   mnuStep_Click 1")));
+}
+
+TEST_F(Worksheets, Switch_ByMenu_LogsTheProtocolInOrder) {
+    RunWithFile();
+    NewTrace();
+    Choose(QStringLiteral("mnuStep_2"));
+    EXPECT_EQ(Text(NewTrace()),
+              Text(QStringList({"   mnuStep_Click 2", " Start switch to section 2",
+                                "   a3PrepForms.UpdateCurrentWorksheet INT",
+                                "   a3PrepForms.UnloadCurrentWorksheet; WorksheetID = INT",
+                                "   Unloaded frm1Intro", "   DisplayWorksheet 2",
+                                "   Load frm2RMAs", "   frm2RMAs.Setup", "   PositionWorksheet",
+                                "   frm0_Prep.StepMenu_Check", "   frm2RMAs.LoadList",
+                                " Finished switching sections"})));
+}
+
+struct Refusal {
+    int index;
+    const char* message;
+    const char* trace;
+};
+
+class WorksheetRefusals : public Worksheets, public testing::WithParamInterface<Refusal> {};
+
+TEST_P(WorksheetRefusals, Switch_NoZones_KeepsTheWorksheetUnsaved) {
+    RunWithFile();
+    ClickTab(4);
+    for (const bool byMenu : {false, true}) {
+        NewTrace();
+        support::Answers answers;
+        if (byMenu) {
+            Choose(QStringLiteral("mnuStep_%1").arg(GetParam().index));
+        } else {
+            ClickTab(GetParam().index);
+        }
+        EXPECT_EQ(Text(answers.Texts()), Text(QStringList(QLatin1String(GetParam().message))));
+        QStringList expected{QStringLiteral(" Start switch to section %1").arg(GetParam().index),
+                             QStringLiteral("   ") + QLatin1String(GetParam().trace)};
+        if (byMenu) {
+            expected.prepend(QStringLiteral("   mnuStep_Click %1").arg(GetParam().index));
+        }
+        EXPECT_EQ(Text(NewTrace()), Text(expected));
+        EXPECT_EQ(ShownForm(), QStringLiteral("frm4FMZs"));
+        EXPECT_EQ(Tab().CurrTab(), 4);
+        EXPECT_EQ(CheckedSteps(), QList<int>{4});
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Tabs, WorksheetRefusals,
+    testing::Values(Refusal{5, "Must have at least one FMZ to edit impacts.",
+                            "Unable to switch to NVC without FMZ"},
+                    Refusal{6, "Must have at least one FMZ to edit suppression cost per acre.",
+                            "Unable to switch to SCA without FMZ"}));
+
+TEST_F(Worksheets, DisplayWorksheet_IndexOutside_LeavesTheFrameAsItIs) {
+    RunWithFile();
+    for (const int index : {0, 7, -1}) {
+        NewTrace();
+        a3PrepForms::DisplayWorksheet(static_cast<std::int16_t>(index));
+        EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+        EXPECT_EQ(Text(NewTrace()),
+                  Text(QStringList(QStringLiteral("   DisplayWorksheet %1").arg(index))));
+    }
+    a3PrepForms::UnloadCurrentWorksheet();
+    a3PrepForms::DisplayWorksheet(0);
+    EXPECT_EQ(ShownForm(), QString());
+}
+
+TEST_F(Worksheets, UnloadCurrentWorksheet_KeepsTheWorksheetID) {
+    RunWithFile();
+    a3PrepForms::UnloadCurrentWorksheet();
+    EXPECT_EQ(ShownForm(), QString());
+    EXPECT_EQ(a3PrepForms::WorksheetID(), QStringLiteral("INT"));
+}
+
+TEST_F(Worksheets, Resize_FileOpen_PlacesStartScreenStripAndForm) {
+    RunWithFile();
+    ResizeClientTo(900, 700);
+    EXPECT_EQ(Get(QStringLiteral("frm0Start")).geometry(), QRect(0, 0, 900, 700));
+    EXPECT_EQ(Get(QStringLiteral("frmTabs")).geometry(), QRect(0, 675, 900, 25));
+    EXPECT_EQ(Tab().width(), 900);
+    EXPECT_EQ(a3PrepForms::CurrentForm()->geometry(), QRect(0, 0, 900, 675));
+}
+
+TEST_F(Worksheets, Resize_LogsTheFrameInTwipsAndPositionsTheForm) {
+    RunWithFile();
+    NewTrace();
+    frame_->resize(901, 700);
+    EXPECT_EQ(Text(NewTrace()),
+              Text(QStringList({"   frm0_Prep_Resize 13515 x 10500", "   frmTabs.Form_Resize",
+                                "   PositionWorksheet"})));
+}
+
+TEST_F(Worksheets, Resize_ClientOnePixelAboveTheStrip_StillPlacesBoth) {
+    RunWithFile();
+    ResizeClientTo(600, 26);
+    EXPECT_EQ(Get(QStringLiteral("frmTabs")).geometry(), QRect(0, 1, 600, 25));
+    EXPECT_EQ(a3PrepForms::CurrentForm()->height(), 1);
+}
+
+TEST_F(Worksheets, Resize_ClientNoHigherThanTheStrip_FollowsInWidthOnly) {
+    RunWithFile();
+    ResizeClientTo(808, 500);
+    ResizeClientTo(700, 25);
+    EXPECT_EQ(Get(QStringLiteral("frmTabs")).geometry(), QRect(0, 475, 700, 25));
+    EXPECT_EQ(a3PrepForms::CurrentForm()->geometry(), QRect(0, 0, 700, 475));
+}
+
+TEST_F(Worksheets, SetUpFails_FormIsGoneAndTheErrorTold) {
+    RunWithFile();
+    PrepDatatables::tblManagementGoals.Close();
+    support::Answers answers;
+    ClickTab(2);
+    EXPECT_EQ(answers.Texts().size(), 1);
+    EXPECT_EQ(ShownForm(), QString());
+    EXPECT_TRUE(folder_.Trace().contains(QStringLiteral("   Unloaded frm2RMAs")));
+    ClickTab(1);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+}
+
+TEST_F(Worksheets, TypedHeading_AnyWayOut_IsInTheFile) {
+    RunWithFile();
+    ClickTab(2);
+    Click(QStringLiteral("cmdAdd"));
+    QTest::keyClicks(&Get<QLineEdit>(QStringLiteral("txtHeading")), QStringLiteral("Ridge"));
+    frame_->SaveForSessionEnd();
+    PrepDatatables::tblManagementGoals->MoveFirst();
+    EXPECT_EQ(PrepDatatables::tblManagementGoals->Text(QStringLiteral("ManagementArea")),
+              QStringLiteral("Ridge"));
+    QTest::keyClicks(&Get<QLineEdit>(QStringLiteral("txtHeading")), QStringLiteral(" top"));
+    ClickTab(1);
+    PrepDatatables::tblManagementGoals->MoveFirst();
+    EXPECT_EQ(PrepDatatables::tblManagementGoals->Text(QStringLiteral("ManagementArea")),
+              QStringLiteral("Ridge top"));
+}
+
+TEST_F(Worksheets, EditKeys_InATextBox_GoThroughTheMenu) {
+    RunWithFile();
+    ClickTab(2);
+    Click(QStringLiteral("cmdAdd"));
+    auto& heading = Get<QLineEdit>(QStringLiteral("txtHeading"));
+    heading.setFocus();
+    QTest::keyClicks(&heading, QStringLiteral("Ridge"));
+    heading.selectAll();
+    NewTrace();
+    Press(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(heading.text(), QString());
+    EXPECT_EQ(platform::ClipboardText(), QStringLiteral("Ridge"));
+    Press(Qt::Key_V, Qt::ControlModifier);
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(heading.text(), QStringLiteral("RidgeRidge"));
+    heading.setSelection(0, 2);
+    Press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(platform::ClipboardText(), QStringLiteral("Ri"));
+    EXPECT_EQ(Text(NewTrace().filter(QStringLiteral("mnuEdit_Click"))),
+              Text(QStringList({"   mnuEdit_Click RMA 2", "   mnuEdit_Click RMA 4",
+                                "   mnuEdit_Click RMA 4", "   mnuEdit_Click RMA 3"})));
+}
+
+}  // namespace
