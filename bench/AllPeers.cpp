@@ -1,0 +1,15 @@
+#include <stdexcept>
+
+#include "bench/Peer.h"
+
+namespace bench {
+
+std::unique_ptr<Peer> MakePeer(const std::string& name) {
+    if (name == "jet4") return MakeJetPeer(false);
+    if (name == "jet3") return MakeJetPeer(true);
+    if (name == "sqlite") return MakeSqlitePeer();
+    if (name == "mdb") return MakeMdbPeer();
+    throw std::runtime_error("no peer of this name");
+}
+
+}  // namespace bench

@@ -1,0 +1,63 @@
+// One way of keeping the benchmark's table: our engine, or a peer that does the same work.
+//
+// The table is shaped like NVCPerAcre: two whole numbers as its unique key and six singles. A
+// second table holds a whole-number key, a short text and a memo. Times are taken by whoever calls;
+// a peer does nothing that it was not asked for.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+struct Row {
+    std::int32_t location = 0;
+    std::int32_t resource = 0;
+    float values[6] = {};
+};
+
+struct Note {
+    std::int32_t key = 0;
+    std::u16string name;
+    std::u16string body;
+};
+
+enum class Shape { kNumbers, kTexts };
+
+class Peer {
+public:
+    virtual ~Peer() = default;
+    [[nodiscard]] virtual std::string Name() const = 0;
+    [[nodiscard]] virtual bool CanWrite() const { return true; }
+
+    // Makes an empty file with both tables, and leaves it open.
+    virtual void Create(const std::filesystem::path& path) = 0;
+    virtual void Open(const std::filesystem::path& path) = 0;
+    virtual void Close() = 0;
+
+    virtual void Insert(const std::vector<Row>& rows) = 0;
+    virtual void Insert(const std::vector<Note>& notes) = 0;
+    // Reads every field of every row; what it gives keeps the work from being left out.
+    virtual double Scan(Shape shape) = 0;
+    // Finds each row by its full key and reads one field.
+    virtual double Seek(const std::vector<Row>& rows) = 0;
+    virtual double Seek(const std::vector<Note>& notes) = 0;
+    virtual void UpdateOneField(const std::vector<Row>& rows) = 0;
+    virtual void Delete(const std::vector<Row>& rows) = 0;
+    // The first field of the first row.
+    virtual double FirstRow() = 0;
+};
+
+std::unique_ptr<Peer> MakeJetPeer(bool jet3);
+std::unique_ptr<Peer> MakeSqlitePeer();
+// Reads only: the files that the engine made.
+std::unique_ptr<Peer> MakeMdbPeer();
+
+// "jet4", "jet3", "sqlite", "mdb".
+std::unique_ptr<Peer> MakePeer(const std::string& name);
+
+}  // namespace bench
