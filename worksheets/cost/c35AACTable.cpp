@@ -1,12 +1,11 @@
 #include "worksheets/cost/c35AACTable.h"
 
-#include <exception>
-
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
 #include "shell/u91Trace.h"
+#include "worksheets/FirstError.h"
 
 using PrepDatatables::tblSuppressionPerAcreCost;
 using ZoneKeys::kCostClasses;
@@ -91,16 +90,10 @@ void c35AACTable::SaveChanges() {
     if (!changed_) {
         return;
     }
-    std::exception_ptr firstError;
+    FirstError refused;
     for (int index = 1; index <= kCostClasses; ++index) {
-        try {
-            SaveRow(index);
-        } catch (const platform::RuntimeError&) {
-            firstError = firstError ? firstError : std::current_exception();
-        }
+        refused.Try([&] { SaveRow(index); });
     }
-    if (firstError) {
-        std::rethrow_exception(firstError);
-    }
+    refused.Rethrow();
     changed_ = false;
 }

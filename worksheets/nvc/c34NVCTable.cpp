@@ -1,11 +1,10 @@
 #include "worksheets/nvc/c34NVCTable.h"
 
-#include <exception>
-
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
+#include "worksheets/FirstError.h"
 #include "worksheets/nvc/RoundSignificant.h"
 
 using PrepDatatables::tblNVCPerAcre;
@@ -72,16 +71,10 @@ void c34NVCTable::SaveChanges() {
     if (!changed_) {
         return;
     }
-    std::exception_ptr firstError;
+    FirstError refused;
     for (int resource = 1; resource <= kResources; ++resource) {
-        try {
-            SaveRow(resource);
-        } catch (const platform::RuntimeError&) {
-            firstError = firstError ? firstError : std::current_exception();
-        }
+        refused.Try([&] { SaveRow(resource); });
     }
-    if (firstError) {
-        std::rethrow_exception(firstError);
-    }
+    refused.Rethrow();
     changed_ = false;
 }

@@ -12,6 +12,7 @@
 #include "platform/text/Numbers.h"
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
+#include "worksheets/FirstError.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/nvc/ColumnTotals.h"
 #include "worksheets/nvc/NVCTotals.h"
@@ -74,6 +75,11 @@ void frm5NVCTable::BuildChoices() {
     choices->addWidget(cboRepLocs_);
     choices->addStretch(1);
     Body().addLayout(choices);
+    lblNoRepLocs_ = PageParts::Instruction(
+        this, "lblNoRepLocs",
+        tr("This zone has no representative locations, so it has no table to edit."));
+    lblNoRepLocs_->hide();
+    Body().addWidget(lblNoRepLocs_);
 }
 
 void frm5NVCTable::BuildTable() {
@@ -162,10 +168,12 @@ void frm5NVCTable::SetupGrid() {
 void frm5NVCTable::SaveChanges() {
     Trace(QStringLiteral("frm5NVCTable.SaveChanges"));
     grdNVC_->FinishEdit();
-    names_.Save();
+    FirstError refused;
+    refused.Try([this] { names_.Save(); });
     if (table_) {
-        table_->SaveChanges();
+        refused.Try([this] { table_->SaveChanges(); });
     }
+    refused.Rethrow();
 }
 
 // A table that cannot be saved stays on the grid; the boxes then go back to what it belongs to.
@@ -205,6 +213,7 @@ void frm5NVCTable::cboFMZs_Click() {
     zoneKey_ = cboFMZs_->currentData().toInt();
     locationIndex_ = -1;
     mFMZs::LoadRepLocs(*cboRepLocs_, zoneKey_);
+    lblNoRepLocs_->setVisible(cboRepLocs_->count() == 0);
     if (cboRepLocs_->count() > 0) {
         PageParts::SelectSilently(*cboRepLocs_, 0);
         cboRepLocs_Click();

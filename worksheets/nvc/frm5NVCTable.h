@@ -58,6 +58,7 @@ private:
     QComboBox* cboRepLocs_ = nullptr;
     vsFlexGrid* grdNVC_ = nullptr;
     ColumnTotals* totals_ = nullptr;
+    QLabel* lblNoRepLocs_ = nullptr;
     QLabel* lblMinus_ = nullptr;
     NVCResourceNames names_;
     std::unique_ptr<c34NVCTable> table_;

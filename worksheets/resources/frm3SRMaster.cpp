@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <exception>
 
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
@@ -19,6 +18,7 @@
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
 #include "shell/u92Utilities.h"
+#include "worksheets/FirstError.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/resources/ResourceColumns.h"
 #include "worksheets/resources/ResourceRecords.h"
@@ -300,20 +300,15 @@ void frm3SRMaster::SaveChanges() {
 void frm3SRMaster::UpdateTable() {
     Trace(QStringLiteral("UpdateTable"));
     grdMasterList_->FinishEdit();
-    std::exception_ptr firstError;
+    FirstError refused;
     for (int row = 1; row < grdMasterList_->Rows(); ++row) {
-        try {
-            SaveRow(row);
-        } catch (const platform::RuntimeError&) {
-            firstError = firstError ? firstError : std::current_exception();
-        }
+        refused.Try([&] { SaveRow(row); });
     }
-    if (firstError) {
-        std::rethrow_exception(firstError);
-    }
+    refused.Rethrow();
 }
 
 void frm3SRMaster::SaveRow(int row) {
+    Trace(QStringLiteral("frm3SRMaster.SaveRow"));
     Resource resource;
     resource.key = platform::CLng(grdMasterList_->ValueMatrix(row, kKey));
     resource.sequence = Number(row);
@@ -325,21 +320,17 @@ void frm3SRMaster::SaveRow(int row) {
 }
 
 void frm3SRMaster::Save() {
-    SaveChanges();
-    UpdateTable();
+    FirstError refused;
+    refused.Try([this] { SaveChanges(); });
+    refused.Try([this] { UpdateTable(); });
+    refused.Rethrow();
 }
 
 void frm3SRMaster::Unload() {
-    std::exception_ptr error;
+    FirstError refused;
     if (PrepDatafile::IsDatafileOpen()) {
-        try {
-            UpdateTable();
-        } catch (const platform::RuntimeError&) {
-            error = std::current_exception();
-        }
+        refused.Try([this] { UpdateTable(); });
     }
     u91Trace::FormUnload(objectName());
-    if (error) {
-        std::rethrow_exception(error);
-    }
+    refused.Rethrow();
 }

@@ -7,7 +7,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <exception>
 
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
@@ -17,6 +16,7 @@
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/text/Numbers.h"
 #include "shell/u91Trace.h"
+#include "worksheets/FirstError.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/zones/ZoneRecords.h"
 
@@ -65,10 +65,10 @@ void frm4FMZs::Build() {
            "Locations (RLs) in each, or copy them from a BRAM file.")));
     grdFMZs_ = new vsFlexGrid(this);
     PageParts::Name(*grdFMZs_, "grdFMZs", tr("Fire Management Zones"));
-    cmdImport_ = new QPushButton(tr("&Import from BRAM..."), this);
-    PageParts::Name(*cmdImport_, "cmdImport", tr("Import zones from a BRAM file"));
     cmdAdd_ = new QPushButton(tr("&Add Item"), this);
     PageParts::Name(*cmdAdd_, "cmdAdd", tr("Add a zone"));
+    cmdImport_ = new QPushButton(tr("&Import from BRAM..."), this);
+    PageParts::Name(*cmdImport_, "cmdImport", tr("Import zones from a BRAM file"));
     Body().addWidget(grdFMZs_, 1);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdAdd_);
@@ -121,21 +121,17 @@ void frm4FMZs::FMZ_LoadGrid() {
 void frm4FMZs::FMZ_Update() {
     Trace(QStringLiteral("FMZ_Update"));
     grdFMZs_->FinishEdit();
-    std::exception_ptr firstError;
+    FirstError refused;
     for (int row = 1; row < grdFMZs_->Rows(); ++row) {
-        try {
+        refused.Try([&] {
             if (grdFMZs_->RowData(row) != 0) {
                 FMZ_UpdateRecord(row);
             } else {
                 FMZ_CreateRecord(row);
             }
-        } catch (const platform::RuntimeError&) {
-            firstError = firstError ? firstError : std::current_exception();
-        }
+        });
     }
-    if (firstError) {
-        std::rethrow_exception(firstError);
-    }
+    refused.Rethrow();
 }
 
 void frm4FMZs::FMZ_CreateRecord(int row) {
@@ -189,16 +185,10 @@ void frm4FMZs::grdFMZs_BeforeEdit(int col) {
 }
 
 void frm4FMZs::Unload() {
-    std::exception_ptr error;
+    FirstError refused;
     if (PrepDatafile::IsDatafileOpen()) {
-        try {
-            FMZ_Update();
-        } catch (const platform::RuntimeError&) {
-            error = std::current_exception();
-        }
+        refused.Try([this] { FMZ_Update(); });
     }
     u91Trace::FormUnload(objectName());
-    if (error) {
-        std::rethrow_exception(error);
-    }
+    refused.Rethrow();
 }

@@ -1,0 +1,28 @@
+// Saves several things although one of them is refused: the rest is not lost for it.
+#pragma once
+
+#include <exception>
+
+#include "platform/RuntimeError.h"
+
+class FirstError {
+public:
+    // Runs a step; the first error of all steps is kept.
+    template <typename Step>
+    void Try(Step step) {
+        try {
+            step();
+        } catch (const platform::RuntimeError&) {
+            error_ = error_ ? error_ : std::current_exception();
+        }
+    }
+    // Throws the error that was kept, if any.
+    void Rethrow() const {
+        if (error_) {
+            std::rethrow_exception(error_);
+        }
+    }
+
+private:
+    std::exception_ptr error_;
+};
