@@ -1,5 +1,7 @@
 #include "shell/a3PrepForms.h"
 
+#include <QApplication>
+
 #include <memory>
 
 #include "datafile/PrepDatafile.h"
@@ -150,6 +152,11 @@ void UnloadForm() {
     // Out of the manager's hands first: whatever the unload handler meets, the form is gone then.
     const std::unique_ptr<Worksheet> leaving = std::move(current);
     currentIndex = 0;
+    // The keyboard would go to the tabs by itself, as if the user had taken it there.
+    QWidget* const focus = QApplication::focusWidget();
+    if (focus != nullptr && leaving->Form().isAncestorOf(focus)) {
+        focus->clearFocus();
+    }
     leaving->Form().hide();
     leaving->Unload();
 }
