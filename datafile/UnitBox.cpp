@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QValidator>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -34,15 +35,15 @@ public:
                 keptCursor += at < cursor ? 1 : 0;
             }
         }
-        const int excess = int(kept.size()) - length_;
-        if (excess > 0) {
-            const bool wasFull = box_.text().size() >= length_ && !box_.hasSelectedText();
-            if (wasFull || keptCursor < excess) {
-                return Invalid;
-            }
-            // A longer text was pasted: its end goes.
-            keptCursor -= excess;
-            kept.remove(keptCursor, excess);
+        const int excess = std::max(int(kept.size()) - length_, 0);
+        // What came in last stands before the cursor: its end goes when there is no room for it.
+        keptCursor -= excess;
+        if (keptCursor < 0) {
+            return Invalid;
+        }
+        kept.remove(keptCursor, excess);
+        if (kept == box_.former_) {
+            return Invalid;  // as if the key had not been pressed
         }
         input = kept;
         cursor = keptCursor;
@@ -57,6 +58,7 @@ private:
 
 UnitBox::UnitBox(Rule rule, int length, QWidget* parent) : QLineEdit(parent) {
     setValidator(new Filter(*this, rule, length));
+    connect(this, &QLineEdit::textChanged, this, [this](const QString& text) { former_ = text; });
 }
 
 QChar UnitBox::Filtered(Rule rule, QChar character) {

@@ -35,6 +35,7 @@ protected:
 
 private:
     class Filter;
+    QString former_;  // the text before the change that is being made
     bool selectsTwo_ = false;
     bool clickedIn_ = false;
     bool byProgram_ = false;

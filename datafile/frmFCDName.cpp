@@ -1,7 +1,6 @@
 #include "datafile/frmFCDName.h"
 
 #include <QDate>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -202,7 +201,7 @@ void frmFCDName::LookUpState(QWidget* next) {
 }
 
 void frmFCDName::grdUnits_Click() {
-    const int row = grdUnits->Row();
+    const int row = grdUnits->MouseRow();
     if (row < grdUnits->FixedRows() || row >= grdUnits->Rows()) {
         return;
     }
@@ -258,22 +257,6 @@ void frmFCDName::cmdCancel_Click() {
 void frmFCDName::reject() {
     platform::EventTrap::Run("frmFCDName.cmdCancel_Click", [this] { cmdCancel_Click(); });
     QDialog::reject();
-}
-
-// Enter and Space choose the current row of the list, as a click does.
-bool frmFCDName::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == grdUnits && event->type() == QEvent::KeyPress) {
-        switch (static_cast<QKeyEvent*>(event)->key()) {
-            case Qt::Key_Return:
-            case Qt::Key_Enter:
-            case Qt::Key_Space:
-                platform::EventTrap::Run("frmFCDName.grdUnits_Click", [this] { grdUnits_Click(); });
-                return true;
-            default:
-                break;
-        }
-    }
-    return QDialog::eventFilter(watched, event);
 }
 
 void frmFCDName::ShowUnits(const std::vector<UnitFinder::Unit>& units) {

@@ -52,9 +52,6 @@ public:
 
     void reject() override;
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void CreateControls();
     void NameControls();

@@ -241,5 +241,4 @@ void frmFCDName::ConnectHandlers() {
     connect(cmdOK, &QPushButton::clicked, this,
             Trapped("frmFCDName.cmdOK_Click", [this](auto&&...) { cmdOK_Click(); }));
     connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
-    grdUnits->installEventFilter(this);
 }

@@ -41,7 +41,10 @@ vsFlexGrid::vsFlexGrid(QWidget* parent) : QTableView(parent), impl_(std::make_un
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     ApplyRowHeight();
-    connect(impl_->header, &FlexGridHeader::Clicked, this, &vsFlexGrid::Click);
+    connect(impl_->header, &FlexGridHeader::Clicked, this, [this] {
+        impl_->mouseRow = 0;
+        emit Click();
+    });
     connect(impl_->header, &QHeaderView::sectionResized, this, [this](int col, int, int pixels) {
         if (!impl_->sizing && !ColHidden(col)) {
             impl_->model->Column(col).twips = platform::ToTwips(pixels);
@@ -255,6 +258,10 @@ void vsFlexGrid::SortNumericAscending(int col) {
 
 int vsFlexGrid::Row() const {
     return FixedRows() + currentIndex().row();
+}
+
+int vsFlexGrid::MouseRow() const {
+    return impl_->mouseRow;
 }
 
 void vsFlexGrid::SetRow(int row) {

@@ -96,6 +96,8 @@ public:
     [[nodiscard]] int Col() const;
     void SetCol(int col);
     void Select(int row, int col);
+    // The row of the last Click, a header row too; -1 before the first.
+    [[nodiscard]] int MouseRow() const;
 
     // Editing.
     void EditCell();

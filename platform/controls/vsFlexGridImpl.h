@@ -23,6 +23,7 @@ public:
     bool closing = false;
 
     QPersistentModelIndex anchor;  // where the selected block begins
+    int mouseRow = -1;             // the row of the last click, header rows included
     bool pressed = false;          // the left mouse button went down in a cell
     int quiet = 0;                 // the program is changing rows: no EnterCell
     bool sizing = false;           // the program is setting widths

@@ -81,6 +81,7 @@ void vsFlexGrid::KeyInCell(QKeyEvent* event) {
 bool vsFlexGrid::KeyInList(const QKeyEvent& event) {
     if (IsEnter(event) || event.key() == Qt::Key_Space) {
         if (currentIndex().isValid()) {
+            impl_->mouseRow = Row();
             emit Click();
         }
         return true;
@@ -284,6 +285,7 @@ void vsFlexGrid::mouseMoveEvent(QMouseEvent* event) {
 void vsFlexGrid::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && impl_->pressed) {
         impl_->pressed = false;
+        impl_->mouseRow = Row();
         emit Click();
     }
 }

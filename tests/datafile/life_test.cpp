@@ -57,7 +57,7 @@ protected:
     static void Choose(QWidget& dialog, const QString& path) {
         auto* files = qobject_cast<QFileDialog*>(&dialog);
         ASSERT_NE(files, nullptr);
-        files->selectFile(path);
+        files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
         QMetaObject::invokeMethod(files, "accept");
     }
 };
@@ -163,7 +163,7 @@ TEST_F(LifeTest, OpenDatatables_FormatsOfOtherOrigin_AreTakenConvertedOrRefused)
         EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("DataFormatID")),
                   QStringLiteral("4.01.01"));
         PrepDatafile::CloseDatafile();
-        EXPECT_EQ(support::Complaints(path), QString());
+        EXPECT_EQ(support::Complaints(path, false), QString());
         const QByteArray converted = support::Bytes(path);
         OpenFile(path);
         PrepDatafile::CloseDatafile();
@@ -250,7 +250,7 @@ TEST_F(LifeTest, QueryNewDatafile_Cancelled_ChangesNothingAndWritesProcedureLine
 TEST_F(LifeTest, QueryNewDatafile_TemplateMissing_IsToldAfterTheFormerFileIsClosed) {
     OpenNewFile();
     QFile::remove(folder_.Path(QStringLiteral("FCD.new")));
-    support::Answers answers;
+    support::Answers answers({QMessageBox::Yes});
     answers.Then([](QWidget& dialog) { NameUnit(dialog, QStringLiteral("GPF")); });
     EXPECT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kFailed);
     EXPECT_EQ(answers.Texts().last(),

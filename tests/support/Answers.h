@@ -55,7 +55,8 @@ private:
         } else if (modal != nullptr && modal->isVisible() && !steps_.empty()) {
             const auto step = std::move(steps_.front());
             steps_.pop_front();
-            step(*modal);
+            // In an event of its own: the step may open a box, which this timer has to answer.
+            QTimer::singleShot(0, modal, [step, modal] { step(*modal); });
         }
     }
     void Press(QMessageBox& box) {
