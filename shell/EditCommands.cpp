@@ -36,7 +36,7 @@ void RunOnGrid(std::int16_t command, vsFlexGrid& grid) {
     }
     platform::SetClipboardText(clip);
     if (command == kCut) {
-        grid.SetEditSelText(QString());
+        grid.ClearClip();
     }
 }
 

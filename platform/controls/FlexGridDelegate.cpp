@@ -38,6 +38,8 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     QStyleOptionViewItem cell = option;
     if (current && !view->hasFocus() && IsOneCell(*view)) {
         cell.state &= ~QStyle::State_Selected;
+        // The table has coloured the selected cell already.
+        painter->fillRect(cell.rect, cell.palette.brush(QPalette::Base));
     }
     QStyledItemDelegate::paint(painter, cell, index);
     painter->save();

@@ -88,6 +88,7 @@ HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QH
     tabs->tabBar()->setAccessibleName(tabs->accessibleName());
     auto* splitter = new QSplitter;
     splitter->setObjectName(QStringLiteral("splHelp"));
+    splitter->setAccessibleName(tr("Ways to a topic, and the topic"));
     splitter->addWidget(tabs);
     splitter->addWidget(browser_);
     splitter->setStretchFactor(1, 1);

@@ -1,6 +1,8 @@
 // Playing the user in a grid whose cells are edited when they are entered.
 #include <QClipboard>
 #include <QGuiApplication>
+#include <iterator>
+#include <random>
 
 #include "FlexGridFixture.h"
 
@@ -360,5 +362,80 @@ TEST_F(FlexGridEditing, Undo_TakesTypingBack) {
     Key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(grid_->EditText(), "North");
 }
+
+// A form that stores each value where the grid tells of it, and a user who does anything at all.
+class FlexGridWalk : public FlexGridEditing, public testing::WithParamInterface<unsigned> {
+protected:
+    void SetUp() override {
+        FlexGridEditing::SetUp();
+        const auto store = [this](int row, int col) {
+            stored_[row - 1][col] =
+                grid_->Editing() ? grid_->EditText() : grid_->TextMatrix(row, col);
+        };
+        for (int row = 1; row <= 3; ++row) {
+            for (int col = 0; col < 3; ++col) {
+                store(row, col);
+            }
+        }
+        QObject::connect(grid_, &vsFlexGrid::KeyUpEdit, grid_,
+                         [store](int row, int col, int) { store(row, col); });
+        QObject::connect(grid_, &vsFlexGrid::EditCancelled, grid_, store);
+    }
+
+    void AnyAction() {
+        constexpr Qt::Key kKeys[] = {
+            Qt::Key_Up,     Qt::Key_Down,     Qt::Key_Left, Qt::Key_Right,    Qt::Key_Tab,
+            Qt::Key_Return, Qt::Key_Home,     Qt::Key_End,  Qt::Key_F2,       Qt::Key_Escape,
+            Qt::Key_Delete, Qt::Key_PageDown, Qt::Key_Z,    Qt::Key_Backspace};
+        constexpr Qt::KeyboardModifiers kModifiers[] = {
+            Qt::NoModifier, Qt::NoModifier, Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier};
+        switch (random_() % 8) {
+            case 0:
+                ClickCell(1 + Any(3), Any(3));
+                break;
+            case 1:
+                grid_->SetEditSelText(Any(2) == 0 ? "1\t2\r\n3\t4\r\n" : "p");
+                break;
+            case 2:
+                grid_->ClearClip();
+                break;
+            case 3:
+                // Pressed here, released wherever the next action leads.
+                QTest::keyPress(window_.windowHandle(), 'q');
+                break;
+            case 4:
+            case 5:
+                Type(QString::number(Any(10)));
+                break;
+            default:
+                Key(kKeys[Any(std::size(kKeys))], kModifiers[Any(std::size(kModifiers))]);
+        }
+    }
+    int Any(std::size_t count) { return static_cast<int>(random_() % count); }
+
+    std::mt19937 random_{GetParam()};
+    QString stored_[3][3];
+};
+
+TEST_P(FlexGridWalk, WhateverTheUserDoes_WhatIsShownIsStored) {
+    for (int step = 0; step < 400; ++step) {
+        AnyAction();
+        if (!before_->hasFocus() && !after_->hasFocus()) {
+            ASSERT_TRUE(grid_->currentIndex().isValid());
+        } else {
+            ASSERT_FALSE(grid_->Editing());
+            grid_->setFocus();
+        }
+    }
+    grid_->FinishEdit();
+    for (int row = 1; row <= 3; ++row) {
+        for (int col = 0; col < 3; ++col) {
+            EXPECT_EQ(stored_[row - 1][col], grid_->TextMatrix(row, col)) << row << ", " << col;
+        }
+        EXPECT_EQ(grid_->TextMatrix(row, 3), QString::number(row * 7));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, FlexGridWalk, testing::Range(1U, 26U));
 
 }  // namespace
