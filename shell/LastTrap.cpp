@@ -1,5 +1,7 @@
 #include "shell/LastTrap.h"
 
+#include <QTimer>
+
 #include "datafile/PrepDatafile.h"
 #include "platform/EventTrap.h"
 #include "platform/dialogs/MsgBox.h"
@@ -23,6 +25,16 @@ void Tell(const Report& report) {
     }
 }
 
+// Once the handlers have ended: a message box waits, and nothing should wait with it.
+void NoticeLogFailure() {
+    if (!u91Trace::PassedOverFailure().isEmpty() && !frm0_Prep::Loaded().HasToldOfLogFailure()) {
+        QTimer::singleShot(0, &frm0_Prep::Loaded(), [] {
+            platform::EventTrap::Run("frm0_Prep.TellOfLogFailure",
+                                     [] { frm0_Prep::Loaded().TellOfLogFailure(); });
+        });
+    }
+}
+
 }  // namespace
 
 namespace LastTrap {
@@ -33,7 +45,10 @@ void Install() {
     hooks.remember = []() -> std::function<void()> {
         return [state = UIMode::Remember()] { UIMode::Restore(state); };
     };
-    hooks.idle = [] { PrepDatafile::MakeDurable(); };
+    hooks.idle = [] {
+        PrepDatafile::MakeDurable();
+        NoticeLogFailure();
+    };
     platform::EventTrap::Install(std::move(hooks));
 }
 

@@ -62,6 +62,7 @@ public:
     void EndAtOnce();
     // Tells the user once that the logs cannot be written.
     void TellOfLogFailure();
+    [[nodiscard]] bool HasToldOfLogFailure() const { return toldOfLogFailure_; }
 
 signals:
     void Unloaded();

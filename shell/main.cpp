@@ -3,6 +3,7 @@
 #include "platform/controls/ClipboardShortcuts.h"
 #include "platform/system/Termination.h"
 #include "shell/LastTrap.h"
+#include "shell/Scenery.h"
 #include "shell/frm0_Prep.h"
 
 namespace {
@@ -25,6 +26,7 @@ int main(int argc, char* argv[]) {
     QApplication application(programNameOnly, argv);
     // A message box may be the only window for a while; the program ends with the main frame.
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(Scenery::Icon(QApplication::palette()));
     platform::InstallClipboardShortcutFilter();
     LastTrap::Install();
 

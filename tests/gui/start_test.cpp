@@ -164,6 +164,38 @@ TEST_F(Start, LogsCannotBeWritten_RunsAndTellsOnce) {
     EXPECT_EQ(answers.Texts().size(), 1);
 }
 
+TEST_F(Start, LogsStopBeingWritten_WhileRunning_IsToldOnce) {
+    Run();
+    platform::SetProgramFolder(folder_.Path(QStringLiteral("not there")));
+    support::Answers answers;
+    frame_->resize(900, 700);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !answers.Texts().isEmpty(); }));
+    frame_->resize(800, 600);
+    frame_->resize(900, 700);
+    QApplication::processEvents();
+    EXPECT_EQ(answers.Texts().size(), 1);
+}
+
+TEST_F(Start, EndAtOnce_FileOpen_SavesAndEndsWithoutAsking) {
+    RunWithFile();
+    NewTrace();
+    frame_->EndAtOnce();
+    EXPECT_TRUE(frame_->IsUnloaded());
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+    const QStringList trace = NewTrace();
+    EXPECT_EQ(trace.count(QStringLiteral("   a3PrepForms.UpdateCurrentWorksheet INT")), 1);
+    EXPECT_EQ(trace.last(), QStringLiteral("* * * * * Program End * * * * *"));
+}
+
+TEST_F(Start, EndAtOnce_DialogOpen_ClosesItFirst) {
+    Run();
+    support::Answers answers;
+    answers.Then([this](QWidget&) { frame_->EndAtOnce(); });
+    Click(QStringLiteral("cmdNew"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return frame_->IsUnloaded(); }));
+    EXPECT_EQ(NewTrace().last(), QStringLiteral("* * * * * Program End * * * * *"));
+}
+
 TEST_F(Start, AboutItem_ShowsTitleEditionAndRights) {
     Run();
     support::Answers answers;

@@ -230,4 +230,56 @@ TEST_F(Worksheets, EditKeys_InATextBox_GoThroughTheMenu) {
                                 "   mnuEdit_Click RMA 4", "   mnuEdit_Click RMA 3"})));
 }
 
+TEST_F(Worksheets, SaveFails_SwitchIsRefusedAndTheTypedTextStays) {
+    RunWithFile();
+    ClickTab(2);
+    Click(QStringLiteral("cmdAdd"));
+    QTest::keyClicks(&Get<QLineEdit>(QStringLiteral("txtHeading")), QStringLiteral("Ridge"));
+    PrepDatatables::tblManagementGoals.Close();
+    support::Answers answers;
+    ClickTab(1);
+    EXPECT_EQ(answers.Texts().size(), 1);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm2RMAs"));
+    EXPECT_EQ(Tab().CurrTab(), 2);
+    EXPECT_EQ(Get<QLineEdit>(QStringLiteral("txtHeading")).text(), QStringLiteral("Ridge"));
+    EXPECT_FALSE(support::Bytes(folder_.Path(QStringLiteral("ERROR.LOG"))).isEmpty());
+}
+
+TEST_F(Worksheets, SaveFailsAtExit_UserDecidesWhetherToLeave) {
+    RunWithFile();
+    ClickTab(2);
+    Click(QStringLiteral("cmdAdd"));
+    QTest::keyClicks(&Get<QLineEdit>(QStringLiteral("txtHeading")), QStringLiteral("Ridge"));
+    PrepDatatables::tblManagementGoals.Close();
+    {
+        support::Answers stay({QMessageBox::No});
+        Choose(QStringLiteral("mnuExit"));
+        EXPECT_EQ(stay.Texts().size(), 1);
+        EXPECT_FALSE(frame_->IsUnloaded());
+    }
+    support::Answers leave({QMessageBox::Yes});
+    Choose(QStringLiteral("mnuExit"));
+    EXPECT_EQ(leave.Texts().size(), 1);
+    EXPECT_TRUE(frame_->IsUnloaded());
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+}
+
+TEST_F(Worksheets, KeysAlongTheTabs_KeepTheKeyboardThereAndNeverReachTabZero) {
+    RunWithFile();
+    Tab().setFocus();
+    Press(Qt::Key_Right);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm2RMAs"));
+    Press(Qt::Key_Left);
+    Press(Qt::Key_Left);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+    EXPECT_EQ(Tab().CurrTab(), 1);
+    EXPECT_TRUE(Tab().hasFocus());
+}
+
+TEST_F(Worksheets, ClickOnATab_GivesTheKeyboardToTheWorksheet) {
+    RunWithFile();
+    ClickTab(2);
+    EXPECT_TRUE(a3PrepForms::CurrentForm()->isAncestorOf(QApplication::focusWidget()));
+}
+
 }  // namespace
