@@ -88,9 +88,27 @@ void WarnOfRecovery() {
     }
 }
 
+// Damage that was found in a file, as the error that refuses it.
+class DamagedFile : public platform::RuntimeError {
+public:
+    explicit DamagedFile(const QString& finding)
+        : platform::RuntimeError(platform::kDamagedFile, finding) {}
+};
+
+// Writing into a damaged file would spread the damage, so the whole of it is looked at before.
+void RequireSound() {
+    const QStringList damage = dbDatafile->Damage();
+    if (!damage.isEmpty()) {
+        throw DamagedFile(damage.first());
+    }
+}
+
 // Accepts, relabels or converts the open file; false when its format is unknown.
 bool AcceptFormat() {
     const Format format = FormatOf(u14libProperties::Read(*tblProperties, kDataFormatID));
+    if (format != Format::kUnknown) {
+        RequireSound();
+    }
     switch (format) {
         case Format::kUnknown:
             return false;
@@ -237,8 +255,15 @@ bool OpenDatatables(const QString& fileName) {
                                "opened using TARN Prep 03."));
             return false;
         }
-    } catch (const platform::RuntimeError& error) {
-        RefuseDatafile(error);
+    } catch (const DamagedFile& damage) {
+        RefuseDatafile();
+        platform::MsgBox(QStringLiteral("The file is damaged: %1").arg(damage.Description()) +
+                         platform::kNewLine +
+                         QStringLiteral("The command  jetdoctor FILE --repair NEWFILE  makes a "
+                                        "sound copy of all that can be read."));
+        return false;
+    } catch (const platform::RuntimeError&) {
+        RefuseDatafile();
         return false;
     }
     currentPath = fileName;
@@ -276,7 +301,7 @@ QString FileTitleFromPath(const QString& path) {
     return path.mid(last + 1);
 }
 
-void RefuseDatafile(const platform::RuntimeError& /*reason*/) {
+void RefuseDatafile() {
     CloseQuietly();
     platform::MsgBox(
         QStringLiteral("The file does not appear to be a TARN Prep file.  It cannot be opened."));

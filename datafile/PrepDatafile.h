@@ -7,8 +7,6 @@
 
 #include <cstdint>
 
-#include "platform/RuntimeError.h"
-
 class DatafileHost;
 
 namespace PrepDatafile {
@@ -30,7 +28,7 @@ void Convert3to4();
 void CloseDatafile();
 QString FileTitleFromPath(const QString& path);
 // Tells the user that the file cannot be opened, and closes whatever of it is open.
-void RefuseDatafile(const platform::RuntimeError& reason);
+void RefuseDatafile();
 // Carries what was written so far through a power cut; nothing when no file is open.
 void MakeDurable();
 

@@ -96,8 +96,8 @@ bool OpenRecordsets() {
             (*table)->SetIndex(QStringLiteral("PrimaryKey"));
         }
         return true;
-    } catch (const platform::RuntimeError& error) {
-        PrepDatafile::RefuseDatafile(error);
+    } catch (const platform::RuntimeError&) {
+        PrepDatafile::RefuseDatafile();
         return false;
     }
 }

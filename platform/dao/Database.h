@@ -64,6 +64,8 @@ public:
     // Operations of an interrupted run that opening brought in.
     [[nodiscard]] int RecoveredOperations() const;
     [[nodiscard]] bool IsReadOnly() const;
+    // What contradicts the format anywhere in the file, a sentence for each; reads all of it.
+    [[nodiscard]] QStringList Damage();
 
 private:
     explicit Database(std::unique_ptr<jet::Database> database);

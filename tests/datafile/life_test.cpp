@@ -31,7 +31,7 @@ const QString kIncompatible = QStringLiteral(
 class LifeTest : public DataFileTest {
 protected:
     QString CopyOfMade(const QString& name) {
-        const QString path = folder_.CostsPath(name);
+        const QString path = folder_.CostsPath(PrepDatafile::FileTitleFromPath(name));
         support::Copy(support::MadeFile(name), path);
         return path;
     }
@@ -169,6 +169,22 @@ TEST_F(LifeTest, OpenDatatables_FormatsOfOtherOrigin_AreTakenConvertedOrRefused)
         PrepDatafile::CloseDatafile();
         EXPECT_EQ(support::Bytes(path), converted) << "opening it again changes nothing";
     }
+}
+
+TEST_F(LifeTest, OpenDatatables_DamagedFile_IsRefusedUntouchedAndSaysWhatToDo) {
+    if (!support::HasCorpus()) {
+        GTEST_SKIP() << "the corpus is not here";
+    }
+    const QString path = CopyOfMade(QStringLiteral("damaged/memochain.fcd"));
+    const QByteArray before = support::Bytes(path);
+    const support::Answers answers;
+    EXPECT_FALSE(PrepDatafile::OpenDatatables(path));
+    ASSERT_EQ(answers.Texts().size(), 2);
+    EXPECT_EQ(answers.Texts().first(), kNotPrepFile);
+    EXPECT_TRUE(answers.Texts().last().startsWith(QStringLiteral("The file is damaged: ")));
+    EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("jetdoctor FILE --repair NEWFILE")));
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+    EXPECT_EQ(support::Bytes(path), before);
 }
 
 TEST_F(LifeTest, Convert3to4_AddsGoalsWithCounterTextMemoAndKey) {
