@@ -210,12 +210,18 @@ bool IndexTree::HasKey(Bytes key, RowId except) const {
 
 bool IndexTree::Insert(Bytes key, RowId row) {
     const bool isNew = !HasKey(key);
-    TreeChange(*pager_, table_, root_, pages_).Insert(key, row);
+    TreeChange change(*pager_, table_, root_, pages_);
+    if (!change.InsertInPlace(key, row)) {
+        change.Insert(key, row);
+    }
     return isNew;
 }
 
 void IndexTree::Erase(Bytes key, RowId row) {
-    TreeChange(*pager_, table_, root_, pages_).Erase(key, row, *this);
+    TreeChange change(*pager_, table_, root_, pages_);
+    if (!change.EraseInPlace(key, row)) {
+        change.Erase(key, row, *this);
+    }
 }
 
 PageNumber IndexTree::Create(Pager& pager, PageNumber table, UsageMap& pages) {

@@ -21,6 +21,10 @@ public:
 
     // kRecordTooLarge, kDamaged.
     void Insert(Bytes key, RowId row);
+    // The common case, without taking a page apart: the leaf has room and nothing above it changes.
+    // False, and nothing done, in any other case.
+    bool InsertInPlace(Bytes key, RowId row);
+    bool EraseInPlace(Bytes key, RowId row);
     // kDamaged when there is no such entry. `tree` is the tree itself, for looking around.
     void Erase(Bytes key, RowId row, const IndexTree& tree);
 
@@ -32,6 +36,8 @@ private:
     };
     using Path = std::vector<Step>;
 
+    // The leaf where an entry belongs; none below a node that has to be mended first.
+    [[nodiscard]] PageNumber FindLeaf(Bytes entry) const;
     [[nodiscard]] IndexPageContent Load(PageNumber page) const;
     void Save(PageNumber page, const IndexPageContent& content);
     PageNumber AddPage();

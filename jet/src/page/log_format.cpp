@@ -22,9 +22,10 @@ MutableBytes Extend(std::vector<std::byte>& out, std::size_t size) {
 
 std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from) {
     const std::size_t size = a.size();
-    constexpr std::size_t kBlock = 64;
-    while (from + kBlock <= size && std::memcmp(a.data() + from, b.data() + from, kBlock) == 0) {
-        from += kBlock;
+    for (const std::size_t block : {std::size_t{256}, std::size_t{32}}) {
+        while (from + block <= size && std::memcmp(a.data() + from, b.data() + from, block) == 0) {
+            from += block;
+        }
     }
     while (from < size && a[from] == b[from]) ++from;
     return from;
