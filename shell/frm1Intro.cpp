@@ -4,6 +4,8 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 #include "platform/controls/FLabel.h"
 #include "platform/controls/SSPanel.h"
 #include "shell/u91Trace.h"
@@ -12,7 +14,11 @@ namespace {
 
 constexpr int kTextWidth = 900;
 constexpr int kInset = 14;
-constexpr double kTextScale = 1.1;
+// The text grows with the page from this size on.
+constexpr double kTextScale = 1.15;
+constexpr double kDesignWidth = 800;
+constexpr double kDesignHeight = 540;
+constexpr double kLargestScale = 1.7;
 
 const QString kTitle = QStringLiteral("Instructions for creating a TARN Prep file");
 
@@ -61,10 +67,6 @@ frm1Intro::frm1Intro(WorksheetHost& host, QWidget* parent)
     pnlDescription->setObjectName(QStringLiteral("pnlDescription"));
     pnlDescription->setAccessibleName(tr("Description"));
     flbDescription_->setObjectName(QStringLiteral("flbDescription"));
-    flbDescription_->setMaximumWidth(kTextWidth);
-    QFont font = flbDescription_->font();
-    font.setPointSizeF(font.pointSizeF() * kTextScale);
-    flbDescription_->setFont(font);
     auto* inside = new QVBoxLayout(pnlDescription);
     inside->setContentsMargins(2, 2, 2, 2);
     inside->addWidget(Scroller(pnlDescription, flbDescription_));
@@ -79,6 +81,16 @@ void frm1Intro::Setup() {
     lblTitle->setProperty("Caption", kTitle);
     lblTitle->setAccessibleName(kTitle);
     flbDescription_->SetCaption(kDescription);
+}
+
+void frm1Intro::resizeEvent(QResizeEvent* event) {
+    WorksheetPage::resizeEvent(event);
+    const double fitting = std::min(width() / kDesignWidth, height() / kDesignHeight);
+    const double scale = std::clamp(fitting, 1.0, kLargestScale);
+    QFont larger = font();
+    larger.setPointSizeF(larger.pointSizeF() * kTextScale * scale);
+    flbDescription_->setFont(larger);
+    flbDescription_->setMaximumWidth(static_cast<int>(kTextWidth * scale));
 }
 
 void frm1Intro::Unload() {

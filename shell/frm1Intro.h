@@ -16,6 +16,9 @@ public:
 
     void Setup();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     FLabel* flbDescription_;
 };
