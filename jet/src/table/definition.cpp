@@ -244,20 +244,23 @@ std::vector<std::byte> JoinDefinition(Pager& pager, PageNumber page,
                                       std::vector<PageNumber>* chain) {
     const Format& format = pager.FileFormat();
     std::vector<std::byte> joined;
+    std::vector<PageNumber> visited;
     std::uint32_t length = format.tdefHeaderSize;
     PageNumber next = page;
     while (next) {
+        if (std::find(visited.begin(), visited.end(), next) != visited.end()) ThrowBadDefinition();
+        visited.push_back(next);
         const PageRef ref = pager.Page(next);
         const Bytes bytes = ref.Data();
         if (ReadU16(bytes, 0) != kDefinitionPageType) ThrowBadDefinition();
         if (joined.empty()) length = ReadU32(bytes, 8);
+        if (length > kLongestDefinition) ThrowBadDefinition();
         const std::size_t head = joined.empty() ? 0 : kDefinitionPageHead;
         joined.insert(joined.end(), bytes.begin() + static_cast<std::ptrdiff_t>(head), bytes.end());
-        if (chain != nullptr) chain->push_back(next);
-        next = PageNumber{ReadU32(bytes, 4)};
         if (joined.size() >= length) break;
-        if (length > kLongestDefinition) ThrowBadDefinition();
+        next = PageNumber{ReadU32(bytes, 4)};
     }
+    if (chain != nullptr) *chain = visited;
     if (joined.size() < length || length < format.tdefHeaderSize) ThrowBadDefinition();
     joined.resize(length);
     return joined;

@@ -1,0 +1,134 @@
+// Long values: the three forms, their limits, and chains that make no sense.
+#include "record/long_value.h"
+
+#include <gtest/gtest.h>
+
+#include "jet/error.h"
+#include "jet/file.h"
+#include "page/bytes.h"
+#include "record/data_page.h"
+#include "sample_table.h"
+
+namespace jet {
+namespace {
+
+class LongValueTest : public testing::TestWithParam<Version> {
+protected:
+    LongValueTest()
+        : files_(MakeMemoryFileSystem()),
+          pager_(Pager::Create(*files_, "values.mdb", GetParam())),
+          operation_(std::in_place, *pager_) {
+        owned_ = UsageMap::Create(*pager_).Row();
+        free_ = UsageMap::Create(*pager_).Row();
+    }
+
+    [[nodiscard]] const Format& FileFormat() const { return pager_->FileFormat(); }
+    LongValueStore Store() { return {*pager_, owned_, free_}; }
+    std::vector<std::byte> Write(std::size_t size, std::byte fill = std::byte{7}) {
+        std::vector<std::byte> inRow;
+        Store().Write(std::vector<std::byte>(size, fill), size, inRow);
+        return inRow;
+    }
+    std::vector<std::byte> Read(Bytes inRow) {
+        std::vector<std::byte> value;
+        ReadLongValue(*pager_, inRow, value);
+        return value;
+    }
+    [[nodiscard]] int PagesOf(RowId map) const {
+        int pages = 0;
+        UsageMap(*pager_, map).ForEach(PageNumber{0}, [&pages](PageNumber) {
+            ++pages;
+            return true;
+        });
+        return pages;
+    }
+
+    std::unique_ptr<FileSystem> files_;
+    std::unique_ptr<Pager> pager_;
+    std::optional<Operation> operation_;
+    RowId owned_;
+    RowId free_;
+};
+
+TEST_P(LongValueTest, Form_IsChosenByTheLength) {
+    const std::size_t inRow = FileFormat().longValueInRow;
+    const std::size_t onePage = FileFormat().longValueOnePage;
+    EXPECT_EQ(ReadLongValueHead(Write(0))->form, LongValueForm::kInline);
+    EXPECT_EQ(ReadLongValueHead(Write(inRow))->form, LongValueForm::kInline);
+    EXPECT_EQ(ReadLongValueHead(Write(inRow + 1))->form, LongValueForm::kRow);
+    EXPECT_EQ(ReadLongValueHead(Write(onePage))->form, LongValueForm::kRow);
+    EXPECT_EQ(ReadLongValueHead(Write(onePage + 1))->form, LongValueForm::kChain);
+    EXPECT_EQ(Write(0).size(), kLongValueHeader);
+}
+
+TEST_P(LongValueTest, EveryLengthAroundTheLimits_ReadsBack) {
+    for (const std::size_t limit :
+         {std::size_t{FileFormat().longValueInRow}, std::size_t{FileFormat().longValueOnePage},
+          std::size_t{FileFormat().longValueChunk}, std::size_t{FileFormat().longValueChunk} * 3}) {
+        for (std::size_t size = limit - 2; size < limit + 3; ++size) {
+            EXPECT_EQ(Read(Write(size)), std::vector<std::byte>(size, std::byte{7})) << size;
+        }
+    }
+}
+
+TEST_P(LongValueTest, Release_GivesEveryPageBack) {
+    std::vector<std::vector<std::byte>> values;
+    for (std::size_t size = 1; size < 40000; size += 777) values.push_back(Write(size));
+    EXPECT_GT(PagesOf(owned_), 0);
+    for (const auto& value : values) Store().Release(value);
+    EXPECT_EQ(PagesOf(owned_), 0);
+    EXPECT_EQ(PagesOf(free_), 0);
+}
+
+TEST_P(LongValueTest, ReleasingTwice_IsDamage) {
+    const auto first = Write(500);
+    const auto second = Write(500);
+    Store().Release(first);
+    EXPECT_EQ(ErrorOf([&] { Store().Release(first); }), ErrorKind::kDamaged);
+    EXPECT_EQ(Read(second).size(), 500U);
+}
+
+TEST_P(LongValueTest, Values_ShareAPage) {
+    for (int i = 0; i < 8; ++i) Write(200);
+    EXPECT_EQ(PagesOf(owned_), 1);
+}
+
+TEST_P(LongValueTest, EmptyInRowPart_IsAnEmptyValue) {
+    EXPECT_TRUE(Read({}).empty());
+}
+
+TEST_P(LongValueTest, ChainThatBitesItsTail_IsDamage) {
+    const auto inRow = Write(std::size_t{FileFormat().longValueChunk} * 3);
+    const RowId first = ReadLongValueHead(inRow)->first;
+    const MutableBytes page = pager_->Change(first.page);
+    const Slot slot = ReadSlot(page, FileFormat(), first.slot);
+    WriteU32(page, slot.start, first.Packed());
+    auto longer = inRow;
+    WriteU32(longer, 0, 3 * 2048 * 40);
+    EXPECT_EQ(ErrorOf([&] { Read(longer); }), ErrorKind::kDamaged);
+    EXPECT_EQ(ErrorOf([&] { Store().Release(inRow); }), ErrorKind::kDamaged);
+}
+
+TEST_P(LongValueTest, HeadsThatMakeNoSense_AreDamage) {
+    const auto refuse = [&](std::uint32_t word, std::uint32_t pointer, std::size_t size) {
+        std::vector<std::byte> inRow(size);
+        WriteU32(inRow, 0, word);
+        WriteU32(inRow, 4, pointer);
+        EXPECT_EQ(ErrorOf([&] { Read(inRow); }), ErrorKind::kDamaged) << std::hex << word;
+    };
+    Write(500);
+    refuse(0x80000009, 0, 20);           // longer than the row's part
+    refuse(0xC0000001, 0, 20);           // a form that is none
+    refuse(0x40000005, 0x00FFFF00, 12);  // past the end of the file
+    refuse(0x40000005, 0x00000100, 12);  // a page of something else
+    refuse(0x3FFFFFFF, 0x00000200, 12);  // longer than the file
+    refuse(0x00000005, 0, 12);           // a chain without a first row
+    EXPECT_EQ(ErrorOf([&] { Read(std::vector<std::byte>(8)); }), ErrorKind::kDamaged);
+}
+
+INSTANTIATE_TEST_SUITE_P(BothVersions, LongValueTest,
+                         testing::Values(Version::kJet3, Version::kJet4),
+                         [](const auto& tested) { return VersionName(tested.param); });
+
+}  // namespace
+}  // namespace jet
