@@ -23,6 +23,7 @@ using ZoneKeys::kCostClasses;
 
 namespace {
 
+constexpr int kShownOfName = 16;  // characters, at least
 constexpr int kMostOfTheRoom = 1000;
 constexpr int kFrom = 0;
 constexpr int kTo = 1;
@@ -69,7 +70,7 @@ void frm6SuppressAcre::Build() {
     cboFMZs_ = new QComboBox(this);
     PageParts::Name(*cboFMZs_, "cboFMZs", tr("Fire Management Zone"));
     cboFMZs_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    cboFMZs_->setMinimumContentsLength(24);
+    cboFMZs_->setMinimumContentsLength(kShownOfName);
     lblFMZ->setBuddy(cboFMZs_);
     PageParts::HoldWheel(*cboFMZs_);
     auto* choice = new QHBoxLayout;

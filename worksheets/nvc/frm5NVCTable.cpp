@@ -1,7 +1,7 @@
 #include "worksheets/nvc/frm5NVCTable.h"
 
 #include <QComboBox>
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -25,6 +25,7 @@ using ZoneKeys::kResources;
 
 namespace {
 
+constexpr int kShownOfName = 16;  // characters, at least
 constexpr int kMostOfTheRoom = 1000;
 constexpr int kNameLength = 50;
 constexpr int kValueLength = 10;
@@ -58,7 +59,7 @@ void frm5NVCTable::BuildChoices() {
     cboFMZs_ = new QComboBox(this);
     PageParts::Name(*cboFMZs_, "cboFMZs", tr("Fire Management Zone"));
     cboFMZs_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    cboFMZs_->setMinimumContentsLength(24);
+    cboFMZs_->setMinimumContentsLength(kShownOfName);
     QLabel* lblRepLoc = PageParts::Label(this, "lblRepLoc", tr("Representative Location"));
     cboRepLocs_ = new QComboBox(this);
     PageParts::Name(*cboRepLocs_, "cboRepLocs", tr("Representative Location"));
@@ -67,13 +68,13 @@ void frm5NVCTable::BuildChoices() {
     PageParts::HoldWheel(*cboFMZs_);
     PageParts::HoldWheel(*cboRepLocs_);
 
-    auto* choices = new QHBoxLayout;
-    choices->addWidget(lblFMZ);
-    choices->addWidget(cboFMZs_, 1);
-    choices->addSpacing(16);
-    choices->addWidget(lblRepLoc);
-    choices->addWidget(cboRepLocs_);
-    choices->addStretch(1);
+    auto* choices = new QGridLayout;
+    choices->addWidget(lblFMZ, 0, 0);
+    choices->addWidget(cboFMZs_, 0, 1);
+    choices->addWidget(lblRepLoc, 1, 0);
+    choices->addWidget(cboRepLocs_, 1, 1, Qt::AlignLeft);
+    choices->setColumnStretch(1, 1);
+    choices->setColumnStretch(2, 1);
     Body().addLayout(choices);
     lblNoRepLocs_ = PageParts::Instruction(
         this, "lblNoRepLocs",

@@ -78,11 +78,11 @@ void frm3SRMasterAdd::BuildTexts(QGridLayout& rows) {
     txtResourceName_->setMinimumWidth(3 * kNarrowBox);
     txtShortName_ = AddBox(rows, 1, "txtShortName", tr("Short Name"), 20);
     BuildCostMeasure(rows);
-    txtUnits_ = AddBox(rows, 4, "txtUnits", tr("Units"), 10);
+    txtUnits_ = AddBox(rows, 5, "txtUnits", tr("Units"), 10);
     rows.addWidget(PageParts::Label(this, "lblUnitsHint", tr("(hours, shifts, days, loads, etc.)")),
-                   4, 2);
-    txtCost_ = AddBox(rows, 5, "txtCost", tr("Cost  $"), 5);
-    txtPosition_ = AddBox(rows, 6, "txtPosition", tr("Position in List"), 4);
+                   5, 2);
+    txtCost_ = AddBox(rows, 6, "txtCost", tr("Cost  $"), 5);
+    txtPosition_ = AddBox(rows, 7, "txtPosition", tr("Position in List"), 4);
     for (TextBox* box : {txtShortName_, txtUnits_, txtCost_, txtPosition_}) {
         box->setMinimumWidth(kNarrowBox);
     }
@@ -90,18 +90,21 @@ void frm3SRMasterAdd::BuildTexts(QGridLayout& rows) {
 }
 
 void frm3SRMasterAdd::BuildCostMeasure(QGridLayout& rows) {
-    rows.addWidget(PageParts::Label(this, "lblMeasure", tr("How is cost measured?")), 2, 0);
     optTime_ = new QRadioButton(tr("Per time unit"), this);
     optItem_ = new QRadioButton(tr("Per item"), this);
     PageParts::Name(*optTime_, "optTime", tr("Cost per time unit"));
     PageParts::Name(*optItem_, "optItem", tr("Cost per item"));
     optTime_->setChecked(true);
-    rows.addWidget(optTime_, 2, 1);
-    rows.addWidget(PageParts::Label(this, "lblTimeExample", tr("Example: Engine cost per day")), 2,
-                   2);
-    rows.addWidget(optItem_, 3, 1);
-    rows.addWidget(PageParts::Label(this, "lblItemExample", tr("Example: Retardant cost per load")),
-                   3, 2);
+    QLabel* lblMeasure = PageParts::Label(this, "lblMeasure", tr("How is cost measured?"));
+    QLabel* lblTimeExample =
+        PageParts::Label(this, "lblTimeExample", tr("Example: Engine cost per day"));
+    QLabel* lblItemExample =
+        PageParts::Label(this, "lblItemExample", tr("Example: Retardant cost per load"));
+    rows.addWidget(lblMeasure, 2, 0, 1, 3);
+    rows.addWidget(optTime_, 3, 0, 1, 2);
+    rows.addWidget(lblTimeExample, 3, 2);
+    rows.addWidget(optItem_, 4, 0, 1, 2);
+    rows.addWidget(lblItemExample, 4, 2);
 }
 
 void frm3SRMasterAdd::BuildButtons(QGridLayout& rows) {
@@ -115,7 +118,7 @@ void frm3SRMasterAdd::BuildButtons(QGridLayout& rows) {
     buttons->addStretch(1);
     buttons->addWidget(cmdOK_);
     buttons->addWidget(cmdCancel_);
-    rows.addLayout(buttons, 7, 0, 1, 3);
+    rows.addLayout(buttons, 8, 0, 1, 3);
 }
 
 void frm3SRMasterAdd::ConnectHandlers() {
