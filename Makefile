@@ -29,7 +29,7 @@ coverage:
 	tools/coverage.py
 
 bench:
-	tools/setup.sh test
+	tools/setup.sh bench
 	tools/build.sh build-bench all -DTARN_BENCH=ON -DTARN_TESTS=OFF
 	for program in build-bench/bin/*_bench; do "$$program" || exit 1; done
 

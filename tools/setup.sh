@@ -1,8 +1,9 @@
 #!/bin/sh
-# Installs what this Debian 12 machine lacks. Usage: tools/setup.sh build|test|package
+# Installs what this Debian 12 machine lacks. Usage: tools/setup.sh build|test|package|bench
 #   build    the program and the tour
 #   test     that, and everything that ./test runs
 #   package  that, and the package builders
+#   bench    what the benchmarks compare with
 # Safe to run at any time: with everything there it does nothing and needs no network.
 set -eu
 
@@ -11,13 +12,15 @@ build="cmake ninja-build g++ qt6-base-dev qt6-tools-dev qt6-documentation-tools
 test="ccache clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev mdbtools
  desktop-file-utils appstream shared-mime-info man-db librsvg2-bin"
 package="dpkg-dev fakeroot"
+bench="libbenchmark-dev libsqlite3-dev mdbtools-dev pkg-config"
 
 case "${1:-build}" in
 build) wanted="$build" ;;
 test) wanted="$build $test" ;;
 package) wanted="$build $test $package" ;;
+bench) wanted="$build $bench" ;;
 *)
-    echo "usage: $0 build|test|package" >&2
+    echo "usage: $0 build|test|package|bench" >&2
     exit 2
     ;;
 esac
