@@ -29,6 +29,21 @@ int Check(const std::string& path) {
     return report.IsSound() ? kClean : kFindings;
 }
 
+int Repair(const std::string& path, const std::string& target) {
+    const jet::RepairReport report = jet::RepairFile(path, target);
+    for (const std::string& loss : report.losses) {
+        std::printf("%s\n", loss.c_str());
+    }
+    std::printf("%s: %u tables and %llu rows written, %zu remarks on losses\n", target.c_str(),
+                report.tables, static_cast<unsigned long long>(report.rowsKept),
+                report.losses.size());
+    const bool sound = jet::CheckFile(target).IsSound();
+    if (!sound) {
+        std::printf("%s is not sound\n", target.c_str());
+    }
+    return sound && report.losses.empty() ? kClean : kFindings;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -36,7 +51,7 @@ int main(int argc, char** argv) {
         return Usage();
     }
     try {
-        return Check(argv[1]);
+        return argc == 4 ? Repair(argv[1], argv[3]) : Check(argv[1]);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s: %s\n", argv[1], error.what());
         return kUnreadable;

@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::int32_t kTableObject = 1;
 constexpr std::uint32_t kPageBits = 0xFFFFFF;
+constexpr std::uint32_t kSystemFlags = 0x80000002;
 constexpr std::uint16_t kNameChunk = 0x0080;
 constexpr std::size_t kChunkHead = 6;
 constexpr std::size_t kPropertyHead = 8;
@@ -77,6 +78,7 @@ CatalogueCheck::CatalogueCheck(CheckContext& context, const TableLayout& objects
       id_(Find("Id")),
       name_(Find("Name")),
       type_(Find("Type")),
+      flags_(Find("Flags")),
       properties_(Find("LvProp")) {}
 
 std::size_t CatalogueCheck::Find(const char* column) {
@@ -102,15 +104,21 @@ void CatalogueCheck::AddRow(const CheckedRow& row) {
                                 "The object has no number, no kind or no name.");
         return;
     }
-    if (const auto* blob = std::get_if<Binary>(&row.values[properties_].Get());
-        blob != nullptr && !blob->empty()) {
+    const auto* flags = std::get_if<std::int32_t>(&row.values[flags_].Get());
+    const auto* blob = std::get_if<Binary>(&row.values[properties_].Get());
+    if (blob != nullptr && !blob->empty()) {
         CheckProperties(*blob, spot);
     }
     if (*type != kTableObject) {
+        ++others_[*type];
         return;
     }
-    const CatalogueEntry entry{row.id, NarrowName(*name),
-                               static_cast<std::uint32_t>(*id) & kPageBits};
+    CatalogueEntry entry;
+    entry.row = row.id;
+    entry.name = NarrowName(*name);
+    entry.page = static_cast<std::uint32_t>(*id) & kPageBits;
+    entry.system = flags != nullptr && (static_cast<std::uint32_t>(*flags) & kSystemFlags) != 0;
+    entry.properties = blob == nullptr ? Binary() : *blob;
     const auto [other, isNew] = names_.emplace(entry.page, entry.name);
     if (!isNew) {
         context_.findings.Error(spot, "catalogue-double",

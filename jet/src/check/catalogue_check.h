@@ -16,6 +16,8 @@ struct CatalogueEntry {
     RowId row;
     std::string name;
     std::uint32_t page = 0;  // of the table's definition
+    bool system = false;     // made by the engine or for itself by another program
+    Binary properties;
 };
 
 // Collects the rows of the system table of objects.
@@ -28,6 +30,8 @@ public:
     void AddRow(const CheckedRow& row);
     // The tables of the catalogue whose definition can be there.
     [[nodiscard]] const std::vector<CatalogueEntry>& Tables() const { return tables_; }
+    // How many objects of other kinds there are, by kind.
+    [[nodiscard]] const std::map<std::int32_t, std::uint32_t>& Others() const { return others_; }
 
 private:
     [[nodiscard]] std::size_t Find(const char* column);
@@ -36,7 +40,8 @@ private:
     CheckContext& context_;
     const TableLayout& objects_;
     bool readable_ = true;
-    std::size_t id_, name_, type_, properties_;
+    std::size_t id_, name_, type_, flags_, properties_;
+    std::map<std::int32_t, std::uint32_t> others_;
     std::vector<CatalogueEntry> tables_;
     std::map<std::uint32_t, std::string> names_;  // by page
 };

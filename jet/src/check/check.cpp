@@ -7,6 +7,7 @@
 #include "check/account.h"
 #include "check/catalogue_check.h"
 #include "check/findings.h"
+#include "check/lone_definitions.h"
 #include "check/page_source.h"
 #include "check/row_check.h"
 #include "check/tree_check.h"
@@ -19,7 +20,6 @@ namespace jet {
 
 namespace {
 
-constexpr std::uint16_t kDefinitionPage = 0x0102;
 constexpr std::uint16_t kDataPage = 0x0101;
 constexpr std::size_t kOwnerAt = 4;
 
@@ -104,29 +104,12 @@ private:
     }
 
     void CheckTablesByPageType() {
-        for (const std::uint32_t page : LoneDefinitions()) {
+        for (const std::uint32_t page : LoneDefinitions(context_.pages, account_)) {
             const auto table = ReadTableLayout(context_, page, "on page " + std::to_string(page));
             if (table) {
                 CheckTable(*table, [](const CheckedRow&) {});
             }
         }
-    }
-
-    // Definition pages without a user that no other definition goes on to.
-    std::vector<std::uint32_t> LoneDefinitions() {
-        std::set<std::uint32_t> found;
-        std::set<std::uint32_t> continued;
-        for (std::uint32_t page = 2; page < context_.pages.PageCount(); ++page) {
-            const auto bytes = context_.pages.Read(page);
-            if (ReadU16(bytes, 0) == kDefinitionPage && !account_.IsClaimed(page)) {
-                found.insert(page);
-                continued.insert(ReadU32(bytes, kOwnerAt));
-            }
-        }
-        std::vector<std::uint32_t> lone;
-        std::set_difference(found.begin(), found.end(), continued.begin(), continued.end(),
-                            std::back_inserter(lone));
-        return lone;
     }
 
     template <typename Visit>
@@ -176,10 +159,11 @@ private:
 
     void CheckUnaccounted() {
         const std::vector<std::uint32_t> nobodys = account_.Unaccounted(header_.freePages);
-        const std::vector<std::uint32_t> lone = LoneDefinitions();
+        const std::vector<std::uint32_t> lone = LoneDefinitions(context_.pages, account_);
         for (const std::uint32_t page : nobodys) {
             const Spot spot{{}, page, -1};
-            if (std::binary_search(lone.begin(), lone.end(), page) && IsWholeDefinition(page)) {
+            if (std::binary_search(lone.begin(), lone.end(), page) &&
+                IsWholeDefinition(context_.pages, context_.format, page)) {
                 findings_.Error(spot, "table-lost",
                                 "A table's definition is here, but not in the catalogue.");
             } else if (const std::string owner = OwnerOfRows(page); !owner.empty()) {
@@ -190,13 +174,6 @@ private:
                 findings_.Warning(spot, "page-lost", "Nobody uses the page, and it is not free.");
             }
         }
-    }
-
-    bool IsWholeDefinition(std::uint32_t page) {
-        CheckReport report;
-        Findings silent(report);
-        CheckContext aside{context_.pages, context_.format, silent, report};
-        return ReadTableLayout(aside, page, {}).has_value() && report.IsSound();
     }
 
     // The table that a data page with live rows names.

@@ -34,15 +34,17 @@ constexpr double kLastDay = 2958466;
 }  // namespace
 
 std::vector<CheckedSlot> CheckDataPage(CheckContext& context, Bytes page, const Spot& spot,
-                                       std::uint32_t owner) {
+                                       std::uint32_t owner, bool lenient) {
     const Format& format = context.format;
-    if (ReadU8(page, 0) != 1) {
+    const bool typeRight = ReadU8(page, 0) == 1;
+    const bool ownerRight = ReadU32(page, kOwnerAt) == owner;
+    if (!typeRight && !(lenient && ownerRight)) {
         throw Damage{"page-type", "The page is no data page."};
     }
     if (ReadU8(page, 1) != 1) {
         context.findings.Error(spot, "page-header", "The second byte of the page is wrong.");
     }
-    if (ReadU32(page, kOwnerAt) != owner) {
+    if (!ownerRight && !lenient) {
         throw Damage{"page-owner", "The page names another owner."};
     }
     const std::uint32_t count = ReadU16(page, format.rowCountAt);
@@ -52,6 +54,7 @@ std::vector<CheckedSlot> CheckDataPage(CheckContext& context, Bytes page, const 
     }
     std::vector<CheckedSlot> slots;
     std::uint32_t end = format.pageSize;
+    bool broken = false;
     for (std::uint32_t i = 0; i < count; ++i) {
         const std::uint16_t entry = ReadU16(page, format.rowDirectoryAt + 2 * i);
         const Spot at{spot.table, spot.page, static_cast<int>(i)};
@@ -60,13 +63,16 @@ std::vector<CheckedSlot> CheckDataPage(CheckContext& context, Bytes page, const 
         if ((entry & kNoFlag) != 0) {
             context.findings.Error(at, "slot-flags", "The row has an unknown flag.");
         }
-        if (slot.start > end) {
-            throw Damage{"slot-overlap",
-                         "Row " + std::to_string(i) + " lies over the row before it."};
-        }
-        if (slot.start < directoryEnd) {
-            throw Damage{"slot-bounds",
-                         "Row " + std::to_string(i) + " begins inside the directory."};
+        const bool overlaps = slot.start > end;
+        if (overlaps || slot.start < directoryEnd) {
+            context.findings.Error(at, overlaps ? "slot-overlap" : "slot-bounds",
+                                   overlaps ? "The row lies over the row before it; neither it "
+                                              "nor the next one can be read."
+                                            : "The row begins inside the directory; neither it "
+                                              "nor the next one can be read.");
+            broken = true;
+            slots.push_back({kDeleted, end, 0});
+            continue;
         }
         slot.length = end - slot.start;
         if (slot.length == 0 && !IsDeleted(slot)) {
@@ -74,6 +80,9 @@ std::vector<CheckedSlot> CheckDataPage(CheckContext& context, Bytes page, const 
             slot.flags = kDeleted;
         }
         end = slot.start;
+        // Where a row ends is known from the one before.
+        slot.flags = broken ? kDeleted : slot.flags;
+        broken = false;
         slots.push_back(slot);
     }
     if (ReadU16(page, kFreeAt) != end - directoryEnd) {
@@ -107,7 +116,7 @@ std::vector<CheckedRow> RowCheck::PageRows(std::uint32_t number) {
     const Spot spot{table_.name, number, -1};
     try {
         const auto page = context_.pages.Read(number);
-        const auto slots = CheckDataPage(context_, page, spot, table_.page);
+        const auto slots = CheckDataPage(context_, page, spot, table_.page, IsLenient(number));
         for (std::size_t i = 0; i < slots.size(); ++i) {
             const RowId id{PageNumber{number}, static_cast<std::uint8_t>(i)};
             if (IsDeleted(slots[i])) {
@@ -150,7 +159,8 @@ std::vector<std::byte> RowCheck::Follow(Bytes pointerRow) {
     }
     const auto page = context_.pages.Read(target.page.value);
     const std::uint32_t count = ReadU16(page, context_.format.rowCountAt);
-    if (target.slot >= count || ReadU32(page, kOwnerAt) != table_.page) {
+    if (target.slot >= count ||
+        (ReadU32(page, kOwnerAt) != table_.page && !IsLenient(target.page.value))) {
         throw Damage{code, "The row has moved to " + name + ", which is not there."};
     }
     const auto entry = [&](unsigned slot) {
@@ -229,6 +239,33 @@ Value RowCheck::ReadValue(const Column& column, Bytes stored, const Spot& spot) 
             spot, "value-date", "The column " + column.name + " has a date outside the calendar.");
     }
     return value;
+}
+
+std::vector<CheckedRow> RowCheck::Orphans() {
+    std::vector<CheckedRow> rows;
+    for (const RowId target : targets_) {
+        if (reached_.count(target) != 0) {
+            continue;
+        }
+        try {
+            const auto page = context_.pages.Read(target.page.value);
+            const auto slots = CheckDataPage(context_, page, SlotSpot(table_.name, target),
+                                             table_.page, IsLenient(target.page.value));
+            if (target.slot < slots.size()) {
+                const CheckedSlot& slot = slots[target.slot];
+                rows.push_back(ReadRow(Slice(Bytes(page), slot.start, slot.length), target));
+            }
+        } catch (const Damage& damage) {
+            context_.findings.Error(SlotSpot(table_.name, target), damage.code, damage.sentence);
+        }
+    }
+    return rows;
+}
+
+void RowCheck::AddPage(std::uint32_t page) {
+    if (owned_.insert(page).second) {
+        pages_.push_back(page);
+    }
 }
 
 void RowCheck::Finish() {

@@ -30,7 +30,7 @@ struct CheckedSlot {
 // The slots of a data page; what is wrong with them or the page is reported. Throws Damage when
 // it is no data page of this owner or its directory cannot be followed.
 std::vector<CheckedSlot> CheckDataPage(CheckContext& context, Bytes page, const Spot& spot,
-                                       std::uint32_t owner);
+                                       std::uint32_t owner, bool lenient = false);
 
 // The long values of one table.
 class LongValueCheck {
@@ -57,6 +57,15 @@ class RowCheck {
 public:
     RowCheck(CheckContext& context, PageAccount& account, const TableLayout& table);
 
+    // For a repair: pages of the map count as the table's even when one of the two things that a
+    // page says about itself, its type and its owner, is wrong.
+    // Pages that several maps have are told by their owner alone.
+    void BeLenient(std::set<std::uint32_t> contested) {
+        lenient_ = true;
+        contested_ = std::move(contested);
+    }
+    // A page that the table's map does not have.
+    void AddPage(std::uint32_t page);
     // Every row in stored order, to `visit`.
     template <typename Visit>
     void Run(const Visit& visit) {
@@ -68,18 +77,26 @@ public:
         Finish();
     }
 
+    // After Run: the moved rows that no pointer leads to.
+    std::vector<CheckedRow> Orphans();
+
 private:
     std::vector<CheckedRow> PageRows(std::uint32_t page);
     std::vector<std::byte> Follow(Bytes pointerRow);
     CheckedRow ReadRow(Bytes row, RowId id);
     Value ReadValue(const Column& column, Bytes stored, const Spot& spot);
     void Finish();
+    [[nodiscard]] bool IsLenient(std::uint32_t page) const {
+        return lenient_ && contested_.count(page) == 0;
+    }
 
     CheckContext& context_;
     const TableLayout& table_;
     LongValueCheck longValues_;
     std::vector<std::uint32_t> pages_;
     std::set<std::uint32_t> owned_;
+    bool lenient_ = false;
+    std::set<std::uint32_t> contested_;
     std::set<RowId> targets_;  // slots that hold moved rows
     std::set<RowId> reached_;  // of these, those that a pointer leads to
 };

@@ -141,6 +141,7 @@ private:
             } else {
                 column.collation.language = ReadU16(block, 11);
                 column.collation.version = ReadU8(block, 14);
+                column.compressed = (ReadU8(block, 16) & 1) != 0;
             }
             table_.columns.push_back(column);
         }

@@ -1,0 +1,442 @@
+// The repair: a new file with everything of the old one that can be read.
+//
+// Tables are found through the catalogue, or by the pages of their definitions; their rows through
+// the table's map and by the pages that name the table; moved rows also where no pointer leads to
+// them. Indexes are not read at all but made anew from the rows.
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+
+#include "catalog/new_table.h"
+#include "catalog/properties.h"
+#include "check/catalogue_check.h"
+#include "check/lone_definitions.h"
+#include "check/row_check.h"
+#include "check/tree_check.h"
+#include "jet/check.h"
+#include "jet/database.h"
+#include "jet/error.h"
+#include "jet/recordset.h"
+#include "page/bytes.h"
+#include "page/header.h"
+
+namespace jet {
+
+namespace {
+
+constexpr std::uint16_t kDataPage = 0x0101;
+constexpr std::uint32_t kCataloguePage = 2;
+constexpr std::int32_t kDocument = -32757;  // holds nothing but properties of the file
+constexpr std::size_t kOwnerAt = 4;
+
+struct TableSource {
+    TableLayout layout;
+    Binary properties;
+};
+
+bool IsKnownType(ColumnType type) {
+    return SizeOfType(type) != 0 || IsLongValue(type) || type == ColumnType::kBoolean ||
+           type == ColumnType::kText || type == ColumnType::kBinary;
+}
+
+// Findings of the scan that cost a row or a value.
+bool IsLoss(const Finding& finding) {
+    const auto begins = [&](const char* with) { return finding.code.rfind(with, 0) == 0; };
+    return finding.severity == Severity::kError && finding.code != "long-value-map" &&
+           finding.code != "slot-flags" &&
+           (begins("row-") || begins("value-") || begins("long-value") || begins("overflow") ||
+            begins("slot-") || finding.code == "page-type" || finding.code == "page-owner");
+}
+
+// Errors that another row or value would not meet.
+bool IsAboutTheRow(const Error& error) {
+    switch (error.Kind()) {
+        case ErrorKind::kDuplicateKey:
+        case ErrorKind::kNullNotAllowed:
+        case ErrorKind::kRecordTooLarge:
+        case ErrorKind::kUnsupported:
+        case ErrorKind::kTypeMismatch:
+        case ErrorKind::kOverflow:
+        case ErrorKind::kTextTooLong:
+            return true;
+        default:
+            return false;
+    }
+}
+
+std::string PlaceOf(const Finding& finding) {
+    std::string place = "Table " + finding.table;
+    if (finding.page >= 0) {
+        place += ", page " + std::to_string(finding.page);
+    }
+    if (finding.row >= 0) {
+        place += ", row " + std::to_string(finding.row);
+    }
+    return place + ": ";
+}
+
+// What a first look at the rows shows about the table that can take them.
+class Requirements {
+public:
+    explicit Requirements(const TableSource& source) : source_(source) {
+        keys_.resize(source.layout.indexes.size());
+        repeated_.resize(keys_.size(), false);
+        null_.resize(keys_.size(), false);
+        nullColumns_.resize(source.layout.columns.size(), false);
+    }
+
+    void AddRow(const CheckedRow& row, Version version) {
+        for (std::size_t i = 0; i < row.values.size(); ++i) {
+            nullColumns_[i] = nullColumns_[i] || row.values[i].IsNull();
+        }
+        for (std::size_t i = 0; i < keys_.size(); ++i) {
+            AddKey(i, row, version);
+        }
+    }
+
+    [[nodiscard]] bool IsRepeated(std::size_t index) const { return repeated_[index]; }
+    [[nodiscard]] bool HasNull(std::size_t index) const { return null_[index]; }
+    [[nodiscard]] bool ColumnHasNull(std::size_t column) const { return nullColumns_[column]; }
+
+private:
+    void AddKey(std::size_t i, const CheckedRow& row, Version version) {
+        const RealIndexLayout& index = source_.layout.indexes[i];
+        Key key;
+        bool anyNull = false;
+        for (const RealIndexLayout::Part& part : index.parts) {
+            const Column* column = source_.layout.FindColumn(part.column);
+            if (column == nullptr) {
+                return;
+            }
+            const Value& value =
+                row.values[static_cast<std::size_t>(column - source_.layout.columns.data())];
+            anyNull = anyNull || value.IsNull();
+            // The new file sorts by the usual rules, whatever the old one did.
+            const KeyColumn usual{column->type, part.ascending, {}};
+            if (KeyObstacle(usual, version)) {
+                return;
+            }
+            AppendKeyPart(key, usual, value, version);
+        }
+        null_[i] = null_[i] || anyNull;
+        if (index.IsUnique() && !anyNull && !keys_[i].insert(key).second) {
+            repeated_[i] = true;
+        }
+    }
+
+    const TableSource& source_;
+    std::vector<std::set<Key>> keys_;
+    std::vector<bool> repeated_;
+    std::vector<bool> null_;
+    std::vector<bool> nullColumns_;
+};
+
+class Repair {
+public:
+    Repair(const PageSource& pages, const FileHeader& header, Database& target)
+        : pages_(pages), header_(header), format_(FormatOf(header.version)), target_(target) {}
+
+    RepairReport Run() {
+        FindFreePages();
+        for (const TableSource& source : FindTables()) {
+            CopyTable(source);
+        }
+        return std::move(report_);
+    }
+
+private:
+    void Lose(std::string sentence) { report_.losses.push_back(std::move(sentence)); }
+
+    void FindFreePages() {
+        CheckReport aside;
+        Findings silent(aside);
+        CheckContext context{pages_, format_, silent, aside};
+        PageAccount account(context);
+        const auto free = account.ReadMap(header_.freePages, "the free pages", {});
+        free_.insert(free.begin(), free.end());
+    }
+
+    std::vector<TableSource> FindTables() {
+        CheckReport aside;
+        Findings silent(aside);
+        CheckContext context{pages_, format_, silent, aside};
+        PageAccount account(context);
+        std::vector<TableSource> sources;
+        const auto claim = [&](const TableLayout& layout) {
+            for (const std::uint32_t page : layout.chain) {
+                account.Claim(page, "table " + layout.name, layout.name);
+            }
+        };
+        for (const CatalogueEntry& entry : ReadCatalogue(context)) {
+            const auto layout = ReadTableLayout(context, entry.page, entry.name);
+            if (layout) {
+                claim(*layout);
+                for (const std::uint32_t page :
+                     account.ReadMap(layout->ownedMap, "table " + entry.name, entry.name)) {
+                    if (!mapped_.emplace(page, entry.page).second) {
+                        contested_.insert(page);
+                    }
+                }
+            }
+            if (entry.system) {
+                continue;
+            }
+            if (layout) {
+                sources.push_back({*layout, entry.properties});
+            } else {
+                Lose("Table " + entry.name + ": its definition cannot be read.");
+            }
+        }
+        for (const std::uint32_t page : LoneDefinitions(pages_, account)) {
+            if (free_.count(page) != 0 || !IsWholeDefinition(pages_, format_, page)) {
+                continue;
+            }
+            const std::string name = "Table of page " + std::to_string(page);
+            const auto layout = ReadTableLayout(context, page, name);
+            if (layout && !layout->system) {
+                Lose("A table without a name was kept as \"" + name + "\".");
+                sources.push_back({*layout, {}});
+            }
+        }
+        return sources;
+    }
+
+    std::vector<CatalogueEntry> ReadCatalogue(CheckContext& context) {
+        std::optional<TableLayout> objects;
+        std::unique_ptr<CatalogueCheck> catalogue;
+        // The catalogue has the same page in every file; the header could be wrong.
+        for (const std::uint32_t page : {header_.objects.value, kCataloguePage}) {
+            if (!catalogue || !catalogue->IsReadable()) {
+                objects = ReadTableLayout(context, page, "MSysObjects");
+                catalogue.reset();
+                if (objects) {
+                    catalogue = std::make_unique<CatalogueCheck>(context, *objects);
+                }
+            }
+        }
+        if (!catalogue || !catalogue->IsReadable()) {
+            Lose("The catalogue cannot be read, so the tables' names are lost.");
+            return {};
+        }
+        PageAccount account(context);
+        RowCheck rows(context, account, *objects);
+        AddPages(rows, *objects);
+        rows.Run([&](const CheckedRow& row) { catalogue->AddRow(row); });
+        for (const auto& [kind, count] : catalogue->Others()) {
+            NoteOthers(kind, count);
+        }
+        return catalogue->Tables();
+    }
+
+    void NoteOthers(std::int32_t kind, std::uint32_t count) {
+        const char* const what = kind == 4 || kind == 6          ? "linked tables"
+                                 : kind == 5                     ? "queries"
+                                 : kind == 8                     ? "relationships"
+                                 : kind < 0 && kind != kDocument ? "forms, reports and the like"
+                                                                 : nullptr;
+        if (what != nullptr) {
+            Lose("Not carried over: " + std::to_string(count) + " " + what + ".");
+        }
+    }
+
+    // Pages that name the table and are in nobody's map.
+    void AddPages(RowCheck& rows, const TableLayout& table) {
+        for (std::uint32_t page = 2; page < pages_.PageCount(); ++page) {
+            const auto bytes = pages_.Read(page);
+            const auto mapped = mapped_.find(page);
+            if (free_.count(page) == 0 && ReadU16(bytes, 0) == kDataPage &&
+                ReadU32(bytes, kOwnerAt) == table.page &&
+                (mapped == mapped_.end() || mapped->second == table.page ||
+                 contested_.count(page) != 0)) {
+                rows.AddPage(page);
+            }
+        }
+    }
+
+    // Every row that can be read at all. What is lost is noted when `note` says so.
+    template <typename Visit>
+    void ForEachRow(const TableLayout& table, bool note, const Visit& visit) {
+        CheckReport found;
+        Findings findings(found);
+        CheckContext context{pages_, format_, findings, found};
+        PageAccount account(context);
+        RowCheck rows(context, account, table);
+        rows.BeLenient(contested_);
+        AddPages(rows, table);
+        const auto keep = [&](const CheckedRow& row) {
+            if (row.readable.empty() ||
+                std::find(row.readable.begin(), row.readable.end(), true) != row.readable.end()) {
+                visit(row);
+            }
+        };
+        rows.Run(keep);
+        for (const CheckedRow& row : rows.Orphans()) {
+            keep(row);
+        }
+        if (note) {
+            findings.Finish();
+            for (const Finding& finding : found.findings) {
+                if (IsLoss(finding)) {
+                    Lose(PlaceOf(finding) + finding.sentence);
+                }
+            }
+        }
+    }
+
+    // The new table's description: the old one's, without demands that the rows do not meet.
+    TableSchema MakeSchema(const TableSource& source, const Requirements& requirements) {
+        const TableLayout& layout = source.layout;
+        Definition definition;
+        definition.version = header_.version;
+        definition.columns = layout.columns;
+        ApplyProperties(source.properties, definition);
+        for (Column& column : definition.columns) {
+            const auto place = static_cast<std::size_t>(&column - definition.columns.data());
+            if (column.required && requirements.ColumnHasNull(place)) {
+                column.required = false;
+                Lose("Table " + layout.name + ": the field " + column.name +
+                     " has no value in some rows, so it is not required any more.");
+            }
+            column.allowZeroLength = true;
+        }
+        std::erase_if(definition.columns, [&](const Column& column) {
+            const bool lost = !IsKnownType(column.type);
+            if (lost) {
+                Lose("Table " + layout.name + ": the field " + column.name +
+                     " is of an unknown type and is left out.");
+            }
+            return lost;
+        });
+        TableSchema schema = SchemaOf(layout.name, definition);
+        for (const LogicalIndexLayout& index : layout.logicalIndexes) {
+            AddIndex(layout, index, requirements, schema);
+        }
+        return schema;
+    }
+
+    void AddIndex(const TableLayout& layout, const LogicalIndexLayout& index,
+                  const Requirements& requirements, TableSchema& schema) {
+        constexpr std::uint8_t kRelation = 2;
+        if (index.real >= layout.indexes.size() || index.type == kRelation) {
+            return;
+        }
+        const RealIndexLayout& real = layout.indexes[index.real];
+        IndexSchema added;
+        added.name = index.name;
+        added.unique = real.IsUnique() && !requirements.IsRepeated(index.real);
+        added.ignoreNulls = real.IgnoresNulls();
+        added.required = real.IsRequired() && !requirements.HasNull(index.real);
+        added.primary = index.type == 1 && added.unique && !requirements.HasNull(index.real);
+        for (const RealIndexLayout::Part& part : real.parts) {
+            const Column* column = layout.FindColumn(part.column);
+            if (column == nullptr || !IsKnownType(column->type)) {
+                Lose("Table " + layout.name + ": the index " + index.name +
+                     " is on a field that is not there.");
+                return;
+            }
+            added.columns.push_back({column->name, part.ascending});
+        }
+        if (added.columns.empty()) {
+            return;
+        }
+        if (real.IsUnique() && !added.unique) {
+            Lose("Table " + layout.name + ": several rows have the same values in the index " +
+                 index.name + ", so it is not unique any more.");
+        }
+        if (real.IsRequired() && !added.required) {
+            Lose("Table " + layout.name + ": rows lack values in the index " + index.name +
+                 ", so it does not require them any more.");
+        }
+        schema.indexes.push_back(added);
+    }
+
+    void CopyTable(const TableSource& source) {
+        Requirements requirements(source);
+        ForEachRow(source.layout, false,
+                   [&](const CheckedRow& row) { requirements.AddRow(row, header_.version); });
+        try {
+            target_.CreateTable(MakeSchema(source, requirements));
+        } catch (const Error& error) {
+            Lose("Table " + source.layout.name + " cannot be made: " + error.what());
+            return;
+        }
+        ++report_.tables;
+        const auto rows = target_.OpenTable(source.layout.name);
+        ForEachRow(source.layout, true,
+                   [&](const CheckedRow& row) { CopyRow(*rows, row, source); });
+    }
+
+    void CopyRow(Recordset& rows, const CheckedRow& row, const TableSource& source) {
+        const std::string place = "Table " + source.layout.name + ", page " +
+                                  std::to_string(row.id.page.value) + ", row " +
+                                  std::to_string(row.id.slot) + ": ";
+        try {
+            rows.AddNew();
+            int field = -1;
+            for (std::size_t i = 0; i < row.values.size(); ++i) {
+                const Column& column = source.layout.columns[i];
+                field += IsKnownType(column.type) ? 1 : 0;
+                if (!IsKnownType(column.type) || (column.autoNumber && row.values[i].IsNull())) {
+                    continue;
+                }
+                try {
+                    rows.Set(FieldId{field}, row.values[i]);
+                } catch (const Error& error) {
+                    if (!IsAboutTheRow(error)) {
+                        throw;
+                    }
+                    Lose(place + "the value of " + column.name + " is left out: " + error.what());
+                    rows.Set(FieldId{field}, Value());
+                }
+            }
+            rows.Update();
+            ++report_.rowsKept;
+        } catch (const Error& error) {
+            if (!IsAboutTheRow(error)) {
+                throw;
+            }
+            rows.CancelUpdate();
+            Lose(place + error.what());
+        }
+    }
+
+    const PageSource& pages_;
+    const FileHeader& header_;
+    const Format& format_;
+    Database& target_;
+    std::set<std::uint32_t> free_;
+    std::map<std::uint32_t, std::uint32_t> mapped_;  // pages to the tables whose maps have them
+    std::set<std::uint32_t> contested_;              // pages in several maps
+    RepairReport report_;
+};
+
+}  // namespace
+
+RepairReport RepairFile(const std::filesystem::path& source, const std::filesystem::path& target,
+                        FileSystem& files) {
+    const auto file = files.Open(source, OpenMode::kReadOnly);
+    if (!file->TryLock(false)) {
+        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
+    }
+    std::vector<std::byte> head(kHeaderPrefix);
+    if (file->Size() < head.size()) {
+        throw Error(ErrorKind::kNotADatabase, "The file is not a database.");
+    }
+    file->Read(0, head);
+    const FileHeader header = ReadFileHeader(head);
+    const FilePages pages(*file, FormatOf(header.version).pageSize);
+    auto database = Database::Create(target, header.version, files);
+    try {
+        RepairReport report = Repair(pages, header, *database).Run();
+        database->Close();
+        return report;
+    } catch (...) {
+        database.reset();
+        files.Remove(target);
+        throw;
+    }
+}
+
+}  // namespace jet
