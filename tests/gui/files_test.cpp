@@ -3,6 +3,9 @@
 #include <QFileDialog>
 
 #include "RunningProgram.h"
+#include "jet/database.h"
+#include "platform/dao/Database.h"
+#include "platform/dao/Recordset.h"
 
 namespace {
 
@@ -21,6 +24,26 @@ protected:
         QTest::keyClicks(dialog.findChild<QLineEdit*>(QStringLiteral("txtUnitID")),
                          QStringLiteral("gpf"));
         QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+    }
+
+    // A data file of the current format whose other tables are missing.
+    static void MakeFileWithoutTables(const QString& path) {
+        jet::Database::Create(path.toStdU16String(), jet::Version::kJet4)->Close();
+        const auto file = dao::Database::Open(path, dao::OpenMode::kExclusive);
+        dao::TableDefinition properties;
+        properties.name = QStringLiteral("Properties");
+        properties.fields = {{QStringLiteral("Property"), dao::FieldType::kText, 50},
+                             {QStringLiteral("Value"), dao::FieldType::kText, 255}};
+        properties.indexes = {
+            {QStringLiteral("PrimaryKey"), {QStringLiteral("Property")}, true, true}};
+        file->AppendTable(properties);
+        const auto rows = file->OpenTable(properties.name);
+        rows->AddNew();
+        rows->SetField(QStringLiteral("Property"), QStringLiteral("DataFormatID"));
+        rows->SetField(QStringLiteral("Value"), QStringLiteral("4.01.01"));
+        rows->Update();
+        rows->Close();
+        file->Close();
     }
 
     void Open(const QString& path) {
@@ -117,6 +140,51 @@ TEST_F(Files, Open_NotADataFile_GoesBackToTheStartScreen) {
     EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
     EXPECT_TRUE(NewTrace().contains(QStringLiteral("   FCD_Restart")));
     Open(NewFile(QStringLiteral("Next.fcd")));
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+}
+
+TEST_F(Files, Open_TablesMissing_IsToldAndGoesBackToTheStartScreen) {
+    RunWithFile();
+    const QString path = folder_.CostsPath(QStringLiteral("part.fcd"));
+    MakeFileWithoutTables(path);
+    Open(path);
+    EXPECT_EQ(messages_.value(0), QStringLiteral("The file does not appear to be a TARN Prep file. "
+                                                 " It cannot be opened."));
+    EXPECT_TRUE(StartScreenShows());
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+    EXPECT_FALSE(MenuEnabled(2));
+    EXPECT_EQ(Find(QStringLiteral("frmTabs")), nullptr);
+}
+
+TEST_F(Files, New_TemplateWithoutTables_OnlyLetsGoOfTheWorksheet) {
+    RunWithFile();
+    ASSERT_TRUE(QFile::remove(folder_.Path(QStringLiteral("FCD.new"))));
+    MakeFileWithoutTables(folder_.Path(QStringLiteral("FCD.new")));
+    New();
+    EXPECT_FALSE(messages_.isEmpty());
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+    EXPECT_EQ(ShownForm(), QString());
+    EXPECT_TRUE(MenuEnabled(2));
+    EXPECT_NE(Find(QStringLiteral("frmTabs")), nullptr);
+}
+
+TEST_F(Files, CommandLine_TablesMissing_StaysAtTheStartScreen) {
+    const QString path = folder_.CostsPath(QStringLiteral("part.fcd"));
+    MakeFileWithoutTables(path);
+    support::Answers answers;
+    Run(path);
+    EXPECT_FALSE(answers.Texts().isEmpty());
+    EXPECT_TRUE(StartScreenShows());
+    EXPECT_EQ(frame_->windowTitle(), QStringLiteral("TARN Prep"));
+}
+
+TEST_F(Files, Open_TheFileThatIsOpen_OpensItAgain) {
+    const QString path = NewFile();
+    Run(path);
+    ClickTab(2);
+    Open(path);
+    EXPECT_EQ(messages_, QStringList());
+    EXPECT_TRUE(PrepDatafile::IsDatafileOpen());
     EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
 }
 
