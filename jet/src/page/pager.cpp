@@ -323,6 +323,11 @@ MutableBytes Pager::Change(PageNumber page) {
 }
 
 void Pager::Extend(PageNumber page) {
+    // Writers reserve a few pages past the end; a map that skips many is no map of this file.
+    constexpr std::uint32_t kMostReserved = 4096;
+    if (page.value >= impl_->pageCount + kMostReserved) {
+        ThrowDamaged("The file is damaged: its map of free pages does not fit its length.");
+    }
     while (impl_->pageCount <= page.value) impl_->Append();
 }
 
