@@ -43,20 +43,16 @@ jet::IndexSchema ToSchema(const IndexDefinition& definition) {
     return index;
 }
 
-// Media that allow no writing (a disc, a folder on somebody else's machine) still allow reading.
-bool MayBeReadable(const jet::Error& error) {
-    return error.Kind() == jet::ErrorKind::kReadOnly ||
-           error.Kind() == jet::ErrorKind::kPermissionDenied;
-}
-
+// Several readers do not disturb each other; writing is needed only where a run that ended early
+// left something to be brought in.
 std::unique_ptr<jet::Database> OpenShared(const std::filesystem::path& path) {
     try {
-        return jet::Database::Open(path, {.exclusive = false, .readOnly = false});
+        return jet::Database::Open(path, {.exclusive = false, .readOnly = true});
     } catch (const jet::Error& error) {
-        if (!MayBeReadable(error)) {
+        if (error.Kind() != jet::ErrorKind::kReadOnly) {
             throw;
         }
-        return jet::Database::Open(path, {.exclusive = false, .readOnly = true});
+        return jet::Database::Open(path, {.exclusive = false, .readOnly = false});
     }
 }
 

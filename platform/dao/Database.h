@@ -42,7 +42,7 @@ struct TableDefinition {
 
 enum class OpenMode {
     kExclusive,  // read and write, nobody else
-    kShared,     // default options: read and write, falling back to read-only where it must
+    kShared,     // for reading, beside other readers; the file may be on a read-only medium
 };
 
 class Database {

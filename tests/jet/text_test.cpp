@@ -66,6 +66,18 @@ TEST(Text, Jet4_CompressionThatGainsNothing_IsNotUsed) {
     EXPECT_EQ(Encoded(u"\u0431\u0432\u0433\u0434", Version::kJet4, true).size(), 8U);
 }
 
+// Its bytes are those that mark a compressed text.
+TEST(Text, Jet4_TextThatBeginsWithTheMark_ComesBackAsItWent) {
+    for (const std::u16string& text : {std::u16string(u"\uFEFF"), std::u16string(u"\uFEFFab"),
+                                       std::u16string(u"\uFEFF\u03B1\u03B2\uFEFF")}) {
+        for (const bool compress : {false, true}) {
+            EXPECT_EQ(Decoded(Encoded(text, Version::kJet4, compress), Version::kJet4), text);
+        }
+    }
+    EXPECT_EQ(Decoded(Encoded(u"\uFEFF\uFEFF\u0100b", Version::kJet4, true), Version::kJet4),
+              u"\u0100b");
+}
+
 TEST(Text, Jet4_LoneSurrogates_GoThroughUnchanged) {
     const std::u16string text = {u'a', char16_t{0xD801}, u'b', char16_t{0xDC01}, u'c', u'd', u'e'};
     EXPECT_EQ(Decoded(Encoded(text, Version::kJet4, true), Version::kJet4), text);

@@ -7,6 +7,7 @@ namespace jet {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
+constexpr char16_t kCompressionMark = 0xFEFF;
 constexpr std::byte kSwitch{0};
 
 bool IsCompressed(Bytes stored) {
@@ -137,6 +138,15 @@ void EncodeText(std::u16string_view text, Version version, bool compress,
     if (version == Version::kJet3) {
         for (const char c : EncodeCodePage(text)) into.push_back(static_cast<std::byte>(c));
         return;
+    }
+    // Stored plainly, a text that begins with this unit would read as a compressed one.
+    while (text.starts_with(kCompressionMark)) {
+        if (CanCompress(text)) {
+            AppendCompressed(text, into);
+            return;
+        }
+        // It has no width; the text is what it was to every reader.
+        text.remove_prefix(1);
     }
     if (compress && text.size() > 2 && CanCompress(text)) {
         const std::size_t before = into.size();

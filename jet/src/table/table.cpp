@@ -174,6 +174,7 @@ void Table::BuildLongValue(const Column& column, const Value& value, std::vector
         plainLength = text->size() * pager_->FileFormat().bytesPerCharacter;
         EncodeText(*text, definition_.version, plainLength <= pager_->FileFormat().longValueInRow,
                    longValue_);
+        plainLength = std::max(plainLength, longValue_.size());
     } else if (const auto* bytes = std::get_if<Binary>(&value.Get())) {
         plainLength = bytes->size();
         longValue_.assign(bytes->begin(), bytes->end());
