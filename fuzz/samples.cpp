@@ -65,8 +65,8 @@ void AddPeople(jet::Database& database, int first, int last) {
 
 void AddRates(jet::Database& database) {
     const auto rates = database.OpenTable("Rates");
-    for (std::int32_t zone = 1; zone <= 20; ++zone) {
-        for (std::int32_t place = 1; place <= 20; ++place) {
+    for (std::int32_t zone = 1; zone <= 6; ++zone) {
+        for (std::int32_t place = 1; place <= 10; ++place) {
             rates->AddNew();
             rates->Set("Zone", zone);
             rates->Set("Place", place);
@@ -80,7 +80,7 @@ Contents MakeSampleFile(jet::Version version) {
     const auto files = jet::MakeMemoryFileSystem();
     const auto database = jet::Database::Create(kFile, version, *files);
     MakeTables(*database);
-    AddPeople(*database, 0, 12);
+    AddPeople(*database, 0, 7);
     AddRates(*database);
     const auto people = database->OpenTable("People");
     people->MoveNext();
