@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 
 #include "jet/error.h"
 #include "record/text.h"
@@ -102,12 +103,21 @@ std::optional<RowId> TableRecordset::GoPrevious() {
 }
 
 // The record stays the current one, at the place that its new values give it in the index.
+// The change is done by now, so nothing here may fail it: without memory for the new key the
+// position keeps the old one, which leads to the same neighbours as before the change.
 void TableRecordset::CurrentChanged() {
     if (index_ == nullptr || index_->Obstacle()) return;
-    const RowView& view = CurrentView();
-    TableIndex::RowKey key;
-    index_->MakeRowKey([&](std::size_t column) { return Source().ReadValue(view, column); }, key);
-    if (key.entered) entry_.key = std::move(key.key);
+    try {
+        const RowView& view = CurrentView();
+        TableIndex::RowKey key;
+        index_->MakeRowKey([&](std::size_t column) { return Source().ReadValue(view, column); },
+                           key);
+        if (key.entered) entry_.key = std::move(key.key);
+    } catch (const Error&) {
+        return;
+    } catch (const std::bad_alloc&) {
+        return;
+    }
 }
 
 }  // namespace jet

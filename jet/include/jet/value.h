@@ -45,6 +45,16 @@ public:
                                  std::u16string, Binary, Guid, Decimal>;
 
     Value() = default;
+    // A variant that holds text must not be copied as a whole: when memory runs out on the way,
+    // some libraries leave it in a state that they cannot destroy.
+    Value(const Value& other) { *this = other; }
+    Value& operator=(const Value& other) {
+        std::visit([this](const auto& held) { storage_ = held; }, other.storage_);
+        return *this;
+    }
+    Value(Value&&) noexcept = default;
+    Value& operator=(Value&&) noexcept = default;
+    ~Value() = default;
     // A value is made of whatever stands where one is expected.
     // NOLINTBEGIN(google-explicit-constructor)
     Value(bool value) : storage_(value) {}

@@ -12,6 +12,8 @@ namespace jet {
 namespace {
 
 constexpr std::int32_t kTableObject = 1;
+// Every file has its four system tables in the definitions up to this page.
+constexpr std::uint32_t kLastSystemTable = 5;
 constexpr std::uint32_t kPageBits = 0xFFFFFF;
 constexpr std::uint32_t kSystemFlags = 0x80000002;
 constexpr std::uint16_t kNameChunk = 0x0080;
@@ -119,6 +121,10 @@ void CatalogueCheck::AddRow(const CheckedRow& row) {
     entry.page = static_cast<std::uint32_t>(*id) & kPageBits;
     entry.system = flags != nullptr && (static_cast<std::uint32_t>(*flags) & kSystemFlags) != 0;
     entry.properties = blob == nullptr ? Binary() : *blob;
+    if (entry.page <= kLastSystemTable && !entry.system) {
+        context_.findings.Error(spot, "catalogue-flags",
+                                "The system table " + entry.name + " passes for an ordinary one.");
+    }
     const auto [other, isNew] = names_.emplace(entry.page, entry.name);
     if (!isNew) {
         context_.findings.Error(spot, "catalogue-double",
