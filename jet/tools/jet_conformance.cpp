@@ -16,10 +16,10 @@
 
 #include "index/key.h"
 #include "jet/error.h"
-#include "jet_conformance/dump_values.h"
 #include "jet_conformance/reference.h"
 #include "jet_conformance/table_dump.h"
 #include "open_file.h"
+#include "parts/dump_values.h"
 
 namespace {
 

@@ -1,12 +1,11 @@
 #include "jet_conformance/table_dump.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
 #include <set>
 
 #include "index/collation.h"
-#include "jet_conformance/dump_values.h"
+#include "parts/dump_values.h"
+#include "parts/page_words.h"
 
 namespace {
 
@@ -15,41 +14,6 @@ using jet::ColumnType;
 using jet::Key;
 using jet::RowId;
 using jet::Value;
-
-const char* TypeName(ColumnType type) {
-    switch (type) {
-        case ColumnType::kBoolean:
-            return "boolean";
-        case ColumnType::kByte:
-            return "byte";
-        case ColumnType::kInteger:
-            return "integer";
-        case ColumnType::kLong:
-            return "long";
-        case ColumnType::kCurrency:
-            return "currency";
-        case ColumnType::kSingle:
-            return "single";
-        case ColumnType::kDouble:
-            return "double";
-        case ColumnType::kDate:
-            return "date";
-        case ColumnType::kBinary:
-            return "binary";
-        case ColumnType::kText:
-            return "text";
-        case ColumnType::kOle:
-            return "ole";
-        case ColumnType::kMemo:
-            return "memo";
-        case ColumnType::kGuid:
-            return "guid";
-        case ColumnType::kDecimal:
-            return "decimal";
-        default:
-            return "unknown";
-    }
-}
 
 std::string Bool(bool value) {
     return value ? "true" : "false";
@@ -88,16 +52,10 @@ private:
     }
 
     void DumpColumn(const Column& column, std::size_t n) {
-        std::string type = TypeName(column.type);
-        if (type == "unknown") {
-            char number[16];
-            std::snprintf(number, sizeof number, "_%02x", static_cast<unsigned>(column.type));
-            type += number;
-        }
         std::string line = R"({"k":"column","n":)" + std::to_string(n) +
                            ",\"name\":" + QuotedName(column.name) +
-                           ",\"num\":" + std::to_string(column.number) + ",\"type\":\"" + type +
-                           "\",\"bytes\":" + std::to_string(column.length) +
+                           ",\"num\":" + std::to_string(column.number) + ",\"type\":\"" +
+                           TypeWord(column.type) + "\",\"bytes\":" + std::to_string(column.length) +
                            ",\"auto\":" + Bool(column.autoNumber || column.autoGuid) +
                            ",\"var\":" + Bool(!column.fixed);
         if (column.type == ColumnType::kDecimal) {
@@ -196,7 +154,7 @@ private:
 
     [[nodiscard]] std::string Label(const jet::KeyColumn& column) const {
         std::string label = jet3_ ? "Jet 3 " : "Jet 4 ";
-        label += TypeName(column.type);
+        label += TypeWord(column.type);
         if (column.type == ColumnType::kText || column.type == ColumnType::kMemo) {
             label += " (language " + std::to_string(column.collation.language) +
                      (jet3_ ? ", code page " + std::to_string(column.collation.codePage)

@@ -1,4 +1,4 @@
-#include "jet_conformance/dump_values.h"
+#include "parts/dump_values.h"
 
 #include <array>
 #include <bit>
@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "jet_conformance/sha256.h"
+#include "parts/sha256.h"
 #include "record/text.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "jet_conformance/sha256.h"
+#include "parts/sha256.h"
 
 #include <array>
 #include <bit>
