@@ -7,6 +7,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "datafile/ZoneKeys.h"
@@ -33,6 +34,6 @@ private:
     void SaveRow(int resource) const;
 
     std::int32_t fmzRLKey_ = 0;
-    std::array<float, ZoneKeys::kResources * ZoneKeys::kFilLevels> values_{};
+    std::array<float, std::size_t{ZoneKeys::kResources} * ZoneKeys::kFilLevels> values_{};
     bool changed_ = false;
 };

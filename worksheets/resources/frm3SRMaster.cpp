@@ -140,8 +140,8 @@ void frm3SRMaster::FormatGrid() {
            "            |Cost                  |"));
     grdMasterList_->SetRows(1);
     struct Column {
-        int col;
-        int twips;
+        int col = 0;
+        int twips = 0;
         Qt::Alignment alignment;
     };
     const std::array<Column, kVisible> columns{

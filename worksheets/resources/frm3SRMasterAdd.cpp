@@ -56,6 +56,7 @@ frm3SRMasterAdd::frm3SRMasterAdd(vsFlexGrid& list, QWidget& frame) : QDialog(&fr
     rows->setColumnStretch(2, 1);
     BuildTexts(*rows);
     ConnectHandlers();
+    txtResourceName_->setFocus();
     adjustSize();
     platform::PlaceOver(*this, frame);
 }
