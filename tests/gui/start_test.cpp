@@ -3,12 +3,38 @@
 #include <QLabel>
 
 #include "RunningProgram.h"
+#include "jet/database.h"
+#include "jet/recordset.h"
 #include "platform/controls/FLabel.h"
 #include "shell/u91Trace.h"
 
 namespace {
 
 class Start : public RunningProgram {};
+
+// A data file that opens but takes no further property, so that its unit name cannot be added.
+void MakeFileWithFullProperties(const QString& path) {
+    const auto file = jet::Database::Create(path.toStdU16String(), jet::Version::kJet4);
+    const jet::IndexSchema onKey{"PrimaryKey", {{"Key"}}, true, true};
+    for (const char* name : {"ManagementGoals", "FMZList", "SuppressionPerAcreCost", "SRMasterList",
+                             "NVCResources", "NVCPerAcre"}) {
+        file->CreateTable({name, {{"Key", jet::ColumnType::kLong}}, {onKey}});
+    }
+    jet::ColumnSchema filled{"Filled", jet::ColumnType::kLong};
+    filled.required = true;
+    file->CreateTable(
+        {"Properties",
+         {{"Property", jet::ColumnType::kText, 50}, {"Value", jet::ColumnType::kText, 255}, filled},
+         {{"PrimaryKey", {{"Property"}}, true, true},
+          {"Filled", {{"Filled"}}, false, false, false, true}}});
+    const auto rows = file->OpenTable("Properties");
+    rows->AddNew();
+    rows->Set("Property", u"DataFormatID");
+    rows->Set("Value", u"4.01.01");
+    rows->Set("Filled", 1);
+    rows->Update();
+    file->Close();
+}
 
 TEST_F(Start, NoCommandLine_FillsTheFrameWithTheStartScreen) {
     Run();
@@ -93,6 +119,20 @@ TEST_F(Start, CommandLineInQuotes_FailsToOpenWithItsQuotes) {
     EXPECT_TRUE(StartScreenShows());
     EXPECT_FALSE(MenuEnabled(2));
     EXPECT_EQ(frame_->windowTitle(), QStringLiteral("TARN Prep"));
+}
+
+TEST_F(Start, ErrorInAStep_EveryOtherStepRunsAndTheNumberIsLogged) {
+    const QString path = folder_.CostsPath(QStringLiteral("full.fcd"));
+    MakeFileWithFullProperties(path);
+    Run(path);
+    const QStringList trace = NewTrace();
+    const qsizetype error = trace.indexOf(QStringLiteral("* * * ERROR * * *"));
+    ASSERT_GT(error, 0);
+    EXPECT_TRUE(trace[error + 1].startsWith(QStringLiteral("   Error during startup 3")));
+    EXPECT_EQ(trace.last(), QStringLiteral(" Finished Loading TARN Prep"));
+    EXPECT_TRUE(support::Bytes(folder_.Path(QStringLiteral("ERROR.LOG")))
+                    .contains("Error during startup 3"));
+    EXPECT_TRUE(frame_->isVisible());
 }
 
 TEST_F(Start, IntroductionTexts_AreShownWithTheirMarks) {
