@@ -20,11 +20,12 @@ namespace {
 
 using bench::Peer;
 using bench::Row;
+using Path = std::filesystem::path;
 
 struct Task {
     const char* name;
     // Gives the number of rows that the timed part handled.
-    std::function<std::size_t(Peer&, const std::filesystem::path&, std::size_t, double&)> run;
+    std::function<std::size_t(Peer&, const Path&, std::size_t, double&)> run;
 };
 
 template <typename Work>
@@ -35,7 +36,7 @@ double Seconds(Work work) {
 }
 
 // The file of `rows` rows, made anew.
-void Fill(Peer& peer, const std::filesystem::path& path, std::size_t rows) {
+void Fill(Peer& peer, const Path& path, std::size_t rows) {
     peer.Create(path);
     peer.Insert(bench::RowsInKeyOrder(rows));
     peer.Close();
@@ -44,76 +45,82 @@ void Fill(Peer& peer, const std::filesystem::path& path, std::size_t rows) {
 
 constexpr std::size_t kMostProbes = 100000;
 
+std::size_t InsertAll(Peer& peer, const Path& path, const std::vector<Row>& rows, double& seconds) {
+    peer.Create(path);
+    seconds = Seconds([&] { peer.Insert(rows); });
+    return rows.size();
+}
+
+// Some rows of a filled file, picked at random.
+std::size_t Probe(Peer& peer, const Path& path, std::size_t rows, double& seconds,
+                  const std::function<void(const std::vector<Row>&)>& work) {
+    Fill(peer, path, rows);
+    const auto probes = bench::Sample(bench::RowsInKeyOrder(rows), kMostProbes);
+    seconds = Seconds([&] { work(probes); });
+    return probes.size();
+}
+
+std::size_t Scan(Peer& peer, const Path& path, std::size_t rows, double& seconds) {
+    Fill(peer, path, rows);
+    seconds = Seconds([&] { peer.Scan(bench::Shape::kNumbers); });
+    return rows;
+}
+
+std::size_t OpenFirstRow(Peer& peer, const Path& path, std::size_t rows, double& seconds) {
+    Fill(peer, path, rows);
+    peer.Close();
+    seconds = Seconds([&] {
+        peer.Open(path);
+        peer.FirstRow();
+    });
+    return 1;
+}
+
+std::size_t InsertTexts(Peer& peer, const Path& path, std::size_t rows, double& seconds) {
+    const auto notes = bench::Notes(rows);
+    peer.Create(path);
+    seconds = Seconds([&] { peer.Insert(notes); });
+    return rows;
+}
+
+std::size_t ScanTexts(Peer& peer, const Path& path, std::size_t rows, double& seconds) {
+    peer.Create(path);
+    peer.Insert(bench::Notes(rows));
+    peer.Close();
+    peer.Open(path);
+    seconds = Seconds([&] { peer.Scan(bench::Shape::kTexts); });
+    return rows;
+}
+
 std::vector<Task> Tasks() {
-    using Path = std::filesystem::path;
     return {
         {"insert_ordered",
          [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             const auto all = bench::RowsInKeyOrder(rows);
-             peer.Create(path);
-             seconds = Seconds([&] { peer.Insert(all); });
-             return rows;
+             return InsertAll(peer, path, bench::RowsInKeyOrder(rows), seconds);
          }},
         {"insert_random",
          [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             const auto all = bench::Shuffled(bench::RowsInKeyOrder(rows));
-             peer.Create(path);
-             seconds = Seconds([&] { peer.Insert(all); });
-             return rows;
+             return InsertAll(peer, path, bench::Shuffled(bench::RowsInKeyOrder(rows)), seconds);
          }},
-        {"scan",
-         [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             Fill(peer, path, rows);
-             seconds = Seconds([&] { peer.Scan(bench::Shape::kNumbers); });
-             return rows;
-         }},
+        {"scan", Scan},
         {"seek_random",
          [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             Fill(peer, path, rows);
-             const auto probes = bench::Sample(bench::RowsInKeyOrder(rows), kMostProbes);
-             seconds = Seconds([&] { peer.Seek(probes); });
-             return probes.size();
+             return Probe(peer, path, rows, seconds,
+                          [&](const std::vector<Row>& probes) { peer.Seek(probes); });
          }},
         {"update_one_field",
          [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             Fill(peer, path, rows);
-             const auto probes = bench::Sample(bench::RowsInKeyOrder(rows), kMostProbes);
-             seconds = Seconds([&] { peer.UpdateOneField(probes); });
-             return probes.size();
+             return Probe(peer, path, rows, seconds,
+                          [&](const std::vector<Row>& probes) { peer.UpdateOneField(probes); });
          }},
         {"delete",
          [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             Fill(peer, path, rows);
-             const auto probes = bench::Sample(bench::RowsInKeyOrder(rows), kMostProbes);
-             seconds = Seconds([&] { peer.Delete(probes); });
-             return probes.size();
+             return Probe(peer, path, rows, seconds,
+                          [&](const std::vector<Row>& probes) { peer.Delete(probes); });
          }},
-        {"open_first_row",
-         [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             Fill(peer, path, rows);
-             peer.Close();
-             seconds = Seconds([&] {
-                 peer.Open(path);
-                 peer.FirstRow();
-             });
-             return std::size_t{1};
-         }},
-        {"insert_texts",
-         [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             const auto notes = bench::Notes(rows);
-             peer.Create(path);
-             seconds = Seconds([&] { peer.Insert(notes); });
-             return rows;
-         }},
-        {"scan_texts",
-         [](Peer& peer, const Path& path, std::size_t rows, double& seconds) {
-             peer.Create(path);
-             peer.Insert(bench::Notes(rows));
-             peer.Close();
-             peer.Open(path);
-             seconds = Seconds([&] { peer.Scan(bench::Shape::kTexts); });
-             return rows;
-         }},
+        {"open_first_row", OpenFirstRow},
+        {"insert_texts", InsertTexts},
+        {"scan_texts", ScanTexts},
     };
 }
 
