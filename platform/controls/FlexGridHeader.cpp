@@ -96,6 +96,19 @@ bool FlexGridHeader::viewportEvent(QEvent* event) {
     return true;
 }
 
+QSize FlexGridHeader::sectionSizeFromContents(int col) const {
+    int widest = 0;
+    for (const Block& block : Blocks()) {
+        if (block.left != col || block.right != col) {
+            continue;
+        }
+        for (const QString& line : Lines(model_.Text(block.top, block.left))) {
+            widest = std::max(widest, fontMetrics().horizontalAdvance(line));
+        }
+    }
+    return {widest + 2 * kPadding, sizeHint().height()};
+}
+
 std::vector<FlexGridHeader::Block> FlexGridHeader::Blocks() const {
     const int rows = model_.FixedRows();
     const int cols = model_.Cols();

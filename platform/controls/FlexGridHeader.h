@@ -25,6 +25,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     bool viewportEvent(QEvent* event) override;
+    // What the column's own headings need; those that it shares with others do not count.
+    [[nodiscard]] QSize sectionSizeFromContents(int col) const override;
 
 private:
     // A cell as it is drawn: the fixed cells from the first row and column to the last.

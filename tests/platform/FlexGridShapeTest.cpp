@@ -182,6 +182,10 @@ TEST_F(FlexGridShape, Header_GrowsWithItsLinesAndMergesEqualTexts) {
     EXPECT_EQ(grid_->CellName(3, 1), "Fire size, in acres, To, 11");
     EXPECT_EQ(grid_->CellName(2, 2), "Cost per acre, row 1");
     EXPECT_EQ(grid_->CellRect(0, 0).bottom() + 1, grid_->CellRect(1, 0).top());
+    // Fitted to its own heading, not to the one it shares.
+    grid_->resizeColumnToContents(1);
+    EXPECT_LT(grid_->columnWidth(1), grid_->fontMetrics().horizontalAdvance("Fire size, in acres"));
+    EXPECT_GT(grid_->columnWidth(1), grid_->fontMetrics().horizontalAdvance("To"));
 }
 
 TEST_F(FlexGridShape, CutText_IsShownInAToolTip) {
@@ -280,7 +284,8 @@ TEST_F(FlexGridShape, CurrentCell_IsHighlightedOnlyWhereTheKeyboardIs) {
     Show();
     const auto ground = [&] {
         const QPoint corner = grid_->CellRect(1, 1).topLeft() + QPoint(4, 4);
-        return grid_->viewport()->grab().toImage().pixelColor(corner);
+        const QImage picture = grid_->viewport()->grab().toImage();
+        return picture.pixelColor((QPointF(corner) * picture.devicePixelRatio()).toPoint());
     };
     grid_->Select(1, 1);
     EXPECT_EQ(ground(), grid_->palette().color(QPalette::Base));
