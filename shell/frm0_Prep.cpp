@@ -200,6 +200,8 @@ void frm0_Prep::SaveForSessionEnd() {
     Run("frm0_Prep.SaveForSessionEnd", [] {
         if (PrepDatafile::IsDatafileOpen()) {
             a3PrepForms::UpdateCurrentWorksheet();
+            // A dialog may be open, whose handler would make it durable only at its end.
+            PrepDatafile::MakeDurable();
         }
     });
 }
