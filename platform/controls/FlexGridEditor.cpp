@@ -33,6 +33,7 @@ bool ComesBack(Qt::FocusReason reason) {
 
 FlexGridEditor::FlexGridEditor(QWidget* parent) : QLineEdit(parent) {
     setFrame(false);
+    setTextMargins(1, 0, 0, 0);  // where the cell shows it
     connect(this, &QLineEdit::textEdited, this, &FlexGridEditor::OnTextEdited);
 }
 
