@@ -12,35 +12,41 @@ namespace jet {
 namespace {
 
 constexpr char kMagic[8] = "JetLog1";
-// Shorter runs of equal bytes are logged along with their neighbours: a range costs 4 bytes.
-constexpr std::size_t kShortestGap = 8;
 
 MutableBytes Extend(std::vector<std::byte>& out, std::size_t size) {
     out.resize(out.size() + size);
     return MutableBytes(out).last(size);
 }
 
-std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from) {
-    const std::size_t size = a.size();
-    for (const std::size_t block : {std::size_t{256}, std::size_t{32}}) {
-        while (from + block <= size && std::memcmp(a.data() + from, b.data() + from, block) == 0) {
-            from += block;
-        }
-    }
-    while (from < size && a[from] == b[from]) ++from;
-    return from;
+std::uint64_t Word(Bytes bytes, std::size_t at) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes.data() + at, sizeof word);
+    return word;
 }
 
-// The end of the difference that begins at `from`: where a long enough run of equal bytes starts.
+// The end of the difference that begins at `from`: where eight equal bytes lie in a row. A range
+// costs four bytes in the log, so shorter runs are logged along with their neighbours.
 std::size_t DifferenceEnd(Bytes a, Bytes b, std::size_t from) {
     std::size_t end = from + 1;
-    for (std::size_t at = end; at < a.size() && at - end < kShortestGap; ++at) {
-        if (a[at] != b[at]) end = at + 1;
-    }
+    while (end + 8 <= a.size() && Word(a, end) != Word(b, end)) end += 8;
+    if (end + 8 > a.size()) end = a.size();
+    while (a[end - 1] == b[end - 1]) --end;
     return end;
 }
 
 }  // namespace
+
+std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from) {
+    const std::size_t size = a.size();
+    while (from + 32 <= size &&
+           ((Word(a, from) ^ Word(b, from)) | (Word(a, from + 8) ^ Word(b, from + 8)) |
+            (Word(a, from + 16) ^ Word(b, from + 16)) |
+            (Word(a, from + 24) ^ Word(b, from + 24))) == 0) {
+        from += 32;
+    }
+    while (from < size && a[from] == b[from]) ++from;
+    return from;
+}
 
 std::uint64_t AppendLogHeader(std::vector<std::byte>& out, const LogHeader& header) {
     const MutableBytes bytes = Extend(out, kLogHeaderSize);
@@ -87,7 +93,7 @@ void LogRecordWriter::AddPage(const PageChange& change, LogBase base) {
         out_.insert(out_.end(), change.before.begin(), change.before.end());
     }
     std::uint16_t ranges = 0;
-    std::size_t at = FirstDifference(change.before, change.after, 0);
+    std::size_t at = change.firstDifference;
     while (at < change.after.size()) {
         const std::size_t end = DifferenceEnd(change.before, change.after, at);
         AddRange(change, at, end);

@@ -72,7 +72,11 @@ struct PageChange {
     bool fresh = false;  // made by this operation, `before` is all zeros
     Bytes before;
     Bytes after;
+    std::size_t firstDifference = 0;  // from FirstDifference; the page's size where there is none
 };
+
+// The first place from `from` on where two pages differ, or their size.
+std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from);
 
 // Builds one record at the end of `out`, which is reused from record to record.
 class LogRecordWriter {

@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t kCacheBytes = 24U << 20;
 // When this much has changed, or been logged, MakeDurable is due.
-constexpr std::size_t kMostDirtyBytes = 24U << 20;
-constexpr std::uint64_t kLargestLog = 64U << 20;
+constexpr std::size_t kMostDirtyBytes = 64U << 20;
+constexpr std::uint64_t kLargestLog = 256U << 20;
 constexpr std::uint32_t kReadAheadPages = 16;
 // Neighbouring pages go to the file in pieces of this size.
 constexpr std::size_t kWriteBytes = 256U << 10;
@@ -153,11 +153,13 @@ void Pager::Impl::CollectChanges() {
         const ChangedPage& entry = changed_[i];
         const Bytes before(entry.before.get(), format.pageSize);
         const Bytes after(entry.frame->bytes.get(), format.pageSize);
-        if (entry.fresh || std::memcmp(before.data(), after.data(), format.pageSize) != 0) {
+        const std::size_t difference = FirstDifference(before, after, 0);
+        if (entry.fresh || difference < format.pageSize) {
             changes_.push_back({.page = PageNumber{entry.frame->number},
                                 .fresh = entry.fresh,
                                 .before = before,
-                                .after = after});
+                                .after = after,
+                                .firstDifference = difference});
         }
     }
 }
