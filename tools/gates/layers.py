@@ -27,7 +27,7 @@ def target(path, quote, included):
     """The file of the tree that an include means, or None."""
     if quote == '"' and (path.parent / included).is_file():
         return tree.name((path.parent / included).resolve())
-    for base in ("", "jet/include/", "jet/src/", "tests/"):
+    for base in ("", "jet/include/", "jet/src/", "jet/tools/", "tests/"):
         if (tree.ROOT / (base + included)).is_file():
             return base + included
     return None
