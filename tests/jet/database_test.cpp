@@ -456,6 +456,47 @@ TEST_P(DatabaseTest, DeletedRecords_GiveTheirPagesBack) {
     ExpectSound(Path());
 }
 
+// What an independent reader makes of a table, as lines of comma-separated values.
+std::string ExportedTable(const std::filesystem::path& file, const std::string& table) {
+    const std::string command = "mdb-export '" + file.string() + "' " + table + " 2>&1";
+    std::FILE* pipe = popen(command.c_str(), "r");
+    std::string text;
+    char part[4096];
+    while (pipe != nullptr && std::fgets(part, sizeof part, pipe) != nullptr) text += part;
+    if (pipe != nullptr) pclose(pipe);
+    return text;
+}
+
+TEST_P(DatabaseTest, FilledTable_ReadsTheSameElsewhere) {
+    if (std::system("mdb-export --version > /dev/null 2>&1") != 0) {
+        GTEST_SKIP() << "mdb-export is not installed";
+    }
+    const auto database = Database::Create(Path(), GetParam());
+    TableSchema schema;
+    schema.name = "Notes";
+    schema.columns = {{.name = "ID", .autoNumber = true},
+                      {.name = "Title", .type = ColumnType::kText, .length = 60},
+                      {.name = "Body", .type = ColumnType::kMemo},
+                      {.name = "Amount", .type = ColumnType::kDouble}};
+    schema.indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true}};
+    database->CreateTable(schema);
+    const auto notes = database->OpenTable("Notes");
+    std::string expected = "ID,Title,Body,Amount\n";
+    for (int i = 1; i <= 400; ++i) {
+        const std::size_t length = static_cast<std::size_t>(i * i % 7001) + 1;
+        notes->AddNew();
+        notes->Set("Title", u"title " + Value(i).AsText());
+        notes->Set("Body", std::u16string(length, u'b'));
+        if (i % 2 == 0) notes->Set("Amount", i + 0.5);
+        notes->Update();
+        expected += std::to_string(i) + ",\"title " + std::to_string(i) + "\",\"" +
+                    std::string(length, 'b') + "\"," +
+                    (i % 2 == 0 ? std::to_string(i) + ".5" : "") + "\n";
+    }
+    database->Close();
+    EXPECT_EQ(ExportedTable(Path(), "Notes"), expected);
+}
+
 INSTANTIATE_TEST_SUITE_P(BothVersions, DatabaseTest,
                          testing::Values(Version::kJet3, Version::kJet4),
                          [](const auto& tested) { return VersionName(tested.param); });
