@@ -20,7 +20,7 @@ namespace {
 
 // The help file of this build, or "".
 QString BuiltHelpFile() {
-    const QString path = qEnvironmentVariable("TARN_BUILD") + "/TARNPrep/TARNPlus.hlp";
+    const QString path = QStringLiteral(TARN_BUILD "/TARNPrep/TARNPlus.hlp");
     return QFile::exists(path) ? path : QString();
 }
 
