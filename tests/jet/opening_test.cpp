@@ -1,0 +1,164 @@
+// What is refused on opening, with the right kind of error and without a byte changed; and what a
+// value becomes when another type is asked for.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "jet/database.h"
+#include "jet/error.h"
+#include "jet/value.h"
+#include "page/bytes.h"
+#include "support/fault_file_system.h"
+
+namespace jet {
+namespace {
+
+constexpr char kFile[] = "a file.mdb";
+using Contents = std::vector<std::byte>;
+
+class OpeningTest : public ::testing::TestWithParam<Version> {
+protected:
+    OpeningTest() { Database::Create(kFile, GetParam(), files_)->Close(); }
+
+    // Changes the file, then expects it to be refused and left alone.
+    void ExpectRefused(ErrorKind kind, const std::function<void(Contents&)>& change) {
+        Contents contents = files_.Contents(kFile);
+        change(contents);
+        for (const bool readOnly : {false, true}) {
+            tarn_test::FaultFileSystem files;
+            files.SetContents(kFile, contents);
+            try {
+                (void)Database::Open(kFile, {.exclusive = !readOnly, .readOnly = readOnly}, files);
+                ADD_FAILURE() << "opened";
+            } catch (const Error& error) {
+                EXPECT_EQ(error.Kind(), kind) << error.what();
+                EXPECT_FALSE(std::string(error.what()).empty());
+            }
+            EXPECT_EQ(files.Contents(kFile), contents);
+            EXPECT_EQ(files.Names(), std::vector<std::string>{kFile});
+        }
+    }
+
+    tarn_test::FaultFileSystem files_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Versions, OpeningTest, ::testing::Values(Version::kJet3, Version::kJet4));
+
+TEST_P(OpeningTest, WhatIsNoDatabase_IsRefused) {
+    ExpectRefused(ErrorKind::kNotADatabase, [](Contents& file) { file.clear(); });
+    ExpectRefused(ErrorKind::kNotADatabase, [](Contents& file) { file.resize(100); });
+    ExpectRefused(ErrorKind::kNotADatabase, [](Contents& file) { file[0] = std::byte{1}; });
+    ExpectRefused(ErrorKind::kNotADatabase, [](Contents& file) { file[6] ^= std::byte{0x20}; });
+    ExpectRefused(ErrorKind::kNotADatabase,
+                  [](Contents& file) { file.assign(9000, std::byte{65}); });
+}
+
+TEST_P(OpeningTest, NewerVersion_IsRefused) {
+    ExpectRefused(ErrorKind::kUnsupportedVersion, [](Contents& file) { WriteU8(file, 0x14, 2); });
+}
+
+TEST_P(OpeningTest, KeyOrPassword_IsRefused) {
+    // The masked part: any other bytes there stand for a key or a password.
+    ExpectRefused(ErrorKind::kEncrypted, [](Contents& file) { file[0x3E] ^= std::byte{1}; });
+    ExpectRefused(ErrorKind::kEncrypted, [](Contents& file) { file[0x44] ^= std::byte{'p'}; });
+}
+
+TEST_P(OpeningTest, FileCutOff_IsRefused) {
+    ExpectRefused(ErrorKind::kDamaged, [](Contents& file) { file.resize(file.size() - 1); });
+    ExpectRefused(ErrorKind::kDamaged, [](Contents& file) {
+        file.resize(3 * 4096);
+        file.pop_back();
+    });
+    ExpectRefused(ErrorKind::kDamaged, [](Contents& file) {
+        file.resize(5 * (GetParam() == Version::kJet3 ? 2048U : 4096U));
+    });
+    ExpectRefused(ErrorKind::kDamaged, [](Contents& file) { file.resize(1000); });
+}
+
+TEST_P(OpeningTest, FileThatIsMissing_IsToldSo) {
+    try {
+        (void)Database::Open("another.mdb", {}, files_);
+        FAIL() << "opened";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Kind(), ErrorKind::kFileNotFound);
+        EXPECT_EQ(error.Number(), 3024);
+    }
+}
+
+TEST_P(OpeningTest, CommitCounter_TellsStatesApart) {
+    const Contents before = files_.Contents(kFile);
+    const auto database = Database::Open(kFile, {}, files_);
+    TableSchema schema;
+    schema.name = "T";
+    schema.columns.resize(1);
+    schema.columns[0].name = "A";
+    database->CreateTable(schema);
+    database->Close();
+    const std::size_t at = (GetParam() == Version::kJet3 ? 2048U : 4096U) - 512;
+    EXPECT_EQ(ReadU16(files_.Contents(kFile), at), ReadU16(before, at) + 1);
+}
+
+TEST(Value, NumbersAsWholeOnes_RoundHalvesToEven) {
+    EXPECT_EQ(Value(2.5).AsLong(), 2);
+    EXPECT_EQ(Value(3.5).AsLong(), 4);
+    EXPECT_EQ(Value(-2.5).AsLong(), -2);
+    EXPECT_EQ(Value(-0.4F).AsLong(), 0);
+    EXPECT_EQ(Value(Currency{25000}).AsLong(), 2);
+    EXPECT_EQ(Value(u" 17 ").AsLong(), 17);
+    EXPECT_EQ(Value(true).AsLong(), -1);
+}
+
+TEST(Value, NumberThatDoesNotFit_IsAnOverflow) {
+    for (const Value& value : {Value(3e9), Value(-2147483649.0), Value(u"1e400")}) {
+        try {
+            (void)value.AsLong();
+            ADD_FAILURE() << "converted";
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::kOverflow);
+        }
+    }
+    EXPECT_THROW((void)Value(1e300).AsSingle(), Error);
+}
+
+TEST(Value, WhatIsNoNumber_IsAMismatch) {
+    for (const Value& value : {Value(), Value(u"abc"), Value(u"12x"), Value(u""), Value(Guid{})}) {
+        try {
+            (void)value.AsDouble();
+            ADD_FAILURE() << "converted";
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::kTypeMismatch);
+        }
+    }
+}
+
+TEST(Value, NumbersAsText_AreAsShortAsTheyCanBe) {
+    EXPECT_EQ(Value(0.1F).AsText(), u"0.1");
+    EXPECT_EQ(Value(100000.0).AsText(), u"100000");
+    EXPECT_EQ(Value(-5).AsText(), u"-5");
+    EXPECT_EQ(Value(Currency{-12500}).AsText(), u"-1.25");
+    EXPECT_EQ(Value(Currency{5}).AsText(), u"0.0005");
+    Decimal decimal;
+    decimal.negative = true;
+    decimal.scale = 2;
+    decimal.magnitude[14] = 1;
+    decimal.magnitude[15] = 4;
+    EXPECT_EQ(Value(decimal).AsText(), u"-2.6");
+    EXPECT_THROW((void)Value().AsText(), Error);
+}
+
+TEST(Value, Copy_OfEveryKind_IsEqual) {
+    for (const Value& value :
+         {Value(), Value(true), Value(7), Value(Currency{3}), Value(1.5F), Value(2.5),
+          Value(Date{1}), Value(u"text"), Value(Binary(5)), Value(Guid{}), Value(Decimal{})}) {
+        Value copy = value;
+        EXPECT_EQ(copy, value);
+        copy = Value(u"other");
+        copy = value;
+        EXPECT_EQ(copy, value);
+    }
+}
+
+}  // namespace
+}  // namespace jet
