@@ -158,7 +158,7 @@ private:
                 wide.push_back(static_cast<char16_t>(ReadU16(bytes, i)));
             }
         }
-        const std::size_t most = 64U * format_.bytesPerCharacter;
+        const std::size_t most = std::size_t{64} * format_.bytesPerCharacter;
         if (wide.empty() || size > most || (!jet3_ && size % 2 != 0)) {
             throw Damage{code, "A name in the definition has " + std::to_string(size) + " bytes."};
         }

@@ -177,7 +177,7 @@ void TreeCheck::ReadEntries(Bytes page, const Spot& spot, Node& node) {
     const std::size_t prefix =
         format.prefixWidth == 1 ? ReadU8(page, format.prefixAt) : ReadU16(page, format.prefixAt);
     std::size_t start = 0;
-    for (std::size_t bit = 0; bit < format.entryBitmapSize * 8; ++bit) {
+    for (std::size_t bit = 0; bit < std::size_t{format.entryBitmapSize} * 8; ++bit) {
         if ((ReadU8(page, format.entryBitmapAt + bit / 8) >> bit % 8 & 1) == 0) {
             continue;
         }
