@@ -13,7 +13,9 @@
 #include <set>
 #include <sstream>
 
+#include "jet/database.h"
 #include "jet/error.h"
+#include "jet/recordset.h"
 #include "support/temp_folder.h"
 
 namespace jet {
@@ -54,6 +56,35 @@ TEST(CheckFile, SoundFilesOfAnyOrigin_HaveNoErrors) {
         }
     }
     EXPECT_GT(checked, 60);
+}
+
+TEST(CheckDatabase, OpenDatabase_ShowsItsLatestChanges) {
+    for (const Version version : {Version::kJet3, Version::kJet4}) {
+        const auto files = MakeMemoryFileSystem();
+        const auto database = Database::Create("a file.mdb", version, *files);
+        EXPECT_TRUE(CheckDatabase(*database).findings.empty());
+        database->CreateTable({"Zones",
+                               {{.name = "Code", .type = ColumnType::kText, .length = 60},
+                                {.name = "Remarks", .type = ColumnType::kMemo}},
+                               {{.name = "Code", .columns = {{"Code"}}, .unique = true}}});
+        const auto rows = database->OpenTable("Zones");
+        for (std::size_t i = 0; i < 300; ++i) {
+            rows->AddNew();
+            rows->Set("Code",
+                      Value(std::u16string(i % 20, u'a') + std::u16string(1 + i / 20, u'b')));
+            rows->Set("Remarks", Value(std::u16string(i * 20, u'c')));
+            rows->Update();
+        }
+        const CheckReport report = CheckDatabase(*database);
+        EXPECT_TRUE(report.findings.empty()) << report.Text();
+        EXPECT_EQ(report.tables, 5U);
+        EXPECT_GE(report.rows, 300U);
+        // The file itself does not have the last changes yet, and is in use.
+        EXPECT_THROW((void)CheckFile("a file.mdb", *files), Error);
+        database->Close();
+        EXPECT_TRUE(CheckFile("a file.mdb", *files).findings.empty());
+        EXPECT_THROW((void)CheckDatabase(*database), Error);
+    }
 }
 
 struct Plant {

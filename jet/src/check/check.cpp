@@ -139,9 +139,11 @@ private:
             visit(row);
         });
         for (std::size_t i = 0; i < entries.size(); ++i) {
-            const auto found = TreeCheck(context_, account_, table, table.indexes[i]).Run();
-            context_.report.entries += found.size();
-            entries[i].Compare(found);
+            TreeCheck(context_, account_, table, table.indexes[i]).Run([&](const Key& entry) {
+                ++context_.report.entries;
+                entries[i].AddEntry(entry);
+            });
+            entries[i].Finish();
         }
         if (greatest > table.lastAutoNumber && !random) {
             findings_.Error({table.name, table.page, -1}, "autonumber",

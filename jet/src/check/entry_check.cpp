@@ -9,6 +9,10 @@ namespace jet {
 
 namespace {
 
+bool IsSame(Bytes left, Bytes right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end());
+}
+
 Key VariantKey(const std::vector<KeyColumn>& columns, const std::vector<const Value*>& values,
                Version version) {
     Key key;
@@ -50,7 +54,8 @@ std::string EntryCheck::Named(const std::string& sentence) const {
 }
 
 void EntryCheck::AddRow(const CheckedRow& row) {
-    Expected& expected = rows_[row.id];
+    Expected expected;
+    expected.row = row.id;
     bool allNull = !places_.empty();
     for (const std::size_t place : places_) {
         expected.comparable = expected.comparable && row.readable[place];
@@ -58,65 +63,65 @@ void EntryCheck::AddRow(const CheckedRow& row) {
         expected.hasNull = expected.hasNull || null;
         allNull = allNull && null;
     }
-    if (!expected.comparable) {
-        return;
-    }
-    expected.ignored = allNull && index_.IgnoresNulls();
-    if (expected.hasNull && index_.IsRequired()) {
-        context_.findings.Error(At(row.id), "index-null",
-                                Named("The row has a null in a column that must have a value."));
-    }
-    if (comparable_) {
-        MakeKey(row, expected);
-    }
-}
-
-void EntryCheck::MakeKey(const CheckedRow& row, Expected& expected) const {
-    std::vector<const Value*> values;
-    for (std::size_t i = 0; i < columns_.size(); ++i) {
-        values.push_back(&row.values[places_[i]]);
-        AppendKeyPart(expected.key, columns_[i], *values.back(), context_.format.version);
-    }
-    expected.variant = VariantKey(columns_, values, context_.format.version);
-    if (expected.variant == expected.key) {
-        expected.variant.clear();
-    }
-}
-
-void EntryCheck::Compare(const std::vector<Key>& entries) {
-    for (const Key& entry : entries) {
-        CompareOne(entry);
-    }
-    for (const auto& [row, expected] : rows_) {
-        if (!expected.seen && !expected.ignored && expected.comparable) {
-            context_.findings.Error(At(row), "index-missing", Named("The row has no entry."));
+    if (expected.comparable) {
+        expected.ignored = allNull && index_.IgnoresNulls();
+        if (expected.hasNull && index_.IsRequired()) {
+            context_.findings.Error(At(row.id), "index-null",
+                                    Named("The row has a null in a column that must have a "
+                                          "value."));
+        }
+        if (comparable_) {
+            MakeKey(row, expected);
         }
     }
-    if (index_.IsUnique() && comparable_) {
-        CheckUnique();
+    rows_.push_back(expected);
+}
+
+void EntryCheck::MakeKey(const CheckedRow& row, Expected& expected) {
+    std::vector<const Value*> values;
+    expected.keyAt = keys_.size();
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        values.push_back(&row.values[places_[i]]);
+        AppendKeyPart(keys_, columns_[i], *values.back(), context_.format.version);
+    }
+    expected.keySize = static_cast<std::uint32_t>(keys_.size() - expected.keyAt);
+    Key variant = VariantKey(columns_, values, context_.format.version);
+    if (!IsSame(variant, KeyOf(expected))) {
+        variants_.emplace(row.id, std::move(variant));
     }
 }
 
-void EntryCheck::CompareOne(const Key& bytes) {
+EntryCheck::Expected* EntryCheck::Find(RowId row) {
+    const auto below = [](const Expected& expected, RowId id) { return expected.row < id; };
+    if (!sorted_) {
+        std::stable_sort(rows_.begin(), rows_.end(),
+                         [](const Expected& a, const Expected& b) { return a.row < b.row; });
+        sorted_ = true;
+    }
+    const auto found = std::lower_bound(rows_.begin(), rows_.end(), row, below);
+    return found == rows_.end() || found->row != row ? nullptr : &*found;
+}
+
+void EntryCheck::AddEntry(const Key& bytes) {
     const IndexEntry entry = EntryFromBytes(bytes);
-    const auto found = rows_.find(entry.row);
-    if (found == rows_.end() || found->second.ignored) {
+    Expected* const expected = Find(entry.row);
+    if (expected == nullptr || expected->ignored) {
         context_.findings.Error(
             At(entry.row), "index-extra",
-            Named(found == rows_.end() ? "There is an entry for a row that does not exist."
-                                       : "There is an entry for a row without values."));
+            Named(expected == nullptr ? "There is an entry for a row that does not exist."
+                                      : "There is an entry for a row without values."));
         return;
     }
-    Expected& expected = found->second;
-    if (expected.seen) {
+    if (expected->seen) {
         context_.findings.Error(At(entry.row), "index-double", Named("The row has two entries."));
         return;
     }
-    expected.seen = true;
-    if (!comparable_ || !expected.comparable || entry.key == expected.key) {
+    expected->seen = true;
+    if (!comparable_ || !expected->comparable || IsSame(entry.key, KeyOf(*expected))) {
         return;
     }
-    if (entry.key == expected.variant) {
+    const auto variant = variants_.find(entry.row);
+    if (variant != variants_.end() && entry.key == variant->second) {
         context_.findings.Warning(
             At(entry.row), "index-key-variant",
             Named("The key counts letters that stand for two as another writer does."));
@@ -126,18 +131,34 @@ void EntryCheck::CompareOne(const Key& bytes) {
                             Named("The key of the entry is not that of the row."));
 }
 
-void EntryCheck::CheckUnique() const {
-    std::map<Key, RowId> keys;
-    for (const auto& [row, expected] : rows_) {
-        if (!expected.comparable || expected.hasNull || expected.ignored) {
-            continue;
+void EntryCheck::Finish() {
+    for (const Expected& expected : rows_) {
+        if (!expected.seen && !expected.ignored && expected.comparable) {
+            context_.findings.Error(At(expected.row), "index-missing",
+                                    Named("The row has no entry."));
         }
-        const auto [other, isNew] = keys.emplace(expected.key, row);
-        if (!isNew) {
-            context_.findings.Error(
-                At(row), "index-unique",
-                Named("Row " + std::to_string(other->second.slot) + " of page " +
-                      std::to_string(other->second.page.value) + " has the same key."));
+    }
+    if (index_.IsUnique() && comparable_) {
+        CheckUnique();
+    }
+}
+
+void EntryCheck::CheckUnique() {
+    std::erase_if(rows_, [](const Expected& expected) {
+        return !expected.comparable || expected.hasNull || expected.ignored;
+    });
+    const auto below = [&](const Expected& a, const Expected& b) {
+        const Bytes left = KeyOf(a);
+        const Bytes right = KeyOf(b);
+        return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end());
+    };
+    std::stable_sort(rows_.begin(), rows_.end(), below);
+    for (std::size_t i = 1; i < rows_.size(); ++i) {
+        const RowId other = rows_[i - 1].row;
+        if (IsSame(KeyOf(rows_[i - 1]), KeyOf(rows_[i]))) {
+            context_.findings.Error(At(rows_[i].row), "index-unique",
+                                    Named("Row " + std::to_string(other.slot) + " of page " +
+                                          std::to_string(other.page.value) + " has the same key."));
         }
     }
 }

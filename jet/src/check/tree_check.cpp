@@ -32,11 +32,11 @@ std::string TreeCheck::Named(const std::string& sentence) const {
     return "Index " + index_.name + ": " + sentence;
 }
 
-std::vector<Key> TreeCheck::Run() {
+void TreeCheck::Run(const Take& take) {
+    take_ = &take;
     Visit(index_.root, 0);
     CheckLeafLinks();
     CheckMap();
-    return std::move(entries_);
 }
 
 Key TreeCheck::Visit(std::uint32_t page, int depth) {
@@ -73,13 +73,17 @@ Key TreeCheck::Visit(std::uint32_t page, int depth) {
     if (node.entries.empty() && depth > 0) {
         context_.findings.Warning(At(page), "index-empty-leaf", Named("The leaf is empty."));
     }
-    if (!node.entries.empty() && !entries_.empty() && !(entries_.back() < node.entries.front())) {
+    if (!node.entries.empty() && !last_.empty() && !(last_ < node.entries.front())) {
         context_.findings.Error(At(page), "index-order",
                                 Named("The leaf begins below the end of the one before."));
     }
     leaves_.push_back({page, node.previous, node.next});
-    entries_.insert(entries_.end(), node.entries.begin(), node.entries.end());
-    return node.entries.empty() ? Key() : node.entries.back();
+    if (node.entries.empty()) {
+        return {};
+    }
+    std::for_each(node.entries.begin(), node.entries.end(), *take_);
+    last_ = node.entries.back();
+    return last_;
 }
 
 void TreeCheck::CheckOrder(const Node& node, const Spot& spot) {

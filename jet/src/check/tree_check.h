@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <set>
 #include <vector>
 
@@ -11,15 +13,18 @@
 
 namespace jet {
 
-// Walks a tree from its root, reading pages in its own lenient way, and collects the entries.
+// Walks a tree from its root, reading pages in its own lenient way, and hands the entries on.
 class TreeCheck {
 public:
+    // Takes an entry, key and row pointer.
+    using Take = std::function<void(const Key& entry)>;
+
     TreeCheck(CheckContext& context, PageAccount& account, const TableLayout& table,
               const RealIndexLayout& index);
 
-    // The entries, key and row pointer, in the order of the leaves; what is wrong with the
-    // structure is reported.
-    std::vector<Key> Run();
+    // Hands on every entry in the order of the leaves; what is wrong with the structure is
+    // reported.
+    void Run(const Take& take);
 
 private:
     struct Node {
@@ -52,7 +57,8 @@ private:
     const RealIndexLayout& index_;
     std::set<std::uint32_t> pages_;
     std::vector<Leaf> leaves_;
-    std::vector<Key> entries_;
+    const Take* take_ = nullptr;
+    Key last_;  // the entry handed on last
     int leafDepth_ = -1;
     int rootLevel_ = 0;
 };
@@ -62,22 +68,29 @@ class EntryCheck {
 public:
     EntryCheck(CheckContext& context, const TableLayout& table, const RealIndexLayout& index);
 
+    // All rows first, then all entries, then Finish.
     void AddRow(const CheckedRow& row);
-    void Compare(const std::vector<Key>& entries);
+    void AddEntry(const Key& entry);
+    void Finish();
 
 private:
+    // What a row asks for. Keys lie one after the other in keys_, as there can be very many.
     struct Expected {
-        Key key;
-        Key variant;  // as another writer would have made it; empty when it is the same
-        bool comparable = true;
-        bool ignored = false;  // all parts null in an index without such entries
-        bool hasNull = false;
-        bool seen = false;
+        RowId row;
+        std::size_t keyAt = 0;
+        std::uint32_t keySize = 0;
+        bool comparable : 1 = true;
+        bool ignored : 1 = false;  // all parts null in an index without such entries
+        bool hasNull : 1 = false;
+        bool seen : 1 = false;
     };
 
-    void MakeKey(const CheckedRow& row, Expected& expected) const;
-    void CompareOne(const Key& entry);
-    void CheckUnique() const;
+    void MakeKey(const CheckedRow& row, Expected& expected);
+    [[nodiscard]] Expected* Find(RowId row);
+    [[nodiscard]] Bytes KeyOf(const Expected& expected) const {
+        return Bytes(keys_).subspan(expected.keyAt, expected.keySize);
+    }
+    void CheckUnique();
     [[nodiscard]] Spot At(RowId row) const { return {table_.name, row.page.value, row.slot}; }
     [[nodiscard]] std::string Named(const std::string& sentence) const;
 
@@ -87,7 +100,11 @@ private:
     std::vector<KeyColumn> columns_;
     std::vector<std::size_t> places_;  // of the columns among the table's
     bool comparable_ = true;           // all columns are of supported kinds
-    std::map<RowId, Expected> rows_;
+    std::vector<Expected> rows_;
+    bool sorted_ = false;
+    Key keys_;
+    std::map<RowId, Key>
+        variants_;  // keys as another writer would have made them, where they differ
 };
 
 }  // namespace jet
