@@ -96,7 +96,7 @@ TEST(ImportCrash, KilledAtAnyInstant_FileIsSoundAndNothingToldIsMissing) {
             said += process->readAllStandardOutput();
         }
         // The log grows with every row, so its size varies the instant, not a clock.
-        const qint64 far = 2000 * (kill + 1);
+        const qint64 far = qint64{2000} * (kill + 1);
         while (QFileInfo(dataFile + QStringLiteral("-log")).size() < far &&
                !said.contains("told") && process->state() == QProcess::Running) {
             process->waitForReadyRead(1);
