@@ -1,5 +1,6 @@
 #include <QApplication>
 
+#include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
 #include "platform/system/Termination.h"
 #include "shell/LastTrap.h"
@@ -28,6 +29,7 @@ int main(int argc, char* argv[]) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(Scenery::Icon(QApplication::palette()));
     platform::InstallClipboardShortcutFilter();
+    platform::InstallImmediateMnemonics();
     LastTrap::Install();
 
     frm0_Prep frame(commandLine);

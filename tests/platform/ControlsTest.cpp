@@ -4,10 +4,12 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QPushButton>
 #include <QTest>
 #include <QWheelEvent>
 #include <QWindow>
 
+#include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
 #include "platform/controls/FLabel.h"
 #include "platform/controls/SSPanel.h"
@@ -181,6 +183,23 @@ TEST_F(ClipboardShortcutTest, MenuByKeyboard_KeepsTheSelection) {
     QFocusEvent toMenu(QEvent::FocusOut, Qt::MenuBarFocusReason);
     QApplication::sendEvent(box_, &toMenu);
     EXPECT_EQ(box_->selectedText(), "text");
+}
+
+TEST(ButtonMnemonicTest, Key_ClicksBeforeTheNextOneIsTyped) {
+    platform::InstallImmediateMnemonics();
+    QMainWindow frame;
+    auto* button = new QPushButton("&Add Item");
+    frame.setCentralWidget(button);
+    int clicks = 0;
+    QObject::connect(button, &QPushButton::clicked, button, [&clicks] { ++clicks; });
+    frame.show();
+    frame.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame));
+    QTest::keyClick(frame.windowHandle(), Qt::Key_A, Qt::AltModifier);
+    EXPECT_EQ(clicks, 1);
+    button->setEnabled(false);
+    QTest::keyClick(frame.windowHandle(), Qt::Key_A, Qt::AltModifier);
+    EXPECT_EQ(clicks, 1);
 }
 
 }  // namespace
