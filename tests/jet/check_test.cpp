@@ -232,6 +232,19 @@ TEST(CheckFile, WhatIsNoDatabase_IsRefused) {
     EXPECT_THROW((void)CheckFile(folder.Path() / "absent.mdb"), Error);
 }
 
+TEST(CheckFile, LogBesideTheFile_IsNoted) {
+    const tarn_test::TempFolder folder;
+    const auto path = folder / "a file.mdb";
+    Database::Create(path, Version::kJet4)->Close();
+    std::ofstream(folder / "a file.mdb-log") << "left by an interrupted run";
+    const CheckReport report = CheckFile(path);
+    EXPECT_TRUE(report.IsSound());
+    ASSERT_EQ(report.findings.size(), 1U);
+    EXPECT_EQ(report.findings[0].code, "log-pending");
+    const RepairReport repair = RepairFile(path, folder / "repaired.mdb");
+    EXPECT_EQ(repair.losses.size(), 1U);
+}
+
 TEST(CheckReport, Text_NamesPlaceAndCountsFindings) {
     CheckReport report;
     report.findings.push_back(

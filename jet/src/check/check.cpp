@@ -15,6 +15,7 @@
 #include "open_file.h"
 #include "page/bytes.h"
 #include "page/header.h"
+#include "page/pager_impl.h"
 
 namespace jet {
 
@@ -251,6 +252,11 @@ CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) {
     if (file->Size() / pageSize < kSmallestPageCount) {
         findings.Error({}, "file-length", "The file is shorter than an empty database.");
         return report;
+    }
+    if (files.Exists(LogPath(path))) {
+        findings.Note({}, "log-pending",
+                      "A log lies beside the file; opening the database brings in what an "
+                      "interrupted run left there. The file is checked without it.");
     }
     const FilePages pages(*file, pageSize);
     FileCheck(pages, header, report).Run();

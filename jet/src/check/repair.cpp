@@ -21,6 +21,7 @@
 #include "jet/recordset.h"
 #include "page/bytes.h"
 #include "page/header.h"
+#include "page/pager_impl.h"
 
 namespace jet {
 
@@ -431,6 +432,11 @@ RepairReport RepairFile(const std::filesystem::path& source, const std::filesyst
     try {
         RepairReport report = Repair(pages, header, *database).Run();
         database->Close();
+        if (files.Exists(LogPath(source))) {
+            report.losses.push_back(
+                "A log lies beside the file; what an interrupted run left there is not carried "
+                "over. Opening the file, where that is possible, brings it in.");
+        }
         return report;
     } catch (...) {
         database.reset();
