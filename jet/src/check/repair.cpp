@@ -13,8 +13,8 @@
 #include "catalog/properties.h"
 #include "check/catalogue_check.h"
 #include "check/lone_definitions.h"
+#include "check/requirements.h"
 #include "check/row_check.h"
-#include "check/tree_check.h"
 #include "jet/check.h"
 #include "jet/database.h"
 #include "jet/error.h"
@@ -77,62 +77,6 @@ std::string PlaceOf(const Finding& finding) {
     }
     return place + ": ";
 }
-
-// What a first look at the rows shows about the table that can take them.
-class Requirements {
-public:
-    explicit Requirements(const TableSource& source) : source_(source) {
-        keys_.resize(source.layout.indexes.size());
-        repeated_.resize(keys_.size(), false);
-        null_.resize(keys_.size(), false);
-        nullColumns_.resize(source.layout.columns.size(), false);
-    }
-
-    void AddRow(const CheckedRow& row, Version version) {
-        for (std::size_t i = 0; i < row.values.size(); ++i) {
-            nullColumns_[i] = nullColumns_[i] || row.values[i].IsNull();
-        }
-        for (std::size_t i = 0; i < keys_.size(); ++i) {
-            AddKey(i, row, version);
-        }
-    }
-
-    [[nodiscard]] bool IsRepeated(std::size_t index) const { return repeated_[index]; }
-    [[nodiscard]] bool HasNull(std::size_t index) const { return null_[index]; }
-    [[nodiscard]] bool ColumnHasNull(std::size_t column) const { return nullColumns_[column]; }
-
-private:
-    void AddKey(std::size_t i, const CheckedRow& row, Version version) {
-        const RealIndexLayout& index = source_.layout.indexes[i];
-        Key key;
-        bool anyNull = false;
-        for (const RealIndexLayout::Part& part : index.parts) {
-            const Column* column = source_.layout.FindColumn(part.column);
-            if (column == nullptr) {
-                return;
-            }
-            const Value& value =
-                row.values[static_cast<std::size_t>(column - source_.layout.columns.data())];
-            anyNull = anyNull || value.IsNull();
-            // The new file sorts by the usual rules, whatever the old one did.
-            const KeyColumn usual{column->type, part.ascending, {}};
-            if (KeyObstacle(usual, version)) {
-                return;
-            }
-            AppendKeyPart(key, usual, value, version);
-        }
-        null_[i] = null_[i] || anyNull;
-        if (index.IsUnique() && !anyNull && !keys_[i].insert(key).second) {
-            repeated_[i] = true;
-        }
-    }
-
-    const TableSource& source_;
-    std::vector<std::set<Key>> keys_;
-    std::vector<bool> repeated_;
-    std::vector<bool> null_;
-    std::vector<bool> nullColumns_;
-};
 
 class Repair {
 public:
@@ -354,7 +298,7 @@ private:
     }
 
     void CopyTable(const TableSource& source) {
-        Requirements requirements(source);
+        Requirements requirements(source.layout);
         ForEachRow(source.layout, false,
                    [&](const CheckedRow& row) { requirements.AddRow(row, header_.version); });
         try {
