@@ -84,7 +84,7 @@ public:
         : pages_(pages), header_(header), format_(FormatOf(header.version)), target_(target) {}
 
     RepairReport Run() {
-        FindFreePages();
+        LookThroughPages();
         for (const TableSource& source : FindTables()) {
             CopyTable(source);
         }
@@ -94,13 +94,19 @@ public:
 private:
     void Lose(std::string sentence) { report_.losses.push_back(std::move(sentence)); }
 
-    void FindFreePages() {
+    void LookThroughPages() {
         CheckReport aside;
         Findings silent(aside);
         CheckContext context{pages_, format_, silent, aside};
         PageAccount account(context);
         const auto free = account.ReadMap(header_.freePages, "the free pages", {});
         free_.insert(free.begin(), free.end());
+        for (std::uint32_t page = 2; page < pages_.PageCount(); ++page) {
+            const auto bytes = pages_.Read(page);
+            if (free_.count(page) == 0 && ReadU16(bytes, 0) == kDataPage) {
+                named_[ReadU32(bytes, kOwnerAt)].push_back(page);
+            }
+        }
     }
 
     std::vector<TableSource> FindTables() {
@@ -188,13 +194,10 @@ private:
 
     // Pages that name the table and are in nobody's map.
     void AddPages(RowCheck& rows, const TableLayout& table) {
-        for (std::uint32_t page = 2; page < pages_.PageCount(); ++page) {
-            const auto bytes = pages_.Read(page);
+        for (const std::uint32_t page : named_[table.page]) {
             const auto mapped = mapped_.find(page);
-            if (free_.count(page) == 0 && ReadU16(bytes, 0) == kDataPage &&
-                ReadU32(bytes, kOwnerAt) == table.page &&
-                (mapped == mapped_.end() || mapped->second == table.page ||
-                 contested_.count(page) != 0)) {
+            if (mapped == mapped_.end() || mapped->second == table.page ||
+                contested_.count(page) != 0) {
                 rows.AddPage(page);
             }
         }
@@ -352,6 +355,7 @@ private:
     const Format& format_;
     Database& target_;
     std::set<std::uint32_t> free_;
+    std::map<std::uint32_t, std::vector<std::uint32_t>> named_;  // data pages by their owners
     std::map<std::uint32_t, std::uint32_t> mapped_;  // pages to the tables whose maps have them
     std::set<std::uint32_t> contested_;              // pages in several maps
     RepairReport report_;
