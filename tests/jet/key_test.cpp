@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <map>
@@ -116,7 +117,8 @@ Value ValueOf(ColumnType type, const std::string& field) {
             return AsDecimal(bytes);
         case ColumnType::kBinary: {
             Binary binary(bytes.size());
-            std::memcpy(binary.data(), bytes.data(), bytes.size());
+            std::transform(bytes.begin(), bytes.end(), binary.begin(),
+                           [](char byte) { return static_cast<std::byte>(byte); });
             return binary;
         }
         default: {

@@ -206,7 +206,7 @@ void RandomWalk::AddResource() {
         dialog.findChild<QAbstractButton*>(QStringLiteral("cmdOK"))->click();
     });
     ClickButton("cmdAdd");
-    resources_.insert(resources_.begin() + place - 1,
+    resources_.insert(resources_.begin() + (place - 1),
                       {{name, QStringLiteral("s"), QStringLiteral("u")}, 12});
 }
 
@@ -225,8 +225,8 @@ void RandomWalk::StepInResources() {
             if (TypeOver(grid, row, 0, QString::number(place))) {
                 grid.FinishEdit();
                 const ListedResource moved = resource;
-                resources_.erase(resources_.begin() + row - 1);
-                resources_.insert(resources_.begin() + place - 1, moved);
+                resources_.erase(resources_.begin() + (row - 1));
+                resources_.insert(resources_.begin() + (place - 1), moved);
             }
             return;
         }
@@ -251,7 +251,7 @@ void RandomWalk::StepInResources() {
                 ClickCell(grid, row, 1);
                 support::Answers answers({QMessageBox::Yes});
                 ClickButton("cmdDelete");
-                resources_.erase(resources_.begin() + row - 1);
+                resources_.erase(resources_.begin() + (row - 1));
             }
     }
 }
