@@ -43,6 +43,25 @@ bool Holds(Operator comparison, int order) {
     }
 }
 
+bool IsPlainLetter(char16_t c) {
+    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
+}
+
+char16_t Raised(char16_t c) {
+    return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c;
+}
+
+// True for most texts that differ, without making their keys: each letter and digit of the Latin
+// alphabet has a weight of its own, so the first place where two of them differ decides.
+bool SurelyDiffer(std::u16string_view left, std::u16string_view right) {
+    const std::size_t common = std::min(left.size(), right.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        if (!IsPlainLetter(left[i]) || !IsPlainLetter(right[i])) return false;
+        if (Raised(left[i]) != Raised(right[i])) return true;
+    }
+    return false;
+}
+
 // One condition with its column found and its literal ready to be compared.
 class Test {
 public:
@@ -69,6 +88,7 @@ public:
         if (isText_) {
             const bool present = table_->ReadText(row, column_, current_);
             if (IsAboutNull()) return present == (comparison_ == Operator::kIsNotNull);
+            if (comparison_ == Operator::kEqual && SurelyDiffer(current_, text_)) return false;
             return present &&
                    Holds(comparison_, CompareText(current_, text_, table_->Def().version));
         }
