@@ -1,6 +1,10 @@
 # A virtual display and the player, for scripts that source this file and set `build`.
 display_pid=""
-trap 'test -z "$display_pid" || kill "$display_pid" 2>/dev/null || true' EXIT
+
+close_display() {
+    test -z "$display_pid" || kill "$display_pid" 2>/dev/null || true
+}
+trap close_display EXIT
 
 # open_display WIDTHxHEIGHTxDEPTH
 open_display() {

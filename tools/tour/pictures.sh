@@ -1,0 +1,18 @@
+#!/bin/sh
+# Takes the pictures of the help pages from the program itself, with the sample data file.
+set -eu
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(cd "$here/../.." && pwd)
+build=${TARN_BUILD:-$root/build}
+pictures=$root/help/pages/pictures
+
+. "$here/display.sh"
+work=$(mktemp -d)
+trap 'rm -rf "$work"; close_display' EXIT
+mkdir -p "$pictures"
+cp -r "$build/TARNPrep" "$work/program"
+open_display 1024x768x24
+play_script "$work/program" "$here/pictures-start.txt" "$pictures"
+sample=$(find "$work/program/Costs" -iname '*.fcd' | head -n 1)
+play_script "$work/program" "$here/pictures-worksheets.txt" "$pictures" "$sample"
+rm -f "$pictures/started"
