@@ -19,11 +19,11 @@ stage_tools() {
 
 # stage_icons FOLDER: the icon in the usual sizes, for the program and for its files.
 stage_icons() {
-    for size in 16 24 32 48 64 128 256; do
-        for name in apps/tarnprep mimetypes/application-x-tarn-prep; do
-            mkdir -p "$1/${size}x${size}/$(dirname $name)"
-            rsvg-convert -w $size -h $size "$root/packaging/icons/tarnprep.svg" \
-                -o "$1/${size}x${size}/$name.png"
+    for side in 16 24 32 48 64 128 256; do
+        for picture in apps/tarnprep mimetypes/application-x-tarn-prep; do
+            mkdir -p "$1/${side}x${side}/$(dirname $picture)"
+            rsvg-convert -w "$side" -h "$side" "$root/packaging/icons/tarnprep.svg" \
+                -o "$1/${side}x${side}/$picture.png"
         done
     done
     mkdir -p "$1/scalable/apps"

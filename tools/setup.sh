@@ -9,15 +9,16 @@ set -eu
 
 build="cmake ninja-build g++ qt6-base-dev qt6-tools-dev qt6-documentation-tools
  libqt6sql6-sqlite libgtest-dev libgmock-dev zlib1g-dev xvfb fonts-dejavu-core python3"
-test="ccache clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev mdbtools
- desktop-file-utils appstream shared-mime-info man-db librsvg2-bin"
 package="dpkg-dev fakeroot"
+test="ccache clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev mdbtools
+ desktop-file-utils appstream shared-mime-info man-db librsvg2-bin
+ at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi xdotool $package"
 bench="libbenchmark-dev libsqlite3-dev mdbtools-dev pkg-config"
 
 case "${1:-build}" in
 build) wanted="$build" ;;
 test) wanted="$build $test" ;;
-package) wanted="$build $test $package" ;;
+package) wanted="$build $test" ;;
 bench) wanted="$build $bench" ;;
 *)
     echo "usage: $0 build|test|package|bench" >&2

@@ -23,7 +23,13 @@ mkdir -p "$stage/usr/share/man/man1"
 for page in "$root"/packaging/man/*.1; do
     gzip -9n <"$page" >"$stage/usr/share/man/man1/$(basename "$page").gz"
 done
-gzip -9n <"$root/CHANGELOG.md" >"$stage/usr/share/doc/tarnprep/changelog.gz"
+gzip -9n <"$root/CHANGELOG.md" >"$stage/usr/share/doc/tarnprep/CHANGELOG.md.gz"
+released=$(sed -n 's/.*<release .*date="\([0-9-]*\)".*/\1/p' "$root/packaging/tarnprep.metainfo.xml" |
+    head -n 1)
+printf 'tarnprep (%s) unstable; urgency=medium\n\n  * %s\n\n -- %s  %s\n' "$version" \
+    "A new release; CHANGELOG.md tells what is new in it." \
+    "The TARN Prep contributors <maintainers@tarnprep.invalid>" "$(LC_ALL=C date -u -R -d "$released")" |
+    gzip -9n >"$stage/usr/share/doc/tarnprep/changelog.gz"
 printf '%s\n' "$version" >"$stage/usr/lib/tarnprep/VERSION"
 find "$stage" -type d -exec chmod 755 {} +
 find "$stage/usr/lib/tarnprep" "$stage/usr/share" -type f -exec chmod 644 {} +

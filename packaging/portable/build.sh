@@ -17,6 +17,12 @@ cp "$root/packaging/tarnprep.desktop" "$root/packaging/tarnprep-mime.xml" "$stag
 cp "$root/LICENSE" "$root/packaging/portable/README.txt" "$root/packaging/portable/install" \
     "$root/packaging/portable/uninstall" "$stage/"
 
+# A font for systems without any.
+mkdir -p "$stage/fonts"
+cp /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf \
+    /usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf "$stage/fonts/"
+cp /usr/share/doc/fonts-dejavu-core/copyright "$stage/fonts/LICENSE"
+
 # Qt's plug-ins: windows, keyboards, pictures, printing, and the database that help needs.
 plugins=$(qmake6 -query QT_INSTALL_PLUGINS)
 for plugin in platforms/libqxcb.so platforms/libqoffscreen.so platforms/libqminimal.so \
