@@ -161,6 +161,7 @@ void frm0Start::ArrangeControls() {
 void frm0Start::Form_Load() {
     u91Trace::FormLoad(QStringLiteral("frm0Start"));
     move(0, 0);
+    FitToSize();  // before anything is measured in a font that would not stay
     flbOverview_->SetCaption(kOverview);
     flbStart_->SetCaption(kInstructions);
     lblCopyright_->setText(ProgramTexts::kNoticeOfRights);

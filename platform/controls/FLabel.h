@@ -3,6 +3,9 @@
 #pragma once
 
 #include <QLabel>
+#include <optional>
+
+#include "platform/controls/WrappedText.h"
 
 class FLabel : public QLabel {
     Q_OBJECT
@@ -13,11 +16,22 @@ public:
     [[nodiscard]] QString Caption() const { return caption_; }
     void SetCaption(const QString& caption);
 
-    // The marks turned into rich text; data characters are escaped.
-    static QString ToRichText(const QString& caption);
+    // The marks turned into paragraphs.
+    static std::vector<WrappedText::Paragraph> Paragraphs(const QString& caption);
     // What a screen reader says: the text without its marks.
     static QString ToPlainText(const QString& caption);
 
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] int heightForWidth(int width) const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
 private:
+    [[nodiscard]] const WrappedText& Text() const;
+
     QString caption_;
+    mutable std::optional<WrappedText> text_;  // measured in the font when it is asked for
 };
