@@ -2,6 +2,7 @@
 
 #include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
+#include "platform/system/FontReader.h"
 #include "platform/system/Termination.h"
 #include "shell/LastTrap.h"
 #include "shell/Scenery.h"
@@ -24,6 +25,7 @@ QString CommandLine(int argc, char* argv[]) {
 int main(int argc, char* argv[]) {
     const QString commandLine = CommandLine(argc, argv);
     int programNameOnly = 1;
+    platform::FontReader fonts;
     QApplication application(programNameOnly, argv);
     // A message box may be the only window for a while; the program ends with the main frame.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -37,6 +39,7 @@ int main(int argc, char* argv[]) {
         &frame, &frm0_Prep::Unloaded, &application, [] { QApplication::exit(0); },
         Qt::QueuedConnection);
     platform::OnTermination([&frame] { frame.EndAtOnce(); });
+    fonts.Wait();
     frame.MDIForm_Load();
     return frame.IsUnloaded() ? 0 : QApplication::exec();
 }
