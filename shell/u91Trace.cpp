@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QStringList>
 
+#include <ctime>
+
 #include "platform/RuntimeError.h"
 #include "platform/system/Host.h"
 #include "platform/system/TextFile.h"
@@ -18,8 +20,16 @@ QString Date() {
     return QDate::currentDate().toString(QStringLiteral("MM/dd/yyyy"));
 }
 
+// Many lines are written in one second; its text is made once.
 QString Time() {
-    return QTime::currentTime().toString(QStringLiteral("hh:mm:ss"));
+    static std::time_t second = -1;
+    static QString text;
+    const std::time_t now = std::time(nullptr);
+    if (now != second) {
+        second = now;
+        text = QTime::currentTime().toString(QStringLiteral("hh:mm:ss"));
+    }
+    return text;
 }
 
 void Write(const QString& file, TextMode mode, const QStringList& lines) {

@@ -6,20 +6,70 @@
 
 #include "platform/RuntimeError.h"
 
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#endif
+
 namespace platform {
 namespace {
 
-[[noreturn]] void ThrowOpenFailure(const QFile& file) {
-    const QFileInfo info(file.fileName());
+[[noreturn]] void ThrowOpenFailure(const QString& path) {
+    const QFileInfo info(path);
     if (!QFileInfo::exists(info.path())) {
-        throw RuntimeError(kPathNotFound, QStringLiteral("Path not found: ") + file.fileName());
+        throw RuntimeError(kPathNotFound, QStringLiteral("Path not found: ") + path);
     }
     if (info.isDir()) {
-        throw RuntimeError(kPathAccess,
-                           QStringLiteral("Path/File access error: ") + file.fileName());
+        throw RuntimeError(kPathAccess, QStringLiteral("Path/File access error: ") + path);
     }
-    throw RuntimeError(kPermissionDenied, QStringLiteral("Permission denied: ") + file.fileName());
+    throw RuntimeError(kPermissionDenied, QStringLiteral("Permission denied: ") + path);
 }
+
+[[noreturn]] void ThrowDiskFull(const QString& path) {
+    throw RuntimeError(kDiskFull, QStringLiteral("Disk full: ") + path);
+}
+
+#ifdef Q_OS_UNIX
+
+// Three calls of the system and no more: a log is opened, written and closed for each of its lines.
+void Write(const QString& path, TextMode mode, const QByteArray& bytes) {
+    const int how = mode == TextMode::kAppend ? O_APPEND : O_TRUNC;
+    const int file =
+        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | how, 0666);
+    if (file < 0) {
+        ThrowOpenFailure(path);
+    }
+    const char* next = bytes.constData();
+    const char* const end = next + bytes.size();
+    while (next < end) {
+        const ssize_t written = ::write(file, next, static_cast<std::size_t>(end - next));
+        if (written < 0 && errno != EINTR) {
+            ::close(file);
+            ThrowDiskFull(path);
+        }
+        next += std::max<ssize_t>(written, 0);
+    }
+    ::close(file);
+}
+
+#else
+
+void Write(const QString& path, TextMode mode, const QByteArray& bytes) {
+    QFile file(path);
+    QIODevice::OpenMode openMode = QIODevice::WriteOnly | QIODevice::Unbuffered;
+    openMode |= mode == TextMode::kAppend ? QIODevice::Append : QIODevice::Truncate;
+    if (!file.open(openMode)) {
+        ThrowOpenFailure(path);
+    }
+    if (file.write(bytes) != bytes.size()) {
+        ThrowDiskFull(path);
+    }
+}
+
+#endif
 
 }  // namespace
 
@@ -28,15 +78,7 @@ void WriteLines(const QString& path, TextMode mode, const QStringList& lines) {
     for (const QString& line : lines) {
         bytes += line.toUtf8() + "\r\n";
     }
-    QFile file(path);
-    QIODevice::OpenMode openMode = QIODevice::WriteOnly | QIODevice::Unbuffered;
-    openMode |= mode == TextMode::kAppend ? QIODevice::Append : QIODevice::Truncate;
-    if (!file.open(openMode)) {
-        ThrowOpenFailure(file);
-    }
-    if (file.write(bytes) != bytes.size()) {
-        throw RuntimeError(kDiskFull, QStringLiteral("Disk full: ") + path);
-    }
+    Write(path, mode, bytes);
 }
 
 }  // namespace platform
