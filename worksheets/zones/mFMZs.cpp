@@ -4,6 +4,7 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <vector>
 
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
@@ -27,9 +28,16 @@ void LoadFMZs(QComboBox& box) {
     if (tblFMZList->RecordCount() == 0) {
         return;
     }
+    QStringList names;
+    std::vector<std::int32_t> keys;
     for (tblFMZList->MoveFirst(); !tblFMZList->EndOfFile(); tblFMZList->MoveNext()) {
-        box.addItem(tblFMZList->Text(QStringLiteral("Name")),
-                    tblFMZList->Long(QStringLiteral("Key")));
+        names += tblFMZList->Text(QStringLiteral("Name"));
+        keys.push_back(tblFMZList->Long(QStringLiteral("Key")));
+    }
+    // All at once: the box measures itself anew for each item that is added.
+    box.addItems(names);
+    for (std::size_t zone = 0; zone < keys.size(); ++zone) {
+        box.setItemData(static_cast<int>(zone), keys[zone]);
     }
 }
 
