@@ -6,6 +6,7 @@ stage_program() {
     cp -r "$out/build/TARNPrep/." "$1/"
     rm -f "$1"/*.LOG "$1"/Costs/*-log
     strip "$1/tarnprep"
+    strip --strip-unneeded "$1/libtarnhelp.so"
 }
 
 # stage_tools FOLDER

@@ -41,7 +41,8 @@ trap 'rm -rf "$work"' EXIT
 mkdir "$work/debian"
 printf 'Source: tarnprep\n\nPackage: tarnprep\nArchitecture: any\n' >"$work/debian/control"
 libraries=$(cd "$work" && dpkg-shlibdeps -O -l/nonexistent "$stage/usr/lib/tarnprep/tarnprep" \
-    "$stage/usr/bin/jetdoctor" "$stage/usr/bin/jetdump" 2>/dev/null |
+    "$stage/usr/lib/tarnprep/libtarnhelp.so" "$stage/usr/bin/jetdoctor" \
+    "$stage/usr/bin/jetdump" 2>/dev/null |
     sed -n 's/^shlibs:Depends=//p')
 
 mkdir -p "$stage/DEBIAN"

@@ -3,32 +3,45 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QPluginLoader>
 #include <QPointer>
 
+#include "platform/EventTrap.h"
 #include "platform/dialogs/MsgBox.h"
-#include "platform/help/HelpWindow.h"
+#include "platform/help/HelpLibrary.h"
+#include "platform/system/Host.h"
 
 namespace platform {
 namespace {
 
 QString helpFile;
-QPointer<HelpWindow> window;
+QPointer<HelpFrame> window;
+
+// The library with the help window, loaded when it is asked for first; null when it is not there.
+HelpLibrary* Library() {
+    static QPluginLoader loader(
+        JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("tarnhelp")));
+    return qobject_cast<HelpLibrary*>(loader.instance());
+}
 
 // Tells the user why there is no help; nothing else depends on it.
 void TellFailure() {
-    const bool exists = QFileInfo::exists(helpFile);
+    QString reason = QStringLiteral("The help file cannot be read.");
+    if (!QFileInfo::exists(helpFile)) {
+        reason = QStringLiteral("The help file cannot be found.");
+    } else if (Library() == nullptr) {
+        reason = QStringLiteral("The library for the help window cannot be loaded.");
+    }
     MsgOptions options;
     options.icon = MsgIcon::kExclamation;
-    MsgBox((exists ? QStringLiteral("The help file cannot be read.")
-                   : QStringLiteral("The help file cannot be found.")) +
-               kNewLine + QDir::toNativeSeparators(helpFile),
-           options);
+    MsgBox(reason + kNewLine + QDir::toNativeSeparators(helpFile), options);
 }
 
 // The help window, opened when it is not; a dialog that waits for its answer must not lock it.
-HelpWindow* Window() {
-    if (window == nullptr) {
-        window = HelpWindow::Open(helpFile).release();
+HelpFrame* Window() {
+    HelpLibrary* const library = Library();
+    if (window == nullptr && library != nullptr) {
+        window = library->Open(helpFile, EventTrap::Run).release();
         if (window != nullptr) {
             window->setAttribute(Qt::WA_DeleteOnClose);
         }
@@ -41,7 +54,7 @@ HelpWindow* Window() {
 }
 
 void Show(const QString& identifier) {
-    HelpWindow* shown = Window();
+    HelpFrame* shown = Window();
     if (shown == nullptr) {
         TellFailure();
         return;

@@ -1,4 +1,4 @@
-#include "platform/help/HelpWindow.h"
+#include "platform/helpwindow/HelpWindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -22,10 +22,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "platform/EventTrap.h"
-#include "platform/help/HelpBrowser.h"
-
-using platform::EventTrap::Trapped;
+#include "platform/helpwindow/HelpBrowser.h"
 
 namespace {
 
@@ -51,7 +48,7 @@ void NameParts(QWidget& owner, const QString& name) {
 
 }  // namespace
 
-std::unique_ptr<HelpWindow> HelpWindow::Open(const QString& helpFile) {
+std::unique_ptr<HelpWindow> HelpWindow::Open(const QString& helpFile, HelpLibrary::Trap trap) {
     auto folder = std::make_unique<QTemporaryDir>();
     if (!folder->isValid() || QHelpEngineCore::namespaceName(helpFile).isEmpty()) {
         return nullptr;
@@ -65,11 +62,12 @@ std::unique_ptr<HelpWindow> HelpWindow::Open(const QString& helpFile) {
     if (!engine->setupData() || engine->registeredDocumentations().isEmpty()) {
         return nullptr;
     }
-    return std::unique_ptr<HelpWindow>(new HelpWindow(std::move(folder), std::move(engine)));
+    return std::unique_ptr<HelpWindow>(new HelpWindow(std::move(folder), std::move(engine), trap));
 }
 
-HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QHelpEngine> engine)
-    : folder_(std::move(folder)), engine_(std::move(engine)) {
+HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QHelpEngine> engine,
+                       HelpLibrary::Trap trap)
+    : folder_(std::move(folder)), engine_(std::move(engine)), trap_(trap) {
     setObjectName(QStringLiteral("frmHelp"));
     setWindowTitle(tr("TARN Prep Help"));
     setAccessibleName(windowTitle());

@@ -1,4 +1,4 @@
-#include "platform/help/HelpBrowser.h"
+#include "platform/helpwindow/HelpBrowser.h"
 
 #include <QDesktopServices>
 #include <QEvent>

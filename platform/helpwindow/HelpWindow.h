@@ -2,32 +2,42 @@
 #pragma once
 
 #include <QHelpLink>
-#include <QMainWindow>
 #include <QTemporaryDir>
 #include <memory>
+#include <utility>
+
+#include "platform/help/HelpLibrary.h"
 
 class HelpBrowser;
 class QAction;
 class QHelpEngine;
 class QToolBar;
 
-class HelpWindow : public QMainWindow {
+class HelpWindow : public HelpFrame {
     Q_OBJECT
 
 public:
     // A window on this file, or nothing when it cannot be read.
-    static std::unique_ptr<HelpWindow> Open(const QString& helpFile);
+    static std::unique_ptr<HelpWindow> Open(const QString& helpFile, HelpLibrary::Trap trap);
     ~HelpWindow() override;
 
-    // The page that carries this identifier. False when none does.
-    bool ShowIdentifier(const QString& identifier);
-    void ShowContents();
+    bool ShowIdentifier(const QString& identifier) override;
+    void ShowContents() override;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QHelpEngine> engine);
+    HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QHelpEngine> engine,
+               HelpLibrary::Trap trap);
+
+    // For connect(): runs `body` with the signal's arguments under the program's trap.
+    template <typename Body>
+    auto Trapped(const char* handler, Body body) {
+        return [trap = trap_, handler, body = std::move(body)](auto&&... arguments) mutable {
+            trap(handler, [&] { body(std::forward<decltype(arguments)>(arguments)...); });
+        };
+    }
 
     void MakeTools();
     QAction* AddTool(QToolBar& bar, const char* name, const QString& text, const QIcon& icon);
@@ -39,5 +49,6 @@ private:
     // The engine keeps its working files here; they go with the window.
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<QHelpEngine> engine_;
+    HelpLibrary::Trap trap_;
     HelpBrowser* browser_ = nullptr;
 };
