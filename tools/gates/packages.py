@@ -14,7 +14,7 @@ from pathlib import Path
 import tree
 
 PACKAGING = tree.ROOT / "packaging"
-PROGRAM_FILES = ["tarnprep", "FCD.new", "fcdname.dat", "TARNPlus.hlp", "Costs"]
+PROGRAM_FILES = ["tarnprep", "libtarnhelp.so", "FCD.new", "fcdname.dat", "TARNPlus.hlp", "Costs"]
 PORTABLE_FILES = PROGRAM_FILES + [
     "jetdoctor", "jetdump", "install", "uninstall", "qt.conf", "lib/libQt6Core.so.6",
     "lib/libQt6Help.so.6", "lib/libxcb-icccm.so.4", "lib/libxkbcommon-x11.so.0",
@@ -53,7 +53,8 @@ def portable(folder, out):
     program = place / "TARNPrep-0.0.0"
     for name in PORTABLE_FILES:
         require((program / name).exists(), f"the portable archive lacks {name}")
-    missing = run("ldd", program / "tarnprep", LD_LIBRARY_PATH="").stdout
+    missing = "".join(run("ldd", program / part, LD_LIBRARY_PATH="").stdout
+                      for part in ["tarnprep", "libtarnhelp.so"])
     require("not found" not in missing, "the portable program finds all libraries")
     outside = [line for line in missing.splitlines()
                if "libQt6" in line and str(program) not in line]
@@ -105,7 +106,7 @@ class Launcher:
         self.pattern = folder / "pattern"
         (self.pattern / "Costs").mkdir(parents=True)
         (self.pattern / "Costs/Sample.fcd").write_text("sample")
-        for name in ["FCD.new", "fcdname.dat", "TARNPlus.hlp"]:
+        for name in ["libtarnhelp.so", "FCD.new", "fcdname.dat", "TARNPlus.hlp"]:
             (self.pattern / name).write_text(name)
         self.release("1")
         self.script = folder / "launcher"
