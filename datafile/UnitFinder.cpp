@@ -2,9 +2,10 @@
 
 #include <utility>
 
+#include "datafile/FieldNames.h"
+
 namespace {
 
-const QString kPrimaryKey = QStringLiteral("PrimaryKey");
 const QString kUnitID = QStringLiteral("UnitID");
 const QString kUnitName = QStringLiteral("UnitName");
 const QString kState = QStringLiteral("State");
@@ -17,7 +18,7 @@ public:
     }
     ~IndexScope() {
         try {
-            records_.SetIndex(kPrimaryKey);
+            records_.SetIndex(FieldNames::kPrimaryKey);
         } catch (const platform::RuntimeError&) {
             return;  // the search itself has met the same failure and reports it
         }
@@ -49,10 +50,10 @@ void UnitFinder::Open(const QString& path) {
     databaseOpen_ = true;
     properties_ = database_->OpenTable(QStringLiteral("Properties"));
     propertiesOpen_ = true;
-    properties_->SetIndex(kPrimaryKey);
+    properties_->SetIndex(FieldNames::kPrimaryKey);
     units_ = database_->OpenTable(QStringLiteral("Units"));
     unitsOpen_ = true;
-    units_->SetIndex(kPrimaryKey);
+    units_->SetIndex(FieldNames::kPrimaryKey);
 }
 
 void UnitFinder::Close() {

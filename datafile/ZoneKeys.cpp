@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 
@@ -15,14 +16,6 @@ using PrepDatatables::tblSuppressionPerAcreCost;
 namespace ZoneKeys {
 
 namespace {
-
-const QString kKey = QStringLiteral("Key");
-const QString kName = QStringLiteral("Name");
-const QString kRLCount = QStringLiteral("RLCount");
-const QString kFMZKey = QStringLiteral("FMZKey");
-const QString kSequence = QStringLiteral("Sequence");
-const QString kFMZRLKey = QStringLiteral("FMZRLKey");
-const QString kResourceNumber = QStringLiteral("ResourceNumber");
 
 constexpr std::int32_t kLocationsPerKey = 100;
 
@@ -58,8 +51,8 @@ private:
 
 void AddCostRow(std::int32_t zoneKey, int sequence) {
     tblSuppressionPerAcreCost->AddNew();
-    tblSuppressionPerAcreCost->SetField(kFMZKey, zoneKey);
-    tblSuppressionPerAcreCost->SetField(kSequence, sequence);
+    tblSuppressionPerAcreCost->SetField(FieldNames::kFMZKey, zoneKey);
+    tblSuppressionPerAcreCost->SetField(FieldNames::kSequence, sequence);
     tblSuppressionPerAcreCost->Update();
 }
 
@@ -77,8 +70,8 @@ bool HasValueRow(std::int32_t key, int resource) {
 
 void AddValueRow(std::int32_t key, int resource) {
     tblNVCPerAcre->AddNew();
-    tblNVCPerAcre->SetField(kFMZRLKey, key);
-    tblNVCPerAcre->SetField(kResourceNumber, resource);
+    tblNVCPerAcre->SetField(FieldNames::kFMZRLKey, key);
+    tblNVCPerAcre->SetField(FieldNames::kResourceNumber, resource);
     tblNVCPerAcre->Update();
 }
 
@@ -90,7 +83,7 @@ void DeleteValueRow(std::int32_t key, int resource) {
 
 void DeleteZone(std::int32_t zoneKey, const QString& name) {
     tblFMZList->Seek("=", {zoneKey});
-    if (!tblFMZList->NoMatch() && tblFMZList->Text(kName) == name) {
+    if (!tblFMZList->NoMatch() && tblFMZList->Text(FieldNames::kName) == name) {
         tblFMZList->Delete();
     }
 }
@@ -98,7 +91,7 @@ void DeleteZone(std::int32_t zoneKey, const QString& name) {
 // The number of locations of a zone, or -1 when there is no such zone.
 std::int32_t LocationsOf(std::int32_t zoneKey) {
     tblFMZList->Seek("=", {zoneKey});
-    return tblFMZList->NoMatch() ? -1 : FieldReaders::LongField(*tblFMZList, kRLCount);
+    return tblFMZList->NoMatch() ? -1 : FieldReaders::LongField(*tblFMZList, FieldNames::kRLCount);
 }
 
 // Whether another zone owns the rows at this location's key: the zone whose key they spell, or one
@@ -163,11 +156,11 @@ std::int32_t FMZRLKey(std::int32_t zoneKey, std::int32_t location) {
 std::int32_t AddZone(const QString& name, std::int32_t locations) {
     Undo undo;
     tblFMZList->AddNew();
-    tblFMZList->SetField(kName, name);
-    tblFMZList->SetField(kRLCount, locations);
+    tblFMZList->SetField(FieldNames::kName, name);
+    tblFMZList->SetField(FieldNames::kRLCount, locations);
     tblFMZList->Update();
     tblFMZList->MoveLast();
-    const std::int32_t zoneKey = tblFMZList->Long(kKey);
+    const std::int32_t zoneKey = tblFMZList->Long(FieldNames::kKey);
     undo.Add([zoneKey, name] { DeleteZone(zoneKey, name); });
     AddNineCostRows(zoneKey, undo);
     for (std::int32_t location = 1; location <= locations; ++location) {

@@ -1,18 +1,16 @@
 #include "datafile/u14libProperties.h"
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 
 namespace u14libProperties {
 
 namespace {
 
-const QString kProperty = QStringLiteral("Property");
-const QString kValue = QStringLiteral("Value");
-
 void Add(dao::Recordset& properties, const QString& name, const QString& value) {
     properties.AddNew();
-    properties.SetField(kProperty, name);
-    properties.SetField(kValue, value);
+    properties.SetField(FieldNames::kProperty, name);
+    properties.SetField(FieldNames::kValue, value);
     properties.Update();
 }
 
@@ -20,7 +18,7 @@ void Add(dao::Recordset& properties, const QString& name, const QString& value) 
 
 QString Read(dao::Recordset& properties, const QString& name) {
     properties.Seek("=", {name});
-    return FieldReaders::TextField(properties, kValue);
+    return FieldReaders::TextField(properties, FieldNames::kValue);
 }
 
 QString ReadWithDefault(dao::Recordset& properties, const QString& name,
@@ -30,7 +28,7 @@ QString ReadWithDefault(dao::Recordset& properties, const QString& name,
         Add(properties, name, defaultValue);
         properties.Seek("=", {name});
     }
-    return FieldReaders::TextField(properties, kValue);
+    return FieldReaders::TextField(properties, FieldNames::kValue);
 }
 
 void Write(dao::Recordset& properties, const QString& name, const QString& value) {
@@ -39,11 +37,11 @@ void Write(dao::Recordset& properties, const QString& name, const QString& value
         Add(properties, name, value);
         return;
     }
-    if (properties.Text(kValue) == value) {
+    if (properties.Text(FieldNames::kValue) == value) {
         return;
     }
     properties.Edit();
-    properties.SetField(kValue, value);
+    properties.SetField(FieldNames::kValue, value);
     properties.Update();
 }
 

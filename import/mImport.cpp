@@ -5,6 +5,7 @@
 #include <array>
 #include <memory>
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/ZoneKeys.h"
@@ -22,11 +23,6 @@ namespace mImport {
 
 namespace {
 
-const QString kFMZKey = QStringLiteral("FMZKey");
-const QString kSequence = QStringLiteral("Sequence");
-const QString kRLCount = QStringLiteral("RLCount");
-const QString kCost = QStringLiteral("Cost");
-const QString kTopSize = QStringLiteral("TopSize");
 const QString kUpAcres = QStringLiteral("UpAcres");
 
 std::int16_t importResult = 0;
@@ -73,8 +69,8 @@ void BRAM_Close() {
 
 void BeginCostRow(std::int32_t zoneKey, int sequence) {
     tblSuppressionPerAcreCost->AddNew();
-    tblSuppressionPerAcreCost->SetField(kFMZKey, zoneKey);
-    tblSuppressionPerAcreCost->SetField(kSequence, sequence);
+    tblSuppressionPerAcreCost->SetField(FieldNames::kFMZKey, zoneKey);
+    tblSuppressionPerAcreCost->SetField(FieldNames::kSequence, sequence);
 }
 
 void BRAM_CopyAAC(const QString& code, std::int32_t zoneKey) {
@@ -83,8 +79,8 @@ void BRAM_CopyAAC(const QString& code, std::int32_t zoneKey) {
     while (!costs->EndOfFile() && count < ZoneKeys::kCostClasses) {
         ++count;
         BeginCostRow(zoneKey, count);
-        tblSuppressionPerAcreCost->SetField(kTopSize, costs->Field(kUpAcres));
-        tblSuppressionPerAcreCost->SetField(kCost, costs->Field(kCost));
+        tblSuppressionPerAcreCost->SetField(FieldNames::kTopSize, costs->Field(kUpAcres));
+        tblSuppressionPerAcreCost->SetField(FieldNames::kCost, costs->Field(FieldNames::kCost));
         tblSuppressionPerAcreCost->Update();
         costs->MoveNext();
     }
@@ -97,15 +93,13 @@ void BRAM_CopyAAC(const QString& code, std::int32_t zoneKey) {
 
 void AddValueRow(std::int32_t key, int resource,
                  const std::array<float, ZoneKeys::kFilLevels>& values) {
-    static const QString kFMZRLKey = QStringLiteral("FMZRLKey");
-    static const QString kResourceNumber = QStringLiteral("ResourceNumber");
     static const std::array<QString, ZoneKeys::kFilLevels> kLevels{
         QStringLiteral("FIL1"), QStringLiteral("FIL2"), QStringLiteral("FIL3"),
         QStringLiteral("FIL4"), QStringLiteral("FIL5"), QStringLiteral("FIL6")};
     dao::Recordset& rows = *tblNVCPerAcre;
     rows.AddNew();
-    rows.SetField(kFMZRLKey, key);
-    rows.SetField(kResourceNumber, resource);
+    rows.SetField(FieldNames::kFMZRLKey, key);
+    rows.SetField(FieldNames::kResourceNumber, resource);
     for (std::size_t level = 0; level < kLevels.size(); ++level) {
         rows.SetField(kLevels[level], values[level]);
     }
@@ -144,15 +138,15 @@ void BRAM_CopyNVC(const QString& code, std::int32_t location, std::int32_t zoneK
 
 void CopyZone(dao::Recordset& zones) {
     const QString code = FieldReaders::TextField(zones, QStringLiteral("FMZCode"));
-    const std::int32_t locations = FieldReaders::LongField(zones, kRLCount);
+    const std::int32_t locations = FieldReaders::LongField(zones, FieldNames::kRLCount);
     tblFMZList->AddNew();
     tblFMZList->SetField(
-        QStringLiteral("Name"),
+        FieldNames::kName,
         code + QStringLiteral("-") + FieldReaders::TextField(zones, QStringLiteral("Describe")));
-    tblFMZList->SetField(kRLCount, locations);
+    tblFMZList->SetField(FieldNames::kRLCount, locations);
     tblFMZList->Update();
     tblFMZList->MoveLast();
-    const std::int32_t zoneKey = tblFMZList->Long(QStringLiteral("Key"));
+    const std::int32_t zoneKey = tblFMZList->Long(FieldNames::kKey);
     u91Trace::Procedure(QStringLiteral(" Copy FMZ ") + code + QStringLiteral(" with ") +
                         QString::number(locations) + QStringLiteral(" RLs to ") +
                         QString::number(zoneKey));

@@ -1,21 +1,15 @@
 #include "worksheets/cost/c35AACTable.h"
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
+#include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
 #include "shell/u91Trace.h"
-#include "worksheets/FirstError.h"
 
 using PrepDatatables::tblSuppressionPerAcreCost;
 using ZoneKeys::kCostClasses;
-
-namespace {
-
-const QString kTopSize = QStringLiteral("TopSize");
-const QString kCost = QStringLiteral("Cost");
-
-}  // namespace
 
 std::size_t c35AACTable::Position(int index) {
     if (index < 1 || index > kCostClasses) {
@@ -72,16 +66,16 @@ void c35AACTable::Initialize(std::int32_t zoneKey) {
     for (int index = 1; index <= kCostClasses; ++index) {
         tblSuppressionPerAcreCost->Seek("=", {zoneKey, index});
         classes_[Position(index)] = {
-            FieldReaders::SingleField(*tblSuppressionPerAcreCost, kTopSize),
-            FieldReaders::SingleField(*tblSuppressionPerAcreCost, kCost)};
+            FieldReaders::SingleField(*tblSuppressionPerAcreCost, FieldNames::kTopSize),
+            FieldReaders::SingleField(*tblSuppressionPerAcreCost, FieldNames::kCost)};
     }
 }
 
 void c35AACTable::SaveRow(int index) const {
     tblSuppressionPerAcreCost->Seek("=", {zoneKey_, index});
     tblSuppressionPerAcreCost->Edit();
-    tblSuppressionPerAcreCost->SetField(kTopSize, TopSize(index));
-    tblSuppressionPerAcreCost->SetField(kCost, Cost(index));
+    tblSuppressionPerAcreCost->SetField(FieldNames::kTopSize, TopSize(index));
+    tblSuppressionPerAcreCost->SetField(FieldNames::kCost, Cost(index));
     tblSuppressionPerAcreCost->Update();
 }
 
@@ -90,7 +84,7 @@ void c35AACTable::SaveChanges() {
     if (!changed_) {
         return;
     }
-    FirstError refused;
+    platform::FirstError refused;
     for (int index = 1; index <= kCostClasses; ++index) {
         refused.Try([&] { SaveRow(index); });
     }

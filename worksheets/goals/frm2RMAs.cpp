@@ -8,6 +8,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/EventTrap.h"
@@ -25,9 +26,6 @@ namespace {
 
 constexpr int kHeadingLength = 100;
 constexpr int kHelpContextId = 20;
-const QString kKey = QStringLiteral("Key");
-const QString kManagementArea = QStringLiteral("ManagementArea");
-const QString kExplanation = QStringLiteral("Explanation");
 
 void Trace(const QString& text) {
     u91Trace::Procedure(text);
@@ -135,7 +133,8 @@ void frm2RMAs::LoadList() {
     }
     for (tblManagementGoals->MoveFirst(); !tblManagementGoals->EndOfFile();
          tblManagementGoals->MoveNext()) {
-        AddEntry(tblManagementGoals->Text(kManagementArea), tblManagementGoals->Long(kKey));
+        AddEntry(tblManagementGoals->Text(FieldNames::kManagementArea),
+                 tblManagementGoals->Long(FieldNames::kKey));
     }
 }
 
@@ -148,8 +147,8 @@ void frm2RMAs::ShowItem() {
     Trace(QStringLiteral("frm2RMAs.ShowItem"));
     const BusyScope busy;
     tblManagementGoals->Seek("=", {currentKey_});
-    txtHeading_->setText(FieldReaders::TextField(*tblManagementGoals, kManagementArea));
-    storedBody_ = FieldReaders::TextField(*tblManagementGoals, kExplanation);
+    txtHeading_->setText(FieldReaders::TextField(*tblManagementGoals, FieldNames::kManagementArea));
+    storedBody_ = FieldReaders::TextField(*tblManagementGoals, FieldNames::kExplanation);
     txtBody_->setPlainText(storedBody_);
     changed_ = false;
     bodyChanged_ = false;
@@ -213,8 +212,8 @@ void frm2RMAs::Update() {
     }
     tblManagementGoals->Seek("=", {currentKey_});
     tblManagementGoals->Edit();
-    tblManagementGoals->SetField(kManagementArea, txtHeading_->text());
-    tblManagementGoals->SetField(kExplanation, storedBody_);
+    tblManagementGoals->SetField(FieldNames::kManagementArea, txtHeading_->text());
+    tblManagementGoals->SetField(FieldNames::kExplanation, storedBody_);
     tblManagementGoals->Update();
     changed_ = false;
 }
@@ -223,13 +222,13 @@ void frm2RMAs::cmdAdd_Click() {
     Trace(QStringLiteral("cmdAdd_Click"));
     Update();
     tblManagementGoals->AddNew();
-    tblManagementGoals->SetField(kManagementArea, QString(QLatin1String("")));
-    tblManagementGoals->SetField(kExplanation, QString(QLatin1String("")));
+    tblManagementGoals->SetField(FieldNames::kManagementArea, QString(QLatin1String("")));
+    tblManagementGoals->SetField(FieldNames::kExplanation, QString(QLatin1String("")));
     tblManagementGoals->Update();
     tblManagementGoals->MoveLast();
     {
         const QSignalBlocker blocker(lstRMAs_);
-        AddEntry(QString(), tblManagementGoals->Long(kKey));
+        AddEntry(QString(), tblManagementGoals->Long(FieldNames::kKey));
     }
     lstRMAs_->setCurrentRow(lstRMAs_->count() - 1);
     cmdDelete_->setEnabled(true);

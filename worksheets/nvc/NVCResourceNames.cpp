@@ -1,5 +1,6 @@
 #include "worksheets/nvc/NVCResourceNames.h"
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
@@ -7,8 +8,6 @@
 using PrepDatatables::tblNVCResources;
 
 namespace {
-
-const QString kResourceName = QStringLiteral("ResourceName");
 
 std::size_t Position(int resource) {
     if (resource < 1 || resource > ZoneKeys::kResources) {
@@ -23,8 +22,8 @@ std::size_t Position(int resource) {
 void NVCResourceNames::Load() {
     for (int resource = 1; resource <= ZoneKeys::kResources; ++resource) {
         tblNVCResources->Seek("=", {resource});
-        entries_[Position(resource)] = {FieldReaders::TextField(*tblNVCResources, kResourceName),
-                                        false};
+        entries_[Position(resource)] = {
+            FieldReaders::TextField(*tblNVCResources, FieldNames::kResourceName), false};
     }
 }
 
@@ -47,7 +46,7 @@ void NVCResourceNames::Save() {
         }
         tblNVCResources->Seek("=", {resource});
         tblNVCResources->Edit();
-        tblNVCResources->SetField(kResourceName, entry.name);
+        tblNVCResources->SetField(FieldNames::kResourceName, entry.name);
         tblNVCResources->Update();
         entry.changed = false;
     }

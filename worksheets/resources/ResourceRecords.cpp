@@ -1,5 +1,6 @@
 #include "worksheets/resources/ResourceRecords.h"
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 
@@ -10,28 +11,20 @@ using PrepDatatables::tblSRMasterList;
 
 namespace {
 
-const QString kKey = QStringLiteral("Key");
-const QString kSequence = QStringLiteral("Sequence");
-const QString kLongName = QStringLiteral("LongName");
-const QString kShortName = QStringLiteral("ShortName");
-const QString kUnits = QStringLiteral("Units");
-const QString kUnitType = QStringLiteral("UnitType");
-const QString kCost = QStringLiteral("Cost");
-
 // Compares the current record, stopping at the first difference.
 bool Differs(const Resource& resource) {
-    return LongField(*tblSRMasterList, kSequence) != resource.sequence ||
-           TextField(*tblSRMasterList, kLongName) != resource.longName ||
-           TextField(*tblSRMasterList, kShortName) != resource.shortName ||
-           TextField(*tblSRMasterList, kUnits) != resource.units ||
-           SingleField(*tblSRMasterList, kCost) != resource.cost;
+    return LongField(*tblSRMasterList, FieldNames::kSequence) != resource.sequence ||
+           TextField(*tblSRMasterList, FieldNames::kLongName) != resource.longName ||
+           TextField(*tblSRMasterList, FieldNames::kShortName) != resource.shortName ||
+           TextField(*tblSRMasterList, FieldNames::kUnits) != resource.units ||
+           SingleField(*tblSRMasterList, FieldNames::kCost) != resource.cost;
 }
 
 void SetTextsAndCost(const Resource& resource) {
-    tblSRMasterList->SetField(kLongName, resource.longName);
-    tblSRMasterList->SetField(kShortName, resource.shortName);
-    tblSRMasterList->SetField(kUnits, resource.units);
-    tblSRMasterList->SetField(kCost, resource.cost);
+    tblSRMasterList->SetField(FieldNames::kLongName, resource.longName);
+    tblSRMasterList->SetField(FieldNames::kShortName, resource.shortName);
+    tblSRMasterList->SetField(FieldNames::kUnits, resource.units);
+    tblSRMasterList->SetField(FieldNames::kCost, resource.cost);
 }
 
 }  // namespace
@@ -41,10 +34,10 @@ namespace ResourceRecords {
 std::int32_t Add(const Resource& resource, const QString& unitType) {
     tblSRMasterList->AddNew();
     SetTextsAndCost(resource);
-    tblSRMasterList->SetField(kUnitType, unitType);
+    tblSRMasterList->SetField(FieldNames::kUnitType, unitType);
     tblSRMasterList->Update();
     tblSRMasterList->MoveLast();
-    return tblSRMasterList->Long(kKey);
+    return tblSRMasterList->Long(FieldNames::kKey);
 }
 
 bool Save(const Resource& resource) {
@@ -53,7 +46,7 @@ bool Save(const Resource& resource) {
         return false;
     }
     tblSRMasterList->Edit();
-    tblSRMasterList->SetField(kSequence, resource.sequence);
+    tblSRMasterList->SetField(FieldNames::kSequence, resource.sequence);
     SetTextsAndCost(resource);
     tblSRMasterList->Update();
     return true;

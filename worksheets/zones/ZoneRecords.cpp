@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/ZoneKeys.h"
@@ -14,9 +15,6 @@
 using PrepDatatables::tblFMZList;
 
 namespace {
-
-const QString kName = QStringLiteral("Name");
-const QString kLocations = QStringLiteral("RLCount");
 
 QString Translate(const char* text) {
     return QCoreApplication::translate("ZoneRecords", text);
@@ -64,8 +62,8 @@ std::int32_t Change(std::int32_t zoneKey, const QString& name, std::int32_t loca
     if (tblFMZList->NoMatch()) {
         tblFMZList->Edit();  // no current record: refused before any row is added
     }
-    const std::int32_t stored = FieldReaders::LongField(*tblFMZList, kLocations);
-    const bool renamed = FieldReaders::TextField(*tblFMZList, kName) != name;
+    const std::int32_t stored = FieldReaders::LongField(*tblFMZList, FieldNames::kRLCount);
+    const bool renamed = FieldReaders::TextField(*tblFMZList, FieldNames::kName) != name;
     if (locations < stored || (locations < 1 && locations != stored)) {
         WarnSmaller(name);
         locations = std::max(locations, 1);
@@ -76,8 +74,8 @@ std::int32_t Change(std::int32_t zoneKey, const QString& name, std::int32_t loca
     }
     if (renamed || locations != stored) {
         tblFMZList->Edit();
-        tblFMZList->SetField(kName, name);
-        tblFMZList->SetField(kLocations, locations);
+        tblFMZList->SetField(FieldNames::kName, name);
+        tblFMZList->SetField(FieldNames::kRLCount, locations);
         tblFMZList->Update();
     }
     return locations;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "shell/u91Trace.h"
@@ -31,8 +32,8 @@ void LoadFMZs(QComboBox& box) {
     QStringList names;
     std::vector<std::int32_t> keys;
     for (tblFMZList->MoveFirst(); !tblFMZList->EndOfFile(); tblFMZList->MoveNext()) {
-        names += tblFMZList->Text(QStringLiteral("Name"));
-        keys.push_back(tblFMZList->Long(QStringLiteral("Key")));
+        names += tblFMZList->Text(FieldNames::kName);
+        keys.push_back(tblFMZList->Long(FieldNames::kKey));
     }
     // All at once: the box measures itself anew for each item that is added.
     box.addItems(names);
@@ -45,7 +46,7 @@ void LoadRepLocs(QComboBox& box, std::int32_t zoneKey) {
     u91Trace::Procedure(QStringLiteral("LoadRepLocs"));
     const QSignalBlocker blocker(box);
     tblFMZList->Seek("=", {zoneKey});
-    const std::int32_t stored = FieldReaders::LongField(*tblFMZList, QStringLiteral("RLCount"));
+    const std::int32_t stored = FieldReaders::LongField(*tblFMZList, FieldNames::kRLCount);
     box.clear();
     const std::int32_t locations = std::min(stored, kMostLocations);
     for (std::int32_t location = 1; location <= locations; ++location) {
