@@ -1,9 +1,9 @@
 #include "datafile/PrepDatafile.h"
 
 #include <algorithm>
-#include <array>
 
 #include "datafile/DatafileHost.h"
+#include "datafile/FieldNames.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/PrepProperties.h"
 #include "datafile/frmFCDName.h"
@@ -23,7 +23,6 @@ namespace {
 
 const QString kDataFormatID = QStringLiteral("DataFormatID");
 const QString kCurrentFormat = QStringLiteral("4.01.01");
-const QString kPrimaryKey = QStringLiteral("PrimaryKey");
 
 DatafileHost* theHost = nullptr;
 bool fileIsOpen = false;
@@ -46,25 +45,21 @@ Format FormatOf(const QString& formatID) {
 void StoreFormat() {
     tblProperties->Seek("=", {kDataFormatID});
     tblProperties->Edit();
-    tblProperties->SetField(QStringLiteral("Value"), kCurrentFormat);
+    tblProperties->SetField(FieldNames::kValue, kCurrentFormat);
     tblProperties->Update();
 }
 
 // An older file is changed when it is opened, so what OpenRecordsets will need is looked for first:
 // a file that is going to be refused must not be changed before.
 void RequireTables(Format format) {
-    static constexpr std::array<const char*, 6> kNames{"FMZList",      "SuppressionPerAcreCost",
-                                                       "SRMasterList", "NVCResources",
-                                                       "NVCPerAcre",   "ManagementGoals"};
-    for (const char* name : kNames) {
-        const QString table = QString::fromLatin1(name);
+    for (const QString& table : PrepDatatables::TableNames()) {
         const bool mayBeMissing =
             format == Format::kWithoutGoals && table == QStringLiteral("ManagementGoals");
         if (mayBeMissing && !dbDatafile->HasTable(table)) {
             continue;
         }
         const auto records = dbDatafile->OpenTable(table);
-        records->SetIndex(kPrimaryKey);
+        records->SetIndex(FieldNames::kPrimaryKey);
         records->Close();
     }
 }
@@ -247,7 +242,7 @@ bool OpenDatatables(const QString& fileName) {
         dbDatafile = dao::Database::Open(fileName, dao::OpenMode::kExclusive);
         WarnOfRecovery();
         tblProperties.Open(*dbDatafile, "Properties");
-        tblProperties->SetIndex(kPrimaryKey);
+        tblProperties->SetIndex(FieldNames::kPrimaryKey);
         if (!AcceptFormat()) {
             PrepDatatables::CloseAll();
             platform::MsgBox(
@@ -275,15 +270,14 @@ bool OpenDatatables(const QString& fileName) {
 void Convert3to4() {
     u91Trace::Procedure(QStringLiteral("PrepDatafile.Convert3to4"));
     const QString goals = QStringLiteral("ManagementGoals");
-    const QString key = QStringLiteral("Key");
     // A conversion that was cut off between its two steps has added the table already.
     if (!dbDatafile->HasTable(goals)) {
         dao::TableDefinition table;
         table.name = goals;
-        table.fields = {{key, dao::FieldType::kLong, 0, true},
-                        {QStringLiteral("ManagementArea"), dao::FieldType::kText, 100},
-                        {QStringLiteral("Explanation"), dao::FieldType::kMemo}};
-        table.indexes = {{kPrimaryKey, {key}, true, true}};
+        table.fields = {{FieldNames::kKey, dao::FieldType::kLong, 0, true},
+                        {FieldNames::kManagementArea, dao::FieldType::kText, 100},
+                        {FieldNames::kExplanation, dao::FieldType::kMemo}};
+        table.indexes = {{FieldNames::kPrimaryKey, {FieldNames::kKey}, true, true}};
         dbDatafile->AppendTable(table);
     }
     StoreFormat();

@@ -1,10 +1,11 @@
 #include "datafile/PrepDatatables.h"
 
 #include <array>
-#include <exception>
 #include <utility>
 
+#include "datafile/FieldNames.h"
 #include "datafile/PrepDatafile.h"
+#include "platform/FirstError.h"
 #include "shell/u91Trace.h"
 
 namespace PrepDatatables {
@@ -35,29 +36,6 @@ const std::array<NamedTable, 6> kTables{{
     {&tblNVCPerAcre, "NVCPerAcre"},
 }};
 
-// Runs every step even when one fails; the first error is thrown at the end.
-class EveryStep {
-public:
-    template <typename Step>
-    void Run(Step step) {
-        try {
-            step();
-        } catch (...) {
-            if (!first_) {
-                first_ = std::current_exception();
-            }
-        }
-    }
-    void Rethrow() const {
-        if (first_) {
-            std::rethrow_exception(first_);
-        }
-    }
-
-private:
-    std::exception_ptr first_;
-};
-
 }  // namespace
 
 dao::Recordset* Table::operator->() const {
@@ -82,6 +60,14 @@ void Table::Close() {
     }
 }
 
+QStringList TableNames() {
+    QStringList names;
+    for (const NamedTable& named : kTables) {
+        names << QString::fromLatin1(named.name);
+    }
+    return names;
+}
+
 bool OpenRecordsets() {
     u91Trace::Procedure(QStringLiteral("OpenRecordsets"));
     if (!dbDatafile) {
@@ -93,7 +79,7 @@ bool OpenRecordsets() {
             table->Open(*dbDatafile, name);
         }
         for (const auto& [table, name] : kTables) {
-            (*table)->SetIndex(QStringLiteral("PrimaryKey"));
+            (*table)->SetIndex(FieldNames::kPrimaryKey);
         }
         return true;
     } catch (const platform::RuntimeError&) {
@@ -103,19 +89,19 @@ bool OpenRecordsets() {
 }
 
 void CloseDatafile() {
-    EveryStep steps;
-    steps.Run([] { u91Trace::Procedure(QStringLiteral("PrepDatafile.CloseDatafile")); });
-    steps.Run(CloseAll);
+    platform::FirstError steps;
+    steps.Try([] { u91Trace::Procedure(QStringLiteral("PrepDatafile.CloseDatafile")); });
+    steps.Try(CloseAll);
     steps.Rethrow();
 }
 
 void CloseAll() {
-    EveryStep close;
-    close.Run([] { tblProperties.Close(); });
+    platform::FirstError close;
+    close.Try([] { tblProperties.Close(); });
     for (const NamedTable& named : kTables) {
-        close.Run([&named] { named.table->Close(); });
+        close.Try([&named] { named.table->Close(); });
     }
-    close.Run([] {
+    close.Try([] {
         if (const auto database = std::move(dbDatafile)) {
             database->Close();
         }

@@ -2,6 +2,8 @@
 // Worksheets and the import use these and open none of their own on the data file.
 #pragma once
 
+#include <QStringList>
+
 #include <memory>
 
 #include "platform/dao/Database.h"
@@ -31,6 +33,8 @@ extern Table tblSRMasterList;
 extern Table tblNVCResources;
 extern Table tblNVCPerAcre;
 
+// The tables other than Properties, which OpenRecordsets opens.
+QStringList TableNames();
 // Opens the six tables other than Properties and sets their indexes. On an error it is told like a
 // file that cannot be opened, everything is closed again and the result is false.
 bool OpenRecordsets();

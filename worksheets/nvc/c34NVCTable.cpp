@@ -2,9 +2,9 @@
 
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
+#include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
-#include "worksheets/FirstError.h"
 #include "worksheets/nvc/RoundSignificant.h"
 
 using PrepDatatables::tblNVCPerAcre;
@@ -71,7 +71,7 @@ void c34NVCTable::SaveChanges() {
     if (!changed_) {
         return;
     }
-    FirstError refused;
+    platform::FirstError refused;
     for (int resource = 1; resource <= kResources; ++resource) {
         refused.Try([&] { SaveRow(resource); });
     }

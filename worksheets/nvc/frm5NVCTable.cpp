@@ -6,13 +6,13 @@
 #include <QVBoxLayout>
 
 #include "platform/EventTrap.h"
+#include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/text/Numbers.h"
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
-#include "worksheets/FirstError.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/nvc/ColumnTotals.h"
 #include "worksheets/nvc/NVCTotals.h"
@@ -169,7 +169,7 @@ void frm5NVCTable::SetupGrid() {
 void frm5NVCTable::SaveChanges() {
     Trace(QStringLiteral("frm5NVCTable.SaveChanges"));
     grdNVC_->FinishEdit();
-    FirstError refused;
+    platform::FirstError refused;
     refused.Try([this] { names_.Save(); });
     if (table_) {
         refused.Try([this] { table_->SaveChanges(); });

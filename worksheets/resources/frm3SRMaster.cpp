@@ -9,16 +9,17 @@
 #include <algorithm>
 #include <array>
 
+#include "datafile/FieldNames.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/EventTrap.h"
+#include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/text/Numbers.h"
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
 #include "shell/u92Utilities.h"
-#include "worksheets/FirstError.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/resources/ResourceColumns.h"
 #include "worksheets/resources/ResourceRecords.h"
@@ -46,9 +47,9 @@ QString CellText(const char* field) {
 }
 
 QString CostText() {
-    return tblSRMasterList->IsNull(QStringLiteral("Cost"))
+    return tblSRMasterList->IsNull(FieldNames::kCost)
                ? QString()
-               : platform::Str(tblSRMasterList->Single(QStringLiteral("Cost")));
+               : platform::Str(tblSRMasterList->Single(FieldNames::kCost));
 }
 
 }  // namespace
@@ -180,10 +181,10 @@ void frm3SRMaster::LoadGrid() {
         grdMasterList_->SetRows(row);
     } catch (...) {
         // All later look-ups seek by key.
-        tblSRMasterList->SetIndex(QStringLiteral("PrimaryKey"));
+        tblSRMasterList->SetIndex(FieldNames::kPrimaryKey);
         throw;
     }
-    tblSRMasterList->SetIndex(QStringLiteral("PrimaryKey"));
+    tblSRMasterList->SetIndex(FieldNames::kPrimaryKey);
 }
 
 void frm3SRMaster::LoadRow(int row) {
@@ -300,7 +301,7 @@ void frm3SRMaster::SaveChanges() {
 void frm3SRMaster::UpdateTable() {
     Trace(QStringLiteral("UpdateTable"));
     grdMasterList_->FinishEdit();
-    FirstError refused;
+    platform::FirstError refused;
     for (int row = 1; row < grdMasterList_->Rows(); ++row) {
         refused.Try([&] { SaveRow(row); });
     }
@@ -320,14 +321,14 @@ void frm3SRMaster::SaveRow(int row) {
 }
 
 void frm3SRMaster::Save() {
-    FirstError refused;
+    platform::FirstError refused;
     refused.Try([this] { SaveChanges(); });
     refused.Try([this] { UpdateTable(); });
     refused.Rethrow();
 }
 
 void frm3SRMaster::Unload() {
-    FirstError refused;
+    platform::FirstError refused;
     if (PrepDatafile::IsDatafileOpen()) {
         refused.Try([this] { UpdateTable(); });
     }

@@ -8,15 +8,16 @@
 
 #include <algorithm>
 
+#include "datafile/FieldNames.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
 #include "import/ImportProgressBox.h"
 #include "import/mImport.h"
 #include "platform/EventTrap.h"
+#include "platform/FirstError.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/text/Numbers.h"
 #include "shell/u91Trace.h"
-#include "worksheets/FirstError.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/zones/ZoneRecords.h"
 
@@ -110,10 +111,10 @@ void frm4FMZs::FMZ_LoadGrid() {
     int row = 1;
     for (tblFMZList->MoveFirst(); !tblFMZList->EndOfFile() && row <= records;
          tblFMZList->MoveNext(), ++row) {
-        grdFMZs_->SetTextMatrix(row, kName, tblFMZList->Text(QStringLiteral("Name")));
+        grdFMZs_->SetTextMatrix(row, kName, tblFMZList->Text(FieldNames::kName));
         grdFMZs_->SetTextMatrix(row, kLocations,
-                                platform::Str(tblFMZList->Long(QStringLiteral("RLCount"))));
-        grdFMZs_->SetRowData(row, tblFMZList->Long(QStringLiteral("Key")));
+                                platform::Str(tblFMZList->Long(FieldNames::kRLCount)));
+        grdFMZs_->SetRowData(row, tblFMZList->Long(FieldNames::kKey));
     }
     grdFMZs_->SetRows(row);
 }
@@ -121,7 +122,7 @@ void frm4FMZs::FMZ_LoadGrid() {
 void frm4FMZs::FMZ_Update() {
     Trace(QStringLiteral("FMZ_Update"));
     grdFMZs_->FinishEdit();
-    FirstError refused;
+    platform::FirstError refused;
     for (int row = 1; row < grdFMZs_->Rows(); ++row) {
         refused.Try([&] {
             if (grdFMZs_->RowData(row) != 0) {
@@ -185,7 +186,7 @@ void frm4FMZs::grdFMZs_BeforeEdit(int col) {
 }
 
 void frm4FMZs::Unload() {
-    FirstError refused;
+    platform::FirstError refused;
     if (PrepDatafile::IsDatafileOpen()) {
         refused.Try([this] { FMZ_Update(); });
     }

@@ -1,9 +1,9 @@
-// Saves several things although one of them is refused: the rest is not lost for it.
+// Takes several steps although one of them fails: the others are not lost for it.
 #pragma once
 
 #include <exception>
 
-#include "platform/RuntimeError.h"
+namespace platform {
 
 class FirstError {
 public:
@@ -12,7 +12,7 @@ public:
     void Try(Step step) {
         try {
             step();
-        } catch (const platform::RuntimeError&) {
+        } catch (...) {
             error_ = error_ ? error_ : std::current_exception();
         }
     }
@@ -26,3 +26,5 @@ public:
 private:
     std::exception_ptr error_;
 };
+
+}  // namespace platform
