@@ -97,7 +97,7 @@ void SetWorksheetID(const QString& id) {
 
 void DisplayWorksheet(std::int16_t index) {
     u91Trace::Procedure(QStringLiteral("DisplayWorksheet %1").arg(index));
-    if (index < 1 || index > 6) {
+    if (index < 1 || index > kWorksheets) {
         return;
     }
     SetUpForm(index);

@@ -77,7 +77,7 @@ void frm0_Prep::BuildMenus() {
     const QStringList captions{tr("&Introduction"),          tr("&Management Goals"),
                                tr("&Suppression Resources"), tr("Fire Management &Zones"),
                                tr("&NVC Table (Impacts)"),   tr("Suppression Cost per &Acre")};
-    for (std::int16_t step = 1; step <= 6; ++step) {
+    for (std::int16_t step = 1; step <= a3PrepForms::kWorksheets; ++step) {
         QAction* item = AddItem(worksheet, ItemName("mnuStep", step), captions[step - 1],
                                 {"frm0_Prep.mnuStep_Click", &frm0_Prep::mnuStep_Click}, step);
         item->setCheckable(true);

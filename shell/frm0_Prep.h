@@ -12,6 +12,8 @@
 #include <map>
 #include <memory>
 
+#include "shell/a3PrepForms.h"
+
 class frm0Start;
 class frmTabs;
 
@@ -98,7 +100,7 @@ private:
     QString commandLine_;
     QWidget* clientArea_;
     std::map<int, QMenu*> mnuTop_;
-    std::array<QAction*, 6> mnuStep_{};
+    std::array<QAction*, a3PrepForms::kWorksheets> mnuStep_{};
     std::unique_ptr<frm0Start> startScreen_;
     std::unique_ptr<frmTabs> tabs_;
     QPointer<QWidget> lastControl_;  // the control of a form that had the keyboard last
