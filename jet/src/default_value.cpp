@@ -50,7 +50,7 @@ std::optional<Value> Literal(std::u16string_view text) {
         return plain ? std::optional<Value>(*plain) : std::nullopt;
     }
     if (const auto word = Word(text)) return Value(*word);
-    return Value(Value(text).AsDouble());
+    return Value(Value(std::u16string(text)).AsDouble());
 }
 
 }  // namespace

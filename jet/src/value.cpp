@@ -136,12 +136,12 @@ struct ToText {
 }  // namespace
 
 bool Value::AsBoolean() const {
-    if (const bool* value = std::get_if<bool>(&storage_)) return *value;
+    if (const bool* value = std::get_if<bool>(&Get())) return *value;
     return AsDouble() != 0;
 }
 
 std::int32_t Value::AsLong() const {
-    if (const std::int32_t* value = std::get_if<std::int32_t>(&storage_)) return *value;
+    if (const std::int32_t* value = std::get_if<std::int32_t>(&Get())) return *value;
     const double number = RoundHalfToEven(AsDouble());
     // Written so that a number that is not one fails too.
     if (!(number >= std::numeric_limits<std::int32_t>::min() &&
@@ -152,7 +152,7 @@ std::int32_t Value::AsLong() const {
 }
 
 float Value::AsSingle() const {
-    if (const float* value = std::get_if<float>(&storage_)) return *value;
+    if (const float* value = std::get_if<float>(&Get())) return *value;
     const double number = AsDouble();
     const auto single = static_cast<float>(number);
     if (std::isinf(single) && !std::isinf(number)) TooLarge();
@@ -160,11 +160,11 @@ float Value::AsSingle() const {
 }
 
 double Value::AsDouble() const {
-    return std::visit(ToDouble{}, storage_);
+    return std::visit(ToDouble{}, Get());
 }
 
 std::u16string Value::AsText() const {
-    return std::visit(ToText{}, storage_);
+    return std::visit(ToText{}, Get());
 }
 
 }  // namespace jet

@@ -39,39 +39,30 @@ struct Decimal {
 
 using Binary = std::vector<std::byte>;
 
-class Value {
-public:
-    using Storage = std::variant<std::monostate, bool, std::int32_t, Currency, float, double, Date,
-                                 std::u16string, Binary, Guid, Decimal>;
+// The types that a value can have; the first is null.
+using ValueStorage = std::variant<std::monostate, bool, std::int32_t, Currency, float, double, Date,
+                                  std::u16string, Binary, Guid, Decimal>;
 
+class Value : private ValueStorage {
+public:
+    using Storage = ValueStorage;
+
+    // A value is made of whatever stands where one is expected: any of its types, or what becomes
+    // one of them without losing anything.
+    using Storage::Storage;
     Value() = default;
-    // A variant that holds text must not be copied as a whole: when memory runs out on the way,
-    // some libraries leave it in a state that they cannot destroy.
-    Value(const Value& other) { *this = other; }
-    Value& operator=(const Value& other) {
-        std::visit([this](const auto& held) { storage_ = held; }, other.storage_);
-        return *this;
-    }
     Value(Value&&) noexcept = default;
     Value& operator=(Value&&) noexcept = default;
+    // A variant that holds text must not be copied as a whole: when memory runs out on the way,
+    // some libraries leave it in a state that they cannot destroy.
+    Value(const Value& other) : Storage() { *this = other; }
+    Value& operator=(const Value& other) {
+        std::visit([this](const auto& held) { Storage::operator=(held); }, other.Get());
+        return *this;
+    }
     ~Value() = default;
-    // A value is made of whatever stands where one is expected.
-    // NOLINTBEGIN(google-explicit-constructor)
-    Value(bool value) : storage_(value) {}
-    Value(std::int32_t value) : storage_(value) {}
-    Value(Currency value) : storage_(value) {}
-    Value(float value) : storage_(value) {}
-    Value(double value) : storage_(value) {}
-    Value(Date value) : storage_(value) {}
-    Value(std::u16string value) : storage_(std::move(value)) {}
-    Value(std::u16string_view value) : storage_(std::u16string(value)) {}
-    Value(const char16_t* value) : storage_(std::u16string(value)) {}
-    Value(Binary value) : storage_(std::move(value)) {}
-    Value(Guid value) : storage_(value) {}
-    Value(Decimal value) : storage_(value) {}
-    // NOLINTEND(google-explicit-constructor)
 
-    [[nodiscard]] bool IsNull() const { return std::holds_alternative<std::monostate>(storage_); }
+    [[nodiscard]] bool IsNull() const { return std::holds_alternative<std::monostate>(Get()); }
 
     // The value as another type. A null, a text that is no number and a number outside the range
     // throw kTypeMismatch or kOverflow; numbers of other types are converted, halves to even.
@@ -82,11 +73,8 @@ public:
     // Numbers become their shortest decimal text.
     [[nodiscard]] std::u16string AsText() const;
 
-    [[nodiscard]] const Storage& Get() const { return storage_; }
+    [[nodiscard]] const Storage& Get() const { return *this; }
     bool operator==(const Value&) const = default;
-
-private:
-    Storage storage_;
 };
 
 }  // namespace jet

@@ -203,7 +203,7 @@ SystemRow ObjectRow(const Table& objects, std::uint32_t id, std::uint32_t parent
     SystemRow row(objects);
     row.Set(u"Id", static_cast<std::int32_t>(id))
         .Set(u"ParentId", static_cast<std::int32_t>(parent))
-        .Set(u"Name", name)
+        .Set(u"Name", std::u16string(name))
         .Set(u"Type", std::int32_t{static_cast<std::int16_t>(type)})
         .Set(u"DateCreate", now)
         .Set(u"DateUpdate", now)
