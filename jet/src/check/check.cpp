@@ -233,16 +233,7 @@ private:
 }  // namespace
 
 CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) {
-    const auto file = files.Open(path, OpenMode::kReadOnly);
-    if (!file->TryLock(false)) {
-        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
-    }
-    std::vector<std::byte> head(kHeaderPrefix);
-    if (file->Size() < head.size()) {
-        throw Error(ErrorKind::kNotADatabase, "The file is not a database.");
-    }
-    file->Read(0, head);
-    const FileHeader header = ReadFileHeader(head);
+    const auto [file, header] = OpenForInspection(path, files);
     const std::uint32_t pageSize = FormatOf(header.version).pageSize;
     CheckReport report;
     Findings findings(report);

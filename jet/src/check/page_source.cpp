@@ -3,8 +3,23 @@
 #include <string>
 
 #include "check/findings.h"
+#include "jet/error.h"
 
 namespace jet {
+
+InspectedFile OpenForInspection(const std::filesystem::path& path, FileSystem& files) {
+    InspectedFile opened{files.Open(path, OpenMode::kReadOnly), {}};
+    if (!opened.file->TryLock(false)) {
+        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
+    }
+    std::vector<std::byte> head(kHeaderPrefix);
+    if (opened.file->Size() < head.size()) {
+        throw Error(ErrorKind::kNotADatabase, "The file is not a database.");
+    }
+    opened.file->Read(0, head);
+    opened.header = ReadFileHeader(head);
+    return opened;
+}
 
 std::vector<std::byte> PageSource::Read(std::uint32_t page) const {
     if (page >= PageCount()) {

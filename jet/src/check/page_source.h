@@ -6,10 +6,20 @@
 #include <vector>
 
 #include "jet/file.h"
+#include "page/header.h"
 #include "page/pager.h"
 #include "page/types.h"
 
 namespace jet {
+
+// A file that is only looked at, whatever state it is in, and nobody else may change meanwhile.
+struct InspectedFile {
+    std::unique_ptr<File> file;
+    FileHeader header;
+};
+
+// Throws kFileInUse, kNotADatabase and whatever else reading the header throws.
+InspectedFile OpenForInspection(const std::filesystem::path& path, FileSystem& files);
 
 class PageSource {
 public:

@@ -365,16 +365,7 @@ private:
 
 RepairReport RepairFile(const std::filesystem::path& source, const std::filesystem::path& target,
                         FileSystem& files) {
-    const auto file = files.Open(source, OpenMode::kReadOnly);
-    if (!file->TryLock(false)) {
-        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
-    }
-    std::vector<std::byte> head(kHeaderPrefix);
-    if (file->Size() < head.size()) {
-        throw Error(ErrorKind::kNotADatabase, "The file is not a database.");
-    }
-    file->Read(0, head);
-    const FileHeader header = ReadFileHeader(head);
+    const auto [file, header] = OpenForInspection(source, files);
     const FilePages pages(*file, FormatOf(header.version).pageSize);
     auto database = Database::Create(target, header.version, files);
     try {

@@ -61,8 +61,7 @@ private:
     std::uint32_t variableCount_ = 0;
     std::uint32_t maskAt_ = 0;
     std::uint32_t fixedEnd_ = 0;
-    std::uint32_t tableAt_ =
-        0;  // Jet 3: of the low byte of eod's mirror, entry 0; Jet 4: of entry 0
+    std::uint32_t tableAt_ = 0;  // of the first variable value's offset
     std::uint32_t jumpCount_ = 0;
     std::uint32_t jumpAt_ = 0;  // the first jump byte lies here, the others before it
 };
