@@ -205,34 +205,29 @@ TEST_F(LifeTest, Convert3to4_AddsGoalsWithCounterTextMemoAndKey) {
     tblManagementGoals->CancelUpdate();
 }
 
+// A database of that format that has none of a data file's tables but the first.
+void MakePartialFile(const support::ProgramFolder& folder, const QString& path,
+                     const QString& format) {
+    support::Copy(folder.Path(QStringLiteral("fcdname.dat")), path);
+    const auto units = dao::Database::Open(path, dao::OpenMode::kExclusive);
+    const auto properties = units->OpenTable(QStringLiteral("Properties"));
+    properties->AddNew();
+    properties->SetField(QStringLiteral("Property"), QStringLiteral("DataFormatID"));
+    properties->SetField(QStringLiteral("Value"), format);
+    properties->Update();
+    units->Close();
+}
+
 // A file that opening would have changed before it found a table missing.
 TEST_F(LifeTest, OpenDatatables_OlderFileWithoutATable_IsRefusedUntouched) {
     const QString path = folder_.CostsPath(QStringLiteral("partial.fcd"));
-    support::Copy(folder_.Path(QStringLiteral("fcdname.dat")), path);
-    {
-        const auto units = dao::Database::Open(path, dao::OpenMode::kExclusive);
-        const auto properties = units->OpenTable(QStringLiteral("Properties"));
-        properties->AddNew();
-        properties->SetField(QStringLiteral("Property"), QStringLiteral("DataFormatID"));
-        properties->SetField(QStringLiteral("Value"), QStringLiteral("4.00.00"));
-        properties->Update();
-        units->Close();
-    }
+    MakePartialFile(folder_, path, QStringLiteral("4.00.00"));
     ExpectRefused(path, kNotPrepFile);
 }
 
 TEST_F(LifeTest, OpenRecordsets_TableMissing_IsToldAndCloses) {
     const QString path = folder_.CostsPath(QStringLiteral("partial.fcd"));
-    support::Copy(folder_.Path(QStringLiteral("fcdname.dat")), path);
-    {
-        const auto units = dao::Database::Open(path, dao::OpenMode::kExclusive);
-        const auto properties = units->OpenTable(QStringLiteral("Properties"));
-        properties->AddNew();
-        properties->SetField(QStringLiteral("Property"), QStringLiteral("DataFormatID"));
-        properties->SetField(QStringLiteral("Value"), QStringLiteral("4.01.01"));
-        properties->Update();
-        units->Close();
-    }
+    MakePartialFile(folder_, path, QStringLiteral("4.01.01"));
     ExpectRefused(path, kNotPrepFile);
 }
 

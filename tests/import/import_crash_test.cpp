@@ -2,27 +2,19 @@
 // each time, what was there before is there still, and no row of it is half done.
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QProcess>
-#include <QProcessEnvironment>
 
-#include <cstdio>
 #include <memory>
 
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
-#include "import/mImport.h"
 #include "jet/check.h"
 #include "jet/database.h"
 #include "jet/recordset.h"
-#include "support/Answers.h"
 #include "support/BuiltProgramFolder.h"
 #include "support/Corpus.h"
 
 namespace {
-
-constexpr char kDataFile[] = "TARN_CRASH_DATA";
-constexpr char kSource[] = "TARN_CRASH_SOURCE";
 
 int Kills() {
     bool set = false;
@@ -47,32 +39,10 @@ Rows Count(const QString& path) {
             .recovered = database->OpeningRecovery().operations};
 }
 
-// Started as a process of its own by the test below. Tells each import once it is durable.
-TEST(ImportCrash, DISABLED_ImportsUntilKilled) {
-    const support::ProgramFolder folder;
-    const QString source = qEnvironmentVariable(kSource);
-    ASSERT_TRUE(PrepDatafile::OpenDatatables(qEnvironmentVariable(kDataFile)));
-    ASSERT_TRUE(PrepDatatables::OpenRecordsets());
-    for (;;) {
-        std::puts("begin");
-        std::fflush(stdout);
-        mImport::CopyFMZsFrom(source);
-        PrepDatafile::MakeDurable();
-        std::puts("told");
-        std::fflush(stdout);
-    }
-}
-
 // A process that imports without end.
 std::unique_ptr<QProcess> StartImporting(const QString& dataFile, const QString& source) {
     auto process = std::make_unique<QProcess>();
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QString::fromLatin1(kDataFile), dataFile);
-    environment.insert(QString::fromLatin1(kSource), source);
-    process->setProcessEnvironment(environment);
-    process->start(QCoreApplication::applicationFilePath(),
-                   {QStringLiteral("--gtest_also_run_disabled_tests"),
-                    QStringLiteral("--gtest_filter=ImportCrash.DISABLED_ImportsUntilKilled")});
+    process->start(QStringLiteral(TARN_BUILD "/bin/import_for_ever"), {dataFile, source});
     return process;
 }
 

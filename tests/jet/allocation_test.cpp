@@ -19,27 +19,14 @@ namespace {
 
 constexpr char kFile[] = "a file.mdb";
 
-ColumnSchema Column(const std::string& name, ColumnType type, int length = 0) {
-    ColumnSchema column;
-    column.name = name;
-    column.type = type;
-    column.length = length;
-    return column;
-}
-
 TableSchema Schema(const std::string& name) {
     TableSchema schema;
     schema.name = name;
-    schema.columns = {Column("ID", ColumnType::kLong), Column("Name", ColumnType::kText, 40),
-                      Column("Remarks", ColumnType::kMemo)};
-    IndexSchema primary;
-    primary.name = "PrimaryKey";
-    primary.columns = {{.name = "ID"}};
-    primary.primary = true;
-    IndexSchema byName;
-    byName.name = "Name";
-    byName.columns = {{.name = "Name"}};
-    schema.indexes = {primary, byName};
+    schema.columns = {{.name = "ID", .type = ColumnType::kLong},
+                      {.name = "Name", .type = ColumnType::kText, .length = 40},
+                      {.name = "Remarks", .type = ColumnType::kMemo}};
+    schema.indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
+                      {.name = "Name", .columns = {{"Name"}}}};
     return schema;
 }
 

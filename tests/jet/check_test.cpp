@@ -6,8 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <random>
 #include <set>
@@ -16,31 +14,18 @@
 #include "jet/database.h"
 #include "jet/error.h"
 #include "jet/recordset.h"
+#include "support/jet_files.h"
 #include "support/temp_folder.h"
 
 namespace jet {
 namespace {
 
-const std::filesystem::path kShared = TARN_SOURCE "/../shared";
+using tarn_test::Quoted;
 
-std::vector<std::filesystem::path> CorpusFiles() {
-    std::vector<std::filesystem::path> files;
-    for (const char* folder : {"corpus", "corpus/made"}) {
-        if (!std::filesystem::exists(kShared / folder)) {
-            continue;
-        }
-        for (const auto& entry : std::filesystem::directory_iterator(kShared / folder)) {
-            const auto extension = entry.path().extension();
-            if (extension == ".mdb" || extension == ".fcd" || extension == ".dat") {
-                files.push_back(entry.path());
-            }
-        }
-    }
-    return files;
-}
+const std::filesystem::path kShared = tarn_test::SharedFolder();
 
 TEST(CheckFile, SoundFilesOfAnyOrigin_HaveNoErrors) {
-    const auto files = CorpusFiles();
+    const auto files = tarn_test::CorpusFiles();
     if (files.empty()) {
         GTEST_SKIP() << "no sample files beside the source";
     }
@@ -87,28 +72,11 @@ TEST(CheckDatabase, OpenDatabase_ShowsItsLatestChanges) {
     }
 }
 
-struct Plant {
-    int status = -1;
-    std::string answer;
-};
-
 // Has the named damage planted in a copy; status 3 says that the file has no place for it.
-Plant PlantDamage(const std::filesystem::path& from, const std::string& kind,
-                  const std::filesystem::path& to) {
-    const std::string command = "python3 '" + (kShared / "tools/jetcheck.py").string() +
-                                "' plant '" + from.string() + "' " + kind + " '" + to.string() +
-                                "' --seed 3 2>/dev/null";
-    Plant plant;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return plant;
-    }
-    std::array<char, 256> part{};
-    while (std::fgets(part.data(), static_cast<int>(part.size()), pipe) != nullptr) {
-        plant.answer += part.data();
-    }
-    plant.status = pclose(pipe) >> 8;
-    return plant;
+tarn_test::CommandResult PlantDamage(const std::filesystem::path& from, const std::string& kind,
+                                     const std::filesystem::path& to) {
+    return tarn_test::RunCommand(tarn_test::Judge() + " plant " + Quoted(from) + " " + kind + " " +
+                                 Quoted(to) + " --seed 3");
 }
 
 // The codes of which the check should name at least one.
@@ -168,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, PlantedDamage, ::testing::ValuesIn(DamageKinds()
                          });
 
 TEST_P(PlantedDamage, IsFoundByName) {
-    if (!std::filesystem::exists(kShared / "tools/jetcheck.py")) {
+    if (tarn_test::Judge().empty()) {
         GTEST_SKIP() << "the planting program is not beside the source";
     }
     const tarn_test::TempFolder folder;
@@ -176,19 +144,19 @@ TEST_P(PlantedDamage, IsFoundByName) {
     for (const char* name : {"jackcess-test2V1997.mdb", "jackcess-indexTestV2003.mdb",
                              "jackcess-testIndexCodesV1997.mdb"}) {
         const auto copy = folder.Path() / name;
-        const Plant plant = PlantDamage(kShared / "corpus" / name, GetParam(), copy);
+        const auto plant = PlantDamage(kShared / "corpus" / name, GetParam(), copy);
         if (plant.status == 3) {
             continue;
         }
-        ASSERT_EQ(plant.status, 0) << plant.answer;
+        ASSERT_EQ(plant.status, 0) << plant.output;
         ++planted;
         const CheckReport report = CheckFile(copy);
-        const std::set<std::string> expected = ExpectedCodes(plant.answer);
+        const std::set<std::string> expected = ExpectedCodes(plant.output);
         ASSERT_FALSE(expected.empty());
         EXPECT_TRUE(
             std::any_of(report.findings.begin(), report.findings.end(),
                         [&](const Finding& finding) { return expected.count(finding.code) != 0; }))
-            << name << ": " << plant.answer << report.Text();
+            << name << ": " << plant.output << report.Text();
     }
     EXPECT_GT(planted, 0);
 }

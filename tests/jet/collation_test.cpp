@@ -4,12 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <set>
 #include <string>
 
 #include "index/key.h"
 #include "record/code_page.h"
+#include "tab_separated.h"
 
 namespace jet {
 namespace {
@@ -21,32 +21,17 @@ Key Legacy(std::u16string_view text) {
 }
 
 Key FromHex(const std::string& hex) {
-    Key bytes;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
-        bytes.push_back(static_cast<std::byte>(std::stoul(hex.substr(i, 2), nullptr, 16)));
-    }
-    return bytes;
+    return tarn_test::FromHex<Key>(hex);
 }
 
-std::vector<std::string> Fields(const std::string& line) {
-    std::vector<std::string> fields(1);
-    for (const char c : line) {
-        if (c == '\t') {
-            fields.emplace_back();
-        } else {
-            fields.back() += c;
-        }
-    }
-    fields.resize(5);
-    return fields;
+std::vector<tarn_test::TextFields> Weights() {
+    return tarn_test::ReadTabSeparated(JET_DATA_FOLDER "/general_legacy.tsv", 5);
 }
 
 TEST(Collation, GeneralLegacy_HasTheWeightsOfItsTable) {
-    std::ifstream file(JET_DATA_FOLDER "/general_legacy.tsv");
     int lines = 0;
-    for (std::string line; std::getline(file, line);) {
-        const auto fields = Fields(line);
-        if (line[0] == '#' || fields[0] == "0020") {
+    for (const auto& fields : Weights()) {
+        if (fields[0] == "0020") {
             continue;  // a blank alone is removed
         }
         ++lines;
@@ -60,18 +45,16 @@ TEST(Collation, GeneralLegacy_HasTheWeightsOfItsTable) {
             continue;
         }
         const auto unit = static_cast<char16_t>(std::stoul(fields[0], nullptr, 16));
-        ASSERT_EQ(Legacy(std::u16string(1, unit)), FromHex(fields[2] + "01" + tail + "00")) << line;
+        ASSERT_EQ(Legacy(std::u16string(1, unit)), FromHex(fields[2] + "01" + tail + "00"))
+            << fields[0];
     }
     EXPECT_EQ(lines, 44306);
 }
 
 TEST(Collation, GeneralLegacy_IgnoresUnitsWithoutALine) {
-    std::ifstream file(JET_DATA_FOLDER "/general_legacy.tsv");
     std::set<unsigned> known;
-    for (std::string line; std::getline(file, line);) {
-        if (line[0] != '#') {
-            known.insert(static_cast<unsigned>(std::stoul(line.substr(0, 4), nullptr, 16)));
-        }
+    for (const auto& fields : Weights()) {
+        known.insert(static_cast<unsigned>(std::stoul(fields[0], nullptr, 16)));
     }
     for (unsigned unit = 0; unit < 0x10000; ++unit) {
         if (known.count(unit) == 0 && (unit < 0xD800 || unit > 0xDFFF)) {

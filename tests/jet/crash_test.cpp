@@ -13,41 +13,28 @@
 #include "jet/error.h"
 #include "jet/recordset.h"
 #include "support/fault_file_system.h"
+#include "support/fault_runs.h"
 
 namespace jet {
 namespace {
 
 using tarn_test::Fault;
 using tarn_test::FaultFileSystem;
+using tarn_test::Progress;
 using Rows = std::vector<std::u16string>;
 using Change = std::function<void(Database&)>;
 
 constexpr char kFile[] = "a file.mdb";
 
-ColumnSchema Column(const std::string& name, ColumnType type, int length = 0) {
-    ColumnSchema column;
-    column.name = name;
-    column.type = type;
-    column.length = length;
-    return column;
-}
-
-IndexSchema Index(const std::string& name, const std::string& column) {
-    IndexSchema index;
-    index.name = name;
-    index.columns = {{.name = column}};
-    index.unique = true;
-    return index;
-}
-
 TableSchema PeopleSchema(const std::string& name) {
     TableSchema schema;
     schema.name = name;
-    schema.columns = {Column("ID", ColumnType::kLong), Column("Name", ColumnType::kText, 40),
-                      Column("Remarks", ColumnType::kMemo), Column("Size", ColumnType::kSingle)};
-    schema.columns[0].autoNumber = true;
-    schema.indexes = {Index("PrimaryKey", "ID"), Index("Name", "Name")};
-    schema.indexes[0].primary = true;
+    schema.columns = {{.name = "ID", .type = ColumnType::kLong, .autoNumber = true},
+                      {.name = "Name", .type = ColumnType::kText, .length = 40},
+                      {.name = "Remarks", .type = ColumnType::kMemo},
+                      {.name = "Size", .type = ColumnType::kSingle}};
+    schema.indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true, .unique = true},
+                      {.name = "Name", .columns = {{"Name"}}, .unique = true}};
     return schema;
 }
 
@@ -112,25 +99,11 @@ Rows ReadRows(Database& database) {
     return rows;
 }
 
-struct Progress {
-    std::size_t told = 0;
-    std::size_t durable = 0;
-    bool underWay = false;
-};
-
 // Makes every change, making the file durable after each third.
 void MakeChanges(FaultFileSystem& files, Progress& progress, int patience) {
     std::unique_ptr<Database> database;
     const auto persist = [&](const std::function<void()>& step) {
-        for (int left = patience;; --left) {
-            try {
-                step();
-                return;
-            } catch (const Error&) {
-                if (files.HasStopped() || left == 0) throw;
-                files.Heal();
-            }
-        }
+        tarn_test::Persist(files, patience, step);
     };
     persist([&] { database = Database::Open(kFile, {}, files); });
     for (const Change& change : Changes()) {
@@ -174,11 +147,8 @@ protected:
         }
         const CheckReport report = CheckFile(kFile, files);
         EXPECT_TRUE(report.IsSound()) << where << "\n" << report.Text();
-        const std::size_t first = powerCut ? progress.durable : progress.told;
-        const std::size_t last = progress.told + (progress.underWay ? 1 : 0);
-        bool known = false;
-        for (std::size_t i = first; i <= last; ++i) known = known || states_[i] == found;
-        EXPECT_TRUE(known) << where << ", told " << progress.told;
+        EXPECT_TRUE(tarn_test::IsStateToldOf(states_, found, progress, powerCut))
+            << where << ", told " << progress.told;
         ++filesLookedAt_;
     }
 
@@ -221,17 +191,12 @@ TEST_P(CrashTest, AnyStep_IsTheLastOfTheProcessOrTheMachine) {
 }
 
 TEST_P(CrashTest, AnyStep_Fails_NothingIsLostAndTheRunGoesOn) {
-    for (const Fault fault : {Fault::kFail, Fault::kFailHalfDone, Fault::kFailDone}) {
-        for (int step = 1;; ++step) {
-            const auto files = files_.Copy();
-            files->Arm(fault, step);
-            Progress progress;
-            MakeChanges(*files, progress, 1);
-            const bool happened = files->HasHappened();
-            ExpectSound(*files, progress, false, "step " + std::to_string(step));
-            if (!happened) break;
-        }
-    }
+    tarn_test::FailAtEveryStep(
+        files_, {Fault::kFail, Fault::kFailHalfDone, Fault::kFailDone},
+        [](FaultFileSystem& files, Progress& progress) { MakeChanges(files, progress, 1); },
+        [this](FaultFileSystem& files, const Progress& progress, const std::string& where) {
+            ExpectSound(files, progress, false, where);
+        });
 }
 
 TEST_P(CrashTest, AnyRead_Fails_TheOperationIsUndoneAndSucceedsNext) {
@@ -248,21 +213,20 @@ TEST_P(CrashTest, AnyRead_Fails_TheOperationIsUndoneAndSucceedsNext) {
 }
 
 TEST_P(CrashTest, FullDisk_FromAnyStepOn_LosesNothingTold) {
-    for (int step = 1;; ++step) {
-        const auto files = files_.Copy();
-        files->Arm(Fault::kFullDisk, step);
-        Progress progress;
-        try {
-            MakeChanges(*files, progress, 0);
-        } catch (const Error& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::kDiskFull);
-        }
-        const bool happened = files->HasHappened();
-        files->Heal();
-        progress.underWay = false;
-        ExpectSound(*files, progress, false, "step " + std::to_string(step));
-        if (!happened) break;
-    }
+    tarn_test::FailAtEveryStep(
+        files_, {Fault::kFullDisk},
+        [](FaultFileSystem& files, Progress& progress) {
+            try {
+                MakeChanges(files, progress, 0);
+            } catch (const Error& error) {
+                EXPECT_EQ(error.Kind(), ErrorKind::kDiskFull);
+            }
+            // What the full disk ended was told to have failed.
+            progress.underWay = false;
+        },
+        [this](FaultFileSystem& files, const Progress& progress, const std::string& where) {
+            ExpectSound(files, progress, false, where);
+        });
 }
 
 TEST_P(CrashTest, Create_StoppedAtAnyStep_LeavesNoFileThatLooksWhole) {

@@ -458,17 +458,11 @@ TEST_P(DatabaseTest, DeletedRecords_GiveTheirPagesBack) {
 
 // What an independent reader makes of a table, as lines of comma-separated values.
 std::string ExportedTable(const std::filesystem::path& file, const std::string& table) {
-    const std::string command = "mdb-export '" + file.string() + "' " + table + " 2>&1";
-    std::FILE* pipe = popen(command.c_str(), "r");
-    std::string text;
-    char part[4096];
-    while (pipe != nullptr && std::fgets(part, sizeof part, pipe) != nullptr) text += part;
-    if (pipe != nullptr) pclose(pipe);
-    return text;
+    return tarn_test::RunCommand("mdb-export " + tarn_test::Quoted(file) + " " + table).output;
 }
 
 TEST_P(DatabaseTest, FilledTable_ReadsTheSameElsewhere) {
-    if (std::system("mdb-export --version > /dev/null 2>&1") != 0) {
+    if (tarn_test::RunCommand("mdb-export --version").status != 0) {
         GTEST_SKIP() << "mdb-export is not installed";
     }
     const auto database = Database::Create(Path(), GetParam());

@@ -14,12 +14,14 @@
 #include "page/bytes.h"
 #include "page/pager.h"
 #include "support/fault_file_system.h"
+#include "support/fault_runs.h"
 
 namespace jet {
 namespace {
 
 using tarn_test::Fault;
 using tarn_test::FaultFileSystem;
+using tarn_test::Progress;
 using Snapshot = std::vector<std::byte>;
 
 constexpr char kFile[] = "a file.mdb";
@@ -79,13 +81,6 @@ INSTANTIATE_TEST_SUITE_P(Versions, JournalTest, ::testing::Values(Version::kJet3
                              return instance.param == Version::kJet3 ? "Jet3" : "Jet4";
                          });
 
-// How far a run came: states of the file by number, 0 being the one before the run.
-struct Progress {
-    std::size_t told = 0;
-    std::size_t durable = 0;
-    bool underWay = false;  // state told + 1 was begun
-};
-
 constexpr int kRounds = 2;
 constexpr int kOperations = 3;
 
@@ -95,15 +90,7 @@ void PlayRun(FaultFileSystem& files, int patience, Progress& progress,
              const std::vector<Snapshot>* expected, std::vector<Snapshot>* record = nullptr) {
     std::unique_ptr<Pager> pager;
     const auto persist = [&](const std::function<void()>& step) {
-        for (int left = patience;; --left) {
-            try {
-                step();
-                return;
-            } catch (const Error&) {
-                if (files.HasStopped() || left == 0) throw;
-                files.Heal();
-            }
-        }
+        tarn_test::Persist(files, patience, step);
     };
     const auto look = [&] {
         if (record != nullptr) record->push_back(Take(*pager));
@@ -141,11 +128,8 @@ void ExpectState(FaultFileSystem& files, const std::vector<Snapshot>& states,
                  const Progress& progress, bool powerCut, const std::string& where) {
     const auto pager = OpenFile(files);
     const Snapshot found = Take(*pager);
-    const std::size_t first = powerCut ? progress.durable : progress.told;
-    const std::size_t last = progress.told + (progress.underWay ? 1 : 0);
-    bool known = false;
-    for (std::size_t i = first; i <= last; ++i) known = known || states[i] == found;
-    EXPECT_TRUE(known) << where << ", told " << progress.told << ", durable " << progress.durable;
+    EXPECT_TRUE(tarn_test::IsStateToldOf(states, found, progress, powerCut))
+        << where << ", told " << progress.told << ", durable " << progress.durable;
     pager->Close();
     EXPECT_TRUE(files.Contents(kLog).empty()) << where;
     // The emptying of a log can be undone in part; what comes back then is no use and put away.
@@ -214,17 +198,14 @@ TEST_P(FaultTest, AnyStep_ThenThePowerFails_EverythingDurableIsThere) {
 }
 
 TEST_P(FaultTest, AnyStep_FailsOnce_TheRunGoesOnWithNothingLost) {
-    for (const Fault fault : {Fault::kFail, Fault::kFailHalfDone, Fault::kFailDone}) {
-        for (int step = 1;; ++step) {
-            const auto files = files_.Copy();
-            files->Arm(fault, step);
-            Progress progress;
-            PlayRun(*files, 1, progress, &states_);
-            const bool happened = files->HasHappened();
-            ExpectState(*files, states_, progress, false, "step " + std::to_string(step));
-            if (!happened) break;
-        }
-    }
+    tarn_test::FailAtEveryStep(
+        files_, {Fault::kFail, Fault::kFailHalfDone, Fault::kFailDone},
+        [this](FaultFileSystem& files, Progress& progress) {
+            PlayRun(files, 1, progress, &states_);
+        },
+        [this](FaultFileSystem& files, const Progress& progress, const std::string& where) {
+            ExpectState(files, states_, progress, false, where);
+        });
 }
 
 TEST_P(FaultTest, AnyStep_FailsOnce_ThenThePowerFailsLater_EverythingDurableIsThere) {
@@ -294,20 +275,18 @@ TEST_P(FaultTest, RecoveryStops_AtAnyStep_TheNextOneCompletesIt) {
 }
 
 TEST_P(FaultTest, FullDisk_FromAnyStepOn_LosesNothingToldAndGoesOnWhenThereIsRoom) {
-    for (int step = 1;; ++step) {
-        const auto files = files_.Copy();
-        files->Arm(Fault::kFullDisk, step);
-        Progress progress;
-        try {
-            PlayRun(*files, 0, progress, &states_);
-        } catch (const Error& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::kDiskFull);
-        }
-        const bool happened = files->HasHappened();
-        files->Heal();
-        ExpectState(*files, states_, progress, false, "step " + std::to_string(step));
-        if (!happened) break;
-    }
+    tarn_test::FailAtEveryStep(
+        files_, {Fault::kFullDisk},
+        [this](FaultFileSystem& files, Progress& progress) {
+            try {
+                PlayRun(files, 0, progress, &states_);
+            } catch (const Error& error) {
+                EXPECT_EQ(error.Kind(), ErrorKind::kDiskFull);
+            }
+        },
+        [this](FaultFileSystem& files, const Progress& progress, const std::string& where) {
+            ExpectState(files, states_, progress, false, where);
+        });
 }
 
 TEST_P(FaultTest, AnyRead_Fails_NothingIsLostOrChanged) {

@@ -5,12 +5,12 @@
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <string>
 
 #include "index/collation.h"
 #include "jet/error.h"
+#include "tab_separated.h"
 
 namespace jet {
 namespace {
@@ -20,31 +20,15 @@ struct Vector {
 };
 
 std::vector<Vector> ReadVectors() {
-    std::ifstream file(JET_DATA_FOLDER "/key_vectors.tsv");
     std::vector<Vector> vectors;
-    for (std::string line; std::getline(file, line);) {
-        if (line.empty() || line[0] == '#') {
-            continue;
-        }
-        std::vector<std::string> fields(1);
-        for (const char c : line) {
-            if (c == '\t') {
-                fields.emplace_back();
-            } else {
-                fields.back() += c;
-            }
-        }
-        vectors.push_back({fields.at(0), fields.at(1), fields.at(2), fields.at(3), fields.at(4)});
+    for (const auto& fields : tarn_test::ReadTabSeparated(JET_DATA_FOLDER "/key_vectors.tsv", 5)) {
+        vectors.push_back({fields[0], fields[1], fields[2], fields[3], fields[4]});
     }
     return vectors;
 }
 
 std::string FromHex(const std::string& hex) {
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
-        bytes.push_back(static_cast<char>(std::stoul(hex.substr(i, 2), nullptr, 16)));
-    }
-    return bytes;
+    return tarn_test::FromHex<std::string>(hex);
 }
 
 std::string ToHex(const Key& key) {

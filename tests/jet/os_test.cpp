@@ -1,24 +1,27 @@
 // The host's own files, and that a process which is killed loses nothing that it was told.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <fstream>
 #include <memory>
-#include <thread>
+#include <string>
 
 #include "jet/error.h"
 #include "jet/file.h"
 #include "page/bytes.h"
 #include "page/pager.h"
+#include "support/child_process.h"
+#include "support/command.h"
 #include "support/temp_folder.h"
+
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
 
 namespace jet {
 namespace {
 
+using tarn_test::BuiltProgram;
+using tarn_test::ChildProcess;
 using tarn_test::TempFolder;
 
 std::vector<std::byte> SomeBytes(std::size_t size) {
@@ -37,6 +40,10 @@ ErrorKind KindOf(const std::filesystem::path& path, OpenMode mode) {
 
 std::unique_ptr<Pager> OpenPager(const std::filesystem::path& path, Recovery& recovery) {
     return Pager::Open(HostFileSystem(), path, {}, recovery);
+}
+
+std::uint32_t NumberIn(const std::string& line) {
+    return static_cast<std::uint32_t>(std::stoul(line));
 }
 
 void MakeFile(const std::filesystem::path& path) {
@@ -62,6 +69,71 @@ TEST(HostFiles, WriteThenRead_GivesTheBytesBack) {
     HostFileSystem().FlushFolder(folder.Path());
 }
 
+TEST(HostFiles, NamesWithBlanksAndAnyLetters_AreKeptAndSaid) {
+    const TempFolder folder;
+    const auto path = folder.Path() / u8"Größe \u4E66 1.bin";
+    HostFileSystem().Open(path, OpenMode::kCreateNew)->Write(0, SomeBytes(3));
+    EXPECT_TRUE(HostFileSystem().Exists(path));
+    const auto renamed = folder.Path() / u8"Maß 2.bin";
+    HostFileSystem().Rename(path, renamed);
+    EXPECT_FALSE(HostFileSystem().Exists(path));
+    EXPECT_EQ(HostFileSystem().Open(renamed, OpenMode::kReadOnly)->Size(), 3U);
+    try {
+        (void)HostFileSystem().Open(path, OpenMode::kReadOnly);
+        ADD_FAILURE() << "opened a file under its former name";
+    } catch (const Error& error) {
+        const std::string name = "\"Gr\xC3\xB6\xC3\x9F\x65 \xE4\xB9\xA6 1.bin\"";
+        EXPECT_EQ(error.what(), "The file " + name + " cannot be found.");
+    }
+}
+
+TEST(HostFiles, BeyondFourGibibytes_OffsetsAreWhole) {
+    const TempFolder folder;
+    const auto file = HostFileSystem().Open(folder / "a.bin", OpenMode::kCreateNew);
+    file->Write(0, SomeBytes(1));
+    constexpr std::uint64_t kSize = (std::uint64_t{5} << 30) + 1;
+    file->Truncate(kSize);
+    EXPECT_EQ(file->Size(), kSize);
+    // An offset that lost its upper half would find the byte that is at the beginning.
+    std::vector<std::byte> read(1);
+    file->Read(std::uint64_t{1} << 32, read);
+    EXPECT_EQ(read.front(), std::byte{0});
+    EXPECT_THROW(file->Read(kSize, read), Error);
+}
+
+TEST(HostFiles, Open_OfAFileThatMayOnlyBeRead_SaysSo) {
+    const TempFolder folder;
+    const auto path = folder / "a.bin";
+    (void)HostFileSystem().Open(path, OpenMode::kCreateNew);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+    EXPECT_TRUE(HostFileSystem().Open(path, OpenMode::kReadOnly));
+    try {
+        (void)HostFileSystem().Open(path, OpenMode::kReadWrite);
+        GTEST_SKIP() << "this user may write everything";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Kind(), ErrorKind::kReadOnly);
+    }
+}
+
+TEST(HostFiles, Write_WithAFileOpenedForReading_IsAnErrorOfTheEngine) {
+    const TempFolder folder;
+    (void)HostFileSystem().Open(folder / "a.bin", OpenMode::kCreateNew);
+    const auto file = HostFileSystem().Open(folder / "a.bin", OpenMode::kReadOnly);
+    EXPECT_THROW(file->Write(0, SomeBytes(1)), Error);
+    EXPECT_THROW(file->Truncate(5), Error);
+    EXPECT_EQ(file->Size(), 0U);
+}
+
+TEST(HostFiles, Remove_OfAFileThatIsOpen_FreesTheNameOnceItIsClosed) {
+    const TempFolder folder;
+    auto file = HostFileSystem().Open(folder / "a.bin", OpenMode::kCreateNew);
+    HostFileSystem().Remove(folder / "a.bin");
+    file.reset();
+    EXPECT_FALSE(HostFileSystem().Exists(folder / "a.bin"));
+    HostFileSystem().Remove(folder / "a.bin");
+    EXPECT_TRUE(HostFileSystem().Open(folder / "a.bin", OpenMode::kCreateNew));
+}
+
 TEST(HostFiles, Open_OfWhatIsNoFile_SaysWhy) {
     const TempFolder folder;
     EXPECT_EQ(KindOf(folder / "missing", OpenMode::kReadWrite), ErrorKind::kFileNotFound);
@@ -70,9 +142,19 @@ TEST(HostFiles, Open_OfWhatIsNoFile_SaysWhy) {
     EXPECT_EQ(KindOf(folder.Path(), OpenMode::kReadOnly), ErrorKind::kPermissionDenied);
     std::ofstream(folder / "there") << "x";
     EXPECT_EQ(KindOf(folder / "there", OpenMode::kCreateNew), ErrorKind::kAlreadyExists);
+}
+
+#ifdef _WIN32
+TEST(HostFiles, Open_OfADevice_IsRefused) {
+    EXPECT_EQ(KindOf("NUL", OpenMode::kReadOnly), ErrorKind::kNotADatabase);
+}
+#else
+TEST(HostFiles, Open_OfAPipe_IsRefusedAtOnce) {
+    const TempFolder folder;
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
     EXPECT_EQ(KindOf(folder / "pipe", OpenMode::kReadOnly), ErrorKind::kNotADatabase);
 }
+#endif
 
 TEST(HostFiles, Lock_ConflictsWithinTheProcessAndOutlivesOtherHandles) {
     const TempFolder folder;
@@ -105,45 +187,21 @@ TEST(HostFiles, LinkToAFile_LeadsToTheSameLog) {
     EXPECT_FALSE(std::filesystem::exists(folder / "real.mdb-log"));
 }
 
-// Counts up on a page, in the file at `path`, telling each number once its operation returned.
-[[noreturn]] void CountUpAndTell(const std::filesystem::path& path, int pipe) {
-    Recovery recovery;
-    const auto pager = OpenPager(path, recovery);
-    std::uint32_t number = ReadU32(pager->Page(PageNumber{3}).Data(), 100);
-    for (;;) {
-        ++number;
-        {
-            Operation operation(*pager);
-            // Two pages far apart must always agree.
-            WriteU32(pager->Change(PageNumber{3}), 100, number);
-            WriteU32(pager->Change(PageNumber{5}), 3000, number);
-            operation.Commit();
-        }
-        if (::write(pipe, &number, sizeof number) != sizeof number) ::_exit(1);
-        if (number % 50 == 0) pager->MakeDurable();
-    }
-}
-
 TEST(Process, KilledAtAnyInstant_EverythingToldIsThereAndNothingIsHalf) {
     const TempFolder folder;
     const auto path = folder / "a file.mdb";
     MakeFile(path);
-    std::uint32_t told = 0;
     for (int round = 0; round < 40; ++round) {
-        int ends[2];
-        ASSERT_EQ(::pipe(ends), 0);
-        const pid_t child = ::fork();
-        if (child == 0) CountUpAndTell(path, ends[1]);
-        ::close(ends[1]);
+        ChildProcess child(BuiltProgram("count_up"), path);
+        std::uint32_t told = 0;
         // The number of acknowledgements waited for varies the instant, not a clock.
         for (int i = 0; i <= round * 7; ++i) {
-            ASSERT_EQ(::read(ends[0], &told, sizeof told), static_cast<ssize_t>(sizeof told));
+            const auto line = child.ReadLine();
+            ASSERT_TRUE(line);
+            told = NumberIn(*line);
         }
-        ::kill(child, SIGKILL);
-        while (::read(ends[0], &told, sizeof told) == static_cast<ssize_t>(sizeof told)) {
-        }
-        ::close(ends[0]);
-        ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+        child.Kill();
+        while (const auto line = child.ReadLine()) told = NumberIn(*line);
 
         Recovery recovery;
         const auto pager = OpenPager(path, recovery);
@@ -160,13 +218,8 @@ TEST(Process, Ended_FreesTheLock) {
     const TempFolder folder;
     const auto path = folder / "a file.mdb";
     MakeFile(path);
-    int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
-    const pid_t child = ::fork();
-    if (child == 0) CountUpAndTell(path, ends[1]);
-    ::close(ends[1]);
-    std::uint32_t told = 0;
-    ASSERT_EQ(::read(ends[0], &told, sizeof told), static_cast<ssize_t>(sizeof told));
+    ChildProcess child(BuiltProgram("count_up"), path);
+    ASSERT_TRUE(child.ReadLine());
     Recovery recovery;
     try {
         OpenPager(path, recovery);
@@ -174,9 +227,7 @@ TEST(Process, Ended_FreesTheLock) {
     } catch (const Error& error) {
         EXPECT_EQ(error.Kind(), ErrorKind::kFileInUse);
     }
-    ::kill(child, SIGKILL);
-    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
-    ::close(ends[0]);
+    child.Kill();
     EXPECT_TRUE(OpenPager(path, recovery));
 }
 

@@ -1,44 +1,29 @@
 // The commands: their exit statuses, and that they show what is there.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "jet/database.h"
 #include "jet/recordset.h"
+#include "support/command.h"
 #include "support/temp_folder.h"
 
 namespace jet {
 namespace {
 
-struct Result {
-    int status = -1;
-    std::string output;
-};
+using tarn_test::BuiltProgram;
+using tarn_test::CommandResult;
+using tarn_test::Quoted;
 
-Result RunTool(const std::string& tool, const std::string& arguments) {
-    Result result;
-    const std::string command = "'" TARN_BUILD "/bin/" + tool + "' " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return result;
-    }
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) {
-        result.output += static_cast<char>(c);
-    }
-    result.status = pclose(pipe) >> 8;
-    return result;
+CommandResult RunTool(const std::string& tool, const std::string& arguments) {
+    return tarn_test::RunCommand(Quoted(BuiltProgram(tool)) + " " + arguments);
 }
 
 class ToolTest : public ::testing::TestWithParam<Version> {
 protected:
     void SetUp() override {
-        if (!std::filesystem::exists(TARN_BUILD "/bin/jetdump") ||
-            !std::filesystem::exists(TARN_BUILD "/bin/jetdoctor")) {
-            GTEST_SKIP() << "the tools are not built";
-        }
         const auto database = Database::Create(file_, GetParam());
         database->CreateTable({"Zones",
                                {{.name = "Id", .type = ColumnType::kLong, .autoNumber = true},
@@ -60,7 +45,7 @@ protected:
         file.put(byte);
     }
 
-    [[nodiscard]] std::string Named() const { return "'" + file_.string() + "'"; }
+    [[nodiscard]] std::string Named() const { return Quoted(file_); }
 
     tarn_test::TempFolder folder_;
     std::filesystem::path file_ = folder_ / "a file.mdb";
@@ -72,11 +57,11 @@ INSTANTIATE_TEST_SUITE_P(Versions, ToolTest, ::testing::Values(Version::kJet3, V
                          });
 
 TEST_P(ToolTest, Doctor_TellsCleanFromDamagedFromUnreadable) {
-    const Result clean = RunTool("jetdoctor", Named());
+    const CommandResult clean = RunTool("jetdoctor", Named());
     EXPECT_EQ(clean.status, 0) << clean.output;
     EXPECT_NE(clean.output.find("clean"), std::string::npos);
     Spoil((GetParam() == Version::kJet3 ? 2048 : 4096) * 3 + 1, 7);
-    const Result damaged = RunTool("jetdoctor", Named());
+    const CommandResult damaged = RunTool("jetdoctor", Named());
     EXPECT_EQ(damaged.status, 1);
     EXPECT_NE(damaged.output.find("page-header"), std::string::npos) << damaged.output;
     Spoil(4, 'X');
@@ -86,28 +71,28 @@ TEST_P(ToolTest, Doctor_TellsCleanFromDamagedFromUnreadable) {
 
 TEST_P(ToolTest, Doctor_RepairsIntoANewFile) {
     const auto target = folder_ / "repaired.mdb";
-    const Result repair = RunTool("jetdoctor", Named() + " --repair '" + target.string() + "'");
+    const CommandResult repair = RunTool("jetdoctor", Named() + " --repair " + Quoted(target));
     EXPECT_EQ(repair.status, 0) << repair.output;
     EXPECT_NE(repair.output.find("1 tables and 2 rows"), std::string::npos) << repair.output;
-    EXPECT_EQ(RunTool("jetdoctor", "'" + target.string() + "'").status, 0);
-    EXPECT_EQ(RunTool("jetdoctor", Named() + " --repair '" + target.string() + "'").status, 2);
+    EXPECT_EQ(RunTool("jetdoctor", Quoted(target)).status, 0);
+    EXPECT_EQ(RunTool("jetdoctor", Named() + " --repair " + Quoted(target)).status, 2);
 }
 
 TEST_P(ToolTest, Dump_ShowsFileTablePageAndIndex) {
-    const Result file = RunTool("jetdump", Named());
+    const CommandResult file = RunTool("jetdump", Named());
     EXPECT_EQ(file.status, 0);
     EXPECT_NE(file.output.find("user table Zones: 2 rows, 2 columns, 1 indexes"), std::string::npos)
         << file.output;
-    const Result table = RunTool("jetdump", Named() + " zones");
+    const CommandResult table = RunTool("jetdump", Named() + " zones");
     EXPECT_NE(table.output.find("Id=2, Code=\"south\""), std::string::npos) << table.output;
-    const Result index = RunTool("jetdump", Named() + " index Zones.PrimaryKey");
+    const CommandResult index = RunTool("jetdump", Named() + " index Zones.PrimaryKey");
     EXPECT_NE(index.output.find("key 7F 80 00 00 02"), std::string::npos) << index.output;
     EXPECT_EQ(RunTool("jetdump", Named() + " absent").status, 1);
     EXPECT_EQ(RunTool("jetdump", Named() + " index Zones.Absent").status, 1);
     EXPECT_EQ(RunTool("jetdump", Named() + " page 1000").status, 1);
-    EXPECT_EQ(RunTool("jetdump", "'" + file_.string() + ".absent'").status, 2);
+    EXPECT_EQ(RunTool("jetdump", Quoted(folder_ / "absent.mdb")).status, 2);
     for (int page = 0; page < 16; ++page) {
-        const Result shown = RunTool("jetdump", Named() + " page " + std::to_string(page));
+        const CommandResult shown = RunTool("jetdump", Named() + " page " + std::to_string(page));
         EXPECT_EQ(shown.status, 0);
         EXPECT_EQ(shown.output.rfind("page " + std::to_string(page) + ": ", 0), 0U);
     }
@@ -118,7 +103,7 @@ TEST_P(ToolTest, Dump_ShowsPagesOfADamagedFile) {
     for (std::streamoff at = 0; at < 32; ++at) {
         Spoil(7 * pageSize + at, static_cast<char>(0x01 + at * 37));
     }
-    const Result shown = RunTool("jetdump", Named() + " page 7");
+    const CommandResult shown = RunTool("jetdump", Named() + " page 7");
     EXPECT_EQ(shown.status, 0);
     EXPECT_FALSE(shown.output.empty());
 }

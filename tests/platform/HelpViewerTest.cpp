@@ -18,10 +18,8 @@
 
 namespace {
 
-// The help file of this build, or "".
 QString BuiltHelpFile() {
-    const QString path = QStringLiteral(TARN_BUILD "/TARNPrep/TARNPlus.hlp");
-    return QFile::exists(path) ? path : QString();
+    return QStringLiteral(TARN_BUILD "/TARNPrep/TARNPlus.hlp");
 }
 
 QWidget* HelpWindowShown() {
@@ -57,12 +55,15 @@ class HelpViewerTest : public testing::Test {
 protected:
     void TearDown() override { platform::HelpViewer::Close(); }
     QTemporaryDir folder_{QDir::tempPath() + "/tarn help XXXXXX"};
+
+    // With the help file of this build.
+    class BuiltHelpTest : public HelpViewerTest {
+    protected:
+        void SetUp() override { platform::HelpViewer::SetHelpFile(BuiltHelpFile()); }
+    };
 };
 
 TEST_F(HelpViewerTest, Context_ShowsItsTopic) {
-    if (BuiltHelpFile().isEmpty()) {
-        GTEST_SKIP() << "the help file has not been built";
-    }
     // A copy beside nothing else: the file alone must do.
     const QString copy = folder_.filePath("Help.hlp");
     ASSERT_TRUE(QFile::copy(BuiltHelpFile(), copy));
@@ -81,22 +82,14 @@ TEST_F(HelpViewerTest, Context_ShowsItsTopic) {
     EXPECT_TRUE(page->source().path().endsWith("zones.html"));
 }
 
-TEST_F(HelpViewerTest, UnknownContext_ShowsContents) {
-    if (BuiltHelpFile().isEmpty()) {
-        GTEST_SKIP() << "the help file has not been built";
-    }
-    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+TEST_F(BuiltHelpTest, UnknownContext_ShowsContents) {
     platform::HelpViewer::ShowContext(999, nullptr);
     ASSERT_NE(HelpWindowShown(), nullptr);
     auto* page = HelpWindowShown()->findChild<QTextBrowser*>("txtTopic");
     EXPECT_TRUE(page->source().path().endsWith("index.html"));
 }
 
-TEST_F(HelpViewerTest, EveryFocusableWidget_HasAName) {
-    if (BuiltHelpFile().isEmpty()) {
-        GTEST_SKIP() << "the help file has not been built";
-    }
-    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+TEST_F(BuiltHelpTest, EveryFocusableWidget_HasAName) {
     platform::HelpViewer::ShowContents(nullptr);
     ASSERT_NE(HelpWindowShown(), nullptr);
     for (const QWidget* widget : HelpWindowShown()->findChildren<QWidget*>()) {
@@ -107,11 +100,7 @@ TEST_F(HelpViewerTest, EveryFocusableWidget_HasAName) {
     }
 }
 
-TEST_F(HelpViewerTest, Search_FindsWordsInTheText) {
-    if (BuiltHelpFile().isEmpty()) {
-        GTEST_SKIP() << "the help file has not been built";
-    }
-    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+TEST_F(BuiltHelpTest, Search_FindsWordsInTheText) {
     platform::HelpViewer::ShowContents(nullptr);
     QWidget* window = HelpWindowShown();
     ASSERT_NE(window, nullptr);
@@ -133,11 +122,7 @@ TEST_F(HelpViewerTest, Search_FindsWordsInTheText) {
     EXPECT_TRUE(shown) << results->toPlainText().toStdString();
 }
 
-TEST_F(HelpViewerTest, Index_LeadsToItsTopic) {
-    if (BuiltHelpFile().isEmpty()) {
-        GTEST_SKIP() << "the help file has not been built";
-    }
-    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+TEST_F(BuiltHelpTest, Index_LeadsToItsTopic) {
     platform::HelpViewer::ShowContents(nullptr);
     QWidget* window = HelpWindowShown();
     ASSERT_NE(window, nullptr);
@@ -151,11 +136,7 @@ TEST_F(HelpViewerTest, Index_LeadsToItsTopic) {
         << page->source().toString().toStdString();
 }
 
-TEST_F(HelpViewerTest, Escape_ClosesTheWindow) {
-    if (BuiltHelpFile().isEmpty()) {
-        GTEST_SKIP() << "the help file has not been built";
-    }
-    platform::HelpViewer::SetHelpFile(BuiltHelpFile());
+TEST_F(BuiltHelpTest, Escape_ClosesTheWindow) {
     platform::HelpViewer::ShowContents(nullptr);
     ASSERT_TRUE(QTest::qWaitForWindowActive(HelpWindowShown()));
     QTest::keyClick(HelpWindowShown()->windowHandle(), Qt::Key_Escape);
@@ -183,9 +164,6 @@ TEST_F(HelpViewerTest, DamagedFile_IsToldToTheUser) {
 }
 
 TEST_F(HelpViewerTest, CutFile_IsToldToTheUser) {
-    if (BuiltHelpFile().isEmpty()) {
-        GTEST_SKIP() << "the help file has not been built";
-    }
     const QString copy = folder_.filePath("Cut.hlp");
     ASSERT_TRUE(QFile::copy(BuiltHelpFile(), copy));
     ASSERT_TRUE(QFile::resize(copy, 9000));

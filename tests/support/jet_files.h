@@ -3,12 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "jet/check.h"
+#include "support/command.h"
 
 namespace tarn_test {
 
@@ -32,32 +33,29 @@ inline std::vector<std::filesystem::path> CorpusFiles() {
     return files;
 }
 
-// Expects a closed file to be sound: by the engine's own check and, where it lies beside the source
-// tree, by an independent one. `before` is the file that it was made from, if any: what was wrong
-// with that does not count.
+// A command line that begins with the independent judge of files; empty where it is not beside the
+// source tree or cannot run.
+inline std::string Judge() {
+    const std::filesystem::path judge = SharedFolder() / "tools" / "jetcheck.py";
+    static const bool runs =
+        std::filesystem::exists(judge) && RunCommand("python3 --version").status == 0;
+    return runs ? "python3 " + Quoted(judge) : std::string();
+}
+
+// Expects a closed file to be sound: by the engine's own check and, where there is one, by an
+// independent judge. `before` is the file that it was made from, if any: what was wrong with that
+// does not count.
 inline void ExpectSound(const std::filesystem::path& file,
                         const std::filesystem::path& before = {}) {
     if (before.empty()) {
         const jet::CheckReport report = jet::CheckFile(file);
         EXPECT_TRUE(report.IsSound()) << report.Text();
     }
-    const std::filesystem::path judge = SharedFolder() / "tools" / "jetcheck.py";
-    if (!std::filesystem::exists(judge)) return;
-    std::string command = "python3 '" + judge.string() + "' check --strict -q ";
-    if (!before.empty()) command += "--baseline '" + before.string() + "' ";
-    const std::string report = file.string() + ".findings";
-    command += "'" + file.string() + "' > '" + report + "'";
-    EXPECT_EQ(std::system(command.c_str()), 0)
-        << file << ": see " << report << "\n"
-        << [&] {
-               std::string text;
-               if (std::FILE* from = std::fopen(report.c_str(), "r")) {
-                   char line[512];
-                   for (int i = 0; i < 20 && std::fgets(line, sizeof line, from); ++i) text += line;
-                   std::fclose(from);
-               }
-               return text;
-           }();
+    if (Judge().empty()) return;
+    std::string line = Judge() + " check --strict -q ";
+    if (!before.empty()) line += "--baseline " + Quoted(before) + " ";
+    const CommandResult judged = RunCommand(line + Quoted(file));
+    EXPECT_EQ(judged.status, 0) << file << ":\n" << judged.output.substr(0, 4000);
 }
 
 }  // namespace tarn_test

@@ -2,19 +2,19 @@
 #pragma once
 
 #include <filesystem>
+#include <random>
 #include <string>
-
-#include <unistd.h>
 
 namespace tarn_test {
 
 class TempFolder {
 public:
     TempFolder() {
-        static int count = 0;
-        path_ = std::filesystem::temp_directory_path() /
-                ("tarn test " + std::to_string(::getpid()) + " " + std::to_string(++count));
-        std::filesystem::create_directories(path_);
+        std::random_device random;
+        do {
+            path_ =
+                std::filesystem::temp_directory_path() / ("tarn test " + std::to_string(random()));
+        } while (!std::filesystem::create_directory(path_));
     }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
