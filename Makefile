@@ -1,5 +1,5 @@
 # One-word commands for contributors; `make` alone builds.
-.PHONY: build check quick format coverage bench fuzz package run tour pictures clean
+.PHONY: build check quick format coverage windows bench fuzz package run tour pictures clean
 
 build:
 	tools/setup.sh build
@@ -25,8 +25,12 @@ pictures:
 	tools/tour/pictures.sh
 
 coverage:
-	tools/setup.sh test
+	tools/setup.sh coverage
 	tools/coverage.py
+
+windows:
+	tools/setup.sh windows
+	tools/windows.sh
 
 bench:
 	tools/setup.sh bench
@@ -41,7 +45,7 @@ format:
 	python3 tools/gates/formatting.py --fix
 
 clean:
-	rm -rf build build-sanitize build-bench build-coverage build-fuzz build-package
+	rm -rf build build-sanitize build-bench build-coverage build-fuzz build-package build-windows
 
 package:
 	packaging/build.sh

@@ -1,9 +1,12 @@
 #!/bin/sh
-# Installs what this Debian 12 machine lacks. Usage: tools/setup.sh build|test|package|bench
+# Installs what this Debian 12 machine lacks.
+# Usage: tools/setup.sh build|test|package|bench|coverage|windows
 #   build    the program and the tour
 #   test     that, and everything that ./test runs
 #   package  that, and the package builders
 #   bench    what the benchmarks compare with
+#   coverage that of test, and what reads the counts
+#   windows  the cross compiler, and Wine to run what it makes
 # Safe to run at any time: with everything there it does nothing and needs no network.
 set -eu
 
@@ -13,6 +16,8 @@ package="dpkg-dev fakeroot"
 test="ccache clang clang-tidy clang-format libclang-rt-14-dev libbenchmark-dev mdbtools
  desktop-file-utils appstream shared-mime-info man-db librsvg2-bin
  at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi xdotool $package"
+coverage="llvm"
+windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64"
 bench="libbenchmark-dev libsqlite3-dev mdbtools-dev pkg-config"
 
 case "${1:-build}" in
@@ -20,8 +25,10 @@ build) wanted="$build" ;;
 test) wanted="$build $test" ;;
 package) wanted="$build $test" ;;
 bench) wanted="$build $bench" ;;
+coverage) wanted="$build $test $coverage" ;;
+windows) wanted="$build $windows" ;;
 *)
-    echo "usage: $0 build|test|package|bench" >&2
+    echo "usage: $0 build|test|package|bench|coverage|windows" >&2
     exit 2
     ;;
 esac

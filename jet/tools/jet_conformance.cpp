@@ -117,7 +117,7 @@ FileResult CompareFile(const std::filesystem::path& path, KeyCounts& keys) {
 
 void PrintFile(const std::filesystem::path& path, const FileResult& result) {
     std::printf("%s %s: %llu tables, %llu rows, %llu index entries%s\n",
-                result.faults.empty() ? "ok  " : "FAIL", path.filename().c_str(),
+                result.faults.empty() ? "ok  " : "FAIL", path.filename().string().c_str(),
                 static_cast<unsigned long long>(result.tables),
                 static_cast<unsigned long long>(result.rows),
                 static_cast<unsigned long long>(result.entries), result.remark.c_str());

@@ -17,13 +17,24 @@ constexpr DWORD kLargestTransfer = 1U << 24;
 // Locked far beyond the end, because a lock within the file would keep others from reading it.
 constexpr std::uint64_t kLockOffset = std::uint64_t{1} << 62;
 
+// In the encoding of all sentences, whatever the system's own is.
+std::string NameOf(const std::filesystem::path& path) {
+    const std::u8string name = path.filename().u8string();
+    return '"' + std::string(name.begin(), name.end()) + '"';
+}
+
 [[noreturn]] void ThrowForOpening(DWORD code, const std::filesystem::path& path) {
-    const std::string name = "\"" + path.filename().string() + "\"";
+    const std::string name = NameOf(path);
     switch (code) {
         case ERROR_FILE_NOT_FOUND:
         case ERROR_PATH_NOT_FOUND:
         case ERROR_INVALID_NAME:
+        case ERROR_BAD_PATHNAME:
+        case ERROR_DIRECTORY:
+        case ERROR_FILENAME_EXCED_RANGE:
+        case ERROR_INVALID_DRIVE:
         case ERROR_BAD_NETPATH:
+        case ERROR_BAD_NET_NAME:
         case ERROR_NOT_READY:
             throw Error(ErrorKind::kFileNotFound, "The file " + name + " cannot be found.");
         case ERROR_FILE_EXISTS:
@@ -45,8 +56,14 @@ constexpr std::uint64_t kLockOffset = std::uint64_t{1} << 62;
 }
 
 [[noreturn]] void ThrowForTransfer(DWORD code, const char* what) {
-    if (code == ERROR_DISK_FULL || code == ERROR_HANDLE_DISK_FULL) {
-        throw Error(ErrorKind::kDiskFull, "There is no room left on the disk.");
+    switch (code) {
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            throw Error(ErrorKind::kDiskFull, "There is no room left on the disk.");
+        case ERROR_FILE_TOO_LARGE:
+            throw Error(ErrorKind::kFileTooLarge, "The file has reached the largest size allowed.");
+        default:
+            break;
     }
     throw Error(ErrorKind::kIo, std::string("The file could not be ") + what + " (system error " +
                                     std::to_string(code) + ").");
@@ -131,6 +148,14 @@ private:
     HANDLE handle_;
 };
 
+// A folder can have the attribute too, where it means something else.
+bool IsReadOnlyFile(const std::filesystem::path& path) {
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES &&
+           (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) ==
+               FILE_ATTRIBUTE_READONLY;
+}
+
 class WindowsFileSystem final : public FileSystem {
 public:
     std::unique_ptr<File> Open(const std::filesystem::path& path, OpenMode mode) override {
@@ -144,18 +169,14 @@ public:
                                             nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (handle == INVALID_HANDLE_VALUE) {
             const DWORD code = ::GetLastError();
-            const DWORD attributes = ::GetFileAttributesW(path.c_str());
-            if (code == ERROR_ACCESS_DENIED && !reading && attributes != INVALID_FILE_ATTRIBUTES &&
-                (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
-                throw Error(ErrorKind::kReadOnly,
-                            "The file \"" + path.filename().string() + "\" is read-only.");
+            if (code == ERROR_ACCESS_DENIED && !reading && IsReadOnlyFile(path)) {
+                throw Error(ErrorKind::kReadOnly, "The file " + NameOf(path) + " is read-only.");
             }
             ThrowForOpening(code, path);
         }
         auto file = std::make_unique<WindowsFile>(handle);
         if (::GetFileType(handle) != FILE_TYPE_DISK) {
-            throw Error(ErrorKind::kNotADatabase,
-                        "\"" + path.filename().string() + "\" is not an ordinary file.");
+            throw Error(ErrorKind::kNotADatabase, NameOf(path) + " is not an ordinary file.");
         }
         return file;
     }
@@ -167,7 +188,9 @@ public:
     void Remove(const std::filesystem::path& path) override {
         if (::DeleteFileW(path.c_str()) != 0) return;
         const DWORD code = ::GetLastError();
-        if (code != ERROR_FILE_NOT_FOUND) ThrowForOpening(code, path);
+        if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND) {
+            ThrowForOpening(code, path);
+        }
     }
 
     void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {

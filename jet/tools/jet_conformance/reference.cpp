@@ -9,7 +9,7 @@ namespace {
 
 std::string Unpack(const std::filesystem::path& path) {
     std::string text;
-    gzFile file = gzopen(path.c_str(), "rb");
+    gzFile file = gzopen(path.string().c_str(), "rb");
     if (file == nullptr) {
         return text;
     }
