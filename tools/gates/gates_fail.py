@@ -1,0 +1,66 @@
+#!/usr/bin/env python3
+"""The gates name what they are there for: each is run over a small tree with an offence in it."""
+import shutil
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+import tree
+
+GATES = Path(__file__).resolve().parent
+# Gate, file, contents, what the gate must say of it; "" where it must be content.
+TRIALS = [
+    ("layers", "datafile/Zone.cpp", '#include "worksheets/Form.h"\n', "datafile may not know worksheets"),
+    ("layers", "jet/src/row.cpp", "#include <QString>\n", "the engine knows no Qt"),
+    ("layers", "shell/Frame.cpp", '#include "jet/database.h"\n', "only platform, tools and tests"),
+    ("layers", "platform/dao/Rows.cpp", '#include "page/pager.h"\n', "the engine's private side"),
+    ("layers", "import/Copy.cpp", '#include "import/Absent.h"\n', "a file that is not there"),
+    ("layers", "worksheets/Form.cpp", '#include "datafile/Zone.h"\n', ""),
+    ("portability", "jet/src/page.cpp", "#include <unistd.h>\n", "unistd.h"),
+    ("portability", "shell/Start.cpp", "#ifdef Q_OS_WIN\n#endif\n", "Q_OS_WIN"),
+    ("portability", "jet/tools/dump.cpp", 'auto* pipe = popen("ls", "r");\n', "popen"),
+    ("portability", "jet/src/os/file.cpp", "#include <unistd.h>\n", ""),
+    ("portability", "shell/Start.cpp", "// popen(line) is not used\nint fork_ = 0;\n", ""),
+    ("sizes", "shell/Long.cpp", "int a;\n" * 801, "801 lines"),
+    ("sizes", "tests/shell/Long_test.cpp", "int a;\n" * 801, ""),
+    ("sizes", "tests/shell/Long_test.cpp", "int a;\n" * 1201, "1201 lines"),
+    ("sizes", "shell/Body.cpp", "void Body() {\n" + "    Go();\n" * 60 + "}\n",
+     "a function of 62 lines that does not say why"),
+    ("sizes", "shell/Body.cpp", "void Body() {\n" + "    Go();\n" * 40 + "}\n",
+     "functions over 35 lines"),
+    ("sizes", "shell/Body.cpp", "void Body() {\n" + "    Go();\n" * 20 + "}\n", ""),
+    ("debris", "shell/Rest.cpp", "int a;  // TO" + "DO\n", "unfinished work"),
+    ("debris", "shell/Rest.cpp", "int a;  // NO" + "LINT\n", "name the check"),
+    ("debris", "shell/Rest.cpp", "// Close(file);\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "int a; \n", "blanks at the end"),
+    ("debris", "shell/Rest.cpp", "// Closing it frees the lock.\n", ""),
+]
+# What the includes of the trials mean.
+THERE = ["worksheets/Form.h", "jet/include/jet/database.h", "jet/src/page/pager.h",
+         "datafile/Zone.h"]
+
+
+def say(gate, name, contents):
+    with tempfile.TemporaryDirectory(prefix="tarn gates ") as folder:
+        root = Path(folder)
+        shutil.copytree(GATES, root / "tools/gates", ignore=shutil.ignore_patterns("__pycache__"))
+        for file in [*THERE, name]:
+            (root / file).parent.mkdir(parents=True, exist_ok=True)
+            (root / file).write_text(contents if file == name else "#pragma once\n",
+                                     encoding="utf-8")
+        run = subprocess.run([sys.executable, "-B", root / f"tools/gates/{gate}.py"],
+                             capture_output=True, text=True, check=False)
+    return run.returncode, run.stdout + run.stderr
+
+
+def main():
+    offenders = []
+    for gate, name, contents, wanted in TRIALS:
+        code, said = say(gate, name, contents)
+        if code != (1 if wanted else 0) or wanted not in said:
+            offenders.append(f"{gate} on {name} ({wanted or 'nothing wrong'}): {code}, {said}")
+    tree.finish(offenders, "the gates find what they are there for")
+
+
+main()
