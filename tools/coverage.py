@@ -1,117 +1,136 @@
 #!/usr/bin/env python3
 """Line and branch coverage of the engine and of the rule code, by folder and file.
 
-Builds into build-coverage, runs the tests without windows of their own, and reads what gcov counted.
-Branches that only an exception takes are left out, and so are lines that say "// unreachable:".
+Builds with clang into build-coverage, runs the tests, and reads what the instrumented source
+counted: each condition of the source has two ways, each case of a switch one; what the compiler
+adds for exceptions does not count. A condition that cannot turn out one way is marked on its line,
+or on the one before, with "// unreachable:" and the reason.
+
+Usage: tools/coverage.py [--only-report] [--missed]
+  --only-report  reads what the last run counted
+  --missed       names every way that no test takes
 Exit status 1 when a folder has less than the promised share of its branches."""
 import collections
 import concurrent.futures
 import json
 import os
+import re
+import shutil
 import subprocess
 import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build-coverage"
+PROFILES = BUILD / "profiles"
 LEAST = 95.0
-TESTS = "jet|datafile|import|worksheets|platform|shell"
+TESTS = ("jet", "datafile", "import", "worksheets", "platform", "shell")
 # What is measured; forms, which the whole-program tests drive, are not rule code.
 MEASURED = ("jet/src/", "jet/include/", "platform/text/", "platform/dao/", "datafile/", "import/",
             "worksheets/")
 WINDOWS = ("frm", "UnitBox", "ImportProgressBox")
+MARK = "unreachable:"
 
 
 def measured(name):
     return name.startswith(MEASURED) and not Path(name).name.startswith(WINDOWS)
 
 
-def build_and_run():
+def build():
     subprocess.run([ROOT / "tools/build.sh", BUILD, "all", "-DCMAKE_BUILD_TYPE=Debug",
-                    "-DCMAKE_CXX_FLAGS=--coverage -O0", "-DTARN_GATES=OFF"], check=True)
-    for old in BUILD.rglob("*.gcda"):
-        old.unlink()
-    subprocess.run(["ctest", "--test-dir", BUILD, "-j", str(os.cpu_count()), "-R", f"^({TESTS})\\.",
-                    "--output-on-failure"], stdout=subprocess.DEVNULL, check=False)
+                    "-DCMAKE_CXX_COMPILER=clang++", "-DTARN_GATES=OFF",
+                    "-DCMAKE_CXX_FLAGS_DEBUG=-O1 -fprofile-instr-generate -fcoverage-mapping"],
+                   check=True)
 
 
-def counts_of(gcda):
-    run = subprocess.run(["gcov", "--stdout", "--json-format", "--branch-probabilities", str(gcda)],
-                         capture_output=True, check=False, cwd=BUILD)
-    found = []
-    for document in run.stdout.splitlines():
-        try:
-            found += json.loads(document)["files"]
-        except (ValueError, KeyError):
-            continue
-    return found
+def run_tests():
+    shutil.rmtree(PROFILES, ignore_errors=True)
+    PROFILES.mkdir()
+    environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen",
+                   "LLVM_PROFILE_FILE": str(PROFILES / "%m-%p.profraw")}
 
+    def run(name):
+        with open(BUILD / f"{name}.log", "w", encoding="utf-8") as log:
+            return name, subprocess.run([BUILD / f"bin/{name}_tests", "--gtest_brief=1"], stdout=log,
+                                        stderr=log, check=False, cwd=BUILD,
+                                        env=environment).returncode
 
-def collect():
-    """File to line to (hits, branches); the same header counts once, whoever includes it."""
-    lines = collections.defaultdict(dict)
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for files in pool.map(counts_of, BUILD.rglob("*.gcda")):
-            for file in files:
-                path = Path(os.path.normpath(BUILD / file["file"]))
-                if not path.is_relative_to(ROOT) or not measured(str(path.relative_to(ROOT))):
-                    continue
-                known = lines[path]
-                for line in file["lines"]:
-                    add(known, line)
-    return lines
+        failed = [name for name, status in pool.map(run, TESTS) if status]
+    for name in failed:
+        print(f"Tests of {name} failed; see {BUILD / name}.log.")
+    return not failed
 
 
-def add(known, line):
-    branches = [branch["count"] for branch in line["branches"] if not branch["throw"]]
-    hits, former = known.get(line["line_number"], (0, []))
-    # Each instance of a template has branches of its own; each way is taken when any took it.
-    if len(former) == len(branches):
-        branches = [a + b for a, b in zip(former, branches)]
-    elif len(former) > len(branches):
-        branches = former
-    known[line["line_number"]] = (hits + line["count"], branches)
+def exported():
+    """What llvm-cov says of the measured files."""
+    total = BUILD / "total.profdata"
+    subprocess.run(["llvm-profdata", "merge", "-sparse", "-o", total, *PROFILES.glob("*.profraw")],
+                   check=True)
+    programs = [BUILD / f"bin/{name}_tests" for name in TESTS]
+    objects = [word for program in programs[1:] for word in ("-object", program)]
+    run = subprocess.run(["llvm-cov", "export", programs[0], *objects, "-instr-profile", total],
+                         check=True, capture_output=True)
+    for file in json.loads(run.stdout)["data"][0]["files"]:
+        path = Path(file["filename"])
+        if path.is_relative_to(ROOT) and measured(str(path.relative_to(ROOT))):
+            yield path, file
 
 
-def totals(path, known):
+def decided_by_the_compiler(source, line, column, end):
+    before = source[line - 1][:column - 1]
+    return re.search(r"if constexpr \($", before) or source[line - 1][column - 1:end - 1] == "true"
+
+
+def ways(path, file):
+    """Every way of every condition: line, column, which, count. Each instance of a template has
+    counts of its own; a way is taken when any instance took it."""
     source = path.read_text(encoding="utf-8").splitlines()
-    lines = taken_lines = branches = taken = 0
-    missed = []
-    for number, (hits, ways) in sorted(known.items()):
-        if number <= len(source) and "unreachable:" in "".join(source[max(0, number - 2):number]):
-            continue
-        lines += 1
-        taken_lines += hits > 0
-        branches += len(ways)
-        taken += sum(way > 0 for way in ways)
-        if hits == 0 or any(way == 0 for way in ways):
-            missed.append(str(number))
-    return [lines, taken_lines, branches, taken], missed
+    counts = collections.Counter()
+    for line, column, _, end, true, false, *_ in file["branches"]:
+        marked = MARK in source[line - 1] or (line > 1 and MARK in source[line - 2])
+        if not marked and not decided_by_the_compiler(source, line, column, end):
+            counts[line, column, "true"] += true
+            counts[line, column, "false"] += false
+    return counts
 
 
 def share(part, whole):
     return 100.0 * part / whole if whole else 100.0
 
 
-def main():
-    if "--only-report" not in sys.argv:
-        build_and_run()
+def report(files, all_missed):
     folders = collections.defaultdict(lambda: [0, 0, 0, 0])
-    print(f"{'file':50} {'lines':>7} {'branches':>9}  not covered")
-    for path, known in sorted(collect().items()):
+    print(f"{'file':50} {'lines':>7} {'branches':>9}  not taken")
+    for path, file in sorted(files, key=lambda entry: entry[0]):
         name = str(path.relative_to(ROOT))
-        counts, missed = totals(path, known)
-        for position, count in enumerate(counts):
-            folders[name.split("/")[0]][position] += count
-        print(f"{name:50} {share(counts[1], counts[0]):6.1f}% {share(counts[3], counts[2]):8.1f}%"
-              f"  {' '.join(missed[:12])}{' ...' if len(missed) > 12 else ''}")
+        counts = ways(path, file)
+        missed = [place for place, count in sorted(counts.items()) if count == 0]
+        lines = file["summary"]["lines"]
+        figures = (lines["covered"], lines["count"], len(counts) - len(missed), len(counts))
+        for position, figure in enumerate(figures):
+            folders[name.split("/")[0]][position] += figure
+        numbers = sorted({line for line, _, _ in missed})
+        print(f"{name:50} {share(*figures[:2]):6.1f}% {share(*figures[2:]):8.1f}%  "
+              f"{' '.join(map(str, numbers[:12]))}{' ...' if len(numbers) > 12 else ''}")
+        if all_missed:
+            for line, column, way in missed:
+                print(f"    {name}:{line}:{column}: never {way}")
     print()
+    return folders
+
+
+def main():
+    passed = True
+    if "--only-report" not in sys.argv:
+        build()
+        passed = run_tests()
     short = False
-    for folder, counts in sorted(folders.items()):
-        branches = share(counts[3], counts[2])
+    for folder, figures in sorted(report(exported(), "--missed" in sys.argv).items()):
+        branches = share(*figures[2:])
         short |= branches < LEAST
-        print(f"{folder:50} {share(counts[1], counts[0]):6.1f}% {branches:8.1f}%")
-    sys.exit(1 if short else 0)
+        print(f"{folder:50} {share(*figures[:2]):6.1f}% {branches:8.1f}%")
+    sys.exit(1 if short or not passed else 0)
 
 
 main()
