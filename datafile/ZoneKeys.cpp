@@ -56,11 +56,10 @@ void AddCostRow(std::int32_t zoneKey, int sequence) {
     tblSuppressionPerAcreCost->Update();
 }
 
+// Deleting after a seek that failed is an error, never the end of another row.
 void DeleteCostRow(std::int32_t zoneKey, int sequence) {
     tblSuppressionPerAcreCost->Seek("=", {zoneKey, sequence});
-    if (!tblSuppressionPerAcreCost->NoMatch()) {
-        tblSuppressionPerAcreCost->Delete();
-    }
+    tblSuppressionPerAcreCost->Delete();
 }
 
 bool HasValueRow(std::int32_t key, int resource) {
@@ -76,9 +75,8 @@ void AddValueRow(std::int32_t key, int resource) {
 }
 
 void DeleteValueRow(std::int32_t key, int resource) {
-    if (HasValueRow(key, resource)) {
-        tblNVCPerAcre->Delete();
-    }
+    tblNVCPerAcre->Seek("=", {key, resource});
+    tblNVCPerAcre->Delete();
 }
 
 void DeleteZone(std::int32_t zoneKey, const QString& name) {

@@ -46,7 +46,7 @@ def build():
 def run_tests():
     shutil.rmtree(PROFILES, ignore_errors=True)
     PROFILES.mkdir()
-    environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen",
+    environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "TARN_DAMAGE": "20",
                    "LLVM_PROFILE_FILE": str(PROFILES / "%m-%p.profraw")}
 
     def run(name):
@@ -72,23 +72,26 @@ def exported():
     run = subprocess.run(["llvm-cov", "export", programs[0], *objects, "-instr-profile", total],
                          check=True, capture_output=True)
     for file in json.loads(run.stdout)["data"][0]["files"]:
-        path = Path(file["filename"])
-        if path.is_relative_to(ROOT) and measured(str(path.relative_to(ROOT))):
+        path = Path(os.path.normpath(BUILD / file["filename"]))
+        if path.is_file() and path.is_relative_to(ROOT) and measured(str(path.relative_to(ROOT))):
             yield path, file
 
 
 def decided_by_the_compiler(source, line, column, end):
-    before = source[line - 1][:column - 1]
-    return re.search(r"if constexpr \($", before) or source[line - 1][column - 1:end - 1] == "true"
+    """Constant conditions, and the way past a switch without a default: it lists every value, or
+    the compiler warns."""
+    before = source[line][:column - 1]
+    return (re.search(r"(if constexpr|switch) \($", before)
+            or source[line][column - 1:end - 1] == "true")
 
 
 def ways(path, file):
     """Every way of every condition: line, column, which, count. Each instance of a template has
     counts of its own; a way is taken when any instance took it."""
-    source = path.read_text(encoding="utf-8").splitlines()
+    source = collections.defaultdict(str, enumerate(path.read_text(encoding="utf-8").splitlines(), 1))
     counts = collections.Counter()
     for line, column, _, end, true, false, *_ in file["branches"]:
-        marked = MARK in source[line - 1] or (line > 1 and MARK in source[line - 2])
+        marked = MARK in source[line] or MARK in source[line - 1]
         if not marked and not decided_by_the_compiler(source, line, column, end):
             counts[line, column, "true"] += true
             counts[line, column, "false"] += false

@@ -5,7 +5,7 @@ set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build-windows"
 
-"$root/tools/build.sh" "$build" all -DTARN_ENGINE_ONLY=ON \
+"$root/tools/build.sh" "$build" all -DTARN_ENGINE_ONLY=ON -DTARN_TESTS=ON \
     -DCMAKE_TOOLCHAIN_FILE="$root/tools/windows/mingw-w64.cmake"
 
 wine=$(command -v wine64 || command -v /usr/lib/wine/wine64 || true)

@@ -320,4 +320,72 @@ TEST_F(LifeTest, QueryOpenDatafile_Cancelled_LeavesTheOpenFile) {
     EXPECT_EQ(host_.releases, 0);
 }
 
+TEST_F(LifeTest, OpenDatatables_ConversionThatWasCutOff_IsFinished) {
+    const QString path = NewFile();
+    OpenFile(path);
+    tblManagementGoals->AddNew();
+    tblManagementGoals->SetField(QStringLiteral("ManagementArea"), QStringLiteral("Watershed"));
+    tblManagementGoals->Update();
+    PrepProperties::SetProperty(QStringLiteral("DataFormatID"), QStringLiteral("3.00.00"));
+    PrepDatafile::CloseDatafile();
+    OpenFile(path);
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("DataFormatID")),
+              QStringLiteral("4.01.01"));
+    EXPECT_EQ(tblManagementGoals->RecordCount(), 1);
+}
+
+TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedEarly_BringsItsChangesInAndSaysSo) {
+    OpenNewFile();
+    tblFMZList->AddNew();
+    tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("North"));
+    tblFMZList->Update();
+    // What a process that ends here leaves: the file and its log.
+    const QString left = folder_.CostsPath(QStringLiteral("LEFT26.FCD"));
+    support::Copy(PrepDatafile::CurrentPath(), left);
+    support::Copy(PrepDatafile::CurrentPath() + QStringLiteral("-log"),
+                  left + QStringLiteral("-log"));
+    const QString readElsewhere = folder_.CostsPath(QStringLiteral("READ26.FCD"));
+    support::Copy(left, readElsewhere);
+    support::Copy(left + QStringLiteral("-log"), readElsewhere + QStringLiteral("-log"));
+    PrepDatafile::CloseDatafile();
+    folder_.ForgetTrace();
+    OpenFile(left);
+    EXPECT_EQ(tblFMZList->RecordCount(), 1);
+    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("1 changes of an interrupted run")).size(), 1);
+    // A reader has them brought in as well.
+    const auto reader = dao::Database::Open(readElsewhere, dao::OpenMode::kShared);
+    EXPECT_EQ(reader->RecoveredOperations(), 1);
+    EXPECT_EQ(reader->OpenTable(QStringLiteral("FMZList"))->RecordCount(), 1);
+    reader->Close();
+}
+
+TEST_F(LifeTest, QueryNewDatafile_TemplateThatIsNone_IsRefused) {
+    QFile::remove(folder_.Path(QStringLiteral("FCD.new")));
+    support::WriteBytes(folder_.Path(QStringLiteral("FCD.new")), "no database");
+    support::Answers answers;
+    answers.Then([](QWidget& dialog) { NameUnit(dialog, QStringLiteral("gpf")); });
+    EXPECT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kFailed);
+    EXPECT_EQ(answers.Texts(), QStringList{kNotPrepFile});
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+}
+
+TEST_F(LifeTest, WithoutAShell_FilesAreOpenedAndRefusedAllTheSame) {
+    OpenNewFile();
+    PrepDatafile::SetHost(nullptr);
+    const QString text = folder_.CostsPath(QStringLiteral("notes.fcd"));
+    support::WriteBytes(text, "notes");
+    support::Answers answers;
+    answers.Then([text](QWidget& dialog) { Choose(dialog, text); });
+    EXPECT_EQ(PrepDatafile::QueryOpenDatafile(), PrepDatafile::kFailed);
+    EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+    EXPECT_EQ(host_.restarts + host_.releases, 0);
+}
+
+TEST_F(LifeTest, MakeDurable_OnceTheTablesAreClosed_DoesNothing) {
+    OpenNewFile();
+    PrepDatatables::CloseDatafile();
+    PrepDatafile::MakeDurable();
+    EXPECT_FALSE(PrepDatatables::dbDatafile);
+}
+
 }  // namespace

@@ -133,4 +133,21 @@ TEST(UnitFinder, SmallTableOfOtherOrigin_AllSearches_Answer) {
     EXPECT_EQ(finder.ListByName(QStringLiteral("zzzz")).size(), 6U);
 }
 
+TEST(UnitFinder, EmptyTable_ListsNothing) {
+    const ProgramFolder folder;
+    const QString path = folder.Path(QStringLiteral("fcdname.dat"));
+    {
+        const auto database = dao::Database::Open(path, dao::OpenMode::kExclusive);
+        const auto units = database->OpenTable(QStringLiteral("Units"));
+        for (; !units->EndOfFile(); units->MoveNext()) {
+            units->Delete();
+        }
+        database->Close();
+    }
+    UnitFinder finder;
+    finder.Open(path);
+    EXPECT_TRUE(finder.ListByID(QStringLiteral("GPF")).empty());
+    EXPECT_EQ(finder.FindUnit(QStringLiteral("GPF")).code, UnitFinder::kNotFound);
+}
+
 }  // namespace

@@ -46,6 +46,8 @@ TEST(ZoneKeys, FMZRLKey_Beyond32Bits_Overflows) {
     EXPECT_THROW(ZoneKeys::FMZRLKey(21474836, 48), platform::RuntimeError);
     EXPECT_THROW(ZoneKeys::FMZRLKey(std::numeric_limits<std::int32_t>::max(), 1),
                  platform::RuntimeError);
+    EXPECT_THROW(ZoneKeys::FMZRLKey(std::numeric_limits<std::int32_t>::min(), 1),
+                 platform::RuntimeError);
 }
 
 TEST_F(ZoneKeysTest, AddZone_ThreeLocations_AddsNineAndFortyTwoRows) {
@@ -124,6 +126,14 @@ TEST_F(ZoneKeysTest, AddCostRows_Twice_IsRefusedAndAddsNothing) {
     ZoneKeys::AddCostRows(5);
     ExpectDuplicateKey([] { ZoneKeys::AddCostRows(5); });
     EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 9);
+}
+
+TEST_F(ZoneKeysTest, AddLocationRows_BeyondTheHundredthOfALoneZone_KeepsWhatIsThere) {
+    const int zone = ZoneKeys::AddZone(QStringLiteral("North"), 1);
+    for (const int location : {100, 101}) {
+        EXPECT_EQ(ZoneKeys::AddLocationRows(zone, location, false), 0);
+        EXPECT_EQ(ZoneKeys::AddLocationRows(zone, location, true), 14) << location;
+    }
 }
 
 }  // namespace

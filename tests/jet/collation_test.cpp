@@ -63,6 +63,57 @@ TEST(Collation, GeneralLegacy_IgnoresUnitsWithoutALine) {
     }
 }
 
+TEST(Collation, GeneralLegacy_Kana_NoteTheirKindBehindTheWeights) {
+    // Small kana count 2, full ones 3; threes at the end are left out, three flags make a byte.
+    EXPECT_EQ(Legacy(u"\u3042"), FromHex("7F02"
+                                         "01"
+                                         "0101"
+                                         "FF0280FF80"
+                                         "00"));
+    EXPECT_EQ(Legacy(u"\u3041"), FromHex("7F02"
+                                         "01"
+                                         "0101"
+                                         "A0"
+                                         "FF0280FF80"
+                                         "00"));
+    EXPECT_EQ(Legacy(u"\u3042\u3041\u3042"), FromHex("7F027F027F02"
+                                                     "01"
+                                                     "0101"
+                                                     "B8"
+                                                     "FF0280FF80"
+                                                     "00"));
+    EXPECT_EQ(Legacy(u"\u3041\u3041\u3041\u3041"), FromHex("7F027F027F027F02"
+                                                           "01"
+                                                           "0101"
+                                                           "AAA0"
+                                                           "FF0280FF80"
+                                                           "00"));
+    // With the mark of the voiced letter, and before a sign that has a place but no weight.
+    EXPECT_EQ(Legacy(u"\u307C"), FromHex("7F2E"
+                                         "01"
+                                         "03"
+                                         "0101"
+                                         "FF0280FF80"
+                                         "00"));
+    EXPECT_EQ(Legacy(u"\u3041\u0001"), FromHex("7F02"
+                                               "01"
+                                               "0101"
+                                               "A0"
+                                               "FF0280FF80"
+                                               "FF"
+                                               "01"
+                                               "800B0603"
+                                               "00"));
+}
+
+TEST(Collation, GeneralLegacy_HalvesOfPairs_AreAllDifferent) {
+    std::set<Key> keys;
+    for (unsigned unit = 0xD800; unit <= 0xDFFF; ++unit) {
+        keys.insert(Legacy(std::u16string(1, static_cast<char16_t>(unit))));
+    }
+    EXPECT_EQ(keys.size(), 0x800U);
+}
+
 TEST(Collation, GeneralLegacy_CombiningMarkEqualsAccentedLetter) {
     EXPECT_EQ(Legacy(u"cafe\u0301s"), Legacy(u"caf\u00E9s"));
 }

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
+#include <vector>
 
 #include "jet/error.h"
 
@@ -121,6 +123,100 @@ TEST(ColumnValue, CutOffNumber_IsDamage) {
     const std::vector<std::byte> bytes(3);
     EXPECT_THROW(static_cast<void>(DecodeValue(Make(ColumnType::kLong), bytes, Version::kJet4)),
                  Error);
+}
+
+Column MakeDecimal(std::uint8_t precision, std::uint8_t scale) {
+    Column column = Make(ColumnType::kDecimal);
+    column.precision = precision;
+    column.scale = scale;
+    return column;
+}
+
+std::u16string AsDecimalText(const Column& column, const Value& value) {
+    return ConvertForColumn(column, value, Version::kJet4).AsText();
+}
+
+TEST(ColumnValue, Decimal_TakesNumbersAsTheyAreWritten) {
+    const Column column = MakeDecimal(28, 4);
+    EXPECT_EQ(AsDecimalText(column, u"-12.3456"), u"-12.3456");
+    EXPECT_EQ(AsDecimalText(column, u"1000000000000000000000"), u"1000000000000000000000");
+    EXPECT_EQ(AsDecimalText(column, 255.9999), u"255.9999");
+    // Halves go away from zero, and what lies behind the first digit left out does not count.
+    EXPECT_EQ(AsDecimalText(MakeDecimal(28, 1), u"0.25"), u"0.3");
+    EXPECT_EQ(AsDecimalText(MakeDecimal(28, 1), u"0.2499"), u"0.2");
+    EXPECT_EQ(AsDecimalText(MakeDecimal(28, 0), u"255.5"), u"256");
+}
+
+TEST(ColumnValue, Decimal_RefusesWhatIsNoneOrTooLong) {
+    const Column column = MakeDecimal(28, 2);
+    for (const char16_t* text : {u"1-", u"--1", u"1.2.3", u"1e5", u"12a", u"1:"}) {
+        EXPECT_EQ(KindOf(column, text), ErrorKind::kTypeMismatch);
+    }
+    EXPECT_EQ(KindOf(column, std::u16string(40, u'9')), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(column, std::u16string(38, u'3')), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(MakeDecimal(3, 0), 1000), ErrorKind::kOverflow);
+    // A file may say nothing of the digits.
+    EXPECT_EQ(AsDecimalText(MakeDecimal(0, 0), 1000), u"1000");
+}
+
+TEST(ColumnValue, GuidsAndBytes_StandForEachOther) {
+    Guid guid;
+    guid.bytes[3] = std::byte{7};
+    const Binary bytes(guid.bytes.begin(), guid.bytes.end());
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kGuid), bytes, Version::kJet4), Value(guid));
+    EXPECT_EQ(ConvertForColumn(Make(ColumnType::kBinary, 16), guid, Version::kJet4), Value(bytes));
+    EXPECT_EQ(KindOf(Make(ColumnType::kGuid), Binary(15)), ErrorKind::kTypeMismatch);
+    EXPECT_EQ(KindOf(Make(ColumnType::kGuid), u"{00000000}"), ErrorKind::kTypeMismatch);
+    EXPECT_EQ(KindOf(Make(ColumnType::kBinary, 16), 5), ErrorKind::kTypeMismatch);
+}
+
+TEST(ColumnValue, HalvesGoToTheEvenNeighbour_InMoneyToo) {
+    const Column money = Make(ColumnType::kCurrency);
+    EXPECT_EQ(ConvertForColumn(money, 0.00005, Version::kJet4), Value(Currency{0}));
+    EXPECT_EQ(ConvertForColumn(money, 0.00015, Version::kJet4), Value(Currency{2}));
+    EXPECT_EQ(ConvertForColumn(money, 0.00016, Version::kJet4), Value(Currency{2}));
+    EXPECT_EQ(ConvertForColumn(money, -0.00026, Version::kJet4), Value(Currency{-3}));
+}
+
+TEST(ColumnValue, ToBeLookedFor_YesAndNoAreValuesAndNullIsNone) {
+    const Column column = Make(ColumnType::kBoolean);
+    EXPECT_EQ(ConvertForSearch(column, 5), Value(true));
+    EXPECT_EQ(ConvertForSearch(column, Value()), Value());
+    EXPECT_EQ(ConvertForColumn(column, Value(), Version::kJet4), Value(false));
+    EXPECT_EQ(ConvertForSearch(Make(ColumnType::kOle), Binary(3)), Value(Binary(3)));
+    EXPECT_EQ(ConvertForSearch(Make(ColumnType::kText, 4), u"longer"), Value(u"longer"));
+}
+
+TEST(ColumnValue, TypeThatIsNotKnown_IsReadAsBytesAndNeverWritten) {
+    const Column column = Make(static_cast<ColumnType>(0x0E), 4);
+    EXPECT_EQ(KindOf(column, 5), ErrorKind::kUnsupported);
+    EXPECT_EQ(DecodeValue(column, Binary(4), Version::kJet4), Value(Binary(4)));
+    double number = 0;
+    EXPECT_FALSE(DecodeNumber(column, Binary(4), number));
+}
+
+TEST(ColumnValue, DecodeNumber_ReadsEveryKindOfNumber) {
+    const std::pair<ColumnType, double> cases[] = {
+        {ColumnType::kByte, 200},   {ColumnType::kInteger, -2},  {ColumnType::kLong, -70000},
+        {ColumnType::kSingle, 0.5}, {ColumnType::kDouble, 1e99}, {ColumnType::kDate, 2.25}};
+    for (const auto& [type, number] : cases) {
+        const Column column = Make(type);
+        std::vector<std::byte> bytes;
+        EncodeValue(column, ConvertForColumn(column, number, Version::kJet4), Version::kJet4,
+                    bytes);
+        double read = 0;
+        EXPECT_TRUE(DecodeNumber(column, bytes, read));
+        EXPECT_EQ(read, number);
+    }
+    double untouched = 7;
+    EXPECT_FALSE(DecodeNumber(Make(ColumnType::kCurrency), Binary(8), untouched));
+    EXPECT_EQ(untouched, 7);
+}
+
+TEST(ColumnValue, EncodingAValueOfAnotherKind_IsAMismatch) {
+    std::vector<std::byte> bytes;
+    EXPECT_THROW(EncodeValue(Make(ColumnType::kLong), u"5", Version::kJet4, bytes), Error);
+    EXPECT_THROW(EncodeValue(Make(ColumnType::kBinary, 4), 5, Version::kJet4, bytes), Error);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <memory>
 #include <set>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "jet/error.h"
@@ -153,6 +155,47 @@ TEST_P(PagerTest, UsageMap_KeepsAnySetOfPages) {
     EXPECT_EQ(neighbour.NextFrom({}), PageNumber{11});
     EXPECT_EQ(neighbour.NextFrom(PageNumber{12}), std::nullopt);
     operation.Commit();
+}
+
+TEST_P(PagerTest, MisusedOperations_AreTold) {
+    const auto pager = MakeFile();
+    EXPECT_THROW(pager->Change(PageNumber{3}), std::logic_error);
+    EXPECT_THROW(pager->Allocate(), std::logic_error);
+    {
+        const Operation operation(*pager);
+        EXPECT_THROW(const Operation second(*pager), std::logic_error);
+        pager->Change(PageNumber{3})[0] = std::byte{1};
+        EXPECT_THROW(pager->MakeDurable(), std::logic_error);
+    }
+    pager->Close();
+    pager->Close();
+    pager->MakeDurable();
+    pager->Abandon();
+    try {
+        const Operation operation(*pager);
+        ADD_FAILURE() << "an operation on a closed file";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Kind(), ErrorKind::kClosed);
+    }
+}
+
+TEST_P(PagerTest, LogsThatDoNotBelong_ArePutAsideUnderNamesThatAreFree) {
+    MakeFile()->Close();
+    for (int round = 0; round < 3; ++round) {
+        files_->Open("a file.mdb-log", OpenMode::kCreateNew)
+            ->Write(0, std::vector<std::byte>(700, std::byte{7}));
+        Recovery recovery;
+        Pager::Open(*files_, "a file.mdb", {}, recovery)->Close();
+        EXPECT_TRUE(recovery.foreignLogIgnored);
+    }
+    for (const char* name : {"-old", "-old2", "-old3"}) {
+        EXPECT_TRUE(files_->Exists(std::string("a file.mdb-log") + name)) << name;
+    }
+    // A log of a file that is gone does not become the log of a new one of its name.
+    files_->Remove("a file.mdb");
+    files_->Open("a file.mdb-log", OpenMode::kCreateNew)->Write(0, std::vector<std::byte>(9));
+    MakeFile()->Close();
+    EXPECT_TRUE(files_->Exists("a file.mdb-log-old4"));
 }
 
 }  // namespace

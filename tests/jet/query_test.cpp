@@ -126,5 +126,34 @@ TEST(ParseQuery, AnythingElse_IsASyntaxError) {
     }
 }
 
+Value LiteralIn(const std::string& sign) {
+    return ParseQuery("SELECT * FROM t WHERE a = " + sign).conditions.at(0).literal;
+}
+
+TEST(ParseQuery, Numbers_InEveryForm) {
+    EXPECT_EQ(LiteralIn("+7"), Value(7));
+    EXPECT_EQ(LiteralIn("-7"), Value(-7));
+    EXPECT_EQ(LiteralIn(".5"), Value(0.5));
+    EXPECT_EQ(LiteralIn("-.5"), Value(-0.5));
+    EXPECT_EQ(LiteralIn("+.5"), Value(0.5));
+    EXPECT_EQ(LiteralIn("2e3"), Value(2000.0));
+    EXPECT_EQ(LiteralIn("2E+3"), Value(2000.0));
+    EXPECT_EQ(LiteralIn("2e-3"), Value(0.002));
+    EXPECT_EQ(LiteralIn("3000000000"), Value(3e9));
+    for (const char* wrong : {"1-2", "1+2", "1.2.3", "2e", "-", "+x", ".", ".x", "5x", "5_"}) {
+        EXPECT_NE(SyntaxError(std::string("SELECT * FROM t WHERE a = ") + wrong), "") << wrong;
+    }
+}
+
+TEST(ParseQuery, BlanksOfEveryKind_AndNamesOfEveryLetter) {
+    const Query query = ParseQuery("SELECT\t_x9,\r\nZ\xC3\xA9z FROM\tt");
+    EXPECT_EQ(query.fields, (std::vector<std::string>{"_x9", "Z\xC3\xA9z"}));
+    EXPECT_EQ(query.table, "t");
+    for (const char* wrong :
+         {"SELECT * FROM t{", "SELECT * FROM t^", "SELECT ~ FROM t", "SEL{CT * FROM t"}) {
+        EXPECT_NE(SyntaxError(wrong), "") << wrong;
+    }
+}
+
 }  // namespace
 }  // namespace jet

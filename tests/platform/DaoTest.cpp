@@ -5,6 +5,7 @@
 #include <QSize>
 #include <QTemporaryDir>
 
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -182,6 +183,39 @@ TEST(DaoValues, Variants_OfEachNumberType_KeepTheirValue) {
     EXPECT_EQ(dao::ToVariant(jet::Value(true)), QVariant(-1));
     EXPECT_EQ(dao::ToVariant(jet::Value(jet::Currency{12345})), QVariant(1.2345));
     EXPECT_EQ(dao::ToVariant(jet::Value(jet::Date{2.5})), QVariant(2.5));
+}
+
+TEST(DaoValues, VariantsOfOtherKinds_KeepTheirValueOrAreRefused) {
+    EXPECT_EQ(dao::ToValue(QVariant(true)), jet::Value(true));
+    EXPECT_EQ(dao::ToValue(QVariant::fromValue(std::int16_t{-7})), jet::Value(-7));
+    EXPECT_EQ(dao::ToValue(QVariant::fromValue(std::uint16_t{7})), jet::Value(7));
+    EXPECT_EQ(dao::ToValue(QVariant(7U)), jet::Value(7));
+    EXPECT_EQ(dao::ToValue(QVariant::fromValue(-7L)), jet::Value(-7));
+    EXPECT_EQ(dao::ToValue(QVariant(-(qlonglong(1) << 40))), jet::Value(-1099511627776.0));
+    EXPECT_EQ(NumberOf([] { (void)dao::ToValue(QVariant(QSize(1, 2))); }), platform::kTypeMismatch);
+    EXPECT_EQ(dao::ToVariant(jet::Value(false)), QVariant(0));
+    const jet::Binary bytes{std::byte{1}, std::byte{0}, std::byte{255}};
+    EXPECT_EQ(dao::ToValue(dao::ToVariant(jet::Value(bytes))), jet::Value(bytes));
+    jet::Guid guid;
+    guid.bytes[15] = std::byte{9};
+    EXPECT_EQ(dao::ToVariant(jet::Value(guid)).toByteArray().size(), 16);
+    EXPECT_EQ(dao::ToVariant(jet::Value(guid)).toByteArray().back(), char{9});
+}
+
+TEST_F(DaoTest, PrimaryIndex_IsUniqueWithoutBeingCalledSo) {
+    const auto database = Open();
+    dao::TableDefinition table;
+    table.name = QStringLiteral("Names");
+    table.fields = {{QStringLiteral("Name"), dao::FieldType::kText, 20}};
+    table.indexes = {{QStringLiteral("PrimaryKey"), {QStringLiteral("Name")}, true, false}};
+    database->AppendTable(table);
+    const auto names = database->OpenTable(QStringLiteral("Names"));
+    names->AddNew();
+    names->SetField(QStringLiteral("Name"), QStringLiteral("a"));
+    names->Update();
+    names->AddNew();
+    names->SetField(QStringLiteral("Name"), QStringLiteral("A"));
+    EXPECT_EQ(NumberOf([&] { names->Update(); }), platform::kDuplicateKey);
 }
 
 }  // namespace

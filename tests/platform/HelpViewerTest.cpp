@@ -55,12 +55,12 @@ class HelpViewerTest : public testing::Test {
 protected:
     void TearDown() override { platform::HelpViewer::Close(); }
     QTemporaryDir folder_{QDir::tempPath() + "/tarn help XXXXXX"};
+};
 
-    // With the help file of this build.
-    class BuiltHelpTest : public HelpViewerTest {
-    protected:
-        void SetUp() override { platform::HelpViewer::SetHelpFile(BuiltHelpFile()); }
-    };
+// With the help file of this build.
+class BuiltHelpTest : public HelpViewerTest {
+protected:
+    void SetUp() override { platform::HelpViewer::SetHelpFile(BuiltHelpFile()); }
 };
 
 TEST_F(HelpViewerTest, Context_ShowsItsTopic) {

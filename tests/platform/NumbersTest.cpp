@@ -76,7 +76,10 @@ TEST(CDbl, WholeTextMustBeANumber) {
     EXPECT_EQ(platform::CDbl("-$3"), -3);
     EXPECT_EQ(platform::CDbl("(4.5)"), -4.5);
     EXPECT_EQ(platform::CDbl("1e2"), 100);
-    for (const char* text : {"", "abc", "12abc", "--1", "1.2.3", "$", "()", "-", "$-"}) {
+    EXPECT_EQ(platform::CDbl("+7"), 7);
+    EXPECT_EQ(platform::CDbl("(-2)"), 2);
+    for (const char* text :
+         {"", "abc", "12abc", "--1", "1.2.3", "$", "()", "-", "$-", "(5", "$+5"}) {
         EXPECT_EQ(ErrorOf([&] { (void)platform::CDbl(text); }), platform::kTypeMismatch) << text;
     }
     EXPECT_EQ(platform::CSng("0.1"), 0.1F);
@@ -94,6 +97,7 @@ TEST(CLng, HalvesGoToTheEvenNeighbour) {
     EXPECT_EQ(platform::CInt(32767.4), 32767);
     EXPECT_EQ(platform::CInt(0.5), 0);
     EXPECT_EQ(ErrorOf([] { (void)platform::CInt(32767.5); }), platform::kOverflow);
+    EXPECT_EQ(ErrorOf([] { (void)platform::CInt(-32769); }), platform::kOverflow);
 }
 
 TEST(ToSingle, RoundsOrOverflows) {
@@ -103,6 +107,7 @@ TEST(ToSingle, RoundsOrOverflows) {
     EXPECT_EQ(platform::ToSingle(3.40282356e38), std::numeric_limits<float>::max());
     EXPECT_EQ(ErrorOf([] { (void)platform::ToSingle(3.5e38); }), platform::kOverflow);
     EXPECT_EQ(ErrorOf([] { (void)platform::ToSingle(-1e300); }), platform::kOverflow);
+    EXPECT_TRUE(std::isnan(platform::ToSingle(std::nan(""))));
 }
 
 TEST(Str, ShortestText) {
@@ -192,6 +197,25 @@ TEST(Format, Patterns) {
         EXPECT_EQ(Format(c.value, c.pattern), c.shown) << c.value << " by " << c.pattern;
     }
     EXPECT_EQ(Format(std::nan(""), "#.00"), "NaN");
+}
+
+TEST(Val, NumbersNearerToZeroThanAnyDouble_AreZero) {
+    EXPECT_EQ(platform::Val("1e-400"), 0);
+    EXPECT_EQ(platform::Val("1d-400x"), 0);
+    EXPECT_EQ(ErrorOf([] { (void)platform::Val("1e400"); }), platform::kOverflow);
+    EXPECT_EQ(ErrorOf([] { (void)platform::Val(QString(400, u'9')); }), platform::kOverflow);
+}
+
+TEST(Str, WhatIsNoFiniteNumber_HasAName) {
+    EXPECT_EQ(Str(std::numeric_limits<double>::infinity()), "Inf");
+    EXPECT_EQ(Str(-std::numeric_limits<float>::infinity()), "-Inf");
+    EXPECT_EQ(Str(std::nan("")), "NaN");
+}
+
+TEST(Format, DigitsThatAreAlwaysShown) {
+    EXPECT_EQ(platform::Format(7, "000"), "007");
+    EXPECT_EQ(platform::Format(1234, "0#"), "1234");
+    EXPECT_EQ(platform::Format(3, "acres"), "acres3");
 }
 
 }  // namespace

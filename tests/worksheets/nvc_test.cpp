@@ -132,10 +132,12 @@ TEST_F(NVCTest, ResourceNames_AreReadAndOnlyChangedOnesWritten) {
     names.SetName(14, QStringLiteral("Cabins"));
     names.Save();
     names.Save();
+    for (const int resource : {0, 15}) {
+        EXPECT_THROW((void)names.Name(resource), platform::RuntimeError);
+    }
     NVCResourceNames again;
     again.Load();
     EXPECT_EQ(again.Name(14), QStringLiteral("Cabins"));
-    EXPECT_THROW((void)names.Name(15), platform::RuntimeError);
 }
 
 TEST_F(NVCTest, Setup_ShowsTheFirstLocationOfTheFirstZone) {

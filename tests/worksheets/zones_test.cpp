@@ -305,4 +305,21 @@ TEST_F(ZonesTest, EverythingTyped_LeavesAFileThatTheJudgePasses) {
     EXPECT_EQ(support::Complaints(path), QString());
 }
 
+TEST_F(ZonesTest, LoadFMZs_WithoutZones_EmptiesTheBox) {
+    QComboBox zones;
+    zones.addItem(QStringLiteral("left over"));
+    mFMZs::LoadFMZs(zones);
+    EXPECT_EQ(zones.count(), 0);
+}
+
+TEST_F(ZonesTest, RecordsOfAZone_WithoutLocationsOrAbsent_AreCountedFromOneOrRefused) {
+    const std::int32_t zone = ZoneRecords::Create(QStringLiteral("North"), 0);
+    tblFMZList->Seek("=", {zone});
+    EXPECT_EQ(tblFMZList->Long(QStringLiteral("RLCount")), 1);
+    ZoneRecords::Change(zone, QStringLiteral("North"), -5);
+    tblFMZList->Seek("=", {zone});
+    EXPECT_EQ(tblFMZList->Long(QStringLiteral("RLCount")), 1);
+    EXPECT_THROW(ZoneRecords::Change(zone + 1, QStringLiteral("South"), 2), platform::RuntimeError);
+}
+
 }  // namespace

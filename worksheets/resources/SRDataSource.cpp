@@ -18,16 +18,11 @@ const QString& SRDataSource::Get() {
 void SRDataSource::Let(const QString& value) {
     value_ = value;
     changed_ = true;
-    savePending_ = true;
 }
 
 void SRDataSource::Save() {
-    if (!savePending_) {
-        return;
-    }
     if (changed_) {
         PrepProperties::SetProperty(kProperty, value_);
         changed_ = false;
     }
-    savePending_ = false;
 }

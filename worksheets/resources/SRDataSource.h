@@ -13,5 +13,4 @@ public:
 private:
     QString value_;
     bool changed_ = false;
-    bool savePending_ = false;
 };

@@ -9,49 +9,11 @@
 
 #include "jet/error.h"
 #include "jet/file.h"
+#include "os/posix_errors.h"
 
 namespace jet {
 
 namespace {
-
-[[noreturn]] void ThrowForOpening(int code, const std::filesystem::path& path) {
-    const std::string name = "\"" + path.filename().string() + "\"";
-    switch (code) {
-        case ENOENT:
-        case ENOTDIR:
-        case ENAMETOOLONG:
-        case ELOOP:
-            throw Error(ErrorKind::kFileNotFound, "The file " + name + " cannot be found.");
-        case EEXIST:
-            throw Error(ErrorKind::kAlreadyExists, "The file " + name + " exists already.");
-        case EROFS:
-            throw Error(ErrorKind::kReadOnly, "The medium of " + name + " is read-only.");
-        case EACCES:
-        case EPERM:
-        case EISDIR:
-            throw Error(ErrorKind::kPermissionDenied, "Access to " + name + " is denied.");
-        case ETXTBSY:
-            throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
-        case ENOSPC:
-        case EDQUOT:
-            throw Error(ErrorKind::kDiskFull, "There is no room left on the disk.");
-        default:
-            throw Error(ErrorKind::kIo, "The file " + name + " cannot be opened.");
-    }
-}
-
-[[noreturn]] void ThrowForTransfer(int code, const char* what) {
-    switch (code) {
-        case ENOSPC:
-        case EDQUOT:
-            throw Error(ErrorKind::kDiskFull, "There is no room left on the disk.");
-        case EFBIG:
-            throw Error(ErrorKind::kFileTooLarge, "The file has reached the largest size allowed.");
-        default:
-            throw Error(ErrorKind::kIo, std::string("The file could not be ") + what +
-                                            " (system error " + std::to_string(code) + ").");
-    }
-}
 
 template <typename Call>
 auto Retrying(Call call) {
@@ -70,7 +32,7 @@ public:
             const ssize_t got = Retrying([&] {
                 return ::pread(descriptor_, into.data(), into.size(), static_cast<off_t>(offset));
             });
-            if (got < 0) ThrowForTransfer(errno, "read");
+            if (got < 0) throw ErrorOfTransfer(errno, "read");
             if (got == 0) throw Error(ErrorKind::kIo, "The file is shorter than expected.");
             offset += static_cast<std::uint64_t>(got);
             into = into.subspan(static_cast<std::size_t>(got));
@@ -82,8 +44,9 @@ public:
             const ssize_t put = Retrying([&] {
                 return ::pwrite(descriptor_, from.data(), from.size(), static_cast<off_t>(offset));
             });
-            if (put < 0) ThrowForTransfer(errno, "written");
-            if (put == 0) ThrowForTransfer(ENOSPC, "written");
+            if (put < 0) throw ErrorOfTransfer(errno, "written");
+            // unreachable: a regular file takes bytes or says why not; this would loop for ever
+            if (put == 0) throw ErrorOfTransfer(ENOSPC, "written");
             offset += static_cast<std::uint64_t>(put);
             from = from.subspan(static_cast<std::size_t>(put));
         }
@@ -91,13 +54,13 @@ public:
 
     std::uint64_t Size() override {
         struct stat status {};
-        if (::fstat(descriptor_, &status) != 0) ThrowForTransfer(errno, "examined");
+        if (::fstat(descriptor_, &status) != 0) throw ErrorOfTransfer(errno, "examined");
         return static_cast<std::uint64_t>(status.st_size);
     }
 
     void Truncate(std::uint64_t size) override {
         if (Retrying([&] { return ::ftruncate(descriptor_, static_cast<off_t>(size)); }) != 0) {
-            ThrowForTransfer(errno, "shortened");
+            throw ErrorOfTransfer(errno, "shortened");
         }
     }
 
@@ -107,7 +70,7 @@ public:
 #else
         const int failed = Retrying([&] { return ::fdatasync(descriptor_); });
 #endif
-        if (failed != 0) ThrowForTransfer(errno, "brought to the disk");
+        if (failed != 0) throw ErrorOfTransfer(errno, "brought to the disk");
     }
 
     // The lock belongs to this opening, not to the process: another handle on the same file, in
@@ -152,12 +115,12 @@ public:
                 throw Error(ErrorKind::kReadOnly,
                             "The file \"" + path.filename().string() + "\" is read-only.");
             }
-            ThrowForOpening(code, path);
+            throw ErrorOfNaming(code, path);
         }
         auto file = std::make_unique<PosixFile>(descriptor);
         struct stat status {};
-        if (::fstat(descriptor, &status) != 0) ThrowForOpening(errno, path);
-        if (S_ISDIR(status.st_mode)) ThrowForOpening(EISDIR, path);
+        if (::fstat(descriptor, &status) != 0) throw ErrorOfNaming(errno, path);
+        if (S_ISDIR(status.st_mode)) throw ErrorOfNaming(EISDIR, path);
         if (!S_ISREG(status.st_mode)) {
             throw Error(ErrorKind::kNotADatabase,
                         "\"" + path.filename().string() + "\" is not an ordinary file.");
@@ -171,11 +134,11 @@ public:
     }
 
     void Remove(const std::filesystem::path& path) override {
-        if (::unlink(path.c_str()) != 0 && errno != ENOENT) ThrowForOpening(errno, path);
+        if (::unlink(path.c_str()) != 0 && errno != ENOENT) throw ErrorOfNaming(errno, path);
     }
 
     void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
-        if (::rename(from.c_str(), to.c_str()) != 0) ThrowForOpening(errno, from);
+        if (::rename(from.c_str(), to.c_str()) != 0) throw ErrorOfNaming(errno, from);
     }
 
     std::filesystem::path Resolve(const std::filesystem::path& path) override {
@@ -188,13 +151,13 @@ public:
         const std::filesystem::path path = folder.empty() ? std::filesystem::path(".") : folder;
         const int descriptor =
             Retrying([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-        if (descriptor < 0) ThrowForOpening(errno, path);
+        if (descriptor < 0) throw ErrorOfNaming(errno, path);
         const int failed = Retrying([&] { return ::fsync(descriptor); });
         const int code = errno;
         ::close(descriptor);
         // Some file systems cannot flush a folder; they keep its entries by themselves.
         if (failed != 0 && code != EINVAL && code != ENOTSUP) {
-            ThrowForTransfer(code, "brought to the disk");
+            throw ErrorOfTransfer(code, "brought to the disk");
         }
     }
 };
