@@ -38,7 +38,7 @@ bool Holds(Operator comparison, int order) {
             return order > 0;
         case Operator::kGreaterOrEqual:
             return order >= 0;
-        default:
+        default:  // unreachable: what is asked about null was answered before
             return false;
     }
 }
@@ -72,7 +72,6 @@ public:
         const ColumnType type = table.Def().columns[column_].type;
         isText_ = type == ColumnType::kText || type == ColumnType::kMemo;
         if (comparison_ == Operator::kIsNull || comparison_ == Operator::kIsNotNull) return;
-        if (condition.literal.IsNull()) return;
         if (isText_ != std::holds_alternative<std::u16string>(condition.literal.Get())) {
             throw Error(ErrorKind::kTypeMismatch, "The condition on the field '" + condition.field +
                                                       "' compares different types.");

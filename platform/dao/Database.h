@@ -55,10 +55,14 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
+    // Makes everything durable and gives up the file, even when it throws.
     void Close();
+    // Carries all that was stored so far through a power cut.
     void MakeDurable();
     [[nodiscard]] bool HasTable(const QString& name) const;
+    // All records of a table; kNoSuchTable (3078).
     [[nodiscard]] std::unique_ptr<Recordset> OpenTable(const QString& name);
+    // The records that a query selects, in its order; jet/query.h says what it may ask for.
     [[nodiscard]] std::unique_ptr<Recordset> OpenDynaset(const QString& sql);
     void AppendTable(const TableDefinition& table);
     // Operations of an interrupted run that opening brought in.

@@ -11,6 +11,7 @@
 #include <set>
 #include <sstream>
 
+#include "damaged_file.h"
 #include "jet/database.h"
 #include "jet/error.h"
 #include "jet/recordset.h"
@@ -135,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, PlantedDamage, ::testing::ValuesIn(DamageKinds()
                              return name;
                          });
 
-TEST_P(PlantedDamage, IsFoundByName) {
+TEST_P(PlantedDamage, IsFoundByNameAndSurvived) {
     if (tarn_test::Judge().empty()) {
         GTEST_SKIP() << "the planting program is not beside the source";
     }
@@ -157,6 +158,8 @@ TEST_P(PlantedDamage, IsFoundByName) {
             std::any_of(report.findings.begin(), report.findings.end(),
                         [&](const Finding& finding) { return expected.count(finding.code) != 0; }))
             << name << ": " << plant.output << report.Text();
+        ExpectRepairedOrRefused(copy, folder / "repaired.mdb", HostFileSystem());
+        EditEverywhere(copy, HostFileSystem());
     }
     EXPECT_GT(planted, 0);
 }

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "damaged_file.h"
 #include "jet/check.h"
 #include "jet/database.h"
 #include "jet/error.h"
@@ -154,59 +155,6 @@ protected:
         return contents;
     }
 
-    // Changes of every kind, as far as the damage lets them: whatever is thrown is the engine's.
-    void Edit() {
-        try {
-            const auto database = Database::Open(kFile, {}, *files_);
-            for (const char* table : {"People", "Zones"}) {
-                Attempt([&] { EditTable(*database->OpenTable(table)); });
-            }
-            Attempt([&] { database->CreateTable(OtherTable()); });
-            database->Close();
-        } catch (const Error&) {
-            // Refused, or given up.
-        }
-    }
-    static TableSchema OtherTable() {
-        TableSchema schema = ZonesSchema();
-        schema.name = "Others";
-        return schema;
-    }
-    static void EditTable(Recordset& rows) {
-        rows.MoveFirst();
-        rows.Edit();
-        if (rows.Fields().front().name == "ID") rows.Set("Story", std::u16string(3000, u'x'));
-        rows.Update();
-        rows.MoveNext();
-        rows.Delete();
-        rows.AddNew();
-        if (rows.Fields().front().name == "Zone") rows.Set("Zone", 1000);
-        rows.Set(rows.Fields()[1].name, 1);
-        rows.Update();
-    }
-    template <typename Step>
-    static void Attempt(Step step) {
-        try {
-            step();
-        } catch (const Error&) {
-            // What the damage does not allow.
-        }
-    }
-
-    // What can be read of a damaged file makes a sound one, or there is an error.
-    void Repair() {
-        constexpr char kRepaired[] = "repaired.mdb";
-        try {
-            (void)RepairFile(kFile, kRepaired, *files_);
-        } catch (const Error&) {
-            EXPECT_FALSE(files_->Exists(kRepaired));
-            return;
-        }
-        const CheckReport report = CheckFile(kRepaired, *files_);
-        EXPECT_TRUE(report.IsSound()) << report.Text();
-        files_->Remove(kRepaired);
-    }
-
     std::unique_ptr<FileSystem> files_ = MakeMemoryFileSystem();
 };
 
@@ -232,8 +180,8 @@ TEST_P(SmallFile, AnyByteOfItsStructuresDamaged_IsSurvivedReportedAndRepaired) {
         files_->Remove(kFile);
         files_->Open(kFile, OpenMode::kCreateNew)->Write(0, damaged);
         EXPECT_FALSE(IsSilentlyWrong(sound, LookAt(*files_))) << "byte " << at;
-        Repair();
-        Edit();
+        ExpectRepairedOrRefused(kFile, "repaired.mdb", *files_);
+        EditEverywhere(kFile, *files_);
         files_->Remove("a file.mdb-log");
         if (HasFailure()) FAIL() << "byte " << at << " as " << static_cast<int>(damaged[at]);
     }

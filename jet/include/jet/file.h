@@ -1,7 +1,10 @@
 // The seam to the operating system: every read, write, flush, truncation and lock of the engine
 // goes through these two classes, and so does every fault that a test injects.
 //
-// All functions throw jet::Error. A File closes itself, and gives up its lock, when it goes.
+// All functions throw jet::Error. Calls that name a file: kFileNotFound, kAlreadyExists, kReadOnly,
+// kPermissionDenied, kFileInUse, kDiskFull, kNotADatabase (a device or a pipe), kIo. Calls on an
+// open file: kDiskFull, kFileTooLarge, kReadOnly, kIo. A File closes itself, and gives up its lock,
+// when it goes. Offsets and sizes are bytes.
 #pragma once
 
 #include <cstddef>
