@@ -376,6 +376,29 @@ TEST_P(IndexTreeTest, HasKey_PassesOverTheRowItself) {
     EXPECT_TRUE(Tree().HasKey(entry.key, entry.row));
 }
 
+// Other writers leave nodes without one; it is given when an entry comes that belongs there.
+TEST_P(IndexTreeTest, RootWithoutTail_TakesEntriesAboveItsLastChild) {
+    for (int i = 0; i < 500; ++i) {
+        const IndexEntry entry = RandomEntry();
+        if (model_.count(Bytewise(entry)) == 0) Insert(entry);
+    }
+    ASSERT_EQ(ReadU8(pager_->Page(root_).Data(), 0), 3) << "the root is a leaf";
+    const Operation operation(*pager_);
+    const std::size_t tailAt = std::get<0>(GetParam()) == Version::kJet3 ? 0x10 : 0x14;
+    WriteU32(pager_->Change(root_), tailAt, 0);
+    for (unsigned char last = 0; last < 3; ++last) {
+        Key key(12, std::byte{0xFF});
+        key.back() = std::byte{last};
+        const RowId row{PageNumber{9}, last};
+        IndexTree tree = Tree();
+        (void)tree.Insert(key, row);
+        const auto found = Tree().FirstNotBelow(key);
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->row, row);
+    }
+    EXPECT_NE(ReadU32(pager_->Page(root_).Data(), tailAt), 0U);
+}
+
 // Random bytes in the pages of a tree: every search ends, with a result or with an error.
 TEST_P(IndexTreeTest, Noise_NeverHangsOrCrashes) {
     for (int i = 0; i < 400; ++i) {
