@@ -35,10 +35,6 @@ constexpr int kToLength = 9;
 constexpr int kCostLength = 7;
 constexpr int kHelpContextId = 60;
 
-void Trace(const QString& text) {
-    u91Trace::Procedure(text);
-}
-
 // The row of class 1 is the first below the two header rows.
 int ClassOfRow(int row) {
     return row - kHeaderRows + 1;
@@ -105,7 +101,7 @@ void frm6SuppressAcre::ConnectHandlers() {
 }
 
 void frm6SuppressAcre::Setup() {
-    Trace(QStringLiteral("frmSuppressAcre.Setup"));
+    u91Trace::Procedure(QStringLiteral("frmSuppressAcre.Setup"));
     BecomeCurrent();
     const BusyScope busy;
     FormatCostGrid();
@@ -152,7 +148,7 @@ void frm6SuppressAcre::ChooseZone() {
 }
 
 void frm6SuppressAcre::cboFMZs_Click() {
-    Trace(QStringLiteral("frmCostPerAcre.cboFMZs_Click"));
+    u91Trace::Procedure(QStringLiteral("frmCostPerAcre.cboFMZs_Click"));
     if (UIMode::NotBusy()) {
         SaveChanges();
     }
@@ -199,7 +195,7 @@ void frm6SuppressAcre::Store(int row, int col, float value) {
 }
 
 void frm6SuppressAcre::SaveChanges() {
-    Trace(QStringLiteral("frmSuppressAcre.SaveChanges"));
+    u91Trace::Procedure(QStringLiteral("frmSuppressAcre.SaveChanges"));
     grdCosts_->FinishEdit();
     if (table_) {
         table_->SaveChanges();
@@ -207,7 +203,7 @@ void frm6SuppressAcre::SaveChanges() {
 }
 
 void frm6SuppressAcre::grdCosts_EnterCell() {
-    Trace(QStringLiteral("frmSuppressAcre.grdCosts_EnterCell"));
+    u91Trace::Procedure(QStringLiteral("frmSuppressAcre.grdCosts_EnterCell"));
     if (grdCosts_->Col() != kFrom && UIMode::NotBusy()) {
         grdCosts_->EditCell();
     }
@@ -232,7 +228,8 @@ void frm6SuppressAcre::grdCosts_ChangeEdit() {
 }
 
 void frm6SuppressAcre::grdCosts_AfterEdit(int row, int col) {
-    Trace(QStringLiteral("frmSuppressAcre.grdCosts_AfterEdit %1, %2").arg(row).arg(col));
+    u91Trace::Procedure(
+        QStringLiteral("frmSuppressAcre.grdCosts_AfterEdit %1, %2").arg(row).arg(col));
     RequireStored(row, col);
     if (col == kTo && row + 1 < kRows) {
         ShowNextLowerBound(row + 1, platform::ToSingle(grdCosts_->ValueMatrix(row, kTo)));

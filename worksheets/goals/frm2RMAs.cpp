@@ -27,10 +27,6 @@ namespace {
 constexpr int kHeadingLength = 100;
 constexpr int kHelpContextId = 20;
 
-void Trace(const QString& text) {
-    u91Trace::Procedure(text);
-}
-
 }  // namespace
 
 frm2RMAs::frm2RMAs(WorksheetHost& host, QWidget* parent)
@@ -101,7 +97,7 @@ void frm2RMAs::ConnectHandlers() {
                 }
             }));
     connect(txtHeading_, &TextBox::GotFocus, this, Trapped("frm2RMAs.txtHeading_GotFocus", [] {
-                Trace(QStringLiteral("frm2RMAs.txtHeading_GotFocus"));
+                u91Trace::Procedure(QStringLiteral("frm2RMAs.txtHeading_GotFocus"));
             }));
     connect(txtHeading_, &QLineEdit::textChanged, this,
             Trapped("frm2RMAs.txtHeading_Change", [this](const QString&) { txtHeading_Change(); }));
@@ -114,7 +110,7 @@ void frm2RMAs::ConnectHandlers() {
 }
 
 void frm2RMAs::Setup() {
-    Trace(QStringLiteral("frm2RMAs.Setup"));
+    u91Trace::Procedure(QStringLiteral("frm2RMAs.Setup"));
     BecomeCurrent();
     const BusyScope busy;
     LoadList();
@@ -125,7 +121,7 @@ void frm2RMAs::Setup() {
 }
 
 void frm2RMAs::LoadList() {
-    Trace(QStringLiteral("frm2RMAs.LoadList"));
+    u91Trace::Procedure(QStringLiteral("frm2RMAs.LoadList"));
     const QSignalBlocker blocker(lstRMAs_);
     lstRMAs_->clear();
     if (tblManagementGoals->RecordCount() == 0) {
@@ -144,7 +140,7 @@ void frm2RMAs::AddEntry(const QString& heading, std::int32_t key) {
 }
 
 void frm2RMAs::ShowItem() {
-    Trace(QStringLiteral("frm2RMAs.ShowItem"));
+    u91Trace::Procedure(QStringLiteral("frm2RMAs.ShowItem"));
     const BusyScope busy;
     tblManagementGoals->Seek("=", {currentKey_});
     txtHeading_->setText(FieldReaders::TextField(*tblManagementGoals, FieldNames::kManagementArea));
@@ -161,7 +157,7 @@ void frm2RMAs::EnableBoxes(bool enabled) {
 }
 
 void frm2RMAs::lstRMAs_Click() {
-    Trace(QStringLiteral("lstRMAs_Click ") + lstRMAs_->currentItem()->text());
+    u91Trace::Procedure(QStringLiteral("lstRMAs_Click ") + lstRMAs_->currentItem()->text());
     try {
         Update();
     } catch (...) {
@@ -183,7 +179,7 @@ void frm2RMAs::SelectShown() {
 }
 
 void frm2RMAs::txtHeading_Change() {
-    Trace(QStringLiteral("frm2RMAs.txtHeading_Change"));
+    u91Trace::Procedure(QStringLiteral("frm2RMAs.txtHeading_Change"));
     if (!UIMode::NotBusy()) {
         return;
     }
@@ -194,7 +190,7 @@ void frm2RMAs::txtHeading_Change() {
 }
 
 void frm2RMAs::txtBody_Change() {
-    Trace(QStringLiteral("frm2RMAs.txtBody_Change"));
+    u91Trace::Procedure(QStringLiteral("frm2RMAs.txtBody_Change"));
     if (UIMode::NotBusy()) {
         changed_ = true;
         bodyChanged_ = true;
@@ -205,7 +201,7 @@ void frm2RMAs::Update() {
     if (!changed_) {
         return;
     }
-    Trace(QStringLiteral("Update ") + platform::Str(currentKey_));
+    u91Trace::Procedure(QStringLiteral("Update ") + platform::Str(currentKey_));
     if (bodyChanged_) {
         storedBody_ = LineBreaks::ForFile(txtBody_->document()->toRawText());
         bodyChanged_ = false;
@@ -219,7 +215,7 @@ void frm2RMAs::Update() {
 }
 
 void frm2RMAs::cmdAdd_Click() {
-    Trace(QStringLiteral("cmdAdd_Click"));
+    u91Trace::Procedure(QStringLiteral("cmdAdd_Click"));
     Update();
     tblManagementGoals->AddNew();
     tblManagementGoals->SetField(FieldNames::kManagementArea, QString(QLatin1String("")));
@@ -236,7 +232,7 @@ void frm2RMAs::cmdAdd_Click() {
 }
 
 void frm2RMAs::cmdDelete_Click() {
-    Trace(QStringLiteral("cmdDelete_Click"));
+    u91Trace::Procedure(QStringLiteral("cmdDelete_Click"));
     Update();
     const QListWidgetItem* entry = lstRMAs_->currentItem();
     if (!entry || !u92Utilities::ConfirmDelete(entry->text())) {

@@ -33,10 +33,6 @@ constexpr int kHelpContextId = 50;
 const char* const kTag = "Tag";
 const QString kMinusTyped = QStringLiteral("minus");
 
-void Trace(const QString& text) {
-    u91Trace::Procedure(text);
-}
-
 }  // namespace
 
 frm5NVCTable::frm5NVCTable(WorksheetHost& host, QWidget* parent)
@@ -138,7 +134,7 @@ void frm5NVCTable::ConnectHandlers() {
 }
 
 void frm5NVCTable::Setup() {
-    Trace(QStringLiteral("frm5NVCTable.Setup"));
+    u91Trace::Procedure(QStringLiteral("frm5NVCTable.Setup"));
     BecomeCurrent();
     const BusyScope busy;
     SetupGrid();
@@ -151,7 +147,7 @@ void frm5NVCTable::Setup() {
 }
 
 void frm5NVCTable::SetupGrid() {
-    Trace(QStringLiteral("frm5NVCTable.SetupGrid"));
+    u91Trace::Procedure(QStringLiteral("frm5NVCTable.SetupGrid"));
     grdNVC_->SetCols(kFilLevels + 1);
     grdNVC_->SetFixedRows(1);
     grdNVC_->SetRows(kResources + 1);
@@ -167,7 +163,7 @@ void frm5NVCTable::SetupGrid() {
 }
 
 void frm5NVCTable::SaveChanges() {
-    Trace(QStringLiteral("frm5NVCTable.SaveChanges"));
+    u91Trace::Procedure(QStringLiteral("frm5NVCTable.SaveChanges"));
     grdNVC_->FinishEdit();
     platform::FirstError refused;
     refused.Try([this] { names_.Save(); });
@@ -206,7 +202,7 @@ void frm5NVCTable::RestoreChoices() {
 }
 
 void frm5NVCTable::cboFMZs_Click() {
-    Trace(QStringLiteral("cboFMZs_Click ") + cboFMZs_->currentText());
+    u91Trace::Procedure(QStringLiteral("cboFMZs_Click ") + cboFMZs_->currentText());
     if (UIMode::NotBusy()) {
         SaveChanges();
     }
@@ -222,7 +218,7 @@ void frm5NVCTable::cboFMZs_Click() {
 }
 
 void frm5NVCTable::cboRepLocs_Click() {
-    Trace(QStringLiteral("cboRepLocs_Click ") + cboRepLocs_->currentText());
+    u91Trace::Procedure(QStringLiteral("cboRepLocs_Click ") + cboRepLocs_->currentText());
     if (UIMode::NotBusy()) {
         SaveChanges();
     }
@@ -234,7 +230,7 @@ void frm5NVCTable::cboRepLocs_Click() {
 }
 
 void frm5NVCTable::ShowNVCTable() {
-    Trace(QStringLiteral("ShowNVCTable"));
+    u91Trace::Procedure(QStringLiteral("ShowNVCTable"));
     const BusyScope busy;
     std::array<std::array<float, kResources>, kFilLevels> columns{};
     for (int resource = 1; resource <= kResources; ++resource) {
@@ -251,7 +247,7 @@ void frm5NVCTable::ShowNVCTable() {
 }
 
 void frm5NVCTable::ShowTotals() {
-    Trace(QStringLiteral("ShowTotals"));
+    u91Trace::Procedure(QStringLiteral("ShowTotals"));
     for (int level = 1; level <= kFilLevels; ++level) {
         std::array<double, kResources> column{};
         for (int resource = 1; resource <= kResources; ++resource) {
@@ -268,19 +264,19 @@ void frm5NVCTable::ShowTotal(int level, double total) {
 }
 
 void frm5NVCTable::grdNVC_EnterCell() {
-    Trace(QStringLiteral("frm5NVCTable.grdNVC_EnterCell"));
+    u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_EnterCell"));
     grdNVC_->EditCell();
 }
 
 void frm5NVCTable::grdNVC_BeforeEdit(int col, bool* cancel) {
-    Trace(QStringLiteral("frm5NVCTable.grdNVC_BeforeEdit"));
+    u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_BeforeEdit"));
     grdNVC_->SetEditMaxLength(col == 0 ? kNameLength : kValueLength);
     // A zone without locations leaves the table that was shown before, which is not its own.
     *cancel = *cancel || locationIndex_ < 0;
 }
 
 void frm5NVCTable::grdNVC_KeyPressEdit(int row, int col, QChar key) {
-    Trace(QStringLiteral("frm5NVCTable.grdNVC_KeyPressEdit"));
+    u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_KeyPressEdit"));
     if (key == QLatin1Char('-')) {
         lblMinus_->hide();
         lblMinus_->setProperty(kTag, kMinusTyped);
@@ -294,7 +290,7 @@ void frm5NVCTable::grdNVC_KeyPressEdit(int row, int col, QChar key) {
 }
 
 void frm5NVCTable::grdNVC_KeyUpEdit(int row, int col) {
-    Trace(QStringLiteral("frm5NVCTable.grdNVC_KeyUpEdit"));
+    u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_KeyUpEdit"));
     const QString text = grdNVC_->EditText();
     // The release of the key that led into a cell comes here too, with the cell's own text.
     if (text == grdNVC_->TextMatrix(row, col)) {

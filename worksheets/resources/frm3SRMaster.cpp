@@ -35,10 +35,6 @@ namespace {
 constexpr int kSourceLength = 255;
 constexpr int kHelpContextId = 30;
 
-void Trace(const QString& text) {
-    u91Trace::Procedure(text);
-}
-
 // A field of the current record as the grid holds it; a missing value is an empty text.
 QString CellText(const char* field) {
     return tblSRMasterList->Field(QString::fromLatin1(field)).isValid()
@@ -122,7 +118,7 @@ void frm3SRMaster::BuildSource() {
 }
 
 void frm3SRMaster::Setup() {
-    Trace(QStringLiteral("Setup"));
+    u91Trace::Procedure(QStringLiteral("Setup"));
     BecomeCurrent();
     {
         const BusyScope busy;
@@ -134,7 +130,7 @@ void frm3SRMaster::Setup() {
 }
 
 void frm3SRMaster::FormatGrid() {
-    Trace(QStringLiteral("frm3SRMaster.FormatGrid"));
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.FormatGrid"));
     grdMasterList_->SetFixedRows(1);
     grdMasterList_->SetFormatString(
         tr("#  |Name                                                |Short Name        |Units     "
@@ -165,7 +161,7 @@ void frm3SRMaster::FormatGrid() {
 }
 
 void frm3SRMaster::LoadGrid() {
-    Trace(QStringLiteral("frm3SRMaster.LoadGrid"));
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.LoadGrid"));
     const std::int32_t records = tblSRMasterList->RecordCount();
     grdMasterList_->SetRows(records + 1);
     if (records == 0) {
@@ -197,12 +193,12 @@ void frm3SRMaster::LoadRow(int row) {
 }
 
 void frm3SRMaster::grdMasterList_EnterCell() {
-    Trace(QStringLiteral("frm3SRMaster.grdMasterList_EnterCell"));
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.grdMasterList_EnterCell"));
     grdMasterList_->EditCell();
 }
 
 void frm3SRMaster::grdMasterList_BeforeEdit(int row, int col) {
-    Trace(QStringLiteral("frm3SRMaster.grdMasterList_BeforeEdit"));
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.grdMasterList_BeforeEdit"));
     static constexpr std::array<int, kVisible> kLengths{4, 50, 20, 10, 5};
     if (col < kVisible) {
         grdMasterList_->SetEditMaxLength(kLengths[std::size_t(col)]);
@@ -211,7 +207,7 @@ void frm3SRMaster::grdMasterList_BeforeEdit(int row, int col) {
 }
 
 void frm3SRMaster::grdMasterList_AfterEdit(int row, int col) {
-    Trace(QStringLiteral("frm3SRMaster.grdMasterList_AfterEdit"));
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.grdMasterList_AfterEdit"));
     if (col == kCost) {
         RequireCost(row);
     }
@@ -239,7 +235,7 @@ void frm3SRMaster::RequireCost(int row) {
 }
 
 void frm3SRMaster::MoveRow(int from, int to) {
-    Trace(QStringLiteral("MoveRow"));
+    u91Trace::Procedure(QStringLiteral("MoveRow"));
     std::vector<int> numbers;
     for (int row = 1; row < grdMasterList_->Rows(); ++row) {
         numbers.push_back(Number(row));
@@ -256,14 +252,14 @@ std::int32_t frm3SRMaster::Number(int row) const {
 }
 
 void frm3SRMaster::txtSource_Change() {
-    Trace(QStringLiteral("frm3SRMaster.txtSource_Change"));
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.txtSource_Change"));
     if (UIMode::NotBusy()) {
         source_.Let(txtSource_->text());
     }
 }
 
 void frm3SRMaster::cmdAdd_Click() {
-    Trace(QStringLiteral("cmdAdd_Click"));
+    u91Trace::Procedure(QStringLiteral("cmdAdd_Click"));
     grdMasterList_->FinishEdit();
     frm3SRMasterAdd dialog(*grdMasterList_, Host().Frame());
     dialog.SetPosition(grdMasterList_->Row() + 1);
@@ -272,7 +268,7 @@ void frm3SRMaster::cmdAdd_Click() {
 }
 
 void frm3SRMaster::cmdDelete_Click() {
-    Trace(QStringLiteral("cmdDelete_Click"));
+    u91Trace::Procedure(QStringLiteral("cmdDelete_Click"));
     grdMasterList_->FinishEdit();
     const int row = grdMasterList_->Row();
     if (row < grdMasterList_->FixedRows()) {
@@ -293,13 +289,13 @@ void frm3SRMaster::cmdDelete_Click() {
 }
 
 void frm3SRMaster::SaveChanges() {
-    Trace(QStringLiteral("frm3SRMaster.SaveChanges"));
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.SaveChanges"));
     grdMasterList_->FinishEdit();
     source_.Save();
 }
 
 void frm3SRMaster::UpdateTable() {
-    Trace(QStringLiteral("UpdateTable"));
+    u91Trace::Procedure(QStringLiteral("UpdateTable"));
     grdMasterList_->FinishEdit();
     platform::FirstError refused;
     for (int row = 1; row < grdMasterList_->Rows(); ++row) {
@@ -309,7 +305,7 @@ void frm3SRMaster::UpdateTable() {
 }
 
 void frm3SRMaster::SaveRow(int row) {
-    Trace(QStringLiteral("frm3SRMaster.SaveRow"));
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.SaveRow"));
     Resource resource;
     resource.key = platform::CLng(grdMasterList_->ValueMatrix(row, kKey));
     resource.sequence = Number(row);

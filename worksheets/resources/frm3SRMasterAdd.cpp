@@ -32,10 +32,6 @@ constexpr int kSelectedAtEntry = 5;  // characters
 constexpr int kHelpContextId = 31;
 constexpr int kNarrowBox = 120;  // pixels
 
-void Trace(const QString& text) {
-    u91Trace::Procedure(text);
-}
-
 std::optional<float> CostFromText(const QString& text) {
     try {
         return platform::CSng(text);
@@ -132,7 +128,8 @@ void frm3SRMasterAdd::ConnectHandlers() {
     for (QRadioButton* option : {optTime_, optItem_}) {
         const QString entry = QStringLiteral("frm3SRMasterAdd.%1_Click").arg(option->objectName());
         connect(option, &QRadioButton::clicked, this,
-                Trapped("frm3SRMasterAdd.optTime_Click", [entry](bool) { Trace(entry); }));
+                Trapped("frm3SRMasterAdd.optTime_Click",
+                        [entry](bool) { u91Trace::Procedure(entry); }));
     }
     connect(cmdOK_, &QPushButton::clicked, this,
             Trapped("frm3SRMasterAdd.cmdOK_Click", [this](bool) { cmdOK_Click(); }));
@@ -145,7 +142,7 @@ void frm3SRMasterAdd::ConnectBox(TextBox* box) {
     const bool holdsNumber = box == txtCost_ || box == txtPosition_;
     connect(box, &TextBox::GotFocus, this,
             Trapped("frm3SRMasterAdd.GotFocus", [box, name, holdsNumber] {
-                Trace(name + QStringLiteral("_GotFocus"));
+                u91Trace::Procedure(name + QStringLiteral("_GotFocus"));
                 if (holdsNumber) {
                     box->setSelection(0, kSelectedAtEntry);
                 }
@@ -153,7 +150,7 @@ void frm3SRMasterAdd::ConnectBox(TextBox* box) {
     if (box != txtPosition_) {
         connect(box, &TextBox::textChanged, this,
                 Trapped("frm3SRMasterAdd.Change", [this, name](const QString&) {
-                    Trace(name + QStringLiteral("_Change"));
+                    u91Trace::Procedure(name + QStringLiteral("_Change"));
                     EnableOK();
                 }));
     }
@@ -172,7 +169,7 @@ void frm3SRMasterAdd::EnableOK() {
 }
 
 void frm3SRMasterAdd::cmdOK_Click() {
-    Trace(QStringLiteral("cmdOK_Click"));
+    u91Trace::Procedure(QStringLiteral("cmdOK_Click"));
     const std::optional<float> cost = CostFromText(txtCost_->text());
     if (!cost) {
         platform::MsgOptions options;
@@ -209,7 +206,7 @@ void frm3SRMasterAdd::InsertRow(const Resource& resource) {
 }
 
 void frm3SRMasterAdd::cmdCancel_Click() {
-    Trace(QStringLiteral("cmdCancel_Click"));
+    u91Trace::Procedure(QStringLiteral("cmdCancel_Click"));
     QDialog::reject();
 }
 

@@ -33,10 +33,6 @@ constexpr int kNameLength = 46;
 constexpr int kLocationsLength = 3;
 constexpr int kHelpContextId = 40;
 
-void Trace(const QString& text) {
-    u91Trace::Procedure(text);
-}
-
 }  // namespace
 
 frm4FMZs::frm4FMZs(WorksheetHost& host, QWidget* parent)
@@ -79,14 +75,14 @@ void frm4FMZs::Build() {
 }
 
 void frm4FMZs::FMZ_Setup() {
-    Trace(QStringLiteral("frm4FMZs.Setup"));
+    u91Trace::Procedure(QStringLiteral("frm4FMZs.Setup"));
     BecomeCurrent();
     SetupGrid();
     FMZ_LoadGrid();
 }
 
 void frm4FMZs::SetupGrid() {
-    Trace(QStringLiteral("frm4FMZs.SetupGrid"));
+    u91Trace::Procedure(QStringLiteral("frm4FMZs.SetupGrid"));
     grdFMZs_->SetCols(kColumns);
     grdFMZs_->SetFixedRows(1);
     grdFMZs_->SetRows(1);
@@ -101,7 +97,7 @@ void frm4FMZs::SetupGrid() {
 }
 
 void frm4FMZs::FMZ_LoadGrid() {
-    Trace(QStringLiteral("frm4FMZs.FMZ_LoadGrid"));
+    u91Trace::Procedure(QStringLiteral("frm4FMZs.FMZ_LoadGrid"));
     grdFMZs_->FinishEdit();
     const std::int32_t records = tblFMZList->RecordCount();
     grdFMZs_->SetRows(records + 1);
@@ -120,7 +116,7 @@ void frm4FMZs::FMZ_LoadGrid() {
 }
 
 void frm4FMZs::FMZ_Update() {
-    Trace(QStringLiteral("FMZ_Update"));
+    u91Trace::Procedure(QStringLiteral("FMZ_Update"));
     grdFMZs_->FinishEdit();
     platform::FirstError refused;
     for (int row = 1; row < grdFMZs_->Rows(); ++row) {
@@ -136,7 +132,7 @@ void frm4FMZs::FMZ_Update() {
 }
 
 void frm4FMZs::FMZ_CreateRecord(int row) {
-    Trace(QStringLiteral("FMZ_CreateRecord %1").arg(row));
+    u91Trace::Procedure(QStringLiteral("FMZ_CreateRecord %1").arg(row));
     grdFMZs_->SetRowData(
         row,
         ZoneRecords::Create(grdFMZs_->TextMatrix(row, kName),
@@ -144,7 +140,7 @@ void frm4FMZs::FMZ_CreateRecord(int row) {
 }
 
 void frm4FMZs::FMZ_UpdateRecord(int row) {
-    Trace(QStringLiteral("FMZ_UpdateRecord %1").arg(row));
+    u91Trace::Procedure(QStringLiteral("FMZ_UpdateRecord %1").arg(row));
     const std::int32_t stored =
         ZoneRecords::Change(grdFMZs_->RowData(row), grdFMZs_->TextMatrix(row, kName),
                             ZoneRecords::LocationsFromText(grdFMZs_->TextMatrix(row, kLocations)));
@@ -152,7 +148,7 @@ void frm4FMZs::FMZ_UpdateRecord(int row) {
 }
 
 void frm4FMZs::cmdAdd_Click() {
-    Trace(QStringLiteral("frm4FMZs.cmdAdd_Click"));
+    u91Trace::Procedure(QStringLiteral("frm4FMZs.cmdAdd_Click"));
     grdFMZs_->FinishEdit();
     grdFMZs_->AddItem(QStringLiteral("\t1"));
     const int row = grdFMZs_->Rows() - 1;
@@ -166,7 +162,7 @@ void frm4FMZs::cmdAdd_Click() {
 }
 
 void frm4FMZs::cmdImport_Click() {
-    Trace(QStringLiteral("frm4FMZs.cmdImport_Click"));
+    u91Trace::Procedure(QStringLiteral("frm4FMZs.cmdImport_Click"));
     ImportProgressBox progress(&Host().Frame());
     if (mImport::BRAM_CopyFMZs(&Host().Frame(), &progress) == mImport::kCopied) {
         FMZ_LoadGrid();
@@ -174,14 +170,14 @@ void frm4FMZs::cmdImport_Click() {
 }
 
 void frm4FMZs::grdFMZs_EnterCell() {
-    Trace(QStringLiteral("frm4FMZs.grdFMZs_EnterCell"));
+    u91Trace::Procedure(QStringLiteral("frm4FMZs.grdFMZs_EnterCell"));
     grdFMZs_->EditCell();
     // Clicks and keys wait: they could unload this form before its grid has finished entering.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 void frm4FMZs::grdFMZs_BeforeEdit(int col) {
-    Trace(QStringLiteral("frm4FMZs.grdFMZs_BeforeEdit"));
+    u91Trace::Procedure(QStringLiteral("frm4FMZs.grdFMZs_BeforeEdit"));
     grdFMZs_->SetEditMaxLength(col == kName ? kNameLength : kLocationsLength);
 }
 
