@@ -94,13 +94,12 @@ int DigitCount(Decimal decimal) {
 Decimal DecimalOf(const Column& column, const Value& value) {
     if (const auto* decimal = std::get_if<Decimal>(&value.Get())) return *decimal;
     // The shortest decimal text says what the writer meant by a binary fraction.
-    std::u16string text = value.AsText();
+    const std::u16string text = value.AsText();
     Decimal decimal;
+    decimal.negative = text.starts_with(u'-');
     bool fraction = false;
-    for (const char16_t c : text) {
-        if (c == u'-' && !decimal.negative) {
-            decimal.negative = true;
-        } else if (c == u'.' && !fraction) {
+    for (const char16_t c : std::u16string_view(text).substr(decimal.negative ? 1 : 0)) {
+        if (c == u'.' && !fraction) {
             fraction = true;
         } else if (c >= u'0' && c <= u'9') {
             if (!TimesTen(decimal)) ThrowTooLarge(column);
