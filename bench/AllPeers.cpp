@@ -12,4 +12,8 @@ std::unique_ptr<Peer> MakePeer(const std::string& name) {
     throw std::runtime_error("no peer of this name");
 }
 
+std::vector<std::string> PeerNames() {
+    return {"jet4", "jet3", "sqlite", "mdb"};
+}
+
 }  // namespace bench

@@ -117,12 +117,12 @@ public:
         return sum;
     }
 
-    void UpdateOneField(const std::vector<Row>& rows) override {
+    void UpdateOneField(const std::vector<Row>& rows, int round) override {
         const auto records = Numbers();
         for (const Row& row : rows) {
             records->Seek(Comparison::kEqual, {Value(row.location), Value(row.resource)});
             records->Edit();
-            records->Set(FieldId{3}, row.values[0] + 1.0F);
+            records->Set(FieldId{3}, NewValue(row, round));
             records->Update();
         }
     }
@@ -130,6 +130,22 @@ public:
         const auto records = Numbers();
         for (const Row& row : rows) {
             records->Seek(Comparison::kEqual, {Value(row.location), Value(row.resource)});
+            records->Delete();
+        }
+    }
+    void UpdateOneField(const std::vector<Note>& notes, int round) override {
+        const auto records = Texts();
+        for (const Note& note : notes) {
+            records->Seek(Comparison::kEqual, {Value(note.key)});
+            records->Edit();
+            records->Set(FieldId{1}, NewName(note, round));
+            records->Update();
+        }
+    }
+    void Delete(const std::vector<Note>& notes) override {
+        const auto records = Texts();
+        for (const Note& note : notes) {
+            records->Seek(Comparison::kEqual, {Value(note.key)});
             records->Delete();
         }
     }

@@ -49,8 +49,10 @@ public:
 
     double Seek(const std::vector<Row>&) override { return Unable(); }
     double Seek(const std::vector<Note>&) override { return Unable(); }
-    void UpdateOneField(const std::vector<Row>&) override { Unable(); }
+    void UpdateOneField(const std::vector<Row>&, int) override { Unable(); }
+    void UpdateOneField(const std::vector<Note>&, int) override { Unable(); }
     void Delete(const std::vector<Row>&) override { Unable(); }
+    void Delete(const std::vector<Note>&) override { Unable(); }
 
 private:
     static double Unable() { throw std::runtime_error("this peer only reads"); }

@@ -26,7 +26,19 @@ struct Note {
     std::u16string body;
 };
 
+inline float NewValue(const Row& row, int round) {
+    return row.values[0] + 1.0F + static_cast<float>(round);
+}
+inline std::u16string NewName(const Note& note, int round) {
+    return note.name + static_cast<char16_t>(u'a' + round % 26);
+}
+
 enum class Shape { kNumbers, kTexts };
+
+template <typename T>
+inline constexpr Shape kShapeOf = Shape::kNumbers;
+template <>
+inline constexpr Shape kShapeOf<Note> = Shape::kTexts;
 
 class Peer {
 public:
@@ -46,8 +58,12 @@ public:
     // Finds each row by its full key and reads one field.
     virtual double Seek(const std::vector<Row>& rows) = 0;
     virtual double Seek(const std::vector<Note>& notes) = 0;
-    virtual void UpdateOneField(const std::vector<Row>& rows) = 0;
+    // Finds each row and changes one field; another `round` gives another value, as what does not
+    // change a row need not be written.
+    virtual void UpdateOneField(const std::vector<Row>& rows, int round) = 0;
+    virtual void UpdateOneField(const std::vector<Note>& notes, int round) = 0;
     virtual void Delete(const std::vector<Row>& rows) = 0;
+    virtual void Delete(const std::vector<Note>& notes) = 0;
     // The first field of the first row.
     virtual double FirstRow() = 0;
 };
@@ -57,7 +73,9 @@ std::unique_ptr<Peer> MakeSqlitePeer();
 // Reads only: the files that the engine made.
 std::unique_ptr<Peer> MakeMdbPeer();
 
-// "jet4", "jet3", "sqlite", "mdb".
+// "jet4", "jet3" and, where the program was built with them, "sqlite", "mdb".
 std::unique_ptr<Peer> MakePeer(const std::string& name);
+// The names of those that this program was built with.
+std::vector<std::string> PeerNames();
 
 }  // namespace bench

@@ -25,8 +25,8 @@ void Ratios::ReportRuns(const std::vector<Run>& runs) {
 }
 
 void Ratios::Finalize() {
-    std::printf("\n%-14s %9s %14s %12s %12s %12s   %s\n", "question", "rows", "jet4 per s",
-                "jet4/sqlite", "jet4/mdb", "jet3/jet4", "growth of the time");
+    std::printf("\n%-20s %8s %11s %12s %10s %12s %10s   %s\n", "question", "rows", "jet4 per s",
+                "jet4/sqlite", "jet4/mdb", "jet3/sqlite", "jet3/mdb", "time of one row");
     for (const auto& [question, sizes] : speeds_) {
         double formerTime = 0;
         std::size_t formerRows = 0;
@@ -36,13 +36,15 @@ void Ratios::Finalize() {
                 return found == peers.end() ? std::nan("") : found->second;
             };
             const double own = speed("jet4");
-            std::printf("%-14s %9zu %14.0f %12.2f %12.2f %12.2f", question.c_str(), rows, own,
-                        own / speed("sqlite"), own / speed("mdb"), speed("jet3") / own);
-            const double time = 1 / own;  // of one row
+            const double older = speed("jet3");
+            std::printf("%-20s %8zu %11.0f %12.2f %10.2f %12.2f %10.2f", question.c_str(), rows,
+                        own, own / speed("sqlite"), own / speed("mdb"), older / speed("sqlite"),
+                        older / speed("mdb"));
+            const double time = 1 / own;
             if (formerRows > 0) {
-                std::printf("   rows^%.2f for each", std::log(time / formerTime) /
-                                                         std::log(static_cast<double>(rows) /
-                                                                  static_cast<double>(formerRows)));
+                std::printf("   rows^%.2f", std::log(time / formerTime) /
+                                                std::log(static_cast<double>(rows) /
+                                                         static_cast<double>(formerRows)));
             }
             std::printf("\n");
             formerTime = time;

@@ -126,11 +126,11 @@ public:
         }
         return sum;
     }
-    void UpdateOneField(const std::vector<Row>& rows) override {
+    void UpdateOneField(const std::vector<Row>& rows, int round) override {
         Statement update(database_,
                          "UPDATE Numbers SET FIL2 = ? WHERE FMZRLKey = ? AND ResourceNumber = ?");
         for (const Row& row : rows) {
-            update.Bind(1, row.values[0] + 1.0F);
+            update.Bind(1, NewValue(row, round));
             update.Bind(2, row.location);
             update.Bind(3, row.resource);
             update.Step();
@@ -142,6 +142,24 @@ public:
         for (const Row& row : rows) {
             erase.Bind(1, row.location);
             erase.Bind(2, row.resource);
+            erase.Step();
+            erase.Reset();
+        }
+    }
+    void UpdateOneField(const std::vector<Note>& notes, int round) override {
+        Statement update(database_, "UPDATE Texts SET Name = ? WHERE Key = ?");
+        for (const Note& note : notes) {
+            const std::u16string name = NewName(note, round);
+            update.Bind(1, name);
+            update.Bind(2, note.key);
+            update.Step();
+            update.Reset();
+        }
+    }
+    void Delete(const std::vector<Note>& notes) override {
+        Statement erase(database_, "DELETE FROM Texts WHERE Key = ?");
+        for (const Note& note : notes) {
+            erase.Bind(1, note.key);
             erase.Step();
             erase.Reset();
         }

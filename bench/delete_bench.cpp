@@ -5,12 +5,13 @@ namespace bench {
 
 namespace {
 
+template <typename T>
 void Run(benchmark::State& state, const std::string& peer, std::size_t rows) {
     const Folder folder;
-    const auto probes = Sample(RowsInKeyOrder(rows), 20000);
+    const auto probes = Sample<T>(rows, 20000);
     for (auto _ : state) {
         state.PauseTiming();
-        auto open = Filled(peer, folder, rows);
+        auto open = Filled<T>(peer, folder, rows);
         state.ResumeTiming();
         open->Delete(probes);
         state.PauseTiming();
@@ -20,7 +21,8 @@ void Run(benchmark::State& state, const std::string& peer, std::size_t rows) {
     state.SetItemsProcessed(static_cast<std::int64_t>(probes.size() * state.iterations()));
 }
 
-const int kRegistered = Register("delete", &Run, true);
+const int kNumbers = Register("delete", &Run<Row>, true);
+const int kTexts = Register("delete_texts", &Run<Note>, true);
 
 }  // namespace
 

@@ -1,28 +1,24 @@
-// How long does it take to add rows in key order, each one whole by itself?
+// How long does it take to add rows, each one whole by itself, in key order and at random?
 #include "bench/Fixture.h"
 
 namespace bench {
 
 namespace {
 
-void Run(benchmark::State& state, const std::string& peer, std::size_t rows) {
-    const Folder folder;
-    const auto all = RowsInKeyOrder(rows);
-    for (auto _ : state) {
-        state.PauseTiming();
-        std::filesystem::remove(folder.File());
-        const auto open = MakePeer(peer);
-        open->Create(folder.File());
-        state.ResumeTiming();
-        open->Insert(all);
-        state.PauseTiming();
-        open->Close();
-        state.ResumeTiming();
-    }
-    state.SetItemsProcessed(static_cast<std::int64_t>(rows * state.iterations()));
+template <typename T>
+void InKeyOrder(benchmark::State& state, const std::string& peer, std::size_t rows) {
+    RunInserts<T>(state, peer, InOrder(rows));
 }
 
-const int kRegistered = Register("insert", &Run, true);
+template <typename T>
+void AtRandom(benchmark::State& state, const std::string& peer, std::size_t rows) {
+    RunInserts<T>(state, peer, Shuffled(rows));
+}
+
+const int kOrdered = Register("insert", &InKeyOrder<Row>, true);
+const int kRandom = Register("insert_random", &AtRandom<Row>, true);
+const int kOrderedTexts = Register("insert_texts", &InKeyOrder<Note>, true);
+const int kRandomTexts = Register("insert_random_texts", &AtRandom<Note>, true);
 
 }  // namespace
 

@@ -7,7 +7,7 @@ namespace {
 
 void Run(benchmark::State& state, const std::string& peer, std::size_t rows) {
     const Folder folder;
-    const auto open = Filled(peer, folder, rows);
+    const auto open = Filled<Row>(peer, folder, rows);
     open->Close();
     for (auto _ : state) {
         open->Open(folder.File());

@@ -5,15 +5,15 @@ namespace bench {
 
 namespace {
 
+template <typename T>
 void Run(benchmark::State& state, const std::string& peer, std::size_t rows) {
-    const Folder folder;
-    const auto open = Filled(peer, folder, rows);
-    const auto probes = Sample(RowsInKeyOrder(rows), 20000);
-    for (auto _ : state) benchmark::DoNotOptimize(open->Seek(probes));
-    state.SetItemsProcessed(static_cast<std::int64_t>(probes.size() * state.iterations()));
+    RunProbes<T>(state, peer, rows, [](Peer& open, const std::vector<T>& probes) {
+        benchmark::DoNotOptimize(open.Seek(probes));
+    });
 }
 
-const int kRegistered = Register("seek", &Run, true);
+const int kNumbers = Register("seek", &Run<Row>, true);
+const int kTexts = Register("seek_texts", &Run<Note>, true);
 
 }  // namespace
 

@@ -5,15 +5,16 @@ namespace bench {
 
 namespace {
 
+template <typename T>
 void Run(benchmark::State& state, const std::string& peer, std::size_t rows) {
-    const Folder folder;
-    const auto open = Filled(peer, folder, rows);
-    const auto probes = Sample(RowsInKeyOrder(rows), 20000);
-    for (auto _ : state) open->UpdateOneField(probes);
-    state.SetItemsProcessed(static_cast<std::int64_t>(probes.size() * state.iterations()));
+    int round = 0;
+    RunProbes<T>(state, peer, rows, [&round](Peer& open, const std::vector<T>& probes) {
+        open.UpdateOneField(probes, round++);
+    });
 }
 
-const int kRegistered = Register("update", &Run, true);
+const int kNumbers = Register("update", &Run<Row>, true);
+const int kTexts = Register("update_texts", &Run<Note>, true);
 
 }  // namespace
 

@@ -24,8 +24,8 @@ void OpenFile::Close() {
     pager_->Close();
 }
 
-void OpenFile::RequireOpen() const {
-    if (closed_) throw Error(ErrorKind::kClosed, "The database has been closed.");
+void OpenFile::ThrowClosed() {
+    throw Error(ErrorKind::kClosed, "The database has been closed.");
 }
 
 void OpenFile::Watch(RowWatcher& watcher) {

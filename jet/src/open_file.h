@@ -29,7 +29,9 @@ public:
 
     void Close();
     [[nodiscard]] bool IsClosed() const { return closed_; }
-    void RequireOpen() const;
+    void RequireOpen() const {
+        if (closed_) ThrowClosed();
+    }
 
     [[nodiscard]] Pager& Pages() { return *pager_; }
     [[nodiscard]] Catalog& Tables() { return *catalog_; }
@@ -40,6 +42,8 @@ public:
     void TellDeleted(const Table& table, RowId row);
 
 private:
+    [[noreturn]] static void ThrowClosed();
+
     std::unique_ptr<Pager> pager_;
     std::unique_ptr<Catalog> catalog_;
     Recovery recovery_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jet/error.h"
+#include "query_candidates.h"
 #include "record/text.h"
 
 namespace jet {
@@ -143,20 +144,30 @@ private:
     std::vector<KeyColumn> keys_;
 };
 
+// Calls `visit` with each row that the query has to look at, in stored order.
+template <typename Visit>
+void ForEachCandidate(Table& table, const Query& query, Visit visit) {
+    if (const auto rows = RowsByIndex(table, query)) {
+        for (const RowId row : *rows) visit(row);
+        return;
+    }
+    for (auto row = table.Rows().First(); row; row = table.Rows().After(*row)) visit(*row);
+}
+
 std::vector<RowId> Select(Table& table, const Query& query) {
     std::vector<Test> tests;
     for (const Condition& condition : query.conditions) tests.emplace_back(table, condition);
     const Order order(table, query);
     std::vector<std::pair<Key, RowId>> found;
     StoredRow stored;
-    for (auto row = table.Rows().First(); row; row = table.Rows().After(*row)) {
-        if (!table.Rows().Find(*row, stored)) continue;
+    ForEachCandidate(table, query, [&](RowId row) {
+        if (!table.Rows().Find(row, stored)) return;
         const RowView view = table.View(stored.bytes);
         if (std::all_of(tests.begin(), tests.end(),
                         [&view](Test& test) { return test.Passes(view); })) {
-            found.emplace_back(order.KeyOf(view), *row);
+            found.emplace_back(order.KeyOf(view), row);
         }
-    }
+    });
     std::stable_sort(found.begin(), found.end(),
                      [](const auto& left, const auto& right) { return left.first < right.first; });
     std::vector<RowId> rows;

@@ -1,11 +1,12 @@
 #include "row_cursor.h"
 
-#include <cmath>
+#include <bit>
 #include <numeric>
 
 #include "catalog/new_table.h"
 #include "default_value.h"
 #include "jet/error.h"
+#include "page/bytes.h"
 #include "record/text.h"
 
 namespace jet {
@@ -29,10 +30,25 @@ RowCursor::RowCursor(std::shared_ptr<OpenFile> file, Table& table, bool system,
     : file_(std::move(file)),
       table_(&table),
       readOnly_(system || file_->Pages().IsReadOnly()),
-      columns_(columns.empty() ? AllColumns(table.Def()) : std::move(columns)) {
+      columns_(FieldColumnsOf(table.Def(), columns.empty() ? AllColumns(table.Def()) : columns)) {
     const TableSchema schema = SchemaOf(table.Name(), table.Def());
-    for (const std::size_t column : columns_) fields_.push_back(schema.columns[column]);
+    for (const FieldColumn& field : columns_) fields_.push_back(schema.columns[field.column]);
     file_->Watch(*this);
+}
+
+std::vector<RowCursor::FieldColumn> RowCursor::FieldColumnsOf(
+    const Definition& definition, const std::vector<std::size_t>& columns) {
+    std::vector<FieldColumn> fields;
+    for (const std::size_t column : columns) {
+        const Column& stored = definition.columns[column];
+        const std::uint32_t size = SizeOfType(stored.type);
+        fields.push_back({.column = column,
+                          .type = stored.type,
+                          .plain = stored.fixed && size != 0 && stored.length == size,
+                          .number = stored.number,
+                          .offset = stored.fixedOffset});
+    }
+    return fields;
 }
 
 RowCursor::~RowCursor() {
@@ -52,7 +68,7 @@ FieldId RowCursor::Field(std::string_view name) const {
     }
     const std::u16string wide = WidenName(name);
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        const Column& column = table_->Def().columns[columns_[i]];
+        const Column& column = table_->Def().columns[columns_[i].column];
         if (SameName(column.wide, wide, table_->Def().version)) return {static_cast<int>(i)};
     }
     throw Error(ErrorKind::kNoSuchField,
@@ -106,8 +122,8 @@ void RowCursor::RowDeleted(const Table& table, RowId row) {
     if (&table == table_ && place_ == Place::kOn && row == row_) place_ = Place::kGone;
 }
 
-std::size_t RowCursor::ColumnOf(FieldId field) const {
-    if (field.position < 0 || static_cast<std::size_t>(field.position) >= columns_.size()) {
+const RowCursor::FieldColumn& RowCursor::ColumnOf(FieldId field) const {
+    if (static_cast<std::size_t>(field.position) >= columns_.size()) {
         throw Error(ErrorKind::kNoSuchField, "The record set has no such field.");
     }
     return columns_[static_cast<std::size_t>(field.position)];
@@ -117,11 +133,10 @@ bool RowCursor::IsInEdit(std::size_t column) const {
     return edit_ == EditKind::kAdd || (edit_ == EditKind::kEdit && values_.given[column]);
 }
 
-const RowView& RowCursor::CurrentView() const {
-    RequireOpen();
+// Finds the current record's bytes; they are looked at where they lie.
+const RowView& RowCursor::FindCurrentView() const {
     if (place_ != Place::kOn) ThrowNoCurrent();
     const std::uint64_t change = table_->Pages().ChangeCount();
-    if (viewRow_ == row_ && viewChange_ == change) return view_;
     // A page that changed may be another one in memory now.
     if (viewChange_ != change) stored_ = StoredRow();
     viewRow_ = RowId();
@@ -137,50 +152,45 @@ const RowView& RowCursor::CurrentView() const {
 
 Value RowCursor::Get(FieldId field) const {
     RequireOpen();
-    const std::size_t column = ColumnOf(field);
+    const std::size_t column = ColumnOf(field).column;
     if (IsInEdit(column)) return values_.values[column];
     return table_->ReadValue(CurrentView(), column);
 }
 
-bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const {
-    const std::size_t column = ColumnOf(field);
-    const ColumnType type = table_->Def().columns[column].type;
-    const bool exact =
-        type == ColumnType::kLong || type == ColumnType::kInteger || type == ColumnType::kByte;
-    if (!exact || IsInEdit(column)) {
-        const Value value = Get(field);
-        if (value.IsNull()) return false;
-        into = value.AsLong();
-        return true;
+template <typename Number>
+bool RowCursor::ReadPlain(const FieldColumn& field, Number& into) const {
+    const RowView& row = CurrentView();
+    if (!row.IsSet(field.number)) return false;
+    const Bytes bytes = row.Fixed(field.offset, sizeof(Number));
+    if constexpr (sizeof(Number) == 8) {
+        into = std::bit_cast<Number>(ReadU64(bytes, 0));
+    } else {
+        into = std::bit_cast<Number>(ReadU32(bytes, 0));
     }
-    double number = 0;
-    if (!ReadDouble(field, number)) return false;
-    into = static_cast<std::int32_t>(number);
+    return true;
+}
+
+bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const {
+    const FieldColumn& column = ColumnOf(field);
+    if (IsPlain(column, ColumnType::kLong)) return ReadPlain(column, into);
+    const Value value = Get(field);
+    if (value.IsNull()) return false;
+    into = value.AsLong();
     return true;
 }
 
 bool RowCursor::ReadSingle(FieldId field, float& into) const {
-    const std::size_t column = ColumnOf(field);
-    if (IsInEdit(column) || table_->Def().columns[column].type != ColumnType::kSingle) {
-        const Value value = Get(field);
-        if (value.IsNull()) return false;
-        into = value.AsSingle();
-        return true;
-    }
-    double number = 0;
-    if (!ReadDouble(field, number)) return false;
-    into = static_cast<float>(number);
+    const FieldColumn& column = ColumnOf(field);
+    if (IsPlain(column, ColumnType::kSingle)) return ReadPlain(column, into);
+    const Value value = Get(field);
+    if (value.IsNull()) return false;
+    into = value.AsSingle();
     return true;
 }
 
 bool RowCursor::ReadDouble(FieldId field, double& into) const {
-    const std::size_t column = ColumnOf(field);
-    const Column& stored = table_->Def().columns[column];
-    if (!IsInEdit(column) && stored.type != ColumnType::kBoolean) {
-        const auto bytes = table_->ColumnBytes(CurrentView(), column);
-        if (!bytes) return false;
-        if (DecodeNumber(stored, *bytes, into)) return true;
-    }
+    const FieldColumn& column = ColumnOf(field);
+    if (IsPlain(column, ColumnType::kDouble)) return ReadPlain(column, into);
     const Value value = Get(field);
     if (value.IsNull()) return false;
     into = value.AsDouble();
@@ -188,7 +198,7 @@ bool RowCursor::ReadDouble(FieldId field, double& into) const {
 }
 
 bool RowCursor::ReadText(FieldId field, std::u16string& into) const {
-    const std::size_t column = ColumnOf(field);
+    const std::size_t column = ColumnOf(field).column;
     if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
     const Value& value = values_.values[column];
     if (value.IsNull()) return false;
@@ -245,7 +255,7 @@ void RowCursor::Edit() {
 
 void RowCursor::Set(FieldId field, const Value& value) {
     RequireOpen();
-    const std::size_t column = ColumnOf(field);
+    const std::size_t column = ColumnOf(field).column;
     if (edit_ == EditKind::kNone) {
         throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
     }

@@ -74,13 +74,39 @@ protected:
     void SetGone() { place_ = Place::kGone; }
     // After a search that found nothing the former record can be read but not be changed.
     void SetSearchFailed(bool failed) { searchFailed_ = failed; }
-    [[nodiscard]] const RowView& CurrentView() const;
+    [[nodiscard]] const RowView& CurrentView() const {
+        RequireOpen();
+        if (place_ == Place::kOn && viewRow_ == row_ &&
+            viewChange_ == table_->Pages().ChangeCount()) {
+            return view_;
+        }
+        return FindCurrentView();
+    }
     void RowDeleted(const Table& table, RowId row) override;
 
 private:
     enum class EditKind { kNone, kAdd, kEdit };
 
-    [[nodiscard]] std::size_t ColumnOf(FieldId field) const;
+    // A field's column: its position in the table, and where numbers of a fixed size lie in each
+    // row, so that reading one need not look at the definition.
+    struct FieldColumn {
+        std::size_t column = 0;
+        ColumnType type = ColumnType::kLong;
+        bool plain = false;  // a number in the fixed area, whole
+        std::uint16_t number = 0;
+        std::uint16_t offset = 0;
+    };
+
+    [[nodiscard]] static std::vector<FieldColumn> FieldColumnsOf(
+        const Definition& definition, const std::vector<std::size_t>& columns);
+    [[nodiscard]] const FieldColumn& ColumnOf(FieldId field) const;
+    // True when the bytes of the current record are a number of this very type.
+    [[nodiscard]] bool IsPlain(const FieldColumn& field, ColumnType type) const {
+        return field.plain && field.type == type && edit_ == EditKind::kNone;
+    }
+    template <typename Number>
+    bool ReadPlain(const FieldColumn& field, Number& into) const;
+    [[nodiscard]] const RowView& FindCurrentView() const;
     // True when the value is that of the edit, not of the stored record.
     [[nodiscard]] bool IsInEdit(std::size_t column) const;
     void RequireChangeable() const;
@@ -92,7 +118,7 @@ private:
     std::shared_ptr<OpenFile> file_;
     Table* table_;
     bool readOnly_;
-    std::vector<std::size_t> columns_;
+    std::vector<FieldColumn> columns_;
     std::vector<ColumnSchema> fields_;
     Place place_ = Place::kNowhere;
     RowId row_;

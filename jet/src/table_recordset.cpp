@@ -48,20 +48,25 @@ std::int32_t TableRecordset::RecordCount() const {
     return static_cast<std::int32_t>(std::min(count, kMost));
 }
 
-std::optional<IndexEntry> TableRecordset::Search(Comparison comparison, Bytes key) const {
+bool TableRecordset::Search(Comparison comparison, Bytes key) {
     const IndexTree& tree = index_->Tree();
+    std::optional<IndexEntry> entry;
     switch (comparison) {
         case Comparison::kEqual:
         case Comparison::kGreaterOrEqual:
-            return tree.FirstNotBelow(key);
+            return tree.FirstNotBelow(key, found_);
         case Comparison::kGreater:
-            return tree.FirstBeyond(key);
+            entry = tree.FirstBeyond(key);
+            break;
         case Comparison::kLess:
-            return tree.LastBelow(key);
+            entry = tree.LastBelow(key);
+            break;
         case Comparison::kLessOrEqual:
-            return tree.LastNotBeyond(key);
+            entry = tree.LastNotBeyond(key);
+            break;
     }
-    return std::nullopt;
+    if (entry) found_ = std::move(*entry);
+    return entry.has_value();
 }
 
 bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) {
@@ -72,17 +77,20 @@ bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) {
                     "No index of the table '" + Source().Name() + "' has been chosen.");
     }
     index_->MakeSearchKey(key, searchKey_);
-    auto found = Search(comparison, searchKey_);
-    noMatch_ = !found || (comparison == Comparison::kEqual && !BeginsWith(found->key, searchKey_));
+    noMatch_ = !Search(comparison, searchKey_) ||
+               (comparison == Comparison::kEqual && !BeginsWith(found_.key, searchKey_));
     SetSearchFailed(noMatch_);
     if (noMatch_) return false;
-    Arrive(GoTo(std::move(found)), Place::kNowhere);
+    std::swap(entry_, found_);
+    hint_ = {};
+    Arrive(entry_.row, Place::kNowhere);
     return true;
 }
 
 std::optional<RowId> TableRecordset::GoTo(std::optional<IndexEntry> entry) {
     if (!entry) return std::nullopt;
     entry_ = std::move(*entry);
+    hint_ = {};
     return entry_.row;
 }
 
@@ -95,7 +103,10 @@ std::optional<RowId> TableRecordset::GoLast() {
 }
 
 std::optional<RowId> TableRecordset::GoNext() {
-    return index_ == nullptr ? Source().Rows().After(Row()) : GoTo(index_->Tree().After(entry_));
+    if (index_ == nullptr) return Source().Rows().After(Row());
+    if (!index_->Tree().Next(entry_, hint_, found_)) return std::nullopt;
+    std::swap(entry_, found_);
+    return entry_.row;
 }
 
 std::optional<RowId> TableRecordset::GoPrevious() {
@@ -113,6 +124,7 @@ void TableRecordset::CurrentChanged() {
         index_->MakeRowKey([&](std::size_t column) { return Source().ReadValue(view, column); },
                            key);
         if (key.entered) entry_.key = std::move(key.key);
+        hint_ = {};
     } catch (const Error&) {
         return;
     } catch (const std::bad_alloc&) {

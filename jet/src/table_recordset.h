@@ -24,11 +24,14 @@ protected:
 
 private:
     std::optional<RowId> GoTo(std::optional<IndexEntry> entry);
-    [[nodiscard]] std::optional<IndexEntry> Search(Comparison comparison, Bytes key) const;
+    // Finds the entry that a search leads to; `found_` then holds it.
+    bool Search(Comparison comparison, Bytes key);
 
     const TableIndex* index_ = nullptr;
     std::string indexName_;
     IndexEntry entry_;  // the current place in the index
+    LeafHint hint_;     // of the last step
+    IndexEntry found_;  // what a search or a step leads to, before it is the current place
     Key searchKey_;
     bool noMatch_ = false;
 };

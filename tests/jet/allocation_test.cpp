@@ -127,6 +127,46 @@ TEST_P(AllocationTest, CreateTable_WithoutMemory_LeavesTheFileAsItWas) {
     FailEachAllocation([&] { database_->CreateTable(schema); });
 }
 
+// Reads all fields of all records, with no memory to be had once the second walk has begun.
+void WalkTwice(Recordset& rows) {
+    std::u16string text;
+    std::int64_t sum = 0;
+    for (const long allocations : {-1L, 0L}) {
+        rows.MoveFirst();
+        tarn_test::FailAllocation(allocations);
+        for (; !rows.IsEof(); rows.MoveNext()) {
+            std::int32_t id = 0;
+            rows.ReadLong(FieldId{0}, id);
+            for (const int field : {1, 2}) rows.ReadText(FieldId{field}, text);
+            sum += id + static_cast<std::int64_t>(text.size());
+        }
+        tarn_test::FailAllocation(-1);
+    }
+    EXPECT_GT(sum, 0);
+}
+
+TEST_P(AllocationTest, Walking_InAnyOrder_TakesNoMemory) {
+    const auto rows = database_->OpenTable("People");
+    for (const char* index : {"", "PrimaryKey", "Name"}) {
+        rows->SetIndex(index);
+        EXPECT_NO_THROW(WalkTwice(*rows)) << index;
+    }
+}
+
+TEST_P(AllocationTest, Seeking_TakesNoMemory) {
+    const auto rows = database_->OpenTable("People");
+    rows->SetIndex("PrimaryKey");
+    for (const long allocations : {-1L, 0L}) {
+        tarn_test::FailAllocation(allocations);
+        for (std::int32_t id = 1; id <= 60; ++id) {
+            std::int32_t found = 0;
+            EXPECT_TRUE(rows->Seek(Comparison::kEqual, {id}) && rows->ReadLong(FieldId{0}, found) &&
+                        found == id);
+        }
+        tarn_test::FailAllocation(-1);
+    }
+}
+
 TEST_P(AllocationTest, Open_WithoutMemory_LeavesTheFileAsItWas) {
     database_->Close();
     for (long nth = 0;; ++nth) {

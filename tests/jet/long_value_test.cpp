@@ -31,7 +31,10 @@ protected:
     }
     std::vector<std::byte> Read(Bytes inRow) {
         std::vector<std::byte> value;
-        ReadLongValue(*pager_, inRow, value);
+        PageRef page;
+        std::vector<std::byte> room;
+        const Bytes whole = ReadLongValue(*pager_, inRow, page, room);
+        value.assign(whole.begin(), whole.end());
         return value;
     }
     [[nodiscard]] int PagesOf(RowId map) const {

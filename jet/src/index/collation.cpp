@@ -182,9 +182,13 @@ public:
         }
     }
 
-    void AppendTo(Key& key) {
+    void AppendStartTo(Key& key) const {
         key.insert(key.end(), primary_.begin(), primary_.end());
         key.push_back(std::byte{1});
+    }
+
+    void AppendTo(Key& key) {
+        AppendStartTo(key);
         while (!secondary_.empty() && secondary_.back() <= std::byte{2}) {
             secondary_.pop_back();
         }
@@ -333,6 +337,18 @@ void AppendGeneralLegacy(Key& key, std::u16string_view text, bool ascending, Let
     if (!ascending) {
         Complement(key, start);
         key.push_back(std::byte{0});
+    }
+}
+
+void AppendGeneralLegacyStart(Key& key, std::u16string_view text, bool ascending) {
+    const std::size_t start = key.size();
+    LegacyKey parts(LetterCount::kWeights);
+    for (const char16_t unit : Prepare(text)) {
+        parts.Add(unit);
+    }
+    parts.AppendStartTo(key);
+    if (!ascending) {
+        Complement(key, start);
     }
 }
 

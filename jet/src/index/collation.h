@@ -24,5 +24,8 @@ enum class LetterCount { kWeights, kCharacters };
 void AppendGeneral97(Key& key, std::string_view text, bool ascending);
 void AppendGeneralLegacy(Key& key, std::u16string_view text, bool ascending,
                          LetterCount letters = LetterCount::kWeights);
+// The part of a General Legacy key that does not depend on how letters are counted: all texts that
+// count as equal have it in common, whoever made their keys, and no key goes on within it.
+void AppendGeneralLegacyStart(Key& key, std::u16string_view text, bool ascending);
 
 }  // namespace jet

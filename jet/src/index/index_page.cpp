@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "jet/error.h"
 #include "page/bytes.h"
@@ -84,10 +85,14 @@ Key EntryBytes(Bytes key, RowId row) {
     return entry;
 }
 
-IndexEntry EntryFromBytes(Bytes entry) {
-    const std::size_t keySize = entry.size() - kRowPointerSize;
-    return {Key(entry.begin(), entry.begin() + static_cast<std::ptrdiff_t>(keySize)),
-            RowId::FromPacked(ReadBig(entry.subspan(keySize), kRowPointerSize))};
+RowId RowOf(Bytes entry) {
+    return RowId::FromPacked(ReadBig(entry.last(kRowPointerSize), kRowPointerSize));
+}
+
+IndexEntry EntryFromBytes(Key entry) {
+    const RowId row = RowOf(entry);
+    entry.resize(entry.size() - kRowPointerSize);
+    return {std::move(entry), row};
 }
 
 IndexPage::IndexPage(Bytes page, const Format& format, PageNumber number, PageNumber table)
@@ -99,7 +104,7 @@ IndexPage::IndexPage(Bytes page, const Format& format, PageNumber number, PageNu
         Damaged("belongs to another table");
     }
     leaf_ = page[0] == kLeafPage;
-    used_ = LastBitUpTo(format.entryBitmapSize * 8 - 1);
+    used_ = LastBit();
     if (used_ > format.entryCapacity) {
         Damaged("has an entry beyond its end");
     }
@@ -134,34 +139,42 @@ std::uint32_t IndexPage::FreeField() const {
     return ReadU16(page_, kFreeAt);
 }
 
-// The first set bit from `from` on; there is one, as `from` is at most the last.
+// The first set bit from `from` on; there is one, as `from` is at most the last. Eight bytes from
+// the bitmap always lie on the page, since the entries follow it.
 std::size_t IndexPage::NextBit(std::size_t from) const {
-    const Bytes bitmap = page_.subspan(format_->entryBitmapAt, format_->entryBitmapSize);
-    std::size_t at = from / 8;
-    unsigned bits = std::to_integer<unsigned>(bitmap[at]) >> from % 8 << from % 8;
+    std::size_t at = format_->entryBitmapAt + from / 8;
+    std::uint64_t bits = ReadU64(page_, at) >> from % 8 << from % 8;
     while (bits == 0) {
-        bits = std::to_integer<unsigned>(bitmap[++at]);
+        at += sizeof bits;
+        bits = ReadU64(page_, at);
     }
-    return at * 8 + static_cast<std::size_t>(std::countr_zero(bits));
+    return (at - format_->entryBitmapAt) * 8 + static_cast<std::size_t>(std::countr_zero(bits));
 }
 
 // The last set bit up to and including `to`, or 0.
 std::size_t IndexPage::LastBitUpTo(std::size_t to) const {
     const Bytes bitmap = page_.subspan(format_->entryBitmapAt, format_->entryBitmapSize);
-    std::size_t at = to / 8;
-    unsigned bits = std::to_integer<unsigned>(bitmap[at]) & ((2U << to % 8) - 1);
-    while (bits == 0 && at >= sizeof(std::uint64_t)) {
-        std::uint64_t eight = 0;
-        std::memcpy(&eight, &bitmap[at - sizeof eight], sizeof eight);
-        if (eight != 0) {
-            break;
+    while (to >= 64) {
+        const std::uint64_t bits = ReadU64(bitmap, to / 8 - 7) << (7 - to % 8);
+        if (bits != 0) {
+            return to - static_cast<std::size_t>(std::countl_zero(bits));
         }
-        at -= sizeof eight;
+        to = (to / 8 - 7) * 8 - 1;
     }
-    while (bits == 0 && at > 0) {
-        bits = std::to_integer<unsigned>(bitmap[--at]);
+    const std::uint64_t bits = ReadU64(bitmap, 0) << (63 - to);
+    return bits == 0 ? 0 : to - static_cast<std::size_t>(std::countl_zero(bits));
+}
+
+// The last set bit of all, or 0. What a page has free is passed over in long steps.
+std::size_t IndexPage::LastBit() const {
+    const Bytes bitmap = page_.subspan(format_->entryBitmapAt, format_->entryBitmapSize);
+    constexpr std::size_t kStep = 32;
+    std::size_t end = bitmap.size();
+    while (end > kStep && (ReadU64(bitmap, end - 8) | ReadU64(bitmap, end - 16) |
+                           ReadU64(bitmap, end - 24) | ReadU64(bitmap, end - 32)) == 0) {
+        end -= kStep;
     }
-    return bits == 0 ? 0 : at * 8 + static_cast<std::size_t>(std::bit_width(bits)) - 1;
+    return LastBitUpTo(end * 8 - 1);
 }
 
 std::size_t IndexPage::After(std::size_t at) const {
@@ -180,39 +193,47 @@ Bytes IndexPage::Stored(std::size_t at, std::size_t end) const {
     return page_.subspan(format_->entryAreaAt + at, end - at);
 }
 
-bool IndexPage::Passes(const EntryBound& bound, std::size_t at, std::size_t end) const {
-    Bytes rest = Stored(at, end);
-    EntryBound part = bound;
-    if (at != 0 && prefix_ != 0) {
-        const Bytes first = page_.subspan(format_->entryAreaAt, prefix_);
-        const std::size_t shared = std::min(prefix_, bound.bytes.size());
-        const int order = shared == 0 ? 0 : std::memcmp(first.data(), bound.bytes.data(), shared);
-        if (order != 0) {
-            return order < 0;
-        }
-        if (shared < prefix_) {
-            // The bytes searched for end inside the prefix: every entry begins with them.
-            return bound.rule == EntryBound::Rule::kBeyond;
-        }
-        part.bytes = bound.bytes.subspan(prefix_);
+// The same without a node's child.
+Bytes IndexPage::StoredKeyAndRow(std::size_t at, std::size_t end) const {
+    const Bytes stored = Stored(at, end);
+    if (leaf_) {
+        return stored;
     }
-    if (!leaf_) {
-        if (rest.size() < kChildPointerSize) {
-            Damaged("has an entry that is too short");
-        }
-        rest = rest.first(rest.size() - kChildPointerSize);
+    if (stored.size() < kChildPointerSize) {
+        Damaged("has an entry that is too short");
     }
-    return part.Passes(rest);
+    return stored.first(stored.size() - kChildPointerSize);
+}
+
+// What all entries but the first leave out is compared once for all of them.
+std::size_t IndexPage::Find(const EntryBound& bound) const {
+    if (prefix_ == 0 || used_ == 0) {
+        return Find(bound, 0);
+    }
+    const std::size_t second = After(0);
+    if (!bound.Passes(StoredKeyAndRow(0, second))) {
+        return 0;
+    }
+    const std::size_t shared = std::min(prefix_, bound.bytes.size());
+    const int order = Compare(Prefix().first(shared), bound.bytes.first(shared));
+    if (order != 0) {
+        return order < 0 ? used_ : second;
+    }
+    if (shared < prefix_) {
+        // The bytes searched for end inside the prefix: every entry begins with them.
+        return bound.rule == EntryBound::Rule::kBeyond ? used_ : second;
+    }
+    return Find({bound.bytes.subspan(prefix_), bound.rule}, second);
 }
 
 // Halves the stored bytes, not the entries: the entry around a byte is found through the bitmap.
-std::size_t IndexPage::Find(const EntryBound& bound) const {
-    std::size_t low = 0;
+std::size_t IndexPage::Find(const EntryBound& bound, std::size_t from) const {
+    std::size_t low = from;
     std::size_t high = used_;
     while (low < high) {
         const std::size_t start = LastBitUpTo(low + (high - low) / 2);
         const std::size_t end = NextBit(start + 1);
-        if (Passes(bound, start, end)) {
+        if (bound.Passes(StoredKeyAndRow(start, end))) {
             low = end;
         } else {
             high = start;
@@ -221,12 +242,38 @@ std::size_t IndexPage::Find(const EntryBound& bound) const {
     return low;
 }
 
+bool IndexPage::BeginsWith(std::size_t at, Bytes start) const {
+    Bytes stored = StoredKeyAndRow(at, After(at));
+    if (at != 0) {
+        const std::size_t shared = std::min(prefix_, start.size());
+        if (Compare(Prefix().first(shared), start.first(shared)) != 0) {
+            return false;
+        }
+        start = start.subspan(shared);
+    }
+    return stored.size() >= start.size() && Compare(stored.first(start.size()), start) == 0;
+}
+
+std::size_t IndexPage::SizeOf(std::size_t at) const {
+    return StoredKeyAndRow(at, After(at)).size() + (at == 0 ? 0 : prefix_);
+}
+
+RowId IndexPage::RowAt(std::size_t at) const {
+    const Bytes stored = StoredKeyAndRow(at, After(at));
+    if (stored.size() >= kRowPointerSize) {
+        return RowOf(stored);
+    }
+    Key entry;
+    Read(at, entry);
+    return RowOf(entry);
+}
+
 void IndexPage::Read(std::size_t at, Key& into) const {
     const Bytes stored = Stored(at, After(at));
     into.clear();
     if (at != 0) {
-        const Bytes first = page_.subspan(format_->entryAreaAt, prefix_);
-        into.assign(first.begin(), first.end());
+        const Bytes prefix = Prefix();
+        into.assign(prefix.begin(), prefix.end());
     }
     into.insert(into.end(), stored.begin(), stored.end());
     if (!leaf_) {

@@ -54,7 +54,8 @@ struct EntryBound {
 
 // Key and row pointer as an entry has them.
 Key EntryBytes(Bytes key, RowId row);
-IndexEntry EntryFromBytes(Bytes entry);
+IndexEntry EntryFromBytes(Key entry);
+RowId RowOf(Bytes entry);
 
 // A stored page. Entries are named by the offset of their first byte in the entry area; searching
 // works on the stored bytes, without taking the page apart. The page must stay pinned meanwhile.
@@ -82,12 +83,20 @@ public:
     // Key and row pointer in full, without a node's child.
     void Read(std::size_t at, Key& into) const;
     [[nodiscard]] PageNumber Child(std::size_t at) const;
+    // Key and row pointer, without putting them together.
+    [[nodiscard]] bool BeginsWith(std::size_t at, Bytes start) const;
+    [[nodiscard]] std::size_t SizeOf(std::size_t at) const;
+    [[nodiscard]] RowId RowAt(std::size_t at) const;
 
 private:
     [[nodiscard]] Bytes Stored(std::size_t at, std::size_t end) const;
-    [[nodiscard]] bool Passes(const EntryBound& bound, std::size_t at, std::size_t end) const;
+    [[nodiscard]] Bytes StoredKeyAndRow(std::size_t at, std::size_t end) const;
+    [[nodiscard]] Bytes Prefix() const { return page_.subspan(format_->entryAreaAt, prefix_); }
+    // The same for entries from `from` on, which must begin with what they leave out.
+    [[nodiscard]] std::size_t Find(const EntryBound& bound, std::size_t from) const;
     [[nodiscard]] std::size_t NextBit(std::size_t from) const;
     [[nodiscard]] std::size_t LastBitUpTo(std::size_t to) const;
+    [[nodiscard]] std::size_t LastBit() const;
     [[noreturn]] void Damaged(const char* what) const;
 
     Bytes page_;

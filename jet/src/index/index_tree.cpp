@@ -51,6 +51,15 @@ public:
         return place;
     }
 
+    // Goes on to the next entry along the leaves, of which `hops` counts those that were left.
+    void Advance(LeafPlace& place, std::uint32_t& hops) const {
+        place.at = place.leaf.After(place.at);
+        while (place.IsEnd() && place.leaf.Next()) {
+            CheckHops(hops++);
+            place = Leaf(place.leaf.Next());
+        }
+    }
+
     // The end of the last leaf.
     [[nodiscard]] LeafPlace End() const {
         LeafPlace place = Descend([](const IndexPage& node) { return node.End(); });
@@ -66,9 +75,15 @@ public:
         if (place.IsEnd()) {
             return std::nullopt;
         }
-        Key entry;
-        place.leaf.Read(place.at, entry);
-        return EntryFromBytes(entry);
+        IndexEntry entry;
+        Read(place, entry);
+        return entry;
+    }
+
+    static void Read(const LeafPlace& place, IndexEntry& into) {
+        place.leaf.Read(place.at, into.key);
+        into.row = RowOf(into.key);
+        into.key.resize(into.key.size() - kRowPointerSize);
     }
 
     // The entry before a place.
@@ -92,6 +107,16 @@ public:
             Damaged(root_, "has leaves out of order");
         }
         return entry;
+    }
+
+    // The place after the one that a hint tells of.
+    [[nodiscard]] LeafPlace NeighbourOf(LeafHint& hint) const {
+        const PageNumber number = hint.leaf.Number();
+        const IndexPage leaf(hint.leaf.Data(), pager_.FileFormat(), number, table_);
+        LeafPlace place{std::move(hint.leaf), leaf, hint.at};
+        std::uint32_t hops = 0;
+        Advance(place, hops);
+        return place;
     }
 
 private:
@@ -164,6 +189,16 @@ std::optional<IndexEntry> IndexTree::FirstNotBelow(Bytes search) const {
     return tree.At(tree.Find({search, EntryBound::Rule::kNotBelow}));
 }
 
+bool IndexTree::FirstNotBelow(Bytes search, IndexEntry& into) const {
+    const LeafPlace place =
+        Search(*pager_, table_, root_).Find({search, EntryBound::Rule::kNotBelow});
+    if (place.IsEnd()) {
+        return false;
+    }
+    Search::Read(place, into);
+    return true;
+}
+
 std::optional<IndexEntry> IndexTree::FirstBeyond(Bytes search) const {
     const Search tree(*pager_, table_, root_);
     return tree.At(tree.Find({search, EntryBound::Rule::kBeyond}));
@@ -191,29 +226,55 @@ std::optional<IndexEntry> IndexTree::Before(const IndexEntry& position) const {
     return tree.LastPassed({bytes, EntryBound::Rule::kNotBelow});
 }
 
+bool IndexTree::Next(const IndexEntry& position, LeafHint& hint, IndexEntry& into) const {
+    const Search tree(*pager_, table_, root_);
+    const bool known = !hint.leaf.Data().empty() && hint.change == pager_->ChangeCount();
+    LeafPlace place =
+        known ? tree.NeighbourOf(hint)
+              : tree.Find({EntryBytes(position.key, position.row), EntryBound::Rule::kAbove});
+    hint = {};
+    if (place.IsEnd()) {
+        return false;
+    }
+    Search::Read(place, into);
+    hint = {std::move(place.page), place.at, pager_->ChangeCount()};
+    return true;
+}
+
+std::vector<RowId> IndexTree::RowsBeginningWith(Bytes start) const {
+    const Search tree(*pager_, table_, root_);
+    std::vector<RowId> rows;
+    LeafPlace place = tree.Find({start, EntryBound::Rule::kNotBelow});
+    for (std::uint32_t hops = 0; !place.IsEnd() && place.leaf.BeginsWith(place.at, start);
+         tree.Advance(place, hops)) {
+        rows.push_back(place.leaf.RowAt(place.at));
+    }
+    return rows;
+}
+
 bool IndexTree::HasKey(Bytes key, RowId except) const {
-    for (auto entry = FirstNotBelow(key); entry; entry = After(*entry)) {
-        // Between entries of this key others can lie that begin with it, when it is the beginning
-        // of another key.
-        const Key bytes = EntryBytes(entry->key, entry->row);
-        if (!std::equal(
-                key.begin(), key.end(), bytes.begin(),
-                bytes.begin() + static_cast<std::ptrdiff_t>(std::min(key.size(), bytes.size())))) {
-            return false;
-        }
-        if (entry->key.size() == key.size() && entry->row != except) {
+    const Search tree(*pager_, table_, root_);
+    LeafPlace place = tree.Find({key, EntryBound::Rule::kNotBelow});
+    Key entry;
+    // Between entries of this key others can lie that begin with it, when it is the beginning of
+    // another key.
+    while (!place.IsEnd() && place.leaf.BeginsWith(place.at, key)) {
+        place.leaf.Read(place.at, entry);
+        if (entry.size() == key.size() + kRowPointerSize && RowOf(entry) != except) {
             return true;
         }
+        place = tree.Find({entry, EntryBound::Rule::kAbove});
     }
     return false;
 }
 
 bool IndexTree::Insert(Bytes key, RowId row) {
-    const bool isNew = !HasKey(key);
     TreeChange change(*pager_, table_, root_, pages_);
-    if (!change.InsertInPlace(key, row)) {
-        change.Insert(key, row);
+    if (const auto isNew = change.InsertInPlace(key, row, *this)) {
+        return *isNew;
     }
+    const bool isNew = !HasKey(key);
+    change.Insert(key, row);
     return isNew;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,6 +22,14 @@ struct IndexEntry {
     bool operator==(const IndexEntry&) const = default;
 };
 
+// Where a position lies, for as long as no page changes: the way to its neighbour is then a step on
+// the leaf.
+struct LeafHint {
+    PageRef leaf;
+    std::size_t at = 0;
+    std::uint64_t change = 0;
+};
+
 class IndexTree {
 public:
     IndexTree(Pager& pager, PageNumber table, PageNumber root, UsageMap pages);
@@ -31,6 +40,8 @@ public:
     [[nodiscard]] std::optional<IndexEntry> Last() const;
     // The first entry whose key is >= `search`.
     [[nodiscard]] std::optional<IndexEntry> FirstNotBelow(Bytes search) const;
+    // The same into memory that is used again; false, and nothing done, past the end.
+    bool FirstNotBelow(Bytes search, IndexEntry& into) const;
     // The first entry that is greater than `search` and does not begin with it.
     [[nodiscard]] std::optional<IndexEntry> FirstBeyond(Bytes search) const;
     // The last entry whose key is < `search`.
@@ -40,6 +51,11 @@ public:
     // The neighbours of a position, whether or not the entry is still there.
     [[nodiscard]] std::optional<IndexEntry> After(const IndexEntry& position) const;
     [[nodiscard]] std::optional<IndexEntry> Before(const IndexEntry& position) const;
+    // The neighbour after a position, into memory that is used again; false past the end. The hint
+    // is empty or that of the step that led to the position.
+    bool Next(const IndexEntry& position, LeafHint& hint, IndexEntry& into) const;
+    // The rows of all entries that begin with `start`, in the order of the index.
+    [[nodiscard]] std::vector<RowId> RowsBeginningWith(Bytes start) const;
     // True when an entry with exactly this key exists, other than that of `except`.
     [[nodiscard]] bool HasKey(Bytes key, RowId except = {}) const;
 

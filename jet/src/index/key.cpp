@@ -26,6 +26,8 @@ namespace {
 constexpr std::uint16_t kEnglish = 0x0409;
 constexpr std::size_t kBinaryPiece = 8;
 constexpr std::byte kMorePieces{9};
+constexpr std::byte kAscendingValue{0x7F};
+constexpr std::byte kDescendingValue{0x80};
 
 template <typename Unsigned>
 void AppendBigEndian(Key& key, Unsigned bits, bool ascending) {
@@ -198,21 +200,39 @@ std::optional<std::string> KeyObstacle(const KeyColumn& column, Version version)
            " cannot be indexed";
 }
 
-void AppendKeyPart(Key& key, const KeyColumn& column, const Value& value, Version version) {
+namespace {
+
+void RequireKeys(const KeyColumn& column, Version version) {
     if (const auto obstacle = KeyObstacle(column, version)) {
         throw Error(ErrorKind::kUnsupported, "No index key can be made: " + *obstacle + ".");
     }
+}
+
+}  // namespace
+
+void AppendKeyPart(Key& key, const KeyColumn& column, const Value& value, Version version) {
+    RequireKeys(column, version);
     if (value.IsNull()) {
         if (column.type != ColumnType::kBoolean) {
             key.push_back(column.ascending ? std::byte{0x00} : std::byte{0xFF});
             return;
         }
-        key.push_back(column.ascending ? std::byte{0x7F} : std::byte{0x80});
+        key.push_back(column.ascending ? kAscendingValue : kDescendingValue);
         AppendValue(key, column, Value(false), version);  // yes/no columns know no null
         return;
     }
-    key.push_back(column.ascending ? std::byte{0x7F} : std::byte{0x80});
+    key.push_back(column.ascending ? kAscendingValue : kDescendingValue);
     AppendValue(key, column, value, version);
+}
+
+void AppendKeyStart(Key& key, const KeyColumn& column, std::u16string_view text, Version version) {
+    RequireKeys(column, version);
+    key.push_back(column.ascending ? kAscendingValue : kDescendingValue);
+    if (version == Version::kJet3) {
+        AppendText(key, text, column.ascending, version);
+    } else {
+        AppendGeneralLegacyStart(key, text, column.ascending);
+    }
 }
 
 int CompareText(std::u16string_view left, std::u16string_view right, Version version) {

@@ -35,6 +35,10 @@ std::optional<std::string> KeyObstacle(const KeyColumn& column, Version version)
 // so.
 void AppendKeyPart(Key& key, const KeyColumn& column, const Value& value, Version version);
 
+// Appends the beginning that the keys of a text, and of all texts that count as equal to it, have
+// in common in every file, flag byte included. kUnsupported.
+void AppendKeyStart(Key& key, const KeyColumn& column, std::u16string_view text, Version version);
+
 // Orders two texts as the engine's General collation of this version does: negative, zero,
 // positive.
 int CompareText(std::u16string_view left, std::u16string_view right, Version version);

@@ -1,5 +1,6 @@
 // Inserting and erasing where only one leaf changes, on its stored form.
 #include <algorithm>
+#include <optional>
 
 #include "index/leaf_edit.h"
 #include "index/tree_change.h"
@@ -14,19 +15,20 @@ bool StartsWith(Bytes bytes, Bytes start) {
     return bytes.size() >= start.size() && std::equal(start.begin(), start.end(), bytes.begin());
 }
 
-// Whether the entries around `at` leave room for `entry` in their order; where they do not, the
-// page is damaged, and the way that takes it apart says so.
-bool FitsBetween(const IndexPage& leaf, std::size_t at, Bytes entry) {
-    Key neighbour;
-    if (at != 0) {
-        leaf.Read(leaf.Before(at), neighbour);
-        if (!EntryBound{entry, EntryBound::Rule::kNotBelow}.Passes(neighbour)) return false;
-    }
-    if (at != leaf.End()) {
-        leaf.Read(at, neighbour);
-        if (EntryBound{entry, EntryBound::Rule::kAbove}.Passes(neighbour)) return false;
-    }
-    return true;
+// Whether the entry at `at` is exactly this one.
+bool Holds(const IndexPage& leaf, std::size_t at, Bytes entry) {
+    return at != leaf.End() && leaf.SizeOf(at) == entry.size() && leaf.BeginsWith(at, entry);
+}
+
+// Whether the index has no other entry with this key, as far as the neighbours of its place tell:
+// not at the leaf's edge, nor where the key is the beginning of another one.
+std::optional<bool> IsNew(const IndexPage& leaf, std::size_t at, Bytes key) {
+    if ((at == 0 && leaf.Previous()) || (at == leaf.End() && leaf.Next())) return std::nullopt;
+    const bool follows = at != 0 && leaf.BeginsWith(leaf.Before(at), key);
+    const bool precedes = at != leaf.End() && leaf.BeginsWith(at, key);
+    if (!follows && !precedes) return true;
+    if (leaf.SizeOf(follows ? leaf.Before(at) : at) == key.size() + kRowPointerSize) return false;
+    return std::nullopt;
 }
 
 }  // namespace
@@ -47,27 +49,28 @@ PageNumber TreeChange::FindLeaf(Bytes entry) const {
     return {};
 }
 
-bool TreeChange::InsertInPlace(Bytes key, RowId row) {
-    if (format_.prefixWidth == 1 && key.size() > 0xFF) return false;
+std::optional<bool> TreeChange::InsertInPlace(Bytes key, RowId row, const IndexTree& tree) {
+    if (format_.prefixWidth == 1 && key.size() > 0xFF) return std::nullopt;
     const Key entry = EntryBytes(key, row);
     const PageNumber number = FindLeaf(entry);
-    if (!number) return false;
+    if (!number) return std::nullopt;
     const PageRef page = pager_.Page(number);
     const IndexPage leaf(page.Data(), format_, number, table_);
     const std::size_t at = leaf.Find({entry, EntryBound::Rule::kNotBelow});
     const std::size_t prefix = at == 0 ? 0 : leaf.PrefixSize();
-    if (at == 0 && leaf.PrefixSize() != 0) return false;
+    if (at == 0 && leaf.PrefixSize() != 0) return std::nullopt;
     if (prefix != 0 && !StartsWith(entry, page.Data().subspan(format_.entryAreaAt, prefix))) {
-        return false;
+        return std::nullopt;
     }
     const Bytes stored = Bytes(entry).subspan(prefix);
     if (stored.empty() || leaf.End() + stored.size() > format_.entryCapacity ||
-        3 * (entry.size() + kChildPointerSize) > format_.entryCapacity ||
-        !FitsBetween(leaf, at, entry)) {
-        return false;
+        3 * (entry.size() + kChildPointerSize) > format_.entryCapacity || Holds(leaf, at, entry)) {
+        return std::nullopt;
     }
+    const std::optional<bool> told = IsNew(leaf, at, key);
+    const bool isNew = told ? *told : !tree.HasKey(key);
     InsertStored(pager_.Change(number), format_, leaf.End(), at, stored);
-    return true;
+    return isNew;
 }
 
 bool TreeChange::EraseInPlace(Bytes key, RowId row) {
@@ -81,9 +84,7 @@ bool TreeChange::EraseInPlace(Bytes key, RowId row) {
     const std::size_t end = leaf.After(at);
     // The greatest entry of a leaf stands in a node too, and an empty leaf has to go.
     if (end == leaf.End() && number != root_) return false;
-    Key found;
-    leaf.Read(at, found);
-    if (!std::equal(found.begin(), found.end(), entry.begin(), entry.end())) return false;
+    if (!Holds(leaf, at, entry)) return false;
     EraseStored(pager_.Change(number), format_, leaf.End(), at, end);
     return true;
 }

@@ -290,7 +290,8 @@ void Operation::Commit() {
     committed_ = true;
 }
 
-Pager::Pager(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+Pager::Pager(std::unique_ptr<Impl> impl)
+    : impl_(std::move(impl)), format_(&impl_->format), changeCount_(&impl_->changeCount) {}
 
 Pager::~Pager() {
     try {
@@ -300,9 +301,6 @@ Pager::~Pager() {
     }
 }
 
-const Format& Pager::FileFormat() const {
-    return impl_->format;
-}
 const FileHeader& Pager::Header() const {
     return impl_->header;
 }
@@ -311,9 +309,6 @@ std::uint32_t Pager::PageCount() const {
 }
 bool Pager::IsReadOnly() const {
     return impl_->readOnly;
-}
-std::uint64_t Pager::ChangeCount() const {
-    return impl_->changeCount;
 }
 
 PageRef Pager::Page(PageNumber page) {

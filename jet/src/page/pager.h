@@ -90,7 +90,7 @@ public:
     explicit Pager(std::unique_ptr<Impl> impl);
     ~Pager();  // closes; errors are lost
 
-    [[nodiscard]] const Format& FileFormat() const;
+    [[nodiscard]] const Format& FileFormat() const { return *format_; }
     [[nodiscard]] const FileHeader& Header() const;
     [[nodiscard]] std::uint32_t PageCount() const;
     [[nodiscard]] bool IsReadOnly() const;
@@ -105,7 +105,7 @@ public:
     void Free(PageNumber page);
     // Raised by every operation that changed something, and when one is undone; lets cached
     // positions notice changes.
-    [[nodiscard]] std::uint64_t ChangeCount() const;
+    [[nodiscard]] std::uint64_t ChangeCount() const { return *changeCount_; }
 
     // Carries all operations so far through a power cut; the file is then complete without the log.
     void MakeDurable();
@@ -126,6 +126,9 @@ private:
     void StartFile(Version version);
 
     std::unique_ptr<Impl> impl_;
+    // Of the private side; asked for with every row that is read.
+    const Format* format_;
+    const std::uint64_t* changeCount_;
 };
 
 }  // namespace jet

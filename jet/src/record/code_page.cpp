@@ -14,17 +14,27 @@ constexpr std::array<char16_t, 32> kUpper = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
+constexpr std::array<char16_t, 256> kCharacters = [] {
+    std::array<char16_t, 256> characters{};
+    for (unsigned byte = 0; byte < characters.size(); ++byte) {
+        const unsigned place = byte - kFirst;
+        characters[byte] = place < kUpper.size() ? kUpper[place] : static_cast<char16_t>(byte);
+    }
+    return characters;
+}();
+
 }  // namespace
 
-char16_t DecodeByte(unsigned char byte) {
-    const unsigned place = byte - kFirst;
-    return place < kUpper.size() ? kUpper[place] : static_cast<char16_t>(byte);
+void DecodeCodePage(Bytes bytes, std::u16string& into) {
+    into.resize(bytes.size());
+    std::transform(bytes.begin(), bytes.end(), into.begin(),
+                   [](std::byte byte) { return kCharacters[static_cast<unsigned char>(byte)]; });
 }
 
 std::u16string DecodeCodePage(std::string_view bytes) {
     std::u16string text(bytes.size(), u'\0');
     std::transform(bytes.begin(), bytes.end(), text.begin(),
-                   [](char c) { return DecodeByte(static_cast<unsigned char>(c)); });
+                   [](char c) { return kCharacters[static_cast<unsigned char>(c)]; });
     return text;
 }
 

@@ -7,10 +7,13 @@
 #include <string>
 #include <string_view>
 
+#include "page/types.h"
+
 namespace jet {
 
-char16_t DecodeByte(unsigned char byte);
 std::u16string DecodeCodePage(std::string_view bytes);
+// The same into memory that is used again.
+void DecodeCodePage(Bytes bytes, std::u16string& into);
 // Characters outside the code page become question marks; `complete`, when given, then turns false.
 std::string EncodeCodePage(std::u16string_view text, bool* complete = nullptr);
 

@@ -265,30 +265,6 @@ Value DecodeValue(const Column& column, Bytes stored, Version version) {
     }
 }
 
-bool DecodeNumber(const Column& column, Bytes stored, double& into) {
-    RequireSize(column, stored);
-    switch (column.type) {
-        case ColumnType::kByte:
-            into = ReadU8(stored, 0);
-            return true;
-        case ColumnType::kInteger:
-            into = static_cast<std::int16_t>(ReadU16(stored, 0));
-            return true;
-        case ColumnType::kLong:
-            into = static_cast<std::int32_t>(ReadU32(stored, 0));
-            return true;
-        case ColumnType::kSingle:
-            into = static_cast<double>(std::bit_cast<float>(ReadU32(stored, 0)));
-            return true;
-        case ColumnType::kDouble:
-        case ColumnType::kDate:
-            into = std::bit_cast<double>(ReadU64(stored, 0));
-            return true;
-        default:
-            return false;
-    }
-}
-
 Value ConvertForSearch(const Column& column, const Value& value) {
     if (column.type == ColumnType::kBoolean) return value.IsNull() ? Value() : value.AsBoolean();
     if (value.IsNull()) return {};

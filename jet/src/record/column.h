@@ -63,9 +63,6 @@ std::uint32_t SizeOfType(ColumnType type);
 // wrong for the type. Booleans have no bytes and are not decoded here.
 Value DecodeValue(const Column& column, Bytes stored, Version version);
 
-// A number from its bytes without the way through a Value; false when the column is no number.
-bool DecodeNumber(const Column& column, Bytes stored, double& into);
-
 // The value as the column would hold it. Errors: kTypeMismatch, kOverflow, kTextTooLong.
 Value ConvertForColumn(const Column& column, const Value& value, Version version);
 // The same for a value to be looked for, which may be longer than any in the column.

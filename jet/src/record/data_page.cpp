@@ -9,7 +9,6 @@ namespace jet {
 
 namespace {
 
-constexpr std::uint16_t kDataPageType = 0x0101;
 constexpr std::uint16_t kOffsetMask = 0x1FFF;
 constexpr std::uint16_t kKindMask = 0xC000;
 
@@ -43,20 +42,6 @@ void MoveStarts(MutableBytes page, const Format& format, std::uint32_t slot,
 }
 
 }  // namespace
-
-bool IsDataPage(Bytes page) {
-    return ReadU16(page, 0) == kDataPageType;
-}
-
-std::uint32_t PageOwner(Bytes page) {
-    return ReadU32(page, 4);
-}
-
-std::uint32_t SlotCount(Bytes page, const Format& format) {
-    const std::uint32_t count = ReadU16(page, format.rowCountAt);
-    if (count > kMostSlots + 1) ThrowDamaged("The file is damaged: a page has too many rows.");
-    return count;
-}
 
 Slot ReadSlot(Bytes page, const Format& format, std::uint32_t slot) {
     const std::uint32_t count = SlotCount(page, format);

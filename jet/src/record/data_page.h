@@ -18,11 +18,13 @@
 
 #include <cstdint>
 
+#include "page/bytes.h"
 #include "page/format.h"
 #include "page/types.h"
 
 namespace jet {
 
+inline constexpr std::uint16_t kDataPageType = 0x0101;
 inline constexpr std::uint32_t kMostSlots = 255;
 inline constexpr std::uint32_t kLongValueOwner = 0x4C41564C;  // "LVAL"
 // The fewest bytes of a row: it must be able to become a pointer.
@@ -41,10 +43,22 @@ struct Slot {
     std::uint32_t length = 0;
 };
 
-bool IsDataPage(Bytes page);
-std::uint32_t PageOwner(Bytes page);
+inline bool IsDataPage(Bytes page) {
+    return ReadU16(page, 0) == kDataPageType;
+}
+inline std::uint32_t PageOwner(Bytes page) {
+    return ReadU32(page, 4);
+}
 // kDamaged when the number is more than a page can have.
-std::uint32_t SlotCount(Bytes page, const Format& format);
+inline std::uint32_t SlotCount(Bytes page, const Format& format) {
+    const std::uint32_t count = ReadU16(page, format.rowCountAt);
+    if (count > kMostSlots + 1) ThrowDamaged("The file is damaged: a page has too many rows.");
+    return count;
+}
+// What the directory says of a slot, without a look at where its bytes lie.
+inline SlotKind ReadSlotKind(Bytes page, const Format& format, std::uint32_t slot) {
+    return static_cast<SlotKind>(ReadU16(page, format.rowDirectoryAt + 2 * slot) & 0xC000);
+}
 // kDamaged when the slot's bytes lie outside the page.
 Slot ReadSlot(Bytes page, const Format& format, std::uint32_t slot);
 Bytes SlotBytes(Bytes page, const Format& format, std::uint32_t slot);

@@ -1,6 +1,7 @@
 #include "record/long_value.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "jet/error.h"
 #include "page/bytes.h"
@@ -36,6 +37,7 @@ LongValueRow ReadRow(Pager& pager, RowId row) {
 }
 
 void ReadChain(Pager& pager, const LongValueHead& head, std::vector<std::byte>& into) {
+    into.clear();
     std::uint32_t missing = head.length;
     RowId next = head.first;
     // A row of a chain may be empty, but a chain visits no more rows than the file has.
@@ -76,9 +78,9 @@ std::optional<LongValueHead> ReadLongValueHead(Bytes inRow) {
     return head;
 }
 
-void ReadLongValue(Pager& pager, Bytes inRow, std::vector<std::byte>& into) {
+Bytes ReadLongValue(Pager& pager, Bytes inRow, PageRef& page, std::vector<std::byte>& room) {
     const auto head = ReadLongValueHead(inRow);
-    if (!head) return;
+    if (!head) return {};
     // Nothing longer than the file can be in it, so no memory is taken for a nonsensical length.
     if (head->length > std::uint64_t{pager.PageCount()} * pager.FileFormat().pageSize) {
         ThrowBadValue();
@@ -86,20 +88,19 @@ void ReadLongValue(Pager& pager, Bytes inRow, std::vector<std::byte>& into) {
     switch (head->form) {
         case LongValueForm::kInline: {
             if (inRow.size() - kLongValueHeader < head->length) ThrowBadValue();
-            const Bytes value = inRow.subspan(kLongValueHeader, head->length);
-            into.insert(into.end(), value.begin(), value.end());
-            return;
+            return inRow.subspan(kLongValueHeader, head->length);
         }
         case LongValueForm::kRow: {
-            const LongValueRow row = ReadRow(pager, head->first);
+            LongValueRow row = ReadRow(pager, head->first);
             if (row.bytes.size() < head->length) ThrowBadValue();
-            into.insert(into.end(), row.bytes.begin(), row.bytes.begin() + head->length);
-            return;
+            page = std::move(row.page);
+            return row.bytes.first(head->length);
         }
         case LongValueForm::kChain:
-            ReadChain(pager, *head, into);
-            return;
+            ReadChain(pager, *head, room);
+            return room;
     }
+    return {};  // unreachable: every form is listed
 }
 
 LongValueStore::LongValueStore(Pager& pager, RowId ownedMap, RowId freeMap)

@@ -36,8 +36,9 @@ struct LongValueHead {
 // An empty value has no head at all. kDamaged.
 std::optional<LongValueHead> ReadLongValueHead(Bytes inRow);
 
-// Appends the whole value. kDamaged for a chain that is broken, endless or too short.
-void ReadLongValue(Pager& pager, Bytes inRow, std::vector<std::byte>& into);
+// The whole value, where it lies as long as it is in one piece (`page` then keeps its bytes in the
+// cache), else put together in `room`. kDamaged for a chain that is broken, endless or too short.
+Bytes ReadLongValue(Pager& pager, Bytes inRow, PageRef& page, std::vector<std::byte>& room);
 
 // The pages of one column, for writing.
 class LongValueStore {

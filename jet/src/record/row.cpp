@@ -12,15 +12,15 @@ namespace {
 
 constexpr std::uint8_t kDummyJump = 0xFF;
 
-[[noreturn]] void ThrowBadRow() {
-    ThrowDamaged("The file is damaged: the parts of a row do not fit together.");
-}
-
 std::uint32_t MaskSize(std::uint32_t columnCount) {
     return (columnCount + 7) / 8;
 }
 
 }  // namespace
+
+void RowView::ThrowBadRow() {
+    ThrowDamaged("The file is damaged: the parts of a row do not fit together.");
+}
 
 RowView::RowView(Bytes row, const Format& format, const RowShape& shape)
     : row_(row), wide_(format.countWidth == 2) {
@@ -68,12 +68,6 @@ std::uint32_t RowView::Offset(std::uint32_t index) const {
     std::uint32_t high = 0;
     while (high < jumpCount_ && ReadU8(row_, jumpAt_ - high) <= index) ++high;
     return ReadU8(row_, tableAt_ - index) + 256 * high;
-}
-
-Bytes RowView::Fixed(std::uint32_t offset, std::uint32_t length) const {
-    const std::uint32_t start = (wide_ ? 2 : 1) + offset;
-    if (start > fixedEnd_ || length > fixedEnd_ - start) ThrowBadRow();
-    return row_.subspan(start, length);
 }
 
 Bytes RowView::Variable(std::uint32_t index) const {

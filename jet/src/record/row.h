@@ -48,10 +48,15 @@ public:
                (row_[maskAt_ + number / 8] >> (number % 8) & std::byte{1}) != std::byte{0};
     }
     // The bytes of a column that is set. kDamaged when they lie outside the row's parts.
-    [[nodiscard]] Bytes Fixed(std::uint32_t offset, std::uint32_t length) const;
+    [[nodiscard]] Bytes Fixed(std::uint32_t offset, std::uint32_t length) const {
+        const std::uint32_t start = (wide_ ? 2 : 1) + offset;
+        if (start > fixedEnd_ || length > fixedEnd_ - start) ThrowBadRow();
+        return row_.subspan(start, length);
+    }
     [[nodiscard]] Bytes Variable(std::uint32_t index) const;
 
 private:
+    [[noreturn]] static void ThrowBadRow();
     void ReadJumps();
     [[nodiscard]] std::uint32_t Offset(std::uint32_t index) const;
 

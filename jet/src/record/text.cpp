@@ -1,5 +1,8 @@
 #include "record/text.h"
 
+#include <bit>
+#include <cstring>
+
 #include "record/code_page.h"
 
 namespace jet {
@@ -19,7 +22,19 @@ char16_t UnitAt(Bytes stored, std::size_t at) {
                                  static_cast<unsigned>(stored[at + 1]) << 8);
 }
 
+void DecodePlain(Bytes stored, std::u16string& into) {
+    into.resize(stored.size() / 2);
+    if constexpr (std::endian::native == std::endian::little) {
+        if (!into.empty()) std::memcpy(into.data(), stored.data(), 2 * into.size());
+    } else {
+        for (std::size_t i = 0; i < into.size(); ++i) into[i] = UnitAt(stored, 2 * i);
+    }
+}
+
+// Every unit takes at least a byte, so the text has room enough from the start.
 void DecodeCompressed(Bytes stored, std::u16string& into) {
+    into.resize(stored.size());
+    auto unit = into.begin();
     bool narrow = true;
     std::size_t at = 2;
     while (at < stored.size()) {
@@ -27,14 +42,15 @@ void DecodeCompressed(Bytes stored, std::u16string& into) {
             narrow = !narrow;
             ++at;
         } else if (narrow) {
-            into.push_back(static_cast<char16_t>(stored[at]));
+            *unit++ = static_cast<char16_t>(stored[at]);
             ++at;
         } else {
-            if (at + 1 == stored.size()) return;
-            into.push_back(UnitAt(stored, at));
+            if (at + 1 == stored.size()) break;
+            *unit++ = UnitAt(stored, at);
             at += 2;
         }
     }
+    into.erase(unit, into.end());
 }
 
 // A unit whose low byte is zero would be taken for a switch.
@@ -60,9 +76,11 @@ void AppendCompressed(std::u16string_view text, std::vector<std::byte>& into) {
 }
 
 void AppendPlain(std::u16string_view text, std::vector<std::byte>& into) {
+    auto at = into.size();
+    into.resize(at + 2 * text.size());
     for (const char16_t unit : text) {
-        into.push_back(static_cast<std::byte>(unit & 0xFF));
-        into.push_back(static_cast<std::byte>(unit >> 8));
+        into[at++] = static_cast<std::byte>(unit & 0xFF);
+        into[at++] = static_cast<std::byte>(unit >> 8);
     }
 }
 
@@ -116,20 +134,12 @@ void AppendUtf8(char32_t point, std::string& into) {
 }  // namespace
 
 void DecodeText(Bytes stored, Version version, std::u16string& into) {
-    into.clear();
     if (version == Version::kJet3) {
-        into.reserve(stored.size());
-        for (const std::byte byte : stored) {
-            into.push_back(DecodeByte(static_cast<unsigned char>(byte)));
-        }
+        DecodeCodePage(stored, into);
     } else if (IsCompressed(stored)) {
-        into.reserve(stored.size());
         DecodeCompressed(stored, into);
     } else {
-        into.reserve(stored.size() / 2);
-        for (std::size_t at = 0; at + 1 < stored.size(); at += 2) {
-            into.push_back(UnitAt(stored, at));
-        }
+        DecodePlain(stored, into);
     }
 }
 

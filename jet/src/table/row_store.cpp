@@ -20,10 +20,6 @@ bool IsVisible(SlotKind kind) {
     return kind == SlotKind::kRow || kind == SlotKind::kPointer;
 }
 
-SlotKind KindOf(Bytes page, const Format& format, std::uint32_t slot) {
-    return static_cast<SlotKind>(ReadU16(page, format.rowDirectoryAt + 2 * slot) & 0xC000);
-}
-
 }  // namespace
 
 RowStore::RowStore(Pager& pager, PageNumber table, RowId ownedMap, RowId freeMap)
@@ -204,7 +200,7 @@ std::optional<RowId> RowStore::SlotAfter(PageNumber page, std::uint32_t from) {
     if (!IsOurs(bytes)) return std::nullopt;
     const std::uint32_t count = SlotCount(bytes, format);
     for (std::uint32_t slot = from; slot < count; ++slot) {
-        if (IsVisible(KindOf(bytes, format, slot))) {
+        if (IsVisible(ReadSlotKind(bytes, format, slot))) {
             return RowId{page, static_cast<std::uint8_t>(slot)};
         }
     }
@@ -217,7 +213,7 @@ std::optional<RowId> RowStore::SlotBefore(PageNumber page, std::uint32_t end) {
     const Bytes bytes = WalkPage(page).Data();
     if (!IsOurs(bytes)) return std::nullopt;
     for (std::uint32_t slot = std::min(end, SlotCount(bytes, format)); slot-- > 0;) {
-        if (IsVisible(KindOf(bytes, format, slot))) {
+        if (IsVisible(ReadSlotKind(bytes, format, slot))) {
             return RowId{page, static_cast<std::uint8_t>(slot)};
         }
     }

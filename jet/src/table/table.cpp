@@ -22,6 +22,12 @@ Guid RandomGuid() {
     return guid;
 }
 
+void RequireNoNull(const TableIndex& index, const TableIndex::RowKey& key) {
+    if (!key.anyNull || !index.IsRequired()) return;
+    throw Error(ErrorKind::kNullNotAllowed,
+                "Index or primary key '" + index.Name() + "' cannot contain a null value.");
+}
+
 }  // namespace
 
 Table::Table(Pager& pager, std::string name, Definition definition)
@@ -60,9 +66,9 @@ Value Table::ReadValue(const RowView& row, std::size_t column) const {
     const auto bytes = ColumnBytes(row, column);
     if (!bytes) return {};
     if (!IsLongValue(wanted.type)) return DecodeValue(wanted, *bytes, definition_.version);
-    longValue_.clear();
-    ReadLongValue(*pager_, *bytes, longValue_);
-    return DecodeValue(wanted, longValue_, definition_.version);
+    PageRef page;
+    return DecodeValue(wanted, ReadLongValue(*pager_, *bytes, page, longValue_),
+                       definition_.version);
 }
 
 bool Table::ReadText(const RowView& row, std::size_t column, std::u16string& into) const {
@@ -79,9 +85,8 @@ bool Table::ReadText(const RowView& row, std::size_t column, std::u16string& int
         DecodeText(*bytes, definition_.version, into);
         return true;
     }
-    longValue_.clear();
-    ReadLongValue(*pager_, *bytes, longValue_);
-    DecodeText(longValue_, definition_.version, into);
+    PageRef page;
+    DecodeText(ReadLongValue(*pager_, *bytes, page, longValue_), definition_.version, into);
     return true;
 }
 
@@ -115,24 +120,21 @@ void Table::RequireValues(const RowValues& row, bool isNew) const {
     }
 }
 
-void Table::RequireAllowed(const TableIndex& index, const TableIndex::RowKey& key,
-                           RowId except) const {
-    if (key.anyNull && index.IsRequired()) {
-        throw Error(ErrorKind::kNullNotAllowed,
-                    "Index or primary key '" + index.Name() + "' cannot contain a null value.");
+// The tree says in passing whether the key was there before, so a unique index is searched once.
+void Table::EnterKey(std::size_t index, const TableIndex::RowKey& key, RowId id) {
+    if (!key.entered) return;
+    TableIndex& entered = *indexes_[index];
+    if (entered.Tree().Insert(key.key, id)) {
+        Counters().AddDistinctKey(index);
+    } else if (entered.IsUnique() && !key.allNull) {
+        throw Error(ErrorKind::kDuplicateKey,
+                    "The change would create a second record with the same values in the index '" +
+                        entered.Name() + "'.");
     }
-    if (!index.IsUnique() || key.allNull || !index.Tree().HasKey(key.key, except)) return;
-    throw Error(ErrorKind::kDuplicateKey,
-                "The change would create a second record with the same values in the index '" +
-                    index.Name() + "'.");
 }
 
-void Table::EnterKey(std::size_t index, const Key& key, RowId id) {
-    if (indexes_[index]->Tree().Insert(key, id)) Counters().AddDistinctKey(index);
-}
-
-void Table::EraseKey(std::size_t index, const Key& key, RowId id) {
-    indexes_[index]->Tree().Erase(key, id);
+void Table::EraseKey(std::size_t index, const TableIndex::RowKey& key, RowId id) {
+    if (key.entered) indexes_[index]->Tree().Erase(key.key, id);
 }
 
 void Table::RaiseAutoNumber(std::int32_t value) {
@@ -274,17 +276,17 @@ RowId Table::Insert(Operation& /*operation*/, const RowValues& given) {
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
         RequireIndex(*indexes_[i]);
         indexes_[i]->MakeRowKey(value, newKeys_[i]);
-        RequireAllowed(*indexes_[i], newKeys_[i], {});
+        RequireNoNull(*indexes_[i], newKeys_[i]);
     }
     const RowId id = rows_.Insert(BuildRow(row, nullptr));
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
-        if (newKeys_[i].entered) EnterKey(i, newKeys_[i].key, id);
+        EnterKey(i, newKeys_[i], id);
     }
     Counters().AddRows(1);
     return id;
 }
 
-std::vector<std::size_t> Table::ChangedIndexes(const RowView& old, const RowValues& row, RowId id) {
+std::vector<std::size_t> Table::ChangedIndexes(const RowView& old, const RowValues& row) {
     const auto oldValue = [&](std::size_t column) { return ReadValue(old, column); };
     const auto newValue = [&](std::size_t column) {
         return row.given[column] ? row.values[column] : ReadValue(old, column);
@@ -302,7 +304,7 @@ std::vector<std::size_t> Table::ChangedIndexes(const RowView& old, const RowValu
         indexes_[i]->MakeRowKey(std::ref(newValue), newKeys_[i]);
         indexes_[i]->MakeRowKey(std::ref(oldValue), oldKeys_[i]);
         if (newKeys_[i].key == oldKeys_[i].key) continue;
-        RequireAllowed(*indexes_[i], newKeys_[i], id);
+        RequireNoNull(*indexes_[i], newKeys_[i]);
         changed.push_back(i);
     }
     return changed;
@@ -312,12 +314,12 @@ void Table::Update(Operation& /*operation*/, RowId id, const RowValues& row) {
     RequireWritable();
     RequireValues(row, false);
     const RowView old = TakeOldRow(id);
-    const std::vector<std::size_t> changed = ChangedIndexes(old, row, id);
+    const std::vector<std::size_t> changed = ChangedIndexes(old, row);
     rows_.Replace(id, BuildRow(row, &old));
     ReleaseLongValues(old, &row);
     for (const std::size_t i : changed) {
-        if (oldKeys_[i].entered) EraseKey(i, oldKeys_[i].key, id);
-        if (newKeys_[i].entered) EnterKey(i, newKeys_[i].key, id);
+        EraseKey(i, oldKeys_[i], id);
+        EnterKey(i, newKeys_[i], id);
     }
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
         if (definition_.columns[i].autoNumber && row.given[i]) {
@@ -333,7 +335,7 @@ void Table::Delete(Operation& /*operation*/, RowId id) {
     const auto value = [&](std::size_t column) { return ReadValue(old, column); };
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
         indexes_[i]->MakeRowKey(value, oldKeys_[i]);
-        if (oldKeys_[i].entered) EraseKey(i, oldKeys_[i].key, id);
+        EraseKey(i, oldKeys_[i], id);
     }
     ReleaseLongValues(old, nullptr);
     rows_.Remove(id);

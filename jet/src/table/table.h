@@ -60,9 +60,9 @@ private:
     void RequireWritable() const;
     void RequireIndex(const TableIndex& index) const;
     void RequireValues(const RowValues& row, bool isNew) const;
-    void RequireAllowed(const TableIndex& index, const TableIndex::RowKey& key, RowId except) const;
-    void EnterKey(std::size_t index, const Key& key, RowId id);
-    void EraseKey(std::size_t index, const Key& key, RowId id);
+    // kDuplicateKey; the entry that was made goes with the operation.
+    void EnterKey(std::size_t index, const TableIndex::RowKey& key, RowId id);
+    void EraseKey(std::size_t index, const TableIndex::RowKey& key, RowId id);
     Bytes BuildRow(const RowValues& row, const RowView* old);
     void BuildLongValue(const Column& column, const Value& value, std::vector<std::byte>& into);
     void ReleaseLongValues(const RowView& old, const RowValues* replacedBy);
@@ -72,7 +72,7 @@ private:
     void BuildVariablePart(const RowValues& row, const RowView* old);
     std::optional<Bytes> OldBytes(const RowView* old, std::size_t column) const;
     // The indexes whose entry differs between the old row and the new values, with both keys made.
-    std::vector<std::size_t> ChangedIndexes(const RowView& old, const RowValues& row, RowId id);
+    std::vector<std::size_t> ChangedIndexes(const RowView& old, const RowValues& row);
     // A copy of the row's bytes, since the page is about to change.
     RowView TakeOldRow(RowId id);
 
