@@ -26,7 +26,7 @@ std::vector<std::size_t> AllColumns(const Definition& definition) {
 }  // namespace
 
 RowCursor::RowCursor(std::shared_ptr<OpenFile> file, Table& table, bool system,
-                     std::vector<std::size_t> columns)
+                     const std::vector<std::size_t>& columns)
     : file_(std::move(file)),
       table_(&table),
       readOnly_(system || file_->Pages().IsReadOnly()),

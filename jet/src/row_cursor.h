@@ -44,7 +44,7 @@ public:
 protected:
     // `columns` are the positions of the fields in the table; empty for all.
     RowCursor(std::shared_ptr<OpenFile> file, Table& table, bool system,
-              std::vector<std::size_t> columns);
+              const std::vector<std::size_t>& columns);
 
     enum class Place {
         kNowhere,  // there was no record to go to

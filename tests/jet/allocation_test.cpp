@@ -127,12 +127,13 @@ TEST_P(AllocationTest, CreateTable_WithoutMemory_LeavesTheFileAsItWas) {
     FailEachAllocation([&] { database_->CreateTable(schema); });
 }
 
-// Reads all fields of all records, with no memory to be had once the second walk has begun.
+// Reads all fields of all records, with no memory to be had once the second walk is under way.
 void WalkTwice(Recordset& rows) {
     std::u16string text;
     std::int64_t sum = 0;
     for (const long allocations : {-1L, 0L}) {
         rows.MoveFirst();
+        rows.MoveNext();
         tarn_test::FailAllocation(allocations);
         for (; !rows.IsEof(); rows.MoveNext()) {
             std::int32_t id = 0;

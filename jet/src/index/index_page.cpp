@@ -44,9 +44,16 @@ void AppendBig(Key& bytes, std::uint32_t value) {
     }
 }
 
-// Orders bytes; a proper prefix comes first.
-int Compare(Bytes left, Bytes right) {
+// Orders bytes; a proper prefix comes first. Most keys differ in their first eight bytes.
+inline int Compare(Bytes left, Bytes right) {
     const std::size_t common = std::min(left.size(), right.size());
+    if (common >= sizeof(std::uint64_t)) {
+        const std::uint64_t first = ReadBigU64(left, 0);
+        const std::uint64_t second = ReadBigU64(right, 0);
+        if (first != second) {
+            return first < second ? -1 : 1;
+        }
+    }
     const int order = common == 0 ? 0 : std::memcmp(left.data(), right.data(), common);
     if (order != 0) {
         return order;
@@ -63,18 +70,22 @@ std::size_t CommonStart(Bytes left, Bytes right) {
     return i;
 }
 
+inline bool PassesBound(const EntryBound& bound, Bytes entry) {
+    switch (bound.rule) {
+        case EntryBound::Rule::kNotBelow:
+            return Compare(entry, bound.bytes) < 0;
+        case EntryBound::Rule::kAbove:
+            return Compare(entry, bound.bytes) <= 0;
+        case EntryBound::Rule::kBeyond:
+            break;
+    }
+    return Compare(entry.first(std::min(entry.size(), bound.bytes.size())), bound.bytes) <= 0;
+}
+
 }  // namespace
 
 bool EntryBound::Passes(Bytes entry) const {
-    switch (rule) {
-        case Rule::kNotBelow:
-            return Compare(entry, bytes) < 0;
-        case Rule::kAbove:
-            return Compare(entry, bytes) <= 0;
-        case Rule::kBeyond:
-            break;
-    }
-    return Compare(entry.first(std::min(entry.size(), bytes.size())), bytes) <= 0;
+    return PassesBound(*this, entry);
 }
 
 Key EntryBytes(Bytes key, RowId row) {
@@ -139,29 +150,25 @@ std::uint32_t IndexPage::FreeField() const {
     return ReadU16(page_, kFreeAt);
 }
 
-// The first set bit from `from` on; there is one, as `from` is at most the last. Eight bytes from
-// the bitmap always lie on the page, since the entries follow it.
-std::size_t IndexPage::NextBit(std::size_t from) const {
-    std::size_t at = format_->entryBitmapAt + from / 8;
-    std::uint64_t bits = ReadU64(page_, at) >> from % 8 << from % 8;
+std::size_t IndexPage::NextBitFar(std::size_t from) const {
+    std::size_t byte = from / 8;
+    std::uint64_t bits = 0;
     while (bits == 0) {
-        at += sizeof bits;
-        bits = ReadU64(page_, at);
+        byte += sizeof bits;
+        bits = BitsFrom(byte);
     }
-    return (at - format_->entryBitmapAt) * 8 + static_cast<std::size_t>(std::countr_zero(bits));
+    return byte * 8 + static_cast<std::size_t>(std::countr_zero(bits));
 }
 
-// The last set bit up to and including `to`, or 0.
-std::size_t IndexPage::LastBitUpTo(std::size_t to) const {
-    const Bytes bitmap = page_.subspan(format_->entryBitmapAt, format_->entryBitmapSize);
+std::size_t IndexPage::LastBitFar(std::size_t to) const {
     while (to >= 64) {
-        const std::uint64_t bits = ReadU64(bitmap, to / 8 - 7) << (7 - to % 8);
+        const std::uint64_t bits = BitsFrom(to / 8 - 7) << (7 - to % 8);
         if (bits != 0) {
             return to - static_cast<std::size_t>(std::countl_zero(bits));
         }
         to = (to / 8 - 7) * 8 - 1;
     }
-    const std::uint64_t bits = ReadU64(bitmap, 0) << (63 - to);
+    const std::uint64_t bits = BitsFrom(0) << (63 - to);
     return bits == 0 ? 0 : to - static_cast<std::size_t>(std::countl_zero(bits));
 }
 
@@ -183,26 +190,6 @@ std::size_t IndexPage::After(std::size_t at) const {
 
 std::size_t IndexPage::Before(std::size_t at) const {
     return LastBitUpTo(at - 1);
-}
-
-Bytes IndexPage::Stored(std::size_t at, std::size_t end) const {
-    const std::size_t whole = end - at + (at == 0 ? 0 : prefix_);
-    if (whole <= kRowPointerSize + (leaf_ ? 0 : kChildPointerSize)) {
-        Damaged("has an entry that is too short");
-    }
-    return page_.subspan(format_->entryAreaAt + at, end - at);
-}
-
-// The same without a node's child.
-Bytes IndexPage::StoredKeyAndRow(std::size_t at, std::size_t end) const {
-    const Bytes stored = Stored(at, end);
-    if (leaf_) {
-        return stored;
-    }
-    if (stored.size() < kChildPointerSize) {
-        Damaged("has an entry that is too short");
-    }
-    return stored.first(stored.size() - kChildPointerSize);
 }
 
 // What all entries but the first leave out is compared once for all of them.
@@ -233,7 +220,7 @@ std::size_t IndexPage::Find(const EntryBound& bound, std::size_t from) const {
     while (low < high) {
         const std::size_t start = LastBitUpTo(low + (high - low) / 2);
         const std::size_t end = NextBit(start + 1);
-        if (bound.Passes(StoredKeyAndRow(start, end))) {
+        if (PassesBound(bound, StoredKeyAndRow(start, end))) {
             low = end;
         } else {
             high = start;
@@ -243,7 +230,7 @@ std::size_t IndexPage::Find(const EntryBound& bound, std::size_t from) const {
 }
 
 bool IndexPage::BeginsWith(std::size_t at, Bytes start) const {
-    Bytes stored = StoredKeyAndRow(at, After(at));
+    const Bytes stored = StoredKeyAndRow(at, After(at));
     if (at != 0) {
         const std::size_t shared = std::min(prefix_, start.size());
         if (Compare(Prefix().first(shared), start.first(shared)) != 0) {
@@ -269,16 +256,13 @@ RowId IndexPage::RowAt(std::size_t at) const {
 }
 
 void IndexPage::Read(std::size_t at, Key& into) const {
-    const Bytes stored = Stored(at, After(at));
+    const Bytes stored = StoredKeyAndRow(at, After(at));
     into.clear();
     if (at != 0) {
         const Bytes prefix = Prefix();
         into.assign(prefix.begin(), prefix.end());
     }
     into.insert(into.end(), stored.begin(), stored.end());
-    if (!leaf_) {
-        into.resize(into.size() - kChildPointerSize);
-    }
 }
 
 PageNumber IndexPage::Child(std::size_t at) const {

@@ -25,11 +25,13 @@
 // node's entry repeats the greatest entry below its child.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "index/index_tree.h"
+#include "page/bytes.h"
 #include "page/format.h"
 #include "page/types.h"
 
@@ -89,13 +91,36 @@ public:
     [[nodiscard]] RowId RowAt(std::size_t at) const;
 
 private:
-    [[nodiscard]] Bytes Stored(std::size_t at, std::size_t end) const;
-    [[nodiscard]] Bytes StoredKeyAndRow(std::size_t at, std::size_t end) const;
+    // An entry as it is stored, without a node's child.
+    [[nodiscard]] Bytes StoredKeyAndRow(std::size_t at, std::size_t end) const {
+        const std::size_t child = leaf_ ? 0 : kChildPointerSize;
+        const std::size_t whole = end - at + (at == 0 ? 0 : prefix_);
+        if (whole <= kRowPointerSize + child || end - at < child) {
+            Damaged("has an entry that is too short");
+        }
+        return page_.subspan(format_->entryAreaAt + at, end - at - child);
+    }
     [[nodiscard]] Bytes Prefix() const { return page_.subspan(format_->entryAreaAt, prefix_); }
     // The same for entries from `from` on, which must begin with what they leave out.
     [[nodiscard]] std::size_t Find(const EntryBound& bound, std::size_t from) const;
-    [[nodiscard]] std::size_t NextBit(std::size_t from) const;
-    [[nodiscard]] std::size_t LastBitUpTo(std::size_t to) const;
+    // Eight bytes of the bitmap. They always lie on the page, since the entries follow it.
+    [[nodiscard]] std::uint64_t BitsFrom(std::size_t byte) const {
+        return ReadU64(page_, format_->entryBitmapAt + byte);
+    }
+    // The first set bit from `from` on; there is one, as `from` is at most the last.
+    [[nodiscard]] std::size_t NextBit(std::size_t from) const {
+        const std::uint64_t bits = BitsFrom(from / 8) >> from % 8;
+        return bits != 0 ? from + static_cast<std::size_t>(std::countr_zero(bits))
+                         : NextBitFar(from);
+    }
+    [[nodiscard]] std::size_t NextBitFar(std::size_t from) const;
+    // The last set bit up to and including `to`, or 0.
+    [[nodiscard]] std::size_t LastBitUpTo(std::size_t to) const {
+        if (to < 64) return LastBitFar(to);
+        const std::uint64_t bits = BitsFrom(to / 8 - 7) << (7 - to % 8);
+        return bits != 0 ? to - static_cast<std::size_t>(std::countl_zero(bits)) : LastBitFar(to);
+    }
+    [[nodiscard]] std::size_t LastBitFar(std::size_t to) const;
     [[nodiscard]] std::size_t LastBit() const;
     [[noreturn]] void Damaged(const char* what) const;
 

@@ -1,5 +1,7 @@
 #include "index/leaf_edit.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 
@@ -10,32 +12,72 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kFreeAt = 2;
+constexpr std::size_t kWordBits = 64;
 
 void WriteFree(MutableBytes page, const Format& format, std::size_t used) {
     WriteU16(page, kFreeAt, static_cast<std::uint16_t>(format.entryCapacity - used));
 }
 
-// The eight bits from `at` on; bits past the bitmap are 0.
-unsigned BitsFrom(Bytes bitmap, std::size_t at) {
-    const std::size_t byte = at / 8;
-    unsigned bits = byte < bitmap.size() ? std::to_integer<unsigned>(bitmap[byte]) : 0;
-    if (byte + 1 < bitmap.size()) bits |= std::to_integer<unsigned>(bitmap[byte + 1]) << 8;
-    return bits >> at % 8 & 0xFFU;
-}
+// The bitmap of a page, taken out as words so that its bits can be moved many at a time.
+class Ends {
+public:
+    Ends(MutableBytes page, const Format& format)
+        : bitmap_(page.subspan(format.entryBitmapAt, format.entryBitmapSize)) {
+        std::array<std::byte, sizeof words_> bytes{};
+        std::copy(bitmap_.begin(), bitmap_.end(), bytes.begin());
+        for (std::size_t i = 0; i < words_.size(); ++i) words_[i] = ReadU64(bytes, 8 * i);
+    }
 
-// Eight bits that end before bit `end`, which may lie before the bitmap's start.
-unsigned BitsBefore(Bytes bitmap, std::size_t end) {
-    if (end >= 8) return BitsFrom(bitmap, end - 8);
-    return BitsFrom(bitmap, 0) << (8 - end) & 0xFFU;
-}
+    // Moves the bits above `at` by `distance`, and puts an end where the new entry ends.
+    void MoveUp(std::size_t at, std::size_t distance) {
+        const std::size_t far = distance / kWordBits;
+        const std::size_t near = distance % kWordBits;
+        const Words above = Above(at);
+        for (std::size_t i = at / kWordBits; i < words_.size(); ++i) {
+            std::uint64_t moved = i >= far ? above[i - far] << near : 0;
+            if (near != 0 && i > far) moved |= above[i - far - 1] >> (kWordBits - near);
+            words_[i] = (words_[i] & ~above[i]) | moved;
+        }
+        const std::size_t end = at + distance;
+        words_[end / kWordBits] |= std::uint64_t{1} << end % kWordBits;
+    }
 
-// Keeps the bits of `byte` up to and including number `last` of the bitmap, takes the rest from
-// `bits`.
-std::byte Keep(std::byte byte, std::size_t index, std::size_t last, unsigned bits) {
-    const unsigned kept = index < last / 8 ? 0xFFU : index > last / 8 ? 0U : (2U << last % 8) - 1;
-    return static_cast<std::byte>((std::to_integer<unsigned>(byte) & kept) |
-                                  (bits & ~kept & 0xFFU));
-}
+    // Moves the bits above `at + distance` down; those between go.
+    void MoveDown(std::size_t at, std::size_t distance) {
+        const std::size_t far = distance / kWordBits;
+        const std::size_t near = distance % kWordBits;
+        const Words above = Above(at);
+        const Words kept = Above(at + distance);
+        const auto word = [&kept](std::size_t i) { return i < kept.size() ? kept[i] : 0; };
+        for (std::size_t i = at / kWordBits; i < words_.size(); ++i) {
+            std::uint64_t moved = word(i + far) >> near;
+            if (near != 0) moved |= word(i + far + 1) << (kWordBits - near);
+            words_[i] = (words_[i] & ~above[i]) | moved;
+        }
+    }
+
+    void Store() {
+        std::array<std::byte, sizeof words_> bytes{};
+        for (std::size_t i = 0; i < words_.size(); ++i) WriteU64(bytes, 8 * i, words_[i]);
+        std::copy_n(bytes.begin(), bitmap_.size(), bitmap_.begin());
+    }
+
+private:
+    using Words = std::array<std::uint64_t, (kJet4Format.entryBitmapSize + 7) / 8>;
+
+    // The bits above number `at` alone.
+    [[nodiscard]] Words Above(std::size_t at) const {
+        Words above = words_;
+        const std::size_t word = at / kWordBits;
+        std::fill_n(above.begin(), std::min(word, above.size()), 0);
+        // Twice, since moving by the whole width at once is undefined.
+        if (word < above.size()) above[word] &= ~std::uint64_t{0} << at % kWordBits << 1;
+        return above;
+    }
+
+    MutableBytes bitmap_;
+    Words words_{};
+};
 
 }  // namespace
 
@@ -44,20 +86,9 @@ void InsertStored(MutableBytes page, const Format& format, std::size_t used, std
     std::byte* area = &page[format.entryAreaAt];
     std::memmove(area + at + stored.size(), area + at, used - at);
     std::memcpy(area + at, stored.data(), stored.size());
-    // The ends after `at` move up by the entry's size.
-    const MutableBytes bitmap = page.subspan(format.entryBitmapAt, format.entryBitmapSize);
-    for (std::size_t i = (used + stored.size()) / 8 + 1; i-- > at / 8;) {
-        const std::size_t end = i * 8 + 8;
-        const unsigned moved = end <= stored.size() ? 0 : BitsBefore(bitmap, end - stored.size());
-        bitmap[i] = Keep(bitmap[i], i, at, moved);
-    }
-    // Among the moved bits the former end at `at` itself came along, to where the new entry ends;
-    // on an empty page there was none.
-    const std::size_t newEnd = at + stored.size();
-    bitmap[newEnd / 8] |= static_cast<std::byte>(1U << newEnd % 8);
-    for (std::size_t bit = at + 1; bit < newEnd; ++bit) {
-        bitmap[bit / 8] &= static_cast<std::byte>(~(1U << bit % 8) & 0xFFU);
-    }
+    Ends ends(page, format);
+    ends.MoveUp(at, stored.size());
+    ends.Store();
     WriteFree(page, format, used + stored.size());
 }
 
@@ -66,10 +97,9 @@ void EraseStored(MutableBytes page, const Format& format, std::size_t used, std:
     std::byte* area = &page[format.entryAreaAt];
     std::memmove(area + at, area + end, used - end);
     std::memset(area + used - (end - at), 0, end - at);
-    const MutableBytes bitmap = page.subspan(format.entryBitmapAt, format.entryBitmapSize);
-    for (std::size_t i = at / 8; i <= used / 8; ++i) {
-        bitmap[i] = Keep(bitmap[i], i, at, BitsFrom(bitmap, i * 8 + (end - at)));
-    }
+    Ends ends(page, format);
+    ends.MoveDown(at, end - at);
+    ends.Store();
     WriteFree(page, format, used - (end - at));
 }
 

@@ -54,7 +54,22 @@ inline std::uint32_t ReadU32(Bytes bytes, std::size_t offset) {
 }
 
 inline std::uint64_t ReadU64(Bytes bytes, std::size_t offset) {
-    return ReadU32(bytes, offset) | static_cast<std::uint64_t>(ReadU32(bytes, offset + 4)) << 32;
+    RequireRange(bytes.size(), offset, 8);
+    const std::byte* from = bytes.data() + offset;
+    return static_cast<std::uint64_t>(from[0]) | static_cast<std::uint64_t>(from[1]) << 8 |
+           static_cast<std::uint64_t>(from[2]) << 16 | static_cast<std::uint64_t>(from[3]) << 24 |
+           static_cast<std::uint64_t>(from[4]) << 32 | static_cast<std::uint64_t>(from[5]) << 40 |
+           static_cast<std::uint64_t>(from[6]) << 48 | static_cast<std::uint64_t>(from[7]) << 56;
+}
+
+// The same with the highest byte first, which orders numbers as their bytes.
+inline std::uint64_t ReadBigU64(Bytes bytes, std::size_t offset) {
+    RequireRange(bytes.size(), offset, 8);
+    const std::byte* from = bytes.data() + offset;
+    return static_cast<std::uint64_t>(from[7]) | static_cast<std::uint64_t>(from[6]) << 8 |
+           static_cast<std::uint64_t>(from[5]) << 16 | static_cast<std::uint64_t>(from[4]) << 24 |
+           static_cast<std::uint64_t>(from[3]) << 32 | static_cast<std::uint64_t>(from[2]) << 40 |
+           static_cast<std::uint64_t>(from[1]) << 48 | static_cast<std::uint64_t>(from[0]) << 56;
 }
 
 inline void WriteU8(MutableBytes bytes, std::size_t offset, std::uint8_t value) {

@@ -24,12 +24,20 @@ std::uint64_t Word(Bytes bytes, std::size_t at) {
     return word;
 }
 
-// The end of the difference that begins at `from`: where eight equal bytes lie in a row. A range
-// costs four bytes in the log, so shorter runs are logged along with their neighbours.
+// The end of the difference that begins at `from`: where many equal bytes lie in a row. Entries
+// that moved differ in a byte here and there; one long range takes less time than many short ones,
+// to write and to bring in, and not much more room.
 std::size_t DifferenceEnd(Bytes a, Bytes b, std::size_t from) {
+    constexpr std::size_t kGap = 64;
     std::size_t end = from + 1;
-    while (end + 8 <= a.size() && Word(a, end) != Word(b, end)) end += 8;
-    if (end + 8 > a.size()) end = a.size();
+    while (end + kGap <= a.size() && std::memcmp(a.data() + end, b.data() + end, kGap) != 0) {
+        end += kGap;
+    }
+    if (end + kGap > a.size()) end = a.size();
+    while (end - from > sizeof(std::uint64_t) &&
+           Word(a, end - sizeof(std::uint64_t)) == Word(b, end - sizeof(std::uint64_t))) {
+        end -= sizeof(std::uint64_t);
+    }
     while (a[end - 1] == b[end - 1]) --end;
     return end;
 }
