@@ -42,11 +42,11 @@ std::vector<RowCursor::FieldColumn> RowCursor::FieldColumnsOf(
     for (const std::size_t column : columns) {
         const Column& stored = definition.columns[column];
         const std::uint32_t size = SizeOfType(stored.type);
-        fields.push_back({.column = column,
-                          .type = stored.type,
-                          .plain = stored.fixed && size != 0 && stored.length == size,
+        fields.push_back({.column = static_cast<std::uint16_t>(column),
                           .number = stored.number,
-                          .offset = stored.fixedOffset});
+                          .offset = stored.fixedOffset,
+                          .type = stored.type,
+                          .plain = stored.fixed && size != 0 && stored.length == size});
     }
     return fields;
 }
@@ -59,6 +59,7 @@ void RowCursor::Close() {
     DropEdit();
     file_->Unwatch(*this);
     place_ = Place::kNowhere;
+    viewKnown_ = false;
     stored_ = StoredRow();
 }
 
@@ -86,6 +87,7 @@ bool RowCursor::IsEof() const {
 void RowCursor::Arrive(const std::optional<RowId>& row, Place otherwise) {
     place_ = row ? Place::kOn : otherwise;
     if (row) row_ = *row;
+    viewKnown_ = false;
 }
 
 void RowCursor::MoveFirst() {
@@ -119,14 +121,11 @@ void RowCursor::MovePrevious() {
 }
 
 void RowCursor::RowDeleted(const Table& table, RowId row) {
-    if (&table == table_ && place_ == Place::kOn && row == row_) place_ = Place::kGone;
+    if (&table == table_ && place_ == Place::kOn && row == row_) SetGone();
 }
 
-const RowCursor::FieldColumn& RowCursor::ColumnOf(FieldId field) const {
-    if (static_cast<std::size_t>(field.position) >= columns_.size()) {
-        throw Error(ErrorKind::kNoSuchField, "The record set has no such field.");
-    }
-    return columns_[static_cast<std::size_t>(field.position)];
+void RowCursor::ThrowNoField() {
+    throw Error(ErrorKind::kNoSuchField, "The record set has no such field.");
 }
 
 bool RowCursor::IsInEdit(std::size_t column) const {
@@ -139,13 +138,13 @@ const RowView& RowCursor::FindCurrentView() const {
     const std::uint64_t change = table_->Pages().ChangeCount();
     // A page that changed may be another one in memory now.
     if (viewChange_ != change) stored_ = StoredRow();
-    viewRow_ = RowId();
+    viewKnown_ = false;
     if (!table_->Rows().Find(row_, stored_)) {
         throw Error(ErrorKind::kDamaged, "The file is damaged: a record of the table '" +
                                              table_->Name() + "' is missing.");
     }
     view_ = table_->View(stored_.bytes);
-    viewRow_ = row_;
+    viewKnown_ = true;
     viewChange_ = change;
     return view_;
 }

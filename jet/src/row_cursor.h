@@ -71,15 +71,15 @@ protected:
     [[nodiscard]] Table& Source() const { return *table_; }
     [[nodiscard]] Place Where() const { return place_; }
     [[nodiscard]] RowId Row() const { return row_; }
-    void SetGone() { place_ = Place::kGone; }
+    void SetGone() {
+        place_ = Place::kGone;
+        viewKnown_ = false;
+    }
     // After a search that found nothing the former record can be read but not be changed.
     void SetSearchFailed(bool failed) { searchFailed_ = failed; }
     [[nodiscard]] const RowView& CurrentView() const {
         RequireOpen();
-        if (place_ == Place::kOn && viewRow_ == row_ &&
-            viewChange_ == table_->Pages().ChangeCount()) {
-            return view_;
-        }
+        if (viewKnown_ && viewChange_ == table_->Pages().ChangeCount()) return view_;
         return FindCurrentView();
     }
     void RowDeleted(const Table& table, RowId row) override;
@@ -90,16 +90,21 @@ private:
     // A field's column: its position in the table, and where numbers of a fixed size lie in each
     // row, so that reading one need not look at the definition.
     struct FieldColumn {
-        std::size_t column = 0;
-        ColumnType type = ColumnType::kLong;
-        bool plain = false;  // a number in the fixed area, whole
+        std::uint16_t column = 0;
         std::uint16_t number = 0;
         std::uint16_t offset = 0;
+        ColumnType type = ColumnType::kLong;
+        bool plain = false;  // a number in the fixed area, whole
     };
 
     [[nodiscard]] static std::vector<FieldColumn> FieldColumnsOf(
         const Definition& definition, const std::vector<std::size_t>& columns);
-    [[nodiscard]] const FieldColumn& ColumnOf(FieldId field) const;
+    [[nodiscard]] const FieldColumn& ColumnOf(FieldId field) const {
+        const auto position = static_cast<std::size_t>(field.position);
+        if (position >= columns_.size()) ThrowNoField();
+        return columns_[position];
+    }
+    [[noreturn]] static void ThrowNoField();
     // True when the bytes of the current record are a number of this very type.
     [[nodiscard]] bool IsPlain(const FieldColumn& field, ColumnType type) const {
         return field.plain && field.type == type && edit_ == EditKind::kNone;
@@ -128,7 +133,7 @@ private:
     // The current record's bytes, as long as nothing changes.
     mutable StoredRow stored_;
     mutable RowView view_;
-    mutable RowId viewRow_;
+    mutable bool viewKnown_ = false;
     mutable std::uint64_t viewChange_ = 0;
 };
 

@@ -2,6 +2,7 @@
 // the file, reported as such.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -48,28 +49,21 @@ inline std::uint32_t ReadU24(Bytes bytes, std::size_t offset) {
 
 inline std::uint32_t ReadU32(Bytes bytes, std::size_t offset) {
     RequireRange(bytes.size(), offset, 4);
-    const std::byte* from = bytes.data() + offset;
-    return static_cast<std::uint32_t>(from[0]) | static_cast<std::uint32_t>(from[1]) << 8 |
-           static_cast<std::uint32_t>(from[2]) << 16 | static_cast<std::uint32_t>(from[3]) << 24;
+    std::uint32_t value = 0;
+    std::memcpy(&value, bytes.data() + offset, sizeof value);
+    return std::endian::native == std::endian::little ? value : __builtin_bswap32(value);
 }
 
 inline std::uint64_t ReadU64(Bytes bytes, std::size_t offset) {
     RequireRange(bytes.size(), offset, 8);
-    const std::byte* from = bytes.data() + offset;
-    return static_cast<std::uint64_t>(from[0]) | static_cast<std::uint64_t>(from[1]) << 8 |
-           static_cast<std::uint64_t>(from[2]) << 16 | static_cast<std::uint64_t>(from[3]) << 24 |
-           static_cast<std::uint64_t>(from[4]) << 32 | static_cast<std::uint64_t>(from[5]) << 40 |
-           static_cast<std::uint64_t>(from[6]) << 48 | static_cast<std::uint64_t>(from[7]) << 56;
+    std::uint64_t value = 0;
+    std::memcpy(&value, bytes.data() + offset, sizeof value);
+    return std::endian::native == std::endian::little ? value : __builtin_bswap64(value);
 }
 
 // The same with the highest byte first, which orders numbers as their bytes.
 inline std::uint64_t ReadBigU64(Bytes bytes, std::size_t offset) {
-    RequireRange(bytes.size(), offset, 8);
-    const std::byte* from = bytes.data() + offset;
-    return static_cast<std::uint64_t>(from[7]) | static_cast<std::uint64_t>(from[6]) << 8 |
-           static_cast<std::uint64_t>(from[5]) << 16 | static_cast<std::uint64_t>(from[4]) << 24 |
-           static_cast<std::uint64_t>(from[3]) << 32 | static_cast<std::uint64_t>(from[2]) << 40 |
-           static_cast<std::uint64_t>(from[1]) << 48 | static_cast<std::uint64_t>(from[0]) << 56;
+    return __builtin_bswap64(ReadU64(bytes, offset));
 }
 
 inline void WriteU8(MutableBytes bytes, std::size_t offset, std::uint8_t value) {
@@ -98,8 +92,10 @@ inline void WriteU32(MutableBytes bytes, std::size_t offset, std::uint32_t value
 }
 
 inline void WriteU64(MutableBytes bytes, std::size_t offset, std::uint64_t value) {
-    WriteU32(bytes, offset, static_cast<std::uint32_t>(value & 0xFFFFFFFF));
-    WriteU32(bytes, offset + 4, static_cast<std::uint32_t>(value >> 32));
+    RequireRange(bytes.size(), offset, 8);
+    const std::uint64_t stored =
+        std::endian::native == std::endian::little ? value : __builtin_bswap64(value);
+    std::memcpy(bytes.data() + offset, &stored, sizeof stored);
 }
 
 }  // namespace jet
