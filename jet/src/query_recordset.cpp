@@ -48,8 +48,9 @@ bool IsPlainLetter(char16_t c) {
     return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
 }
 
+// Of a plain letter or digit.
 char16_t Raised(char16_t c) {
-    return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c;
+    return c >= u'a' ? static_cast<char16_t>(c - u'a' + u'A') : c;
 }
 
 // True for most texts that differ, without making their keys: each letter and digit of the Latin

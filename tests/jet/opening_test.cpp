@@ -2,6 +2,9 @@
 // value becomes when another type is asked for.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string_view>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -57,6 +60,11 @@ TEST_P(OpeningTest, WhatIsNoDatabase_IsRefused) {
 
 TEST_P(OpeningTest, NewerVersion_IsRefused) {
     ExpectRefused(ErrorKind::kUnsupportedVersion, [](Contents& file) { WriteU8(file, 0x14, 2); });
+    ExpectRefused(ErrorKind::kUnsupportedVersion, [](Contents& file) {
+        const std::string_view signature = "Standard ACE DB";
+        std::transform(signature.begin(), signature.end(), file.begin() + 4,
+                       [](char c) { return static_cast<std::byte>(c); });
+    });
 }
 
 TEST_P(OpeningTest, KeyOrPassword_IsRefused) {

@@ -191,6 +191,17 @@ TEST_P(PagerTest, LogsThatDoNotBelong_ArePutAsideUnderNamesThatAreFree) {
     for (const char* name : {"-old", "-old2", "-old3"}) {
         EXPECT_TRUE(files_->Exists(std::string("a file.mdb-log") + name)) << name;
     }
+    // After the hundredth name the last one serves again.
+    for (int round = 0; round < 100; ++round) {
+        files_->Open("a file.mdb-log", OpenMode::kCreateNew)
+            ->Write(0, std::vector<std::byte>(700, std::byte{8}));
+        Reopen()->Close();
+    }
+    EXPECT_TRUE(files_->Exists("a file.mdb-log-old99"));
+    EXPECT_FALSE(files_->Exists("a file.mdb-log-old101"));
+    for (int number = 4; number <= 100; ++number) {
+        files_->Remove("a file.mdb-log-old" + std::to_string(number));
+    }
     // A log of a file that is gone does not become the log of a new one of its name.
     files_->Remove("a file.mdb");
     files_->Open("a file.mdb-log", OpenMode::kCreateNew)->Write(0, std::vector<std::byte>(9));

@@ -102,6 +102,7 @@ TEST_P(QueryResult, EmptyResult_HasNoWayAnywhere) {
     EXPECT_EQ(none->Index(), "");
     EXPECT_EQ(ErrorOf([&] { none->Seek(Comparison::kEqual, {1}); }), ErrorKind::kNoSuchIndex);
     EXPECT_EQ(ErrorOf([&] { none->MoveNext(); }), ErrorKind::kNoCurrentRecord);
+    EXPECT_EQ(ErrorOf([&] { none->MovePrevious(); }), ErrorKind::kNoCurrentRecord);
 }
 
 TEST_P(QueryResult, MovingBackOverTheFirst_EndsBeforeIt) {

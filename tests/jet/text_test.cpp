@@ -88,6 +88,7 @@ TEST(Text, Jet4_CutOffText_GivesWholeCharactersOnly) {
     EXPECT_EQ(Decoded(Bytes8({'a', 0, 'b'}), Version::kJet4), u"a");
     EXPECT_EQ(Decoded(Bytes8({0xFF, 0xFE, 'a', 0, 0x31}), Version::kJet4), u"a");
     EXPECT_EQ(Decoded(Bytes8({0xFF, 0xFE}), Version::kJet4), u"");
+    EXPECT_EQ(Decoded(Bytes8({0xFF, 0x41}), Version::kJet4), u"\u41FF");
 }
 
 TEST(Names, GoFromUtf8AndBack) {
@@ -101,6 +102,12 @@ TEST(Names, BadUtf8_BecomesReplacementCharacters) {
                         "b"),
               u"a\uFFFDb");
     EXPECT_EQ(WidenName("a\xC3"), u"a\uFFFD");
+    EXPECT_EQ(WidenName("\xC3x"), u"\uFFFDx");
+    EXPECT_EQ(WidenName("\xE2\x82x"), u"\uFFFDx");
+    EXPECT_EQ(WidenName("\xF0\x9F\x98"), u"\uFFFD");
+    // Bytes that begin nothing: a rest of another sequence, an overlong form, beyond the last
+    // plane.
+    EXPECT_EQ(WidenName("\x80\xC1\xF5"), u"\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(NarrowName(std::u16string(1, char16_t{0xD800})), "\xEF\xBF\xBD");
 }
 

@@ -40,7 +40,7 @@ TEST(Value, NumberThatDoesNotFit_IsAnOverflow) {
 
 TEST(Value, WhatIsNoNumber_IsAMismatch) {
     for (const Value& value : {Value(), Value(u"abc"), Value(u"12x"), Value(u""), Value(u"+"),
-                               Value(u"\u0661"), Value(Binary(2)), Value(Guid{})}) {
+                               Value(u"  "), Value(u"\u0661"), Value(Binary(2)), Value(Guid{})}) {
         try {
             (void)value.AsDouble();
             ADD_FAILURE() << "converted";
