@@ -187,5 +187,26 @@ TEST_P(SmallFile, AnyByteOfItsStructuresDamaged_IsSurvivedReportedAndRepaired) {
     }
 }
 
+// The maps decide which pages are written to, so none of their bytes may lead a change astray.
+TEST_P(SmallFile, AnyByteOfTheGlobalMapsDamaged_IsSurvivedAndReported) {
+    const Contents contents = Make();
+    const std::size_t pageSize = GetParam() == Version::kJet3 ? 2048 : 4096;
+    const Look sound = LookAt(*files_);
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < 18; ++i) places.push_back(pageSize + i);
+    for (std::size_t i = 1; i <= 145; i += 4) places.push_back(2 * pageSize - i);
+    for (const std::size_t at : places) {
+        for (const unsigned value : {0x00U, 0x01U, 0x40U, 0xFFU}) {
+            Contents damaged = contents;
+            damaged[at] = static_cast<std::byte>(value);
+            files_->Remove(kFile);
+            files_->Open(kFile, OpenMode::kCreateNew)->Write(0, damaged);
+            EXPECT_FALSE(IsSilentlyWrong(sound, LookAt(*files_))) << "byte " << at;
+            EditEverywhere(kFile, *files_);
+            files_->Remove("a file.mdb-log");
+        }
+    }
+}
+
 }  // namespace
 }  // namespace jet

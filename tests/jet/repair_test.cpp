@@ -141,6 +141,47 @@ TEST_P(RepairDamagedFile, KeepsWhatCanBeReadAndLeavesTheFileAlone) {
     EXPECT_TRUE(check.findings.empty()) << check.Text();
 }
 
+// A definition that says less than the rows hold: what does not fit is left out and told.
+TEST(RepairFile, ValueThatTheDefinitionDoesNotAllow_IsLeftOutAndTheRowKept) {
+    const auto files = MakeMemoryFileSystem();
+    const auto database = Database::Create("a file.mdb", Version::kJet4, *files);
+    TableSchema schema;
+    schema.name = "T";
+    schema.columns = {{.name = "Id"}, {.name = "Name", .type = ColumnType::kText, .length = 77}};
+    database->CreateTable(schema);
+    const auto rows = database->OpenTable("T");
+    for (const char16_t* name : {u"short", u"longer than what is allowed"}) {
+        rows->AddNew();
+        rows->Set("Id", 1);
+        rows->Set("Name", name);
+        rows->Update();
+    }
+    database->Close();
+    const auto file = files->Open("a file.mdb", OpenMode::kReadWrite);
+    std::vector<std::byte> contents(file->Size());
+    file->Read(0, contents);
+    // The length in the column's block, 23 bytes behind its type.
+    int changed = 0;
+    for (std::size_t at = 4096; at + 25 < contents.size(); ++at) {
+        if (contents[at] == std::byte{0x0A} && contents[at + 23] == std::byte{2 * 77} &&
+            contents[at + 24] == std::byte{0}) {
+            const std::byte shorter{2 * 5};
+            file->Write(at + 23, {&shorter, 1});
+            ++changed;
+        }
+    }
+    ASSERT_EQ(changed, 1);
+    const RepairReport report = RepairFile("a file.mdb", "repaired.mdb", *files);
+    EXPECT_EQ(report.rowsKept, 2U);
+    ASSERT_EQ(report.losses.size(), 1U);
+    EXPECT_NE(report.losses[0].find("the value of Name is left out"), std::string::npos);
+    const auto repaired = Database::Open("repaired.mdb", {}, *files);
+    const auto kept = repaired->OpenTable("T");
+    EXPECT_EQ(kept->Get("Name"), Value(u"short"));
+    kept->MoveNext();
+    EXPECT_TRUE(kept->Get("Name").IsNull());
+}
+
 TEST(RepairFile, ExistingTarget_IsRefusedAndKept) {
     const tarn_test::TempFolder folder;
     const auto source = folder / "a source.mdb";

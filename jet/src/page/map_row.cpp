@@ -63,12 +63,13 @@ void WriteRoom(MutableBytes page, const Format& format) {
     WriteU16(page, 2, static_cast<std::uint16_t>(directory.room));
 }
 
-// Moves the rows from `slot` on by `distance` towards the page's start (or its end, if negative).
-void ShiftRows(MutableBytes page, const Format& format, std::uint32_t slot, std::int32_t distance) {
+// Moves the rows from `slot` on by `distance` towards the page's start.
+void ShiftRows(MutableBytes page, const Format& format, std::uint32_t slot,
+               std::uint32_t distance) {
     const Directory directory = ReadDirectory(page, format);
     for (std::uint32_t i = slot; i < directory.count; ++i) {
         const std::uint16_t entry = ReadU16(page, SlotAt(format, i));
-        const auto start = static_cast<std::int32_t>(entry & kOffsetMask) - distance;
+        const std::uint32_t start = (entry & kOffsetMask) - distance;
         WriteU16(page, SlotAt(format, i),
                  static_cast<std::uint16_t>((entry & ~kOffsetMask) | (start & kOffsetMask)));
     }
@@ -113,22 +114,9 @@ bool LengthenMapRow(MutableBytes page, const Format& format, std::uint8_t slot,
     std::memmove(page.data() + directory.lowest - more, page.data() + directory.lowest,
                  end - directory.lowest);
     std::fill(page.begin() + (end - more), page.begin() + end, fill);
-    ShiftRows(page, format, slot, static_cast<std::int32_t>(more));
+    ShiftRows(page, format, slot, more);
     WriteRoom(page, format);
     return true;
-}
-
-void DeleteMapRow(MutableBytes page, const Format& format, std::uint8_t slot) {
-    const RowExtent row = FindMapRow(page, format, slot);
-    const Directory directory = ReadDirectory(page, format);
-    RequireBelow(directory, row);
-    std::memmove(page.data() + directory.lowest + row.length, page.data() + directory.lowest,
-                 row.start - directory.lowest);
-    std::fill_n(page.begin() + directory.lowest, row.length, std::byte{0});
-    ShiftRows(page, format, slot, -static_cast<std::int32_t>(row.length));
-    const std::uint16_t entry = ReadU16(page, SlotAt(format, slot));
-    WriteU16(page, SlotAt(format, slot), static_cast<std::uint16_t>(entry | kDeletedRow));
-    WriteRoom(page, format);
 }
 
 void StartMapRowPage(MutableBytes page, const Format& format) {

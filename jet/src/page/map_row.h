@@ -39,7 +39,6 @@ bool AppendMapRow(MutableBytes page, const Format& format, std::uint32_t length)
 // has no room.
 bool LengthenMapRow(MutableBytes page, const Format& format, std::uint8_t slot,
                     std::uint32_t length, std::byte fill);
-void DeleteMapRow(MutableBytes page, const Format& format, std::uint8_t slot);
 // Makes a zeroed page an empty page for map rows.
 void StartMapRowPage(MutableBytes page, const Format& format);
 

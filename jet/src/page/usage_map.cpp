@@ -264,18 +264,4 @@ UsageMap UsageMap::Create(Pager& pager) {
     return {pager, RowId{page, 0}};
 }
 
-void UsageMap::Drop() {
-    std::vector<PageNumber> mapPages;
-    {
-        const PageRef holder = pager_->Page(row_.page);
-        const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
-        for (std::uint32_t range = 0; !map.IsInline() && range < map.RangeCount(); ++range) {
-            const PageRef mapPage = OpenMapPage(*pager_, map, range);
-            if (!mapPage.Data().empty()) mapPages.push_back(mapPage.Number());
-        }
-    }
-    for (const PageNumber page : mapPages) pager_->Free(page);
-    DeleteMapRow(pager_->Change(row_.page), pager_->FileFormat(), row_.slot);
-}
-
 }  // namespace jet

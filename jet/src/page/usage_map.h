@@ -24,8 +24,6 @@ public:
 
     // Makes an empty map on a usage-map page with room. Needs an open Operation.
     static UsageMap Create(Pager& pager);
-    // Marks the map's row as deleted. Needs an open Operation.
-    void Drop();
 
 private:
     Pager* pager_;
