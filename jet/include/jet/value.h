@@ -55,7 +55,7 @@ public:
     Value& operator=(Value&&) noexcept = default;
     // A variant that holds text must not be copied as a whole: when memory runs out on the way,
     // some libraries leave it in a state that they cannot destroy.
-    Value(const Value& other) : Storage() { *this = other; }
+    Value(const Value& other) : Value() { *this = other; }
     Value& operator=(const Value& other) {
         std::visit([this](const auto& held) { Storage::operator=(held); }, other.Get());
         return *this;
