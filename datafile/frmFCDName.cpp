@@ -9,6 +9,7 @@
 #include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
+#include "platform/dialogs/RunModal.h"
 #include "platform/system/Host.h"
 #include "shell/UIMode.h"
 #include "shell/u13Folders.h"
@@ -31,7 +32,7 @@ const QString kFileExtension = QStringLiteral(".FCD");
 frmFCDName::Outcome frmFCDName::ShowModal(QWidget* frame) {
     frmFCDName dialog(frame);
     if (dialog.Load()) {
-        dialog.exec();
+        platform::RunModal(dialog);
     }
     dialog.Unload();
     return dialog.Result();

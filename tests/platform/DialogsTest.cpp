@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -10,10 +11,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QWidget>
+#include <QWindow>
 #include <functional>
 
 #include "platform/dialogs/CommonDialog.h"
 #include "platform/dialogs/MsgBox.h"
+#include "platform/dialogs/RunModal.h"
 #include "platform/system/Host.h"
 
 namespace {
@@ -129,6 +133,18 @@ TEST_F(ShowOpenTest, ChosenFile_ComesBackWithItsPath) {
     Answer<QFileDialog> answer(
         [](QFileDialog& dialog) { static_cast<QDialog&>(dialog).done(QDialog::Accepted); });
     EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), folder_.filePath("A unit.fcd"));
+}
+
+TEST(RunModal, GivesTheKeyboardBackToTheWindowBehind) {
+    QWidget window;
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QDialog dialog(&window);
+    Answer<QDialog> answer([](QDialog& shown) { shown.accept(); });
+    EXPECT_EQ(platform::RunModal(dialog), QDialog::Accepted);
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return QGuiApplication::focusWindow() == window.windowHandle(); }));
 }
 
 }  // namespace

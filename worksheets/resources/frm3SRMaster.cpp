@@ -16,6 +16,7 @@
 #include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/vsFlexGrid.h"
+#include "platform/dialogs/RunModal.h"
 #include "platform/text/Numbers.h"
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
@@ -263,7 +264,7 @@ void frm3SRMaster::cmdAdd_Click() {
     grdMasterList_->FinishEdit();
     frm3SRMasterAdd dialog(*grdMasterList_, Host().Frame());
     dialog.SetPosition(grdMasterList_->Row() + 1);
-    dialog.exec();
+    platform::RunModal(dialog);
     dialog.Unload();
 }
 
