@@ -1,6 +1,5 @@
 #include "platform/controls/FLabel.h"
 
-#include <QEvent>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -113,17 +112,12 @@ void FLabel::paintEvent(QPaintEvent* /*event*/) {
     Text().Paint(painter, contentsRect());
 }
 
-void FLabel::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
-        text_.reset();
-    }
-    QLabel::changeEvent(event);
-}
-
+// Font changes are told more often than fonts change.
 const WrappedText& FLabel::Text() const {
     ensurePolished();
-    if (!text_) {
-        text_.emplace(Paragraphs(caption_), font());
+    if (!text_ || measured_ != font()) {
+        measured_ = font();
+        text_.emplace(Paragraphs(caption_), measured_);
     }
     return *text_;
 }

@@ -27,11 +27,12 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
 private:
     [[nodiscard]] const WrappedText& Text() const;
 
     QString caption_;
-    mutable std::optional<WrappedText> text_;  // measured in the font when it is asked for
+    // Measured when it is asked for, and in which font.
+    mutable std::optional<WrappedText> text_;
+    mutable QFont measured_;
 };
