@@ -152,9 +152,6 @@ void frmFCDName::txtUnitID_Change() {
             if (!ListShows(id)) {
                 GetMatchingIDs(id);  // the user is sent to the list, so it must hold the unit
             }
-            lblTie->setText(
-                QStringLiteral("Units in more than one state have the same unit ID.\n"
-                               "Please select the Unit from the list at the right."));
             lblTie->show();
             txtState->setFocus();
             break;

@@ -52,10 +52,14 @@ public:
 
     void reject() override;
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void CreateControls();
     void NameControls();
     void LayOutControls();
+    void SizeBoxes();
     QLayout* LayOutQuestions();
     QLayout* LayOutUnitRow();
     QLayout* LayOutTitleRow();

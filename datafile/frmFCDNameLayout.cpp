@@ -1,4 +1,5 @@
 // How the naming dialog's controls are made, named and laid out.
+#include <QEvent>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -10,6 +11,7 @@
 #include "datafile/UnitBox.h"
 #include "datafile/frmFCDName.h"
 #include "platform/EventTrap.h"
+#include "platform/controls/FittingFont.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/help/HelpViewer.h"
@@ -20,6 +22,8 @@ namespace {
 constexpr int kHelpContext = 70;
 constexpr int kSpace = 8;
 constexpr int kWideSpace = 14;
+constexpr QSize kDialogSize(760, 480);
+constexpr double kDialogFont = 12;  // pixels, with which it has that size
 
 QLabel* MakeLabel(const char* name, const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -62,6 +66,8 @@ frmFCDName::frmFCDName(QWidget* frame) : QDialog(frame) {
     CreateControls();
     NameControls();
     LayOutControls();
+    SizeBoxes();
+    platform::FitToScreen(*this, kDialogSize * (fontInfo().pixelSize() / kDialogFont));
     ConnectHandlers();
 }
 
@@ -76,7 +82,10 @@ void frmFCDName::CreateControls() {
     txtFileTitle = new QLineEdit(this);
     txtFileTitle->setReadOnly(true);
     lblExtension = MakeLabel("lblExtension", QStringLiteral(".FCD"), this);
-    lblTie = MakeLabel("lblTie", QString(), this);
+    lblTie = MakeLabel("lblTie",
+                       QStringLiteral("Units in more than one state have the same unit ID.\n"
+                                      "Please select the Unit from the list at the right."),
+                       this);
     Panel3D1 = new SSPanel(this);
     grdUnits = new vsFlexGrid(Panel3D1);
     cmdOK = new QPushButton(QStringLiteral("&OK"), this);
@@ -97,6 +106,21 @@ void frmFCDName::NameControls() {
     Name(cmdCancel, "cmdCancel", QStringLiteral("Cancel"));
 }
 
+// What depends on the font, which the screen may have made smaller.
+void frmFCDName::SizeBoxes() {
+    SetBoxWidth(txtUnitID, 4);
+    SetBoxWidth(txtState, 2);
+    SetBoxWidth(txtYear, 2);
+    SetBoxWidth(txtFileTitle, 9);
+}
+
+void frmFCDName::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::FontChange && txtFileTitle != nullptr) {
+        SizeBoxes();
+    }
+}
+
 void frmFCDName::LayOutControls() {
     auto* columns = new QHBoxLayout;
     columns->setSpacing(kWideSpace);
@@ -114,7 +138,6 @@ void frmFCDName::LayOutControls() {
     page->setSpacing(kWideSpace);
     page->addLayout(columns, 1);
     page->addLayout(buttons);
-    resize(760, 480);
 
     setTabOrder(txtUnitID, txtUnitName);
     setTabOrder(txtUnitName, txtState);
@@ -153,7 +176,6 @@ QLayout* frmFCDName::LayOutQuestions() {
     lblTie->setForegroundRole(QPalette::ToolTipText);
     lblTie->setFrameStyle(QFrame::Box | QFrame::Plain);
     lblTie->setMargin(kSpace / 2);
-    lblTie->setMinimumHeight(2 * lblTie->fontMetrics().lineSpacing() + kSpace + 2);
     lblTie->hide();
     column->addWidget(lblTie);
 
@@ -162,8 +184,6 @@ QLayout* frmFCDName::LayOutQuestions() {
     MakeBold(stepTwo);
     column->addWidget(stepTwo);
     auto* row = new QHBoxLayout;
-    SetBoxWidth(txtState, 2);
-    SetBoxWidth(txtYear, 2);
     row->addWidget(MakeBoxLabel("lblState", QStringLiteral("&State:"), txtState));
     row->addWidget(txtState);
     row->addSpacing(kWideSpace);
@@ -183,7 +203,6 @@ QLayout* frmFCDName::LayOutQuestions() {
 QLayout* frmFCDName::LayOutUnitRow() {
     auto* grid = new QGridLayout;
     grid->setVerticalSpacing(2);
-    SetBoxWidth(txtUnitID, 4);
     grid->addWidget(MakeBoxLabel("lblUnitID", QStringLiteral("Unit &identifier:"), txtUnitID), 0,
                     0);
     grid->addWidget(MakeBoxLabel("lblUnitName", QStringLiteral("Unit &name:"), txtUnitName), 0, 1);
@@ -200,7 +219,6 @@ QLayout* frmFCDName::LayOutTitleRow() {
     MakeBold(txtFileTitle);
     MakeBold(lblExtension);
     lblExtension->setWordWrap(false);
-    SetBoxWidth(txtFileTitle, 9);
     row->addWidget(label);
     row->addWidget(txtFileTitle);
     row->addWidget(lblExtension);

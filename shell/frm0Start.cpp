@@ -11,6 +11,7 @@
 
 #include "platform/EventTrap.h"
 #include "platform/controls/FLabel.h"
+#include "platform/controls/FittingFont.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/help/HelpViewer.h"
 #include "shell/ProgramTexts.h"
@@ -29,6 +30,8 @@ constexpr double kSmallestScale = 0.7;
 constexpr double kLargestScale = 1.8;
 constexpr double kTitleSize = 2.9;
 constexpr double kTextSize = 1.15;
+constexpr double kSmallestText = 0.45;
+constexpr double kTextStep = 0.05;
 constexpr int kColumnWidth = 764;
 constexpr int kColumnHeight = 300;
 constexpr int kBanner = 130;
@@ -206,24 +209,46 @@ void frm0Start::resizeEvent(QResizeEvent* event) {
 void frm0Start::FitToSize() {
     const double fitting = std::min(width() / kDesignWidth, height() / kDesignHeight);
     const double size = std::clamp(fitting, kSmallestScale, kLargestScale);
-    const double textSize = std::max(size, 1.0);  // small windows get less room, not small print
-    Scale(*lblTitle_, kTitleSize * textSize, true);
-    Scale(*flbOverview_, kTextSize * textSize);
-    Scale(*flbStart_, kTextSize * textSize);
-    Scale(*lblCopyright_, std::min(textSize, 1.3));
     const auto pixels = [size](int designed) { return static_cast<int>(designed * size); };
     for (QPushButton* button : pnlButtons_->findChildren<QPushButton*>()) {
-        Scale(*button, kTextSize * textSize);
         button->setMinimumHeight(pixels(kButtonHeight));
     }
     for (SSPanel* panel : {pnlOverview_, pnlButtons_}) {
         const int inset = pixels(kGap);
         panel->layout()->setContentsMargins(inset, inset, inset, inset);
     }
-    column_->setMaximumSize(pixels(kColumnWidth), pixels(kColumnHeight));
     lblTitle_->setFixedHeight(pixels(kBanner));
-    const int columnLeft = std::max(0, (width() - 2 * kGap - column_->maximumWidth()) / 2);
-    lblTitle_->setContentsMargins(columnLeft, 0, 0, lblTitle_->height() / 4);
+    const int columnWidth = std::max(std::min(pixels(kColumnWidth), width() - 2 * kGap), 0);
+    lblTitle_->setContentsMargins((width() - 2 * kGap - columnWidth) / 2, 0, 0,
+                                  lblTitle_->height() / 4);
+    // Small windows get less room, not small print, unless the texts would be cut.
+    double textSize = std::max(size, 1.0);
+    Scale(*lblTitle_, kTitleSize * textSize, true);
+    const QFont title = lblTitle_->font();
+    lblTitle_->setFont(
+        platform::FittingFont(title, lblTitle_->text(), lblTitle_->contentsRect().size()));
+    ScaleTexts(textSize);
+    while (platform::HeightAtWidth(*column_, columnWidth) > RoomForColumn() &&
+           textSize > kSmallestText) {
+        textSize -= kTextStep;
+        ScaleTexts(textSize);
+    }
+    column_->setMaximumSize(columnWidth, std::max(pixels(kColumnHeight),
+                                                  platform::HeightAtWidth(*column_, columnWidth)));
+}
+
+void frm0Start::ScaleTexts(double textSize) {
+    Scale(*flbOverview_, kTextSize * textSize);
+    Scale(*flbStart_, kTextSize * textSize);
+    for (QPushButton* button : pnlButtons_->findChildren<QPushButton*>()) {
+        Scale(*button, kTextSize * textSize);
+    }
+    Scale(*lblCopyright_, std::min(textSize, 1.3));
+}
+
+int frm0Start::RoomForColumn() const {
+    const int others = lblTitle_->height() + lblCopyright_->heightForWidth(width() - 2 * kGap);
+    return height() - others - 2 * kGap - kGap / 2;
 }
 
 // Return presses the button that has the keyboard, as Space does.

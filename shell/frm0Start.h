@@ -39,6 +39,8 @@ private:
     void ArrangeControls();
     void ShowPanels(bool shown);
     void FitToSize();
+    void ScaleTexts(double textSize);
+    [[nodiscard]] int RoomForColumn() const;
     void cmdNew_Click();
     void cmdOpen_Click();
     void cmdExit_Click();

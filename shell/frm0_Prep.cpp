@@ -125,9 +125,12 @@ void frm0_Prep::MDIForm_Resize() {
 
 void frm0_Prep::SetTitleBar(const QString& sFileName) {
     u91Trace::Procedure(QStringLiteral("frm0_Prep.SetTitleBar"));
-    setWindowTitle(QStringLiteral("TARN Prep:  [") + sFileName + QStringLiteral("]  ") +
-                   PrepProperties::GetPropertyWithDefault(QStringLiteral("UnitName"),
-                                                          QStringLiteral("No Name")));
+    QString title = QStringLiteral("TARN Prep:  [") + sFileName + QStringLiteral("]  ") +
+                    PrepProperties::GetPropertyWithDefault(QStringLiteral("UnitName"),
+                                                           QStringLiteral("No Name"));
+    // In a window's title this stands for the mark of unsaved changes, doubled for itself.
+    const QString placeholder = QStringLiteral("[*]");
+    setWindowTitle(title.replace(placeholder, placeholder + placeholder));
 }
 
 QString frm0_Prep::HelpFilePath() {

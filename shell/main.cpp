@@ -2,7 +2,9 @@
 
 #include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
+#include "platform/controls/LegibleStyle.h"
 #include "platform/system/FontReader.h"
+#include "platform/system/OwnFonts.h"
 #include "platform/system/Termination.h"
 #include "shell/LastTrap.h"
 #include "shell/Scenery.h"
@@ -29,6 +31,7 @@ int main(int argc, char* argv[]) {
     QApplication application(programNameOnly, argv);
     // A message box may be the only window for a while; the program ends with the main frame.
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setStyle(new LegibleStyle);
     QApplication::setWindowIcon(Scenery::Icon(QApplication::palette()));
     platform::InstallClipboardShortcutFilter();
     platform::InstallImmediateMnemonics();
@@ -40,6 +43,7 @@ int main(int argc, char* argv[]) {
         Qt::QueuedConnection);
     platform::OnTermination([&frame] { frame.EndAtOnce(); });
     fonts.Wait();
+    platform::BringFontsWhereThereAreNone();
     frame.MDIForm_Load();
     return frame.IsUnloaded() ? 0 : QApplication::exec();
 }

@@ -15,6 +15,8 @@ namespace {
 constexpr int kMargin = 12;
 constexpr int kSpacing = 8;
 constexpr double kTitleScale = 1.35;
+constexpr int kShownOfName = 16;  // characters, where there is room
+constexpr int kLeastOfName = 120;
 
 // Lets the wheel pass to what lies behind, so that scrolling a page never chooses another item.
 class WheelHolder : public QObject {
@@ -30,6 +32,16 @@ protected:
         return true;
     }
 };
+
+// As wide as its longest name where there is room; a name that is cut is told by a tip.
+void FitToNames(QComboBox& box) {
+    box.setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    box.setMinimumContentsLength(kShownOfName);
+    box.setMinimumWidth(kLeastOfName);
+    box.setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    QObject::connect(&box, &QComboBox::currentTextChanged, &box,
+                     [&box](const QString& name) { box.setToolTip(name.toHtmlEscaped()); });
+}
 
 }  // namespace
 
@@ -58,6 +70,7 @@ void WorksheetPage::AddTitle(const QString& text) {
     font.setBold(true);
     font.setPointSizeF(font.pointSizeF() * kTitleScale);
     title->setFont(font);
+    title->setWordWrap(true);
     body_->addWidget(title);
 }
 
@@ -83,9 +96,16 @@ void Name(QWidget& control, const char* name, const QString& accessibleName) {
     control.setAccessibleName(accessibleName);
 }
 
-void HoldWheel(QComboBox& box) {
-    box.setFocusPolicy(Qt::StrongFocus);
-    box.installEventFilter(new WheelHolder(&box));
+QComboBox* Choice(QWidget* parent, const char* name, QLabel& label) {
+    auto* box = new QComboBox(parent);
+    const QString heard = label.accessibleName();
+    Name(*box, name, heard);
+    box->view()->setAccessibleName(heard);
+    label.setBuddy(box);
+    box->setFocusPolicy(Qt::StrongFocus);
+    box->installEventFilter(new WheelHolder(box));
+    FitToNames(*box);
+    return box;
 }
 
 void SelectSilently(QComboBox& box, int index) {

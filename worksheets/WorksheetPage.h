@@ -53,8 +53,9 @@ QLabel* Label(QWidget* parent, const char* name, const QString& text);
 QLabel* Instruction(QWidget* parent, const char* name, const QString& text);
 // Names a control for the program and for people who hear the screen.
 void Name(QWidget& control, const char* name, const QString& accessibleName);
-// The wheel passes over a closed combo box without changing it.
-void HoldWheel(QComboBox& box);
+// A combo box that belongs to a label and is named like it. The wheel passes over it while it is
+// closed, without changing it.
+QComboBox* Choice(QWidget* parent, const char* name, QLabel& label);
 // Makes an item current without telling anybody.
 void SelectSilently(QComboBox& box, int index);
 

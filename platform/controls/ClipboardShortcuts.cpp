@@ -15,6 +15,23 @@ bool IsClipboardKey(const QKeyEvent& key) {
            key.matches(QKeySequence::Paste);
 }
 
+// Redo has this key on other systems only; there are users who know no other.
+bool IsRedoKey(const QKeyEvent& key) {
+    return key.key() == Qt::Key_Y && key.modifiers() == Qt::ControlModifier;
+}
+
+bool Redo(QObject* watched) {
+    if (auto* line = qobject_cast<QLineEdit*>(watched)) {
+        line->redo();
+        return true;
+    }
+    if (auto* lines = qobject_cast<QPlainTextEdit*>(watched)) {
+        lines->redo();
+        return true;
+    }
+    return false;
+}
+
 class ClipboardShortcutFilter : public QObject {
 public:
     explicit ClipboardShortcutFilter(QObject* parent) : QObject(parent) {}
@@ -26,6 +43,10 @@ public:
                 key->ignore();
                 return true;
             }
+        }
+        if (event->type() == QEvent::KeyPress && IsRedoKey(*static_cast<QKeyEvent*>(event)) &&
+            Redo(watched)) {
+            return true;
         }
         if (event->type() == QEvent::FocusOut &&
             KeepsSelection(*static_cast<QFocusEvent*>(event))) {

@@ -1,4 +1,4 @@
-// Cut, Copy and Paste by keyboard reach the program's menu.
+// Cut, Copy and Paste by keyboard reach the program's menu, and Ctrl+Y redoes.
 //
 // Text boxes claim these keys for themselves before any menu entry sees them. The filter takes the
 // claim away; where no menu entry wants the key (in a dialog, or while the entry is disabled) the

@@ -12,17 +12,19 @@
 
 namespace {
 
+constexpr int kLongestCode = 4;  // characters
+
 bool IsOneCell(const QAbstractItemView& view) {
     const QItemSelection selection = view.selectionModel()->selection();
     return selection.size() == 1 && selection.first().width() == 1 &&
            selection.first().height() == 1;
 }
 
-// How wide a text may be before the style cuts it.
+// How wide a text may be before the style, which rounds its width up, cuts it.
 int TextRoom(const QStyleOptionViewItem& cell) {
     const QStyle& style = cell.widget != nullptr ? *cell.widget->style() : *QApplication::style();
     const int margin = style.pixelMetric(QStyle::PM_FocusFrameHMargin, &cell, cell.widget) + 1;
-    return cell.rect.width() - 2 * margin;
+    return cell.rect.width() - 2 * margin - 1;
 }
 
 }  // namespace
@@ -59,11 +61,12 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     painter->restore();
 }
 
-// A number cut short would be another number: it is set smaller instead.
+// A number or a code cut short would be another one: it is set smaller instead.
 void FlexGridDelegate::initStyleOption(QStyleOptionViewItem* option,
                                        const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
-    if (platform::IsPlainNumber(index.data(Qt::EditRole).toString())) {
+    const QString text = index.data(Qt::EditRole).toString();
+    if (text.size() <= kLongestCode || platform::IsPlainNumber(text)) {
         const int room = TextRoom(*option);
         option->font = FlexGridPaint::FittingFont(option->font, {option->text}, room);
         option->fontMetrics = QFontMetrics(option->font);

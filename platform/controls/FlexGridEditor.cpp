@@ -40,7 +40,8 @@ FlexGridEditor::FlexGridEditor(QWidget* parent) : QLineEdit(parent) {
 void FlexGridEditor::Load(const QString& text) {
     const QSignalBlocker quiet(this);
     setText(text);
-    selectAll();
+    // Selected backwards: of a text that is wider than its cell, the beginning shows.
+    setSelection(static_cast<int>(text.size()), -static_cast<int>(text.size()));
     down_.clear();
 }
 

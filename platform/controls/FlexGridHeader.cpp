@@ -187,7 +187,8 @@ std::vector<int> FlexGridHeader::RowHeights() const {
 }
 
 QFont FlexGridHeader::FittingFont(const Block& block) const {
-    const int room = BlockRect(block).width() - 2 * kMargin;
+    // The width of a text is rounded up before it is cut.
+    const int room = BlockRect(block).width() - 2 * kMargin - 1;
     return FlexGridPaint::FittingFont(font(), Lines(model_.Text(block.top, block.left)), room);
 }
 

@@ -43,7 +43,7 @@ void SSPanel::paintEvent(QPaintEvent* event) {
     }
     QPainter painter(this);
     const QRect room = contentsRect().adjusted(kMargin, 0, -kMargin, 0);
-    painter.setFont(platform::FittingFont(font(), caption_.simplified().split(u' '), room.width()));
+    painter.setFont(platform::FittingFont(font(), caption_, room.size()));
     style()->drawItemText(&painter, room, static_cast<int>(alignment_) | Qt::TextWordWrap,
                           palette(), isEnabled(), caption_, foregroundRole());
 }

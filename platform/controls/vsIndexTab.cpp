@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kStripHeight = 25;  // 375 twips
 constexpr int kTextHeight = 19;   // what the style leaves of it for the caption
+constexpr double kSmallestSize = 7.5;
 
 }  // namespace
 
@@ -31,7 +32,11 @@ void vsIndexTab::SetCaption(const QString& captions) {
         removeTab(count() - 1);
     }
     for (QString caption : captions.split(u'|')) {
-        addTab(caption.replace(u'&', QStringLiteral("&&")));
+        const int tab = addTab(caption.replace(u'&', QStringLiteral("&&")));
+        if (caption.isEmpty()) {
+            // Assistive technology is told of tabs that are not visible, too.
+            setAccessibleTabName(tab, tr("None"));
+        }
     }
     current_ = currentIndex();
 }
@@ -112,11 +117,35 @@ void vsIndexTab::ShowCurrent(int tab) {
     setCurrentIndex(tab);
 }
 
-// A large application font would not fit into the strip, whose height is given.
+void vsIndexTab::resizeEvent(QResizeEvent* event) {
+    QTabBar::resizeEvent(event);
+    FitFont();
+}
+
+// What the tabs that show would take in a font, their margins included.
+int vsIndexTab::TabsWidth(const QFont& font) const {
+    const QFontMetrics metrics(font);
+    int width = 0;
+    for (int tab = 0; tab < count(); ++tab) {
+        if (isTabVisible(tab)) {
+            const QString text = tabText(tab);
+            width += QTabBar::tabSizeHint(tab).width() - fontMetrics().horizontalAdvance(text) +
+                     metrics.horizontalAdvance(text);
+        }
+    }
+    return width;
+}
+
+// A large application font would not fit into the strip, whose height is given, nor all tabs into
+// a narrow window.
 void vsIndexTab::FitFont() {
     QFont fitting = QApplication::font(this);
+    const auto smaller = [&fitting] { fitting.setPointSizeF(fitting.pointSizeF() - 0.5); };
     while (QFontMetrics(fitting).height() > kTextHeight && fitting.pointSizeF() > 6) {
-        fitting.setPointSizeF(fitting.pointSizeF() - 0.5);
+        smaller();
+    }
+    while (TabsWidth(fitting) > width() && fitting.pointSizeF() > kSmallestSize) {
+        smaller();
     }
     if (fitting != font()) {
         setFont(fitting);

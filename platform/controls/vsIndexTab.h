@@ -31,12 +31,14 @@ signals:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     [[nodiscard]] QSize tabSizeHint(int tab) const override;
 
 private:
     void OnCurrentChanged(int tab);
     void ShowCurrent(int tab);
     void FitFont();
+    [[nodiscard]] int TabsWidth(const QFont& font) const;
 
     int current_ = -1;
     bool switching_ = false;

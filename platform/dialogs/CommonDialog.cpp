@@ -1,11 +1,12 @@
 #include "platform/dialogs/CommonDialog.h"
 
 #include <QDir>
-#include <QFileDialog>
 #include <QPointer>
 #include <QRegularExpression>
 #include <QStringList>
 #include <algorithm>
+
+#include "platform/dialogs/OpenDialog.h"
 
 namespace platform {
 namespace {
@@ -32,10 +33,8 @@ QStringList NameFilters(const QString& filter) {
 }
 
 QString CommonDialog::ShowOpen(const OpenFileRequest& request, QWidget* parent) {
-    QFileDialog dialog(parent, request.title);
+    OpenDialog dialog(parent, request.title);
     dialog.setObjectName(QStringLiteral("CommonDialog"));
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     const QStringList filters = NameFilters(request.filter);
     if (!filters.isEmpty()) {

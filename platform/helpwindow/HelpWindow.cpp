@@ -26,6 +26,10 @@
 
 namespace {
 
+constexpr int kNavigationWidth = 280;
+constexpr int kTopicWidth = 620;
+constexpr int kMargin = 4;
+
 // The engine reads help files through a collection, a file of its own that must be writable.
 bool MakeCollection(const QString& collection, const QString& helpFile) {
     QHelpEngineCore core(collection);
@@ -90,7 +94,10 @@ HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QH
     splitter->addWidget(tabs);
     splitter->addWidget(browser_);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({280, 620});
+    // In a large font too, the captions of all three ways show.
+    const int ways = std::max(kNavigationWidth, tabs->tabBar()->sizeHint().width() + 2 * kMargin);
+    tabs->setMinimumWidth(ways);
+    splitter->setSizes({ways, kTopicWidth});
     splitter->setChildrenCollapsible(false);
     setCentralWidget(splitter);
     MakeTools();

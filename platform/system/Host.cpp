@@ -107,6 +107,18 @@ QString FindFile(const QString& folder, const QString& name) {
     return exact;
 }
 
+QString FindPath(const QString& path) {
+    if (QFileInfo::exists(path)) {
+        return path;
+    }
+    const QString wanted = QDir::cleanPath(QString(path).replace(u'\\', u'/'));
+    QString found = QDir::isAbsolutePath(wanted) ? QString(QDir::separator()) : QStringLiteral(".");
+    for (const QString& part : wanted.split(u'/', Qt::SkipEmptyParts)) {
+        found = FindFile(found, part);
+    }
+    return QFileInfo::exists(found) ? found : path;
+}
+
 void FileCopy(const QString& from, const QString& to) {
     const QFileInfo source(from);
     if (!source.exists()) {

@@ -1,8 +1,11 @@
 // Starting and ending: the start screen, the command line, the title, the logs.
 
 #include <QLabel>
+#include <QScreen>
+#include <QWindow>
 
 #include "RunningProgram.h"
+#include "datafile/PrepProperties.h"
 #include "jet/database.h"
 #include "jet/recordset.h"
 #include "platform/controls/FLabel.h"
@@ -247,6 +250,69 @@ TEST_F(Start, AboutItem_ShowsTitleEditionAndRights) {
     EXPECT_EQ(answers.Messages()[0].title, QStringLiteral("TARN Prep"));
     EXPECT_EQ(NewTrace().last(), QStringLiteral("   mnuHelp_Click 9"));
 }
+
+TEST_F(Start, UnitNameWithThePlaceholder_ShowsAsItIsInTheTitle) {
+    const QString path = NewFile();
+    Run(path);
+    PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("Ridge [*] [*][*]"));
+    frame_->SetTitleBar(QStringLiteral("Unit.fcd"));
+    EXPECT_EQ(frame_->windowHandle()->title().toStdString(),
+              "TARN Prep:  [Unit.fcd]  Ridge [*] [*][*]");
+}
+
+class StartInFont : public Start, public testing::WithParamInterface<int> {
+protected:
+    StartInFont() : usual_(QApplication::font()) {
+        QFont font = usual_;
+        font.setPointSize(GetParam());
+        QApplication::setFont(font);
+    }
+    ~StartInFont() override { QApplication::setFont(usual_); }
+
+    // No label has less room than its text takes at the label's width.
+    static void ExpectWholeTexts(const QWidget& form) {
+        for (const auto* label : form.findChildren<QLabel*>()) {
+            if (!label->isVisible()) {
+                continue;
+            }
+            const QSize needed = label->wordWrap() ? QSize(0, label->heightForWidth(label->width()))
+                                                   : label->sizeHint();
+            EXPECT_GE(label->height(), needed.height()) << label->objectName().toStdString();
+            EXPECT_GE(label->width(), needed.width()) << label->objectName().toStdString();
+        }
+        for (const auto* button : form.findChildren<QPushButton*>()) {
+            EXPECT_GE(button->width(), button->minimumSizeHint().width());
+            EXPECT_GE(button->height(), button->fontMetrics().height());
+        }
+    }
+
+private:
+    QFont usual_;
+};
+
+TEST_P(StartInFont, StartScreen_OnASmallScreen_CutsNoText) {
+    Run();
+    for (const QSize size : {QSize(800, 600), QSize(960, 540), QSize(1024, 700)}) {
+        SCOPED_TRACE(size.width());
+        frame_->resize(size);
+        QApplication::processEvents();
+        ExpectWholeTexts(Get(QStringLiteral("frm0Start")));
+    }
+}
+
+TEST_P(StartInFont, NamingDialog_FitsTheScreenAndCutsNoText) {
+    Run();
+    support::Answers answers;
+    answers.Then([](QWidget& dialog) {
+        EXPECT_LE(dialog.width(), dialog.screen()->availableSize().width());
+        EXPECT_LE(dialog.height(), dialog.screen()->availableSize().height());
+        ExpectWholeTexts(dialog);
+        dialog.close();
+    });
+    Click(QStringLiteral("cmdNew"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Fonts, StartInFont, testing::Values(8, 9, 11, 14, 18));
 
 TEST_F(Start, Controls_AllOfThem_HaveObjectAndAccessibleNames) {
     RunWithFile();

@@ -225,6 +225,18 @@ TEST_F(ClipboardShortcutTest, DisabledEntry_LeavesTheKeyToTheTextBox) {
     EXPECT_EQ(box_->text(), "");
 }
 
+TEST_F(ClipboardShortcutTest, UndoneText_ComesBackByEitherKey) {
+    QTest::keyClicks(box_, "typed");
+    for (const auto redo : {Qt::Key_Y, Qt::Key_Z}) {
+        QTest::keyClick(frame_.windowHandle(), Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_NE(box_->text(), "typed");
+        QTest::keyClick(
+            frame_.windowHandle(), redo,
+            redo == Qt::Key_Y ? Qt::ControlModifier : Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_EQ(box_->text(), "typed");
+    }
+}
+
 TEST_F(ClipboardShortcutTest, MenuByKeyboard_KeepsTheSelection) {
     QFocusEvent toMenu(QEvent::FocusOut, Qt::MenuBarFocusReason);
     QApplication::sendEvent(box_, &toMenu);

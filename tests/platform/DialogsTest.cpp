@@ -3,9 +3,11 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -145,6 +147,40 @@ TEST(RunModal, GivesTheKeyboardBackToTheWindowBehind) {
     EXPECT_EQ(platform::RunModal(dialog), QDialog::Accepted);
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return QGuiApplication::focusWindow() == window.windowHandle(); }));
+}
+
+TEST_F(ShowOpenTest, TypedNameInOtherCase_OpensTheFile) {
+    for (const bool byKey : {true, false}) {
+        Answer<QFileDialog> answer([byKey](QFileDialog& dialog) {
+            auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+            auto* open =
+                dialog.findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Open);
+            name->setText("a UNIT.FCD");
+            EXPECT_TRUE(open->isEnabled());
+            if (byKey) {
+                QTest::keyClick(name, Qt::Key_Return);
+            } else {
+                open->click();
+            }
+            if (dialog.isVisible()) {
+                ADD_FAILURE() << "the name was not taken";
+                dialog.reject();
+            }
+        });
+        EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr),
+                  folder_.filePath("A unit.fcd"));
+    }
+}
+
+TEST_F(ShowOpenTest, TypedNameOfNoFile_CannotBeOpened) {
+    Answer<QFileDialog> answer([](QFileDialog& dialog) {
+        dialog.findChild<QLineEdit*>("fileNameEdit")->setText("another unit.fcd");
+        EXPECT_FALSE(dialog.findChild<QDialogButtonBox*>("buttonBox")
+                         ->button(QDialogButtonBox::Open)
+                         ->isEnabled());
+        dialog.reject();
+    });
+    EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), "");
 }
 
 }  // namespace

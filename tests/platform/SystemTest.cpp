@@ -86,6 +86,18 @@ TEST_F(SystemTest, FindFile_PrefersTheExactName) {
     EXPECT_EQ(platform::FindFile(folder_.path(), "other"), Path("other"));
 }
 
+TEST_F(SystemTest, FindPath_MatchesEachPartWithoutRegardToCase) {
+    ASSERT_TRUE(QDir(folder_.path()).mkdir("Costs"));
+    Put("Costs/UNIT one.FCD", "");
+    const QString there = Path("Costs/UNIT one.FCD");
+    EXPECT_EQ(platform::FindPath(there), there);
+    EXPECT_EQ(platform::FindPath(Path("costs/unit ONE.fcd")), there);
+    EXPECT_EQ(platform::FindPath(Path("costs\\unit one.fcd")), there);
+    EXPECT_EQ(platform::FindPath(Path("costs/unit two.fcd")), Path("costs/unit two.fcd"));
+    Put("Costs/unit one.fcd", "");
+    EXPECT_EQ(platform::FindPath(Path("Costs/unit one.fcd")), Path("Costs/unit one.fcd"));
+}
+
 TEST_F(SystemTest, FileCopy_ReplacesTheTarget) {
     QByteArray large(300000, 'x');
     large[299999] = 'y';

@@ -23,7 +23,6 @@ using ZoneKeys::kCostClasses;
 
 namespace {
 
-constexpr int kShownOfName = 16;  // characters, at least
 constexpr int kMostOfTheRoom = 1000;
 constexpr int kFrom = 0;
 constexpr int kTo = 1;
@@ -63,15 +62,10 @@ frm6SuppressAcre::~frm6SuppressAcre() = default;
 void frm6SuppressAcre::Build() {
     AddTitle(tr("Suppression Cost per Acre"));
     QLabel* lblFMZ = PageParts::Label(this, "lblFMZ", tr("Fire Management &Zone"));
-    cboFMZs_ = new QComboBox(this);
-    PageParts::Name(*cboFMZs_, "cboFMZs", tr("Fire Management Zone"));
-    cboFMZs_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    cboFMZs_->setMinimumContentsLength(kShownOfName);
-    lblFMZ->setBuddy(cboFMZs_);
-    PageParts::HoldWheel(*cboFMZs_);
+    cboFMZs_ = PageParts::Choice(this, "cboFMZs", *lblFMZ);
     auto* choice = new QHBoxLayout;
     choice->addWidget(lblFMZ);
-    choice->addWidget(cboFMZs_, 1);
+    choice->addWidget(cboFMZs_);
     choice->addStretch(1);
     Body().addLayout(choice);
     grdCosts_ = new vsFlexGrid(this);

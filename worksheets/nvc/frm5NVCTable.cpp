@@ -25,7 +25,7 @@ using ZoneKeys::kResources;
 
 namespace {
 
-constexpr int kShownOfName = 16;  // characters, at least
+constexpr int kShownOfLocation = 4;  // characters
 constexpr int kMostOfTheRoom = 1000;
 constexpr int kNameLength = 50;
 constexpr int kValueLength = 10;
@@ -52,24 +52,16 @@ frm5NVCTable::~frm5NVCTable() = default;
 
 void frm5NVCTable::BuildChoices() {
     QLabel* lblFMZ = PageParts::Label(this, "lblFMZ", tr("Fire Management &Zone"));
-    cboFMZs_ = new QComboBox(this);
-    PageParts::Name(*cboFMZs_, "cboFMZs", tr("Fire Management Zone"));
-    cboFMZs_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    cboFMZs_->setMinimumContentsLength(kShownOfName);
+    cboFMZs_ = PageParts::Choice(this, "cboFMZs", *lblFMZ);
     QLabel* lblRepLoc = PageParts::Label(this, "lblRepLoc", tr("Representative Location"));
-    cboRepLocs_ = new QComboBox(this);
-    PageParts::Name(*cboRepLocs_, "cboRepLocs", tr("Representative Location"));
-    lblFMZ->setBuddy(cboFMZs_);
-    lblRepLoc->setBuddy(cboRepLocs_);
-    PageParts::HoldWheel(*cboFMZs_);
-    PageParts::HoldWheel(*cboRepLocs_);
+    cboRepLocs_ = PageParts::Choice(this, "cboRepLocs", *lblRepLoc);
+    cboRepLocs_->setMinimumContentsLength(kShownOfLocation);
 
     auto* choices = new QGridLayout;
     choices->addWidget(lblFMZ, 0, 0);
-    choices->addWidget(cboFMZs_, 0, 1);
+    choices->addWidget(cboFMZs_, 0, 1, Qt::AlignLeft);
     choices->addWidget(lblRepLoc, 1, 0);
     choices->addWidget(cboRepLocs_, 1, 1, Qt::AlignLeft);
-    choices->setColumnStretch(1, 1);
     choices->setColumnStretch(2, 1);
     Body().addLayout(choices);
     lblNoRepLocs_ = PageParts::Instruction(

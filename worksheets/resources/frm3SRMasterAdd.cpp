@@ -10,6 +10,7 @@
 
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
+#include "platform/controls/FittingFont.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/help/HelpViewer.h"
@@ -53,7 +54,7 @@ frm3SRMasterAdd::frm3SRMasterAdd(vsFlexGrid& list, QWidget& frame) : QDialog(&fr
     BuildTexts(*rows);
     ConnectHandlers();
     txtResourceName_->setFocus();
-    adjustSize();
+    platform::FitToScreen(*this, QSize());
     platform::PlaceOver(*this, frame);
 }
 

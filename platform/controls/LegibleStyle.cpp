@@ -1,0 +1,163 @@
+#include "platform/controls/LegibleStyle.h"
+
+#include <QPainter>
+#include <QStyleOption>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double kLeastContrast = 3;  // of what need not be read letter by letter
+constexpr int kSameColor = 12;        // in each of red, green and blue
+constexpr QRgb kLightBlue = qRgb(130, 180, 255);
+
+double Luminance(const QColor& color) {
+    const auto part = [](double value) {
+        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) +
+           0.0722 * part(color.blueF());
+}
+
+// From 1, for the same colour, to 21, for black on white.
+double Contrast(const QColor& one, const QColor& other) {
+    const auto [darker, lighter] = std::minmax({Luminance(one), Luminance(other)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor Between(const QColor& one, const QColor& other) {
+    return {(one.red() + other.red()) / 2, (one.green() + other.green()) / 2,
+            (one.blue() + other.blue()) / 2};
+}
+
+bool LacksOutlines(const QPalette& palette) {
+    const QColor box = palette.color(QPalette::Base);
+    const QColor ground = palette.color(QPalette::Window);
+    return std::max({std::abs(box.red() - ground.red()), std::abs(box.green() - ground.green()),
+                     std::abs(box.blue() - ground.blue())}) < kSameColor;
+}
+
+void MakeDisabledReadable(QPalette& palette, QPalette::ColorRole text, QPalette::ColorRole ground) {
+    const QColor below = palette.color(QPalette::Disabled, ground);
+    if (Contrast(palette.color(QPalette::Disabled, text), below) < kLeastContrast) {
+        palette.setColor(QPalette::Disabled, text,
+                         Between(palette.color(QPalette::Active, text), below));
+    }
+}
+
+class Outline {
+public:
+    Outline(QPainter& painter, const QPalette& palette) : painter_(painter) {
+        painter_.save();
+        painter_.setPen(
+            Between(palette.color(QPalette::Window), palette.color(QPalette::WindowText)));
+        painter_.setBrush(Qt::NoBrush);
+    }
+    ~Outline() { painter_.restore(); }
+    Outline(const Outline&) = delete;
+    Outline& operator=(const Outline&) = delete;
+
+    void Box(const QRect& rect) { painter_.drawRect(rect.adjusted(0, 0, -1, -1)); }
+    void Circle(const QRect& rect) {
+        painter_.setRenderHint(QPainter::Antialiasing);
+        painter_.drawEllipse(rect.adjusted(0, 0, -1, -1));
+    }
+
+private:
+    QPainter& painter_;
+};
+
+// The style marks what has the keyboard in its own way.
+bool IsMarked(const QStyleOption& option) {
+    return (option.state & QStyle::State_HasFocus) != 0;
+}
+
+// A line along the outer edge of the current tab, which hangs below what it belongs to.
+void MarkCurrentTab(QPainter& painter, const QStyleOption& option) {
+    constexpr int kThickness = 3;
+    QRect mark = option.rect;
+    mark.setTop(mark.bottom() - kThickness + 1);
+    painter.fillRect(mark, option.palette.color(QPalette::Highlight));
+}
+
+}  // namespace
+
+void LegibleStyle::polish(QPalette& palette) {
+    QProxyStyle::polish(palette);
+    MakeDisabledReadable(palette, QPalette::WindowText, QPalette::Window);
+    MakeDisabledReadable(palette, QPalette::Text, QPalette::Base);
+    MakeDisabledReadable(palette, QPalette::ButtonText, QPalette::Button);
+    // Palettes made from a few colours keep a blue of links that is too dark on a dark ground.
+    const QColor page = palette.color(QPalette::Base);
+    const bool dark = page.lightness() < 128;
+    if (dark && Contrast(palette.color(QPalette::Link), page) < 2 * kLeastContrast) {
+        palette.setColor(QPalette::Link, QColor(kLightBlue));
+        palette.setColor(QPalette::LinkVisited, QColor(kLightBlue));
+    }
+}
+
+void LegibleStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                                 QPainter* painter, const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (!LacksOutlines(option->palette) || IsMarked(*option)) {
+        return;
+    }
+    switch (element) {
+        case PE_FrameLineEdit:
+        case PE_PanelButtonCommand:
+        case PE_IndicatorCheckBox:
+        case PE_FrameMenu:
+        case PE_Frame:
+            Outline(*painter, option->palette).Box(option->rect);
+            break;
+        case PE_IndicatorRadioButton:
+            Outline(*painter, option->palette).Circle(option->rect);
+            break;
+        default:
+            break;
+    }
+}
+
+void LegibleStyle::drawControl(ControlElement element, const QStyleOption* option,
+                               QPainter* painter, const QWidget* widget) const {
+    QProxyStyle::drawControl(element, option, painter, widget);
+    if (!LacksOutlines(option->palette)) {
+        return;
+    }
+    const bool current = (option->state & State_Selected) != 0;
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    switch (element) {
+        case CE_TabBarTabShape:
+            Outline(*painter, option->palette).Box(option->rect);
+            if (current) {
+                MarkCurrentTab(*painter, *option);
+            }
+            break;
+        case CE_ShapedFrame:
+            if (frame != nullptr && frame->frameShape != QFrame::NoFrame) {
+                Outline(*painter, option->palette).Box(option->rect);
+            }
+            break;
+        case CE_ProgressBarGroove:
+            Outline(*painter, option->palette).Box(option->rect);
+            break;
+        default:
+            break;
+    }
+}
+
+void LegibleStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                      QPainter* painter, const QWidget* widget) const {
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (!LacksOutlines(option->palette)) {
+        return;
+    }
+    if (control == CC_ComboBox && !IsMarked(*option)) {
+        Outline(*painter, option->palette).Box(option->rect);
+    }
+    if (control == CC_ScrollBar) {
+        Outline outline(*painter, option->palette);
+        outline.Box(option->rect);
+        outline.Box(subControlRect(control, option, SC_ScrollBarSlider, widget));
+    }
+}

@@ -1,0 +1,22 @@
+// The style of the machine's desktop, made legible under palettes that leave it too little
+// contrast: where boxes have the colour of what they lie on (high contrast themes), they and the
+// buttons get an outline, the current tab a mark; disabled texts and links get a colour that can be
+// read.
+#pragma once
+
+#include <QPalette>
+#include <QProxyStyle>
+
+class LegibleStyle : public QProxyStyle {
+    Q_OBJECT
+
+public:
+    using QProxyStyle::polish;
+    void polish(QPalette& palette) override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override;
+};

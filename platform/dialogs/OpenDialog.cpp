@@ -1,0 +1,66 @@
+#include "platform/dialogs/OpenDialog.h"
+
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QTreeView>
+#include <algorithm>
+
+#include "platform/system/Host.h"
+
+namespace {
+
+constexpr int kWidth = 100;  // average characters
+constexpr int kNameColumn = 0;
+
+}  // namespace
+
+OpenDialog::OpenDialog(QWidget* parent, const QString& title) : QFileDialog(parent, title) {
+    setOption(DontUseNativeDialog);
+    setAcceptMode(AcceptOpen);
+    txtName_ = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    if (txtName_ != nullptr) {
+        // After the dialog's own handler, which knows exact names only.
+        connect(txtName_, &QLineEdit::textChanged, this, &OpenDialog::EnableOpen);
+    }
+    const int room = screen()->availableGeometry().width();
+    resize(std::min(fontMetrics().averageCharWidth() * kWidth, room), height());
+}
+
+void OpenDialog::accept() {
+    const QString path = MeantPath();
+    if (!path.isEmpty() && txtName_ != nullptr) {
+        txtName_->setText(path);
+    }
+    QFileDialog::accept();
+}
+
+// The names get the room that sizes, kinds and dates leave.
+void OpenDialog::showEvent(QShowEvent* event) {
+    QFileDialog::showEvent(event);
+    if (auto* list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        list->header()->setSectionResizeMode(kNameColumn, QHeaderView::Stretch);
+        list->header()->setStretchLastSection(false);
+    }
+}
+
+QString OpenDialog::MeantPath() const {
+    const QString typed = txtName_ == nullptr ? QString() : txtName_->text().trimmed();
+    if (typed.isEmpty() || fileMode() != ExistingFile) {
+        return {};
+    }
+    const QString path = directory().absoluteFilePath(typed);
+    const QString meant = platform::FindPath(path);
+    return meant != path && QFileInfo(meant).isFile() ? meant : QString();
+}
+
+void OpenDialog::EnableOpen() {
+    auto* buttons = findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"));
+    QPushButton* open = buttons == nullptr ? nullptr : buttons->button(QDialogButtonBox::Open);
+    if (open != nullptr && !open->isEnabled() && !MeantPath().isEmpty()) {
+        open->setEnabled(true);
+    }
+}

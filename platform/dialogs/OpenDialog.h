@@ -1,0 +1,26 @@
+// Qt's own file dialog for opening a file, which also takes a typed name whose letters differ in
+// case from those of the file: names travel between systems, and people know them by sound.
+#pragma once
+
+#include <QFileDialog>
+
+class QLineEdit;
+
+class OpenDialog : public QFileDialog {
+    Q_OBJECT
+
+public:
+    OpenDialog(QWidget* parent, const QString& title);
+
+    void accept() override;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    // The path that the typed name means, empty when there is no such file.
+    [[nodiscard]] QString MeantPath() const;
+    void EnableOpen();
+
+    QLineEdit* txtName_;
+};

@@ -1,0 +1,391 @@
+#!/usr/bin/env python3
+"""Walks the running program as a screen reader does: over AT-SPI, on a bus and a screen of its own.
+
+Usage: accessibility.py PROGRAM_FOLDER"""
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import warnings
+from pathlib import Path
+
+SKIPPED = 77
+SYSTEM_PYTHON = "/usr/bin/python3"
+PATIENCE = 30  # seconds
+REPLY_MS = 3000
+EVENTS = 0.2  # seconds in which those of one key arrive
+START_MS = 20000
+BUS_LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
+# What a person meets as a control of its own, and so must be told apart by name.
+CONTROLS = {"push button", "radio button", "check box", "combo box", "text", "entry", "list", "table",
+            "tree table", "tree", "page tab", "page tab list", "menu", "menu item", "check menu item",
+            "table cell", "list item", "tool bar", "dialog", "alert", "password text"}
+
+
+def skip(reason):
+    print(f"skipped: {reason}")
+    sys.exit(SKIPPED)
+
+
+def import_atspi():
+    try:
+        import gi
+        gi.require_version("Atspi", "2.0")
+        from gi.repository import Atspi, GLib
+        Atspi.set_timeout(REPLY_MS, START_MS)
+        return Atspi, GLib
+    except (ImportError, ValueError):
+        if sys.executable != SYSTEM_PYTHON and os.path.exists(SYSTEM_PYTHON):
+            os.execv(SYSTEM_PYTHON, [SYSTEM_PYTHON, "-B", *sys.argv])
+        skip("python3-gi or gir1.2-atspi-2.0 is not installed")
+
+
+def wait_for(condition, what):
+    end = time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        found = condition()
+        if found:
+            return found
+        time.sleep(0.05)
+    raise AssertionError(f"waited in vain for {what}")
+
+
+class Session:
+    """An X server, the accessibility bus and the program, all of them ended with the test."""
+
+    def __init__(self, folder):
+        self.folder = Path(folder)
+        self.running = []
+        for _ in range(3):
+            display = self.screen()
+            if display:
+                break
+        assert display, "no X server starts"
+        os.environ["DISPLAY"] = ":" + display
+        os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        os.environ["QT_QPA_PLATFORM"] = "xcb"
+        os.environ["QT_ASSUME_STDERR_HAS_CONSOLE"] = "1"
+        self.start(BUS_LAUNCHER, "--launch-immediately")
+        self.program = None
+
+    def screen(self):
+        """The number of a new X server; empty when another one took the number first."""
+        read, write = os.pipe()
+        self.start("Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-nolisten",
+                   "tcp", pass_fds=[write])
+        os.close(write)
+        with os.fdopen(read) as display:
+            return display.readline().strip()
+
+    def start(self, *command, **options):
+        process = subprocess.Popen([str(part) for part in command], stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, start_new_session=True, **options)
+        self.running.append(process)
+        return process
+
+    def start_program(self, *arguments):
+        self.end_program()
+        self.program = self.start(self.folder / "tarnprep", *arguments)
+
+    def end_program(self):
+        if self.program is not None and self.program.poll() is None:
+            self.program.terminate()
+            code = self.program.wait(PATIENCE)
+            assert code == 0, f"the program ended with {code}"
+
+    def close(self):
+        for process in reversed(self.running):
+            if process.poll() is None:
+                os.killpg(process.pid, signal.SIGKILL)
+                process.wait()
+
+    def keys(self, *keys):
+        subprocess.run(["xdotool", "key", "--clearmodifiers", "--delay", "20", *keys], check=True)
+
+    def keyboard_to_program(self):
+        """Without a window manager nobody gives the keyboard to a window."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid",
+                                str(self.program.pid)], capture_output=True, text=True,
+                               check=False).stdout.split()
+        if found:
+            subprocess.run(["xdotool", "windowfocus", "--sync", found[-1]], check=False, timeout=10)
+
+
+class Walk:
+    def __init__(self, atspi, glib, session):
+        self.atspi = atspi
+        self.failure = glib.Error
+        self.context = glib.MainContext.default()
+        self.session = session
+        self.offenders = []
+        self.seen = 0
+        self.heard = []
+        self.listener = atspi.EventListener.new(self.hear)
+        self.listener.register("object:state-changed:focused")
+
+    def hear(self, event):
+        try:
+            self.heard.append(event.source.get_name())
+        except self.failure:
+            pass  # gone since
+
+    def told_of_focus(self, *keys):
+        """The names that a screen reader is told when these keys move the keyboard."""
+        self.heard.clear()
+        self.session.keys(*keys)
+        end = time.monotonic() + EVENTS
+        while time.monotonic() < end:
+            self.context.iteration(False)
+            time.sleep(0.005)
+        return list(self.heard)
+
+    def alive(self):
+        assert self.session.program.poll() is None, \
+            f"the program ended with {self.session.program.returncode}"
+
+    def application(self):
+        self.alive()
+        desktop = self.atspi.get_desktop(0)
+        for at in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(at)
+            if child is not None and child.get_process_id() == self.session.program.pid:
+                return child
+        return None
+
+    def children(self, thing, most=400):
+        for at in range(min(thing.get_child_count(), most)):
+            child = thing.get_child_at_index(at)
+            if child is not None:
+                yield child
+
+    def states(self, thing):
+        return thing.get_state_set()
+
+    def showing(self, thing):
+        return self.states(thing).contains(self.atspi.StateType.SHOWING)
+
+    def all(self, root, depth=0):
+        yield root
+        if depth < 25:
+            for child in self.children(root):
+                yield from self.all(child, depth + 1)
+
+    def find(self, role, name=None, root=None):
+        def look():
+            start = root or self.application()
+            try:
+                for thing in self.all(start) if start is not None else ():
+                    if thing.get_role_name() == role and name in (None, thing.get_name()):
+                        return thing
+            except self.failure:
+                self.alive()  # something went while it was being looked at
+            return None
+        return wait_for(look, f"{role} {name or ''}")
+
+    def close_with(self, caption):
+        """Presses a dialog's button and waits for the dialog to go."""
+        windows = self.application().get_child_count()
+        self.press(self.find("push button", caption))
+        wait_for(lambda: self.application().get_child_count() < windows, "the dialog to close")
+
+    def press(self, thing):
+        actions = [thing.get_action_name(at) for at in range(thing.get_n_actions())]
+        for wanted in ("Press", "Toggle", "ShowMenu"):
+            if wanted in actions:
+                try:
+                    thing.do_action(actions.index(wanted))
+                except self.failure:
+                    # The item has opened a window that waits, and answers when that is closed.
+                    self.alive()
+                return
+        raise AssertionError(f"{thing.get_name()}: no action to press among {actions}")
+
+    def tree(self, where):
+        """Looks at everything, once more where something went while it was being looked at."""
+        for _ in range(3):
+            found = len(self.offenders)
+            try:
+                self.look(where)
+                return
+            except self.failure:
+                self.alive()
+                del self.offenders[found:]
+        raise AssertionError(f"{where}: the tree does not come to rest")
+
+    def look(self, where):
+        """Everything under the application: names of controls, tables with their cells."""
+        self.alive()
+        for window in self.children(self.application()):
+            if not window.get_name():
+                self.offenders.append(f"{where}: a window without a name")
+        for thing in self.all(self.application()):
+            self.seen += 1
+            role, name = thing.get_role_name(), thing.get_name()
+            thing.get_description()
+            if role in CONTROLS and self.showing(thing) and not name:
+                self.offenders.append(f"{where}: a {role} without a name, in "
+                                      f"{thing.get_parent().get_name()!r}")
+            if thing.get_table_iface() is not None:
+                self.table(where, thing)
+        self.alive()
+
+    def table(self, where, table):
+        rows, columns = table.get_n_rows(), table.get_n_columns()
+        table.get_selected_rows()
+        table.get_caption()
+        for row in range(min(rows, 6)):
+            for column in range(columns):
+                cell = table.get_accessible_at(row, column)
+                if cell is not None and self.showing(cell) and not cell.get_name():
+                    self.offenders.append(f"{where}: cell {row}, {column} of {table.get_name()!r} "
+                                          "has no name")
+                table.is_selected(row, column)
+        for column in range(columns):
+            table.get_column_header(column)
+        # Beyond the ends there is nothing, and nothing happens.
+        for row, column in ((rows, 0), (0, columns), (-1, -1)):
+            try:
+                table.get_accessible_at(row, column)
+            except Exception as error:  # pylint: disable=broad-except
+                str(error)
+
+    def labelled(self, where):
+        """Boxes to type into and to choose from have a label that is related to them."""
+        for thing in self.all(self.application()):
+            if thing.get_role_name() in ("text", "combo box") and self.showing(thing):
+                kinds = [relation.get_relation_type() for relation in thing.get_relation_set()]
+                if self.atspi.RelationType.LABELLED_BY not in kinds:
+                    self.offenders.append(f"{where}: {thing.get_name()!r} has no label")
+
+    def reached_by_tab(self, where, form_name):
+        """The controls of the form that can take the keyboard, against those that Tab reaches."""
+        kind = self.atspi.StateType
+
+        def in_form():
+            form = self.find("filler", form_name)
+            return [thing for thing in self.all(form)
+                    if self.states(thing).contains(kind.FOCUSABLE) and self.showing(thing) and
+                    self.states(thing).contains(kind.ENABLED) and
+                    thing.get_role_name() in CONTROLS - {"table cell", "list item", "page tab"}]
+        wanted = {(thing.get_role_name(), thing.get_name()) for thing in in_form()}
+        reached = set()
+        in_grid = False
+        for _ in range(5 * len(wanted) + 10):
+            told = self.told_of_focus("ctrl+Tab" if in_grid else "Tab")
+            focused = [(thing.get_role_name(), thing.get_name()) for thing in in_form()
+                       if self.states(thing).contains(kind.FOCUSED)]
+            # A grid keeps Tab for its cells and is left by Ctrl+Tab. Its cell editor is not part of
+            # the tree, but says its name.
+            in_cell = any(", " in name for name in told) and not focused
+            in_grid = in_cell or any(role == "table" for role, _ in focused)
+            reached.update(focused)
+            if in_cell:
+                reached.update(thing for thing in wanted if thing[0] == "table")
+            if reached >= wanted:
+                break
+        for missing in sorted(wanted - reached):
+            self.offenders.append(f"{where}: Tab never reaches {missing}")
+
+
+def step(walk, where, body):
+    print(f"-- {where}", flush=True)
+    body()
+    walk.tree(where)
+
+
+def choose_worksheet(walk, menu_item):
+    walk.press(walk.find("menu item", menu_item))
+
+
+WORKSHEETS = [("Introduction", "Introduction"), ("Management Goals", "Management Goals"),
+              ("Suppression Resources", "Edit resources and costs"),
+              ("Fire Management Zones", "Fire Management Zones")]
+TABLES = [("NVC Table (Impacts)", "Net Value Change"),
+          ("Suppression Cost per Acre", "Edit suppression costs per acre")]
+
+
+def main():
+    warnings.simplefilter("ignore", DeprecationWarning)
+    atspi, glib = import_atspi()
+    for tool in ("Xvfb", "xdotool", "dbus-run-session"):
+        if shutil.which(tool) is None:
+            skip(f"{tool} is not installed")
+    if not os.path.exists(BUS_LAUNCHER):
+        skip("at-spi2-core is not installed")
+    if "TARN_OWN_BUS" not in os.environ:
+        os.environ["TARN_OWN_BUS"] = "1"
+        os.execvp("dbus-run-session", ["dbus-run-session", "--", sys.executable, "-B", *sys.argv])
+    with tempfile.TemporaryDirectory(prefix="TARN test ") as home:
+        os.environ.update(HOME=home, XDG_CONFIG_HOME=home + "/config", XDG_RUNTIME_DIR=home)
+        os.chmod(home, 0o700)
+        program = Path(home) / "program folder"
+        shutil.copytree(sys.argv[1], program)
+        session = Session(program)
+        try:
+            walk = Walk(atspi, glib, session)
+            drive(walk, session, program)
+        finally:
+            session.close()
+    for offender in walk.offenders:
+        print(offender)
+    print(f"{walk.seen} things looked at, {len(walk.offenders)} offenders")
+    sys.exit(1 if walk.offenders else 0)
+
+
+def drive(walk, session, program):
+    start_and_dialogs(walk, session)
+    shutil.copy(program / "FCD.new", program / "Costs" / "An empty one.fcd")
+    worksheets(walk, session, program / "Costs" / "An empty one.fcd", WORKSHEETS)
+    sample = next((program / "Costs").glob("UM*.FCD"))
+    worksheets(walk, session, sample, WORKSHEETS + TABLES)
+    cells_while_walking(walk, session)
+    session.end_program()
+
+
+def start_and_dialogs(walk, session):
+    session.start_program()
+    step(walk, "start screen", lambda: walk.find("push button", "New data file"))
+    walk.press(walk.find("push button", "New data file"))
+    step(walk, "naming dialog, empty", lambda: walk.find("text", "Unit identifier"))
+    walk.labelled("naming dialog")
+    walk.find("text", "Unit identifier").set_text_contents("SNF")
+    step(walk, "naming dialog, filled", lambda: walk.find("table cell"))
+    walk.close_with("Cancel")
+    walk.press(walk.find("push button", "Open data file"))
+    step(walk, "open dialog", lambda: walk.find("push button", "Cancel"))
+    walk.close_with("Cancel")
+    walk.press(walk.find("menu item", "About ..."))
+    step(walk, "about box", lambda: walk.find("push button", "OK"))
+    walk.close_with("OK")
+    walk.press(walk.find("menu item", "Contents"))
+    step(walk, "help", lambda: walk.find("frame", "TARN Prep Help"))
+
+
+def worksheets(walk, session, path, wanted):
+    session.start_program(str(path))
+    walk.find("menu item", "Introduction")
+    session.keyboard_to_program()
+    for menu_item, form in wanted:
+        where = f"{form}, {path.name}"
+        step(walk, where, lambda m=menu_item, f=form: (choose_worksheet(walk, m),
+                                                        walk.find("filler", f)))
+        walk.labelled(where)
+        walk.reached_by_tab(where, form)
+
+
+def cells_while_walking(walk, session):
+    """The current cell moves and is edited while the tree is being read."""
+    where = "cells of the cost table"
+    session.keys("alt+z", "Tab")  # the zones' box, and on to the grid
+    told = walk.told_of_focus("ctrl+Home", "Right")
+    if "Fire size, in acres, To, row 1" not in told:
+        walk.offenders.append(f"{where}: the open cell editor does not say its cell: {told}")
+    for keys in (["Down"], ["Right"], ["1", "2"], ["Down"], ["ctrl+End"], ["Escape"], ["ctrl+Home"]):
+        session.keys(*keys)
+        walk.find("table", "Suppression cost per acre by fire size")
+        walk.tree(where)
+
+main()

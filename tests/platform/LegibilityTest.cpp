@@ -1,0 +1,127 @@
+// What keeps texts legible: fonts and dialogs that fit, palettes with enough contrast.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <memory>
+#include <vector>
+
+#include "platform/controls/FittingFont.h"
+#include "platform/controls/LegibleStyle.h"
+#include "platform/controls/SSPanel.h"
+#include "platform/controls/vsIndexTab.h"
+
+namespace {
+
+QPalette AllOf(const QColor& ground, const QColor& text) {
+    QPalette palette(text, ground, ground, ground, ground, text, ground);
+    palette.setColor(QPalette::Base, ground);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, ground);
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, ground);
+    palette.setColor(QPalette::Disabled, QPalette::Text, ground);
+    palette.setColor(QPalette::Highlight, Qt::yellow);
+    return palette;
+}
+
+// How many pixels along the left edge, from corner to corner, are not of the ground's colour.
+int MarkedAtLeft(QWidget& widget, const QColor& ground) {
+    const QImage picture = widget.grab().toImage();
+    int marked = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        bool differs = false;
+        for (int x = 0; x < 6; ++x) {
+            differs = differs || picture.pixelColor(x, y) != ground;
+        }
+        marked += differs ? 1 : 0;
+    }
+    return marked;
+}
+
+TEST(LegibleStyleTest, InvisibleDisabledTexts_GetAColourBetween) {
+    LegibleStyle style;
+    QPalette palette = AllOf(Qt::black, Qt::white);
+    style.polish(palette);
+    for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text}) {
+        const int shown = palette.color(QPalette::Disabled, role).lightness();
+        EXPECT_GT(shown, 90);
+        EXPECT_LT(shown, 200);
+    }
+    EXPECT_GT(palette.color(QPalette::Link).lightness(), 128);
+}
+
+TEST(LegibleStyleTest, BoxesOfTheGroundsColour_AreOutlined) {
+    LegibleStyle style;
+    QWidget page;
+    page.setPalette(AllOf(Qt::black, Qt::white));
+    QVBoxLayout layout(&page);
+    QLineEdit line;
+    QComboBox choice;
+    QPushButton button(QStringLiteral("OK"));
+    for (QWidget* box : std::initializer_list<QWidget*>{&line, &choice, &button}) {
+        box->setStyle(&style);
+        layout.addWidget(box);
+    }
+    page.show();
+    for (QWidget* box : std::initializer_list<QWidget*>{&line, &choice, &button}) {
+        EXPECT_GE(MarkedAtLeft(*box, Qt::black), box->height() - 6)
+            << box->metaObject()->className();
+    }
+}
+
+TEST(FittingFontTest, WrappedText_FitsInBothDirections) {
+    const QFont font(QApplication::font().family(), 18);
+    const QString text = QStringLiteral("Gain or loss per acre");
+    const QSize room(180, QFontMetrics(font).height() + 8);
+    const QFont fitting = platform::FittingFont(font, text, room);
+    const QRect needed =
+        QFontMetrics(fitting).boundingRect(QRect(0, 0, room.width(), 0), Qt::TextWordWrap, text);
+    EXPECT_LE(needed.width(), room.width());
+    EXPECT_LE(needed.height(), room.height());
+    EXPECT_EQ(platform::FittingFont(font, text, {2000, 2000}), font);
+}
+
+TEST(FitToScreenTest, TextsTooLargeForTheScreen_GetASmallerFont) {
+    const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+    QDialog dialog;
+    QFont huge = dialog.font();
+    huge.setPointSize(30);
+    dialog.setFont(huge);
+    QVBoxLayout layout(&dialog);
+    std::vector<std::unique_ptr<QLabel>> labels;
+    for (int line = 0; line < 20; ++line) {
+        labels.push_back(std::make_unique<QLabel>(QStringLiteral("A line of a dialog")));
+        layout.addWidget(labels.back().get());
+    }
+    platform::FitToScreen(dialog, {300, 200});
+    EXPECT_LT(dialog.font().pointSizeF(), 30);
+    EXPECT_LE(dialog.height(), screen.height());
+    EXPECT_GE(dialog.height(), layout.totalMinimumSize().height());
+}
+
+TEST(IndexTabFontTest, LargeFontInANarrowStrip_ShowsAllTabs) {
+    const QFont old = QApplication::font();
+    QFont large = old;
+    large.setPointSize(18);
+    QApplication::setFont(large);
+    {
+        vsIndexTab tab;
+        tab.SetCaption(
+            QStringLiteral("|Introduction|Management Goals|Suppression Resources|FMZs|"
+                           "NVC Table|Suppression Cost / Acre"));
+        tab.SetTabVisibleByIndex(0, false);
+        tab.resize(800, 25);
+        tab.show();
+        QApplication::processEvents();
+        EXPECT_LE(tab.tabRect(6).right(), 800);
+        EXPECT_GE(tab.tabRect(1).left(), 0);
+    }
+    QApplication::setFont(old);
+}
+
+}  // namespace
