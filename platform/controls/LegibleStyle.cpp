@@ -67,9 +67,11 @@ private:
     QPainter& painter_;
 };
 
-// The style marks what has the keyboard in its own way.
-bool IsMarked(const QStyleOption& option) {
-    return (option.state & QStyle::State_HasFocus) != 0;
+// The style marks a box that has the keyboard in its own way, other controls only when it came by
+// keyboard.
+bool IsMarked(const QStyleOption& option, bool isBox) {
+    const bool byKeyboard = (option.state & QStyle::State_KeyboardFocusChange) != 0;
+    return (option.state & QStyle::State_HasFocus) != 0 && (isBox || byKeyboard);
 }
 
 // A line along the outer edge of the current tab, which hangs below what it belongs to.
@@ -99,7 +101,8 @@ void LegibleStyle::polish(QPalette& palette) {
 void LegibleStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                  QPainter* painter, const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if (!LacksOutlines(option->palette) || IsMarked(*option)) {
+    const bool isBox = element == PE_FrameLineEdit || element == PE_Frame;
+    if (!LacksOutlines(option->palette) || IsMarked(*option, isBox)) {
         return;
     }
     switch (element) {
@@ -152,7 +155,7 @@ void LegibleStyle::drawComplexControl(ComplexControl control, const QStyleOption
     if (!LacksOutlines(option->palette)) {
         return;
     }
-    if (control == CC_ComboBox && !IsMarked(*option)) {
+    if (control == CC_ComboBox && !IsMarked(*option, false)) {
         Outline(*painter, option->palette).Box(option->rect);
     }
     if (control == CC_ScrollBar) {
