@@ -1,5 +1,5 @@
 # One-word commands for contributors; `make` alone builds.
-.PHONY: build check quick format coverage windows bench fuzz package run tour pictures clean
+.PHONY: build check quick long format coverage windows bench fuzz package run tour pictures clean
 
 build:
 	tools/setup.sh build
@@ -7,6 +7,9 @@ build:
 
 check:
 	./test
+
+long:
+	./test --long
 
 quick:
 	./test --quick

@@ -17,7 +17,7 @@ for name in open_walk seek_edit log_recovery query numbers; do
     kept="$build/corpus/$name"
     start="$root/fuzz/corpus/$name"
     mkdir -p "$kept"
-    set -- -max_total_time="$seconds" -timeout=5 -rss_limit_mb=1024 -print_final_stats=1 \
+    set -- -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
         -artifact_prefix="$build/findings/$name-"
     if [ -f "$root/fuzz/dictionaries/$name.dict" ]; then
         set -- "$@" -dict="$root/fuzz/dictionaries/$name.dict"

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Builds everything twice and runs all tests: optimised with gcc, and with clang under the address
 and undefined-behaviour sanitizers. Where the cross compiler is installed (make windows), the engine
-and its tools are compiled for Windows too. The last line of the output is the summary."""
+and its tools are compiled for Windows too. The long run adds a minute of each fuzz target and the
+hard tests with many more tries. The last line of the output is the summary."""
 import argparse
 import os
 import shutil
@@ -13,6 +14,16 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 WINDOWS_ZLIB = Path("/usr/x86_64-w64-mingw32/lib/libz.a")
+FUZZ_TARGETS = ["open_walk", "seek_edit", "log_recovery", "query", "numbers"]
+FUZZ_SECONDS = 60
+# Changed bytes for each sample file, kills for each test, and every failing call.
+HARD_TESTS = [
+    ("jet_tests", "Damage.*:Process.Killed*"),
+    ("import_tests", "ImportCrash.*"),
+    ("gui_tests", "*FailingDisk.*"),
+]
+MANY_TRIES = {"TARN_DAMAGE": "3000", "TARN_KILLS": "100", "TARN_CUTS": "0",
+              "QT_QPA_PLATFORM": "offscreen"}
 JOBS = os.environ.get("TARN_JOBS", str(os.cpu_count() or 2))
 
 
@@ -108,9 +119,33 @@ def for_windows(summary):
         summary.add_failure("mingw-w64: build")
 
 
+def fuzzed(summary):
+    print("== fuzzing", flush=True)
+    for name in FUZZ_TARGETS:
+        code = subprocess.run([str(ROOT / "tools/fuzz.sh"), str(FUZZ_SECONDS), name],
+                              check=False).returncode
+        if code == 0:
+            summary.passed += 1
+        else:
+            summary.add_failure(f"fuzz: {name}")
+
+
+def tried_hard(summary):
+    print("== hard tests with many tries", flush=True)
+    for program, tests in HARD_TESTS:
+        command = [str(ROOT / "build/bin" / program), "--gtest_filter=" + tests, "--gtest_brief=1"]
+        code = subprocess.run(command, check=False, env={**os.environ, **MANY_TRIES}).returncode
+        if code == 0:
+            summary.passed += 1
+        else:
+            summary.add_failure(f"many tries: {program} {tests}")
+
+
 def main():
     parser = argparse.ArgumentParser(prog="./test", description=__doc__)
     parser.add_argument("--quick", action="store_true", help="the optimised build only")
+    parser.add_argument("--long", action="store_true",
+                        help="fuzzing and many more tries of the hard tests, too")
     parser.add_argument("--only", metavar="REGEX", help="only the tests whose names match")
     options = parser.parse_args()
 
@@ -121,6 +156,9 @@ def main():
         sanitized(summary, options.only)
         if not options.only:
             for_windows(summary)
+    if options.long:
+        tried_hard(summary)
+        fuzzed(summary)
 
     if summary.offenders:
         print("\nFailed:")
