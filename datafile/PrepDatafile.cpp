@@ -6,6 +6,7 @@
 #include "datafile/FieldNames.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/PrepProperties.h"
+#include "datafile/ZoneKeys.h"
 #include "datafile/frmFCDName.h"
 #include "datafile/u14libProperties.h"
 #include "platform/dialogs/CommonDialog.h"
@@ -66,6 +67,7 @@ void RequireTables(Format format) {
 
 // Closes what has failed already; that closing fails as well is no news then.
 void CloseQuietly() {
+    ZoneKeys::ForgetLeftOver();
     fileIsOpen = false;
     try {
         PrepDatatables::CloseAll();
@@ -96,6 +98,19 @@ void RequireSound() {
     if (!damage.isEmpty()) {
         throw DamagedFile(damage.first());
     }
+}
+
+// The file may be in order where the machine is not; the user can then try again.
+void TellIfNotTheFilesFault(const platform::RuntimeError& error) {
+    constexpr std::array kReasons{static_cast<int>(platform::kOutOfMemory),
+                                  static_cast<int>(platform::kDeviceError),
+                                  static_cast<int>(platform::kFileSystemFull)};
+    if (std::find(kReasons.begin(), kReasons.end(), error.Number()) == kReasons.end()) {
+        return;
+    }
+    u91Trace::Error(QStringLiteral("PrepDatafile.OpenDatatables: Error %1, ").arg(error.Number()) +
+                    error.Description());
+    platform::MsgBox(error.Description());
 }
 
 // Accepts, relabels or converts the open file; false when its format is unknown.
@@ -257,8 +272,9 @@ bool OpenDatatables(const QString& fileName) {
                          QStringLiteral("The command  jetdoctor FILE --repair NEWFILE  makes a "
                                         "sound copy of all that can be read."));
         return false;
-    } catch (const platform::RuntimeError&) {
+    } catch (const platform::RuntimeError& error) {
         RefuseDatafile();
+        TellIfNotTheFilesFault(error);
         return false;
     }
     currentPath = fileName;
@@ -284,6 +300,14 @@ void Convert3to4() {
 }
 
 void CloseDatafile() {
+    try {
+        ZoneKeys::TakeBackLeftOver();
+    } catch (const platform::RuntimeError& error) {
+        u91Trace::Error(
+            QStringLiteral("PrepDatafile.CloseDatafile: Error %1, ").arg(error.Number()) +
+            error.Description());
+    }
+    ZoneKeys::ForgetLeftOver();
     fileIsOpen = false;
     PrepDatatables::CloseDatafile();
 }
@@ -304,6 +328,11 @@ void RefuseDatafile() {
 
 void MakeDurable() {
     if (fileIsOpen && dbDatafile) {
+        try {
+            ZoneKeys::TakeBackLeftOver();
+        } catch (const platform::RuntimeError&) {
+            // The user knows of the failure that left them; they go when there is room.
+        }
         dbDatafile->MakeDurable();
     }
 }

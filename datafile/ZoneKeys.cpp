@@ -1,6 +1,9 @@
 #include "datafile/ZoneKeys.h"
 
+#include <algorithm>
+#include <exception>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -26,6 +29,29 @@ constexpr std::int32_t kLocationsPerKey = 100;
                        "has room for 99 locations."));
 }
 
+using Step = std::function<void()>;
+
+// Rows that could not be taken back when an add failed: a disk that is too full to add is too full
+// to delete as well.
+std::vector<Step> leftOver;
+
+// Takes the last step first. A step that fails stays, the others can still be taken.
+void TakeBack(std::vector<Step>& steps) {
+    std::exception_ptr failure;
+    for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+        try {
+            (*step)();
+            *step = nullptr;
+        } catch (const platform::RuntimeError&) {
+            failure = std::current_exception();
+        }
+    }
+    std::erase_if(steps, [](const Step& step) { return step == nullptr; });
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
 // What has been added so far, to be deleted again when the rest is refused.
 class Undo {
 public:
@@ -33,20 +59,21 @@ public:
     Undo(const Undo&) = delete;
     Undo& operator=(const Undo&) = delete;
     ~Undo() {
-        for (auto step = steps_.rbegin(); step != steps_.rend(); ++step) {
-            try {
-                (*step)();
-            } catch (const platform::RuntimeError&) {
-                // The error that led here is the one to report; the other rows can still go.
-                continue;
-            }
+        try {
+            TakeBack(steps_);
+        } catch (const platform::RuntimeError&) {
+            // The error that led here is the one to report; the rest goes when there is room.
+            std::move(steps_.begin(), steps_.end(), std::back_inserter(leftOver));
         }
     }
-    void Add(std::function<void()> step) { steps_.push_back(std::move(step)); }
+    void Add(Step step) {
+        steps_.push_back(std::move(step));
+        leftOver.reserve(leftOver.size() + steps_.size());  // the destructor must not fail
+    }
     void Keep() { steps_.clear(); }
 
 private:
-    std::vector<std::function<void()>> steps_;
+    std::vector<Step> steps_;
 };
 
 void AddCostRow(std::int32_t zoneKey, int sequence) {
@@ -151,7 +178,16 @@ std::int32_t FMZRLKey(std::int32_t zoneKey, std::int32_t location) {
     return static_cast<std::int32_t>(key);
 }
 
+void TakeBackLeftOver() {
+    TakeBack(leftOver);
+}
+
+void ForgetLeftOver() {
+    leftOver.clear();
+}
+
 std::int32_t AddZone(const QString& name, std::int32_t locations) {
+    TakeBackLeftOver();
     Undo undo;
     tblFMZList->AddNew();
     tblFMZList->SetField(FieldNames::kName, name);
@@ -169,6 +205,7 @@ std::int32_t AddZone(const QString& name, std::int32_t locations) {
 }
 
 int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last) {
+    TakeBackLeftOver();
     Undo undo;
     int existed = 0;
     for (std::int32_t location = first; location <= last; ++location) {

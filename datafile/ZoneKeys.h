@@ -28,6 +28,13 @@ std::int32_t AddZone(const QString& name, std::int32_t locations);
 // nothing: rows of another zone in the way throw.
 int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last);
 
+// An add that fails takes back what it had added. Where the disk refuses that, too, it is done
+// later: the next add begins with it, and so does making the file durable. Throws when it still
+// cannot be done.
+void TakeBackLeftOver();
+// The file is closed.
+void ForgetLeftOver();
+
 // Adds the nine cost rows of a new zone, sizes and costs left empty.
 void AddCostRows(std::int32_t zoneKey);
 // Adds the fourteen rows of one location, values left empty. Rows that exist already stay as they

@@ -58,7 +58,9 @@ bool Run(const char* handler, const std::function<void()>& body) {
     }
     // Before the reports, which wait for the user.
     if (depth == 1 && hooks.idle) {
-        if (auto failure = Attempt(handler, hooks.idle)) {
+        auto failure = Attempt(handler, hooks.idle);
+        // The same cause is told once.
+        if (failure && (reports.empty() || failure->description != reports.front().description)) {
             reports.push_back(*failure);
         }
     }

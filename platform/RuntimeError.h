@@ -23,6 +23,7 @@ enum ErrorNumber {
     kObjectNotSet = 91,
     kNoCurrentRecord = 3021,
     kDuplicateKey = 3022,
+    kFileSystemFull = 3026,
     kDamagedFile = 3049,
     kObjectClosed = 3420,
 };

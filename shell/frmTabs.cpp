@@ -39,9 +39,14 @@ frmTabs::frmTabs(QWidget* clientArea) : QWidget(clientArea), vsTab1_(new vsIndex
         QStringLiteral("|Introduction|Management Goals|Suppression Resources|FMZs|NVC Table|"
                        "Suppression Cost / Acre"));
     connect(vsTab1_, &vsIndexTab::Switch, this, [this](int oldTab, int newTab, bool* cancel) {
-        // A worksheet that cannot be saved stays, with what was typed into it.
-        if (!platform::EventTrap::Run("frmTabs.vsTab1_Switch",
-                                      [&] { vsTab1_Switch(oldTab, newTab, *cancel); })) {
+        // A worksheet that cannot be saved stays, with what was typed into it. Once it has gone,
+        // the next one must come, even if the disk fails after that.
+        bool hasSwitched = false;
+        platform::EventTrap::Run("frmTabs.vsTab1_Switch", [&] {
+            vsTab1_Switch(oldTab, newTab, *cancel);
+            hasSwitched = true;
+        });
+        if (!hasSwitched) {
             *cancel = true;
         }
     });

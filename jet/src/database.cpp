@@ -1,12 +1,15 @@
 #include "jet/database.h"
 
 #include <algorithm>
+#include <new>
 
 #include "catalog/new_table.h"
 #include "catalog/system_tables.h"
 #include "jet/query.h"
 #include "jet/recordset.h"
 #include "open_file.h"
+#include "out_of_memory.h"
+#include "page/pager_impl.h"
 #include "query_recordset.h"
 #include "record/text.h"
 #include "table_recordset.h"
@@ -41,15 +44,17 @@ void OpenFile::TellDeleted(const Table& table, RowId row) {
 }
 
 std::unique_ptr<Database> Database::Open(const std::filesystem::path& path,
-                                         const OpenOptions& options, FileSystem& files) {
+                                         const OpenOptions& options, FileSystem& files) try {
     Recovery recovery;
     std::unique_ptr<Pager> pager = Pager::Open(files, path, options, recovery);
     auto file = std::make_shared<OpenFile>(std::move(pager), recovery);
     return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Version version,
-                                           FileSystem& files) {
+                                           FileSystem& files) try {
     std::unique_ptr<Pager> pager = Pager::Create(files, path, version);
     try {
         {
@@ -58,31 +63,36 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Ve
             operation.Commit();
         }
         pager->MakeDurable();
+        auto file = std::make_shared<OpenFile>(std::move(pager), Recovery{});
+        return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
     } catch (...) {
-        pager->Abandon();
+        if (pager) pager->Abandon();
+        RemoveQuietly(files, path);
         throw;
     }
-    auto file = std::make_shared<OpenFile>(std::move(pager), Recovery{});
-    return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 
 Database::~Database() {
     try {
-        impl_->file->Close();
+        Close();
     } catch (const Error&) {
         // Whoever wants to know calls Close.
     }
 }
 
-void Database::Close() {
-    impl_->file->Close();
+void Database::Close() try { impl_->file->Close(); } catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-void Database::MakeDurable() {
+void Database::MakeDurable() try {
     impl_->file->RequireOpen();
     impl_->file->Pages().MakeDurable();
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 Version Database::FileVersion() const {
@@ -120,42 +130,56 @@ const CatalogEntry& Require(OpenFile& file, std::string_view name) {
 
 }  // namespace
 
-std::vector<std::string> Database::TableNames() const {
+std::vector<std::string> Database::TableNames() const try {
     return Names(*impl_->file, false);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-std::vector<std::string> Database::SystemTableNames() const {
+std::vector<std::string> Database::SystemTableNames() const try {
     return Names(*impl_->file, true);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-bool Database::HasTable(std::string_view name) const {
+bool Database::HasTable(std::string_view name) const try {
     impl_->file->RequireOpen();
     return impl_->file->Tables().Find(WidenName(name)) != nullptr;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-TableSchema Database::Describe(std::string_view table) const {
+TableSchema Database::Describe(std::string_view table) const try {
     const CatalogEntry& entry = Require(*impl_->file, table);
     return SchemaOf(entry.name, impl_->file->Tables().Open(entry).Def());
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-void Database::CreateTable(const TableSchema& schema) {
+void Database::CreateTable(const TableSchema& schema) try {
     impl_->file->RequireOpen();
     if (IsReadOnly()) throw Error(ErrorKind::kReadOnly, "The file is open for reading only.");
     impl_->file->Tables().CreateTable(schema);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-std::unique_ptr<Recordset> Database::OpenTable(std::string_view name) {
+std::unique_ptr<Recordset> Database::OpenTable(std::string_view name) try {
     const CatalogEntry& entry = Require(*impl_->file, name);
     Table& table = impl_->file->Tables().Open(entry);
     return std::make_unique<TableRecordset>(impl_->file, table, entry.system);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-std::unique_ptr<Recordset> Database::OpenQuery(std::string_view sql) {
+std::unique_ptr<Recordset> Database::OpenQuery(std::string_view sql) try {
     impl_->file->RequireOpen();
     const Query query = ParseQuery(sql);
     const CatalogEntry& entry = Require(*impl_->file, query.table);
     Table& table = impl_->file->Tables().Open(entry);
     return std::make_unique<QueryRecordset>(impl_->file, table, entry.system, query);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 }  // namespace jet

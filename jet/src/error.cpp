@@ -1,5 +1,7 @@
 #include "jet/error.h"
 
+#include "out_of_memory.h"
+
 namespace jet {
 
 int ErrorNumber(ErrorKind kind) {
@@ -61,6 +63,17 @@ int ErrorNumber(ErrorKind kind) {
             return 7;
     }
     return 0;  // unreachable: every kind is listed
+}
+
+namespace {
+
+// Made before memory can run out; a copy shares the sentence.
+const Error outOfMemory(ErrorKind::kOutOfMemory, "There is not enough memory.");
+
+}  // namespace
+
+void ThrowOutOfMemory() {
+    throw Error(outOfMemory);
 }
 
 }  // namespace jet

@@ -4,10 +4,12 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <new>
 #include <optional>
 #include <utility>
 
 #include "jet/error.h"
+#include "out_of_memory.h"
 #include "record/text.h"
 
 namespace jet {
@@ -292,8 +294,10 @@ private:
 
 }  // namespace
 
-Query ParseQuery(std::string_view sql) {
+Query ParseQuery(std::string_view sql) try {
     return Parser(sql).Parse();
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 }  // namespace jet

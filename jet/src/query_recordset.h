@@ -21,6 +21,9 @@ protected:
     std::optional<RowId> GoLast() override;
     std::optional<RowId> GoNext() override;
     std::optional<RowId> GoPrevious() override;
+    void MakeRoomForRow() override {
+        if (rows_.size() == rows_.capacity()) rows_.reserve(rows_.size() * 2 + 1);
+    }
     void RowAdded(RowId row) override { rows_.push_back(row); }
     void RowDeleted(const Table& table, RowId row) override;
 

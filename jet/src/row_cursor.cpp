@@ -1,11 +1,13 @@
 #include "row_cursor.h"
 
 #include <bit>
+#include <new>
 #include <numeric>
 
 #include "catalog/new_table.h"
 #include "default_value.h"
 #include "jet/error.h"
+#include "out_of_memory.h"
 #include "page/bytes.h"
 #include "record/text.h"
 
@@ -63,7 +65,7 @@ void RowCursor::Close() {
     stored_ = StoredRow();
 }
 
-FieldId RowCursor::Field(std::string_view name) const {
+FieldId RowCursor::Field(std::string_view name) const try {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         if (fields_[i].name == name) return {static_cast<int>(i)};
     }
@@ -74,6 +76,8 @@ FieldId RowCursor::Field(std::string_view name) const {
     }
     throw Error(ErrorKind::kNoSuchField,
                 "The table '" + table_->Name() + "' has no field '" + std::string(name) + "'.");
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 bool RowCursor::IsBof() const {
@@ -90,34 +94,42 @@ void RowCursor::Arrive(const std::optional<RowId>& row, Place otherwise) {
     viewKnown_ = false;
 }
 
-void RowCursor::MoveFirst() {
+void RowCursor::MoveFirst() try {
     RequireOpen();
     DropEdit();
     searchFailed_ = false;
     Arrive(GoFirst(), Place::kNowhere);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-void RowCursor::MoveLast() {
+void RowCursor::MoveLast() try {
     RequireOpen();
     DropEdit();
     searchFailed_ = false;
     Arrive(GoLast(), Place::kNowhere);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-void RowCursor::MoveNext() {
+void RowCursor::MoveNext() try {
     RequireOpen();
     DropEdit();
     searchFailed_ = false;
     if (place_ == Place::kNowhere || place_ == Place::kBehind) ThrowNoCurrent();
     Arrive(place_ == Place::kBefore ? GoFirst() : GoNext(), Place::kBehind);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-void RowCursor::MovePrevious() {
+void RowCursor::MovePrevious() try {
     RequireOpen();
     DropEdit();
     searchFailed_ = false;
     if (place_ == Place::kNowhere || place_ == Place::kBefore) ThrowNoCurrent();
     Arrive(place_ == Place::kBehind ? GoLast() : GoPrevious(), Place::kBefore);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 void RowCursor::RowDeleted(const Table& table, RowId row) {
@@ -149,11 +161,13 @@ const RowView& RowCursor::FindCurrentView() const {
     return view_;
 }
 
-Value RowCursor::Get(FieldId field) const {
+Value RowCursor::Get(FieldId field) const try {
     RequireOpen();
     const std::size_t column = ColumnOf(field).column;
     if (IsInEdit(column)) return values_.values[column];
     return table_->ReadValue(CurrentView(), column);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 template <typename Number>
@@ -169,40 +183,48 @@ bool RowCursor::ReadPlain(const FieldColumn& field, Number& into) const {
     return true;
 }
 
-bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const {
+bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const try {
     const FieldColumn& column = ColumnOf(field);
     if (IsPlain(column, ColumnType::kLong)) return ReadPlain(column, into);
     const Value value = Get(field);
     if (value.IsNull()) return false;
     into = value.AsLong();
     return true;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-bool RowCursor::ReadSingle(FieldId field, float& into) const {
+bool RowCursor::ReadSingle(FieldId field, float& into) const try {
     const FieldColumn& column = ColumnOf(field);
     if (IsPlain(column, ColumnType::kSingle)) return ReadPlain(column, into);
     const Value value = Get(field);
     if (value.IsNull()) return false;
     into = value.AsSingle();
     return true;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-bool RowCursor::ReadDouble(FieldId field, double& into) const {
+bool RowCursor::ReadDouble(FieldId field, double& into) const try {
     const FieldColumn& column = ColumnOf(field);
     if (IsPlain(column, ColumnType::kDouble)) return ReadPlain(column, into);
     const Value value = Get(field);
     if (value.IsNull()) return false;
     into = value.AsDouble();
     return true;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-bool RowCursor::ReadText(FieldId field, std::u16string& into) const {
+bool RowCursor::ReadText(FieldId field, std::u16string& into) const try {
     const std::size_t column = ColumnOf(field).column;
     if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
     const Value& value = values_.values[column];
     if (value.IsNull()) return false;
     into = value.AsText();
     return true;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 void RowCursor::RequireWritable() const {
@@ -216,17 +238,20 @@ void RowCursor::RequireCurrent() const {
     if (place_ != Place::kOn || searchFailed_) ThrowNoCurrent();
 }
 
-void RowCursor::StartValues(EditKind kind) {
+void RowCursor::PrepareValues() {
+    DropEdit();
     const std::size_t count = table_->Def().columns.size();
     values_.values.assign(count, Value());
     values_.given.assign(count, false);
-    edit_ = kind;
 }
 
-void RowCursor::AddNew() {
+void RowCursor::AddNew() try {
     RequireWritable();
-    StartValues(EditKind::kAdd);
+    PrepareValues();
     FillDefaults();
+    edit_ = EditKind::kAdd;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 // The number of an auto-number field shows at once; it is given out when the record is written.
@@ -245,14 +270,17 @@ void RowCursor::FillDefaults() {
     }
 }
 
-void RowCursor::Edit() {
+void RowCursor::Edit() try {
     RequireWritable();
     RequireCurrent();
     static_cast<void>(CurrentView());
-    StartValues(EditKind::kEdit);
+    PrepareValues();
+    edit_ = EditKind::kEdit;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-void RowCursor::Set(FieldId field, const Value& value) {
+void RowCursor::Set(FieldId field, const Value& value) try {
     RequireOpen();
     const std::size_t column = ColumnOf(field).column;
     if (edit_ == EditKind::kNone) {
@@ -261,15 +289,18 @@ void RowCursor::Set(FieldId field, const Value& value) {
     values_.values[column] =
         ConvertForColumn(table_->Def().columns[column], value, table_->Def().version);
     values_.given[column] = true;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-void RowCursor::Update() {
+void RowCursor::Update() try {
     RequireWritable();
     if (edit_ == EditKind::kNone) {
         throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
     }
     if (edit_ == EditKind::kEdit) RequireCurrent();
     RowId row = row_;
+    if (edit_ == EditKind::kAdd) MakeRoomForRow();
     {
         Operation operation(table_->Pages());
         if (edit_ == EditKind::kAdd) {
@@ -286,6 +317,8 @@ void RowCursor::Update() {
     } else {
         CurrentChanged();
     }
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 void RowCursor::CancelUpdate() {
@@ -293,7 +326,7 @@ void RowCursor::CancelUpdate() {
     DropEdit();
 }
 
-void RowCursor::Delete() {
+void RowCursor::Delete() try {
     RequireWritable();
     DropEdit();
     RequireCurrent();
@@ -303,6 +336,8 @@ void RowCursor::Delete() {
         operation.Commit();
     }
     file_->TellDeleted(*table_, row_);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 }  // namespace jet

@@ -60,7 +60,9 @@ protected:
     virtual std::optional<RowId> GoLast() = 0;
     virtual std::optional<RowId> GoNext() = 0;
     virtual std::optional<RowId> GoPrevious() = 0;
-    // The current record was changed; `row_` was added.
+    // Told before a row is added, and when that, or a change of the current record, is done: then
+    // nothing may fail any more.
+    virtual void MakeRoomForRow() {}
     virtual void CurrentChanged() {}
     virtual void RowAdded(RowId row) { static_cast<void>(row); }
 
@@ -117,7 +119,7 @@ private:
     void RequireChangeable() const;
     void RequireCurrent() const;
     void RequireWritable() const;
-    void StartValues(EditKind kind);
+    void PrepareValues();
     void FillDefaults();
 
     std::shared_ptr<OpenFile> file_;

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "jet/error.h"
+#include "out_of_memory.h"
 #include "record/text.h"
 
 namespace jet {
@@ -22,7 +23,7 @@ TableRecordset::TableRecordset(std::shared_ptr<OpenFile> file, Table& table, boo
     Arrive(GoFirst(), Place::kNowhere);
 }
 
-void TableRecordset::SetIndex(std::string_view name) {
+void TableRecordset::SetIndex(std::string_view name) try {
     RequireOpen();
     DropEdit();
     SetSearchFailed(false);
@@ -39,13 +40,17 @@ void TableRecordset::SetIndex(std::string_view name) {
         indexName_ = found->name;
     }
     Arrive(GoFirst(), Place::kNowhere);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-std::int32_t TableRecordset::RecordCount() const {
+std::int32_t TableRecordset::RecordCount() const try {
     RequireOpen();
     const std::uint32_t count = Source().Counters().RowCount();
     constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
     return static_cast<std::int32_t>(std::min(count, kMost));
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 bool TableRecordset::Search(Comparison comparison, Bytes key) {
@@ -69,7 +74,7 @@ bool TableRecordset::Search(Comparison comparison, Bytes key) {
     return entry.has_value();
 }
 
-bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) {
+bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) try {
     RequireOpen();
     DropEdit();
     if (index_ == nullptr) {
@@ -85,6 +90,8 @@ bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) {
     hint_ = {};
     Arrive(entry_.row, Place::kNowhere);
     return true;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 std::optional<RowId> TableRecordset::GoTo(std::optional<IndexEntry> entry) {

@@ -78,6 +78,13 @@ protected:
     [[nodiscard]] bool MenuEnabled(int top) const {
         return Get<QAction>(QStringLiteral("mnuTop_%1").arg(top)).isEnabled();
     }
+    // Types the path into the file dialog and presses Open.
+    static void ChooseFile(QWidget& dialog, const QString& path) {
+        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        ASSERT_NE(name, nullptr);
+        name->setText(path);
+        QMetaObject::invokeMethod(&dialog, "accept");
+    }
     // The items of the Worksheet menu that carry a check mark.
     [[nodiscard]] QList<int> CheckedSteps() const {
         QList<int> steps;

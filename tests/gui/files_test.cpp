@@ -11,13 +11,6 @@ namespace {
 
 class Files : public RunningProgram {
 protected:
-    // Types the path into the file dialog and presses Open.
-    static void ChooseFile(QWidget& dialog, const QString& path) {
-        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        ASSERT_NE(name, nullptr);
-        name->setText(path);
-        QMetaObject::invokeMethod(&dialog, "accept");
-    }
     static void Cancel(QWidget& dialog) { static_cast<QDialog&>(dialog).reject(); }
     // Fills the naming dialog for a unit that is found by its identifier.
     static void NameUnit(QWidget& dialog) {

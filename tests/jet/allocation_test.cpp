@@ -1,11 +1,16 @@
-// Memory that runs out: every allocation of every operation fails in turn. The operation is then
-// undone, and the same operation succeeds when there is memory again.
+// Memory that runs out: every allocation of every operation fails in turn, alone and with all that
+// follow. The engine says so with its own error, the operation is undone, the database goes on, and
+// the same operation succeeds when there is memory again.
+//
+// What the operations are given is made beforehand, so that only the engine's allocations fail.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <new>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "jet/check.h"
@@ -16,8 +21,6 @@
 
 namespace jet {
 namespace {
-
-constexpr char kFile[] = "a file.mdb";
 
 TableSchema Schema(const std::string& name) {
     TableSchema schema;
@@ -30,11 +33,15 @@ TableSchema Schema(const std::string& name) {
     return schema;
 }
 
-void Add(Recordset& rows, std::int32_t id, std::size_t remarks) {
+Value Text(std::size_t length, char16_t letter) {
+    return std::u16string(length, letter);
+}
+
+void Add(Recordset& rows, std::int32_t id, const Value& name, const Value& remarks) {
     rows.AddNew();
     rows.Set("ID", id);
-    rows.Set("Name", std::u16string(20, static_cast<char16_t>(u'a' + id % 26)));
-    rows.Set("Remarks", std::u16string(remarks, u'r'));
+    rows.Set("Name", name);
+    rows.Set("Remarks", remarks);
     rows.Update();
 }
 
@@ -53,62 +60,148 @@ std::u16string Look(Database& database) {
     return all;
 }
 
-class AllocationTest : public ::testing::TestWithParam<Version> {
+using Parameters = std::tuple<Version, tarn_test::Shortage>;
+
+class AllocationTest : public ::testing::TestWithParam<Parameters> {
 protected:
-    AllocationTest() : database_(Database::Create(kFile, GetParam(), *files_)) {
+    AllocationTest() : database_(Database::Create(file_, FileVersion(), *files_)) {
         database_->CreateTable(Schema("People"));
         const auto rows = database_->OpenTable("People");
-        for (std::int32_t id = 1; id <= 60; ++id) Add(*rows, id, id % 7 == 0 ? 3000 : 10);
+        for (std::int32_t id = 1; id <= 60; ++id) {
+            Add(*rows, id, Text(20, static_cast<char16_t>(u'a' + id % 26)),
+                Text(id % 7 == 0 ? 3000 : 10, u'r'));
+        }
     }
     ~AllocationTest() override { tarn_test::FailAllocation(-1); }
 
-    // Lets the allocations of `operation` fail one after the other until it passes.
-    void FailEachAllocation(const std::function<void()>& operation) {
-        const std::u16string before = Look(*database_);
-        for (long nth = 0; nth < 5000; ++nth) {
-            tarn_test::FailAllocation(nth);
-            bool passed = false;
-            try {
-                operation();
-                passed = true;
-            } catch (const Error& error) {
-                tarn_test::FailAllocation(-1);
-                ASSERT_EQ(error.Kind(), ErrorKind::kOutOfMemory) << error.what();
-            } catch (const std::bad_alloc&) {
-            }
+    static Version FileVersion() { return std::get<0>(GetParam()); }
+
+    // False when it ran out of memory at the nth allocation; any other error is a failure.
+    static bool Passes(long nth, const std::function<void()>& operation) {
+        tarn_test::FailAllocation(nth, std::get<1>(GetParam()));
+        try {
+            operation();
             tarn_test::FailAllocation(-1);
-            if (passed) {
-                EXPECT_NE(Look(*database_), before);
-                database_->Close();
-                const CheckReport report = CheckFile(kFile, *files_);
-                EXPECT_TRUE(report.IsSound()) << report.Text();
+            return true;
+        } catch (const Error& error) {
+            tarn_test::FailAllocation(-1);
+            EXPECT_EQ(error.Kind(), ErrorKind::kOutOfMemory) << error.what();
+        } catch (const std::bad_alloc&) {
+            tarn_test::FailAllocation(-1);
+            ADD_FAILURE() << "allocation " << nth << " came out as it was";
+        }
+        return false;
+    }
+
+    // Lets the allocations of `operation` fail one after the other until it passes. `restore` puts
+    // things back before each attempt.
+    static void FailEach(
+        const std::function<void()>& operation, const std::function<void()>& look,
+        const std::function<void()>& restore = [] {}) {
+        for (long nth = 0; nth < 20000; ++nth) {
+            restore();
+            if (Passes(nth, operation)) {
+                RecordProperty("allocations", static_cast<int>(nth));
+                EXPECT_GT(nth, 0);
                 return;
             }
-            ASSERT_EQ(Look(*database_), before) << "allocation " << nth;
+            look();
+            if (HasFailure()) {
+                FAIL() << "at allocation " << nth;
+            }
         }
         FAIL() << "the operation never passed";
     }
 
+    // An operation that changes rows.
+    void FailEachOfChange(const std::function<void()>& operation) {
+        const std::u16string before = Look(*database_);
+        FailEach(operation, [&] { EXPECT_TRUE(Look(*database_) == before); });
+        EXPECT_NE(Look(*database_), before);
+        ExpectSoundAfterClosing();
+    }
+
+    // One that changes none.
+    void FailEachOfReading(const std::function<void()>& operation) {
+        const std::u16string before = Look(*database_);
+        FailEach(operation, [&] { EXPECT_TRUE(Look(*database_) == before); });
+        EXPECT_EQ(Look(*database_), before);
+        ExpectSoundAfterClosing();
+    }
+
+    void ExpectSoundAfterClosing() {
+        database_->Close();
+        EXPECT_FALSE(files_->Exists(log_));
+        const CheckReport report = CheckFile(file_, *files_);
+        EXPECT_TRUE(report.IsSound()) << report.Text();
+    }
+
+    std::vector<std::byte> Contents(const std::filesystem::path& path) {
+        const auto file = files_->Open(path, OpenMode::kReadOnly);
+        std::vector<std::byte> contents(static_cast<std::size_t>(file->Size()));
+        file->Read(0, contents);
+        return contents;
+    }
+    void SetContents(const std::filesystem::path& path, const std::vector<std::byte>& contents) {
+        files_->Remove(path);
+        files_->Open(path, OpenMode::kCreateNew)->Write(0, contents);
+    }
+
+    const std::filesystem::path file_ = "a file.mdb";
+    const std::filesystem::path log_ = "a file.mdb-log";
+    const std::filesystem::path other_ = "another.mdb";
+    const Value name_ = Text(30, u'z');
+    const Value remarks_ = Text(9000, u'q');
     std::unique_ptr<FileSystem> files_ = MakeMemoryFileSystem();
     std::unique_ptr<Database> database_;
 };
 
 INSTANTIATE_TEST_SUITE_P(Versions, AllocationTest,
-                         ::testing::Values(Version::kJet3, Version::kJet4));
+                         ::testing::Combine(::testing::Values(Version::kJet3, Version::kJet4),
+                                            ::testing::Values(tarn_test::Shortage::kOnce,
+                                                              tarn_test::Shortage::kForGood)));
 
 TEST_P(AllocationTest, Add_WithoutMemory_LeavesTheFileAsItWas) {
     const auto rows = database_->OpenTable("People");
-    FailEachAllocation([&] { Add(*rows, 100, 9000); });
+    FailEachOfChange([&] { Add(*rows, 100, name_, remarks_); });
+}
+
+TEST_P(AllocationTest, AddToQuery_WithoutMemory_LeavesTheFileAsItWas) {
+    const auto rows = database_->OpenQuery("SELECT * FROM People WHERE ID < 20 ORDER BY Name");
+    const std::int32_t count = rows->RecordCount();
+    FailEachOfChange([&] {
+        EXPECT_EQ(rows->RecordCount(), count);
+        Add(*rows, 100, name_, remarks_);
+        EXPECT_EQ(rows->RecordCount(), count + 1);
+    });
+}
+
+TEST_P(AllocationTest, AddNew_WithoutMemory_BeginsNoEdit) {
+    const auto rows = database_->OpenTable("People");
+    FailEach([&] { rows->AddNew(); }, [&] { EXPECT_FALSE(rows->IsEditing()); });
+    EXPECT_TRUE(rows->IsEditing());
+}
+
+TEST_P(AllocationTest, Update_WithoutMemory_KeepsTheEditAndItsValues) {
+    const auto rows = database_->OpenTable("People");
+    rows->AddNew();
+    rows->Set("ID", 100);
+    rows->Set("Name", name_);
+    rows->Set("Remarks", remarks_);
+    FailEachOfChange([&] {
+        ASSERT_TRUE(rows->IsEditing());
+        rows->Update();
+    });
 }
 
 TEST_P(AllocationTest, Edit_WithoutMemory_LeavesTheFileAsItWas) {
     const auto rows = database_->OpenTable("People");
     rows->SetIndex("PrimaryKey");
-    FailEachAllocation([&] {
+    FailEachOfChange([&] {
         rows->Seek(Comparison::kEqual, {7});
         rows->Edit();
-        rows->Set("Name", u"zzz");
-        rows->Set("Remarks", std::u16string(5000, u's'));
+        rows->Set("Name", name_);
+        rows->Set("Remarks", remarks_);
         rows->Update();
     });
 }
@@ -116,7 +209,7 @@ TEST_P(AllocationTest, Edit_WithoutMemory_LeavesTheFileAsItWas) {
 TEST_P(AllocationTest, Delete_WithoutMemory_LeavesTheFileAsItWas) {
     const auto rows = database_->OpenTable("People");
     rows->SetIndex("PrimaryKey");
-    FailEachAllocation([&] {
+    FailEachOfChange([&] {
         rows->Seek(Comparison::kEqual, {14});
         rows->Delete();
     });
@@ -124,7 +217,55 @@ TEST_P(AllocationTest, Delete_WithoutMemory_LeavesTheFileAsItWas) {
 
 TEST_P(AllocationTest, CreateTable_WithoutMemory_LeavesTheFileAsItWas) {
     const TableSchema schema = Schema("Others");
-    FailEachAllocation([&] { database_->CreateTable(schema); });
+    FailEachOfChange([&] { database_->CreateTable(schema); });
+}
+
+TEST_P(AllocationTest, MakeDurable_WithoutMemory_CanBeTriedAgain) {
+    FailEachOfReading([&] { database_->MakeDurable(); });
+}
+
+TEST_P(AllocationTest, Walk_WithoutMemory_IsTold) {
+    FailEachOfReading([&] {
+        const auto rows = database_->OpenTable("People");
+        rows->SetIndex("Name");
+        rows->MoveLast();
+        rows->MovePrevious();
+        rows->MoveFirst();
+        rows->MoveNext();
+        static_cast<void>(rows->Get("Remarks"));
+        std::u16string text;
+        rows->ReadText(rows->Field("Name"), text);
+        static_cast<void>(database_->Describe("people"));
+        static_cast<void>(database_->TableNames());
+    });
+}
+
+TEST_P(AllocationTest, Query_WithoutMemory_IsTold) {
+    FailEachOfReading([&] {
+        static_cast<void>(database_->OpenQuery("SELECT * FROM People WHERE ID > 9 ORDER BY Name"));
+    });
+}
+
+TEST_P(AllocationTest, Check_WithoutMemory_IsToldAndFindsNothingWrong) {
+    database_->MakeDurable();
+    FailEachOfReading([&] {
+        const CheckReport report = CheckDatabase(*database_);
+        if (!report.IsSound()) throw Error(ErrorKind::kDamaged, "unsound");
+    });
+    FailEach([&] { static_cast<void>(CheckFile(file_, *files_)); }, [] {});
+}
+
+TEST_P(AllocationTest, Repair_WithoutMemory_LeavesNoTarget) {
+    database_->Close();
+    FailEach([&] { static_cast<void>(RepairFile(file_, other_, *files_)); },
+             [&] { EXPECT_FALSE(files_->Exists(other_)); });
+    EXPECT_TRUE(CheckFile(other_, *files_).IsSound());
+}
+
+TEST_P(AllocationTest, Create_WithoutMemory_LeavesNoFile) {
+    FailEach([&] { static_cast<void>(Database::Create(other_, FileVersion(), *files_)); },
+             [&] { EXPECT_FALSE(files_->Exists(other_)); });
+    EXPECT_TRUE(CheckFile(other_, *files_).IsSound());
 }
 
 // Reads all fields of all records, with no memory to be had once the second walk is under way.
@@ -170,20 +311,48 @@ TEST_P(AllocationTest, Seeking_TakesNoMemory) {
 
 TEST_P(AllocationTest, Open_WithoutMemory_LeavesTheFileAsItWas) {
     database_->Close();
-    for (long nth = 0;; ++nth) {
-        ASSERT_LT(nth, 5000);
-        tarn_test::FailAllocation(nth);
-        try {
-            const auto again = Database::Open(kFile, {}, *files_);
-            tarn_test::FailAllocation(-1);
-            again->Close();
-            break;
-        } catch (const Error&) {
-        } catch (const std::bad_alloc&) {
-        }
-        tarn_test::FailAllocation(-1);
-    }
-    EXPECT_TRUE(CheckFile(kFile, *files_).IsSound());
+    const auto before = Contents(file_);
+    FailEach([&] { Database::Open(file_, {}, *files_)->Close(); },
+             [&] { EXPECT_TRUE(Contents(file_) == before); });
+    EXPECT_TRUE(CheckFile(file_, *files_).IsSound());
+}
+
+// What the process that ran out of memory leaves, the next one brings in.
+TEST_P(AllocationTest, OpenAfterCrashAndClose_WithoutMemory_LoseNothing) {
+    const std::u16string before = Look(*database_);
+    const auto data = Contents(file_);
+    const auto log = Contents(log_);
+    database_.reset();
+    const auto interrupt = [&] {
+        SetContents(file_, data);
+        SetContents(log_, log);
+    };
+    FailEach([&] { Database::Open(file_, {}, *files_)->Close(); },
+             [&] {
+                 const auto again = Database::Open(file_, {}, *files_);
+                 EXPECT_TRUE(Look(*again) == before);
+                 again->Close();
+                 EXPECT_TRUE(CheckFile(file_, *files_).IsSound());
+             },
+             interrupt);
+    std::unique_ptr<Database> open;
+    std::u16string edited;
+    FailEach([&] { open->Close(); },
+             [&] {
+                 open.reset();
+                 open = Database::Open(file_, {}, *files_);
+                 EXPECT_TRUE(Look(*open) == edited);
+             },
+             [&] {
+                 open.reset();
+                 interrupt();
+                 open = Database::Open(file_, {}, *files_);
+                 const auto rows = open->OpenTable("People");
+                 rows->Edit();
+                 rows->Set("Remarks", remarks_);
+                 rows->Update();
+                 edited = Look(*open);
+             });
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <random>
 #include <set>
+#include <span>
 #include <sstream>
 
 #include "damaged_file.h"
@@ -70,6 +71,37 @@ TEST(CheckDatabase, OpenDatabase_ShowsItsLatestChanges) {
         database->Close();
         EXPECT_TRUE(CheckFile("a file.mdb", *files).findings.empty());
         EXPECT_THROW((void)CheckDatabase(*database), Error);
+    }
+}
+
+// One bit of a table's flags hides it among the system's tables; the check says so, and a repair
+// brings it back.
+TEST(CheckFile, TableHiddenByItsFlags_IsNamedAndComesBackInRepair) {
+    for (const Version version : {Version::kJet3, Version::kJet4}) {
+        const auto files = MakeMemoryFileSystem();
+        const auto database = Database::Create("a file.mdb", version, *files);
+        database->CreateTable({"Zones", {{.name = "Code"}}, {}});
+        const auto rows = database->OpenTable("Zones");
+        rows->AddNew();
+        rows->Update();
+        database->Close();
+        {
+            const auto file = files->Open("a file.mdb", OpenMode::kReadWrite);
+            std::string bytes(static_cast<std::size_t>(file->Size()), '\0');
+            file->Read(0, std::as_writable_bytes(std::span(bytes)));
+            // The name follows the flags in the catalogue's row.
+            const std::string name =
+                version == Version::kJet3 ? "Zones" : std::string("Z\0o\0n\0e\0s\0", 10);
+            const std::size_t at = bytes.find(name, version == Version::kJet3 ? 4096 : 8192);
+            ASSERT_NE(at, std::string::npos);
+            const std::byte hidden{0x80};
+            file->Write(at - 1, {&hidden, 1});
+        }
+        EXPECT_TRUE(Database::Open("a file.mdb", {}, *files)->TableNames().empty());
+        EXPECT_NE(CheckFile("a file.mdb", *files).Text().find("catalogue-flags"),
+                  std::string::npos);
+        static_cast<void>(RepairFile("a file.mdb", "new.mdb", *files));
+        EXPECT_EQ(Database::Open("new.mdb", {}, *files)->OpenTable("Zones")->RecordCount(), 1);
     }
 }
 

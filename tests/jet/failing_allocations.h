@@ -1,9 +1,14 @@
-// Lets one allocation of this program fail.
+// Lets allocations of this program fail.
 #pragma once
 
 namespace tarn_test {
 
-// The allocation after `nth` more of this thread throws std::bad_alloc, once; negative for none.
-void FailAllocation(long nth);
+enum class Shortage {
+    kOnce,     // one allocation fails
+    kForGood,  // that one and all later ones
+};
+
+// The allocation after `nth` more of this thread throws std::bad_alloc; negative for none.
+void FailAllocation(long nth, Shortage shortage = Shortage::kOnce);
 
 }  // namespace tarn_test

@@ -334,6 +334,35 @@ TEST_P(JournalTest, MakeDurable_TakesTwoFlushesAndNoneWithoutChange) {
     EXPECT_TRUE(files_.Contents(kLog).empty());
 }
 
+TEST_P(JournalTest, FullDisk_WhileMadeDurable_LeavesTheFileAloneAsItWas) {
+    bool happened = true;
+    int refused = 0;
+    for (int at = 1; happened; ++at) {
+        ASSERT_LT(at, 1000);
+        const auto files = files_.Copy();
+        const auto before = files->Contents(kFile);
+        const auto pager = OpenFile(*files);
+        std::mt19937 draw(21);
+        for (int i = 0; i < 6; ++i) ChangeSomething(*pager, draw);
+        const Snapshot state = Take(*pager);
+        files->Arm(Fault::kFullDisk, at);
+        try {
+            pager->MakeDurable();
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::kDiskFull);
+            EXPECT_EQ(files->Contents(kFile), before) << "step " << at;
+            ++refused;
+        }
+        happened = files->HasHappened();
+        files->Heal();
+        pager->MakeDurable();
+        EXPECT_EQ(Take(*pager), state);
+        pager->Close();
+        EXPECT_EQ(Take(*OpenFile(*files)), state);
+    }
+    EXPECT_GT(refused, 1);
+}
+
 TEST_P(JournalTest, FileAlone_AfterMakeDurable_IsComplete) {
     const auto pager = OpenFile(files_);
     std::mt19937 draw(2);
@@ -475,24 +504,50 @@ TEST_P(JournalTest, Log_OfAFileWithOneOtherByte_IsSetAside) {
     EXPECT_TRUE(touched);
 }
 
-TEST_P(JournalTest, BeginningOfALog_ThatIsInTheFileAsAWhole_IsNotReplayed) {
-    // Emptying the log can be undone in part by a power cut. Its beginning alone would put the byte
-    // back to a value that it had on the way.
+// Changes the file, and gives the beginning of the log that was emptied after it: what a power cut
+// can bring back.
+std::vector<std::byte> BeginningOfAnEmptiedLog(FaultFileSystem& files) {
     std::size_t firstEnd = 0;
     std::vector<std::byte> log;
     {
-        const auto pager = OpenFile(files_);
+        const auto pager = OpenFile(files);
         for (const std::byte value : {std::byte{1}, std::byte{2}, std::byte{1}}) {
             Operation operation(*pager);
             pager->Change(PageNumber{3})[700] = value;
             operation.Commit();
-            if (value == std::byte{2}) firstEnd = files_.Contents(kLog).size();
+            if (value == std::byte{2}) firstEnd = files.Contents(kLog).size();
         }
-        log = files_.Contents(kLog);
+        log = files.Contents(kLog);
         pager->Close();
     }
     log.resize(firstEnd);
+    return log;
+}
+
+TEST_P(JournalTest, BeginningOfALog_ThatIsInTheFileAsAWhole_IsNotReplayed) {
+    // It alone would put the byte back to a value that it had on the way.
+    const auto log = BeginningOfAnEmptiedLog(files_);
     ExpectForeign(files_.Contents(kFile), log);
+}
+
+TEST_P(JournalTest, LogSetAside_ThatTheFileHasOutlived_GoesAtTheNextOpening) {
+    files_.SetContents(kLog, BeginningOfAnEmptiedLog(files_));
+    const auto contents = files_.Contents(kFile);
+    OpenFile(files_)->Close();
+    EXPECT_EQ(files_.Names().size(), 2U);
+    OpenFile(files_)->Close();
+    EXPECT_EQ(files_.Names(), std::vector<std::string>{kFile});
+    EXPECT_EQ(files_.Contents(kFile), contents);
+}
+
+TEST_P(JournalTest, LogSetAside_OfALaterStateOfTheFile_Stays) {
+    const auto early = files_.Contents(kFile);
+    static_cast<void>(BeginningOfAnEmptiedLog(files_));
+    const Pair later = LeaveLog(files_, 7);
+    files_.SetContents(kFile, early);
+    OpenFile(files_)->Close();
+    OpenFile(files_)->Close();
+    EXPECT_EQ(files_.Contents(std::string(kLog) + "-old"), later.log);
 }
 
 TEST_P(JournalTest, Log_ThatIsNone_IsSetAside) {

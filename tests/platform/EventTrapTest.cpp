@@ -88,6 +88,15 @@ TEST_F(EventTrapTest, FailingIdleStep_IsReportedToo) {
     EXPECT_EQ(EventTrap::Depth(), 0);
 }
 
+TEST_F(EventTrapTest, FailingIdleStep_OfTheSameCause_IsToldOnce) {
+    idleFails_ = true;
+    EventTrap::Run("form.cmd_Click",
+                   [] { throw platform::RuntimeError(platform::kDiskFull, "Disk full"); });
+    EXPECT_EQ(reports_.size(), 1U);
+    EventTrap::Run("form.cmd_Click", [] { throw platform::RuntimeError(6, "Overflow"); });
+    EXPECT_EQ(reports_.size(), 3U);
+}
+
 TEST_F(EventTrapTest, Trapped_HandsArgumentsOn) {
     int sum = 0;
     auto handler = EventTrap::Trapped("h", [&](int a, int b) { sum = a + b; });

@@ -12,6 +12,9 @@ namespace jet {
 namespace {
 
 constexpr std::int32_t kTableObject = 1;
+// Tables behind fields of several values are the program's own, whatever their names.
+constexpr std::uint32_t kPartOfField = 0x000A0000;
+
 // Every file has its four system tables in the definitions up to this page.
 constexpr std::uint32_t kLastSystemTable = 5;
 constexpr std::uint32_t kPageBits = 0xFFFFFF;
@@ -20,6 +23,10 @@ constexpr std::uint16_t kNameChunk = 0x0080;
 constexpr std::size_t kChunkHead = 6;
 constexpr std::size_t kPropertyHead = 8;
 constexpr std::uint8_t kRelationType = 2;
+
+bool IsNameOfSystem(const std::string& name) {
+    return name.rfind("MSys", 0) == 0 || name.rfind("USys", 0) == 0 || name.rfind('~', 0) == 0;
+}
 
 [[noreturn]] void Broken(const char* what) {
     throw Damage{"properties", std::string("The object's properties ") + what + "."};
@@ -124,6 +131,12 @@ void CatalogueCheck::AddRow(const CheckedRow& row) {
     if (entry.page <= kLastSystemTable && !entry.system) {
         context_.findings.Error(spot, "catalogue-flags",
                                 "The system table " + entry.name + " passes for an ordinary one.");
+    }
+    entry.hidden = entry.system && !IsNameOfSystem(entry.name) &&
+                   (static_cast<std::uint32_t>(*flags) & kPartOfField) == 0;
+    if (entry.hidden) {
+        context_.findings.Warning(spot, "catalogue-flags",
+                                  "The table " + entry.name + " passes for a system table.");
     }
     const auto [other, isNew] = names_.emplace(entry.page, entry.name);
     if (!isNew) {

@@ -17,6 +17,7 @@ struct CatalogueEntry {
     std::string name;
     std::uint32_t page = 0;  // of the table's definition
     bool system = false;     // made by the engine or for itself by another program
+    bool hidden = false;     // marked so, but named like one that a user made
     Binary properties;
 };
 

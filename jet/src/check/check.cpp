@@ -1,6 +1,7 @@
 #include "jet/check.h"
 
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <set>
 
@@ -13,6 +14,7 @@
 #include "check/tree_check.h"
 #include "jet/error.h"
 #include "open_file.h"
+#include "out_of_memory.h"
 #include "page/bytes.h"
 #include "page/header.h"
 #include "page/pager_impl.h"
@@ -232,7 +234,7 @@ private:
 
 }  // namespace
 
-CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) {
+CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) try {
     const auto [file, header] = OpenForInspection(path, files);
     const std::uint32_t pageSize = FormatOf(header.version).pageSize;
     CheckReport report;
@@ -252,15 +254,19 @@ CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) {
     const FilePages pages(*file, pageSize);
     FileCheck(pages, header, report).Run();
     return report;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
-CheckReport CheckDatabase(Database& database) {
+CheckReport CheckDatabase(Database& database) try {
     OpenFile& file = *database.Internals().file;
     file.RequireOpen();
     const PagerPages pages(file.Pages());
     CheckReport report;
     FileCheck(pages, file.Pages().Header(), report).Run();
     return report;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 }  // namespace jet

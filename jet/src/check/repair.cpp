@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
 #include <set>
 
@@ -19,6 +20,7 @@
 #include "jet/database.h"
 #include "jet/error.h"
 #include "jet/recordset.h"
+#include "out_of_memory.h"
 #include "page/bytes.h"
 #include "page/header.h"
 #include "page/pager_impl.h"
@@ -131,7 +133,7 @@ private:
                     }
                 }
             }
-            if (entry.system) {
+            if (entry.system && !entry.hidden) {
                 continue;
             }
             if (layout) {
@@ -364,7 +366,7 @@ private:
 }  // namespace
 
 RepairReport RepairFile(const std::filesystem::path& source, const std::filesystem::path& target,
-                        FileSystem& files) {
+                        FileSystem& files) try {
     const auto [file, header] = OpenForInspection(source, files);
     const FilePages pages(*file, FormatOf(header.version).pageSize);
     auto database = Database::Create(target, header.version, files);
@@ -379,9 +381,11 @@ RepairReport RepairFile(const std::filesystem::path& source, const std::filesyst
         return report;
     } catch (...) {
         database.reset();
-        files.Remove(target);
+        RemoveQuietly(files, target);
         throw;
     }
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 }  // namespace jet

@@ -81,16 +81,22 @@ private:
 class MemoryFileSystem final : public FileSystem {
 public:
     std::unique_ptr<File> Open(const std::filesystem::path& path, OpenMode mode) override {
-        auto found = files_.find(path.string());
+        const bool writable = mode != OpenMode::kReadOnly;
+        const auto found = files_.find(path.string());
         if (found == files_.end()) {
             if (mode == OpenMode::kReadOnly || mode == OpenMode::kReadWrite) {
                 throw Error(ErrorKind::kFileNotFound, "The file cannot be found.");
             }
-            found = files_.emplace(path.string(), std::make_shared<Contents>()).first;
-        } else if (mode == OpenMode::kCreateNew) {
+            auto contents = std::make_shared<Contents>();
+            // Entered last, so that a file that could not be opened is not there.
+            auto file = std::make_unique<MemoryFile>(contents, writable);
+            files_.emplace(path.string(), std::move(contents));
+            return file;
+        }
+        if (mode == OpenMode::kCreateNew) {
             throw Error(ErrorKind::kAlreadyExists, "The file exists already.");
         }
-        return std::make_unique<MemoryFile>(found->second, mode != OpenMode::kReadOnly);
+        return std::make_unique<MemoryFile>(found->second, writable);
     }
 
     bool Exists(const std::filesystem::path& path) override {

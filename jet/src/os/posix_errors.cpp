@@ -39,6 +39,8 @@ Error ErrorOfTransfer(int code, const char* done) {
         case EFBIG:
             return Error(ErrorKind::kFileTooLarge,
                          "The file has reached the largest size allowed.");
+        case EROFS:
+            return Error(ErrorKind::kReadOnly, "The disk has become read-only.");
         default:
             return Error(ErrorKind::kIo, std::string("The file could not be ") + done +
                                              " (system error " + std::to_string(code) + ").");

@@ -24,8 +24,11 @@ auto Retrying(Call call) {
 
 class PosixFile final : public File {
 public:
-    explicit PosixFile(int descriptor) : descriptor_(descriptor) {}
-    ~PosixFile() override { ::close(descriptor_); }
+    ~PosixFile() override {
+        if (descriptor_ >= 0) ::close(descriptor_);
+    }
+
+    void Take(int descriptor) { descriptor_ = descriptor; }
 
     void Read(std::uint64_t offset, std::span<std::byte> into) override {
         while (!into.empty()) {
@@ -85,7 +88,7 @@ public:
     }
 
 private:
-    int descriptor_;
+    int descriptor_ = -1;
 };
 
 int FlagsOf(OpenMode mode) {
@@ -107,6 +110,8 @@ int FlagsOf(OpenMode mode) {
 class PosixFileSystem final : public FileSystem {
 public:
     std::unique_ptr<File> Open(const std::filesystem::path& path, OpenMode mode) override {
+        // Made first: without memory for it the descriptor would never be closed.
+        auto file = std::make_unique<PosixFile>();
         const int descriptor = Retrying([&] { return ::open(path.c_str(), FlagsOf(mode), 0666); });
         if (descriptor < 0) {
             const int code = errno;
@@ -117,7 +122,7 @@ public:
             }
             throw ErrorOfNaming(code, path);
         }
-        auto file = std::make_unique<PosixFile>(descriptor);
+        file->Take(descriptor);
         struct stat status {};
         if (::fstat(descriptor, &status) != 0) throw ErrorOfNaming(errno, path);
         if (S_ISDIR(status.st_mode)) throw ErrorOfNaming(EISDIR, path);

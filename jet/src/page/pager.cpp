@@ -209,20 +209,45 @@ void Pager::Impl::WriteDirtyPages() {
     });
     std::sort(dirty.begin(), dirty.end(),
               [](const Frame* a, const Frame* b) { return a->number < b->number; });
-    const std::size_t longest = kWriteBytes / format.pageSize;
-    for (std::size_t begin = 0; begin < dirty.size();) {
-        std::size_t end = begin + 1;
-        while (end < dirty.size() && end - begin < longest &&
-               dirty[end]->number == dirty[end - 1]->number + 1) {
-            ++end;
-        }
-        WriteRun(std::span(dirty).subspan(begin, end - begin));
-        begin = end;
-    }
+    const auto fresh = std::find_if(dirty.begin(), dirty.end(), [this](const Frame* frame) {
+        return frame->number >= filePageCount;
+    });
+    WriteNewPages({fresh, dirty.end()});
+    WritePages({dirty.begin(), fresh});
     // A page stays dirty until the flush succeeded: after a failed one everything is written anew.
     file->Flush();
     for (Frame* frame : dirty) frame->dirty = false;
     dirtyCount_ = 0;
+}
+
+// They come first: a disk that has no room for them refuses before anything in the file is
+// overwritten, so the file alone is still complete.
+void Pager::Impl::WriteNewPages(std::span<Frame* const> pages) {
+    if (pages.empty()) return;
+    const std::uint64_t size = file->Size();
+    try {
+        WritePages(pages);
+    } catch (...) {
+        try {
+            file->Truncate(size);
+        } catch (...) {
+            // Pages that nothing refers to stay at the end until the next attempt.
+        }
+        throw;
+    }
+}
+
+void Pager::Impl::WritePages(std::span<Frame* const> pages) {
+    const std::size_t longest = kWriteBytes / format.pageSize;
+    for (std::size_t begin = 0; begin < pages.size();) {
+        std::size_t end = begin + 1;
+        while (end < pages.size() && end - begin < longest &&
+               pages[end]->number == pages[end - 1]->number + 1) {
+            ++end;
+        }
+        WriteRun(pages.subspan(begin, end - begin));
+        begin = end;
+    }
 }
 
 void Pager::Impl::WriteRun(std::span<Frame* const> run) {

@@ -63,6 +63,8 @@ private:
     void EndOperation() noexcept;
     void CollectChanges();
     void WriteDirtyPages();
+    void WriteNewPages(std::span<Frame* const> pages);
+    void WritePages(std::span<Frame* const> pages);
     void WriteRun(std::span<Frame* const> run);
 
     FrameCache cache_;
@@ -79,5 +81,7 @@ private:
 
 // The log of a data file.
 std::filesystem::path LogPath(const std::filesystem::path& dataFile);
+// Takes back a file whose making failed, where that is possible.
+void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) noexcept;
 
 }  // namespace jet

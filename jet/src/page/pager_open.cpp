@@ -4,6 +4,7 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/log_reader.h"
 #include "page/log_replay.h"
 #include "page/pager_impl.h"
 
@@ -11,12 +12,16 @@ namespace jet {
 
 namespace {
 
+void RequireLock(File& file, bool exclusive) {
+    if (!file.TryLock(exclusive)) {
+        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
+    }
+}
+
 std::unique_ptr<File> OpenLocked(FileSystem& files, const std::filesystem::path& path,
                                  OpenMode mode, bool exclusive) {
     auto file = files.Open(path, mode);
-    if (!file->TryLock(exclusive)) {
-        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
-    }
+    RequireLock(*file, exclusive);
     return file;
 }
 
@@ -56,6 +61,24 @@ void SetAside(FileSystem& files, const std::filesystem::path& log) {
     files.Rename(log, aside);
 }
 
+// A power cut just after a log was emptied can bring its beginning back; the opening after it sets
+// that aside, since it does not fit the file any more. Such a log began some commits before the
+// file's present one. The openings after that one remove it: all that was in it is in the file.
+void RemoveOutlived(FileSystem& files, const std::filesystem::path& log, std::uint16_t counter) {
+    constexpr std::uint16_t kRecentCommits = 1024;
+    std::filesystem::path aside = log;
+    aside += "-old";
+    try {
+        if (!files.Exists(aside)) return;
+        const auto file = files.Open(aside, OpenMode::kReadOnly);
+        const LogReader reader(*file);
+        const auto since = static_cast<std::uint16_t>(counter - reader.Header().commitCounter);
+        if (reader.HasHeader() && since > 0 && since <= kRecentCommits) files.Remove(aside);
+    } catch (const Error&) {
+        // It does no harm where it is.
+    }
+}
+
 struct FoundLog {
     LogReplay::Finding finding = LogReplay::Finding::kNothing;
     std::unique_ptr<LogReplay> replay;
@@ -72,6 +95,14 @@ FoundLog LookForLog(FileSystem& files, const std::filesystem::path& log, File& d
 }
 
 }  // namespace
+
+void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) noexcept {
+    try {
+        files.Remove(path);
+    } catch (...) {
+        // An empty or unfinished file stays; the failure before this one is told.
+    }
+}
 
 std::filesystem::path LogPath(const std::filesystem::path& dataFile) {
     std::filesystem::path log = dataFile;
@@ -106,7 +137,11 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
     impl->header = header;
     impl->Start(static_cast<std::uint32_t>(size / format.pageSize), counter);
     if (!options.readOnly) {
-        if (recovery.foreignLogIgnored) SetAside(files, log);
+        if (recovery.foreignLogIgnored) {
+            SetAside(files, log);
+        } else {
+            RemoveOutlived(files, log, counter);
+        }
         impl->Log().Prepare();
         if (pending) {
             recovery.applied = !found.replay->IsInFile();
@@ -119,18 +154,22 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
 
 std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::path& path,
                                      Version version) {
-    auto file = OpenLocked(files, path, OpenMode::kCreateNew, true);
-    const std::filesystem::path resolved = files.Resolve(path);
-    const Format& format = FormatOf(version);
-    if (files.Exists(LogPath(resolved))) SetAside(files, LogPath(resolved));
-    auto pager = std::make_unique<Pager>(
-        std::make_unique<Impl>(files, resolved, std::move(file), format, false));
-    // Also carries the new file's own place in the folder through a power cut.
-    pager->impl_->Log().Prepare();
+    auto file = files.Open(path, OpenMode::kCreateNew);
+    std::unique_ptr<Pager> pager;
     try {
+        RequireLock(*file, true);
+        const std::filesystem::path resolved = files.Resolve(path);
+        const Format& format = FormatOf(version);
+        if (files.Exists(LogPath(resolved))) SetAside(files, LogPath(resolved));
+        pager = std::make_unique<Pager>(
+            std::make_unique<Impl>(files, resolved, std::move(file), format, false));
+        // Also carries the new file's own place in the folder through a power cut.
+        pager->impl_->Log().Prepare();
         pager->StartFile(version);
     } catch (...) {
-        pager->Abandon();
+        if (pager) pager->Abandon();
+        file.reset();
+        RemoveQuietly(files, path);
         throw;
     }
     return pager;

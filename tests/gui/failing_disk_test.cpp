@@ -1,0 +1,354 @@
+// The disk fails under the running program: it fills up, becomes read-only, goes away or loses
+// single calls. The user is told in plain words, what was typed stays on the screen, the file stays
+// whole, and the same thing works when the cause is gone.
+//
+// The program's own calls of the operating system fail (tests/faults), each in turn: the n-th
+// write, flush, resizing, opening, renaming or removal of a file that belongs to the data file, for
+// n from 1 until an action passes untouched. TARN_CUTS sets how many n are tried for each action,
+// spread evenly; 0 tries all.
+#ifdef TARN_HAS_FAULTS
+
+#include <QComboBox>
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+
+#include "RunningProgram.h"
+#include "datafile/PrepDatatables.h"
+#include "faults/faults.h"
+#include "jet/check.h"
+#include "platform/controls/vsFlexGrid.h"
+#include "platform/dao/Database.h"
+#include "platform/dao/Recordset.h"
+
+namespace {
+
+using tarn_faults::Mode;
+
+struct Failure {
+    const char* name;
+    Mode mode;
+    std::int32_t calls;
+    int error;
+};
+
+constexpr Failure kFailures[] = {
+    {"FullDisk", Mode::kForGood, tarn_faults::kAllChanges, ENOSPC},
+    {"FullDiskAfterHalf", Mode::kShort, tarn_faults::kWrite | tarn_faults::kResize, ENOSPC},
+    {"OneCallLost", Mode::kOnce, tarn_faults::kAllChanges, EIO},
+    {"FlushFails", Mode::kOnce, tarn_faults::kFlush, EIO},
+    {"ReadOnly", Mode::kForGood, tarn_faults::kAllChanges, EROFS},
+    {"MediumGone", Mode::kForGood,
+     tarn_faults::kAllChanges | tarn_faults::kOpenAny | tarn_faults::kRead, EIO},
+};
+
+int Cuts() {
+    bool set = false;
+    const int cuts = qEnvironmentVariableIntValue("TARN_CUTS", &set);
+    return set ? cuts : 8;
+}
+
+class FailingDisk : public RunningProgram, public testing::WithParamInterface<Failure> {
+protected:
+    ~FailingDisk() override { SwitchOff(); }
+
+    static void SwitchOn(int nth, Mode mode) {
+        SwitchOff();
+        tarn_faults::Switchboard& board = *TarnFaults();
+        qstrncpy(board.pattern, ".fcd", sizeof board.pattern);
+        board.calls = GetParam().calls;
+        board.error = GetParam().error;
+        board.nth = nth;
+        board.seen = 0;
+        board.happened = 0;
+        board.mode = mode;
+    }
+    static void SwitchOff() { TarnFaults()->mode = Mode::kOff; }
+
+    // A data file with a zone or two of the sample assessment, open in the program.
+    void OpenFile(bool withZones) {
+        const QString name = QStringLiteral("Unit %1.fcd").arg(++files_);
+        path_ = NewFile(name);
+        if (!frame_) {
+            Run(path_);
+        } else {
+            Do([this] {
+                answers_->Then([this](QWidget& dialog) { ChooseFile(dialog, path_); });
+                Choose(QStringLiteral("mnuFile_2"));
+            });
+            EXPECT_EQ(Text(said_), "");
+        }
+        ClickTab(4);
+        if (withZones) {
+            Do([this] { Import(); });
+            EXPECT_EQ(Text(said_), "");
+        }
+    }
+
+    // What the user does, and what the program says to it.
+    void Do(const std::function<void()>& action) {
+        answers_ = std::make_unique<support::Answers>();
+        action();
+        QCoreApplication::processEvents();
+        said_ = answers_->Texts();
+        answers_.reset();
+    }
+    void Import() {
+        const QString source = folder_.CostsPath(QStringLiteral("source.mdb"));
+        if (!QFile::exists(source)) {
+            support::Copy(support::BuiltFolder() + QStringLiteral("/Costs/BRAM0000.mdb"), source);
+        }
+        answers_->Then([source](QWidget& dialog) { ChooseFile(dialog, source); });
+        Click(QStringLiteral("cmdImport"));
+    }
+
+    // Lets each of the action's calls fail in turn. `prepare` comes before each attempt, `kept`
+    // must hold while the action has not succeeded, `done` when it has.
+    struct Action {
+        std::function<void()> prepare;
+        std::function<void()> act;
+        std::function<void()> kept;
+        std::function<void()> done;
+    };
+    void FailEachCall(const Action& action) {
+        action.prepare();
+        SwitchOn(0, Mode::kCount);
+        Do(action.act);
+        SwitchOff();
+        EXPECT_EQ(Text(said_), "");
+        const int calls = TarnFaults()->seen;
+        EXPECT_GT(calls, 0);
+        const int step = Cuts() == 0 ? 1 : std::max(1, calls / Cuts());
+        int tried = 0;
+        for (int nth = 1; nth <= calls; nth += step, ++tried) {
+            SCOPED_TRACE("call " + std::to_string(nth) + " of " + std::to_string(calls));
+            FailCall(nth, action);
+            if (HasFailure()) {
+                return;
+            }
+        }
+        RecordProperty("cuts", tried);
+        std::cout << tried << " of " << calls << " calls failed in turn\n";
+    }
+
+    void FailCall(int nth, const Action& action) {
+        action.prepare();
+        SwitchOn(nth, GetParam().mode);
+        Do(action.act);
+        const bool failed = !said_.isEmpty();
+        SwitchOff();
+        if (TarnFaults()->happened == 0) {
+            // Not every run needs the same number of reads; this one was over before.
+            EXPECT_EQ(Text(said_), "");
+            return;
+        }
+        EXPECT_FALSE(ShownForm().isEmpty());
+        for (const QString& text : said_) {
+            EXPECT_FALSE(text.contains(QStringLiteral("nternal"))) << text.toStdString();
+        }
+        EXPECT_EQ(failed, NewTrace().contains(QStringLiteral("* * * ERROR * * *"))) << Text(said_);
+        EXPECT_EQ(Text(PrepDatatables::dbDatafile->Damage()), "");
+        if (failed) {
+            action.kept();
+            Do(action.act);
+            EXPECT_EQ(Text(said_), "");
+        }
+        action.done();
+        ExpectWhole();
+    }
+
+    // The open database, and the file as somebody would copy it while nothing waits to be written.
+    void ExpectWhole() {
+        EXPECT_EQ(Text(PrepDatatables::dbDatafile->Damage()), "");
+        const QString copy = folder_.Path(QStringLiteral("copy.mdb"));
+        QFile::remove(copy);
+        support::Copy(path_, copy);
+        const jet::CheckReport report = jet::CheckFile(copy.toStdString());
+        EXPECT_TRUE(report.IsSound()) << report.Text();
+    }
+
+    static int Rows(const char* table) {
+        return PrepDatatables::dbDatafile->OpenTable(QString::fromLatin1(table))->RecordCount();
+    }
+    static bool HasZone(const QString& name) {
+        const auto zones = PrepDatatables::dbDatafile->OpenTable(QStringLiteral("FMZList"));
+        for (; !zones->EndOfFile(); zones->MoveNext()) {
+            if (zones->Text(QStringLiteral("Name")) == name) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    vsFlexGrid& Grid(const char* name) const { return Get<vsFlexGrid>(QLatin1String(name)); }
+    // Types into a cell as the keyboard would.
+    void Type(const char* grid, int row, int column, const QString& text) {
+        vsFlexGrid& cells = Grid(grid);
+        cells.setFocus();
+        cells.SetRow(row);
+        cells.SetCol(column);
+        QTest::keyClicks(&cells, text);
+        Press(Qt::Key_Return);
+    }
+
+    QString path_;
+    QStringList said_;
+    std::unique_ptr<support::Answers> answers_;
+    int files_ = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, FailingDisk, testing::ValuesIn(kFailures),
+                         [](const auto& kind) { return std::string(kind.param.name); });
+
+TEST_P(FailingDisk, Import_AnyCallFailing_FileIsWholeAndTheNextImportPasses) {
+    int before = 0;
+    FailEachCall({.prepare =
+                      [&] {
+                          OpenFile(false);
+                          before = 0;
+                      },
+                  .act = [this] { Import(); },
+                  .kept = [&] { before = Rows("FMZList"); },
+                  .done =
+                      [&] {
+                          EXPECT_EQ(Rows("FMZList"), before + 3);
+                          EXPECT_EQ(Grid("grdFMZs").Rows(), 1 + before + 3);
+                      }});
+}
+
+TEST_P(FailingDisk, LeaveZones_AnyCallFailing_KeepsWhatWasTyped) {
+    FailEachCall({.prepare =
+                      [this] {
+                          OpenFile(true);
+                          Type("grdFMZs", 1, 0, QStringLiteral("Typed"));
+                      },
+                  .act = [this] { ClickTab(ShownForm() == QStringLiteral("frm4FMZs") ? 5 : 4); },
+                  .kept =
+                      [this] {
+                          if (ShownForm() == QStringLiteral("frm4FMZs")) {
+                              EXPECT_EQ(Grid("grdFMZs").TextMatrix(1, 0), QStringLiteral("Typed"));
+                          }
+                      },
+                  .done = [] { EXPECT_TRUE(HasZone(QStringLiteral("Typed"))); }});
+}
+
+TEST_P(FailingDisk, AddZone_AnyCallFailing_AddsItWholeOrNotAtAll) {
+    int rows = 0;
+    int costs = 0;
+    int values = 0;
+    FailEachCall({.prepare =
+                      [&] {
+                          OpenFile(true);
+                          rows = Rows("FMZList");
+                          costs = Rows("SuppressionPerAcreCost");
+                          values = Rows("NVCPerAcre");
+                      },
+                  .act =
+                      [&] {
+                          if (Grid("grdFMZs").Rows() == 1 + rows) {
+                              Click(QStringLiteral("cmdAdd"));
+                          }
+                      },
+                  .kept =
+                      [&] {
+                          ClickTab(1);
+                          ClickTab(4);
+                          EXPECT_EQ(Grid("grdFMZs").Rows(), 1 + Rows("FMZList"));
+                      },
+                  .done =
+                      [&] {
+                          EXPECT_EQ(Rows("FMZList"), rows + 1);
+                          EXPECT_EQ(Grid("grdFMZs").Rows(), 1 + rows + 1);
+                          EXPECT_EQ(Rows("SuppressionPerAcreCost"), costs + 9);
+                          EXPECT_EQ(Rows("NVCPerAcre"), values + 14);
+                      }});
+}
+
+// The costs are stored at every key; a failure shows at the latest when the worksheet is left.
+TEST_P(FailingDisk, TypeCost_AnyCallFailing_KeepsWhatWasTyped) {
+    FailEachCall(
+        {.prepare =
+             [this] {
+                 OpenFile(true);
+                 ClickTab(6);
+             },
+         .act =
+             [this] {
+                 if (ShownForm() == QStringLiteral("frm6SuppressAcre")) {
+                     Type("grdCosts", 3, 2, QStringLiteral("7777"));
+                     ClickTab(4);
+                 }
+             },
+         .kept =
+             [this] {
+                 if (ShownForm() == QStringLiteral("frm6SuppressAcre")) {
+                     EXPECT_TRUE(Grid("grdCosts").TextMatrix(3, 2).contains(QStringLiteral("777")))
+                         << Grid("grdCosts").TextMatrix(3, 2).toStdString();
+                 }
+             },
+         .done =
+             [this] {
+                 ClickTab(6);
+                 EXPECT_EQ(Grid("grdCosts").TextMatrix(3, 2).remove(u','), QStringLiteral("7777"));
+             }});
+}
+
+// Flushes are what makes a slow disk felt.
+TEST_F(RunningProgram, UserActions_EachFlushAtMostTwice) {
+    RunWithFile();
+    tarn_faults::Switchboard& board = *TarnFaults();
+    qstrncpy(board.pattern, ".fcd", sizeof board.pattern);
+    board.calls = tarn_faults::kFlush;
+    const auto flushes = [&](const std::function<void()>& action) {
+        board.seen = 0;
+        board.mode = Mode::kCount;
+        action();
+        QCoreApplication::processEvents();
+        board.mode = Mode::kOff;
+        return board.seen;
+    };
+    EXPECT_EQ(flushes([this] { ClickTab(4); }), 0);
+    EXPECT_EQ(flushes([this] { Click(QStringLiteral("cmdAdd")); }), 2);
+    const QString source = folder_.CostsPath(QStringLiteral("source.mdb"));
+    support::Copy(support::BuiltFolder() + QStringLiteral("/Costs/BRAM0000.mdb"), source);
+    support::Answers answers;
+    answers.Then([source](QWidget& dialog) { ChooseFile(dialog, source); });
+    EXPECT_EQ(flushes([this] { Click(QStringLiteral("cmdImport")); }), 2);
+    QTest::keyClicks(&Get(QStringLiteral("grdFMZs")), QStringLiteral("Typed"));
+    EXPECT_LE(flushes([this] { ClickTab(6); }), 2);
+    EXPECT_EQ(flushes([this] { ClickTab(1); }), 0);
+}
+
+// A log that cannot be written is told once and never stands in the way.
+TEST_F(RunningProgram, LogCannotBeWritten_EverythingElseGoesOn) {
+    tarn_faults::Switchboard& board = *TarnFaults();
+    qstrncpy(board.pattern, ".LOG", sizeof board.pattern);
+    board.calls = tarn_faults::kAllChanges;
+    board.error = ENOSPC;
+    board.nth = 1;
+    board.seen = 0;
+    board.mode = Mode::kForGood;
+    QStringList said;
+    {
+        support::Answers answers;
+        RunWithFile();
+        for (const int tab : {2, 3, 4, 1}) {
+            ClickTab(tab);
+        }
+        Choose(QStringLiteral("mnuStep_4"));
+        Click(QStringLiteral("cmdAdd"));
+        ClickTab(1);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !answers.Messages().empty(); }));
+        said = answers.Texts();
+    }
+    board.mode = Mode::kOff;
+    EXPECT_EQ(said.size(), 1) << Text(said);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+    const auto zones = PrepDatatables::dbDatafile->OpenTable(QStringLiteral("FMZList"));
+    EXPECT_EQ(zones->RecordCount(), 1);
+}
+
+}  // namespace
+
+#endif
