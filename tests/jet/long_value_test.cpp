@@ -129,6 +129,42 @@ TEST_P(LongValueTest, HeadsThatMakeNoSense_AreDamage) {
     EXPECT_EQ(ErrorOf([&] { Read(std::vector<std::byte>(8)); }), ErrorKind::kDamaged);
 }
 
+TEST_P(LongValueTest, PiecesThatWereDeletedOrCutOff_AreDamage) {
+    const auto whole = Write(500);
+    const RowId row = ReadLongValueHead(whole)->first;
+    const auto chained = Write(std::size_t{FileFormat().longValueChunk} * 2);
+    const RowId first = ReadLongValueHead(chained)->first;
+    // A chain that says that it is longer than its rows.
+    auto longer = chained;
+    WriteU32(longer, 0, static_cast<std::uint32_t>(FileFormat().longValueChunk) * 2 + 1);
+    EXPECT_EQ(ErrorOf([&] { Read(longer); }), ErrorKind::kDamaged);
+    ResizeRow(pager_->Change(first.page), FileFormat(), first.slot, 4);
+    EXPECT_EQ(ErrorOf([&] { Read(chained); }), ErrorKind::kDamaged);
+    EXPECT_EQ(Read(whole).size(), 500U);
+    DeleteRow(pager_->Change(row.page), FileFormat(), row.slot);
+    EXPECT_EQ(ErrorOf([&] { Read(whole); }), ErrorKind::kDamaged);
+}
+
+TEST_P(LongValueTest, WithoutAMapOfRoom_EveryValueHasItsPage) {
+    LongValueStore store(*pager_, owned_, {});
+    std::vector<std::vector<std::byte>> values(3);
+    for (auto& inRow : values) store.Write(std::vector<std::byte>(200, std::byte{7}), 200, inRow);
+    EXPECT_EQ(PagesOf(owned_), 3);
+    for (const auto& inRow : values) {
+        EXPECT_EQ(Read(inRow), std::vector<std::byte>(200, std::byte{7}));
+        store.Release(inRow);
+    }
+    EXPECT_EQ(PagesOf(owned_), 0);
+    EXPECT_EQ(PagesOf(free_), 0);
+}
+
+TEST_P(LongValueTest, ReleaseOfWhatLiesInTheRow_ChangesNothing) {
+    Write(500);
+    Store().Release(Write(5));
+    Store().Release({});
+    EXPECT_EQ(PagesOf(owned_), 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(BothVersions, LongValueTest,
                          testing::Values(Version::kJet3, Version::kJet4),
                          [](const auto& tested) { return VersionName(tested.param); });

@@ -16,11 +16,14 @@
 #include "support/temp_folder.h"
 
 #ifndef _WIN32
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 
+#include "os/clock.h"
 #include "os/posix_errors.h"
 #endif
 
@@ -202,6 +205,77 @@ TEST(HostFiles, NamesThatLeadNowhere_AreErrorsOfTheEngine) {
     EXPECT_THROW(HostFileSystem().FlushFolder(folder / "missing"), Error);
     HostFileSystem().FlushFolder("");
     EXPECT_EQ(HostFileSystem().Resolve(folder / "missing"), folder / "missing");
+}
+
+// The system has taken the file away from under the engine, as it does with a failed medium.
+TEST(HostFiles, CallsThatTheSystemRefuses_AreErrorsOfTheEngine) {
+    const TempFolder folder;
+    const int next = ::open("/dev/null", O_RDONLY);
+    ASSERT_GE(next, 0);
+    ::close(next);
+    const auto file = HostFileSystem().Open(folder / "a.bin", OpenMode::kCreateNew);
+    file->Write(0, SomeBytes(5));
+    ASSERT_EQ(::close(next), 0);
+    std::vector<std::byte> into(5);
+    EXPECT_THROW(file->Read(0, into), Error);
+    EXPECT_THROW(file->Write(0, SomeBytes(1)), Error);
+    EXPECT_THROW((void)file->Size(), Error);
+    EXPECT_THROW(file->Truncate(1), Error);
+    EXPECT_THROW(file->Flush(), Error);
+    EXPECT_THROW((void)file->TryLock(true), Error);
+    // Reading along is allowed where no lock can be had.
+    EXPECT_TRUE(file->TryLock(false));
+}
+
+TEST(HostFiles, FolderThatCannotBeFlushed_IsLeftAsItIs) {
+    if (!std::filesystem::exists("/proc/self")) GTEST_SKIP() << "no such folder here";
+    EXPECT_NO_THROW(HostFileSystem().FlushFolder("/proc"));
+}
+
+#ifdef __linux__
+// For its life the process has the rights of nobody, if it is the one that has all.
+class AsNobody {
+public:
+    AsNobody() : changed_(::geteuid() == 0 && Become(65534)) {}
+    AsNobody(const AsNobody&) = delete;
+    AsNobody& operator=(const AsNobody&) = delete;
+    ~AsNobody() { EXPECT_TRUE(!changed_ || Become(0)); }
+
+private:
+    // The saved user stays, so that there is a way back.
+    static bool Become(uid_t user) { return ::setresuid(user, user, 0) == 0; }
+
+    bool changed_;
+};
+
+TEST(HostFiles, Open_WithoutTheRights_SaysWhichAreMissing) {
+    const TempFolder folder;
+    const auto readable = folder / "readable.bin";
+    const auto closed = folder / "closed.bin";
+    std::ofstream(readable) << "x";
+    std::ofstream(closed) << "x";
+    using std::filesystem::perms;
+    std::filesystem::permissions(folder.Path(), perms::all);
+    std::filesystem::permissions(readable,
+                                 perms::owner_read | perms::group_read | perms::others_read);
+    std::filesystem::permissions(closed, perms::none);
+    const AsNobody nobody;
+    if (::access(readable.c_str(), R_OK) != 0 || ::access(readable.c_str(), W_OK) == 0) {
+        GTEST_SKIP() << "the rights of this user are not those of the file";
+    }
+    EXPECT_EQ(KindOf(readable, OpenMode::kReadWrite), ErrorKind::kReadOnly);
+    EXPECT_EQ(KindOf(closed, OpenMode::kReadWrite), ErrorKind::kPermissionDenied);
+    EXPECT_EQ(KindOf(closed, OpenMode::kReadOnly), ErrorKind::kPermissionDenied);
+}
+#endif
+
+TEST(Clock, TimeThatABuildSets_IsTheTime) {
+    ASSERT_EQ(::setenv("SOURCE_DATE_EPOCH", "86400", 1), 0);
+    const double set = LocalTime();
+    ASSERT_EQ(::unsetenv("SOURCE_DATE_EPOCH"), 0);
+    // Wherever the clock is, the second day of 1970 is less than a day away.
+    EXPECT_NEAR(set, 25570, 1);
+    EXPECT_GT(LocalTime(), 40000);
 }
 #endif
 
