@@ -1,8 +1,8 @@
 // Files that live in memory.
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <map>
-#include <string>
 #include <vector>
 
 #include "jet/error.h"
@@ -82,7 +82,7 @@ class MemoryFileSystem final : public FileSystem {
 public:
     std::unique_ptr<File> Open(const std::filesystem::path& path, OpenMode mode) override {
         const bool writable = mode != OpenMode::kReadOnly;
-        const auto found = files_.find(path.string());
+        const auto found = files_.find(path);
         if (found == files_.end()) {
             if (mode == OpenMode::kReadOnly || mode == OpenMode::kReadWrite) {
                 throw Error(ErrorKind::kFileNotFound, "The file cannot be found.");
@@ -90,7 +90,7 @@ public:
             auto contents = std::make_shared<Contents>();
             // Entered last, so that a file that could not be opened is not there.
             auto file = std::make_unique<MemoryFile>(contents, writable);
-            files_.emplace(path.string(), std::move(contents));
+            files_.emplace(path, std::move(contents));
             return file;
         }
         if (mode == OpenMode::kCreateNew) {
@@ -99,19 +99,17 @@ public:
         return std::make_unique<MemoryFile>(found->second, writable);
     }
 
-    bool Exists(const std::filesystem::path& path) override {
-        return files_.contains(path.string());
-    }
+    bool Exists(const std::filesystem::path& path) override { return files_.contains(path); }
 
-    void Remove(const std::filesystem::path& path) override { files_.erase(path.string()); }
+    void Remove(const std::filesystem::path& path) override { files_.erase(path); }
 
     void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
-        const auto found = files_.find(from.string());
+        const auto found = files_.find(from);
         if (found == files_.end()) {
             throw Error(ErrorKind::kFileNotFound, "The file cannot be found.");
         }
         if (from == to) return;
-        files_[to.string()] = found->second;
+        files_[to] = found->second;
         files_.erase(found);
     }
 
@@ -120,7 +118,7 @@ public:
     void FlushFolder(const std::filesystem::path&) override {}
 
 private:
-    std::map<std::string, std::shared_ptr<Contents>> files_;
+    std::map<std::filesystem::path, std::shared_ptr<Contents>> files_;
 };
 
 }  // namespace
