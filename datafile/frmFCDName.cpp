@@ -21,12 +21,6 @@ constexpr int kNameColumn = 0;
 constexpr int kIDColumn = 1;
 constexpr int kStateColumn = 2;
 
-constexpr int kIDLength = 3;
-constexpr int kStateLength = 2;
-constexpr int kYearLength = 2;
-
-const QString kFileExtension = QStringLiteral(".FCD");
-
 }  // namespace
 
 frmFCDName::Outcome frmFCDName::ShowModal(QWidget* frame) {
@@ -52,7 +46,7 @@ bool frmFCDName::Load() {
         Unload();
         return false;
     }
-    txtYear->SetProgramText(QDate::currentDate().toString(QStringLiteral("yy")));
+    txtYear_->SetProgramText(QDate::currentDate().toString(QStringLiteral("yy")));
     return true;
 }
 
@@ -67,11 +61,11 @@ void frmFCDName::Unload() {
 
 void frmFCDName::SetupGrid() {
     u91Trace::Procedure(QStringLiteral("frmFCDName.SetupGrid"));
-    grdUnits->SetCols(3);
-    grdUnits->SetFixedRows(1);
-    grdUnits->SetColWidth(kNameColumn, 3240);
-    grdUnits->SetColWidth(kIDColumn, 600);
-    grdUnits->SetColWidth(kStateColumn, 600);
+    grdUnits_->SetCols(3);
+    grdUnits_->SetFixedRows(1);
+    grdUnits_->SetColWidth(kNameColumn, kNameWidth);
+    grdUnits_->SetColWidth(kIDColumn, kCodeWidth);
+    grdUnits_->SetColWidth(kStateColumn, kCodeWidth);
     ShowUnits({});
 }
 
@@ -95,8 +89,8 @@ UnitFinder::Code frmFCDName::GetUnit(const QString& id) {
     u91Trace::Procedure(QStringLiteral("frmFCDName.GetUnit ") + id);
     const UnitFinder::Answer answer = finder_.FindUnit(id);
     const BusyScope busy;
-    txtUnitName->setText(answer.unit.name);
-    txtState->SetProgramText(answer.unit.state);
+    txtUnitName_->setText(answer.unit.name);
+    txtState_->SetProgramText(answer.unit.state);
     return answer.code;
 }
 
@@ -105,7 +99,7 @@ UnitFinder::Code frmFCDName::GetUnitState(const QString& id, const QString& stat
     const UnitFinder::Answer answer = finder_.FindUnitInState(id, state);
     if (answer.code == UnitFinder::kFound) {
         const BusyScope busy;
-        txtUnitName->setText(answer.unit.name);
+        txtUnitName_->setText(answer.unit.name);
     }
     return answer.code;
 }
@@ -122,8 +116,8 @@ void frmFCDName::GetMatchingNames(const QString& text) {
 
 void frmFCDName::CreateFileTitle() {
     yearIsMissing_ = false;
-    txtFileTitle->setText(txtUnitID->text() + txtState->text() + txtYear->text());
-    u91Trace::Procedure(QStringLiteral("frmFCDName.CreateFileTitle ") + txtFileTitle->text());
+    txtFileTitle_->setText(txtUnitID_->text() + txtState_->text() + txtYear_->text());
+    u91Trace::Procedure(QStringLiteral("frmFCDName.CreateFileTitle ") + txtFileTitle_->text());
 }
 
 void frmFCDName::txtUnitID_Change() {
@@ -131,8 +125,8 @@ void frmFCDName::txtUnitID_Change() {
         return;
     }
     DropStaleTitle();
-    lblTie->hide();
-    const QString id = txtUnitID->text();
+    lblTie_->hide();
+    const QString id = txtUnitID_->text();
     if (!id.isEmpty() && id.size() < kIDLength) {
         GetMatchingIDs(id);
     }
@@ -142,25 +136,25 @@ void frmFCDName::txtUnitID_Change() {
     switch (GetUnit(id)) {
         case UnitFinder::kNotFound:
             GetMatchingIDs(id);
-            txtUnitName->setFocus();
+            txtUnitName_->setFocus();
             break;
         case UnitFinder::kFound:
             CreateFileTitle();
-            txtYear->setFocus();
+            txtYear_->setFocus();
             break;
         case UnitFinder::kInSeveralStates:
             if (!ListShows(id)) {
                 GetMatchingIDs(id);  // the user is sent to the list, so it must hold the unit
             }
-            lblTie->show();
-            txtState->setFocus();
+            lblTie_->show();
+            txtState_->setFocus();
             break;
     }
 }
 
 void frmFCDName::txtUnitName_Change() {
-    if (UIMode::NotBusy() && !txtUnitName->text().isEmpty()) {
-        GetMatchingNames(txtUnitName->text());
+    if (UIMode::NotBusy() && !txtUnitName_->text().isEmpty()) {
+        GetMatchingNames(txtUnitName_->text());
     }
 }
 
@@ -169,8 +163,8 @@ void frmFCDName::txtState_Change() {
         return;
     }
     DropStaleTitle();
-    if (txtState->text().size() == kStateLength && txtUnitID->text().size() == kIDLength) {
-        LookUpState(txtYear);
+    if (txtState_->text().size() == kStateLength && txtUnitID_->text().size() == kIDLength) {
+        LookUpState(txtYear_);
     }
 }
 
@@ -178,10 +172,10 @@ void frmFCDName::txtYear_Change() {
     if (!UIMode::NotBusy()) {
         return;
     }
-    const bool hadTitle = yearIsMissing_ || !txtFileTitle->text().isEmpty();
+    const bool hadTitle = yearIsMissing_ || !txtFileTitle_->text().isEmpty();
     DropStaleTitle();
-    if (txtYear->text().size() == kYearLength && hadTitle) {
-        LookUpState(cmdOK);
+    if (txtYear_->text().size() == kYearLength && hadTitle) {
+        LookUpState(cmdOK_);
     } else {
         yearIsMissing_ = hadTitle;
     }
@@ -189,44 +183,44 @@ void frmFCDName::txtYear_Change() {
 
 void frmFCDName::LookUpState(QWidget* next) {
     CreateFileTitle();
-    if (GetUnitState(txtUnitID->text(), txtState->text()) == UnitFinder::kFound) {
-        lblTie->hide();
+    if (GetUnitState(txtUnitID_->text(), txtState_->text()) == UnitFinder::kFound) {
+        lblTie_->hide();
         next->setFocus();
         return;
     }
-    GetMatchingIDs(txtUnitID->text());
-    txtUnitName->setFocus();
+    GetMatchingIDs(txtUnitID_->text());
+    txtUnitName_->setFocus();
 }
 
 void frmFCDName::grdUnits_Click() {
-    const int row = grdUnits->MouseRow();
-    if (row < grdUnits->FixedRows() || row >= grdUnits->Rows()) {
+    const int row = grdUnits_->MouseRow();
+    if (row < grdUnits_->FixedRows() || row >= grdUnits_->Rows()) {
         return;
     }
     u91Trace::Procedure(QStringLiteral("grdUnits_Click"));
     {
         const BusyScope busy;
-        txtUnitName->setText(grdUnits->TextMatrix(row, kNameColumn));
-        txtUnitID->SetProgramText(grdUnits->TextMatrix(row, kIDColumn));
-        txtState->SetProgramText(grdUnits->TextMatrix(row, kStateColumn));
+        txtUnitName_->setText(grdUnits_->TextMatrix(row, kNameColumn));
+        txtUnitID_->SetProgramText(grdUnits_->TextMatrix(row, kIDColumn));
+        txtState_->SetProgramText(grdUnits_->TextMatrix(row, kStateColumn));
     }
-    lblTie->hide();
+    lblTie_->hide();
     CreateFileTitle();
-    txtYear->setFocus();
+    txtYear_->setFocus();
 }
 
 void frmFCDName::cmdOK_Click() {
     u91Trace::Procedure(QStringLiteral("frmFCDName.cmdOK_Click"));
-    if (txtFileTitle->text().isEmpty()) {
-        if (!txtUnitName->text().isEmpty()) {
-            txtUnitID->setFocus();
+    if (txtFileTitle_->text().isEmpty()) {
+        if (!txtUnitName_->text().isEmpty()) {
+            txtUnitID_->setFocus();
             return;
         }
         outcome_.fileStatus = kCancelled;
         QDialog::reject();
         return;
     }
-    const QString fileName = txtFileTitle->text() + kFileExtension;
+    const QString fileName = txtFileTitle_->text() + kFileExtension;
     if (!platform::Dir(platform::JoinPath(u13Folders::CostsPath(), fileName)).isEmpty()) {
         platform::MsgOptions options;
         options.title = QStringLiteral("Replace file?");
@@ -241,7 +235,7 @@ void frmFCDName::cmdOK_Click() {
         }
     }
     outcome_.fileName = fileName;
-    outcome_.unitDescription = txtUnitName->text() + QStringLiteral(" '") + txtYear->text();
+    outcome_.unitDescription = txtUnitName_->text() + QStringLiteral(" '") + txtYear_->text();
     outcome_.fileStatus = kChosen;
     accept();
 }
@@ -258,23 +252,23 @@ void frmFCDName::reject() {
 }
 
 void frmFCDName::ShowUnits(const std::vector<UnitFinder::Unit>& units) {
-    grdUnits->SetRows(1);
-    grdUnits->SetTextMatrix(0, kNameColumn, QStringLiteral("Unit Name"));
-    grdUnits->SetTextMatrix(0, kIDColumn, QStringLiteral("Unit ID"));
-    grdUnits->SetTextMatrix(0, kStateColumn, QStringLiteral("State"));
-    grdUnits->SetRows(1 + static_cast<int>(units.size()));
+    grdUnits_->SetRows(1);
+    grdUnits_->SetTextMatrix(0, kNameColumn, QStringLiteral("Unit Name"));
+    grdUnits_->SetTextMatrix(0, kIDColumn, QStringLiteral("Unit ID"));
+    grdUnits_->SetTextMatrix(0, kStateColumn, QStringLiteral("State"));
+    grdUnits_->SetRows(1 + static_cast<int>(units.size()));
     int row = 1;
     for (const UnitFinder::Unit& unit : units) {
-        grdUnits->SetTextMatrix(row, kNameColumn, unit.name);
-        grdUnits->SetTextMatrix(row, kIDColumn, unit.id);
-        grdUnits->SetTextMatrix(row, kStateColumn, unit.state);
+        grdUnits_->SetTextMatrix(row, kNameColumn, unit.name);
+        grdUnits_->SetTextMatrix(row, kIDColumn, unit.id);
+        grdUnits_->SetTextMatrix(row, kStateColumn, unit.state);
         ++row;
     }
 }
 
 bool frmFCDName::ListShows(const QString& id) const {
-    for (int row = 1; row < grdUnits->Rows(); ++row) {
-        if (grdUnits->TextMatrix(row, kIDColumn) == id) {
+    for (int row = 1; row < grdUnits_->Rows(); ++row) {
+        if (grdUnits_->TextMatrix(row, kIDColumn) == id) {
             return true;
         }
     }
@@ -282,8 +276,8 @@ bool frmFCDName::ListShows(const QString& id) const {
 }
 
 void frmFCDName::DropStaleTitle() {
-    if (txtFileTitle->text() != txtUnitID->text() + txtState->text() + txtYear->text()) {
-        txtFileTitle->clear();
+    if (txtFileTitle_->text() != txtUnitID_->text() + txtState_->text() + txtYear_->text()) {
+        txtFileTitle_->clear();
     }
     yearIsMissing_ = false;
 }

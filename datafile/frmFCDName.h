@@ -56,6 +56,15 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    static constexpr int kIDLength = 3;
+    static constexpr int kStateLength = 2;
+    static constexpr int kYearLength = 2;
+    static constexpr int kUnitNameLength = 100;
+    static constexpr QLatin1String kFileExtension{".FCD"};
+    // Widths of the finder's columns, in twips.
+    static constexpr int kNameWidth = 3240;
+    static constexpr int kCodeWidth = 600;
+
     void CreateControls();
     void NameControls();
     void LayOutControls();
@@ -86,15 +95,15 @@ private:
     bool loaded_ = false;
     bool yearIsMissing_ = false;  // the title was dropped only because the year is being retyped
 
-    UnitBox* txtUnitID = nullptr;
-    QLineEdit* txtUnitName = nullptr;
-    UnitBox* txtState = nullptr;
-    UnitBox* txtYear = nullptr;
-    QLineEdit* txtFileTitle = nullptr;
-    QLabel* lblExtension = nullptr;
-    QLabel* lblTie = nullptr;
-    SSPanel* Panel3D1 = nullptr;
-    vsFlexGrid* grdUnits = nullptr;
-    QPushButton* cmdOK = nullptr;
-    QPushButton* cmdCancel = nullptr;
+    UnitBox* txtUnitID_ = nullptr;
+    QLineEdit* txtUnitName_ = nullptr;
+    UnitBox* txtState_ = nullptr;
+    UnitBox* txtYear_ = nullptr;
+    QLineEdit* txtFileTitle_ = nullptr;
+    QLabel* lblExtension_ = nullptr;
+    QLabel* lblTie_ = nullptr;
+    SSPanel* Panel3D1_ = nullptr;
+    vsFlexGrid* grdUnits_ = nullptr;
+    QPushButton* cmdOK_ = nullptr;
+    QPushButton* cmdCancel_ = nullptr;
 };

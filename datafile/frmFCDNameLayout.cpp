@@ -19,9 +19,10 @@
 
 namespace {
 
-constexpr int kHelpContext = 70;
+constexpr int kHelpContextId = 70;
 constexpr int kSpace = 8;
 constexpr int kWideSpace = 14;
+constexpr int kScrollBarRoom = 28;
 constexpr QSize kDialogSize(760, 480);
 constexpr double kDialogFont = 12;  // pixels, with which it has that size
 
@@ -60,9 +61,9 @@ void Name(QWidget* control, const char* name, const QString& accessibleName) {
 
 frmFCDName::frmFCDName(QWidget* frame) : QDialog(frame) {
     setObjectName(QStringLiteral("frmFCDName"));
-    setWindowTitle(QStringLiteral("Name the TARN Prep file"));
+    setWindowTitle(tr("Name the TARN Prep file"));
     setAccessibleName(windowTitle());
-    platform::SetHelpContextId(*this, kHelpContext);
+    platform::SetHelpContextId(*this, kHelpContextId);
     CreateControls();
     NameControls();
     LayOutControls();
@@ -72,51 +73,51 @@ frmFCDName::frmFCDName(QWidget* frame) : QDialog(frame) {
 }
 
 void frmFCDName::CreateControls() {
-    txtUnitID = new UnitBox(UnitBox::Rule::kUnitID, 3, this);
-    txtUnitName = new QLineEdit(this);
-    txtUnitName->setMaxLength(100);
-    txtState = new UnitBox(UnitBox::Rule::kState, 2, this);
-    txtState->SelectTwoOnFocus();
-    txtYear = new UnitBox(UnitBox::Rule::kYear, 2, this);
-    txtYear->SelectTwoOnFocus();
-    txtFileTitle = new QLineEdit(this);
-    txtFileTitle->setReadOnly(true);
-    lblExtension = MakeLabel("lblExtension", QStringLiteral(".FCD"), this);
-    lblTie = MakeLabel("lblTie",
-                       QStringLiteral("Units in more than one state have the same unit ID.\n"
-                                      "Please select the Unit from the list at the right."),
-                       this);
-    Panel3D1 = new SSPanel(this);
-    grdUnits = new vsFlexGrid(Panel3D1);
-    cmdOK = new QPushButton(QStringLiteral("&OK"), this);
-    cmdOK->setDefault(true);
-    cmdCancel = new QPushButton(QStringLiteral("Cancel"), this);
-    cmdCancel->setAutoDefault(false);
+    txtUnitID_ = new UnitBox(UnitBox::Rule::kUnitID, kIDLength, this);
+    txtUnitName_ = new QLineEdit(this);
+    txtUnitName_->setMaxLength(kUnitNameLength);
+    txtState_ = new UnitBox(UnitBox::Rule::kState, kStateLength, this);
+    txtState_->SelectTwoOnFocus();
+    txtYear_ = new UnitBox(UnitBox::Rule::kYear, kYearLength, this);
+    txtYear_->SelectTwoOnFocus();
+    txtFileTitle_ = new QLineEdit(this);
+    txtFileTitle_->setReadOnly(true);
+    lblExtension_ = MakeLabel("lblExtension", kFileExtension, this);
+    lblTie_ = MakeLabel("lblTie",
+                        tr("Units in more than one state have the same unit ID.\n"
+                           "Please select the Unit from the list at the right."),
+                        this);
+    Panel3D1_ = new SSPanel(this);
+    grdUnits_ = new vsFlexGrid(Panel3D1_);
+    cmdOK_ = new QPushButton(tr("&OK"), this);
+    cmdOK_->setDefault(true);
+    cmdCancel_ = new QPushButton(tr("Cancel"), this);
+    cmdCancel_->setAutoDefault(false);
 }
 
 void frmFCDName::NameControls() {
-    Name(txtUnitID, "txtUnitID", QStringLiteral("Unit identifier"));
-    Name(txtUnitName, "txtUnitName", QStringLiteral("Unit name"));
-    Name(txtState, "txtState", QStringLiteral("State abbreviation"));
-    Name(txtYear, "txtYear", QStringLiteral("Year, two digits"));
-    Name(txtFileTitle, "txtFileTitle", QStringLiteral("File name"));
-    Name(Panel3D1, "Panel3D1", QStringLiteral("ID Finder"));
-    Name(grdUnits, "grdUnits", QStringLiteral("ID Finder: units that match"));
-    Name(cmdOK, "cmdOK", QStringLiteral("OK"));
-    Name(cmdCancel, "cmdCancel", QStringLiteral("Cancel"));
+    Name(txtUnitID_, "txtUnitID", tr("Unit identifier"));
+    Name(txtUnitName_, "txtUnitName", tr("Unit name"));
+    Name(txtState_, "txtState", tr("State abbreviation"));
+    Name(txtYear_, "txtYear", tr("Year, two digits"));
+    Name(txtFileTitle_, "txtFileTitle", tr("File name"));
+    Name(Panel3D1_, "Panel3D1", tr("ID Finder"));
+    Name(grdUnits_, "grdUnits", tr("ID Finder: units that match"));
+    Name(cmdOK_, "cmdOK", tr("OK"));
+    Name(cmdCancel_, "cmdCancel", tr("Cancel"));
 }
 
 // What depends on the font, which the screen may have made smaller.
 void frmFCDName::SizeBoxes() {
-    SetBoxWidth(txtUnitID, 4);
-    SetBoxWidth(txtState, 2);
-    SetBoxWidth(txtYear, 2);
-    SetBoxWidth(txtFileTitle, 9);
+    SetBoxWidth(txtUnitID_, 4);
+    SetBoxWidth(txtState_, 2);
+    SetBoxWidth(txtYear_, 2);
+    SetBoxWidth(txtFileTitle_, 9);
 }
 
 void frmFCDName::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
-    if (event->type() == QEvent::FontChange && txtFileTitle != nullptr) {
+    if (event->type() == QEvent::FontChange && txtFileTitle_ != nullptr) {
         SizeBoxes();
     }
 }
@@ -125,13 +126,13 @@ void frmFCDName::LayOutControls() {
     auto* columns = new QHBoxLayout;
     columns->setSpacing(kWideSpace);
     columns->addLayout(LayOutQuestions(), 1);
-    Panel3D1->setLayout(LayOutFinder());
-    columns->addWidget(Panel3D1);
+    Panel3D1_->setLayout(LayOutFinder());
+    columns->addWidget(Panel3D1_);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    buttons->addWidget(cmdOK);
-    buttons->addWidget(cmdCancel);
+    buttons->addWidget(cmdOK_);
+    buttons->addWidget(cmdCancel_);
 
     auto* page = new QVBoxLayout(this);
     page->setContentsMargins(kWideSpace, kWideSpace, kWideSpace, kWideSpace);
@@ -139,62 +140,61 @@ void frmFCDName::LayOutControls() {
     page->addLayout(columns, 1);
     page->addLayout(buttons);
 
-    setTabOrder(txtUnitID, txtUnitName);
-    setTabOrder(txtUnitName, txtState);
-    setTabOrder(txtState, txtYear);
-    setTabOrder(txtYear, grdUnits);
-    setTabOrder(grdUnits, txtFileTitle);
-    setTabOrder(txtFileTitle, cmdOK);
-    setTabOrder(cmdOK, cmdCancel);
+    setTabOrder(txtUnitID_, txtUnitName_);
+    setTabOrder(txtUnitName_, txtState_);
+    setTabOrder(txtState_, txtYear_);
+    setTabOrder(txtYear_, grdUnits_);
+    setTabOrder(grdUnits_, txtFileTitle_);
+    setTabOrder(txtFileTitle_, cmdOK_);
+    setTabOrder(cmdOK_, cmdCancel_);
 }
 
 QLayout* frmFCDName::LayOutQuestions() {
     auto* column = new QVBoxLayout;
     column->setSpacing(kSpace);
     column->addWidget(MakeLabel("lblFileNameRule",
-                                QStringLiteral("The file name consists of the Unit Identifier, the "
-                                               "State abbreviation, and the current year."),
+                                tr("The file name consists of the Unit Identifier, the "
+                                   "State abbreviation, and the current year."),
                                 this));
     column->addWidget(MakeLabel("lblUnsure",
-                                QStringLiteral("If you are unsure of the unit identifier, you may "
-                                               "be able to find it using the ID Finder at the "
-                                               "right."),
+                                tr("If you are unsure of the unit identifier, you may "
+                                   "be able to find it using the ID Finder at the "
+                                   "right."),
                                 this));
     column->addSpacing(kSpace);
     auto* stepOne = MakeLabel("lblStep1",
-                              QStringLiteral("1. Enter the 3-character unit identifier and the "
-                                             "unit name  (Example:  GPF   Gifford Pinchot NF):"),
+                              tr("1. Enter the 3-character unit identifier and the "
+                                 "unit name  (Example:  GPF   Gifford Pinchot NF):"),
                               this);
     MakeBold(stepOne);
     column->addWidget(stepOne);
     column->addLayout(LayOutUnitRow());
-    QSizePolicy keepsItsRoom = lblTie->sizePolicy();
+    QSizePolicy keepsItsRoom = lblTie_->sizePolicy();
     keepsItsRoom.setRetainSizeWhenHidden(true);
-    lblTie->setSizePolicy(keepsItsRoom);
-    lblTie->setAutoFillBackground(true);
-    lblTie->setBackgroundRole(QPalette::ToolTipBase);
-    lblTie->setForegroundRole(QPalette::ToolTipText);
-    lblTie->setFrameStyle(QFrame::Box | QFrame::Plain);
-    lblTie->setMargin(kSpace / 2);
-    lblTie->hide();
-    column->addWidget(lblTie);
+    lblTie_->setSizePolicy(keepsItsRoom);
+    lblTie_->setAutoFillBackground(true);
+    lblTie_->setBackgroundRole(QPalette::ToolTipBase);
+    lblTie_->setForegroundRole(QPalette::ToolTipText);
+    lblTie_->setFrameStyle(QFrame::Box | QFrame::Plain);
+    lblTie_->setMargin(kSpace / 2);
+    lblTie_->hide();
+    column->addWidget(lblTie_);
 
-    auto* stepTwo =
-        MakeLabel("lblStep2", QStringLiteral("2. Fill in the State abbreviation and Year"), this);
+    auto* stepTwo = MakeLabel("lblStep2", tr("2. Fill in the State abbreviation and Year"), this);
     MakeBold(stepTwo);
     column->addWidget(stepTwo);
     auto* row = new QHBoxLayout;
-    row->addWidget(MakeBoxLabel("lblState", QStringLiteral("&State:"), txtState));
-    row->addWidget(txtState);
+    row->addWidget(MakeBoxLabel("lblState", tr("&State:"), txtState_));
+    row->addWidget(txtState_);
     row->addSpacing(kWideSpace);
-    row->addWidget(MakeBoxLabel("lblYear", QStringLiteral("&Year:"), txtYear));
-    row->addWidget(txtYear);
+    row->addWidget(MakeBoxLabel("lblYear", tr("&Year:"), txtYear_));
+    row->addWidget(txtYear_);
     row->addStretch();
     column->addLayout(row);
 
     column->addStretch();
     auto* result = new SSPanel(this);
-    Name(result, "pnlFileName", QStringLiteral("File name"));
+    Name(result, "pnlFileName", tr("File name"));
     result->setLayout(LayOutTitleRow());
     column->addWidget(result);
     return column;
@@ -203,60 +203,59 @@ QLayout* frmFCDName::LayOutQuestions() {
 QLayout* frmFCDName::LayOutUnitRow() {
     auto* grid = new QGridLayout;
     grid->setVerticalSpacing(2);
-    grid->addWidget(MakeBoxLabel("lblUnitID", QStringLiteral("Unit &identifier:"), txtUnitID), 0,
-                    0);
-    grid->addWidget(MakeBoxLabel("lblUnitName", QStringLiteral("Unit &name:"), txtUnitName), 0, 1);
-    grid->addWidget(txtUnitID, 1, 0);
-    grid->addWidget(txtUnitName, 1, 1);
+    grid->addWidget(MakeBoxLabel("lblUnitID", tr("Unit &identifier:"), txtUnitID_), 0, 0);
+    grid->addWidget(MakeBoxLabel("lblUnitName", tr("Unit &name:"), txtUnitName_), 0, 1);
+    grid->addWidget(txtUnitID_, 1, 0);
+    grid->addWidget(txtUnitName_, 1, 1);
     grid->setColumnStretch(1, 1);
     return grid;
 }
 
 QLayout* frmFCDName::LayOutTitleRow() {
     auto* row = new QHBoxLayout;
-    auto* label = MakeBoxLabel("lblFileName", QStringLiteral("File name:"), txtFileTitle);
+    auto* label = MakeBoxLabel("lblFileName", tr("File name:"), txtFileTitle_);
     MakeBold(label);
-    MakeBold(txtFileTitle);
-    MakeBold(lblExtension);
-    lblExtension->setWordWrap(false);
+    MakeBold(txtFileTitle_);
+    MakeBold(lblExtension_);
+    lblExtension_->setWordWrap(false);
     row->addWidget(label);
-    row->addWidget(txtFileTitle);
-    row->addWidget(lblExtension);
+    row->addWidget(txtFileTitle_);
+    row->addWidget(lblExtension_);
     row->addStretch();
     return row;
 }
 
 QLayout* frmFCDName::LayOutFinder() {
-    auto* title = MakeLabel("lblIDFinder", QStringLiteral("ID Finder"), Panel3D1);
+    auto* title = MakeLabel("lblIDFinder", tr("ID Finder"), Panel3D1_);
     MakeBold(title);
-    title->setBuddy(grdUnits);
-    auto* hint = MakeLabel(
-        "lblClickHint", QStringLiteral("Click the unit name if it appears in the list."), Panel3D1);
-    grdUnits->setMinimumWidth(platform::ToPixels(3240 + 600 + 600) + 28);
+    title->setBuddy(grdUnits_);
+    auto* hint =
+        MakeLabel("lblClickHint", tr("Click the unit name if it appears in the list."), Panel3D1_);
+    grdUnits_->setMinimumWidth(platform::ToPixels(kNameWidth + 2 * kCodeWidth) + kScrollBarRoom);
     auto* column = new QVBoxLayout;
     column->setContentsMargins(kSpace, kSpace, kSpace, kSpace);
     column->setSpacing(kSpace);
     column->addWidget(title);
     column->addWidget(hint);
-    column->addWidget(grdUnits, 1);
+    column->addWidget(grdUnits_, 1);
     return column;
 }
 
 void frmFCDName::ConnectHandlers() {
     using platform::EventTrap::Trapped;
-    connect(txtUnitID, &QLineEdit::textChanged, this,
+    connect(txtUnitID_, &QLineEdit::textChanged, this,
             Trapped("frmFCDName.txtUnitID_Change", [this](auto&&...) { txtUnitID_Change(); }));
-    connect(txtUnitName, &QLineEdit::textChanged, this,
+    connect(txtUnitName_, &QLineEdit::textChanged, this,
             Trapped("frmFCDName.txtUnitName_Change", [this](auto&&...) { txtUnitName_Change(); }));
-    connect(txtState, &QLineEdit::textChanged, this,
+    connect(txtState_, &QLineEdit::textChanged, this,
             Trapped("frmFCDName.txtState_Change", [this](auto&&...) { txtState_Change(); }));
-    connect(txtYear, &QLineEdit::textChanged, this,
+    connect(txtYear_, &QLineEdit::textChanged, this,
             Trapped("frmFCDName.txtYear_Change", [this](auto&&...) { txtYear_Change(); }));
-    connect(txtUnitID, &UnitBox::DownPressed, txtState, [this] { txtState->setFocus(); });
-    connect(txtState, &UnitBox::DownPressed, txtYear, [this] { txtYear->setFocus(); });
-    connect(grdUnits, &vsFlexGrid::Click, this,
+    connect(txtUnitID_, &UnitBox::DownPressed, txtState_, [this] { txtState_->setFocus(); });
+    connect(txtState_, &UnitBox::DownPressed, txtYear_, [this] { txtYear_->setFocus(); });
+    connect(grdUnits_, &vsFlexGrid::Click, this,
             Trapped("frmFCDName.grdUnits_Click", [this](auto&&...) { grdUnits_Click(); }));
-    connect(cmdOK, &QPushButton::clicked, this,
+    connect(cmdOK_, &QPushButton::clicked, this,
             Trapped("frmFCDName.cmdOK_Click", [this](auto&&...) { cmdOK_Click(); }));
-    connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
+    connect(cmdCancel_, &QPushButton::clicked, this, [this] { reject(); });
 }
