@@ -1,7 +1,5 @@
 #include "datafile/UnitFinder.h"
 
-#include <utility>
-
 #include "datafile/FieldNames.h"
 
 namespace {
@@ -31,6 +29,9 @@ private:
 };
 
 void CloseQuietly(std::unique_ptr<dao::Recordset>& records) {
+    if (!records) {
+        return;
+    }
     try {
         records->Close();
     } catch (const platform::RuntimeError&) {
@@ -47,25 +48,16 @@ UnitFinder::~UnitFinder() {
 
 void UnitFinder::Open(const QString& path) {
     database_ = dao::Database::Open(path, dao::OpenMode::kShared);
-    databaseOpen_ = true;
     properties_ = database_->OpenTable(QStringLiteral("Properties"));
-    propertiesOpen_ = true;
     properties_->SetIndex(FieldNames::kPrimaryKey);
     units_ = database_->OpenTable(QStringLiteral("Units"));
-    unitsOpen_ = true;
     units_->SetIndex(FieldNames::kPrimaryKey);
 }
 
 void UnitFinder::Close() {
-    if (std::exchange(propertiesOpen_, false)) {
-        CloseQuietly(properties_);
-    }
-    if (std::exchange(unitsOpen_, false)) {
-        CloseQuietly(units_);
-    }
-    if (std::exchange(databaseOpen_, false)) {
-        database_.reset();
-    }
+    CloseQuietly(properties_);
+    CloseQuietly(units_);
+    database_.reset();
 }
 
 UnitFinder::Answer UnitFinder::FindUnit(const QString& id) {

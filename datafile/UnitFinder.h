@@ -52,7 +52,4 @@ private:
     std::unique_ptr<dao::Database> database_;
     std::unique_ptr<dao::Recordset> properties_;
     std::unique_ptr<dao::Recordset> units_;
-    bool databaseOpen_ = false;
-    bool propertiesOpen_ = false;
-    bool unitsOpen_ = false;
 };

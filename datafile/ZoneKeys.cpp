@@ -142,7 +142,8 @@ bool BelongsToAnother(std::int32_t zoneKey, std::int32_t location) {
     return reaches;
 }
 
-// Gives the number of rows that existed.
+// Adds the rows of one location, values left empty. Rows that exist already stay as they are when
+// `keepExisting`; otherwise they are refused. Gives the number of rows that existed.
 int AddValueRows(std::int32_t zoneKey, std::int32_t location, bool keepExisting, Undo& undo) {
     const std::int32_t key = FMZRLKey(zoneKey, location);
     int existed = 0;
@@ -160,7 +161,7 @@ int AddValueRows(std::int32_t zoneKey, std::int32_t location, bool keepExisting,
     return existed;
 }
 
-void AddNineCostRows(std::int32_t zoneKey, Undo& undo) {
+void AddCostRows(std::int32_t zoneKey, Undo& undo) {
     for (int sequence = 1; sequence <= kCostClasses; ++sequence) {
         AddCostRow(zoneKey, sequence);
         undo.Add([zoneKey, sequence] { DeleteCostRow(zoneKey, sequence); });
@@ -196,7 +197,7 @@ std::int32_t AddZone(const QString& name, std::int32_t locations) {
     tblFMZList->MoveLast();
     const std::int32_t zoneKey = tblFMZList->Long(FieldNames::kKey);
     undo.Add([zoneKey, name] { DeleteZone(zoneKey, name); });
-    AddNineCostRows(zoneKey, undo);
+    AddCostRows(zoneKey, undo);
     for (std::int32_t location = 1; location <= locations; ++location) {
         AddValueRows(zoneKey, location, false, undo);
     }
@@ -211,19 +212,6 @@ int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last) {
     for (std::int32_t location = first; location <= last; ++location) {
         existed += AddValueRows(zoneKey, location, true, undo);
     }
-    undo.Keep();
-    return existed;
-}
-
-void AddCostRows(std::int32_t zoneKey) {
-    Undo undo;
-    AddNineCostRows(zoneKey, undo);
-    undo.Keep();
-}
-
-int AddLocationRows(std::int32_t zoneKey, std::int32_t location, bool keepExisting) {
-    Undo undo;
-    const int existed = AddValueRows(zoneKey, location, keepExisting, undo);
     undo.Keep();
     return existed;
 }

@@ -35,11 +35,4 @@ void TakeBackLeftOver();
 // The file is closed.
 void ForgetLeftOver();
 
-// Adds the nine cost rows of a new zone, sizes and costs left empty.
-void AddCostRows(std::int32_t zoneKey);
-// Adds the fourteen rows of one location, values left empty. Rows that exist already stay as they
-// are when `keepExisting`; otherwise they are refused (3022). Gives the number of rows that
-// existed.
-int AddLocationRows(std::int32_t zoneKey, std::int32_t location, bool keepExisting);
-
 }  // namespace ZoneKeys

@@ -42,8 +42,6 @@ public:
     [[nodiscard]] const Values& ValuesOf(const QVariant& tableID);
 
 private:
-    [[nodiscard]] std::unique_ptr<dao::Recordset> OpenTable(const char* name, const char* index);
-
     std::unique_ptr<dao::Database> database_;
     std::unique_ptr<dao::Recordset> zones_;
     std::unique_ptr<dao::Recordset> costs_;

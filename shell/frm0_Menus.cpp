@@ -162,10 +162,10 @@ void frm0_Prep::mnuHelp_Click(std::int16_t index) {
     u91Trace::Procedure(QStringLiteral("mnuHelp_Click %1").arg(index));
     switch (index) {
         case kCurrentWorksheet:
-            platform::HelpViewer::ShowContext(platform::HelpContextId(ActiveForm()), this);
+            platform::HelpViewer::ShowContext(platform::HelpContextId(ActiveForm()));
             break;
         case kContents:
-            platform::HelpViewer::ShowContents(this);
+            platform::HelpViewer::ShowContents();
             break;
         case kAbout:
             platform::MsgBox(AboutText());

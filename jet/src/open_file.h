@@ -28,7 +28,6 @@ public:
     OpenFile& operator=(const OpenFile&) = delete;
 
     void Close();
-    [[nodiscard]] bool IsClosed() const { return closed_; }
     void RequireOpen() const {
         if (closed_) ThrowClosed();
     }

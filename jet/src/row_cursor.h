@@ -116,7 +116,6 @@ private:
     [[nodiscard]] const RowView& FindCurrentView() const;
     // True when the value is that of the edit, not of the stored record.
     [[nodiscard]] bool IsInEdit(std::size_t column) const;
-    void RequireChangeable() const;
     void RequireCurrent() const;
     void RequireWritable() const;
     void PrepareValues();

@@ -122,8 +122,4 @@ int Database::RecoveredOperations() const {
     return recovery.applied ? static_cast<int>(recovery.operations) : 0;
 }
 
-bool Database::IsReadOnly() const {
-    return database_->IsReadOnly();
-}
-
 }  // namespace dao

@@ -67,7 +67,6 @@ public:
     void AppendTable(const TableDefinition& table);
     // Operations of an interrupted run that opening brought in.
     [[nodiscard]] int RecoveredOperations() const;
-    [[nodiscard]] bool IsReadOnly() const;
     // What contradicts the format anywhere in the file, a sentence for each; reads all of it.
     [[nodiscard]] QStringList Damage();
 

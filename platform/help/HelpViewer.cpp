@@ -74,15 +74,11 @@ void HelpViewer::SetHelpFile(const QString& path) {
     Close();
 }
 
-QString HelpViewer::HelpFile() {
-    return helpFile;
-}
-
-void HelpViewer::ShowContext(int contextId, QWidget*) {
+void HelpViewer::ShowContext(int contextId) {
     Show(contextId > 0 ? QStringLiteral("context-%1").arg(contextId) : QString());
 }
 
-void HelpViewer::ShowContents(QWidget*) {
+void HelpViewer::ShowContents() {
     Show(QString());
 }
 

@@ -1,6 +1,5 @@
 #include "platform/helpwindow/HelpBrowser.h"
 
-#include <QDesktopServices>
 #include <QEvent>
 #include <QHelpEngineCore>
 #include <algorithm>
@@ -10,12 +9,6 @@ namespace {
 constexpr int kSmallest = -4;
 constexpr int kLargest = 12;
 constexpr QRgb kLightBlue = qRgb(130, 180, 255);
-
-bool IsOutside(const QUrl& url) {
-    const QString scheme = url.scheme();
-    return scheme == QLatin1String("http") || scheme == QLatin1String("https") ||
-           scheme == QLatin1String("mailto");
-}
 
 }  // namespace
 
@@ -58,12 +51,4 @@ void HelpBrowser::MakeLinksReadable() {
         colours.setColor(QPalette::LinkVisited, QColor(kLightBlue));
         setPalette(colours);
     }
-}
-
-void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type) {
-    if (IsOutside(name)) {
-        QDesktopServices::openUrl(name);
-        return;
-    }
-    QTextBrowser::doSetSource(name, type);
 }

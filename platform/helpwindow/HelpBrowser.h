@@ -17,7 +17,6 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
-    void doSetSource(const QUrl& name, QTextDocument::ResourceType type) override;
 
 private:
     void MakeLinksReadable();

@@ -334,15 +334,6 @@ std::int32_t CLng(double value) {
     return static_cast<std::int32_t>(rounded);
 }
 
-std::int16_t CInt(double value) {
-    const double rounded = std::nearbyint(value);
-    if (!(rounded >= std::numeric_limits<std::int16_t>::min() &&
-          rounded <= std::numeric_limits<std::int16_t>::max())) {
-        ThrowOverflow();
-    }
-    return static_cast<std::int16_t>(rounded);
-}
-
 float ToSingle(double value) {
     // Half a step above the largest single: from here on rounding would leave the range.
     constexpr double kLimit = 0x1.ffffffp127;

@@ -19,9 +19,8 @@ bool IsPlainNumber(const QString& text);
 // it is not one.
 double CDbl(const QString& text);
 float CSng(const QString& text);
-// The nearest whole number, halves to the even neighbour; kOverflow outside 32 (16) bits.
+// The nearest whole number, halves to the even neighbour; kOverflow outside 32 bits.
 std::int32_t CLng(double value);
-std::int16_t CInt(double value);
 // A double as the nearest single; kOverflow beyond the singles' range.
 float ToSingle(double value);
 

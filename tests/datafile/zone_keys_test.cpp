@@ -104,10 +104,7 @@ TEST_F(ZoneKeysTest, AddLocations_OfAZoneThatItsNeighbourReachesInto_AreRefused)
     const int first = ZoneKeys::AddZone(QStringLiteral("First"), 1);
     const int second = ZoneKeys::AddZone(QStringLiteral("Second"), 0);
     EXPECT_EQ(second, first + 1);
-    for (int location = 2; location <= 99; ++location) {
-        ZoneKeys::AddLocationRows(first, location, false);
-    }
-    ZoneKeys::AddLocationRows(first, 101, false);
+    EXPECT_EQ(ZoneKeys::AddLocations(first, 2, 101), 0);
     SetCount(first, 101);
     const int rows = tblNVCPerAcre->RecordCount();
     tblFMZList->Seek("=", {second});
@@ -115,25 +112,22 @@ TEST_F(ZoneKeysTest, AddLocations_OfAZoneThatItsNeighbourReachesInto_AreRefused)
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), rows);
 }
 
-TEST_F(ZoneKeysTest, AddLocationRows_ExistingAndNotKept_AreRefused) {
-    const int key = ZoneKeys::AddZone(QStringLiteral("Zone"), 1);
-    ExpectDuplicateKey([key] { ZoneKeys::AddLocationRows(key, 1, false); });
-    EXPECT_EQ(ZoneKeys::AddLocationRows(key, 1, true), 14);
+TEST_F(ZoneKeysTest, AddZone_CostRowInTheWay_TakesTheZoneBackAsAWhole) {
+    const int key = ZoneKeys::AddZone(QStringLiteral("First"), 1) + 1;
+    tblSuppressionPerAcreCost->AddNew();
+    tblSuppressionPerAcreCost->SetField(QStringLiteral("FMZKey"), key);
+    tblSuppressionPerAcreCost->SetField(QStringLiteral("Sequence"), 5);
+    tblSuppressionPerAcreCost->Update();
+    ExpectDuplicateKey([] { ZoneKeys::AddZone(QStringLiteral("Second"), 1); });
+    EXPECT_EQ(tblFMZList->RecordCount(), 1);
+    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 10);
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), 14);
 }
 
-TEST_F(ZoneKeysTest, AddCostRows_Twice_IsRefusedAndAddsNothing) {
-    ZoneKeys::AddCostRows(5);
-    ExpectDuplicateKey([] { ZoneKeys::AddCostRows(5); });
-    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 9);
-}
-
-TEST_F(ZoneKeysTest, AddLocationRows_BeyondTheHundredthOfALoneZone_KeepsWhatIsThere) {
+TEST_F(ZoneKeysTest, AddLocations_BeyondTheHundredthOfALoneZone_KeepsWhatIsThere) {
     const int zone = ZoneKeys::AddZone(QStringLiteral("North"), 1);
-    for (const int location : {100, 101}) {
-        EXPECT_EQ(ZoneKeys::AddLocationRows(zone, location, false), 0);
-        EXPECT_EQ(ZoneKeys::AddLocationRows(zone, location, true), 14) << location;
-    }
+    EXPECT_EQ(ZoneKeys::AddLocations(zone, 100, 101), 0);
+    EXPECT_EQ(ZoneKeys::AddLocations(zone, 100, 101), 28);
 }
 
 }  // namespace

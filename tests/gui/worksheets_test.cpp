@@ -9,17 +9,6 @@ namespace {
 
 class Worksheets : public RunningProgram {
 protected:
-    void AddZone() {
-        using PrepDatatables::tblFMZList;
-        tblFMZList->AddNew();
-        tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("North"));
-        tblFMZList->SetField(QStringLiteral("RLCount"), 1);
-        tblFMZList->Update();
-        tblFMZList->MoveLast();
-        const std::int32_t key = tblFMZList->Long(QStringLiteral("Key"));
-        ZoneKeys::AddCostRows(key);
-        ZoneKeys::AddLocationRows(key, 1, false);
-    }
     // The frame with this client area, in pixels.
     void ResizeClientTo(int width, int height) {
         const QSize around = frame_->size() - frame_->ClientSize();
@@ -40,7 +29,7 @@ constexpr Page kPages[] = {{1, "INT", "frm1Intro"},    {2, "RMA", "frm2RMAs"},
 
 TEST_F(Worksheets, Tabs_EachClicked_ShowsItsFormAlone) {
     RunWithFile();
-    AddZone();
+    ZoneKeys::AddZone(QStringLiteral("North"), 1);
     for (const int index : {2, 3, 4, 5, 6, 1}) {
         const Page& page = kPages[index - 1];
         ClickTab(index);
@@ -55,7 +44,7 @@ TEST_F(Worksheets, Tabs_EachClicked_ShowsItsFormAlone) {
 
 TEST_F(Worksheets, MenuItems_EachChosen_SetTheTab) {
     RunWithFile();
-    AddZone();
+    ZoneKeys::AddZone(QStringLiteral("North"), 1);
     for (const int index : {6, 5, 4, 3, 2, 1}) {
         Choose(QStringLiteral("mnuStep_%1").arg(index));
         EXPECT_EQ(Tab().CurrTab(), index);

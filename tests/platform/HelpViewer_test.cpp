@@ -68,14 +68,14 @@ TEST_F(HelpViewerTest, Context_ShowsItsTopic) {
     const QString copy = folder_.filePath("Help.hlp");
     ASSERT_TRUE(QFile::copy(BuiltHelpFile(), copy));
     platform::HelpViewer::SetHelpFile(copy);
-    platform::HelpViewer::ShowContext(40, nullptr);
+    platform::HelpViewer::ShowContext(40);
     QWidget* window = HelpWindowShown();
     ASSERT_NE(window, nullptr);
     auto* page = window->findChild<QTextBrowser*>("txtTopic");
     EXPECT_TRUE(page->source().path().endsWith("zones.html"))
         << page->source().path().toStdString();
     EXPECT_TRUE(page->toPlainText().contains("Zone", Qt::CaseInsensitive));
-    platform::HelpViewer::ShowContents(nullptr);
+    platform::HelpViewer::ShowContents();
     EXPECT_TRUE(page->source().path().endsWith("index.html"));
     EXPECT_EQ(HelpWindowShown(), window);
     page->backward();
@@ -83,14 +83,14 @@ TEST_F(HelpViewerTest, Context_ShowsItsTopic) {
 }
 
 TEST_F(BuiltHelpTest, UnknownContext_ShowsContents) {
-    platform::HelpViewer::ShowContext(999, nullptr);
+    platform::HelpViewer::ShowContext(999);
     ASSERT_NE(HelpWindowShown(), nullptr);
     auto* page = HelpWindowShown()->findChild<QTextBrowser*>("txtTopic");
     EXPECT_TRUE(page->source().path().endsWith("index.html"));
 }
 
 TEST_F(BuiltHelpTest, EveryFocusableWidget_HasAName) {
-    platform::HelpViewer::ShowContents(nullptr);
+    platform::HelpViewer::ShowContents();
     ASSERT_NE(HelpWindowShown(), nullptr);
     for (const QWidget* widget : HelpWindowShown()->findChildren<QWidget*>()) {
         if (widget->focusPolicy() != Qt::NoFocus && widget->isVisible()) {
@@ -101,7 +101,7 @@ TEST_F(BuiltHelpTest, EveryFocusableWidget_HasAName) {
 }
 
 TEST_F(BuiltHelpTest, Search_FindsWordsInTheText) {
-    platform::HelpViewer::ShowContents(nullptr);
+    platform::HelpViewer::ShowContents();
     QWidget* window = HelpWindowShown();
     ASSERT_NE(window, nullptr);
     window->findChild<QTabWidget*>("tabNavigation")->setCurrentIndex(2);
@@ -123,7 +123,7 @@ TEST_F(BuiltHelpTest, Search_FindsWordsInTheText) {
 }
 
 TEST_F(BuiltHelpTest, Index_LeadsToItsTopic) {
-    platform::HelpViewer::ShowContents(nullptr);
+    platform::HelpViewer::ShowContents();
     QWidget* window = HelpWindowShown();
     ASSERT_NE(window, nullptr);
     auto* list = window->findChild<QListView*>("lstIndex");
@@ -137,7 +137,7 @@ TEST_F(BuiltHelpTest, Index_LeadsToItsTopic) {
 }
 
 TEST_F(BuiltHelpTest, Escape_ClosesTheWindow) {
-    platform::HelpViewer::ShowContents(nullptr);
+    platform::HelpViewer::ShowContents();
     ASSERT_TRUE(QTest::qWaitForWindowActive(HelpWindowShown()));
     QTest::keyClick(HelpWindowShown()->windowHandle(), Qt::Key_Escape);
     EXPECT_EQ(HelpWindowShown(), nullptr);
@@ -146,7 +146,7 @@ TEST_F(BuiltHelpTest, Escape_ClosesTheWindow) {
 TEST_F(HelpViewerTest, MissingFile_IsToldToTheUser) {
     platform::HelpViewer::SetHelpFile(folder_.filePath("Nothing.hlp"));
     NextMessage message;
-    platform::HelpViewer::ShowContext(40, nullptr);
+    platform::HelpViewer::ShowContext(40);
     EXPECT_TRUE(message.text.startsWith("The help file cannot be found.\r\n"));
     EXPECT_EQ(HelpWindowShown(), nullptr);
 }
@@ -158,7 +158,7 @@ TEST_F(HelpViewerTest, DamagedFile_IsToldToTheUser) {
     file.close();
     platform::HelpViewer::SetHelpFile(file.fileName());
     NextMessage message;
-    platform::HelpViewer::ShowContents(nullptr);
+    platform::HelpViewer::ShowContents();
     EXPECT_TRUE(message.text.startsWith("The help file cannot be read.\r\n"));
     EXPECT_EQ(HelpWindowShown(), nullptr);
 }
@@ -169,7 +169,7 @@ TEST_F(HelpViewerTest, CutFile_IsToldToTheUser) {
     ASSERT_TRUE(QFile::resize(copy, 9000));
     platform::HelpViewer::SetHelpFile(copy);
     NextMessage message;
-    platform::HelpViewer::ShowContents(nullptr);
+    platform::HelpViewer::ShowContents();
     EXPECT_TRUE(message.text.startsWith("The help file cannot be read.\r\n"));
 }
 

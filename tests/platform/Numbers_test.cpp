@@ -94,10 +94,6 @@ TEST(CLng, HalvesGoToTheEvenNeighbour) {
     EXPECT_EQ(platform::CLng(-2147483648.5), std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(ErrorOf([] { (void)platform::CLng(2147483647.5); }), platform::kOverflow);
     EXPECT_EQ(ErrorOf([] { (void)platform::CLng(std::nan("")); }), platform::kOverflow);
-    EXPECT_EQ(platform::CInt(32767.4), 32767);
-    EXPECT_EQ(platform::CInt(0.5), 0);
-    EXPECT_EQ(ErrorOf([] { (void)platform::CInt(32767.5); }), platform::kOverflow);
-    EXPECT_EQ(ErrorOf([] { (void)platform::CInt(-32769); }), platform::kOverflow);
 }
 
 TEST(ToSingle, RoundsOrOverflows) {

@@ -3,7 +3,6 @@
 
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,9 +33,6 @@ public:
     Table& Open(const CatalogEntry& entry);
     // Errors: those of Database::CreateTable.
     void CreateTable(const TableSchema& schema);
-
-    [[nodiscard]] Table& Objects() { return objects_; }
-    [[nodiscard]] Table& Permissions() { return permissions_; }
 
 private:
     void ReadEntries();

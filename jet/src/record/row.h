@@ -40,7 +40,6 @@ public:
     RowView(Bytes row, const Format& format, const RowShape& shape);
 
     [[nodiscard]] Bytes Stored() const { return row_; }
-    [[nodiscard]] std::uint32_t ColumnCount() const { return columnCount_; }
     [[nodiscard]] std::uint32_t VariableCount() const { return variableCount_; }
     // The bit of the null mask; columns younger than the row have none.
     [[nodiscard]] bool IsSet(std::uint16_t number) const {

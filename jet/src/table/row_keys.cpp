@@ -49,12 +49,6 @@ std::string TableIndex::Name() const {
     return "?";
 }
 
-bool TableIndex::Concerns(std::size_t column) const {
-    const auto& parts = Real().parts;
-    return std::any_of(parts.begin(), parts.end(),
-                       [column](const RealIndex::Part& part) { return part.column == column; });
-}
-
 void TableIndex::MakeRowKey(const ColumnValue& value, RowKey& into) const {
     into.key.clear();
     into.anyNull = false;

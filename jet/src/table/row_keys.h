@@ -29,7 +29,6 @@ public:
     [[nodiscard]] std::string Name() const;
     [[nodiscard]] const std::vector<KeyColumn>& KeyColumns() const { return keyColumns_; }
     [[nodiscard]] const RealIndex& Real() const { return definition_->realIndexes[real_]; }
-    [[nodiscard]] bool Concerns(std::size_t column) const;
     // Why no key of this index can be made, or nothing.
     [[nodiscard]] const std::optional<std::string>& Obstacle() const { return obstacle_; }
 
