@@ -6,12 +6,10 @@
 // chunk       u32 length, u16 kind, contents; the length counts these six bytes
 // kind 80     the names: u16 length and text, one after the other, numbered from 0
 // kind 0, 1   the properties of the table, of a column: u32 length of the owner part, u16 length
-// and
-//             text of the owner's name, then for each property u16 length (8 more than the value),
-//             u8 flag, u8 type, u16 number of the name, u16 length of the value, the value
+//             and text of the owner's name, then for each property u16 length (8 more than the
+//             value), u8 flag, u8 type, u16 number of the name, u16 length of the value, the value
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "jet/schema.h"

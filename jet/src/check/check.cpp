@@ -1,3 +1,5 @@
+// The check reads the format by itself, through its own layouts and row parts: a mistake in the
+// parts that read and write rows must not pass for right here.
 #include "jet/check.h"
 
 #include <algorithm>

@@ -4,14 +4,11 @@
 #include "check/tree_check.h"
 #include "index/collation.h"
 #include "index/index_page.h"
+#include "page/bytes.h"
 
 namespace jet {
 
 namespace {
-
-bool IsSame(Bytes left, Bytes right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end());
-}
 
 Key VariantKey(const std::vector<KeyColumn>& columns, const std::vector<const Value*>& values,
                Version version) {
@@ -86,7 +83,7 @@ void EntryCheck::MakeKey(const CheckedRow& row, Expected& expected) {
     }
     expected.keySize = static_cast<std::uint32_t>(keys_.size() - expected.keyAt);
     Key variant = VariantKey(columns_, values, context_.format.version);
-    if (!IsSame(variant, KeyOf(expected))) {
+    if (!Equal(variant, KeyOf(expected))) {
         variants_.emplace(row.id, std::move(variant));
     }
 }
@@ -117,7 +114,7 @@ void EntryCheck::AddEntry(const Key& bytes) {
         return;
     }
     expected->seen = true;
-    if (!comparable_ || !expected->comparable || IsSame(entry.key, KeyOf(*expected))) {
+    if (!comparable_ || !expected->comparable || Equal(entry.key, KeyOf(*expected))) {
         return;
     }
     const auto variant = variants_.find(entry.row);
@@ -155,7 +152,7 @@ void EntryCheck::CheckUnique() {
     std::stable_sort(rows_.begin(), rows_.end(), below);
     for (std::size_t i = 1; i < rows_.size(); ++i) {
         const RowId other = rows_[i - 1].row;
-        if (IsSame(KeyOf(rows_[i - 1]), KeyOf(rows_[i]))) {
+        if (Equal(KeyOf(rows_[i - 1]), KeyOf(rows_[i]))) {
             context_.findings.Error(At(rows_[i].row), "index-unique",
                                     Named("Row " + std::to_string(other.slot) + " of page " +
                                           std::to_string(other.page.value) + " has the same key."));

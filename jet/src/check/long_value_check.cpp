@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <string>
 
 #include "check/row_check.h"

@@ -1,7 +1,5 @@
 #include "check/row_check.h"
 
-#include <algorithm>
-
 #include "check/row_parts.h"
 #include "jet/error.h"
 #include "page/bytes.h"

@@ -1,5 +1,5 @@
 // A table's definition as the check reads it: everything that can be made out, with a finding for
-// each contradiction.
+// each contradiction. It is read here apart from table/definition, which stops at the first one.
 #pragma once
 
 #include <cstdint>

@@ -10,7 +10,6 @@ namespace jet {
 
 namespace {
 
-constexpr int kDeepestTree = 32;
 constexpr std::size_t kFreeAt = 2;
 constexpr std::size_t kTableAt = 4;
 

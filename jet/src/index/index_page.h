@@ -39,6 +39,17 @@ namespace jet {
 
 inline constexpr std::size_t kRowPointerSize = 4;
 inline constexpr std::size_t kChildPointerSize = 4;
+// More levels than any file can need: nodes that go on below run in a circle.
+inline constexpr int kDeepestTree = 32;
+
+// Whether an index can hold keys of this size. Three entries have to fit on a node, or there would
+// be no way to split it; longer keys than 255 bytes were never seen in Jet 3, whose prefix has one
+// byte.
+inline bool IsKeySize(std::size_t size, const Format& format) {
+    constexpr std::size_t kLongestKeyJet3 = 0xFF;
+    return 3 * (size + kRowPointerSize + kChildPointerSize) <= format.entryCapacity &&
+           (format.prefixWidth != 1 || size <= kLongestKeyJet3);
+}
 
 // Where a search stops: at the first entry that ...
 struct EntryBound {

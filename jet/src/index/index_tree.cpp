@@ -18,8 +18,6 @@ namespace jet {
 
 namespace {
 
-constexpr int kDeepestTree = 32;
-
 // A place on a leaf: an entry, or the end of the last leaf.
 struct LeafPlace {
     PageRef page;

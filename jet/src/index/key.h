@@ -3,9 +3,7 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
-#include <vector>
 
 #include "index/index_tree.h"
 #include "jet/schema.h"

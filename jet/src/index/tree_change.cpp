@@ -8,18 +8,6 @@
 
 namespace jet {
 
-namespace {
-
-constexpr std::size_t kDeepestTree = 32;
-// Longer keys were never seen in the older format, whose prefix has one byte.
-constexpr std::size_t kLongestKeyJet3 = 255;
-
-bool Equal(Bytes left, Bytes right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end());
-}
-
-}  // namespace
-
 void TreeChange::Damaged(const char* what) const {
     throw Error(ErrorKind::kDamaged,
                 "The index with root page " + std::to_string(root_.value) + " " + what + ".");
@@ -103,10 +91,7 @@ TreeChange::Path TreeChange::DescendToInsert(Bytes entry, IndexPageContent& cont
 }
 
 void TreeChange::Insert(Bytes key, RowId row) {
-    // Three entries have to fit on a node, or there would be no way to split it.
-    const std::size_t nodeEntry = key.size() + kRowPointerSize + kChildPointerSize;
-    if (3 * nodeEntry > format_.entryCapacity ||
-        (format_.prefixWidth == 1 && key.size() > kLongestKeyJet3)) {
+    if (!IsKeySize(key.size(), format_)) {
         throw Error(ErrorKind::kRecordTooLarge, "The indexed values are too long.");
     }
     const Key entry = EntryBytes(key, row);

@@ -20,11 +20,11 @@ public:
     TreeChange(Pager& pager, PageNumber table, PageNumber root, UsageMap& pages)
         : pager_(pager), format_(pager.FileFormat()), table_(table), root_(root), pages_(pages) {}
 
-    // `tree` is the tree itself, for looking around.
     // kRecordTooLarge, kDamaged.
     void Insert(Bytes key, RowId row);
     // The common case, without taking a page apart: the leaf has room and nothing above it changes.
     // Tells whether no other entry has the key; nothing, and nothing done, in any other case.
+    // `tree` is the tree itself, for looking around.
     std::optional<bool> InsertInPlace(Bytes key, RowId row, const IndexTree& tree);
     // False, and nothing done, in any other case.
     bool EraseInPlace(Bytes key, RowId row);

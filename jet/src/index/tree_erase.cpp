@@ -1,19 +1,10 @@
 #include <algorithm>
-#include <string>
 #include <utility>
 
 #include "index/tree_change.h"
 #include "jet/error.h"
 
 namespace jet {
-
-namespace {
-
-bool Equal(Bytes left, Bytes right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end());
-}
-
-}  // namespace
 
 // The entry of a row. Some writers count letters that stand for two (sharp s, ligatures) otherwise
 // where a key records the places of accents, so an entry of this row whose key agrees in its
@@ -131,7 +122,7 @@ void TreeChange::RemoveChild(Path path) {
 Key TreeChange::GreatestBelow(PageNumber page) const {
     IndexPageContent content = Load(page);
     for (std::size_t depth = 0; !content.IsLeaf(); ++depth) {
-        if (depth > 32 || (content.entries.Count() == 0 && !content.tail)) {
+        if (depth > kDeepestTree || (content.entries.Count() == 0 && !content.tail)) {
             Damaged("has a node without children");
         }
         content = Load(content.ChildAt(content.entries.Count() - (content.tail ? 0 : 1)));

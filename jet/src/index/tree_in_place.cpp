@@ -9,8 +9,6 @@ namespace jet {
 
 namespace {
 
-constexpr int kDeepestTree = 32;
-
 bool StartsWith(Bytes bytes, Bytes start) {
     return bytes.size() >= start.size() && std::equal(start.begin(), start.end(), bytes.begin());
 }
@@ -50,7 +48,7 @@ PageNumber TreeChange::FindLeaf(Bytes entry) const {
 }
 
 std::optional<bool> TreeChange::InsertInPlace(Bytes key, RowId row, const IndexTree& tree) {
-    if (format_.prefixWidth == 1 && key.size() > 0xFF) return std::nullopt;
+    if (!IsKeySize(key.size(), format_)) return std::nullopt;
     const Key entry = EntryBytes(key, row);
     const PageNumber number = FindLeaf(entry);
     if (!number) return std::nullopt;
@@ -64,7 +62,7 @@ std::optional<bool> TreeChange::InsertInPlace(Bytes key, RowId row, const IndexT
     }
     const Bytes stored = Bytes(entry).subspan(prefix);
     if (stored.empty() || leaf.End() + stored.size() > format_.entryCapacity ||
-        3 * (entry.size() + kChildPointerSize) > format_.entryCapacity || Holds(leaf, at, entry)) {
+        Holds(leaf, at, entry)) {
         return std::nullopt;
     }
     const std::optional<bool> told = IsNew(leaf, at, key);

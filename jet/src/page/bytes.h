@@ -2,6 +2,7 @@
 // the file, reported as such.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -28,6 +29,20 @@ inline MutableBytes Slice(MutableBytes bytes, std::size_t offset, std::size_t le
     return bytes.subspan(offset, length);
 }
 
+inline bool Equal(Bytes left, Bytes right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end());
+}
+
+// From the machine's order of bytes to that of the file, and back.
+inline std::uint32_t LowestFirst(std::uint32_t value) {
+    if constexpr (std::endian::native == std::endian::little) return value;
+    return __builtin_bswap32(value);
+}
+inline std::uint64_t LowestFirst(std::uint64_t value) {
+    if constexpr (std::endian::native == std::endian::little) return value;
+    return __builtin_bswap64(value);
+}
+
 inline std::uint8_t ReadU8(Bytes bytes, std::size_t offset) {
     RequireRange(bytes.size(), offset, 1);
     return static_cast<std::uint8_t>(bytes[offset]);
@@ -40,25 +55,18 @@ inline std::uint16_t ReadU16(Bytes bytes, std::size_t offset) {
                                       static_cast<unsigned>(from[1]) << 8);
 }
 
-inline std::uint32_t ReadU24(Bytes bytes, std::size_t offset) {
-    RequireRange(bytes.size(), offset, 3);
-    const std::byte* from = bytes.data() + offset;
-    return static_cast<std::uint32_t>(from[0]) | static_cast<std::uint32_t>(from[1]) << 8 |
-           static_cast<std::uint32_t>(from[2]) << 16;
-}
-
 inline std::uint32_t ReadU32(Bytes bytes, std::size_t offset) {
     RequireRange(bytes.size(), offset, 4);
     std::uint32_t value = 0;
     std::memcpy(&value, bytes.data() + offset, sizeof value);
-    return std::endian::native == std::endian::little ? value : __builtin_bswap32(value);
+    return LowestFirst(value);
 }
 
 inline std::uint64_t ReadU64(Bytes bytes, std::size_t offset) {
     RequireRange(bytes.size(), offset, 8);
     std::uint64_t value = 0;
     std::memcpy(&value, bytes.data() + offset, sizeof value);
-    return std::endian::native == std::endian::little ? value : __builtin_bswap64(value);
+    return LowestFirst(value);
 }
 
 // The same with the highest byte first, which orders numbers as their bytes.
@@ -77,13 +85,6 @@ inline void WriteU16(MutableBytes bytes, std::size_t offset, std::uint16_t value
     bytes[offset + 1] = static_cast<std::byte>(value >> 8);
 }
 
-inline void WriteU24(MutableBytes bytes, std::size_t offset, std::uint32_t value) {
-    RequireRange(bytes.size(), offset, 3);
-    for (std::size_t i = 0; i < 3; ++i) {
-        bytes[offset + i] = static_cast<std::byte>(value >> (8 * i) & 0xFF);
-    }
-}
-
 inline void WriteU32(MutableBytes bytes, std::size_t offset, std::uint32_t value) {
     RequireRange(bytes.size(), offset, 4);
     for (std::size_t i = 0; i < 4; ++i) {
@@ -93,8 +94,7 @@ inline void WriteU32(MutableBytes bytes, std::size_t offset, std::uint32_t value
 
 inline void WriteU64(MutableBytes bytes, std::size_t offset, std::uint64_t value) {
     RequireRange(bytes.size(), offset, 8);
-    const std::uint64_t stored =
-        std::endian::native == std::endian::little ? value : __builtin_bswap64(value);
+    const std::uint64_t stored = LowestFirst(value);
     std::memcpy(bytes.data() + offset, &stored, sizeof stored);
 }
 

@@ -7,6 +7,9 @@
 
 namespace jet {
 
+// How a data page begins. Rows of usage maps lie on such pages, too.
+inline constexpr std::uint16_t kDataPageType = 0x0101;
+
 struct Format {
     Version version;
     std::uint32_t pageSize;
@@ -14,8 +17,8 @@ struct Format {
     std::uint32_t rowCountAt;
     std::uint32_t rowDirectoryAt;
     std::uint32_t largestRow;  // limit that is enforced for a whole row
-    std::uint32_t
-        countWidth;  // width of column count, variable offsets and variable count in a row
+    // Width of column count, variable offsets and variable count in a row.
+    std::uint32_t countWidth;
     // Table definitions.
     std::uint32_t tdefHeaderSize;
     std::uint32_t indexStatisticsSize;

@@ -164,7 +164,7 @@ void WriteFileHeader(MutableBytes page, Version version) {
 void WriteGlobalMapsPage(MutableBytes page, const Format& format) {
     const std::uint32_t first = format.pageSize - format.initialMapRow;
     const std::uint32_t second = first - format.initialMapRow;
-    WriteU16(page, 0, 0x0101);
+    WriteU16(page, 0, kDataPageType);
     WriteU32(page, 4, 1);
     WriteU16(page, format.rowCountAt, 2);
     WriteU16(page, format.rowDirectoryAt, static_cast<std::uint16_t>(first));

@@ -14,7 +14,8 @@ constexpr std::uint16_t kDeletedRow = 0xC000;
 constexpr std::uint32_t kMostRows = 255;
 
 std::uint32_t RowCount(Bytes page, const Format& format) {
-    if (ReadU16(page, 0) != 0x0101) ThrowDamaged("The file is damaged: a usage map is missing.");
+    if (ReadU16(page, 0) != kDataPageType)
+        ThrowDamaged("The file is damaged: a usage map is missing.");
     const std::uint32_t count = ReadU16(page, format.rowCountAt);
     if (count > kMostRows + 1) ThrowDamaged("The file is damaged: a page has too many rows.");
     return count;
@@ -120,7 +121,7 @@ bool LengthenMapRow(MutableBytes page, const Format& format, std::uint8_t slot,
 }
 
 void StartMapRowPage(MutableBytes page, const Format& format) {
-    WriteU16(page, 0, 0x0101);
+    WriteU16(page, 0, kDataPageType);
     WriteU16(page, 2, static_cast<std::uint16_t>(format.pageSize - format.rowDirectoryAt));
 }
 

@@ -35,8 +35,7 @@ struct RowExtent {
 RowExtent FindMapRow(Bytes page, const Format& format, std::uint8_t slot);
 // Appends a zeroed row; false when the page has no room for it.
 bool AppendMapRow(MutableBytes page, const Format& format, std::uint32_t length);
-// Lengthens a row, keeping its bytes and filling the rest; false when the page
-// has no room.
+// Lengthens a row, keeping its bytes and filling the rest; false when the page has no room.
 bool LengthenMapRow(MutableBytes page, const Format& format, std::uint8_t slot,
                     std::uint32_t length, std::byte fill);
 // Makes a zeroed page an empty page for map rows.

@@ -1,7 +1,6 @@
 #include "page/usage_map.h"
 
 #include <algorithm>
-#include <bit>
 #include <vector>
 
 #include "jet/error.h"
@@ -243,7 +242,7 @@ PageNumber FirstMapRowPage(Pager& pager) {
 bool TakesMapRows(Pager& pager, PageNumber page) {
     if (page.value < 2 || page.value >= pager.PageCount()) return false;
     const PageRef holder = pager.Page(page);
-    return ReadU16(holder.Data(), 0) == 0x0101 && ReadU32(holder.Data(), 4) == 0;
+    return ReadU16(holder.Data(), 0) == kDataPageType && ReadU32(holder.Data(), 4) == 0;
 }
 
 }  // namespace

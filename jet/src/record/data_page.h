@@ -24,7 +24,6 @@
 
 namespace jet {
 
-inline constexpr std::uint16_t kDataPageType = 0x0101;
 inline constexpr std::uint32_t kMostSlots = 255;
 inline constexpr std::uint32_t kLongValueOwner = 0x4C41564C;  // "LVAL"
 // The fewest bytes of a row: it must be able to become a pointer.

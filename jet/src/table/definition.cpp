@@ -226,8 +226,7 @@ void ParseLongValueMaps(Reader& reader, Definition& definition) {
     }
 }
 
-// An index that several columns' numbers or the like make doubtful is left alone; counts that no
-// table can have are damage.
+// Counts that no table can have are damage. What is only unknown about an index is noted there.
 void RequireCounts(std::uint32_t columns, std::uint32_t logical, std::uint32_t real) {
     if (columns > kMostColumns || logical > kMostIndexes || real > kMostIndexes) {
         ThrowBadDefinition();

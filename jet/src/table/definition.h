@@ -109,7 +109,7 @@ struct Definition {
 Definition ReadDefinition(Pager& pager, PageNumber page);
 // The same from the joined string, as tests and checks have it.
 Definition ParseDefinition(Bytes joined, const Format& format, PageNumber page);
-// The joined string; the chain's pages (kept out of it) and the table's first page.
+// The joined string; `chain`, when given, takes the pages that it lies on, the first one included.
 std::vector<std::byte> JoinDefinition(Pager& pager, PageNumber page,
                                       std::vector<PageNumber>* chain = nullptr);
 

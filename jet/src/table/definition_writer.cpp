@@ -160,7 +160,7 @@ void AddLongValueMaps(Writer& writer, const Definition& definition) {
 }  // namespace
 
 std::vector<std::byte> BuildDefinition(const Definition& definition) {
-    const Format& format = definition.version == Version::kJet3 ? kJet3Format : kJet4Format;
+    const Format& format = FormatOf(definition.version);
     Writer writer(format);
     AddHeader(writer, definition);
     for (const RealIndex& index : definition.realIndexes) AddStatistics(writer, index);
