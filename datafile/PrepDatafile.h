@@ -1,6 +1,7 @@
 // The life of the one data file: new from the template, open, version check and conversion, close.
 //
-// A failure is told to the user here and leaves no file open; a refused file stays as it was.
+// A failure is told to the user here and leaves no file open; a refused file stays as it was. What
+// is thrown all the same is a platform::RuntimeError that nobody expected: the last trap tells it.
 #pragma once
 
 #include <QString>
@@ -13,6 +14,7 @@ namespace PrepDatafile {
 
 enum Result : std::int16_t { kOpened = 1, kCancelled = 2, kFailed = 3 };
 
+// What the operations below ask of the shell; null, and they ask for nothing.
 void SetHost(DatafileHost* host);
 
 [[nodiscard]] bool IsDatafileOpen();
@@ -20,12 +22,22 @@ void SetHost(DatafileHost* host);
 [[nodiscard]] const QString& CurrentFileName();
 [[nodiscard]] const QString& CurrentPath();
 
+// The commands New and Open, from their dialogs on. Both give a Result, and close the former file
+// once the user has chosen another one. The record sets are opened by the caller.
 std::int16_t QueryNewDatafile();
-QString NewFileDialog();
 std::int16_t QueryOpenDatafile();
+// Asks for the name of a new file; its path, or an empty text when the user cancelled.
+QString NewFileDialog();
+// Opens the file at a path, looks at all of it, and converts it when it is of an older format.
+// False when it was refused.
 bool OpenDatatables(const QString& fileName);
+// Gives the open file of format 3.00.00 the table that it lacks, and the present format's label.
+// Throws when the file cannot be written; a conversion that was cut off can be done once more.
 void Convert3to4();
+// Closes record sets and database. Throws when what was changed cannot be made durable; the file is
+// closed all the same, and the next opening brings the changes in.
 void CloseDatafile();
+// The part of a path after its last separator, of either kind.
 QString FileTitleFromPath(const QString& path);
 // Tells the user that the file cannot be opened, and closes whatever of it is open.
 void RefuseDatafile();

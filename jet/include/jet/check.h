@@ -24,29 +24,31 @@ enum class Severity {
 
 struct Finding {
     Severity severity = Severity::kError;
-    std::string code;   // stable name, for instance "index-missing"
-    std::string table;  // empty when no table is concerned
-    std::int64_t page = -1;
-    int row = -1;          // slot on the page
-    std::string sentence;  // for a person
+    std::string code;        // stable name, for instance "index-missing"
+    std::string table;       // empty when no table is concerned
+    std::int64_t page = -1;  // -1 when no page is concerned
+    int row = -1;            // slot on the page, likewise
+    std::string sentence;    // for a person
 };
 
 struct CheckReport {
     std::vector<Finding> findings;
+    // What was looked at.
     std::uint32_t pages = 0;
     std::uint32_t tables = 0;
     std::uint64_t rows = 0;
     std::uint32_t indexes = 0;
     std::uint64_t entries = 0;
 
-    [[nodiscard]] bool IsSound() const;  // no finding of severity kError
-    [[nodiscard]] std::string Text() const;
+    [[nodiscard]] bool IsSound() const;      // no finding of severity kError
+    [[nodiscard]] std::string Text() const;  // a line for each finding, then one that counts
 };
 
 // Checks a file that nobody holds open. Throws only when the file cannot be read as a Jet file at
-// all.
+// all: kFileNotFound, kFileInUse, kPermissionDenied, kNotADatabase, kUnsupportedVersion,
+// kEncrypted, kIo.
 CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files = HostFileSystem());
-// Checks an open database, changes of this run included.
+// Checks an open database, changes of this run included. kClosed, kIo.
 CheckReport CheckDatabase(Database& database);
 
 struct RepairReport {
@@ -55,7 +57,8 @@ struct RepairReport {
     std::vector<std::string> losses;  // one sentence each
 };
 
-// Writes everything of `source` that can be read into the new file `target`, which must not exist.
+// Writes everything of `source` that can be read into the new file `target`. Errors: those of
+// CheckFile for the one, those of Database::Create for the other; no target is left then.
 RepairReport RepairFile(const std::filesystem::path& source, const std::filesystem::path& target,
                         FileSystem& files = HostFileSystem());
 

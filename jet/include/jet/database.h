@@ -4,7 +4,8 @@
 // be used after it is closed (they then throw kClosed). One thread uses a database at a time.
 //
 // Every row operation and every table creation is whole: when the call returned, the operation
-// survives the end of the process; when it threw, nothing of it is there, indexes included.
+// survives the end of the process; when it threw, nothing of it is there, indexes included. Besides
+// the errors named, everything here can throw kClosed, kIo and kOutOfMemory.
 // MakeDurable carries all operations so far through a power cut and leaves the file complete by
 // itself; until then the recent ones also live in a log file beside it (NAME-log), from which the
 // next opening brings them in.
@@ -48,7 +49,8 @@ public:
     static std::unique_ptr<Database> Open(const std::filesystem::path& path,
                                           const OpenOptions& options = {},
                                           FileSystem& files = HostFileSystem());
-    // Makes an empty database. Fails with kAlreadyExists when the file is there.
+    // Makes an empty database; when it cannot, no file is left. Errors: kAlreadyExists,
+    // kFileNotFound (the folder), kPermissionDenied, kReadOnly, kDiskFull, kIo.
     static std::unique_ptr<Database> Create(const std::filesystem::path& path, Version version,
                                             FileSystem& files = HostFileSystem());
 
@@ -57,9 +59,11 @@ public:
     // Closes; an error while closing is lost, so call Close first where it matters.
     ~Database();
 
-    // Makes everything durable, removes the log and gives up the file. Safe to call twice.
+    // Makes everything durable, removes the log and gives up the file, even when it throws: the log
+    // then stays for the next opening. Safe to call twice. Errors: kDiskFull, kIo.
     void Close();
-    // At most two flushes; none when nothing changed since the last call.
+    // At most two flushes; none when nothing changed since the last call. Errors: kDiskFull, kIo,
+    // kClosed; nothing is lost, and the next call tries again.
     void MakeDurable();
 
     [[nodiscard]] Version FileVersion() const;
@@ -70,14 +74,18 @@ public:
     [[nodiscard]] std::vector<std::string> TableNames() const;
     [[nodiscard]] std::vector<std::string> SystemTableNames() const;
     [[nodiscard]] bool HasTable(std::string_view name) const;
+    // Errors: kNoSuchTable, kDamaged.
     [[nodiscard]] TableSchema Describe(std::string_view table) const;
-    // Errors: kAlreadyExists, kBadName, kUnsupported (a type the version lacks), kReadOnly.
+    // Errors: kAlreadyExists, kBadName, kNoSuchField (in an index), kUnsupported (a type the
+    // version lacks), kRecordTooLarge (its shortest record), kReadOnly, kDiskFull, kIo.
     void CreateTable(const TableSchema& schema);
 
     // A table-type record set: rows in stored order until an index is set. System tables open
-    // read-only.
+    // read-only. Errors: kNoSuchTable, kDamaged.
     [[nodiscard]] std::unique_ptr<Recordset> OpenTable(std::string_view name);
     // A snapshot of the rows that a query selects, in its order; see query.h for the language.
+    // Errors: kSyntax, kNoSuchTable, kNoSuchField, kTypeMismatch (a condition), kUnsupported (an
+    // order that is not known), kDamaged.
     [[nodiscard]] std::unique_ptr<Recordset> OpenQuery(std::string_view sql);
 
     class Impl;

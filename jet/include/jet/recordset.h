@@ -51,7 +51,7 @@ public:
     virtual void SetIndex(std::string_view name) = 0;  // empty: stored order
     [[nodiscard]] virtual std::string Index() const = 0;
 
-    // Moving.
+    // Moving. Errors: kNoCurrentRecord past an end, kDamaged, kIo.
     virtual void MoveFirst() = 0;
     virtual void MoveLast() = 0;
     virtual void MoveNext() = 0;
@@ -61,14 +61,17 @@ public:
     [[nodiscard]] virtual std::int32_t RecordCount() const = 0;
 
     // Seeking in the current index by its leading columns. kEqual, kGreaterOrEqual and kGreater
-    // find the first such entry, kLess and kLessOrEqual the last.
+    // find the first such entry, kLess and kLessOrEqual the last. True when there is one. Errors:
+    // kNoSuchIndex (none is set), kTypeMismatch, kOverflow, kUnsupported (an order that is not
+    // known), kDamaged.
     virtual bool Seek(Comparison comparison, std::span<const Value> key) = 0;
     bool Seek(Comparison comparison, std::initializer_list<Value> key) {
         return Seek(comparison, std::span<const Value>(key.begin(), key.size()));
     }
     [[nodiscard]] virtual bool NoMatch() const = 0;
 
-    // Reading the current record, or the open edit's values when there is one.
+    // Reading the current record, or the open edit's values when there is one. Errors:
+    // kNoCurrentRecord, kNoSuchField, kDamaged; kTypeMismatch and kOverflow of a conversion.
     [[nodiscard]] virtual Value Get(FieldId field) const = 0;
     [[nodiscard]] Value Get(std::string_view field) const { return Get(Field(field)); }
     // The same without an allocation: false for null, and `into` is left alone.
@@ -77,7 +80,8 @@ public:
     virtual bool ReadDouble(FieldId field, double& into) const = 0;
     virtual bool ReadText(FieldId field, std::u16string& into) const = 0;
 
-    // Changing. Set converts between number types; kTypeMismatch, kOverflow, kTextTooLong.
+    // Changing. AddNew, Edit, Delete: kReadOnly, kNoCurrentRecord. Set converts between number
+    // types; kNoEditBegun, kNoSuchField, kTypeMismatch, kOverflow, kTextTooLong.
     // Update: kDuplicateKey, kNullNotAllowed, kRecordTooLarge, kUnsupported, kDiskFull, kIo; after
     // an error the edit stays open with its values and the file is as before.
     virtual void AddNew() = 0;
