@@ -1,10 +1,8 @@
 // Makes the files that a new user can look around in: make_samples DATA-FOLDER COSTS-FOLDER
 //
 // A data file and an assessment file, from the same text tables of invented figures.
-#include <cstdint>
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <string>
 #include <vector>
 

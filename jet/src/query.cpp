@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cstdint>
 #include <new>
-#include <optional>
 #include <utility>
 
 #include "jet/error.h"

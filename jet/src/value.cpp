@@ -4,7 +4,6 @@
 #include <cmath>
 #include <concepts>
 #include <limits>
-#include <optional>
 
 #include "jet/error.h"
 

@@ -6,7 +6,6 @@
 // Exit status: 0 clean (or repaired without losses), 1 findings (or losses), 2 unreadable.
 #include <cstdio>
 #include <exception>
-#include <optional>
 #include <string>
 
 #include "jet/check.h"

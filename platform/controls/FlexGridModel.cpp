@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"

@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <type_traits>

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "jet/database.h"
 #include "sample_table.h"
 #include "support/jet_files.h"

@@ -2,7 +2,6 @@
 // the file itself.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <fstream>
 #include <iterator>
 #include <map>

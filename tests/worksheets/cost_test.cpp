@@ -1,5 +1,4 @@
 // Costs per acre by fire size and their worksheet.
-#include <limits>
 #include <random>
 
 #include "datafile/FieldReaders.h"

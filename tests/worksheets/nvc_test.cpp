@@ -1,6 +1,5 @@
 // The table of net value change and its worksheet.
 #include <cmath>
-#include <limits>
 #include <random>
 
 #include "datafile/FieldReaders.h"

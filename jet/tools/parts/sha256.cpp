@@ -1,7 +1,6 @@
 #include "parts/sha256.h"
 
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <vector>
 
