@@ -1,8 +1,9 @@
 // The last trap around every event handler.
 //
 // Nothing that a handler throws may reach Qt's event loop. Every connection to a handler therefore
-// goes through Trapped: an error that nothing nearer caught is handed to the reporter (which writes
-// the logs, restores pointer and busy mode, and shows the message box), and the program carries on.
+// goes through Trapped: when a handler fails, pointer and busy mode are put back, the error is
+// handed to the reporter (which writes the logs and shows the message box), and the program carries
+// on.
 // When the outermost handler has ended, well or not, the idle step runs (it makes the data file
 // durable); its errors are reported in the same way.
 #pragma once

@@ -8,6 +8,7 @@
 #include "platform/controls/vsIndexTab.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
+#include "shell/ProgramTexts.h"
 #include "shell/a3PrepForms.h"
 #include "shell/frm0Start.h"
 #include "shell/frm0_Prep.h"
@@ -97,7 +98,7 @@ void FCD_Restart() {
     u91Trace::Procedure(QStringLiteral("FCD_Restart"));
     frm0_Prep& frame = frm0_Prep::Loaded();
     frame.StartScreen().SetForeground();
-    frame.setWindowTitle(QStringLiteral("TARN Prep"));
+    frame.setWindowTitle(ProgramTexts::kName);
     frame.UnloadTabs();
     EnableMenus(false);
 }

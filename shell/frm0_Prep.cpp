@@ -123,9 +123,9 @@ void frm0_Prep::MDIForm_Resize() {
     a3PrepForms::ArrangeWorksheets();
 }
 
-void frm0_Prep::SetTitleBar(const QString& sFileName) {
+void frm0_Prep::SetTitleBar(const QString& fileName) {
     u91Trace::Procedure(QStringLiteral("frm0_Prep.SetTitleBar"));
-    QString title = QStringLiteral("TARN Prep:  [") + sFileName + QStringLiteral("]  ") +
+    QString title = QStringLiteral("TARN Prep:  [") + fileName + QStringLiteral("]  ") +
                     PrepProperties::GetPropertyWithDefault(QStringLiteral("UnitName"),
                                                            QStringLiteral("No Name"));
     // In a window's title this stands for the mark of unsaved changes, doubled for itself.
@@ -276,7 +276,7 @@ bool frm0_Prep::eventFilter(QObject* watched, QEvent* event) {
     }
     Run("frm0_Prep.F1", [&] {
         const QWidget* form = isDialogOfOurs ? control : ActiveForm();
-        platform::HelpViewer::ShowContext(platform::HelpContextId(form), window);
+        platform::HelpViewer::ShowContext(platform::HelpContextId(form));
     });
     return true;
 }

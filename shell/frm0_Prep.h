@@ -34,7 +34,7 @@ public:
     [[nodiscard]] bool IsUnloaded() const { return isUnloaded_; }
 
     // Shows the file name and the unit's name, which is "No Name" when the file has none.
-    void SetTitleBar(const QString& sFileName);
+    void SetTitleBar(const QString& fileName);
     void StepMenu_Check(std::int16_t index);
     static QString HelpFilePath();
 

@@ -12,7 +12,8 @@
 
 namespace {
 
-constexpr int kTextWidth = 900;
+constexpr int kHelpContextId = 10;
+constexpr int kTextWidth = 900;  // pixels, before the text grows
 constexpr int kInset = 14;
 // The text grows with the page from this size on.
 constexpr double kTextScale = 1.15;
@@ -60,7 +61,12 @@ QScrollArea* Scroller(QWidget* parent, FLabel* text) {
 }  // namespace
 
 frm1Intro::frm1Intro(WorksheetHost& host, QWidget* parent)
-    : WorksheetPage(host, parent, {"frm1Intro", tr("Introduction"), 1, "INT", 10}),
+    : WorksheetPage(host, parent,
+                    {.name = "frm1Intro",
+                     .caption = tr("Introduction"),
+                     .index = 1,
+                     .id = "INT",
+                     .helpContextId = kHelpContextId}),
       flbDescription_(new FLabel) {
     AddTitle(tr("Description of Section"));
     auto* pnlDescription = new SSPanel(this);

@@ -6,6 +6,12 @@
 #include "platform/controls/FlexGridClip.h"
 #include "platform/controls/vsFlexGridImpl.h"
 
+namespace {
+
+constexpr int kUnlimited = 32767;  // characters: the limit of every line edit
+
+}  // namespace
+
 void vsFlexGrid::ConnectEditor() {
     FlexGridEditor* editor = impl_->editor;
     editor->setObjectName(QStringLiteral("txtCellEditor"));
@@ -39,7 +45,7 @@ void vsFlexGrid::EditCell() {
         return;
     }
     const QString text = impl_->model->Text(row, index.column());
-    const int length = impl_->maxLength > 0 ? impl_->maxLength : 32767;
+    const int length = impl_->maxLength > 0 ? impl_->maxLength : kUnlimited;
     FlexGridEditor* editor = impl_->editor;
     impl_->edited = index;
     impl_->textBefore = text;
@@ -128,7 +134,7 @@ void vsFlexGrid::SetEditMaxLength(int characters) {
     impl_->maxLength = characters;
     if (Editing()) {
         const auto length = static_cast<int>(impl_->editor->text().size());
-        impl_->editor->setMaxLength(characters > 0 ? std::max(characters, length) : 32767);
+        impl_->editor->setMaxLength(characters > 0 ? std::max(characters, length) : kUnlimited);
     }
 }
 

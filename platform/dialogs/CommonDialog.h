@@ -1,4 +1,4 @@
-// The common dialog: choosing a file to open, and showing help.
+// The common dialog: choosing a file to open.
 #pragma once
 
 #include <QString>

@@ -36,13 +36,6 @@ namespace {
 constexpr int kSourceLength = 255;
 constexpr int kHelpContextId = 30;
 
-// A field of the current record as the grid holds it; a missing value is an empty text.
-QString CellText(const char* field) {
-    return tblSRMasterList->Field(QString::fromLatin1(field)).isValid()
-               ? tblSRMasterList->Text(QString::fromLatin1(field))
-               : QString();
-}
-
 QString CostText() {
     return tblSRMasterList->IsNull(FieldNames::kCost)
                ? QString()
@@ -185,12 +178,12 @@ void frm3SRMaster::LoadGrid() {
 }
 
 void frm3SRMaster::LoadRow(int row) {
-    grdMasterList_->SetTextMatrix(row, kNumber, CellText("Sequence"));
-    grdMasterList_->SetTextMatrix(row, kName, CellText("LongName"));
-    grdMasterList_->SetTextMatrix(row, kShortName, CellText("ShortName"));
-    grdMasterList_->SetTextMatrix(row, kUnits, CellText("Units"));
+    grdMasterList_->SetTextMatrix(row, kNumber, tblSRMasterList->Text(FieldNames::kSequence));
+    grdMasterList_->SetTextMatrix(row, kName, tblSRMasterList->Text(FieldNames::kLongName));
+    grdMasterList_->SetTextMatrix(row, kShortName, tblSRMasterList->Text(FieldNames::kShortName));
+    grdMasterList_->SetTextMatrix(row, kUnits, tblSRMasterList->Text(FieldNames::kUnits));
     grdMasterList_->SetTextMatrix(row, kCost, CostText());
-    grdMasterList_->SetTextMatrix(row, kKey, CellText("Key"));
+    grdMasterList_->SetTextMatrix(row, kKey, tblSRMasterList->Text(FieldNames::kKey));
 }
 
 void frm3SRMaster::grdMasterList_EnterCell() {

@@ -6,8 +6,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 #include "datafile/FieldNames.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
