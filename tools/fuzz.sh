@@ -9,8 +9,13 @@ build="$root/build-fuzz"
 
 "$root/tools/build.sh" "$build" fuzzers -DCMAKE_CXX_COMPILER=clang++ -DTARN_FUZZ=ON -DTARN_TESTS=OFF
 mkdir -p "$build/findings"
+if [ -n "$wanted" ] && [ ! -f "$root/fuzz/${wanted}_fuzz.cpp" ]; then
+    echo "There is no fuzz target $wanted." >&2
+    exit 2
+fi
 status=0
-for name in open_walk seek_edit log_recovery query numbers; do
+for source in "$root"/fuzz/*_fuzz.cpp; do
+    name=$(basename "$source" _fuzz.cpp)
     if [ -n "$wanted" ] && [ "$wanted" != "$name" ]; then
         continue
     fi

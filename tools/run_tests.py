@@ -14,7 +14,8 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 WINDOWS_ZLIB = Path("/usr/x86_64-w64-mingw32/lib/libz.a")
-FUZZ_TARGETS = ["open_walk", "seek_edit", "log_recovery", "query", "numbers"]
+FUZZ_TARGETS = sorted(path.name.removesuffix("_fuzz.cpp")
+                      for path in (ROOT / "fuzz").glob("*_fuzz.cpp"))
 FUZZ_SECONDS = 60
 # Changed bytes for each sample file, kills for each test, and every failing call.
 HARD_TESTS = [
