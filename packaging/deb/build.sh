@@ -2,6 +2,7 @@
 # The Debian package. Usage: packaging/deb/build.sh ROOT OUT VERSION
 set -eu
 root=$1 out=$2 version=$3
+# shellcheck source=packaging/stage.sh
 . "$root/packaging/stage.sh"
 architecture=$(dpkg --print-architecture)
 stage=$out/deb

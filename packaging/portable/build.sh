@@ -3,6 +3,7 @@
 # Usage: packaging/portable/build.sh ROOT OUT VERSION
 set -eu
 root=$1 out=$2 version=$3
+# shellcheck source=packaging/stage.sh
 . "$root/packaging/stage.sh"
 name=TARNPrep-$version-linux-$(uname -m)
 stage=$out/portable/TARNPrep-$version

@@ -30,10 +30,32 @@ TRIALS = [
     ("sizes", "shell/Body.cpp", "void Body() {\n" + "    Go();\n" * 40 + "}\n",
      "functions over 35 lines"),
     ("sizes", "shell/Body.cpp", "void Body() {\n" + "    Go();\n" * 20 + "}\n", ""),
+    ("sizes", "shell/Body.h", "class A {\n    void Body() {\n" + "        Go();\n" * 60 + "    }\n};\n",
+     "a function of 62 lines that does not say why"),
+    ("handlers", "shell/Frame.cpp", "connect(a, &A::b, this, [this] { cmdAdd_Click(); });\n",
+     "does not run under the trap"),
+    ("handlers", "shell/Frame.cpp",
+     'connect(a, &A::b, this, Trapped("F.cmdAdd_Click", [this] { cmdAdd_Click(); }));\n', ""),
+    ("waiting", "tests/shell/Frame_test.cpp", "QTest::qSleep(50);\n", "sleeps"),
+    ("waiting", "tests/shell/Frame_test.cpp", "auto now = std::chrono::steady_clock::now();\n",
+     "looks at a clock"),
+    ("waiting", "tests/shell/Frame_test.cpp", "QTest::qWaitFor([] { return Shown(); });\n", ""),
+    ("scripts", "tools/go.sh", "#!/bin/sh\ncd $1\nif [ $# = 1 ]; then exit; fi\n", "SC2164"),
+    ("scripts", "tools/go.sh", '#!/bin/sh\ncd "$1" || exit\n', ""),
+    ("formatting", "shell/Row.cpp", "int  a;\n", "shell/Row.cpp"),
+    ("formatting", "shell/Row.cpp", "int a;\n", ""),
+    ("help_pages", "help/pages/zones.html", '<p><a href="absent.html">Zones</a></p>\n',
+     "leads nowhere"),
+    ("help_pages", "help/pages/zones.html", "<p>Zones</b>\n", "closes what was not open"),
+    ("help_pages", "help/pages/new.html", "<p>New</p>\n", "not in the contents list"),
+    ("help_pages", "help/pages/zones.html", "<p>Zones</p>\n", ""),
     ("debris", "shell/Rest.cpp", "int a;  // TO" + "DO\n", "unfinished work"),
     ("debris", "shell/Rest.cpp", "int a;  // NO" + "LINT\n", "name the check"),
     ("debris", "shell/Rest.cpp", "// Close(file);\n", "commented out"),
     ("debris", "shell/Rest.cpp", "int a; \n", "blanks at the end"),
+    ("debris", "shell/Rest.cpp", "// As in iss" + "ue 3.\n", "give the reason itself"),
+    ("debris", "README.md", "Look into /ho" + "me/ann/prep.\n", "one person's machine"),
+    ("debris", "README.md", "<<<<<" + "<< main\n", "a merge that was not finished"),
     ("debris", "shell/Rest.cpp", "// Closing it frees the lock.\n", ""),
 ]
 # What the includes of the trials mean.
@@ -45,6 +67,8 @@ def say(gate, name, contents):
     with tempfile.TemporaryDirectory(prefix="tarn gates ") as folder:
         root = Path(folder)
         shutil.copytree(GATES, root / "tools/gates", ignore=shutil.ignore_patterns("__pycache__"))
+        shutil.copytree(tree.ROOT / "help", root / "help")
+        shutil.copy(tree.ROOT / ".clang-format", root)
         for file in [*THERE, name]:
             (root / file).parent.mkdir(parents=True, exist_ok=True)
             (root / file).write_text(contents if file == name else "#pragma once\n",

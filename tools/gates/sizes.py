@@ -32,6 +32,23 @@ def functions(lines):
             begin = None
 
 
+def members(lines):
+    """The same of every function that stands inside a class at the left margin."""
+    inside, begin = False, None
+    for number, line in enumerate(lines):
+        if re.match(r"(class|struct)\b[^;]*$", line):
+            inside = True
+        elif line == "};":
+            inside, begin = False, None
+        elif inside and begin is None and re.match(r"    [^\s/].*\(", line):
+            begin = number
+        if begin is not None and line == "    }":
+            yield begin, number - begin + 1
+            begin = None
+        elif begin is not None and re.match(r"    \S.*[;}]$", line):
+            begin = None
+
+
 def says_why(lines, begin):
     return begin > 0 and lines[begin - 1].lstrip().startswith("//")
 
@@ -46,9 +63,7 @@ def main():
             offenders.append(f"{where}: {len(lines)} lines")
         if not test:
             files.append((len(lines), where))
-        for begin, length in functions(lines):
-            if test:
-                continue
+        for begin, length in () if test else (*functions(lines), *members(lines)):
             lengths.append((length, f"{where}:{begin + 1}"))
             if length > LONG_FUNCTION and not says_why(lines, begin):
                 offenders.append(f"{where}:{begin + 1}: a function of {length} lines that does"

@@ -6,6 +6,7 @@ root=$(cd "$here/../.." && pwd)
 build=${TARN_BUILD:-$root/build}
 pictures=$root/help/pages/pictures
 
+# shellcheck source=tools/tour/display.sh
 . "$here/display.sh"
 work=$(mktemp -d)
 trap 'rm -rf "$work"; close_display' EXIT

@@ -7,6 +7,7 @@ root=$(cd "$here/../.." && pwd)
 build=${TARN_BUILD:-$root/build}
 tour=$build/tour
 
+# shellcheck source=tools/tour/display.sh
 . "$here/display.sh"
 rm -rf "$tour"
 mkdir -p "$tour"

@@ -1,0 +1,26 @@
+#!/usr/bin/env python3
+"""shellcheck has nothing to say about the shell scripts."""
+import shutil
+import subprocess
+
+import tree
+
+
+def is_script(path):
+    with open(path, "rb") as file:
+        return file.read(9) == b"#!/bin/sh"
+
+
+def main():
+    if not shutil.which("shellcheck"):
+        tree.finish(["shellcheck is not installed; tools/setup.sh test does it"], "shell scripts")
+    # What a script sources is looked at with it.
+    scripts = [tree.name(path) for path in tree.text_files() if is_script(path)]
+    run = subprocess.run(["shellcheck", "--severity=warning", "--external-sources",
+                          "--check-sourced", "--format=gcc", *scripts],
+                         cwd=tree.ROOT, capture_output=True, text=True, check=False)
+    offenders = sorted(set((run.stdout + run.stderr).splitlines()))
+    tree.finish(offenders, "shell scripts without mistakes")
+
+
+main()
