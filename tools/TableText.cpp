@@ -69,6 +69,9 @@ void SetFromText(jet::Recordset& records, std::string_view field, const std::str
         case jet::ColumnType::kSingle:
             records.Set(id, std::stof(text));
             break;
+        case jet::ColumnType::kDouble:
+            records.Set(id, std::stod(text));
+            break;
         default:
             records.Set(id, static_cast<std::int32_t>(std::stol(text)));
             break;

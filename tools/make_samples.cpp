@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "tools/AssessmentSchema.h"
 #include "tools/PrepSchema.h"
 #include "tools/TableText.h"
 
 namespace {
 
 using tools::TextRow;
-using Type = jet::ColumnType;
 
 constexpr int kLevels = 6;
 constexpr int kCostClasses = 9;
@@ -91,31 +91,10 @@ void FillDataFile(jet::Database& database, const Sample& sample,
     }
 }
 
-void CreateAssessmentTables(jet::Database& database) {
-    database.CreateTable(
-        {"FMZ",
-         {tools::Column("FMZCode", Type::kText, 10), tools::Column("Describe", Type::kText, 50),
-          tools::Column("RLCount", Type::kInteger)},
-         {tools::Index("FMZCode", {"FMZCode"}, true)}});
-    database.CreateTable(
-        {"AAC",
-         {tools::Column("FMZCode", Type::kText, 10), tools::Column("RowNo", Type::kInteger),
-          tools::Column("UpAcres", Type::kSingle), tools::Column("Cost", Type::kSingle)},
-         {tools::Index("FMZRow", {"FMZCode", "RowNo"}, true)}});
-    database.CreateTable(
-        {"NVCSetup",
-         {tools::Column("FMZCode", Type::kText, 10), tools::Column("RL", Type::kInteger),
-          tools::Column("TableID", Type::kText, 10)},
-         {tools::Index("FMZRL", {"FMZCode", "RL"}, true)}});
-    database.CreateTable(
-        {"NVCTable",
-         {tools::Column("TableID", Type::kText, 10), tools::Column("Resource", Type::kInteger),
-          tools::Column("FIL", Type::kInteger), tools::Column("WPANRVCBF", Type::kSingle)},
-         {tools::Index("NVCTable", {"TableID", "Resource", "FIL"}, true)}});
-}
-
 void FillAssessmentFile(jet::Database& database, const Sample& sample) {
-    CreateAssessmentTables(database);
+    for (const jet::TableSchema& table : tools::AssessmentTables()) {
+        database.CreateTable(table);
+    }
     for (const TextRow& zone : Where(sample.zones, "File", "assessment")) {
         const std::string& code = zone.at("Code");
         const std::vector<std::string> locations = tools::SplitWords(zone.at("Tables"));

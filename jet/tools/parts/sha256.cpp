@@ -1,6 +1,7 @@
 #include "parts/sha256.h"
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <vector>
 
