@@ -164,12 +164,12 @@ void frm0Start::ArrangeControls() {
 void frm0Start::Form_Load() {
     u91Trace::FormLoad(QStringLiteral("frm0Start"));
     move(0, 0);
-    FitToSize();  // before anything is measured in a font that would not stay
     flbOverview_->SetCaption(kOverview);
     flbStart_->SetCaption(kInstructions);
     lblCopyright_->setText(ProgramTexts::kNoticeOfRights);
     lblCopyright_->setProperty("Caption", ProgramTexts::kNoticeOfRights);
     lblCopyright_->setAccessibleName(ProgramTexts::kNoticeOfRights);
+    FitToSize();  // before anything is measured in a font that would not stay
     cmdNew_->setFocus();
 }
 
@@ -203,10 +203,14 @@ void frm0Start::paintEvent(QPaintEvent* /*event*/) {
 
 void frm0Start::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    FitToSize();
+    if (size() != fittedSize_ || font() != fittedFont_) {
+        FitToSize();
+    }
 }
 
 void frm0Start::FitToSize() {
+    fittedSize_ = size();
+    fittedFont_ = font();
     const double fitting = std::min(width() / kDesignWidth, height() / kDesignHeight);
     const double size = std::clamp(fitting, kSmallestScale, kLargestScale);
     const auto pixels = [size](int designed) { return static_cast<int>(designed * size); };
@@ -219,14 +223,16 @@ void frm0Start::FitToSize() {
     }
     lblTitle_->setFixedHeight(pixels(kBanner));
     const int columnWidth = std::max(std::min(pixels(kColumnWidth), width() - 2 * kGap), 0);
-    lblTitle_->setContentsMargins((width() - 2 * kGap - columnWidth) / 2, 0, 0,
-                                  lblTitle_->height() / 4);
+    const int indent = (width() - 2 * kGap - columnWidth) / 2;
+    const int belowTitle = lblTitle_->height() / 4;
+    lblTitle_->setContentsMargins(indent, 0, 0, belowTitle);
     // Small windows get less room, not small print, unless the texts would be cut.
     double textSize = std::max(size, 1.0);
     Scale(*lblTitle_, kTitleSize * textSize, true);
     const QFont title = lblTitle_->font();
-    lblTitle_->setFont(
-        platform::FittingFont(title, lblTitle_->text(), lblTitle_->contentsRect().size()));
+    // The layout gives the title its place only later.
+    const QSize room(width() - 2 * kGap - indent, lblTitle_->height() - belowTitle);
+    lblTitle_->setFont(platform::FittingFont(title, lblTitle_->text(), room));
     ScaleTexts(textSize);
     while (platform::HeightAtWidth(*column_, columnWidth) > RoomForColumn() &&
            textSize > kSmallestText) {

@@ -53,4 +53,6 @@ private:
     QPushButton* cmdNew_ = nullptr;
     QLabel* lblCopyright_;
     QWidget* column_;
+    QSize fittedSize_;  // what sizes and fonts were last chosen for
+    QFont fittedFont_;
 };

@@ -147,6 +147,8 @@ void frm0_Prep::Maximise() {
 frm0Start& frm0_Prep::StartScreen() {
     if (!startScreen_) {
         startScreen_ = std::make_unique<frm0Start>(clientArea_);
+        // Its texts are measured once, for the size that it is going to have.
+        startScreen_->resize(ClientSize());
         startScreen_->Form_Load();
         startScreen_->show();
         startScreen_->lower();
