@@ -1,9 +1,12 @@
 #include "platform/controls/LegibleStyle.h"
 
 #include <QPainter>
+#include <QPointer>
 #include <QStyleOption>
 #include <algorithm>
 #include <cmath>
+
+#include "platform/controls/LateIcon.h"
 
 namespace {
 
@@ -163,4 +166,19 @@ void LegibleStyle::drawComplexControl(ComplexControl control, const QStyleOption
         outline.Box(option->rect);
         outline.Box(subControlRect(control, option, SC_ScrollBarSlider, widget));
     }
+}
+
+// Each menu bar asks for the arrow that it shows once it is too narrow for its menus. Reading that
+// picture loads all the toolkit's readers of pictures, which the program does not need otherwise.
+QIcon LegibleStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
+                                 const QWidget* widget) const {
+    if (which != SP_ToolBarHorizontalExtensionButton) {
+        return QProxyStyle::standardIcon(which, option, widget);
+    }
+    const QPointer<const LegibleStyle> style(this);
+    return platform::LateIcon([style] {
+        return style == nullptr ? QIcon()
+                                : style->QProxyStyle::standardIcon(
+                                      SP_ToolBarHorizontalExtensionButton, nullptr, nullptr);
+    });
 }

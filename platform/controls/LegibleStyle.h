@@ -4,6 +4,7 @@
 // read.
 #pragma once
 
+#include <QIcon>
 #include <QPalette>
 #include <QProxyStyle>
 
@@ -19,4 +20,6 @@ public:
                      const QWidget* widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                             QPainter* painter, const QWidget* widget) const override;
+    [[nodiscard]] QIcon standardIcon(StandardPixmap standardIcon, const QStyleOption* option,
+                                     const QWidget* widget) const override;
 };
