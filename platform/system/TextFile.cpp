@@ -34,25 +34,38 @@ namespace {
 
 #ifdef Q_OS_UNIX
 
-// Three calls of the system and no more: a log is opened, written and closed for each of its lines.
+// How much was written.
+qsizetype WriteAll(int file, const QByteArray& bytes) {
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const ssize_t written =
+            ::write(file, bytes.constData() + done, static_cast<std::size_t>(bytes.size() - done));
+        if (written < 0 && errno != EINTR) {
+            break;
+        }
+        done += std::max<ssize_t>(written, 0);
+    }
+    return done;
+}
+
+// Few calls of the system: a log is opened, written and closed for each of its lines.
+//
+// What an older file holds beyond the new lines is cut off afterwards. To empty it first would make
+// some file systems wait until its former bytes are on the disk, for milliseconds at each start.
 void Write(const QString& path, TextMode mode, const QByteArray& bytes) {
-    const int how = mode == TextMode::kAppend ? O_APPEND : O_TRUNC;
+    const int how = mode == TextMode::kAppend ? O_APPEND : 0;
     const int file =
         ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | how, 0666);
     if (file < 0) {
         ThrowOpenFailure(path);
     }
-    const char* next = bytes.constData();
-    const char* const end = next + bytes.size();
-    while (next < end) {
-        const ssize_t written = ::write(file, next, static_cast<std::size_t>(end - next));
-        if (written < 0 && errno != EINTR) {
-            ::close(file);
-            ThrowDiskFull(path);
-        }
-        next += std::max<ssize_t>(written, 0);
-    }
+    const qsizetype done = WriteAll(file, bytes);
+    // Devices and pipes have no length and say so.
+    const bool isCut = mode == TextMode::kAppend || ::ftruncate(file, done) == 0 || errno == EINVAL;
     ::close(file);
+    if (done < bytes.size() || !isCut) {
+        ThrowDiskFull(path);
+    }
 }
 
 #else

@@ -44,6 +44,11 @@ TEST_F(SystemTest, WriteLines_StartsAnewOrAppends) {
     EXPECT_EQ(Bytes("A.LOG"), QByteArray("one\r\n\xc3\xa9\r\n\r\ntwo\r\n"));
     platform::WriteLines(Path("A.LOG"), platform::TextMode::kOutput, {"new"});
     EXPECT_EQ(Bytes("A.LOG"), QByteArray("new\r\n"));
+    platform::WriteLines(Path("A.LOG"), platform::TextMode::kOutput, {});
+    EXPECT_EQ(Bytes("A.LOG"), QByteArray());
+    if (QFile::exists("/dev/null")) {
+        platform::WriteLines("/dev/null", platform::TextMode::kOutput, {"lost"});
+    }
 }
 
 TEST_F(SystemTest, WriteLines_FailuresHaveNumbers) {
