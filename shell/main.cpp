@@ -3,8 +3,8 @@
 #include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
 #include "platform/controls/LegibleStyle.h"
-#include "platform/system/FontReader.h"
 #include "platform/system/OwnFonts.h"
+#include "platform/system/StartHelpers.h"
 #include "platform/system/Termination.h"
 #include "shell/LastTrap.h"
 #include "shell/Scenery.h"
@@ -27,8 +27,9 @@ QString CommandLine(int argc, char* argv[]) {
 int main(int argc, char* argv[]) {
     const QString commandLine = CommandLine(argc, argv);
     int programNameOnly = 1;
-    platform::FontReader fonts;
+    platform::Beside fonts(platform::ReadFonts);
     QApplication application(programNameOnly, argv);
+    const platform::Beside bus(platform::ConnectToSessionBus);
     // A message box may be the only window for a while; the program ends with the main frame.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(new LegibleStyle);
@@ -36,14 +37,14 @@ int main(int argc, char* argv[]) {
     platform::InstallClipboardShortcutFilter();
     platform::InstallImmediateMnemonics();
     LastTrap::Install();
+    fonts.Wait();
+    platform::BringFontsWhereThereAreNone();
 
     frm0_Prep frame(commandLine);
     QObject::connect(
         &frame, &frm0_Prep::Unloaded, &application, [] { QApplication::exit(0); },
         Qt::QueuedConnection);
     platform::OnTermination([&frame] { frame.EndAtOnce(); });
-    fonts.Wait();
-    platform::BringFontsWhereThereAreNone();
     frame.MDIForm_Load();
     return frame.IsUnloaded() ? 0 : QApplication::exec();
 }
