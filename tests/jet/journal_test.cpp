@@ -409,13 +409,6 @@ void ExpectForeign(const std::vector<std::byte>& file, const std::vector<std::by
     EXPECT_EQ(files.Contents(std::string(kLog) + "-old"), log);
 }
 
-TEST_P(JournalTest, Open_WithoutALog_MakesOneAndFlushesNothing) {
-    files_.Arm(Fault::kNone, 0);
-    const auto pager = OpenFile(files_);
-    EXPECT_EQ(files_.Steps(), 1);
-    EXPECT_TRUE(files_.Exists(kLog));
-}
-
 TEST_P(JournalTest, Open_WithPendingLog_BringsItInAndSaysSo) {
     const Pair pair = LeaveLog(files_, 5);
     EXPECT_NE(pair.file.size(), 0U);

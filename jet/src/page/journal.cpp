@@ -37,7 +37,7 @@ void Journal::Prepare() noexcept {
 void Journal::RequireFile() {
     if (file_) return;
     auto file = files_.Open(path_, OpenMode::kCreateOrOpen);
-    placeFlushed_ = false;
+    files_.FlushFolder(path_.parent_path());
     cutFirst_ = cutFirst_ || file->Size() > end_;
     file_ = std::move(file);
 }
@@ -121,9 +121,6 @@ void Journal::Flush() {
     if (flushFailed_) WriteAllAgain();
     try {
         file_->Flush();
-        // Not when the log is made: every opening would wait for the disk.
-        if (!placeFlushed_) files_.FlushFolder(path_.parent_path());
-        placeFlushed_ = true;
     } catch (...) {
         flushFailed_ = true;
         throw;
