@@ -1,5 +1,7 @@
 #include "platform/controls/FlexGridClip.h"
 
+#include <QRegularExpression>
+
 namespace FlexGridClip {
 namespace {
 
@@ -98,6 +100,21 @@ QString ToText(const Block& block) {
 
 Block FromText(const QString& text) {
     return Reader(text).Read();
+}
+
+QString PlainNumber(const QString& text) {
+    static const QRegularExpression kFormatted(
+        QStringLiteral("^(\\()?([-\u2212]?)\\$?([-\u2212]?)"
+                       "((?:\\d{1,3}(?:,\\d{3})+|\\d+)?(?:\\.\\d*)?)(\\))?$"));
+    const QRegularExpressionMatch match = kFormatted.match(text.trimmed());
+    QString digits = match.captured(4).remove(u',');
+    const bool opened = !match.captured(1).isEmpty();
+    const bool closed = !match.captured(5).isEmpty();
+    if (opened != closed || digits.isEmpty() || digits == QLatin1String(".")) {
+        return text;
+    }
+    const bool minus = opened || !match.captured(2).isEmpty() || !match.captured(3).isEmpty();
+    return minus ? u'-' + digits : digits;
 }
 
 }  // namespace FlexGridClip

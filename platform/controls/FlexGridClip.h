@@ -14,5 +14,8 @@ using Block = std::vector<QStringList>;
 QString ToText(const Block& block);
 // Lines end with CR LF or either of them; the end of the last line is optional.
 Block FromText(const QString& text);
+// A number with a spreadsheet's dollar sign, thousands commas or brackets for a loss, without them:
+// "($1,250.50)" is "-1250.50". Any other text stands as it is.
+QString PlainNumber(const QString& text);
 
 }  // namespace FlexGridClip

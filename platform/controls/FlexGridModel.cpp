@@ -163,6 +163,19 @@ void FlexGridModel::SortNumericAscending(int col) {
     }
 }
 
+void FlexGridModel::MarkRows(int first, int count) {
+    for (int row = 0; row < Rows(); ++row) {
+        const bool marked = row >= first && row - first < count;
+        rows_[static_cast<std::size_t>(row)].mark = marked ? row - first : -1;
+    }
+}
+
+int FlexGridModel::MarkedRow(int mark) const {
+    const auto found = std::find_if(rows_.begin(), rows_.end(),
+                                    [mark](const GridRow& row) { return row.mark == mark; });
+    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+}
+
 QString FlexGridModel::Heading(int col) const {
     QStringList texts;
     for (int row = 0; row < fixedRows_; ++row) {

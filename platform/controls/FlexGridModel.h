@@ -15,7 +15,9 @@ struct FlexGridColumn {
     Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
     Qt::Alignment fixedAlignment = Qt::AlignCenter;
     QString format;
-    bool whole = false;  // holds whole numbers
+    bool number = false;
+    bool whole = false;      // holds whole numbers
+    QString accessibleName;  // of a column without a heading
 };
 
 class FlexGridModel : public QAbstractTableModel {
@@ -45,6 +47,10 @@ public:
     void InsertRow(int row, const QStringList& texts);
     void RemoveRow(int row);
     void SortNumericAscending(int col);
+    // Numbers rows from 0 on, so that they are found again wherever they have been sorted to.
+    void MarkRows(int first, int count);
+    // The row of that number, or -1.
+    [[nodiscard]] int MarkedRow(int mark) const;
 
     // The heading in one line: the different texts of the fixed rows.
     [[nodiscard]] QString Heading(int col) const;
@@ -61,6 +67,7 @@ private:
     struct GridRow {
         std::vector<QString> cells;
         int data = 0;
+        int mark = -1;
     };
 
     [[nodiscard]] GridRow EmptyRow() const;

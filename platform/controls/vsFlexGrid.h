@@ -107,7 +107,8 @@ public:
     void SetEditText(const QString& text);
     [[nodiscard]] QString EditSelText() const;
     // Replaces the editor's selection, as typing does; outside an edit the current cell's text. A
-    // block of cells as a spreadsheet copies it fills the cells from the current one on.
+    // block of cells as a spreadsheet copies it fills the cells from the current one on; a tip
+    // tells how many of them could not be put there as they are.
     void SetEditSelText(const QString& text);
     // Empties what Clip gives: the editor's selection, or the selected cells.
     void ClearClip();
@@ -174,3 +175,7 @@ private:
 
     std::unique_ptr<Impl> impl_;
 };
+    bool PasteCell(int row, int col, const QString& text);
+    [[nodiscard]] QString AsTyped(int col, const QString& text) const;
+    void TellRefused(int cells);
+    bool EditOnly(int row, int col);

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QScopedValueRollback>
 
-#include "platform/controls/FlexGridClip.h"
 #include "platform/controls/vsFlexGridImpl.h"
 
 namespace {
@@ -100,59 +99,12 @@ QString vsFlexGrid::EditSelText() const {
     return Editing() ? impl_->editor->selectedText() : QString();
 }
 
-void vsFlexGrid::SetEditSelText(const QString& text) {
-    const FlexGridClip::Block block = FlexGridClip::FromText(text);
-    if (block.size() > 1 || (block.size() == 1 && block.front().size() > 1)) {
-        PasteBlock(block);
-        return;
-    }
-    if (!Editing()) {
-        Enter();
-    }
-    if (Editing()) {
-        // The one cell without a spreadsheet's quotation marks and line end.
-        const bool copiedCell = text.endsWith(u'\n') && !block.empty();
-        impl_->editor->insert(copiedCell ? block.front().front() : text);
-    }
-}
-
-void vsFlexGrid::ClearClip() {
-    if (Editing()) {
-        impl_->editor->insert(QString());
-        return;
-    }
-    const QModelIndex current = currentIndex();
-    for (const QPersistentModelIndex cell : SelectedCells()) {
-        ReplaceCell(cell.row() + FixedRows(), cell.column(), QString());
-    }
-    if (current.isValid()) {
-        Select(current.row() + FixedRows(), current.column());
-    }
-}
-
 void vsFlexGrid::SetEditMaxLength(int characters) {
     impl_->maxLength = characters;
     if (Editing()) {
         const auto length = static_cast<int>(impl_->editor->text().size());
         impl_->editor->setMaxLength(characters > 0 ? std::max(characters, length) : kUnlimited);
     }
-}
-
-QString vsFlexGrid::Clip() const {
-    if (Editing()) {
-        const QString selected = impl_->editor->selectedText();
-        return selected.isEmpty() ? impl_->editor->text() : selected;
-    }
-    FlexGridClip::Block block;
-    int row = -1;
-    for (const QModelIndex& cell : SelectedCells()) {
-        if (cell.row() != row) {
-            block.emplace_back();
-            row = cell.row();
-        }
-        block.back() += impl_->model->Text(row + FixedRows(), cell.column());
-    }
-    return FlexGridClip::ToText(block);
 }
 
 void vsFlexGrid::PlaceEditor() {
@@ -199,47 +151,4 @@ void vsFlexGrid::CancelEdit() {
     if (changed) {
         emit EditCancelled(row, col);
     }
-}
-
-// Each cell is edited as if it were typed, so that the handlers have their say.
-void vsFlexGrid::PasteBlock(const std::vector<QStringList>& block) {
-    if (!currentIndex().isValid()) {
-        return;
-    }
-    const int top = Row();
-    const int left = Col();
-    int row = top;
-    for (const QStringList& texts : block) {
-        int col = left;
-        for (const QString& text : texts) {
-            if (row < Rows() && col >= 0) {
-                ReplaceCell(row, col, text);
-                col = NextCol(col, 1);
-            }
-        }
-        ++row;
-    }
-    Select(top, left);
-}
-
-void vsFlexGrid::ReplaceCell(int row, int col, const QString& text) {
-    Select(row, col);
-    if (!Editing()) {
-        Enter();
-    }
-    if (Editing()) {
-        impl_->editor->selectAll();
-        impl_->editor->insert(text);
-        FinishEdit();
-    }
-}
-
-// In reading order, without hidden columns.
-QModelIndexList vsFlexGrid::SelectedCells() const {
-    QModelIndexList cells = selectedIndexes();
-    if (cells.isEmpty() && currentIndex().isValid()) {
-        cells += currentIndex();
-    }
-    std::sort(cells.begin(), cells.end());
-    return cells;
 }
