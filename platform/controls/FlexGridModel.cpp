@@ -188,13 +188,21 @@ QString FlexGridModel::Heading(int col) const {
 }
 
 QString FlexGridModel::CellName(int row, int col) const {
-    const QString heading = Heading(col);
-    const bool named = rowNameColumn_ >= 0 && rowNameColumn_ < Cols() && rowNameColumn_ != col;
-    QString rowName = named ? InOneLine(Shown(row, rowNameColumn_)).trimmed() : QString();
-    if (rowName.isEmpty()) {
-        rowName = tr("row %1").arg(row - fixedRows_ + 1);
-    }
+    const QString heading = SpokenHeading(col);
+    const QString rowName = RowName(row, col);
     return heading.isEmpty() ? rowName : heading + QStringLiteral(", ") + rowName;
+}
+
+QString FlexGridModel::SpokenHeading(int col) const {
+    const QString heading = Heading(col);
+    return heading.isEmpty() ? Column(col).accessibleName : heading;
+}
+
+// What a row is called in that column: nothing is named after itself.
+QString FlexGridModel::RowName(int row, int col) const {
+    const bool named = rowNameColumn_ >= 0 && rowNameColumn_ < Cols() && rowNameColumn_ != col;
+    const QString name = named ? InOneLine(Shown(row, rowNameColumn_)).trimmed() : QString();
+    return name.isEmpty() ? tr("row %1").arg(row - fixedRows_ + 1) : name;
 }
 
 int FlexGridModel::rowCount(const QModelIndex& parent) const {
@@ -230,7 +238,11 @@ QVariant FlexGridModel::data(const QModelIndex& index, int role) const {
 QVariant FlexGridModel::headerData(int section, Qt::Orientation orientation, int role) const {
     const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
     if (orientation == Qt::Horizontal && isText && section >= 0 && section < Cols()) {
-        return Heading(section);
+        return role == Qt::AccessibleTextRole ? SpokenHeading(section) : Heading(section);
+    }
+    if (orientation == Qt::Vertical && role == Qt::AccessibleTextRole && section >= 0 &&
+        section < rowCount()) {
+        return RowName(section + fixedRows_, -1);
     }
     return {};
 }

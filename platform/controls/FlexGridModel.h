@@ -71,6 +71,8 @@ private:
     };
 
     [[nodiscard]] GridRow EmptyRow() const;
+    [[nodiscard]] QString SpokenHeading(int col) const;
+    [[nodiscard]] QString RowName(int row, int col) const;
 
     std::vector<GridRow> rows_;
     std::vector<FlexGridColumn> columns_;

@@ -217,6 +217,11 @@ void vsFlexGrid::SetColDataType(int col, DataType type) {
 }
 
 void vsFlexGrid::SetMergeFixed(bool merge) {
+void vsFlexGrid::SetColAccessibleName(int col, const QString& name) {
+    CheckCol(col);
+    impl_->model->Column(col).accessibleName = name;
+}
+
     impl_->header->SetMerged(merge);
 }
 

@@ -81,6 +81,8 @@ public:
     void SetFixedAlignment(int col, Qt::Alignment alignment);
     void SetColFormat(int col, const QString& pattern);
     void SetColDataType(int col, DataType type);
+    // What assistive technology calls a column that has no heading.
+    void SetColAccessibleName(int col, const QString& name);
     // Equal neighbouring texts of the fixed rows are drawn as one cell.
     void SetMergeFixed(bool merge);
 
@@ -172,6 +174,7 @@ private:
     void PasteBlock(const std::vector<QStringList>& block);
     void ReplaceCell(int row, int col, const QString& text);
     [[nodiscard]] QModelIndexList SelectedCells() const;
+    void AnnounceEditor();
 
     std::unique_ptr<Impl> impl_;
 };

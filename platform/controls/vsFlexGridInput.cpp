@@ -1,4 +1,5 @@
 // The grid's keys, mouse and focus.
+#include <QAccessible>
 #include <QApplication>
 #include <QFocusEvent>
 #include <QHeaderView>
@@ -297,6 +298,7 @@ void vsFlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
 void vsFlexGrid::focusInEvent(QFocusEvent* event) {
     if (Editing()) {
         impl_->editor->setFocus();
+        AnnounceEditor();
         return;
     }
     QTableView::focusInEvent(event);
@@ -306,6 +308,21 @@ void vsFlexGrid::focusInEvent(QFocusEvent* event) {
         reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
     if (byKeyboardOrProgram && !impl_->closing) {
         Enter();
+        AnnounceEditor();
+    }
+}
+
+// Who gave the grid the focus tells assistive technology so when this is over, although the editor
+// has it by then.
+void vsFlexGrid::AnnounceEditor() {
+    const auto announce = [this] {
+        if (impl_->editor->hasFocus()) {
+            QAccessibleEvent focus(impl_->editor, QAccessible::Focus);
+            QAccessible::updateAccessibility(&focus);
+        }
+    };
+    if (QAccessible::isActive()) {
+        QMetaObject::invokeMethod(this, announce, Qt::QueuedConnection);
     }
 }
 

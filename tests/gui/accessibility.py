@@ -136,11 +136,24 @@ class Walk:
         """The names that a screen reader is told when these keys move the keyboard."""
         self.heard.clear()
         self.session.keys(*keys)
-        end = time.monotonic() + EVENTS
+        self.listen(EVENTS)
+        return list(self.heard)
+
+    def told_last(self, name, *keys):
+        """Whether this name is the last that a screen reader is told when these keys move the keyboard."""
+        self.heard.clear()
+        self.session.keys(*keys)
+        end = time.monotonic() + PATIENCE
+        while name not in self.heard and time.monotonic() < end:
+            self.listen(EVENTS)
+        self.listen(EVENTS)
+        return self.heard[-1:] == [name]
+
+    def listen(self, seconds):
+        end = time.monotonic() + seconds
         while time.monotonic() < end:
             self.context.iteration(False)
             time.sleep(0.005)
-        return list(self.heard)
 
     def alive(self):
         assert self.session.program.poll() is None, \
@@ -378,8 +391,21 @@ def worksheets(walk, session, path, wanted):
 
 def cells_while_walking(walk, session):
     """The current cell moves and is edited while the tree is being read."""
+    where = "entering the NVC table"
+    choose_worksheet(walk, "NVC Table (Impacts)")
+    walk.find("filler", "Net Value Change")
+    walk.listen(EVENTS)
+    if not walk.told_last("1", "Tab") or not walk.told_last("Resource, row 1", "Tab"):
+        walk.offenders.append(f"{where}: its editor is not told last: {walk.heard}")
+    table = walk.find("table")
+    headers = (table.get_column_header(0).get_name(), table.get_row_header(3).get_name())
+    if headers != ("Resource", "Forage"):
+        walk.offenders.append(f"{where}: its headers are called {headers}")
+    choose_worksheet(walk, "Suppression Cost per Acre")
+    walk.find("filler", "Edit suppression costs per acre")
     where = "cells of the cost table"
-    session.keys("alt+z", "Tab")  # the zones' box, and on to the grid
+    walk.listen(EVENTS)
+    session.keys("Tab")  # from the zones' box on to the grid
     told = walk.told_of_focus("ctrl+Home", "Right")
     if "Fire size, in acres, To, row 1" not in told:
         walk.offenders.append(f"{where}: the open cell editor does not say its cell: {told}")
