@@ -7,6 +7,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "platform/controls/FittingFont.h"
 #include "platform/help/HelpViewer.h"
 #include "shell/u91Trace.h"
 
@@ -65,13 +66,30 @@ void WorksheetPage::BecomeCurrent() {
 }
 
 void WorksheetPage::AddTitle(const QString& text) {
-    QLabel* title = PageParts::Label(this, "lblTitle", text);
-    QFont font = title->font();
-    font.setBold(true);
-    font.setPointSizeF(font.pointSizeF() * kTitleScale);
-    title->setFont(font);
-    title->setWordWrap(true);
-    body_->addWidget(title);
+    title_ = PageParts::Label(this, "lblTitle", text);
+    title_->setWordWrap(true);
+    SizeTitle();
+    body_->addWidget(title_);
+}
+
+void WorksheetPage::SizeTitle() {
+    QFont larger = font();
+    larger.setBold(true);
+    larger.setPointSizeF(larger.pointSizeF() * kTitleScale);
+    title_->setFont(larger);
+}
+
+// Where the screen is small and the letters are large, the letters give way.
+void WorksheetPage::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    platform::FitToSize(*this);
+}
+
+void WorksheetPage::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && title_ != nullptr) {
+        SizeTitle();
+    }
 }
 
 namespace PageParts {

@@ -37,10 +37,16 @@ protected:
     // The page's title.
     void AddTitle(const QString& text);
 
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
 private:
+    void SizeTitle();
+
     WorksheetHost& host_;
     Identity identity_;
     QVBoxLayout* body_;
+    QLabel* title_ = nullptr;
 };
 
 // The parts that pages and dialogs are made of.

@@ -45,6 +45,14 @@ QSize Needed(QWidget& dialog, QSize wanted) {
     return {width, std::max(wanted.height(), Height(*dialog.layout(), width))};
 }
 
+bool HasRoom(const QWidget& page) {
+    const QLayout& layout = *page.layout();
+    const QSize least = layout.totalMinimumSize();
+    const int height = layout.hasHeightForWidth() ? layout.totalMinimumHeightForWidth(page.width())
+                                                  : least.height();
+    return least.width() <= page.width() && height <= page.height();
+}
+
 }  // namespace
 
 namespace platform {
@@ -77,6 +85,23 @@ void FitToScreen(QWidget& dialog, QSize wanted) {
         size = Needed(dialog, least);
     }
     dialog.resize(size.boundedTo(room));
+}
+
+void FitToSize(QWidget& page) {
+    if (page.parentWidget() == nullptr) {
+        return;
+    }
+    QFont font = page.parentWidget()->font();
+    if (page.font().pointSizeF() == font.pointSizeF() && HasRoom(page)) {
+        return;
+    }
+    page.setFont(font);
+    AskAgain(page);
+    while (!HasRoom(page) && font.pointSizeF() - kStep >= kSmallestOfDialog) {
+        font.setPointSizeF(font.pointSizeF() - kStep);
+        page.setFont(font);
+        AskAgain(page);
+    }
 }
 
 }  // namespace platform

@@ -20,4 +20,8 @@ int HeightAtWidth(QWidget& widget, int width);
 // Where the screen is too small for that, the dialog gets a smaller font instead.
 void FitToScreen(QWidget& dialog, QSize wanted);
 
+// Gives a page, whose size is decided by others, the font of what it lies in, or a smaller one when
+// its controls would not have room with that.
+void FitToSize(QWidget& page);
+
 }  // namespace platform

@@ -16,10 +16,24 @@ namespace {
 
 constexpr int kPadding = 4;
 constexpr int kMargin = kPadding / 2;
+constexpr double kStillReadable = 0.8;  // of the font's size
 
 QStringList Lines(QString text) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     return text.replace(u'\r', u'\n').split(u'\n');
+}
+
+QStringList BrokenAtBlanks(const QString& line, const QFontMetrics& metrics, int room) {
+    QStringList lines;
+    for (const QString& word : line.split(u' ')) {
+        const QString longer = lines.isEmpty() ? word : lines.last() + u' ' + word;
+        if (!lines.isEmpty() && metrics.horizontalAdvance(longer) <= room) {
+            lines.last() = longer;
+        } else {
+            lines += word;
+        }
+    }
+    return lines;
 }
 
 }  // namespace
@@ -37,7 +51,13 @@ FlexGridHeader::FlexGridHeader(FlexGridModel& model, QWidget* parent)
     };
     connect(&model, &QAbstractItemModel::headerDataChanged, this, changed);
     connect(&model, &QAbstractItemModel::modelReset, this, changed);
-    connect(this, &QHeaderView::sectionResized, this, [this] { viewport()->update(); });
+    connect(this, &QHeaderView::sectionResized, this, [this] {
+        viewport()->update();
+        // In a wider column a heading may need fewer lines.
+        if (sizeHint().height() != height()) {
+            emit geometriesChanged();
+        }
+    });
 }
 
 void FlexGridHeader::SetMerged(bool merged) {
@@ -86,9 +106,8 @@ bool FlexGridHeader::viewportEvent(QEvent* event) {
     const auto* help = static_cast<QHelpEvent*>(event);
     QString tip;
     for (const Block& block : Blocks()) {
-        const QString& text = model_.Text(block.top, block.left);
-        if (BlockRect(block).contains(help->pos()) && ShownLines(block) != Lines(text)) {
-            tip = text.toHtmlEscaped();
+        if (BlockRect(block).contains(help->pos()) && ShownLines(block) != BlockLines(block)) {
+            tip = model_.Text(block.top, block.left).toHtmlEscaped();
         }
     }
     // An empty text takes a tip away.
@@ -177,7 +196,7 @@ std::vector<int> FlexGridHeader::RowHeights() const {
     const int line = fontMetrics().lineSpacing();
     std::vector<int> heights(static_cast<std::size_t>(model_.FixedRows()), line + 2 * kPadding);
     for (const Block& block : Blocks()) {
-        const auto lines = static_cast<int>(Lines(model_.Text(block.top, block.left)).size());
+        const auto lines = static_cast<int>(BlockLines(block).size());
         const auto first = heights.begin() + block.top;
         const auto last = heights.begin() + block.bottom;
         const int missing = lines * line + 2 * kPadding - std::accumulate(first, last + 1, 0);
@@ -186,18 +205,38 @@ std::vector<int> FlexGridHeader::RowHeights() const {
     return heights;
 }
 
-QFont FlexGridHeader::FittingFont(const Block& block) const {
+int FlexGridHeader::TextRoom(const Block& block) const {
+    int width = 0;
+    for (int col = block.left; col <= block.right; ++col) {
+        width += isSectionHidden(col) ? 0 : sectionSize(col);
+    }
     // The width of a text is rounded up before it is cut.
-    const int room = BlockRect(block).width() - 2 * kMargin - 1;
-    return FlexGridPaint::FittingFont(font(), Lines(model_.Text(block.top, block.left)), room);
+    return width - 2 * kMargin - 1;
+}
+
+// A heading that would have to be set in small letters is broken into more lines instead.
+QStringList FlexGridHeader::BlockLines(const Block& block) const {
+    QStringList lines;
+    const int room = TextRoom(block);
+    for (const QString& line : Lines(model_.Text(block.top, block.left))) {
+        if (fontMetrics().horizontalAdvance(line) * kStillReadable <= room) {
+            lines += line;
+        } else {
+            lines += BrokenAtBlanks(line, fontMetrics(), room);
+        }
+    }
+    return lines;
+}
+
+QFont FlexGridHeader::FittingFont(const Block& block) const {
+    return FlexGridPaint::FittingFont(font(), BlockLines(block), TextRoom(block));
 }
 
 QStringList FlexGridHeader::ShownLines(const Block& block) const {
     QStringList shown;
-    const int room = BlockRect(block).width() - 2 * kMargin;
     const QFontMetrics metrics(FittingFont(block));
-    for (const QString& line : Lines(model_.Text(block.top, block.left))) {
-        shown += metrics.elidedText(line, Qt::ElideRight, room);
+    for (const QString& line : BlockLines(block)) {
+        shown += metrics.elidedText(line, Qt::ElideRight, TextRoom(block) + 1);
     }
     return shown;
 }

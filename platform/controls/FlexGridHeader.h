@@ -40,6 +40,8 @@ private:
     [[nodiscard]] std::vector<Block> Blocks() const;
     [[nodiscard]] Block BlockAt(int row, int col) const;
     [[nodiscard]] QRect BlockRect(const Block& block) const;
+    [[nodiscard]] int TextRoom(const Block& block) const;
+    [[nodiscard]] QStringList BlockLines(const Block& block) const;
     [[nodiscard]] std::vector<int> RowHeights() const;
     [[nodiscard]] QFont FittingFont(const Block& block) const;
     [[nodiscard]] QStringList ShownLines(const Block& block) const;

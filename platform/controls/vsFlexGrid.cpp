@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QScrollBar>
+#include <algorithm>
 
 #include "platform/RuntimeError.h"
 #include "platform/controls/FlexGridDelegate.h"
@@ -211,17 +212,17 @@ void vsFlexGrid::SetColFormat(int col, const QString& pattern) {
 
 void vsFlexGrid::SetColDataType(int col, DataType type) {
     CheckCol(col);
-    impl_->model->Column(col).whole = type == DataType::kLong;
     impl_->model->Column(col).number = type != DataType::kText;
+    impl_->model->Column(col).whole = type == DataType::kLong;
     impl_->model->ColumnChanged(col);
 }
 
-void vsFlexGrid::SetMergeFixed(bool merge) {
 void vsFlexGrid::SetColAccessibleName(int col, const QString& name) {
     CheckCol(col);
     impl_->model->Column(col).accessibleName = name;
 }
 
+void vsFlexGrid::SetMergeFixed(bool merge) {
     impl_->header->SetMerged(merge);
 }
 
@@ -299,6 +300,15 @@ void vsFlexGrid::changeEvent(QEvent* event) {
     if (event->type() == QEvent::FontChange && impl_ != nullptr) {
         ApplyRowHeight();
     }
+}
+
+QSize vsFlexGrid::minimumSizeHint() const {
+    constexpr int kLeastRows = 2;
+    const int headings =
+        horizontalHeader()->isVisibleTo(this) ? horizontalHeader()->sizeHint().height() : 0;
+    const int rows = kLeastRows * verticalHeader()->defaultSectionSize();
+    const QSize least = QTableView::minimumSizeHint();
+    return {least.width(), std::max(least.height(), headings + rows + 2 * frameWidth())};
 }
 
 void vsFlexGrid::updateGeometries() {

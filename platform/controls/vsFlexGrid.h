@@ -119,6 +119,9 @@ public:
     // block as tab-separated lines.
     [[nodiscard]] QString Clip() const;
 
+    // Room for the headings and two rows.
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
 signals:
     void EnterCell();
     void BeforeEdit(int row, int col, bool* cancel);
@@ -171,14 +174,14 @@ private:
     void ReportKeyUp(int key);
     void CloseEditor();
     void CancelEdit();
-    void PasteBlock(const std::vector<QStringList>& block);
-    void ReplaceCell(int row, int col, const QString& text);
-    [[nodiscard]] QModelIndexList SelectedCells() const;
     void AnnounceEditor();
-
-    std::unique_ptr<Impl> impl_;
-};
+    void PasteBlock(const std::vector<QStringList>& block);
     bool PasteCell(int row, int col, const QString& text);
     [[nodiscard]] QString AsTyped(int col, const QString& text) const;
     void TellRefused(int cells);
     bool EditOnly(int row, int col);
+    void ReplaceCell(int row, int col, const QString& text);
+    [[nodiscard]] QModelIndexList SelectedCells() const;
+
+    std::unique_ptr<Impl> impl_;
+};

@@ -14,6 +14,8 @@ namespace {
 
 constexpr int kWidth = 100;  // average characters
 constexpr int kNameColumn = 0;
+constexpr int kLeastOfName = 20;             // average characters
+constexpr int kColumnsToLose[] = {2, 3, 1};  // kinds, dates, sizes
 
 }  // namespace
 
@@ -44,6 +46,24 @@ void OpenDialog::showEvent(QShowEvent* event) {
         list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
         list->header()->setSectionResizeMode(kNameColumn, QHeaderView::Stretch);
         list->header()->setStretchLastSection(false);
+        // The others take what they need when the folder has been read.
+        connect(list->header(), &QHeaderView::sectionResized, this, &OpenDialog::MakeRoomForNames,
+                Qt::QueuedConnection);
+    }
+}
+
+// In a large font on a small screen the names would have none left.
+void OpenDialog::MakeRoomForNames() {
+    auto* list = findChild<QTreeView*>(QStringLiteral("treeView"));
+    const int least = fontMetrics().averageCharWidth() * kLeastOfName;
+    if (list->header()->sectionSize(kNameColumn) >= least) {
+        return;
+    }
+    // One at a time: the names get its room when this is over, and this is called again.
+    const auto* column = std::find_if_not(std::begin(kColumnsToLose), std::end(kColumnsToLose),
+                                          [list](int at) { return list->isColumnHidden(at); });
+    if (column != std::end(kColumnsToLose)) {
+        list->setColumnHidden(*column, true);
     }
 }
 

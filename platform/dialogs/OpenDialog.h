@@ -21,6 +21,7 @@ private:
     // The path that the typed name means, empty when there is no such file.
     [[nodiscard]] QString MeantPath() const;
     void EnableOpen();
+    void MakeRoomForNames();
 
     QLineEdit* txtName_;
 };

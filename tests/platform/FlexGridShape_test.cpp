@@ -356,4 +356,41 @@ TEST_F(FlexGridShape, AccessibleTree_IsWholeEmptyAndFilled) {
     EXPECT_GT(WalkAccessible(QAccessible::queryAccessibleInterface(grid_)), 0);
 }
 
+TEST_F(FlexGridShape, AccessibleHeaders_NameColumnsAndRows) {
+    FillList();
+    grid_->SetTextMatrix(0, 0, "");
+    grid_->SetColAccessibleName(0, "Zone");
+    grid_->SetTextMatrix(3, 0, "");
+    const QAbstractItemModel& model = *grid_->model();
+    const auto name = [&](int section, Qt::Orientation orientation) {
+        return model.headerData(section, orientation, Qt::AccessibleTextRole).toString();
+    };
+    EXPECT_EQ(name(0, Qt::Horizontal), "Zone");
+    EXPECT_EQ(name(2, Qt::Horizontal), "Cost");
+    EXPECT_EQ(name(1, Qt::Vertical), "East");
+    EXPECT_EQ(name(2, Qt::Vertical), "row 3");
+    EXPECT_EQ(name(3, Qt::Vertical), "");
+    EXPECT_EQ(grid_->CellName(1, 0), "Zone, row 1");
+    EXPECT_EQ(model.headerData(0, Qt::Horizontal, Qt::DisplayRole).toString(), "");
+}
+
+TEST_F(FlexGridShape, WideHeading_IsBrokenRatherThanMadeTiny) {
+    FillList();
+    grid_->SetTextMatrix(0, 2, "Suppression cost per acre");
+    Show();
+    const QHeaderView& header = *grid_->horizontalHeader();
+    const QFontMetrics metrics = header.fontMetrics();
+    const auto heightAt = [&](int pixels) {
+        grid_->SetColWidth(2, pixels * 15);
+        QCoreApplication::processEvents();
+        return header.height();
+    };
+    const int whole = metrics.horizontalAdvance("Suppression cost per acre");
+    const int one = heightAt(2 * whole);
+    EXPECT_EQ(heightAt(metrics.horizontalAdvance("Suppression cost") + 20),
+              one + metrics.lineSpacing());
+    // A heading that nearly fits keeps its line.
+    EXPECT_EQ(heightAt(whole - 10), one);
+}
+
 }  // namespace

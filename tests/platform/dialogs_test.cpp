@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <QWidget>
 #include <QWindow>
 #include <functional>
@@ -170,6 +171,23 @@ TEST_F(ShowOpenTest, TypedNameInOtherCase_OpensTheFile) {
         EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr),
                   folder_.filePath("A unit.fcd"));
     }
+}
+
+TEST_F(ShowOpenTest, LargeFontOnASmallScreen_LeavesRoomForTheNames) {
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSize(24);
+    QApplication::setFont(large);
+    Answer<QFileDialog> answer([](QFileDialog& dialog) {
+        dialog.resize(700, 500);
+        const auto* list = dialog.findChild<QTreeView*>("treeView");
+        const int least = dialog.fontMetrics().averageCharWidth() * 15;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return list->columnWidth(0) >= least; }))
+            << list->columnWidth(0);
+        dialog.reject();
+    });
+    EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), "");
+    QApplication::setFont(usual);
 }
 
 TEST_F(ShowOpenTest, TypedNameOfNoFile_CannotBeOpened) {
