@@ -1,5 +1,6 @@
 #include "platform/controls/LegibleStyle.h"
 
+#include <QAbstractScrollArea>
 #include <QPainter>
 #include <QPointer>
 #include <QStyleOption>
@@ -31,6 +32,11 @@ double Contrast(const QColor& one, const QColor& other) {
 QColor Between(const QColor& one, const QColor& other) {
     return {(one.red() + other.red()) / 2, (one.green() + other.green()) / 2,
             (one.blue() + other.blue()) / 2};
+}
+
+// The style tells tabs apart by shades that cannot be seen on a dark ground.
+bool IsDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < 128;
 }
 
 bool LacksOutlines(const QPalette& palette) {
@@ -75,6 +81,19 @@ private:
 bool IsMarked(const QStyleOption& option, bool isBox) {
     const bool byKeyboard = (option.state & QStyle::State_KeyboardFocusChange) != 0;
     return (option.state & QStyle::State_HasFocus) != 0 && (isBox || byKeyboard);
+}
+
+// Lists and boxes of several lines have no mark of their own for the keyboard.
+void FrameKeyboard(QPainter& painter, const QStyleOption& option) {
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(&option);
+    if (frame == nullptr || frame->frameShape == QFrame::NoFrame) {
+        return;
+    }
+    painter.save();
+    painter.setPen(option.palette.color(QPalette::Highlight));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
+    painter.restore();
 }
 
 // A line along the outer edge of the current tab, which hangs below what it belongs to.
@@ -127,18 +146,24 @@ void LegibleStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
 void LegibleStyle::drawControl(ControlElement element, const QStyleOption* option,
                                QPainter* painter, const QWidget* widget) const {
     QProxyStyle::drawControl(element, option, painter, widget);
-    if (!LacksOutlines(option->palette)) {
+    if (element == CE_ShapedFrame && (option->state & State_HasFocus) != 0 &&
+        qobject_cast<const QAbstractScrollArea*>(widget) != nullptr) {
+        FrameKeyboard(*painter, *option);
         return;
     }
+    const bool outlined = LacksOutlines(option->palette);
     const bool current = (option->state & State_Selected) != 0;
+    if (element == CE_TabBarTabShape && outlined) {
+        Outline(*painter, option->palette).Box(option->rect);
+    }
+    if (element == CE_TabBarTabShape && current && (outlined || IsDark(option->palette))) {
+        MarkCurrentTab(*painter, *option);
+    }
+    if (!outlined) {
+        return;
+    }
     const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
     switch (element) {
-        case CE_TabBarTabShape:
-            Outline(*painter, option->palette).Box(option->rect);
-            if (current) {
-                MarkCurrentTab(*painter, *option);
-            }
-            break;
         case CE_ShapedFrame:
             if (frame != nullptr && frame->frameShape != QFrame::NoFrame) {
                 Outline(*painter, option->palette).Box(option->rect);

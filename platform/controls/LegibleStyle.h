@@ -1,7 +1,8 @@
 // The style of the machine's desktop, made legible under palettes that leave it too little
 // contrast: where boxes have the colour of what they lie on (high contrast themes), they and the
-// buttons get an outline, the current tab a mark; disabled texts and links get a colour that can be
-// read.
+// buttons get an outline; the current tab gets a mark where all is dark; disabled texts and links
+// get a colour that can be read. A list or a box of several lines shows by its frame that it has
+// the keyboard.
 #pragma once
 
 #include <QIcon>

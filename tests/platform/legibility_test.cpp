@@ -6,8 +6,12 @@
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QTabBar>
+#include <QTest>
 #include <QVBoxLayout>
 #include <memory>
 #include <vector>
@@ -72,6 +76,53 @@ TEST(LegibleStyleTest, BoxesOfTheGroundsColour_AreOutlined) {
         EXPECT_GE(MarkedAtLeft(*box, Qt::black), box->height() - 6)
             << box->metaObject()->className();
     }
+}
+
+TEST(LegibleStyleTest, CurrentTabOnADarkGround_IsMarked) {
+    LegibleStyle style;
+    QPalette dark(QColor(239, 240, 241), QColor(49, 54, 59));
+    dark.setColor(QPalette::Highlight, QColor(61, 174, 233));
+    QTabBar tabs;
+    tabs.setStyle(&style);
+    tabs.setPalette(dark);
+    tabs.setShape(QTabBar::RoundedSouth);
+    tabs.addTab(QStringLiteral("FMZs"));
+    tabs.addTab(QStringLiteral("NVC Table"));
+    tabs.show();
+    const auto edge = [&tabs](int tab) {
+        const QRect place = tabs.tabRect(tab);
+        return tabs.grab().toImage().pixelColor(place.center().x(), place.bottom());
+    };
+    EXPECT_EQ(edge(0), dark.color(QPalette::Highlight));
+    EXPECT_NE(edge(1), dark.color(QPalette::Highlight));
+    tabs.setCurrentIndex(1);
+    EXPECT_NE(edge(0), dark.color(QPalette::Highlight));
+    EXPECT_EQ(edge(1), dark.color(QPalette::Highlight));
+}
+
+TEST(LegibleStyleTest, ListWithTheKeyboard_IsFramedInTheHighlightColour) {
+    LegibleStyle style;
+    QWidget page;
+    QVBoxLayout layout(&page);
+    QListWidget list;
+    QPlainTextEdit box;
+    for (QWidget* control : std::initializer_list<QWidget*>{&list, &box}) {
+        control->setStyle(&style);
+        layout.addWidget(control);
+    }
+    page.show();
+    page.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&page));
+    const auto edge = [](QWidget& control) {
+        return control.grab().toImage().pixelColor(0, control.height() / 2);
+    };
+    list.setFocus();
+    const QColor highlight = page.palette().color(QPalette::Highlight);
+    EXPECT_EQ(edge(list), highlight);
+    EXPECT_NE(edge(box), highlight);
+    box.setFocus();
+    EXPECT_NE(edge(list), highlight);
+    EXPECT_EQ(edge(box), highlight);
 }
 
 TEST(FittingFontTest, WrappedText_FitsInBothDirections) {
