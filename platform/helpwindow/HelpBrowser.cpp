@@ -2,6 +2,9 @@
 
 #include <QEvent>
 #include <QHelpEngineCore>
+#include <QImage>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <algorithm>
 
 namespace {
@@ -9,6 +12,8 @@ namespace {
 constexpr int kSmallest = -4;
 constexpr int kLargest = 12;
 constexpr QRgb kLightBlue = qRgb(130, 180, 255);
+constexpr int kOwnWidth = QTextFormat::UserProperty + 1;  // of a picture, before it is fitted
+constexpr int kRoundedUp = 1;
 
 }  // namespace
 
@@ -50,5 +55,46 @@ void HelpBrowser::MakeLinksReadable() {
         colours.setColor(QPalette::Link, QColor(kLightBlue));
         colours.setColor(QPalette::LinkVisited, QColor(kLightBlue));
         setPalette(colours);
+    }
+}
+
+void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type) {
+    QTextBrowser::doSetSource(name, type);
+    FitPictures();
+}
+
+void HelpBrowser::resizeEvent(QResizeEvent* event) {
+    QTextBrowser::resizeEvent(event);
+    FitPictures();
+}
+
+// No picture makes the page scroll sideways; with more room it gets its own width back.
+void HelpBrowser::FitPictures() {
+    const double page = viewport()->width() - 2 * document()->documentMargin() - kRoundedUp;
+    const QString mark(QChar::ObjectReplacementCharacter);
+    for (QTextCursor place = document()->find(mark); !place.isNull();
+         place = document()->find(mark, place)) {
+        QTextImageFormat picture = place.charFormat().toImageFormat();
+        const bool isNew = !picture.hasProperty(kOwnWidth);
+        const double own = isNew ? picture.width() : picture.doubleProperty(kOwnWidth);
+        const QTextBlockFormat block = place.blockFormat();
+        const double fitting = std::min(own, page - block.leftMargin() - block.rightMargin());
+        if (fitting > 0 && (isNew || fitting != picture.width())) {
+            picture.setProperty(kOwnWidth, own);
+            picture.setWidth(fitting);
+            SetScaled(QUrl(picture.name()), fitting);
+            place.setCharFormat(picture);
+        }
+    }
+}
+
+// The document's own way of scaling leaves letters ragged.
+void HelpBrowser::SetScaled(const QUrl& name, double width) {
+    const double pixels = devicePixelRatioF();
+    QImage image = QImage::fromData(loadResource(QTextDocument::ImageResource, name).toByteArray());
+    if (!image.isNull()) {
+        image = image.scaledToWidth(qRound(width * pixels), Qt::SmoothTransformation);
+        image.setDevicePixelRatio(pixels);
+        document()->addResource(QTextDocument::ImageResource, name, image);
     }
 }

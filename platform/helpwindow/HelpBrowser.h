@@ -17,9 +17,13 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void doSetSource(const QUrl& name, QTextDocument::ResourceType type) override;
 
 private:
     void MakeLinksReadable();
+    void FitPictures();
+    void SetScaled(const QUrl& name, double width);
 
     const QHelpEngineCore& engine_;
     int textSize_ = 0;

@@ -108,6 +108,8 @@ HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QH
     // The engine makes the contents list beside the program's other work.
     connect(engine_->contentModel(), &QHelpContentModel::contentsCreated, this,
             [this] { engine_->contentWidget()->expandToDepth(1); });
+    // The topic can be read and scrolled at once.
+    browser_->setFocus();
     engine_->searchEngine()->reindexDocumentation();
     const QRect room = screen()->availableGeometry();
     resize(std::min(900, room.width()), std::min(640, room.height()));

@@ -8,13 +8,18 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QTimer>
 #include <QWidget>
 #include <QWindow>
+#include <algorithm>
+
+#include "support/Keyboard.h"
 
 namespace {
 
@@ -134,6 +139,41 @@ TEST_F(BuiltHelpTest, Index_LeadsToItsTopic) {
     auto* page = window->findChild<QTextBrowser*>("txtTopic");
     ASSERT_TRUE(QTest::qWaitFor([&] { return page->source().path().endsWith("import.html"); }))
         << page->source().toString().toStdString();
+}
+
+TEST_F(BuiltHelpTest, Opened_TheTopicHasTheKeyboard) {
+    platform::HelpViewer::ShowContext(40);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(HelpWindowShown()));
+    EXPECT_EQ(QApplication::focusWidget(), HelpWindowShown()->findChild<QTextBrowser*>("txtTopic"));
+}
+
+TEST_F(BuiltHelpTest, Letters_AreUnique) {
+    platform::HelpViewer::ShowContents();
+    auto* ways = HelpWindowShown()->findChild<QTabWidget*>("tabNavigation");
+    for (int way = 0; way < ways->count(); ++way) {
+        ways->setCurrentIndex(way);
+        QString letters = support::Mnemonics(*HelpWindowShown());
+        std::sort(letters.begin(), letters.end());
+        EXPECT_EQ(std::adjacent_find(letters.begin(), letters.end()), letters.end())
+            << way << " " << letters.toStdString();
+    }
+}
+
+TEST_F(BuiltHelpTest, Pictures_NeverMakeThePageScrollSideways) {
+    platform::HelpViewer::ShowContext(40);
+    QWidget* window = HelpWindowShown();
+    auto* page = window->findChild<QTextBrowser*>("txtTopic");
+    const auto picture = [page] {
+        return page->document()->find(QString(QChar::ObjectReplacementCharacter)).charFormat();
+    };
+    ASSERT_TRUE(picture().isImageFormat());
+    window->resize(1400, 600);
+    const double own = picture().toImageFormat().width();
+    window->resize(640, 480);
+    EXPECT_EQ(page->horizontalScrollBar()->maximum(), 0);
+    EXPECT_LT(picture().toImageFormat().width(), own);
+    window->resize(1400, 600);
+    EXPECT_EQ(picture().toImageFormat().width(), own);
 }
 
 TEST_F(BuiltHelpTest, Escape_ClosesTheWindow) {
