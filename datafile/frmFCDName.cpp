@@ -89,7 +89,7 @@ UnitFinder::Code frmFCDName::GetUnit(const QString& id) {
     u91Trace::Procedure(QStringLiteral("frmFCDName.GetUnit ") + id);
     const UnitFinder::Answer answer = finder_.FindUnit(id);
     const BusyScope busy;
-    txtUnitName_->setText(answer.unit.name);
+    ShowUnitName(answer.unit.name);
     txtState_->SetProgramText(answer.unit.state);
     return answer.code;
 }
@@ -99,7 +99,7 @@ UnitFinder::Code frmFCDName::GetUnitState(const QString& id, const QString& stat
     const UnitFinder::Answer answer = finder_.FindUnitInState(id, state);
     if (answer.code == UnitFinder::kFound) {
         const BusyScope busy;
-        txtUnitName_->setText(answer.unit.name);
+        ShowUnitName(answer.unit.name);
     }
     return answer.code;
 }
@@ -112,6 +112,12 @@ void frmFCDName::GetMatchingIDs(const QString& text) {
 void frmFCDName::GetMatchingNames(const QString& text) {
     u91Trace::Procedure(QStringLiteral("frmFCDName.GetMatchingNames ") + text);
     ShowUnits(finder_.ListByName(text));
+}
+
+// Of a name that is wider than its box, the beginning shows.
+void frmFCDName::ShowUnitName(const QString& name) {
+    txtUnitName_->setText(name);
+    txtUnitName_->setCursorPosition(0);
 }
 
 void frmFCDName::CreateFileTitle() {
@@ -200,7 +206,7 @@ void frmFCDName::grdUnits_Click() {
     u91Trace::Procedure(QStringLiteral("grdUnits_Click"));
     {
         const BusyScope busy;
-        txtUnitName_->setText(grdUnits_->TextMatrix(row, kNameColumn));
+        ShowUnitName(grdUnits_->TextMatrix(row, kNameColumn));
         txtUnitID_->SetProgramText(grdUnits_->TextMatrix(row, kIDColumn));
         txtState_->SetProgramText(grdUnits_->TextMatrix(row, kStateColumn));
     }

@@ -84,6 +84,7 @@ private:
     void cmdCancel_Click();
 
     void LookUpState(QWidget* next);
+    void ShowUnitName(const QString& name);
     void ShowUnits(const std::vector<UnitFinder::Unit>& units);
     [[nodiscard]] bool ListShows(const QString& id) const;
     // Empties the title when the boxes no longer spell it, so that no file is made under the name

@@ -143,9 +143,9 @@ void frmFCDName::LayOutControls() {
     setTabOrder(txtUnitID_, txtUnitName_);
     setTabOrder(txtUnitName_, txtState_);
     setTabOrder(txtState_, txtYear_);
-    setTabOrder(txtYear_, grdUnits_);
-    setTabOrder(grdUnits_, txtFileTitle_);
-    setTabOrder(txtFileTitle_, cmdOK_);
+    setTabOrder(txtYear_, txtFileTitle_);
+    setTabOrder(txtFileTitle_, grdUnits_);
+    setTabOrder(grdUnits_, cmdOK_);
     setTabOrder(cmdOK_, cmdCancel_);
 }
 

@@ -4,12 +4,15 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <algorithm>
+
 #include "RunningProgram.h"
 #include "datafile/PrepProperties.h"
 #include "jet/database.h"
 #include "jet/recordset.h"
 #include "platform/controls/FLabel.h"
 #include "shell/u91Trace.h"
+#include "support/Keyboard.h"
 
 namespace {
 
@@ -258,6 +261,59 @@ TEST_F(Start, UnitNameWithThePlaceholder_ShowsAsItIsInTheTitle) {
     frame_->SetTitleBar(QStringLiteral("Unit.fcd"));
     EXPECT_EQ(frame_->windowHandle()->title().toStdString(),
               "TARN Prep:  [Unit.fcd]  Ridge [*] [*][*]");
+}
+
+// A letter for each control, none of them twice, nor one that opens a menu.
+void ExpectUnique(QString letters) {
+    std::sort(letters.begin(), letters.end());
+    EXPECT_EQ(std::adjacent_find(letters.begin(), letters.end()), letters.end())
+        << letters.toStdString();
+}
+
+TEST_F(Start, StartScreen_ByKeyboard_InReadingOrderWithUniqueLetters) {
+    Run();
+    QWidget& screen = Get(QStringLiteral("frm0Start"));
+    EXPECT_EQ(Text(support::AgainstReadingOrder(screen)), "");
+    EXPECT_EQ(support::Mnemonics(screen).size(), 3);
+    ExpectUnique(support::Mnemonics(screen) + QStringLiteral("FWEH"));
+}
+
+TEST_F(Start, Introduction_ByKeyboard_StartsWithTheTextAndGoesOnToTheTabs) {
+    RunWithFile();
+    QWidget* text = Find(QStringLiteral("descriptionArea"));
+    text->setFocus();
+    Press(Qt::Key_Tab);
+    EXPECT_TRUE(Tab().hasFocus());
+    Press(Qt::Key_Tab);
+    EXPECT_TRUE(text->hasFocus());
+}
+
+TEST_F(Start, Menus_EachOfThem_HasUniqueLetters) {
+    RunWithFile();
+    for (const int top : {1, 2, 3, 9}) {
+        QString letters;
+        for (const QAction* item :
+             Get<QAction>(QStringLiteral("mnuTop_%1").arg(top)).menu()->actions()) {
+            if (!item->isSeparator()) {
+                const qsizetype mark = item->text().indexOf(u'&');
+                ASSERT_GE(mark, 0) << item->text().toStdString();
+                letters += item->text().mid(mark + 1, 1).toUpper();
+            }
+        }
+        ExpectUnique(letters);
+    }
+}
+
+TEST_F(Start, NamingDialog_ByKeyboard_InReadingOrderWithUniqueLetters) {
+    Run();
+    support::Answers answers;
+    answers.Then([](QWidget& dialog) {
+        EXPECT_EQ(Text(support::AgainstReadingOrder(dialog)), "");
+        EXPECT_GE(support::Mnemonics(dialog).size(), 5);
+        ExpectUnique(support::Mnemonics(dialog));
+        dialog.close();
+    });
+    Click(QStringLiteral("cmdNew"));
 }
 
 class StartInFont : public Start, public testing::WithParamInterface<int> {

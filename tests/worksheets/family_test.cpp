@@ -10,6 +10,7 @@
 #include <functional>
 #include <set>
 
+#include "support/Keyboard.h"
 #include "worksheet_fixture.h"
 #include "worksheets/cost/frm6SuppressAcre.h"
 #include "worksheets/goals/frm2RMAs.h"
@@ -112,6 +113,45 @@ TEST_F(FamilyTest, TabKey_ReachesEveryControl) {
             }
         }
     });
+}
+
+TEST_F(FamilyTest, TabKey_FollowsTheOrderOfReading) {
+    ForEachForm([](QWidget& form) {
+        EXPECT_EQ(support::AgainstReadingOrder(form).join(u'\n').toStdString(), "");
+    });
+}
+
+TEST_F(FamilyTest, LargeLettersInASmallWindow_GiveWay) {
+    QFont font = font_;
+    font.setPointSize(18);
+    QApplication::setFont(font);
+    int smaller = 0;
+    ForEachForm([&smaller](QWidget& form) {
+        if (form.isWindow()) {
+            return;
+        }
+        const auto expectRoom = [&form] {
+            for (const auto* label : form.findChildren<QLabel*>()) {
+                if (label->isVisibleTo(&form)) {
+                    const int needed = label->wordWrap() ? label->heightForWidth(label->width())
+                                                         : label->sizeHint().height();
+                    EXPECT_GE(label->height(), needed) << label->objectName().toStdString();
+                }
+            }
+        };
+        form.resize(630, 420);
+        QApplication::processEvents();
+        for (const auto* grid : form.findChildren<vsFlexGrid*>()) {
+            EXPECT_GE(grid->viewport()->height(), 2 * grid->rowHeight(0));
+        }
+        smaller += form.font().pointSize() < 18 ? 1 : 0;
+        expectRoom();
+        form.resize(1000, 700);
+        QApplication::processEvents();
+        EXPECT_EQ(form.font().pointSize(), 18);
+        expectRoom();
+    });
+    EXPECT_GE(smaller, 2);
 }
 
 TEST_F(FamilyTest, EveryFontSize_FitsTheSmallestWindow) {
