@@ -144,6 +144,8 @@ void frm2RMAs::ShowItem() {
     const BusyScope busy;
     tblManagementGoals->Seek("=", {currentKey_});
     txtHeading_->setText(FieldReaders::TextField(*tblManagementGoals, FieldNames::kManagementArea));
+    // Of a text that is wider than the box, the beginning shows.
+    txtHeading_->setCursorPosition(0);
     storedBody_ = FieldReaders::TextField(*tblManagementGoals, FieldNames::kExplanation);
     txtBody_->setPlainText(storedBody_);
     changed_ = false;

@@ -119,6 +119,8 @@ void frm3SRMaster::Setup() {
         FormatGrid();
         LoadGrid();
         txtSource_->setText(source_.Get());
+        // Of a text that is wider than the box, the beginning shows.
+        txtSource_->setCursorPosition(0);
     }
     show();
 }
