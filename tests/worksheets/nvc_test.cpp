@@ -42,6 +42,16 @@ protected:
     int second_ = 0;
 };
 
+TEST_F(NVCTest, TotalsInALargerFont_TakeMoreRoom) {
+    Load<frm5NVCTable>();
+    const auto& totals = Find<QWidget>("pnlTotals");
+    const int before = totals.height();
+    QFont larger = manager_.frame.font();
+    larger.setPointSizeF(2 * larger.pointSizeF());
+    manager_.frame.setFont(larger);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return totals.height() > before; }));
+}
+
 TEST_F(NVCTest, IndexOutside_IsASubscriptError) {
     c34NVCTable table;
     table.Initialize(first_, 1);

@@ -9,6 +9,7 @@
 #include "datafile/PrepProperties.h"
 #include "worksheet_fixture.h"
 #include "worksheets/resources/ResourceRecords.h"
+#include "worksheets/resources/SRDataSource.h"
 #include "worksheets/resources/frm3SRMaster.h"
 #include "worksheets/resources/frm3SRMasterAdd.h"
 
@@ -235,6 +236,17 @@ TEST_F(ResourcesTest, SourceOfData_IsWrittenOnceAndOnlyWhenChanged) {
     Leave();
     Load<frm3SRMaster>();
     EXPECT_EQ(Find<QLineEdit>("txtSource").text(), QStringLiteral("other"));
+}
+
+TEST_F(ResourcesTest, SourceOfData_IsReadOnce) {
+    const QString name = QStringLiteral("SRDataSource");
+    PrepProperties::SetProperty(name, QStringLiteral("Region 6"));
+    SRDataSource source;
+    EXPECT_EQ(source.Get(), QStringLiteral("Region 6"));
+    PrepProperties::SetProperty(name, QStringLiteral("other"));
+    EXPECT_EQ(source.Get(), QStringLiteral("Region 6"));
+    source.Let(QString());
+    EXPECT_EQ(source.Get(), QString()) << "emptied is not unread";
 }
 
 TEST_F(ResourcesTest, SourceOfDataEmptied_IsStoredEmpty) {

@@ -201,6 +201,18 @@ TEST_F(ZonesTest, StoredZeroLeftAlone_StaysZero) {
     EXPECT_EQ(Warnings(), 0);
 }
 
+TEST_F(ZonesTest, StoredNegativeCountRaisedToZero_BecomesOneWithAWarning) {
+    const int key = ZoneRecords::Create(QStringLiteral("A"), 1);
+    tblFMZList->Seek("=", {key});
+    tblFMZList->Edit();
+    tblFMZList->SetField(QStringLiteral("RLCount"), -5);
+    tblFMZList->Update();
+    EXPECT_EQ(ZoneRecords::Change(key, QStringLiteral("A"), 0), 1);
+    EXPECT_EQ(Locations(key), 1);
+    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 14) << "the rows of its location are there already";
+    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("Warning! New RLCount is smaller")).size(), 1);
+}
+
 TEST_F(ZonesTest, CountAsText_RoundsHalvesToTheEvenNeighbour) {
     EXPECT_EQ(ZoneRecords::LocationsFromText(QStringLiteral("2.5")), 2);
     EXPECT_EQ(ZoneRecords::LocationsFromText(QStringLiteral("3.5")), 4);
