@@ -74,6 +74,13 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Ve
     ThrowOutOfMemory();
 }
 
+void Database::DiscardLog(const std::filesystem::path& path, FileSystem& files) try {
+    const std::filesystem::path log = LogPath(files.Resolve(path));
+    if (files.Exists(log)) files.Remove(log);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
+}
+
 Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 
 Database::~Database() {
@@ -93,6 +100,18 @@ void Database::MakeDurable() try {
     impl_->file->Pages().MakeDurable();
 } catch (const std::bad_alloc&) {
     ThrowOutOfMemory();
+}
+
+std::uint64_t Database::PendingOperations() const {
+    return impl_->file->Pages().Internals().Log().Operations();
+}
+
+bool Database::WasMoved() const {
+    return impl_->file->Pages().Internals().movedAway;
+}
+
+bool Database::WasPutBack() const {
+    return impl_->file->Pages().Internals().putBack;
 }
 
 Version Database::FileVersion() const {

@@ -40,6 +40,9 @@ struct Recovery {
     bool applied = false;            // operations of an interrupted run were brought in
     std::uint64_t operations = 0;    // how many
     bool foreignLogIgnored = false;  // a log lay there that does not belong to this file
+    // Where it was set aside, when it may hold changes that the file lacks: an older copy has been
+    // put in the file's place, say.
+    std::filesystem::path keptLog;
 };
 
 class Database {
@@ -54,6 +57,10 @@ public:
     static std::unique_ptr<Database> Create(const std::filesystem::path& path, Version version,
                                             FileSystem& files = HostFileSystem());
 
+    // Removes the log beside a file that is not open: for one that has just been copied over
+    // another, whose last changes are not its own.
+    static void DiscardLog(const std::filesystem::path& path, FileSystem& files = HostFileSystem());
+
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
     // Closes; an error while closing is lost, so call Close first where it matters.
@@ -62,9 +69,16 @@ public:
     // Makes everything durable, removes the log and gives up the file, even when it throws: the log
     // then stays for the next opening. Safe to call twice. Errors: kDiskFull, kIo.
     void Close();
-    // At most two flushes; none when nothing changed since the last call. Errors: kDiskFull, kIo,
-    // kClosed; nothing is lost, and the next call tries again.
+    // At most two flushes; none when nothing changed since the last call. A file that was removed
+    // meanwhile is written anew at its place. Errors: kDiskFull, kIo, kClosed; nothing is lost, and
+    // the next call tries again. kFileInUse when another program has replaced or overwritten the
+    // file; all that was done here is kept in NAME-kept beside one that was replaced.
     void MakeDurable();
+    // Operations that are safe from a crash but that MakeDurable has not brought into the file.
+    [[nodiscard]] std::uint64_t PendingOperations() const;
+    // What MakeDurable found: the file has another name now, or was removed and has been put back.
+    [[nodiscard]] bool WasMoved() const;
+    [[nodiscard]] bool WasPutBack() const;
 
     [[nodiscard]] Version FileVersion() const;
     [[nodiscard]] bool IsReadOnly() const;

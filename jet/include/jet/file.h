@@ -15,6 +15,10 @@
 
 namespace jet {
 
+// Where a file is that was opened under a certain name: others can rename it, replace it or remove
+// it meanwhile.
+enum class Whereabouts { kInPlace, kElsewhere, kRemoved };
+
 class File {
 public:
     File() = default;
@@ -33,6 +37,11 @@ public:
     // Takes the whole-file lock: it lasts until the File goes, dies with the process, and is not
     // lost when another handle on the file is closed. False when somebody else holds it.
     [[nodiscard]] virtual bool TryLock(bool exclusive) = 0;
+    // Whether `path` still leads to this file; kRemoved when no name does. Systems that keep open
+    // files in their places leave this as it is.
+    [[nodiscard]] virtual Whereabouts WhereIs(const std::filesystem::path& /*path*/) {
+        return Whereabouts::kInPlace;
+    }
 };
 
 enum class OpenMode {

@@ -87,6 +87,20 @@ public:
         throw Error(ErrorKind::kIo, "The file system does not let the file be locked.");
     }
 
+    Whereabouts WhereIs(const std::filesystem::path& path) override {
+        struct stat mine {};
+        if (::fstat(descriptor_, &mine) != 0) return Whereabouts::kInPlace;
+        if (mine.st_nlink == 0) return Whereabouts::kRemoved;
+        struct stat there {};
+        if (::stat(path.c_str(), &there) != 0) {
+            // Other errors, of a network say, tell nothing about the file.
+            const bool absent = errno == ENOENT || errno == ENOTDIR;
+            return absent ? Whereabouts::kElsewhere : Whereabouts::kInPlace;
+        }
+        const bool same = there.st_dev == mine.st_dev && there.st_ino == mine.st_ino;
+        return same ? Whereabouts::kInPlace : Whereabouts::kElsewhere;
+    }
+
 private:
     int descriptor_ = -1;
 };

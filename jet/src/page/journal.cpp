@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <random>
+#include <string>
 
 #include "jet/error.h"
 #include "page/checksum.h"
@@ -36,10 +37,20 @@ void Journal::Prepare() noexcept {
 
 void Journal::RequireFile() {
     if (file_) return;
-    auto file = files_.Open(path_, OpenMode::kCreateOrOpen);
+    auto file = OpenLog();
     files_.FlushFolder(path_.parent_path());
     cutFirst_ = cutFirst_ || file->Size() > end_;
     file_ = std::move(file);
+}
+
+std::unique_ptr<File> Journal::OpenLog() {
+    try {
+        return files_.Open(path_, OpenMode::kCreateOrOpen);
+    } catch (const Error& error) {
+        if (error.Kind() == ErrorKind::kDiskFull) throw;
+        throw Error(error.Kind(), std::string("No change can be stored, because the log of the ") +
+                                      "changes cannot be written beside the file. " + error.what());
+    }
 }
 
 void Journal::Resume(const LogPosition& position) {

@@ -29,6 +29,7 @@
 #include <vector>
 
 #include "jet/file.h"
+#include "page/header.h"
 #include "page/log_format.h"
 #include "page/log_replay.h"
 
@@ -63,12 +64,17 @@ public:
     void Release() noexcept { file_.reset(); }
     // Closes and removes the log file.
     void Remove() noexcept;
+    // The number of operations that the data file does not hold yet.
+    [[nodiscard]] std::uint64_t Operations() const { return IsEmpty() ? 0 : operation_; }
+    // A value of the commit counter that stands nowhere in the log.
+    [[nodiscard]] std::uint16_t NewCounter() const { return NextCommitCounter(lastCounter_); }
 
     [[nodiscard]] bool IsEmpty() const { return end_ == 0; }
     [[nodiscard]] std::uint64_t Size() const { return end_; }
 
 private:
     void RequireFile();
+    std::unique_ptr<File> OpenLog();
     void WriteBuffer();
     void WriteAllAgain();
     [[nodiscard]] bool Has(PageNumber page) const {

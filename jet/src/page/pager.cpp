@@ -262,13 +262,17 @@ void Pager::Impl::WriteRun(std::span<Frame* const> run) {
 void Pager::Impl::MakeDurable() {
     if (!file || journal_.IsEmpty()) return;
     if (inOperation_) throw std::logic_error("an operation is open");
+    if (PutBackIfRemoved()) return;
+    RequireUntouched();
     Frame& headerPage = Fetch(PageNumber{0});
     const std::uint16_t counter = journal_.Mark();
     journal_.Flush();
     WriteCommitCounter({headerPage.bytes.get(), format.pageSize}, format, counter);
     dirtyCount_ += headerPage.dirty ? 0 : 1;
     headerPage.dirty = true;
+    writeFailed_ = true;
     WriteDirtyPages();
+    writeFailed_ = false;
     filePageCount = pageCount;
     fileCounter = counter;
     journal_.Empty();

@@ -35,6 +35,10 @@ public:
     void Abandon() noexcept;
     Journal& Log() { return journal_; }
 
+    // Whether the file was last found under another name, or put back after it had been removed.
+    bool movedAway = false;
+    bool putBack = false;
+
     FileSystem& files;
     std::filesystem::path path;
     std::unique_ptr<File> file;  // null when closed
@@ -62,6 +66,11 @@ private:
     ChangedPage& Remember(Frame& frame);
     void EndOperation() noexcept;
     void CollectChanges();
+    void RequireUntouched();
+    [[nodiscard]] bool PutBackIfRemoved();
+    void PutBack();
+    void KeepBeside();
+    std::unique_ptr<File> WriteAnew(const std::filesystem::path& to, std::uint16_t counter);
     void WriteDirtyPages();
     void WriteNewPages(std::span<Frame* const> pages);
     void WritePages(std::span<Frame* const> pages);
@@ -76,6 +85,9 @@ private:
     std::size_t changedCount_ = 0;  // entries beyond keep their buffers for the next operation
     std::vector<PageChange> changes_;
     std::size_t dirtyCount_ = 0;
+    // An attempt to write the file failed, so that its counter may be any that was tried.
+    bool writeFailed_ = false;
+    std::uint64_t keptOperations_ = 0;  // in the copy beside a file that was replaced
     Journal journal_;
 };
 

@@ -1,9 +1,12 @@
 // Opening and creating: the checks, the lock, and what an interrupted run left behind.
 #include <algorithm>
+#include <span>
+#include <string>
 #include <vector>
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/checksum.h"
 #include "page/log_reader.h"
 #include "page/log_replay.h"
 #include "page/pager_impl.h"
@@ -51,7 +54,7 @@ void CheckLength(std::uint64_t size, const Format& format) {
 
 // A log that does not belong here may belong to another copy of the file, so it is kept, under a
 // name that no opening looks for.
-void SetAside(FileSystem& files, const std::filesystem::path& log) {
+std::filesystem::path SetAside(FileSystem& files, const std::filesystem::path& log) {
     std::filesystem::path aside = log;
     aside += "-old";
     for (int number = 2; files.Exists(aside) && number < 100; ++number) {
@@ -59,23 +62,33 @@ void SetAside(FileSystem& files, const std::filesystem::path& log) {
         aside += "-old" + std::to_string(number);
     }
     files.Rename(log, aside);
+    return aside;
 }
 
-// A power cut just after a log was emptied can bring its beginning back; the opening after it sets
-// that aside, since it does not fit the file any more. Such a log began some commits before the
-// file's present one. The openings after that one remove it: all that was in it is in the file.
-void RemoveOutlived(FileSystem& files, const std::filesystem::path& log, std::uint16_t counter) {
+enum class LogAge { kUnknown, kOutlived, kOther };
+
+// A power cut just after a log was emptied can bring its beginning back, which does not fit the
+// file any more. Such a log began some commits before the file's present one: all that was in it is
+// in the file.
+LogAge AgeOf(FileSystem& files, const std::filesystem::path& log, std::uint16_t counter) {
     constexpr std::uint16_t kRecentCommits = 1024;
+    try {
+        const auto file = files.Open(log, OpenMode::kReadOnly);
+        const LogReader reader(*file);
+        if (!reader.HasHeader()) return LogAge::kUnknown;
+        const auto since = static_cast<std::uint16_t>(counter - reader.Header().commitCounter);
+        return since > 0 && since <= kRecentCommits ? LogAge::kOutlived : LogAge::kOther;
+    } catch (const Error&) {
+        return LogAge::kUnknown;
+    }
+}
+
+// The opening after the power cut sets such a log aside, the next one removes it.
+void RemoveOutlived(FileSystem& files, const std::filesystem::path& log, std::uint16_t counter) {
     std::filesystem::path aside = log;
     aside += "-old";
-    try {
-        if (!files.Exists(aside)) return;
-        const auto file = files.Open(aside, OpenMode::kReadOnly);
-        const LogReader reader(*file);
-        const auto since = static_cast<std::uint16_t>(counter - reader.Header().commitCounter);
-        if (reader.HasHeader() && since > 0 && since <= kRecentCommits) files.Remove(aside);
-    } catch (const Error&) {
-        // It does no harm where it is.
+    if (files.Exists(aside) && AgeOf(files, aside, counter) == LogAge::kOutlived) {
+        RemoveQuietly(files, aside);
     }
 }
 
@@ -88,7 +101,18 @@ FoundLog LookForLog(FileSystem& files, const std::filesystem::path& log, File& d
                     const Format& format, std::uint16_t counter) {
     FoundLog found;
     if (!files.Exists(log)) return found;
-    const auto file = files.Open(log, OpenMode::kReadOnly);
+    std::unique_ptr<File> file;
+    try {
+        file = files.Open(log, OpenMode::kReadOnly);
+    } catch (const Error& error) {
+        // A folder, a pipe or a link that leads nowhere holds no changes.
+        if (error.Kind() != ErrorKind::kNotADatabase && error.Kind() != ErrorKind::kFileNotFound) {
+            throw Error(error.Kind(), std::string("The last changes of the file are in a log ") +
+                                          "beside it, which cannot be read. " + error.what());
+        }
+        found.finding = LogReplay::Finding::kForeign;
+        return found;
+    }
     found.replay = std::make_unique<LogReplay>(dataFile, format, counter);
     found.finding = found.replay->Read(*file);
     return found;
@@ -104,8 +128,21 @@ void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) noexcep
     }
 }
 
+// A name that has no room for the ending is cut, and a number made of the whole of it tells it from
+// its like.
 std::filesystem::path LogPath(const std::filesystem::path& dataFile) {
+    constexpr std::size_t kLongestName = 255;
+    constexpr std::size_t kRoomForEndings = 11;  // "-log-old99"
+    constexpr std::size_t kKept = 100;
+    const std::u8string name = dataFile.filename().u8string();
     std::filesystem::path log = dataFile;
+    if (name.size() + kRoomForEndings > kLongestName) {
+        std::size_t end = kKept;
+        while (end > 0 && (name[end] & 0xC0U) == 0x80U) --end;
+        const std::uint64_t number = Checksum(std::as_bytes(std::span(name)), 0);
+        log.replace_filename(name.substr(0, end));
+        log += "-" + std::to_string(number);
+    }
     log += "-log";
     return log;
 }
@@ -138,7 +175,9 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
     impl->Start(static_cast<std::uint32_t>(size / format.pageSize), counter);
     if (!options.readOnly) {
         if (recovery.foreignLogIgnored) {
-            SetAside(files, log);
+            const bool matters = AgeOf(files, log, counter) == LogAge::kOther;
+            const std::filesystem::path aside = SetAside(files, log);
+            if (matters) recovery.keptLog = aside;
         } else {
             RemoveOutlived(files, log, counter);
         }
