@@ -216,4 +216,16 @@ int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last) {
     return existed;
 }
 
+void AddMissingCostRows(std::int32_t zoneKey) {
+    Undo undo;
+    for (int sequence = 1; sequence <= kCostClasses; ++sequence) {
+        tblSuppressionPerAcreCost->Seek("=", {zoneKey, sequence});
+        if (tblSuppressionPerAcreCost->NoMatch()) {
+            AddCostRow(zoneKey, sequence);
+            undo.Add([zoneKey, sequence] { DeleteCostRow(zoneKey, sequence); });
+        }
+    }
+    undo.Keep();
+}
+
 }  // namespace ZoneKeys

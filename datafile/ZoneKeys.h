@@ -28,6 +28,9 @@ std::int32_t AddZone(const QString& name, std::int32_t locations);
 // nothing: rows of another zone in the way throw.
 int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last);
 
+// Adds those of a zone's nine cost rows that are missing.
+void AddMissingCostRows(std::int32_t zoneKey);
+
 // An add that fails takes back what it had added. Where the disk refuses that, too, it is done
 // later: the next add begins with it, and so does making the file durable. Throws when it still
 // cannot be done.

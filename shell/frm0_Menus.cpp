@@ -123,6 +123,8 @@ void frm0_Prep::mnuFile_Click(std::int16_t index) {
     u91Trace::Start(QStringLiteral("mnuFile_Click %1").arg(index));
     if (PrepDatafile::IsDatafileOpen()) {
         a3PrepForms::UpdateCurrentWorksheet();
+        // A dialog follows, and while it waits for the user the file alone must be complete.
+        PrepDatafile::MakeDurable();
     }
     if (index == kNew) {
         a1Prep::NewDatafile();

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QSettings>
 #include <QStringList>
 #include <algorithm>
 
@@ -21,6 +22,13 @@ QString ToNameFilter(QString description, QString patterns) {
     return description + QStringLiteral(" (") + list.join(u' ') + u')';
 }
 
+// Qt's dialog writes its layout and history to a file of its own whenever it goes, and waits for
+// the disk to do so.
+void KeepNoSettings() {
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QStringLiteral(":/no settings"));
+}
+
 }  // namespace
 
 QStringList NameFilters(const QString& filter) {
@@ -33,6 +41,7 @@ QStringList NameFilters(const QString& filter) {
 }
 
 QString CommonDialog::ShowOpen(const OpenFileRequest& request, QWidget* parent) {
+    KeepNoSettings();
     OpenDialog dialog(parent, request.title);
     dialog.setObjectName(QStringLiteral("CommonDialog"));
     dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);

@@ -55,6 +55,9 @@ void OnTermination(std::function<void()> handler) {
     for (const int signal : kSignals) {
         ::sigaction(signal, &action, nullptr);
     }
+    // A file that reaches the largest size allowed is an error of the write, told like any other.
+    action.sa_handler = terminationHandler ? SIG_IGN : SIG_DFL;
+    ::sigaction(SIGXFSZ, &action, nullptr);
 }
 
 #else

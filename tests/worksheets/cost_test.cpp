@@ -113,6 +113,19 @@ TEST(CostTable, IndexOutside_IsASubscriptError) {
     EXPECT_THROW(table.Cost(-1, 1), platform::RuntimeError);
 }
 
+TEST_F(CostTest, RowsThatACutOffImportLeftOut_AreThereOnceSomethingIsTyped) {
+    for (const int sequence : {2, 9}) {
+        tblSuppressionPerAcreCost->Seek("=", {first_, sequence});
+        tblSuppressionPerAcreCost->Delete();
+    }
+    Load<frm6SuppressAcre>();
+    Enter(Grid("grdCosts"), 3, 2, QStringLiteral("55"));
+    Choose("cboFMZs", 1);
+    EXPECT_TRUE(errors_.empty());
+    EXPECT_EQ(Stored(first_, 2, "Cost"), 55);
+    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 18);
+}
+
 TEST_F(CostTest, EqualValueAssigned_StillMarksTheTable) {
     c35AACTable table;
     table.Initialize(first_);

@@ -195,6 +195,21 @@ TEST_F(NVCTest, Letters_CountAsZeroAndStayOnTheScreen) {
     EXPECT_EQ(Stored(first_ * 100 + 1, 1, 1), 0);
 }
 
+TEST_F(NVCTest, RowsThatACutOffImportLeftOut_AreThereOnceSomethingIsTyped) {
+    for (const int resource : {4, 14}) {
+        tblNVCPerAcre->Seek("=", {first_ * 100 + 1, resource});
+        tblNVCPerAcre->Delete();
+    }
+    Load<frm5NVCTable>();
+    Enter(Grid("grdNVC"), 4, 3, QStringLiteral("17"));
+    Enter(Grid("grdNVC"), 5, 3, QStringLiteral("18"));
+    Choose("cboRepLocs", 1);
+    EXPECT_TRUE(errors_.empty());
+    EXPECT_EQ(Stored(first_ * 100 + 1, 4, 3), 17);
+    EXPECT_EQ(Stored(first_ * 100 + 1, 5, 3), 18);
+    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 42);
+}
+
 TEST_F(NVCTest, AnotherLocation_SavesTheOneThatIsLeft) {
     Load<frm5NVCTable>();
     Enter(Grid("grdNVC"), 2, 2, QStringLiteral("17"));

@@ -191,7 +191,17 @@ void frm6SuppressAcre::Store(int row, int col, float value) {
 void frm6SuppressAcre::SaveChanges() {
     u91Trace::Procedure(QStringLiteral("frmSuppressAcre.SaveChanges"));
     grdCosts_->FinishEdit();
-    if (table_) {
+    if (!table_) {
+        return;
+    }
+    try {
+        table_->SaveChanges();
+    } catch (const platform::RuntimeError& error) {
+        // An import that was cut off leaves out rows of its last zone.
+        if (error.Number() != platform::kNoCurrentRecord) {
+            throw;
+        }
+        ZoneKeys::AddMissingCostRows(cboFMZs_->itemData(zoneIndex_).toInt());
         table_->SaveChanges();
     }
 }

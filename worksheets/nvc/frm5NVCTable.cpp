@@ -161,9 +161,22 @@ void frm5NVCTable::SaveChanges() {
     platform::FirstError refused;
     refused.Try([this] { names_.Save(); });
     if (table_) {
-        refused.Try([this] { table_->SaveChanges(); });
+        refused.Try([this] { SaveTable(); });
     }
     refused.Rethrow();
+}
+
+// An import that was cut off leaves out rows of its last zone; what is typed there needs them.
+void frm5NVCTable::SaveTable() {
+    try {
+        table_->SaveChanges();
+    } catch (const platform::RuntimeError& error) {
+        if (error.Number() != platform::kNoCurrentRecord || locationIndex_ < 0) {
+            throw;
+        }
+        ZoneKeys::AddLocations(zoneKey_, locationIndex_ + 1, locationIndex_ + 1);
+        table_->SaveChanges();
+    }
 }
 
 // A table that cannot be saved stays on the grid; the boxes then go back to what it belongs to.

@@ -31,6 +31,7 @@ public:
     void Setup();
     // Writes changed resource names and the table, when it was changed.
     void SaveChanges();
+    void SaveTable();
 
 private:
     enum class Stored { kAsBefore, kChanged, kRefused };  // refused: larger than the file can hold
