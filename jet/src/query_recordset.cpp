@@ -169,8 +169,9 @@ std::vector<RowId> Select(Table& table, const Query& query) {
             found.emplace_back(order.KeyOf(view), row);
         }
     });
-    std::stable_sort(found.begin(), found.end(),
-                     [](const auto& left, const auto& right) { return left.first < right.first; });
+    std::stable_sort(found.begin(), found.end(), [](const auto& left, const auto& right) {
+        return KeyOrder()(left.first, right.first);
+    });
     std::vector<RowId> rows;
     rows.reserve(found.size());
     for (const auto& [key, row] : found) rows.push_back(row);

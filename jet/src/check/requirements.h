@@ -26,7 +26,7 @@ private:
     void AddKey(std::size_t i, const CheckedRow& row, Version version);
 
     const TableLayout& table_;
-    std::vector<std::set<Key>> keys_;  // by real index
+    std::vector<std::set<Key, KeyOrder>> keys_;  // by real index
     std::vector<bool> repeated_;
     std::vector<bool> null_;
     std::vector<bool> nullColumns_;

@@ -1,6 +1,7 @@
 // One real index: a B+-tree of entries, each a key and the row that it stands for.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -13,6 +14,14 @@
 namespace jet {
 
 using Key = std::vector<std::byte>;
+
+// The order of the index. A vector's own `<` makes some compilers warn, where they optimise most,
+// of a comparison without end.
+struct KeyOrder {
+    bool operator()(const Key& left, const Key& right) const {
+        return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end());
+    }
+};
 
 // A position in an index: what an entry holds. Survives splits and deletions of other entries.
 struct IndexEntry {

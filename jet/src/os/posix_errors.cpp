@@ -6,7 +6,7 @@
 namespace jet {
 
 Error ErrorOfNaming(int code, const std::filesystem::path& path) {
-    const std::string name = "\"" + path.filename().string() + "\"";
+    const std::string name = '"' + path.filename().string() + '"';
     switch (code) {
         case ENOENT:
         case ENOTDIR:

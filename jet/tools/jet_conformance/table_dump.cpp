@@ -82,7 +82,8 @@ private:
             std::string line = R"({"k":"row","id":[)" + std::to_string(id->page.value) + "," +
                                std::to_string(id->slot) + "],\"v\":[";
             for (std::size_t i = 0; i < table_.Def().columns.size(); ++i) {
-                line += (i == 0 ? "" : ",") + DumpValue(table_.ReadValue(view, i));
+                if (i > 0) line += ',';
+                line += DumpValue(table_.ReadValue(view, i));
             }
             dump_.lines.push_back(line + "]}");
             places_.emplace(*id, dump_.rows++);
@@ -243,7 +244,8 @@ private:
                 ",\"required\":" + Bool(real.Required()) +
                 ",\"entries\":" + std::to_string(order.size()) + ",\"order\":[";
         for (std::size_t i = 0; i < order.size(); ++i) {
-            line += (i == 0 ? "" : ",") + std::to_string(order[i]);
+            if (i > 0) line += ',';
+            line += std::to_string(order[i]);
         }
         dump_.lines.push_back(line + "]}");
     }

@@ -103,10 +103,10 @@ std::string WithPoint(std::string digits, std::size_t scale, bool negative) {
         digits.insert(0, scale + 1 - digits.size(), '0');
     }
     if (scale != 0) {
-        digits.insert(digits.size() - scale, ".");
+        digits.insert(digits.size() - scale, 1, '.');
     }
     const bool zero = digits.find_first_not_of("0.") == std::string::npos;
-    return "\"" + std::string(negative && !zero ? "-" : "") + digits + "\"";
+    return '"' + std::string(negative && !zero ? "-" : "") + digits + "\"";
 }
 
 std::string DumpDecimal(const jet::Decimal& decimal) {
@@ -150,10 +150,10 @@ struct Dumper {
         return WithPoint(std::to_string(negative ? 0 - bits : bits), 4, negative);
     }
     std::string operator()(float value) const {
-        return "\"" + Hex(std::bit_cast<std::uint32_t>(value), 8) + "\"";
+        return '"' + Hex(std::bit_cast<std::uint32_t>(value), 8) + "\"";
     }
     std::string operator()(double value) const {
-        return "\"" + Hex(std::bit_cast<std::uint64_t>(value), 16) + "\"";
+        return '"' + Hex(std::bit_cast<std::uint64_t>(value), 16) + "\"";
     }
     std::string operator()(jet::Date value) const { return DumpDate(value.days); }
     std::string operator()(const std::u16string& value) const { return Quoted(value); }
