@@ -77,9 +77,10 @@ std::uint32_t Pager::Impl::ReadAhead(PageNumber page) const {
 
 Frame& Pager::Impl::Load(PageNumber page) {
     const std::uint32_t pages = ReadAhead(page);
+    nextInRow_ = page.value + pages;
+    if (pages == 1) return LoadAlone(page);
     readBuffer_.resize(std::size_t{pages} * format.pageSize);
     file->Read(std::uint64_t{page.value} * format.pageSize, readBuffer_);
-    nextInRow_ = page.value + pages;
     // The page asked for comes last, so that none of the others can take its frame.
     for (std::uint32_t i = pages - 1; i > 0; --i) {
         std::memcpy(cache_.Insert(page.value + i).bytes.get(),
@@ -87,6 +88,18 @@ Frame& Pager::Impl::Load(PageNumber page) {
     }
     Frame& frame = cache_.Insert(page.value);
     std::memcpy(frame.bytes.get(), readBuffer_.data(), format.pageSize);
+    return frame;
+}
+
+Frame& Pager::Impl::LoadAlone(PageNumber page) {
+    Frame& frame = cache_.Insert(page.value);
+    try {
+        file->Read(std::uint64_t{page.value} * format.pageSize,
+                   {frame.bytes.get(), format.pageSize});
+    } catch (...) {
+        cache_.Drop(frame);
+        throw;
+    }
     return frame;
 }
 
@@ -251,12 +264,17 @@ void Pager::Impl::WritePages(std::span<Frame* const> pages) {
 }
 
 void Pager::Impl::WriteRun(std::span<Frame* const> run) {
+    const std::uint64_t offset = std::uint64_t{run.front()->number} * format.pageSize;
+    if (run.size() == 1) {
+        file->Write(offset, {run.front()->bytes.get(), format.pageSize});
+        return;
+    }
     std::vector<std::byte> bytes;
     bytes.reserve(run.size() * format.pageSize);
     for (const Frame* frame : run) {
         bytes.insert(bytes.end(), frame->bytes.get(), frame->bytes.get() + format.pageSize);
     }
-    file->Write(std::uint64_t{run.front()->number} * format.pageSize, bytes);
+    file->Write(offset, bytes);
 }
 
 void Pager::Impl::MakeDurable() {

@@ -61,6 +61,7 @@ private:
     };
 
     Frame& Load(PageNumber page);
+    Frame& LoadAlone(PageNumber page);
     [[nodiscard]] std::uint32_t ReadAhead(PageNumber page) const;
     void RequireOperation() const;
     ChangedPage& Remember(Frame& frame);

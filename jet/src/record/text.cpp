@@ -31,26 +31,30 @@ void DecodePlain(Bytes stored, std::u16string& into) {
     }
 }
 
-// Every unit takes at least a byte, so the text has room enough from the start.
+// The next switch from `at` on, or the end.
+std::size_t NextSwitch(Bytes stored, std::size_t at) {
+    const void* found = std::memchr(stored.data() + at, 0, stored.size() - at);
+    if (found == nullptr) return stored.size();
+    return static_cast<std::size_t>(static_cast<const std::byte*>(found) - stored.data());
+}
+
+// Runs of narrow units, a byte each, alternate with runs of wide ones; most texts are one narrow
+// run. Every unit takes at least a byte, so the text has room enough from the start.
 void DecodeCompressed(Bytes stored, std::u16string& into) {
     into.resize(stored.size());
-    auto unit = into.begin();
-    bool narrow = true;
+    char16_t* unit = into.data();
     std::size_t at = 2;
     while (at < stored.size()) {
-        if (stored[at] == kSwitch) {
-            narrow = !narrow;
-            ++at;
-        } else if (narrow) {
-            *unit++ = static_cast<char16_t>(stored[at]);
-            ++at;
-        } else {
-            if (at + 1 == stored.size()) break;
+        const Bytes narrow = stored.subspan(at, NextSwitch(stored, at) - at);
+        for (const std::byte byte : narrow) *unit++ = static_cast<char16_t>(byte);
+        at += narrow.size() + 1;
+        while (at + 1 < stored.size() && stored[at] != kSwitch) {
             *unit++ = UnitAt(stored, at);
             at += 2;
         }
+        ++at;
     }
-    into.erase(unit, into.end());
+    into.resize(static_cast<std::size_t>(unit - into.data()));
 }
 
 // A unit whose low byte is zero would be taken for a switch.
