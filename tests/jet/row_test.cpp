@@ -184,9 +184,8 @@ TEST_P(PageTest, RandomChanges_KeepEveryOtherRow) {
             if (what == 1 && rows.size() > 20) {
                 DeleteRow(page, FileFormat(), slot);
                 EXPECT_EQ(ReadSlot(page, FileFormat(), slot).kind, SlotKind::kDeleted);
-                EXPECT_EQ(ReadSlot(page, FileFormat(), slot).length, 0U);
                 rows.erase(at);
-            } else if (length <= at->second.size() + PageRoom(page, FileFormat())) {
+            } else if (CanResize(page, FileFormat(), slot, length)) {
                 ResizeRow(page, FileFormat(), slot, length);
                 at->second.resize(length);
             }
@@ -195,6 +194,47 @@ TEST_P(PageTest, RandomChanges_KeepEveryOtherRow) {
         if (HasFatalFailure()) return;
     }
     EXPECT_EQ(SlotCount(page, FileFormat()), kMostSlots);
+}
+
+TEST_P(PageTest, DeletedRow_MovesNothingUntilItsRoomIsNeeded) {
+    ByteVector page(FileFormat().pageSize);
+    StartDataPage(page, FileFormat(), 5);
+    const ByteVector row(200, std::byte{7});
+    while (HasRoomFor(page, FileFormat(), 200)) AppendRow(page, FileFormat(), row, SlotKind::kRow);
+    const ByteVector full = page;
+    DeleteRow(page, FileFormat(), 2);
+    SetSlotKind(page, FileFormat(), 2, SlotKind::kRow);
+    EXPECT_EQ(page, full);
+    DeleteRow(page, FileFormat(), 2);
+    EXPECT_EQ(PossibleRoom(page, FileFormat()), PageRoom(page, FileFormat()) + 200);
+
+    const ByteVector other(198, std::byte{9});
+    const std::uint32_t room = PageRoom(page, FileFormat());
+    const std::uint32_t added = AppendRow(page, FileFormat(), other, SlotKind::kRow);
+    EXPECT_EQ(ReadSlot(page, FileFormat(), 2).length, 0U);
+    EXPECT_EQ(ReadSlot(page, FileFormat(), 2).kind, SlotKind::kDeleted);
+    EXPECT_EQ(PageRoom(page, FileFormat()), room);
+    EXPECT_EQ(ReadU16(page, 2), room);
+    for (std::uint32_t slot = 0; slot < added; ++slot) {
+        if (slot == 2) continue;
+        EXPECT_EQ(Copy(SlotBytes(page, FileFormat(), slot)), row);
+    }
+    EXPECT_EQ(Copy(SlotBytes(page, FileFormat(), added)), other);
+}
+
+TEST_P(PageTest, RowThatGrows_TakesTheRoomOfDeletedOnes) {
+    ByteVector page(FileFormat().pageSize);
+    StartDataPage(page, FileFormat(), 5);
+    const ByteVector row(200, std::byte{7});
+    while (HasRoomFor(page, FileFormat(), 200)) AppendRow(page, FileFormat(), row, SlotKind::kRow);
+    EXPECT_FALSE(CanResize(page, FileFormat(), 1, 400));
+    DeleteRow(page, FileFormat(), 0);
+    ASSERT_TRUE(CanResize(page, FileFormat(), 1, 400));
+    ResizeRow(page, FileFormat(), 1, 400);
+    EXPECT_EQ(ReadSlot(page, FileFormat(), 1).length, 400U);
+    EXPECT_EQ(Copy(SlotBytes(page, FileFormat(), 1).first(200)), row);
+    EXPECT_EQ(Copy(SlotBytes(page, FileFormat(), 2)), row);
+    EXPECT_EQ(ReadU16(page, 2), PageRoom(page, FileFormat()));
 }
 
 TEST_P(PageTest, EmptyPage_HasTheKnownRoom) {

@@ -29,6 +29,29 @@ void WriteRoom(MutableBytes page, const Format& format) {
     WriteU16(page, 2, static_cast<std::uint16_t>(PageRoom(page, format)));
 }
 
+// Takes the bytes of deleted slots away, so that all free bytes lie together.
+void CloseUp(MutableBytes page, const Format& format) {
+    const std::uint32_t count = SlotCount(page, format);
+    const std::uint32_t lowest = SlotEnd(page, format, count);
+    std::uint32_t oldEnd = format.pageSize;
+    std::uint32_t end = format.pageSize;
+    for (std::uint32_t slot = 0; slot < count; ++slot) {
+        const std::uint16_t entry = ReadU16(page, EntryAt(format, slot));
+        const std::uint32_t start = entry & kOffsetMask;
+        if (start > oldEnd || start < lowest) {
+            ThrowDamaged("The file is damaged: the rows of a page overlap.");
+        }
+        const std::uint32_t length = (entry & kKindMask) == kKindMask ? 0 : oldEnd - start;
+        oldEnd = start;
+        end -= length;
+        std::memmove(page.data() + end, page.data() + start, length);
+        WriteU16(page, EntryAt(format, slot),
+                 static_cast<std::uint16_t>((entry & ~kOffsetMask) | end));
+    }
+    std::fill(page.begin() + lowest, page.begin() + end, std::byte{0});
+    WriteRoom(page, format);
+}
+
 // Moves the first byte of `slot` and of all later ones by `distance` towards the page's start.
 void MoveStarts(MutableBytes page, const Format& format, std::uint32_t slot,
                 std::int32_t distance) {
@@ -71,8 +94,25 @@ std::uint32_t PageRoom(Bytes page, const Format& format) {
     return lowest - used;
 }
 
+std::uint32_t PossibleRoom(Bytes page, const Format& format) {
+    const std::uint32_t count = SlotCount(page, format);
+    std::uint32_t room = PageRoom(page, format);
+    for (std::uint32_t slot = 0; slot < count; ++slot) {
+        if (ReadSlotKind(page, format, slot) == SlotKind::kDeleted) {
+            room += ReadSlot(page, format, slot).length;
+        }
+    }
+    return room;
+}
+
 bool HasRoomFor(Bytes page, const Format& format, std::uint32_t length) {
-    return SlotCount(page, format) < kMostSlots && PageRoom(page, format) >= length + 2;
+    return SlotCount(page, format) < kMostSlots &&
+           (PageRoom(page, format) >= length + 2 || PossibleRoom(page, format) >= length + 2);
+}
+
+bool CanResize(Bytes page, const Format& format, std::uint32_t slot, std::uint32_t length) {
+    const std::uint32_t old = ReadSlot(page, format, slot).length;
+    return length <= old + PageRoom(page, format) || length <= old + PossibleRoom(page, format);
 }
 
 bool HasLiveSlots(Bytes page, const Format& format) {
@@ -92,6 +132,7 @@ void StartDataPage(MutableBytes page, const Format& format, std::uint32_t owner)
 std::uint8_t AppendRow(MutableBytes page, const Format& format, Bytes row, SlotKind kind) {
     const std::uint32_t count = SlotCount(page, format);
     if (!HasRoomFor(page, format, static_cast<std::uint32_t>(row.size()))) ThrowOutOfBounds();
+    if (PageRoom(page, format) < row.size() + 2) CloseUp(page, format);
     const auto start = static_cast<std::uint32_t>(SlotEnd(page, format, count) - row.size());
     if (!row.empty()) std::memcpy(Slice(page, start, row.size()).data(), row.data(), row.size());
     WriteU16(page, EntryAt(format, count),
@@ -102,11 +143,13 @@ std::uint8_t AppendRow(MutableBytes page, const Format& format, Bytes row, SlotK
 }
 
 void DeleteRow(MutableBytes page, const Format& format, std::uint32_t slot) {
-    ResizeRow(page, format, slot, 0);
     SetSlotKind(page, format, slot, SlotKind::kDeleted);
 }
 
 void ResizeRow(MutableBytes page, const Format& format, std::uint32_t slot, std::uint32_t length) {
+    if (length > ReadSlot(page, format, slot).length + PageRoom(page, format)) {
+        CloseUp(page, format);
+    }
     const Slot old = ReadSlot(page, format, slot);
     const std::uint32_t room = PageRoom(page, format);
     const std::uint32_t lowest = SlotEnd(page, format, SlotCount(page, format));

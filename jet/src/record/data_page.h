@@ -14,6 +14,9 @@
 //
 // The row of a slot ends where that of the slot before it begins, so there are no gaps. A slot
 // keeps its number as long as the page lives.
+//
+// A deleted slot keeps its bytes until the page needs their room: taking them away moves every row
+// below, all of which would go into the log, and most pages that lose rows get no new ones.
 #pragma once
 
 #include <cstdint>
@@ -63,15 +66,19 @@ Slot ReadSlot(Bytes page, const Format& format, std::uint32_t slot);
 Bytes SlotBytes(Bytes page, const Format& format, std::uint32_t slot);
 // Free bytes, from the directory; kDamaged when rows and directory overlap.
 std::uint32_t PageRoom(Bytes page, const Format& format);
-// True when a new row of `length` bytes fits.
+// The same together with the bytes of deleted slots.
+std::uint32_t PossibleRoom(Bytes page, const Format& format);
+// True when a new row of `length` bytes fits, if need be in the room of deleted ones.
 bool HasRoomFor(Bytes page, const Format& format, std::uint32_t length);
+// True when the slot can become `length` bytes long, likewise.
+bool CanResize(Bytes page, const Format& format, std::uint32_t slot, std::uint32_t length);
 bool HasLiveSlots(Bytes page, const Format& format);
 
 // Makes a zeroed page an empty data page.
 void StartDataPage(MutableBytes page, const Format& format, std::uint32_t owner);
 // Adds a slot; the caller has made sure of the room.
 std::uint8_t AppendRow(MutableBytes page, const Format& format, Bytes row, SlotKind kind);
-// Gives the slot's bytes back to the page; the slot itself stays, marked as deleted.
+// Marks the slot as deleted; the page takes its bytes back when it needs them.
 void DeleteRow(MutableBytes page, const Format& format, std::uint32_t slot);
 // Makes the slot `length` bytes long, moving the rows behind it; its old bytes stay as far as they
 // go. The caller has made sure of the room.

@@ -155,7 +155,9 @@ RowId LongValueStore::Append(Bytes row) {
     const PageNumber page = PageWithRoom(static_cast<std::uint32_t>(row.size()));
     const MutableBytes bytes = pager_->Change(page);
     const std::uint8_t slot = AppendRow(bytes, pager_->FileFormat(), row, SlotKind::kRow);
-    if (free_ && PageRoom(bytes, pager_->FileFormat()) <= kPointerSize) free_->Remove(page);
+    const bool isFull = PageRoom(bytes, pager_->FileFormat()) <= kPointerSize &&
+                        PossibleRoom(bytes, pager_->FileFormat()) <= kPointerSize;
+    if (free_ && isFull) free_->Remove(page);
     return {page, slot};
 }
 

@@ -111,8 +111,8 @@ void RowStore::Replace(RowId row, Bytes bytes) {
     const Slot old = ReadSlot(page, format, place.slot);
     if (old.kind == SlotKind::kDeleted) ThrowMissing();
     // Files of other writers may hold a pointer to a pointer; it is made straight.
-    const bool fits =
-        old.kind != SlotKind::kPointer && bytes.size() <= old.length + PageRoom(page, format);
+    const bool fits = old.kind != SlotKind::kPointer &&
+                      CanResize(page, format, place.slot, static_cast<std::uint32_t>(bytes.size()));
     if (!fits) {
         Move(row, bytes);
         return;
