@@ -337,4 +337,10 @@ void MakeDurable() {
     }
 }
 
+void SecureLog() noexcept {
+    if (fileIsOpen && dbDatafile) {
+        dbDatafile->SecureLog();
+    }
+}
+
 }  // namespace PrepDatafile

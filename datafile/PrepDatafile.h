@@ -43,5 +43,7 @@ QString FileTitleFromPath(const QString& path);
 void RefuseDatafile();
 // Carries what was written so far through a power cut; nothing when no file is open.
 void MakeDurable();
+// Does beforehand what would make the first MakeDurable wait longer than the others.
+void SecureLog() noexcept;
 
 }  // namespace PrepDatafile

@@ -19,6 +19,8 @@
 
 namespace {
 
+constexpr int kIntroduction = 1;
+
 QString worksheetID;
 std::unique_ptr<Worksheet> current;
 int currentIndex = 0;
@@ -43,7 +45,7 @@ std::unique_ptr<Worksheet> Make() {
 
 std::unique_ptr<Worksheet> MakeForm(int index) {
     switch (index) {
-        case 1:
+        case kIntroduction:
             return Make<frm1Intro>();
         case 2:
             return Make<frm2RMAs>();
@@ -100,11 +102,15 @@ void DisplayWorksheet(std::int16_t index) {
     if (index < 1 || index > kWorksheets) {
         return;
     }
+    if (index != kIntroduction) {
+        // Nothing can be changed in the introduction, so that a start need not wait for this.
+        PrepDatafile::SecureLog();
+    }
     SetUpForm(index);
 }
 
 void SetUpIntroduction() {
-    SetUpForm(1);
+    SetUpForm(kIntroduction);
 }
 
 void PositionWorksheet(QWidget& form) {

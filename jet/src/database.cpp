@@ -102,6 +102,10 @@ void Database::MakeDurable() try {
     ThrowOutOfMemory();
 }
 
+void Database::SecureLog() noexcept {
+    if (impl_->file) impl_->file->Pages().Internals().Log().SecurePlace();
+}
+
 std::uint64_t Database::PendingOperations() const {
     return impl_->file->Pages().Internals().Log().Operations();
 }

@@ -93,6 +93,10 @@ void Database::MakeDurable() {
     Mapped([this] { database_->MakeDurable(); });
 }
 
+void Database::SecureLog() noexcept {
+    database_->SecureLog();
+}
+
 bool Database::HasTable(const QString& name) const {
     return Mapped([&] { return database_->HasTable(ToUtf8(name)); });
 }

@@ -298,7 +298,7 @@ TEST_P(FailingDisk, TypeCost_AnyCallFailing_KeepsWhatWasTyped) {
 TEST_F(RunningProgram, UserActions_EachFlushAtMostTwice) {
     RunWithFile();
     tarn_faults::Switchboard& board = *TarnFaults();
-    qstrncpy(board.pattern, ".fcd", sizeof board.pattern);
+    qstrncpy(board.pattern, "/Costs", sizeof board.pattern);  // the folder itself, too
     board.calls = tarn_faults::kFlush;
     const auto flushes = [&](const std::function<void()>& action) {
         board.seen = 0;
@@ -308,6 +308,8 @@ TEST_F(RunningProgram, UserActions_EachFlushAtMostTwice) {
         board.mode = Mode::kOff;
         return board.seen;
     };
+    EXPECT_EQ(flushes([this] { ClickTab(4); }), 1);
+    EXPECT_EQ(flushes([this] { ClickTab(3); }), 0);
     EXPECT_EQ(flushes([this] { ClickTab(4); }), 0);
     EXPECT_EQ(flushes([this] { Click(QStringLiteral("cmdAdd")); }), 2);
     const QString source = folder_.CostsPath(QStringLiteral("source.mdb"));

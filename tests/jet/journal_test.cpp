@@ -13,6 +13,7 @@
 #include "jet/error.h"
 #include "page/bytes.h"
 #include "page/pager.h"
+#include "page/pager_impl.h"
 #include "support/fault_file_system.h"
 #include "support/fault_runs.h"
 
@@ -407,6 +408,41 @@ void ExpectForeign(const std::vector<std::byte>& file, const std::vector<std::by
     EXPECT_TRUE(recovery.foreignLogIgnored);
     EXPECT_EQ(files.Contents(kFile), file);
     EXPECT_EQ(files.Contents(std::string(kLog) + "-old"), log);
+}
+
+TEST_P(JournalTest, Open_WithoutALog_MakesOneAndFlushesNothing) {
+    files_.Arm(Fault::kNone, 0);
+    const auto pager = OpenFile(files_);
+    EXPECT_EQ(files_.Steps(), 1);
+    EXPECT_TRUE(files_.Exists(kLog));
+}
+
+TEST_P(JournalTest, SecurePlace_FlushesTheFolderOnce_InsteadOfTheFirstMakeDurable) {
+    const auto stepsOf = [this](bool secured) {
+        const auto files = files_.Copy();
+        const auto pager = OpenFile(*files);
+        if (secured) {
+            files->Arm(Fault::kNone, 0);
+            pager->Internals().Log().SecurePlace();
+            pager->Internals().Log().SecurePlace();
+            EXPECT_EQ(files->Steps(), 1);
+        }
+        std::mt19937 draw(1);
+        ChangeSomething(*pager, draw);
+        files->Arm(Fault::kNone, 0);
+        pager->MakeDurable();
+        return files->Steps();
+    };
+    EXPECT_EQ(stepsOf(false), stepsOf(true) + 1);
+}
+
+TEST_P(JournalTest, SecurePlace_ThatFails_IsTriedAgain) {
+    const auto pager = OpenFile(files_);
+    files_.Arm(Fault::kFail, 1);
+    pager->Internals().Log().SecurePlace();
+    files_.Arm(Fault::kNone, 0);
+    pager->Internals().Log().SecurePlace();
+    EXPECT_EQ(files_.Steps(), 1);
 }
 
 TEST_P(JournalTest, Open_WithPendingLog_BringsItInAndSaysSo) {

@@ -69,11 +69,16 @@ public:
     // Makes everything durable, removes the log and gives up the file, even when it throws: the log
     // then stays for the next opening. Safe to call twice. Errors: kDiskFull, kIo.
     void Close();
-    // At most two flushes; none when nothing changed since the last call. A file that was removed
+    // At most two flushes, or three in the first call without SecureLog before it; none when
+    // nothing changed since the last call. A file that was removed
     // meanwhile is written anew at its place. Errors: kDiskFull, kIo, kClosed; nothing is lost, and
     // the next call tries again. kFileInUse when another program has replaced or overwritten the
     // file; all that was done here is kept in NAME-kept beside one that was replaced.
     void MakeDurable();
+    // Makes sure that the log cannot vanish from its folder in a power cut: one flush, once. For a
+    // moment between opening, which need not wait for the disk, and the first change. It does not
+    // fail: what it cannot do is left to MakeDurable.
+    void SecureLog() noexcept;
     // Operations that are safe from a crash but that MakeDurable has not brought into the file.
     [[nodiscard]] std::uint64_t PendingOperations() const;
     // What MakeDurable found: the file has another name now, or was removed and has been put back.

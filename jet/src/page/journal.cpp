@@ -38,7 +38,7 @@ void Journal::Prepare() noexcept {
 void Journal::RequireFile() {
     if (file_) return;
     auto file = OpenLog();
-    files_.FlushFolder(path_.parent_path());
+    placeFlushed_ = false;
     cutFirst_ = cutFirst_ || file->Size() > end_;
     file_ = std::move(file);
 }
@@ -132,11 +132,27 @@ void Journal::Flush() {
     if (flushFailed_) WriteAllAgain();
     try {
         file_->Flush();
+        FlushPlace();
     } catch (...) {
         flushFailed_ = true;
         throw;
     }
     flushFailed_ = false;
+}
+
+void Journal::SecurePlace() noexcept {
+    try {
+        if (file_) FlushPlace();
+    } catch (...) {
+        // The first flush of the log tries again.
+        return;
+    }
+}
+
+// Not when the log is made: every opening would wait for the disk.
+void Journal::FlushPlace() {
+    if (!placeFlushed_) files_.FlushFolder(path_.parent_path());
+    placeFlushed_ = true;
 }
 
 // After a failed flush the operating system may count pages as written that are not, so that a

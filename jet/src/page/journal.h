@@ -46,8 +46,8 @@ public:
     Journal(FileSystem& files, std::filesystem::path path, std::uint32_t pageSize)
         : files_(files), path_(std::move(path)), pageSize_(pageSize) {}
 
-    // Makes the (empty) log file and its place in the folder durable, so that no later flush has to
-    // do it. May fail; the first operation then tries again, and fails if it has to.
+    // Makes the (empty) log file. May fail; the first operation then tries again, and fails if it
+    // has to.
     void Prepare() noexcept;
     // Goes on with a log that was replayed.
     void Resume(const LogPosition& position);
@@ -59,6 +59,9 @@ public:
     // Step 2. The value that the data file's commit counter takes this time.
     std::uint16_t Mark();
     void Flush();
+    // Carries the log's place in its folder through a power cut, unless the first Flush has done
+    // so. May fail; that flush then does it.
+    void SecurePlace() noexcept;
     void Empty() noexcept;
     // Closes the log file and leaves it where it is.
     void Release() noexcept { file_.reset(); }
@@ -74,6 +77,7 @@ public:
 
 private:
     void RequireFile();
+    void FlushPlace();
     std::unique_ptr<File> OpenLog();
     void WriteBuffer();
     void WriteAllAgain();
@@ -89,6 +93,7 @@ private:
     std::uint64_t checksum_ = 0;  // of its last record
     std::uint64_t operation_ = 0;
     std::uint16_t lastCounter_ = 0;  // of the log's beginning or its last mark
+    bool placeFlushed_ = false;      // a power cut cannot take the file out of its folder
     bool cutFirst_ = false;          // there may be bytes past the good part
     bool flushFailed_ = false;       // what was written may never have reached the disk
     std::vector<bool> logged_;       // pages whose former bytes are in the log

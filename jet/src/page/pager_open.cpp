@@ -202,7 +202,6 @@ std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::p
         if (files.Exists(LogPath(resolved))) SetAside(files, LogPath(resolved));
         pager = std::make_unique<Pager>(
             std::make_unique<Impl>(files, resolved, std::move(file), format, false));
-        // Also carries the new file's own place in the folder through a power cut.
         pager->impl_->Log().Prepare();
         pager->StartFile(version);
     } catch (...) {
