@@ -31,6 +31,14 @@ QString currentFileName;
 QString currentPath;
 QString newUnitName;
 
+// What the user has been told about the open file.
+struct Told {
+    std::uint64_t pending = 0;  // operations that could not be brought into it
+    bool moved = false;
+    bool putBack = false;
+};
+Told told;
+
 enum class Format { kCurrent, kSameTables, kWithoutGoals, kUnknown };
 
 Format FormatOf(const QString& formatID) {
@@ -76,6 +84,20 @@ void CloseQuietly() {
     }
 }
 
+void TellOfKeptLog() {
+    const QString log = dbDatafile->KeptLog();
+    if (log.isEmpty()) {
+        return;
+    }
+    const QString text =
+        QStringLiteral(
+            "Changes of an interrupted run lie beside the file, but they belong to "
+            "another state of it and are not brought in. They are kept in \"%1\".")
+            .arg(log);
+    u91Trace::Error(QStringLiteral("PrepDatafile.OpenDatatables: ") + text);
+    platform::MsgBox(text);
+}
+
 void WarnOfRecovery() {
     if (const int operations = dbDatafile->RecoveredOperations(); operations > 0) {
         u91Trace::Warning(
@@ -102,9 +124,10 @@ void RequireSound() {
 
 // The file may be in order where the machine is not; the user can then try again.
 void TellIfNotTheFilesFault(const platform::RuntimeError& error) {
-    constexpr std::array kReasons{static_cast<int>(platform::kOutOfMemory),
-                                  static_cast<int>(platform::kDeviceError),
-                                  static_cast<int>(platform::kFileSystemFull)};
+    constexpr std::array kReasons{
+        static_cast<int>(platform::kOutOfMemory), static_cast<int>(platform::kDeviceError),
+        static_cast<int>(platform::kPermissionDenied), static_cast<int>(platform::kFileSystemFull),
+        static_cast<int>(platform::kReadOnlyFile)};
     if (std::find(kReasons.begin(), kReasons.end(), error.Number()) == kReasons.end()) {
         return;
     }
@@ -151,6 +174,7 @@ bool CopyTemplate(const QString& path) {
         dao::Database::RequireFree(path);
         platform::FileCopy(platform::FindFile(platform::ProgramFolder(), QStringLiteral("FCD.new")),
                            path);
+        dao::Database::DiscardLog(path);
         return true;
     } catch (const platform::RuntimeError&) {
         return false;
@@ -166,6 +190,50 @@ void CloseFormerFile() {
         theHost->ReleaseWorksheet();
     }
     CloseDatafile();
+}
+
+// It is tried after everything that the user does, and told again only when more waits than before.
+void BringIn() {
+    try {
+        dbDatafile->MakeDurable();
+        told.pending = 0;
+    } catch (const platform::RuntimeError& error) {
+        const std::uint64_t pending = dbDatafile->PendingOperations();
+        if (pending == told.pending) {
+            return;
+        }
+        told.pending = pending;
+        const bool isInLog =
+            error.Number() == platform::kFileSystemFull || error.Number() == platform::kDeviceError;
+        if (!isInLog) {
+            throw;
+        }
+        throw platform::RuntimeError(
+            error.Number(),
+            error.Description() + platform::kNewLine +
+                QStringLiteral("What was stored is kept in a log beside the file; the program goes "
+                               "on trying to bring it in."));
+    }
+}
+
+void TellWhatOthersDid() {
+    if (dbDatafile->WasPutBack() && !told.putBack) {
+        told.putBack = true;
+        throw platform::RuntimeError(
+            platform::kNoSuchFile,
+            QStringLiteral("The file \"%1\" had been deleted by another program while it was "
+                           "open. It has been written anew, with all that is in it.")
+                .arg(currentFileName));
+    }
+    if (dbDatafile->WasMoved() && !told.moved) {
+        told.moved = true;
+        throw platform::RuntimeError(
+            platform::kNoSuchFile,
+            QStringLiteral("The file \"%1\" has been moved or renamed by another program while it "
+                           "was open. All that you enter is stored in it where it is now. Leave "
+                           "the program and open it there.")
+                .arg(currentFileName));
+    }
 }
 
 QWidget* Frame() {
@@ -279,7 +347,9 @@ bool OpenDatatables(const QString& fileName) {
     }
     currentPath = fileName;
     currentFileName = FileTitleFromPath(fileName);
+    told = {};
     fileIsOpen = true;
+    TellOfKeptLog();
     return true;
 }
 
@@ -333,7 +403,8 @@ void MakeDurable() {
         } catch (const platform::RuntimeError&) {
             // The user knows of the failure that left them; they go when there is room.
         }
-        dbDatafile->MakeDurable();
+        BringIn();
+        TellWhatOthersDid();
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "datafile/FieldNames.h"
 #include "datafile/PrepDatafile.h"
+#include "datafile/ZoneKeys.h"
 #include "platform/FirstError.h"
 #include "shell/u91Trace.h"
 
@@ -35,6 +36,16 @@ const std::array<NamedTable, 6> kTables{{
     {&tblNVCResources, "NVCResources"},
     {&tblNVCPerAcre, "NVCPerAcre"},
 }};
+
+// A run that ended in the middle of adding a zone has left out some of its rows.
+void CompleteZones() {
+    try {
+        ZoneKeys::CompleteZones();
+    } catch (const platform::RuntimeError& error) {
+        u91Trace::Error(QStringLiteral("ZoneKeys.CompleteZones: Error %1, ").arg(error.Number()) +
+                        error.Description());
+    }
+}
 
 }  // namespace
 
@@ -81,11 +92,14 @@ bool OpenRecordsets() {
         for (const auto& [table, name] : kTables) {
             (*table)->SetIndex(FieldNames::kPrimaryKey);
         }
-        return true;
     } catch (const platform::RuntimeError&) {
         PrepDatafile::RefuseDatafile();
         return false;
     }
+    if (dbDatafile->RecoveredOperations() > 0) {
+        CompleteZones();
+    }
+    return true;
 }
 
 void CloseDatafile() {

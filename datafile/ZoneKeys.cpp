@@ -11,6 +11,7 @@
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
+#include "shell/u91Trace.h"
 
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
@@ -161,6 +162,25 @@ int AddValueRows(std::int32_t zoneKey, std::int32_t location, bool keepExisting,
     return existed;
 }
 
+struct Zone {
+    std::int32_t key = 0;
+    std::int32_t locations = 0;
+    QString name;
+};
+
+std::vector<Zone> AllZones() {
+    std::vector<Zone> zones;
+    if (tblFMZList->RecordCount() == 0) {
+        return zones;
+    }
+    for (tblFMZList->MoveFirst(); !tblFMZList->EndOfFile(); tblFMZList->MoveNext()) {
+        zones.push_back({.key = FieldReaders::LongField(*tblFMZList, FieldNames::kKey),
+                         .locations = FieldReaders::LongField(*tblFMZList, FieldNames::kRLCount),
+                         .name = FieldReaders::TextField(*tblFMZList, FieldNames::kName)});
+    }
+    return zones;
+}
+
 void AddCostRows(std::int32_t zoneKey, Undo& undo) {
     for (int sequence = 1; sequence <= kCostClasses; ++sequence) {
         AddCostRow(zoneKey, sequence);
@@ -216,16 +236,35 @@ int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last) {
     return existed;
 }
 
-void AddMissingCostRows(std::int32_t zoneKey) {
+int AddMissingCostRows(std::int32_t zoneKey) {
     Undo undo;
+    int added = 0;
     for (int sequence = 1; sequence <= kCostClasses; ++sequence) {
         tblSuppressionPerAcreCost->Seek("=", {zoneKey, sequence});
         if (tblSuppressionPerAcreCost->NoMatch()) {
             AddCostRow(zoneKey, sequence);
             undo.Add([zoneKey, sequence] { DeleteCostRow(zoneKey, sequence); });
+            ++added;
         }
     }
     undo.Keep();
+    return added;
+}
+
+void CompleteZones() {
+    for (const Zone& zone : AllZones()) {
+        int added = AddMissingCostRows(zone.key);
+        const std::int32_t locations = std::min(zone.locations, kLocationsPerKey - 1);
+        for (std::int32_t location = 1; location <= locations; ++location) {
+            added += kResources - AddLocations(zone.key, location, location);
+        }
+        if (added > 0) {
+            u91Trace::Warning(QStringLiteral("ZoneKeys.CompleteZones: added %1 rows that an "
+                                             "interrupted run had left out for FMZ ")
+                                  .arg(added) +
+                              zone.name);
+        }
+    }
 }
 
 }  // namespace ZoneKeys

@@ -28,14 +28,17 @@ std::int32_t AddZone(const QString& name, std::int32_t locations);
 // nothing: rows of another zone in the way throw.
 int AddLocations(std::int32_t zoneKey, std::int32_t first, std::int32_t last);
 
-// Adds those of a zone's nine cost rows that are missing.
-void AddMissingCostRows(std::int32_t zoneKey);
-
 // An add that fails takes back what it had added. Where the disk refuses that, too, it is done
 // later: the next add begins with it, and so does making the file durable. Throws when it still
 // cannot be done.
 void TakeBackLeftOver();
 // The file is closed.
 void ForgetLeftOver();
+
+// Adds those of the nine cost rows that are missing; gives their number.
+int AddMissingCostRows(std::int32_t zoneKey);
+// Adds whatever rows of any zone are missing, values left empty, with a warning for each zone. A
+// run that ended while a zone was being added leaves such a zone.
+void CompleteZones();
 
 }  // namespace ZoneKeys

@@ -156,10 +156,10 @@ void CopyZone(dao::Recordset& zones) {
     }
 }
 
-void CopyZones(ImportProgress* progress) {
+// Each zone that is begun counts.
+void CopyZones(ImportProgress* progress, int& zone) {
     dao::Recordset& zones = bram->Zones();
     const int count = zones.RecordCount();
-    int zone = 0;
     for (zones.MoveFirst(); !zones.EndOfFile(); zones.MoveNext()) {
         ++zone;
         if (progress != nullptr) {
@@ -169,15 +169,33 @@ void CopyZones(ImportProgress* progress) {
     }
 }
 
+// The list on the screen is filled anew only after an import that succeeded, and nothing in it can
+// be deleted: a user who does not know would have every zone twice.
+QString WhatStays(int zones) {
+    if (zones < 2) {
+        return {};
+    }
+    return platform::kNewLine +
+           QStringLiteral(
+               "The zones before this one (%1) have been copied; they show when the "
+               "worksheet is opened again. Importing the file once more copies them a "
+               "second time.")
+               .arg(zones - 1);
+}
+
 std::int16_t CopyOpenFile(ImportProgress* progress) {
     if (bram->Zones().RecordCount() == 0) {
         platform::MsgBox(QStringLiteral("No FMZs found in the file"));
         return kNoZones;
     }
     const HourglassScope hourglass;
+    int zones = 0;
     try {
-        CopyZones(progress);
+        CopyZones(progress, zones);
         BRAM_Close();
+    } catch (const platform::RuntimeError& error) {
+        bram.reset();
+        throw platform::RuntimeError(error.Number(), error.Description() + WhatStays(zones));
     } catch (...) {
         bram.reset();
         throw;

@@ -37,6 +37,11 @@ std::optional<Report> Attempt(const char* handler, const std::function<void()>& 
     }
 }
 
+// What can be done about it may follow on further lines.
+QString CauseOf(const Report& report) {
+    return report.description.section(u'\n', 0, 0).trimmed();
+}
+
 }  // namespace
 
 void Install(Hooks newHooks) {
@@ -60,7 +65,7 @@ bool Run(const char* handler, const std::function<void()>& body) {
     if (depth == 1 && hooks.idle) {
         auto failure = Attempt(handler, hooks.idle);
         // The same cause is told once.
-        if (failure && (reports.empty() || failure->description != reports.front().description)) {
+        if (failure && (reports.empty() || CauseOf(*failure) != CauseOf(reports.front()))) {
             reports.push_back(*failure);
         }
     }

@@ -23,8 +23,10 @@ enum ErrorNumber {
     kObjectNotSet = 91,
     kNoCurrentRecord = 3021,
     kDuplicateKey = 3022,
+    kNoSuchFile = 3024,
     kFileSystemFull = 3026,
     kDamagedFile = 3049,
+    kReadOnlyFile = 3051,
     kObjectClosed = 3420,
 };
 

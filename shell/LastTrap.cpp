@@ -4,6 +4,7 @@
 
 #include "datafile/PrepDatafile.h"
 #include "platform/EventTrap.h"
+#include "platform/RuntimeError.h"
 #include "platform/dialogs/MsgBox.h"
 #include "shell/UIMode.h"
 #include "shell/frm0_Prep.h"
@@ -13,11 +14,19 @@ namespace {
 
 using platform::EventTrap::Report;
 
+QString Advice(int number) {
+    if (number != platform::kFileSystemFull && number != platform::kDiskFull) {
+        return {};
+    }
+    return platform::kNewLine +
+           QStringLiteral("Make room on the disk; what is on the screen can be stored then.");
+}
+
 void Tell(const Report& report) {
     try {
         u91Trace::Error(QStringLiteral("%1: Error %2, ").arg(report.handler).arg(report.number) +
                         report.description);
-        platform::MsgBox(report.description + platform::kNewLine +
+        platform::MsgBox(report.description + Advice(report.number) + platform::kNewLine +
                          QStringLiteral("(Error %1 in %2)").arg(report.number).arg(report.handler));
     } catch (const std::exception&) {
         // Out of memory or the like: there is nobody left to tell.

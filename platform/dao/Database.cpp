@@ -85,6 +85,10 @@ void Database::RequireFree(const QString& path) {
     });
 }
 
+void Database::DiscardLog(const QString& path) {
+    Mapped([&] { jet::Database::DiscardLog(ToPath(path)); });
+}
+
 void Database::Close() {
     Mapped([this] { database_->Close(); });
 }
@@ -124,6 +128,22 @@ void Database::AppendTable(const TableDefinition& table) {
 int Database::RecoveredOperations() const {
     const jet::Recovery& recovery = database_->OpeningRecovery();
     return recovery.applied ? static_cast<int>(recovery.operations) : 0;
+}
+
+QString Database::KeptLog() const {
+    return QString::fromStdU16String(database_->OpeningRecovery().keptLog.filename().u16string());
+}
+
+std::uint64_t Database::PendingOperations() const {
+    return database_->PendingOperations();
+}
+
+bool Database::WasMoved() const {
+    return database_->WasMoved();
+}
+
+bool Database::WasPutBack() const {
+    return database_->WasPutBack();
 }
 
 }  // namespace dao

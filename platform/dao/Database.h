@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -51,6 +52,9 @@ public:
     // Throws when a file of that name exists and somebody holds it or it cannot be written, so that
     // nobody's open file is replaced under their hands.
     static void RequireFree(const QString& path);
+    // A file that has just been copied over another must not get the changes that the other one was
+    // waiting for.
+    static void DiscardLog(const QString& path);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -69,6 +73,13 @@ public:
     void AppendTable(const TableDefinition& table);
     // Operations of an interrupted run that opening brought in.
     [[nodiscard]] int RecoveredOperations() const;
+    // The name of a log that opening set aside although it may hold changes that the file lacks.
+    [[nodiscard]] QString KeptLog() const;
+    // Operations that MakeDurable has not brought into the file.
+    [[nodiscard]] std::uint64_t PendingOperations() const;
+    // What MakeDurable found: the file has another name now, or was removed and has been put back.
+    [[nodiscard]] bool WasMoved() const;
+    [[nodiscard]] bool WasPutBack() const;
     // What contradicts the format anywhere in the file, a sentence for each; reads all of it.
     [[nodiscard]] QStringList Damage();
 

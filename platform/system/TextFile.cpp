@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
+
 #include "platform/RuntimeError.h"
 
 #ifdef Q_OS_UNIX
@@ -11,19 +13,22 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #endif
 
 namespace platform {
 namespace {
 
-[[noreturn]] void ThrowOpenFailure(const QString& path) {
+// `code` is the system's reason, 0 when it is not known.
+[[noreturn]] void ThrowOpenFailure(const QString& path, int code) {
     const QFileInfo info(path);
     if (!QFileInfo::exists(info.path())) {
         throw RuntimeError(kPathNotFound, QStringLiteral("Path not found: ") + path);
     }
     if (info.isDir()) {
         throw RuntimeError(kPathAccess, QStringLiteral("Path/File access error: ") + path);
+    }
+    if (code != 0 && code != EACCES && code != EPERM && code != EROFS) {
+        throw RuntimeError(kDeviceError, QStringLiteral("Device I/O error %1: ").arg(code) + path);
     }
     throw RuntimeError(kPermissionDenied, QStringLiteral("Permission denied: ") + path);
 }
@@ -33,6 +38,16 @@ namespace {
 }
 
 #ifdef Q_OS_UNIX
+
+// A signal may interrupt the wait for a file on a network; a pipe that nobody reads must not hold
+// the program up.
+int Open(const char* path, int how) {
+    int file = -1;
+    do {
+        file = ::open(path, O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | how, 0666);
+    } while (file < 0 && errno == EINTR);
+    return file;
+}
 
 // How much was written.
 qsizetype WriteAll(int file, const QByteArray& bytes) {
@@ -54,10 +69,9 @@ qsizetype WriteAll(int file, const QByteArray& bytes) {
 // some file systems wait until its former bytes are on the disk, for milliseconds at each start.
 void Write(const QString& path, TextMode mode, const QByteArray& bytes) {
     const int how = mode == TextMode::kAppend ? O_APPEND : 0;
-    const int file =
-        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | how, 0666);
+    const int file = Open(QFile::encodeName(path).constData(), how);
     if (file < 0) {
-        ThrowOpenFailure(path);
+        ThrowOpenFailure(path, errno);
     }
     const qsizetype done = WriteAll(file, bytes);
     // Devices and pipes have no length and say so.
@@ -75,7 +89,7 @@ void Write(const QString& path, TextMode mode, const QByteArray& bytes) {
     QIODevice::OpenMode openMode = QIODevice::WriteOnly | QIODevice::Unbuffered;
     openMode |= mode == TextMode::kAppend ? QIODevice::Append : QIODevice::Truncate;
     if (!file.open(openMode)) {
-        ThrowOpenFailure(path);
+        ThrowOpenFailure(path, 0);
     }
     if (file.write(bytes) != bytes.size()) {
         ThrowDiskFull(path);

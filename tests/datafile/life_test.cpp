@@ -11,6 +11,7 @@
 
 #include "data_file_fixture.h"
 #include "datafile/PrepProperties.h"
+#include "datafile/ZoneKeys.h"
 #include "datafile/frmFCDName.h"
 #include "support/Answers.h"
 #include "support/Corpus.h"
@@ -357,6 +358,63 @@ TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedEarly_BringsItsChangesInAndSay
     EXPECT_EQ(reader->RecoveredOperations(), 1);
     EXPECT_EQ(reader->OpenTable(QStringLiteral("FMZList"))->RecordCount(), 1);
     reader->Close();
+}
+
+TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedWithinAZone_CompletesItsRows) {
+    OpenNewFile();
+    tblFMZList->AddNew();
+    tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("North"));
+    tblFMZList->SetField(QStringLiteral("RLCount"), 2);
+    tblFMZList->Update();
+    ZoneKeys::AddLocations(1, 1, 1);
+    const QString left = folder_.CostsPath(QStringLiteral("LEFT26.FCD"));
+    support::Copy(PrepDatafile::CurrentPath(), left);
+    support::Copy(PrepDatafile::CurrentPath() + QStringLiteral("-log"),
+                  left + QStringLiteral("-log"));
+    PrepDatafile::CloseDatafile();
+    folder_.ForgetTrace();
+    OpenFile(left);
+    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 28);
+    EXPECT_EQ(PrepDatatables::tblSuppressionPerAcreCost->RecordCount(), 9);
+    EXPECT_EQ(
+        folder_.Trace().filter(QStringLiteral("added 23 rows that an interrupted run")).size(), 1);
+}
+
+TEST_F(LifeTest, QueryNewDatafile_OverAFileWithWaitingChanges_DoesNotGetThem) {
+    const QString year = QDate::currentDate().toString(QStringLiteral("yy"));
+    const QString path = NewFile(QStringLiteral("GPFWA%1.FCD").arg(year));
+    OpenFile(path);
+    tblFMZList->AddNew();
+    tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("North"));
+    tblFMZList->Update();
+    const QString log = path + QStringLiteral("-log");
+    const QString waiting = folder_.Path(QStringLiteral("waiting"));
+    support::Copy(log, waiting);
+    PrepDatafile::CloseDatafile();
+    support::Copy(waiting, log);
+    support::Answers answers({QMessageBox::Yes});
+    answers.Then([](QWidget& dialog) { NameUnit(dialog, QStringLiteral("GPF")); });
+    EXPECT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kOpened);
+    ASSERT_TRUE(PrepDatatables::OpenRecordsets());
+    EXPECT_EQ(PrepDatafile::CurrentPath(), path);
+    EXPECT_EQ(tblFMZList->RecordCount(), 0);
+}
+
+TEST_F(LifeTest, OpenDatatables_OlderCopyBesideALog_SaysThatTheLogIsKept) {
+    OpenNewFile();
+    const QString left = folder_.CostsPath(QStringLiteral("LEFT26.FCD"));
+    support::Copy(PrepDatafile::CurrentPath(), left);
+    PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("North"));
+    PrepDatafile::MakeDurable();
+    PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("South"));
+    support::Copy(PrepDatafile::CurrentPath() + QStringLiteral("-log"),
+                  left + QStringLiteral("-log"));
+    PrepDatafile::CloseDatafile();
+    const support::Answers answers;
+    OpenFile(left);
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts().front().contains(QStringLiteral("\"LEFT26.FCD-log-old\"")));
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("UnitName")), QString());
 }
 
 TEST_F(LifeTest, QueryNewDatafile_TemplateThatIsNone_IsRefused) {

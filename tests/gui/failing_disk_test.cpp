@@ -296,9 +296,11 @@ TEST_P(FailingDisk, TypeCost_AnyCallFailing_KeepsWhatWasTyped) {
 
 // Flushes are what makes a slow disk felt.
 TEST_F(RunningProgram, UserActions_EachFlushAtMostTwice) {
-    RunWithFile();
+    const QString path = folder_.CostsPath(QStringLiteral("Named.fcd"));
+    support::Copy(support::BuiltFolder() + QStringLiteral("/Costs/UMFOR25.FCD"), path);
+    Run(path);
     tarn_faults::Switchboard& board = *TarnFaults();
-    qstrncpy(board.pattern, "/Costs", sizeof board.pattern);  // the folder itself, too
+    qstrncpy(board.pattern, "", sizeof board.pattern);  // of whatever files
     board.calls = tarn_faults::kFlush;
     const auto flushes = [&](const std::function<void()>& action) {
         board.seen = 0;
@@ -320,6 +322,74 @@ TEST_F(RunningProgram, UserActions_EachFlushAtMostTwice) {
     QTest::keyClicks(&Get(QStringLiteral("grdFMZs")), QStringLiteral("Typed"));
     EXPECT_LE(flushes([this] { ClickTab(6); }), 2);
     EXPECT_EQ(flushes([this] { ClickTab(1); }), 0);
+}
+
+// It is tried again after every event, but a user who cannot mend it must be able to go on.
+TEST_F(RunningProgram, FlushThatGoesOnFailing_IsToldOnceForEachThingStored) {
+    RunWithFile();
+    ClickTab(4);
+    tarn_faults::Switchboard& board = *TarnFaults();
+    qstrncpy(board.pattern, ".fcd", sizeof board.pattern);
+    board.calls = tarn_faults::kFlush;
+    board.error = EIO;
+    board.nth = 1;
+    board.seen = 0;
+    board.mode = Mode::kForGood;
+    support::Answers answers;
+    Click(QStringLiteral("cmdAdd"));
+    QTest::keyClicks(&Get(QStringLiteral("grdFMZs")), QStringLiteral("North"));
+    Press(Qt::Key_Return);
+    EXPECT_EQ(answers.Texts().size(), 1) << Text(answers.Texts());
+    EXPECT_TRUE(answers.Texts().first().contains(QStringLiteral("is kept in a log")));
+    ClickTab(1);
+    EXPECT_EQ(answers.Texts().size(), 2) << Text(answers.Texts());
+    board.mode = Mode::kOff;
+    ClickTab(4);
+    EXPECT_EQ(PrepDatatables::dbDatafile->PendingOperations(), 0U);
+    EXPECT_EQ(Get<vsFlexGrid>(QStringLiteral("grdFMZs")).TextMatrix(1, 0), QStringLiteral("North"));
+}
+
+TEST_F(RunningProgram, FileRemovedOrRenamedUnderTheProgram_IsToldOnceAndNothingIsLost) {
+    const QString path = NewFile();
+    Run(path);
+    ClickTab(4);
+    support::Answers answers;
+    QFile::remove(path);
+    Click(QStringLiteral("cmdAdd"));
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("has been written anew")));
+    Click(QStringLiteral("cmdAdd"));
+    EXPECT_EQ(answers.Texts().size(), 1);
+    const QString alone = folder_.CostsPath(QStringLiteral("Alone.fcd"));
+    support::Copy(path, alone);
+    EXPECT_TRUE(jet::CheckFile(alone.toStdString()).IsSound());
+    const QString moved = folder_.CostsPath(QStringLiteral("Moved.fcd"));
+    ASSERT_TRUE(QFile::rename(path, moved));
+    Click(QStringLiteral("cmdAdd"));
+    Click(QStringLiteral("cmdAdd"));
+    ASSERT_EQ(answers.Texts().size(), 2);
+    EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("moved or renamed")));
+    PrepDatafile::CloseDatafile();
+    EXPECT_FALSE(QFile::exists(path));
+    const auto database = dao::Database::Open(moved, dao::OpenMode::kExclusive);
+    EXPECT_EQ(database->OpenTable(QStringLiteral("FMZList"))->RecordCount(), 4);
+}
+
+TEST_F(RunningProgram, FileDialogWaits_WhatWasTypedIsInTheFileAlone) {
+    RunWithFile();
+    ClickTab(4);
+    Click(QStringLiteral("cmdAdd"));
+    QTest::keyClicks(&Get(QStringLiteral("grdFMZs")), QStringLiteral("North"));
+    std::uint64_t pending = 99;
+    support::Answers answers;
+    answers.Then([&pending](QWidget& dialog) {
+        pending = PrepDatatables::dbDatafile->PendingOperations();
+        dialog.close();
+    });
+    Choose(QStringLiteral("mnuFile_2"));
+    EXPECT_EQ(pending, 0U);
+    const auto zones = PrepDatatables::dbDatafile->OpenTable(QStringLiteral("FMZList"));
+    EXPECT_EQ(zones->Text(QStringLiteral("Name")), QStringLiteral("North"));
 }
 
 // A log that cannot be written is told once and never stands in the way.

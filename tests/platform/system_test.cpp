@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QDir>
@@ -61,6 +62,13 @@ TEST_F(SystemTest, WriteLines_FailuresHaveNumbers) {
     if (QFile::exists("/dev/full")) {
         EXPECT_EQ(write("/dev/full"), platform::kDiskFull);
     }
+#ifdef Q_OS_UNIX
+    // The reason is named, and a pipe without a reader holds nobody up.
+    ASSERT_EQ(::mkfifo(QFile::encodeName(Path("pipe")).constData(), 0600), 0);
+    EXPECT_EQ(write(Path("pipe")), platform::kDeviceError);
+    ASSERT_TRUE(QFile::link("loop", Path("loop")));
+    EXPECT_EQ(write(Path("loop")), platform::kDeviceError);
+#endif
     if (geteuid() != 0) {
         Put("ro", "");
         QFile::setPermissions(Path("ro"), QFile::ReadOwner);
