@@ -176,6 +176,7 @@ private:
     void CancelEdit();
     void AnnounceEditor();
     void PasteBlock(const std::vector<QStringList>& block);
+    void PasteText(const QString& text);
     bool PasteCell(int row, int col, const QString& text);
     [[nodiscard]] QString AsTyped(int col, const QString& text) const;
     void TellRefused(int cells);

@@ -22,8 +22,24 @@ void vsFlexGrid::SetEditSelText(const QString& text) {
     if (Editing()) {
         // The one cell without a spreadsheet's quotation marks and line end.
         const bool copiedCell = text.endsWith(u'\n') && !block.empty();
-        impl_->editor->insert(copiedCell ? AsTyped(Col(), block.front().front()) : text);
+        PasteText(copiedCell ? block.front().front() : text);
     }
+}
+
+// Where the text takes the place of the whole cell, it is taken as that of a block's cell is.
+void vsFlexGrid::PasteText(const QString& text) {
+    FlexGridEditor& editor = *impl_->editor;
+    const bool isWhole = editor.selectedText() == editor.text();
+    if (!isWhole || !impl_->model->Column(Col()).number) {
+        editor.insert(text);
+        return;
+    }
+    const QString number = AsTyped(Col(), text);
+    if (number.size() > editor.maxLength()) {
+        TellRefused(1);
+        return;
+    }
+    editor.insert(number);
 }
 
 void vsFlexGrid::ClearClip() {

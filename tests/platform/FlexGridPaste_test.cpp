@@ -61,6 +61,26 @@ TEST_F(FlexGridPaste, NumberTooLong_LeavesTheCellAsItWas) {
     EXPECT_TRUE(Tip().startsWith("2 cells ")) << Tip().toStdString();
 }
 
+TEST_F(FlexGridPaste, OneNumberInPlaceOfTheWholeCell_ArrivesWholeOrNotAtAll) {
+    QObject::connect(grid_, &vsFlexGrid::BeforeEdit, grid_,
+                     [this](int, int, bool*) { grid_->SetEditMaxLength(5); });
+    PasteAt(1, 2, "$1,250");
+    EXPECT_EQ(grid_->EditText(), "1250");
+    EXPECT_EQ(Tip(), "");
+    ClickCell(2, 2);
+    const QString before = grid_->EditText();
+    grid_->SetEditSelText("123456");
+    EXPECT_EQ(grid_->EditText(), before);
+    EXPECT_TRUE(Tip().startsWith("One cell ")) << Tip().toStdString();
+}
+
+TEST_F(FlexGridPaste, PartOfANumber_IsPutInAsItIs) {
+    ClickCell(1, 2);
+    grid_->SetEditText("12");
+    grid_->SetEditSelText("34");
+    EXPECT_EQ(grid_->EditText(), "1234");
+}
+
 TEST_F(FlexGridPaste, SpreadsheetsNumbers_ArriveAsNumbers) {
     PasteAt(1, 0, "$5\t1,200\t($1,250.50)\r\n");
     EXPECT_EQ(grid_->TextMatrix(1, 0), "$5");
