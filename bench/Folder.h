@@ -11,6 +11,7 @@ namespace bench {
 class Folder {
 public:
     Folder() {
+        // mkdtemp puts letters of its own in the place of the last six.
         std::string name = (std::filesystem::temp_directory_path() / "tarn bench XXXXXX").string();
         if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for a benchmark");
         path_ = name;

@@ -9,7 +9,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <chrono>
 #include <cmath>
@@ -20,6 +19,7 @@
 #include <vector>
 
 #include "bench/BramMaker.h"
+#include "bench/Folder.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
 #include "import/mImport.h"
@@ -43,23 +43,25 @@ void Require(bool done, const char* what) {
 // A program folder of its own, with the template for new data files.
 class ProgramFolder {
 public:
-    ProgramFolder() : folder_(QDir::tempPath() + QStringLiteral("/tarn bench XXXXXX")) {
-        Require(folder_.isValid() && QDir(folder_.path()).mkdir(QStringLiteral("Costs")) &&
+    ProgramFolder() {
+        Require(QDir(Path()).mkdir(QStringLiteral("Costs")) &&
                     QFile::copy(QStringLiteral(TARN_BUILD "/TARNPrep/FCD.new"), DataFile()),
                 "The program folder has not been built.");
         QFile::setPermissions(DataFile(), QFile::ReadOwner | QFile::WriteOwner);
-        platform::SetProgramFolder(folder_.path());
+        platform::SetProgramFolder(Path());
     }
     ~ProgramFolder() { platform::SetProgramFolder(QString()); }
     ProgramFolder(const ProgramFolder&) = delete;
     ProgramFolder& operator=(const ProgramFolder&) = delete;
     [[nodiscard]] QString Path(const char* name) const {
-        return folder_.filePath(QStringLiteral("Costs/") + QString::fromLatin1(name));
+        return Path() + QStringLiteral("/Costs/") + QString::fromLatin1(name);
     }
     [[nodiscard]] QString DataFile() const { return Path("BENCH.FCD"); }
 
 private:
-    QTemporaryDir folder_;
+    [[nodiscard]] QString Path() const { return QString::fromStdString(folder_.Path().string()); }
+
+    bench::Folder folder_;
 };
 
 double Import(jet::Version version, std::size_t zones) {
@@ -119,8 +121,8 @@ private:
 };
 
 double WriteSqlite(std::size_t zones) {
-    const QTemporaryDir folder;
-    Sqlite database(folder.filePath(QStringLiteral("peer.db")));
+    const bench::Folder folder;
+    Sqlite database(QString::fromStdString((folder.Path() / "peer.db").string()));
     Sqlite::Insert zone(database, "INSERT INTO FMZList VALUES (?, 'Z00000-A zone of it', ?)");
     Sqlite::Insert cost(database, "INSERT INTO Costs VALUES (?, ?, 10.0, 250.5)");
     Sqlite::Insert row(database, "INSERT INTO Rows VALUES (?, ?, 1.5, 2.5, 3.5, 4.5, 5.5, 6.5)");

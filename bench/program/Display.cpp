@@ -36,8 +36,6 @@ std::size_t Number(const std::uint8_t* at) {
 }  // namespace
 
 Display::Display() {
-    folder_ = (std::filesystem::temp_directory_path() / "tarn display XXXXXX").string();
-    if (mkdtemp(folder_.data()) == nullptr) throw std::runtime_error("no folder for the display");
     StartServer();
     MapPicture();
 }
@@ -46,8 +44,6 @@ Display::~Display() {
     if (picture_ != nullptr) munmap(const_cast<std::uint8_t*>(picture_), size_);
     kill(server_, SIGTERM);
     waitpid(server_, nullptr, 0);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
 }
 
 // The server chooses a free number and writes it to the pipe once it is ready.
@@ -55,10 +51,11 @@ void Display::StartServer() {
     std::array<int, 2> ends{};
     if (pipe(ends.data()) != 0) throw std::runtime_error("no pipe to the X server");
     const std::string number = std::to_string(ends[1]);
+    const std::string folder = folder_.Path().string();
     // A display does not start anew because its last program has gone.
-    std::array<const char*, 12> words{"Xvfb",       "-screen",       "0",         "1024x768x24",
-                                      "-fbdir",     folder_.c_str(), "-nolisten", "tcp",
-                                      "-displayfd", number.c_str(),  "-noreset",  nullptr};
+    std::array<const char*, 12> words{"Xvfb",       "-screen",      "0",         "1024x768x24",
+                                      "-fbdir",     folder.c_str(), "-nolisten", "tcp",
+                                      "-displayfd", number.c_str(), "-noreset",  nullptr};
     posix_spawn_file_actions_t quiet;
     posix_spawn_file_actions_init(&quiet);
     posix_spawn_file_actions_addopen(&quiet, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
@@ -74,7 +71,7 @@ void Display::StartServer() {
 }
 
 void Display::MapPicture() {
-    const std::string file = folder_ + "/Xvfb_screen0";
+    const std::filesystem::path file = folder_.Path() / "Xvfb_screen0";
     const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat status = {};
     if (descriptor < 0 || fstat(descriptor, &status) != 0) {

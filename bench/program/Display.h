@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <string>
 
+#include "bench/Folder.h"
+
 namespace program_bench {
 
 class Display {
@@ -26,7 +28,7 @@ private:
     void StartServer();
     void MapPicture();
 
-    std::string folder_;
+    bench::Folder folder_;
     std::string name_;
     pid_t server_ = 0;
     const std::uint8_t* picture_ = nullptr;

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "bench/Folder.h"
 #include "bench/program/Display.h"
 #include "jet/database.h"
 #include "jet/recordset.h"
@@ -19,28 +20,19 @@ constexpr int kCostClasses = 9;
 constexpr int kLocationsPerKey = 100;
 
 // The copy of the program folder, removed at the end.
-class Folder {
+class ProgramCopy {
 public:
-    Folder() {
-        std::string name = (fs::temp_directory_path() / "tarn program XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for the program");
-        path_ = name;
-        fs::copy(TARN_PROGRAM_FOLDER, path_, fs::copy_options::recursive);
+    ProgramCopy() { fs::copy(TARN_PROGRAM_FOLDER, folder_.Path(), fs::copy_options::recursive); }
+    [[nodiscard]] fs::path operator/(const std::string& name) const {
+        return folder_.Path() / name;
     }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    [[nodiscard]] fs::path operator/(const std::string& name) const { return path_ / name; }
 
 private:
-    fs::path path_;
+    bench::Folder folder_;
 };
 
-const Folder& ProgramFolder() {
-    static const Folder folder;
+const ProgramCopy& ProgramFolder() {
+    static const ProgramCopy folder;
     return folder;
 }
 
