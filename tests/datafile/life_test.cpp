@@ -146,7 +146,7 @@ TEST_F(LifeTest, OpenDatatables_FileInUse_IsRefused) {
 
 TEST_F(LifeTest, OpenDatatables_FormatsOfOtherOrigin_AreTakenConvertedOrRefused) {
     if (!support::HasCorpus()) {
-        GTEST_SKIP() << "the corpus is not here";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     ExpectRefused(CopyOfMade(QStringLiteral("data-5.02.00.fcd")), kIncompatible);
     ExpectRefused(CopyOfMade(QStringLiteral("data-noformat.fcd")), kIncompatible);
@@ -174,7 +174,7 @@ TEST_F(LifeTest, OpenDatatables_FormatsOfOtherOrigin_AreTakenConvertedOrRefused)
 
 TEST_F(LifeTest, OpenDatatables_DamagedFile_IsRefusedUntouchedAndSaysWhatToDo) {
     if (!support::HasCorpus()) {
-        GTEST_SKIP() << "the corpus is not here";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     const QString path = CopyOfMade(QStringLiteral("damaged/memochain.fcd"));
     const QByteArray before = support::Bytes(path);
@@ -190,7 +190,7 @@ TEST_F(LifeTest, OpenDatatables_DamagedFile_IsRefusedUntouchedAndSaysWhatToDo) {
 
 TEST_F(LifeTest, Convert3to4_AddsGoalsWithCounterTextMemoAndKey) {
     if (!support::HasCorpus()) {
-        GTEST_SKIP() << "the corpus is not here";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     OpenFile(CopyOfMade(QStringLiteral("data-3.00.00.fcd")));
     tblManagementGoals->AddNew();

@@ -118,7 +118,7 @@ TEST(UnitFinder, Open_MissingFile_Throws) {
 
 TEST(UnitFinder, SmallTableOfOtherOrigin_AllSearches_Answer) {
     if (!support::HasCorpus()) {
-        GTEST_SKIP() << "the corpus is not here";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     ProgramFolder folder;
     QFile::remove(folder.Path(QStringLiteral("fcdname.dat")));

@@ -178,7 +178,7 @@ TEST_F(ImportTest, EveryKindOfFile_GivesTheZonesCostsAndRowsOfItsSource) {
 
 TEST_F(ImportTest, FilesOfOtherOrigin_GiveTheZonesCostsAndRowsOfTheirSource) {
     if (!support::HasCorpus()) {
-        GTEST_SKIP() << "the corpus is not here";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     for (const char* name : {"bram-basic.mdb", "bram-doubles.mdb", "bram-integers.mdb",
                              "bram-gaps.mdb", "bram-nosetup.mdb"}) {

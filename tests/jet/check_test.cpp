@@ -28,7 +28,7 @@ const std::filesystem::path kShared = tarn_test::SharedFolder();
 TEST(CheckFile, SoundFilesOfAnyOrigin_HaveNoErrors) {
     const auto files = tarn_test::CorpusFiles();
     if (files.empty()) {
-        GTEST_SKIP() << "no sample files beside the source";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     int checked = 0;
     for (const auto& file : files) {
@@ -169,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, PlantedDamage, ::testing::ValuesIn(DamageKinds()
 
 TEST_P(PlantedDamage, IsFoundByNameAndSurvived) {
     if (tarn_test::Judge().empty()) {
-        GTEST_SKIP() << "the planting program is not beside the source";
+        GTEST_SKIP() << tarn_test::kNoPlanting;
     }
     const tarn_test::TempFolder folder;
     int planted = 0;
@@ -199,7 +199,7 @@ TEST_P(PlantedDamage, IsFoundByNameAndSurvived) {
 TEST(CheckFile, Noise_NeverHangsOrCrashes) {
     const auto source = kShared / "corpus/jackcess-test2V1997.mdb";
     if (!std::filesystem::exists(source)) {
-        GTEST_SKIP() << "no sample files beside the source";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     std::ifstream file(source, std::ios::binary);
     const std::string whole((std::istreambuf_iterator<char>(file)), {});

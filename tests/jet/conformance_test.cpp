@@ -26,7 +26,7 @@ INSTANTIATE_TEST_SUITE_P(Folders, Conformance, ::testing::Values("corpus", "corp
 TEST_P(Conformance, EveryFile_MatchesItsDump) {
     const auto folder = tarn_test::SharedFolder() / GetParam();
     if (!std::filesystem::exists(folder)) {
-        GTEST_SKIP() << "no sample files beside the source";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     const auto result = RunTool(folder);
     EXPECT_EQ(result.status, 0) << result.output;

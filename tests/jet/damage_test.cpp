@@ -102,7 +102,7 @@ int PlacesForEachFile() {
 
 TEST(Damage, OneByteAnywhere_IsSurvivedAndNeverPassedOver) {
     const auto paths = tarn_test::CorpusFiles();
-    if (paths.empty()) GTEST_SKIP() << "no sample files beside the source";
+    if (paths.empty()) GTEST_SKIP() << tarn_test::kNoCorpus;
     const auto files = MakeMemoryFileSystem();
     int tried = 0;
     int noticed = 0;

@@ -463,7 +463,7 @@ std::string ExportedTable(const std::filesystem::path& file, const std::string& 
 
 TEST_P(DatabaseTest, FilledTable_ReadsTheSameElsewhere) {
     if (tarn_test::RunCommand("mdb-export --version").status != 0) {
-        GTEST_SKIP() << "mdb-export is not installed";
+        GTEST_SKIP() << "mdb-export of mdbtools, which reads the file, is not installed.";
     }
     const auto database = Database::Create(Path(), GetParam());
     TableSchema schema;
@@ -498,7 +498,7 @@ INSTANTIATE_TEST_SUITE_P(BothVersions, DatabaseTest,
 // Bytes of a new Jet 4 file that differ from those of a file that the original engine made.
 TEST(NewJet4File, EqualsTheOriginalEngines) {
     const auto original = tarn_test::SharedFolder() / "corpus" / "jackcess-adox_jet4.mdb";
-    if (!std::filesystem::exists(original)) GTEST_SKIP() << "the corpus is not there";
+    if (!std::filesystem::exists(original)) GTEST_SKIP() << tarn_test::kNoCorpus;
     const tarn_test::TempFolder folder;
     Database::Create(folder / "new.mdb", Version::kJet4)->Close();
     const auto ours = FileBytes(folder / "new.mdb");
@@ -517,7 +517,7 @@ TEST(NewJet4File, EqualsTheOriginalEngines) {
 
 TEST(CorpusFiles, EveryTableAndIndex_IsReadWhole) {
     const auto files = tarn_test::CorpusFiles();
-    if (files.empty()) GTEST_SKIP() << "the corpus is not there";
+    if (files.empty()) GTEST_SKIP() << tarn_test::kNoCorpus;
     int tables = 0;
     for (const auto& file : files) {
         std::unique_ptr<Database> database;
@@ -626,7 +626,7 @@ bool EditTable(Database& database, const std::string& name) {
 
 TEST(CorpusFiles, EditsInACopy_LeaveItAsSoundAsItWas) {
     const auto files = tarn_test::CorpusFiles();
-    if (files.empty()) GTEST_SKIP() << "the corpus is not there";
+    if (files.empty()) GTEST_SKIP() << tarn_test::kNoCorpus;
     const tarn_test::TempFolder folder;
     int edited = 0;
     for (const auto& file : files) {

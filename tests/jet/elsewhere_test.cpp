@@ -187,7 +187,7 @@ TEST(LogName, OfAVeryLongFileName_FitsAndIsFoundAgain) {
         const fs::path path = folder / (std::string(length - 4, 'x') + ".fcd");
         std::error_code refused;
         std::ofstream(path).close();
-        if (!fs::remove(path, refused)) GTEST_SKIP() << "no such names here";
+        if (!fs::remove(path, refused)) GTEST_SKIP() << "Names of this length cannot be made here.";
         const auto database = Database::Create(path, Version::kJet4);
         AddTable(*database, "Zones");
         const fs::path left = folder / "left" / path.filename().string();

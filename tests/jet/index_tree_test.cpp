@@ -383,7 +383,7 @@ TEST_P(IndexTreeTest, RootWithoutTail_TakesEntriesAboveItsLastChild) {
         if (model_.count(Bytewise(entry)) == 0) Insert(entry);
     }
     if (ReadU8(pager_->Page(root_).Data(), 0) != 3) {
-        GTEST_SKIP() << "entries of this shape are too few to fill a leaf";
+        GTEST_SKIP() << "So few keys of this shape exist that they do not fill a leaf.";
     }
     const Operation operation(*pager_);
     const std::size_t tailAt = std::get<0>(GetParam()) == Version::kJet3 ? 0x10 : 0x14;

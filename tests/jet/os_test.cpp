@@ -119,7 +119,7 @@ TEST(HostFiles, Open_OfAFileThatMayOnlyBeRead_SaysSo) {
     EXPECT_TRUE(HostFileSystem().Open(path, OpenMode::kReadOnly));
     try {
         (void)HostFileSystem().Open(path, OpenMode::kReadWrite);
-        GTEST_SKIP() << "this user may write everything";
+        GTEST_SKIP() << "This user may write everything, so that no file is read-only.";
     } catch (const Error& error) {
         EXPECT_EQ(error.Kind(), ErrorKind::kReadOnly);
     }
@@ -228,7 +228,8 @@ TEST(HostFiles, CallsThatTheSystemRefuses_AreErrorsOfTheEngine) {
 }
 
 TEST(HostFiles, FolderThatCannotBeFlushed_IsLeftAsItIs) {
-    if (!std::filesystem::exists("/proc/self")) GTEST_SKIP() << "no such folder here";
+    if (!std::filesystem::exists("/proc/self"))
+        GTEST_SKIP() << "This system has no folder that cannot be flushed, such as /proc.";
     EXPECT_NO_THROW(HostFileSystem().FlushFolder("/proc"));
 }
 
@@ -261,7 +262,7 @@ TEST(HostFiles, Open_WithoutTheRights_SaysWhichAreMissing) {
     std::filesystem::permissions(closed, perms::none);
     const AsNobody nobody;
     if (::access(readable.c_str(), R_OK) != 0 || ::access(readable.c_str(), W_OK) == 0) {
-        GTEST_SKIP() << "the rights of this user are not those of the file";
+        GTEST_SKIP() << "The rights of the file do not hold for the other user here.";
     }
     EXPECT_EQ(KindOf(readable, OpenMode::kReadWrite), ErrorKind::kReadOnly);
     EXPECT_EQ(KindOf(closed, OpenMode::kReadWrite), ErrorKind::kPermissionDenied);
@@ -303,7 +304,7 @@ TEST(HostFiles, LinkToAFile_LeadsToTheSameLog) {
     std::filesystem::create_directory(folder / "elsewhere");
     std::error_code failed;
     std::filesystem::create_symlink(folder / "real.mdb", folder / "elsewhere/link.mdb", failed);
-    if (failed) GTEST_SKIP() << "no links here: " << failed.message();
+    if (failed) GTEST_SKIP() << "Links cannot be made here: " << failed.message();
     Recovery recovery;
     const auto pager = OpenPager(folder / "elsewhere/link.mdb", recovery);
     EXPECT_TRUE(std::filesystem::exists(folder / "real.mdb-log"));

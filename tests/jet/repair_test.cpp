@@ -75,7 +75,7 @@ INSTANTIATE_TEST_SUITE_P(Files, RepairSoundFile,
 TEST_P(RepairSoundFile, KeepsEveryRowAndIndex) {
     const auto source = kShared / "corpus" / GetParam();
     if (!std::filesystem::exists(source)) {
-        GTEST_SKIP() << "no sample files beside the source";
+        GTEST_SKIP() << tarn_test::kNoCorpus;
     }
     const tarn_test::TempFolder folder;
     const auto target = folder / "repaired.mdb";
@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_P(RepairDamagedFile, KeepsWhatCanBeReadAndLeavesTheFileAlone) {
     const auto source = kShared / "corpus/jackcess-testIndexCodesV1997.mdb";
     if (!std::filesystem::exists(source) || tarn_test::Judge().empty()) {
-        GTEST_SKIP() << "no sample files beside the source, or nothing that damages them";
+        GTEST_SKIP() << tarn_test::kNoPlanting;
     }
     const tarn_test::TempFolder folder;
     const auto damaged = folder / "damaged.mdb";
@@ -127,7 +127,7 @@ TEST_P(RepairDamagedFile, KeepsWhatCanBeReadAndLeavesTheFileAlone) {
                                              GetParam().kind + " " + Quoted(damaged) + " --seed 3")
                            .status;
     if (status == 3) {
-        GTEST_SKIP() << "the file has no place for this damage";
+        GTEST_SKIP() << "The file has no place where this damage could be planted.";
     }
     ASSERT_EQ(status, 0);
     const std::string before = Bytes(damaged);

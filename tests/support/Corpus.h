@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "support/reasons.h"
+
 namespace support {
 
 inline QString SharedFolder() {

@@ -10,6 +10,7 @@
 
 #include "jet/check.h"
 #include "support/command.h"
+#include "support/reasons.h"
 
 namespace tarn_test {
 
