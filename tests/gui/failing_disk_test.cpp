@@ -43,6 +43,23 @@ constexpr Failure kFailures[] = {
      tarn_faults::kAllChanges | tarn_faults::kOpenAny | tarn_faults::kRead, EIO},
 };
 
+void SwitchOff() {
+    TarnFaults()->mode = Mode::kOff;
+}
+
+// Calls on files whose path contains the pattern fail, from the n-th on.
+void SwitchOn(const char* pattern, const Failure& failure, int nth = 1) {
+    SwitchOff();
+    tarn_faults::Switchboard& board = *TarnFaults();
+    qstrncpy(board.pattern, pattern, sizeof board.pattern);
+    board.calls = failure.calls;
+    board.error = failure.error;
+    board.nth = nth;
+    board.seen = 0;
+    board.happened = 0;
+    board.mode = failure.mode;
+}
+
 int Cuts() {
     bool set = false;
     const int cuts = qEnvironmentVariableIntValue("TARN_CUTS", &set);
@@ -54,17 +71,10 @@ protected:
     ~FailingDisk() override { SwitchOff(); }
 
     static void SwitchOn(int nth, Mode mode) {
-        SwitchOff();
-        tarn_faults::Switchboard& board = *TarnFaults();
-        qstrncpy(board.pattern, ".fcd", sizeof board.pattern);
-        board.calls = GetParam().calls;
-        board.error = GetParam().error;
-        board.nth = nth;
-        board.seen = 0;
-        board.happened = 0;
-        board.mode = mode;
+        Failure failure = GetParam();
+        failure.mode = mode;
+        ::SwitchOn(".fcd", failure, nth);
     }
-    static void SwitchOff() { TarnFaults()->mode = Mode::kOff; }
 
     // A data file with a zone or two of the sample assessment, open in the program.
     void OpenFile(bool withZones) {
@@ -328,13 +338,7 @@ TEST_F(RunningProgram, UserActions_EachFlushAtMostTwice) {
 TEST_F(RunningProgram, FlushThatGoesOnFailing_IsToldOnceForEachThingStored) {
     RunWithFile();
     ClickTab(4);
-    tarn_faults::Switchboard& board = *TarnFaults();
-    qstrncpy(board.pattern, ".fcd", sizeof board.pattern);
-    board.calls = tarn_faults::kFlush;
-    board.error = EIO;
-    board.nth = 1;
-    board.seen = 0;
-    board.mode = Mode::kForGood;
+    SwitchOn(".fcd", {"FlushFails", Mode::kForGood, tarn_faults::kFlush, EIO});
     support::Answers answers;
     Click(QStringLiteral("cmdAdd"));
     QTest::keyClicks(&Get(QStringLiteral("grdFMZs")), QStringLiteral("North"));
@@ -343,7 +347,7 @@ TEST_F(RunningProgram, FlushThatGoesOnFailing_IsToldOnceForEachThingStored) {
     EXPECT_TRUE(answers.Texts().first().contains(QStringLiteral("is kept in a log")));
     ClickTab(1);
     EXPECT_EQ(answers.Texts().size(), 2) << Text(answers.Texts());
-    board.mode = Mode::kOff;
+    SwitchOff();
     ClickTab(4);
     EXPECT_EQ(PrepDatatables::dbDatafile->PendingOperations(), 0U);
     EXPECT_EQ(Get<vsFlexGrid>(QStringLiteral("grdFMZs")).TextMatrix(1, 0), QStringLiteral("North"));
@@ -394,13 +398,7 @@ TEST_F(RunningProgram, FileDialogWaits_WhatWasTypedIsInTheFileAlone) {
 
 // A log that cannot be written is told once and never stands in the way.
 TEST_F(RunningProgram, LogCannotBeWritten_EverythingElseGoesOn) {
-    tarn_faults::Switchboard& board = *TarnFaults();
-    qstrncpy(board.pattern, ".LOG", sizeof board.pattern);
-    board.calls = tarn_faults::kAllChanges;
-    board.error = ENOSPC;
-    board.nth = 1;
-    board.seen = 0;
-    board.mode = Mode::kForGood;
+    SwitchOn(".LOG", {"LogFull", Mode::kForGood, tarn_faults::kAllChanges, ENOSPC});
     QStringList said;
     {
         support::Answers answers;
@@ -414,7 +412,7 @@ TEST_F(RunningProgram, LogCannotBeWritten_EverythingElseGoesOn) {
         ASSERT_TRUE(QTest::qWaitFor([&] { return !answers.Messages().empty(); }));
         said = answers.Texts();
     }
-    board.mode = Mode::kOff;
+    SwitchOff();
     EXPECT_EQ(said.size(), 1) << Text(said);
     EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
     const auto zones = PrepDatatables::dbDatafile->OpenTable(QStringLiteral("FMZList"));
