@@ -117,6 +117,7 @@ class Session:
 class Walk:
     def __init__(self, atspi, glib, session):
         self.atspi = atspi
+        self.glib = glib
         self.failure = glib.Error
         self.context = glib.MainContext.default()
         self.session = session
@@ -150,10 +151,10 @@ class Walk:
         return self.heard[-1:] == [name]
 
     def listen(self, seconds):
-        end = time.monotonic() + seconds
-        while time.monotonic() < end:
-            self.context.iteration(False)
-            time.sleep(0.005)
+        over = []
+        self.glib.timeout_add(int(seconds * 1000), lambda: over.append(True) and False)
+        while not over:
+            self.context.iteration(True)
 
     def alive(self):
         assert self.session.program.poll() is None, \

@@ -13,7 +13,9 @@ RULES = [
     (re.compile(r"[\"' (]/(home|root|Users)/"),
      "no path of one person's machine"),
     (re.compile(r"^(<<<<<<< |>>>>>>> )"), "a merge that was not finished"),
-    (re.compile(r"^\s*//\s*(if \(.*\{|for \(.*\{|return .*;|[\w.>-]+\(.*\);)\s*$"),
+    (re.compile(r"^\s*//\s*(if \(.*\{|for \(.*\{|while \(.*\{|\} else.*\{|return\b.*;"
+                r"|[\w.:>-]+\(.*\);|[\w:<>*&,. >\[\]()-]+ [-+*/|&]?= .*;|(break|continue);|#include\b.*"
+                r"|delete \w+;|(const |static |auto[*&]? )[\w:<>*& ]+[;({].*)\s*$"),
      "code that is commented out"),
     (re.compile(r"[ \t]+$"), "blanks at the end of a line"),
 ]

@@ -1,12 +1,15 @@
 #!/usr/bin/env python3
 """Every form has its help topic, every link leads somewhere, every page is in the contents list."""
 import html.parser
+import re
 import xml.etree.ElementTree as ET
 
 import tree
 
 HELP = tree.ROOT / "help"
-CONTEXTS = ["1", "10", "20", "30", "31", "40", "50", "60", "70", "80"]
+# How forms give their help context ids.
+CONTEXT = re.compile(r"\bkHelpContextId\s*=\s*(\d+)|\bhelpContextId\s*=\s*(\d+)"
+                     r"|\bSetHelpContextId\s*\([^;]*?,\s*(\d+)\s*\)")
 PAIRED = {"p", "ul", "ol", "li", "table", "tr", "td", "th", "h1", "h2", "h3", "b", "i", "a", "pre",
           "html", "head", "body", "title"}
 
@@ -37,6 +40,17 @@ class Page(html.parser.HTMLParser):
             self.offend(f"closes what was not open: {tag}")
 
 
+def contexts():
+    """Every help context id in the code, with the first file that gives it."""
+    found = {}
+    for path in tree.code_files():
+        if not tree.name(path).startswith("tests/"):
+            for match in CONTEXT.finditer(path.read_text(encoding="utf-8")):
+                number = next(group for group in match.groups() if group)
+                found.setdefault(number, tree.name(path))
+    return found
+
+
 def main():
     project = ET.parse(HELP / "TARNPlus.qhp").getroot()
     offenders = []
@@ -44,7 +58,8 @@ def main():
     listed = {section.get("ref") for section in project.iter("section")}
     keywords = list(project.iter("keyword"))
     identifiers = {keyword.get("id") for keyword in keywords}
-    offenders += [f"help/TARNPlus.qhp: no topic context-{number}" for number in CONTEXTS
+    offenders += [f"{where}: help/TARNPlus.qhp has no topic context-{number}"
+                  for number, where in contexts().items()
                   if f"context-{number}" not in identifiers]
     offenders += [f"help/{page}: not in the contents list" for page in pages if page not in listed]
     for ref in listed | {keyword.get("ref") for keyword in keywords}:
