@@ -2,8 +2,10 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
+#include <QTextEdit>
 
 #include "platform/system/Host.h"
 
@@ -49,8 +51,31 @@ void SetButtons(QMessageBox& box, const MsgOptions& options) {
     box.setEscapeButton(QMessageBox::No);
 }
 
+// The toolkit guesses at markup in these two, whatever is said of the text.
+void AddReason(QMessageBox& box, const MsgOptions& options) {
+    if (!options.informative.isEmpty()) {
+        box.setInformativeText(options.informative);
+        if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+            label->setTextFormat(Qt::PlainText);
+        }
+    }
+    if (!options.details.isEmpty()) {
+        box.setDetailedText(options.details);
+        if (auto* details = box.findChild<QTextEdit*>()) {
+            details->setObjectName(QStringLiteral("txtDetails"));
+            details->setAccessibleName(QMessageBox::tr("Details"));
+            details->setTabChangesFocus(true);
+        }
+    }
+}
+
 void NameButtons(QMessageBox& box) {
     for (QAbstractButton* button : box.buttons()) {
+        if (box.buttonRole(button) == QMessageBox::ActionRole) {
+            // Its caption changes with what it does next.
+            button->setObjectName(QStringLiteral("cmdDetails"));
+            continue;
+        }
         QString name = button->text();
         name.remove(u'&');
         button->setObjectName(QStringLiteral("cmd") + name);
@@ -71,6 +96,7 @@ MsgAnswer MsgBox(const QString& text, const MsgOptions& options) {
     box.setText(text);
     box.setIcon(ToIcon(options.icon));
     SetButtons(box, options);
+    AddReason(box, options);
     NameButtons(box);
     const int answer = box.exec();
     // Not every window system hands the keyboard back by itself.

@@ -17,6 +17,10 @@ struct MsgOptions {
     MsgIcon icon = MsgIcon::kNone;
     MsgButtons buttons = MsgButtons::kOk;
     bool secondIsDefault = false;  // No is the default button; Esc and the close button mean No
+    // Below the text in the same box, always to be seen: the reason, and what can be done about it.
+    QString informative;
+    // What support staff ask for (procedures, numbers): shown when the user asks for details.
+    QString details;
 };
 
 // Shows the text modally over the active window. "\r\n" starts a new line.

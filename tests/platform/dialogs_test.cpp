@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -86,6 +87,33 @@ TEST(MsgBox, YesNo_AnswersAreTold) {
     }
     Answer<QMessageBox> answer([](QMessageBox& box) { box.close(); });
     EXPECT_EQ(platform::MsgBox("Really?", DeleteQuestion()), platform::MsgAnswer::kNo);
+}
+
+TEST(MsgBox, ReasonAndDetails_FollowTheTextInTheSameBox) {
+    platform::MsgOptions options;
+    options.informative = "The file <i>A</i> is read-only.";
+    options.details = "form.cmd_Click\n3051";
+    Answer<QMessageBox> answer([](QMessageBox& box) {
+        EXPECT_EQ(box.text(), "It cannot be opened.");
+        EXPECT_EQ(box.informativeText(), "The file <i>A</i> is read-only.");
+        EXPECT_EQ(box.detailedText(), "form.cmd_Click\n3051");
+        EXPECT_EQ(box.standardButtons(), QMessageBox::Ok);
+        const auto* reason = box.findChild<QLabel*>("qt_msgbox_informativelabel");
+        ASSERT_NE(reason, nullptr);
+        EXPECT_TRUE(reason->isVisible());
+        EXPECT_EQ(reason->textFormat(), Qt::PlainText);
+        auto* details = box.findChild<QWidget*>("txtDetails");
+        ASSERT_NE(details, nullptr);
+        EXPECT_FALSE(details->isVisible());
+        EXPECT_EQ(details->accessibleName(), "Details");
+        auto* show = box.findChild<QPushButton*>("cmdDetails");
+        ASSERT_NE(show, nullptr);
+        QTest::mouseClick(show, Qt::LeftButton);
+        EXPECT_TRUE(box.isVisible()) << "details are no answer";
+        EXPECT_TRUE(details->isVisible());
+        QTest::keyClick(&box, Qt::Key_Escape);
+    });
+    EXPECT_EQ(platform::MsgBox("It cannot be opened.", options), platform::MsgAnswer::kOk);
 }
 
 TEST(MsgBox, HourglassWaitsForTheAnswer) {

@@ -24,6 +24,8 @@ struct Message {
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QMessageBox::StandardButtons buttons = QMessageBox::NoButton;
     QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+    QString informative;
+    QString details;
 };
 
 class Answers : public QObject {
@@ -63,7 +65,8 @@ private:
         auto* isDefault = box.defaultButton();
         messages_.push_back(
             {box.windowTitle(), box.text(), box.icon(), box.standardButtons(),
-             isDefault == nullptr ? QMessageBox::NoButton : box.standardButton(isDefault)});
+             isDefault == nullptr ? QMessageBox::NoButton : box.standardButton(isDefault),
+             box.informativeText(), box.detailedText()});
         QMessageBox::StandardButton answer =
             (box.standardButtons() & QMessageBox::Ok) != 0 ? QMessageBox::Ok : QMessageBox::No;
         if (!buttons_.empty()) {
