@@ -1,5 +1,5 @@
 // Files of other origin and the independent judge of files, where this source tree lies beside
-// them.
+// them; without it the engine's own check judges.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,6 +9,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
+
+#include "jet/check.h"
 #include "support/reasons.h"
 
 namespace support {
@@ -25,12 +28,23 @@ inline bool HasCorpus() {
     return QFileInfo::exists(MadeFile(QStringLiteral("README.md")));
 }
 
-// The judge's complaints about a file; empty when it has none or is not there. What only warns, as
-// some files of other origin do from the start, counts when `strict`.
+// What the engine's own check has to say about a file. What only warns counts when `strict`.
+inline QString OwnComplaints(const QString& path, bool strict) {
+    const jet::CheckReport report = jet::CheckFile(path.toStdU16String());
+    const bool warns = std::ranges::any_of(report.findings, [](const jet::Finding& finding) {
+        return finding.severity == jet::Severity::kWarning;
+    });
+    return report.IsSound() && !(strict && warns) ? QString()
+                                                  : QString::fromStdString(report.Text());
+}
+
+// The judge's complaints about a file, or those of the engine's own check where there is no judge;
+// empty when all is well. What only warns, as some files of other origin do from the start, counts
+// when `strict`.
 inline QString Complaints(const QString& path, bool strict = true) {
     const QString judge = SharedFolder() + QStringLiteral("/tools/jetcheck.py");
     if (!QFileInfo::exists(judge)) {
-        return {};
+        return OwnComplaints(path, strict);
     }
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
