@@ -37,6 +37,8 @@ const std::array<NamedTable, 6> kTables{{
     {&tblNVCPerAcre, "NVCPerAcre"},
 }};
 
+int openings = 0;
+
 // A run that ended in the middle of adding a zone has left out some of its rows.
 void CompleteZones() {
     try {
@@ -110,6 +112,7 @@ void CloseDatafile() {
 }
 
 void CloseAll() {
+    ++openings;
     platform::FirstError close;
     close.Try([] { tblProperties.Close(); });
     for (const NamedTable& named : kTables) {
@@ -121,6 +124,10 @@ void CloseAll() {
         }
     });
     close.Rethrow();
+}
+
+int Openings() {
+    return openings;
 }
 
 }  // namespace PrepDatatables

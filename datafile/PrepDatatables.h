@@ -43,5 +43,8 @@ bool OpenRecordsets();
 void CloseDatafile();
 // The same without an entry in the log.
 void CloseAll();
+// Rises with every closing. What belongs to one open file and is kept elsewhere, such as what can
+// be taken back, compares it to find out that the file is no longer the same.
+[[nodiscard]] int Openings();
 
 }  // namespace PrepDatatables

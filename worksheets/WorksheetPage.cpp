@@ -3,10 +3,13 @@
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QEvent>
+#include <QKeySequence>
 #include <QLabel>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "platform/EventTrap.h"
 #include "platform/controls/FittingFont.h"
 #include "platform/help/HelpViewer.h"
 #include "shell/u91Trace.h"
@@ -57,6 +60,36 @@ WorksheetPage::WorksheetPage(WorksheetHost& host, QWidget* parent, Identity iden
     platform::SetHelpContextId(*this, identity_.helpContextId);
     body_->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     body_->setSpacing(kSpacing);
+    AddUndoKeys();
+}
+
+// In the whole window, so that it does not matter whether a cell, a box or nothing on the worksheet
+// has the keyboard; a message box or dialog over it is another window.
+void WorksheetPage::AddUndoKeys() {
+    const auto add = [this](const QKeySequence& keys, const char* name, auto step) {
+        auto* shortcut = new QShortcut(keys, this);
+        connect(shortcut, &QShortcut::activated, this,
+                platform::EventTrap::Trapped(name, [this, step] { (this->*step)(); }));
+    };
+    add(Qt::CTRL | Qt::Key_Z, "WorksheetPage.Undo", &WorksheetPage::Undo);
+    add(Qt::CTRL | Qt::Key_Y, "WorksheetPage.Redo", &WorksheetPage::Redo);
+    add(Qt::CTRL | Qt::SHIFT | Qt::Key_Z, "WorksheetPage.Redo", &WorksheetPage::Redo);
+}
+
+undo::History& WorksheetPage::History() const {
+    return undo::HistoryOf(QString::fromLatin1(identity_.id));
+}
+
+void WorksheetPage::Undo() {
+    u91Trace::Procedure(QStringLiteral("WorksheetPage.Undo"));
+    EndOpenEdit();
+    History().Undo(*this);
+}
+
+void WorksheetPage::Redo() {
+    u91Trace::Procedure(QStringLiteral("WorksheetPage.Redo"));
+    EndOpenEdit();
+    History().Redo(*this);
 }
 
 void WorksheetPage::BecomeCurrent() {

@@ -5,7 +5,11 @@
 #include <QString>
 #include <QWidget>
 
+#include <functional>
+#include <utility>
+
 #include "shell/Worksheet.h"
+#include "worksheets/undo/UndoHistory.h"
 
 class QComboBox;
 class QLabel;
@@ -16,6 +20,11 @@ class WorksheetPage : public QWidget, public Worksheet {
 
 public:
     QWidget& Form() override { return *this; }
+
+    // What Ctrl+Z, and Ctrl+Y and Ctrl+Shift+Z, do wherever the keyboard is on the worksheet. An
+    // edit that is open is ended first: what was changed in it is the action that is taken back.
+    void Undo();
+    void Redo();
 
 protected:
     struct Identity {
@@ -37,11 +46,30 @@ protected:
     // The page's title.
     void AddTitle(const QString& text);
 
+    // The actions that were done on this worksheet since the file was opened.
+    [[nodiscard]] undo::History& History() const;
+    // Adds an action that has just been done (worksheets/undo/UndoHistory.h says what its two steps
+    // may hold). `Form` is the class of the form itself: only forms of this class are ever given to
+    // the steps, since each class of form has a worksheet id, and so a history, of its own.
+    template <typename Form>
+    void Did(const QString& name, std::function<void(Form&)> takeBack,
+             std::function<void(Form&)> repeat) {
+        History().Add({name, OnForm(std::move(takeBack)), OnForm(std::move(repeat))});
+    }
+    // Ends an edit that is still open in a cell or a text box, as leaving it would: what was
+    // changed is added to the history.
+    virtual void EndOpenEdit() {}
+
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
+    template <typename Form>
+    static undo::Step OnForm(std::function<void(Form&)> step) {
+        return [step = std::move(step)](WorksheetPage& page) { step(static_cast<Form&>(page)); };
+    }
     void SizeTitle();
+    void AddUndoKeys();
 
     WorksheetHost& host_;
     Identity identity_;

@@ -32,6 +32,13 @@ bool Redo(QObject* watched) {
     return false;
 }
 
+// Those that a worksheet takes for all its controls.
+bool IsUndoKey(const QKeyEvent& key) {
+    const Qt::KeyboardModifiers shifted = Qt::ControlModifier | Qt::ShiftModifier;
+    return IsRedoKey(key) || (key.key() == Qt::Key_Z && (key.modifiers() == Qt::ControlModifier ||
+                                                         key.modifiers() == shifted));
+}
+
 class ClipboardShortcutFilter : public QObject {
 public:
     explicit ClipboardShortcutFilter(QObject* parent) : QObject(parent) {}
@@ -39,7 +46,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::ShortcutOverride && IsTextBox(watched)) {
             auto* key = static_cast<QKeyEvent*>(event);
-            if (IsClipboardKey(*key)) {
+            if (IsClipboardKey(*key) || IsUndoKey(*key)) {
                 key->ignore();
                 return true;
             }

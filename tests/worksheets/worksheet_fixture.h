@@ -14,6 +14,7 @@
 
 #include "datafile/data_file_fixture.h"
 #include "platform/EventTrap.h"
+#include "platform/controls/ClipboardShortcuts.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "shell/UIMode.h"
 #include "shell/Worksheet.h"
@@ -42,6 +43,7 @@ public:
 class WorksheetTest : public DataFileTest {
 protected:
     WorksheetTest() {
+        platform::InstallClipboardShortcutFilter();
         platform::EventTrap::Install(
             {.report =
                  [this](const platform::EventTrap::Report& report) { errors_.push_back(report); },
