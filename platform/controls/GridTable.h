@@ -39,6 +39,8 @@ public:
     [[nodiscard]] virtual QString Stored(int row, int col) const { return Text(row, col); }
     // What assistive technology and notes call the row, such as the name of its resource.
     [[nodiscard]] virtual QString RowName(int row) const = 0;
+    // A number that belongs to the row, such as the key of its record; 0 for none.
+    [[nodiscard]] virtual int RowData(int /*row*/) const { return 0; }
     [[nodiscard]] virtual Takes CellTakes(int row, int col) const = 0;
     // The most characters that can be typed into a cell of this column.
     [[nodiscard]] virtual int MaxLength(int col) const = 0;
