@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "season/schema.h"
 #include "tools/AssessmentSchema.h"
-#include "tools/PrepSchema.h"
 #include "tools/TableText.h"
 
 namespace {
@@ -73,7 +73,7 @@ void AddZone(jet::Database& database, const Sample& sample, const TextRow& zone,
 
 void FillDataFile(jet::Database& database, const Sample& sample,
                   const std::filesystem::path& data) {
-    for (const jet::TableSchema& table : tools::PrepTables()) {
+    for (const jet::TableSchema& table : season::Tables()) {
         database.CreateTable(table);
     }
     tools::AddRows(database, "Properties", tools::ReadTable(data / "template_properties.tsv"));

@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include "tools/PrepSchema.h"
+#include "season/schema.h"
 #include "tools/TableText.h"
 
 int main(int argc, char** argv) {
@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
     const std::filesystem::path target = argv[2];
     return tools::RunTool([&] {
         tools::MakeFile(target, [&](jet::Database& database) {
-            for (const jet::TableSchema& table : tools::PrepTables()) {
+            for (const jet::TableSchema& table : season::Tables()) {
                 database.CreateTable(table);
             }
             tools::AddRows(database, "Properties",
