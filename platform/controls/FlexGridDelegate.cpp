@@ -20,6 +20,10 @@ bool IsOneCell(const QAbstractItemView& view) {
            selection.first().height() == 1;
 }
 
+bool IsMarked(const QModelIndex& index) {
+    return !index.data(Qt::AccessibleDescriptionRole).toString().isEmpty();
+}
+
 // How wide a text may be before the style, which rounds its width up, cuts it.
 int TextRoom(const QStyleOptionViewItem& cell) {
     const QStyle& style = cell.widget != nullptr ? *cell.widget->style() : *QApplication::style();
@@ -43,7 +47,19 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
         // The table has coloured the selected cell already.
         painter->fillRect(cell.rect, cell.palette.brush(QPalette::Base));
     }
+    const bool marked = IsMarked(index);
+    if (marked && (cell.state & QStyle::State_Selected) == 0) {
+        cell.backgroundBrush = FlexGridPaint::MarkGround(cell.palette);
+        painter->fillRect(cell.rect, cell.backgroundBrush);
+    }
     QStyledItemDelegate::paint(painter, cell, index);
+    if (marked) {
+        QPalette palette = cell.palette;
+        if ((cell.state & QStyle::State_Selected) != 0) {
+            palette.setColor(QPalette::Text, palette.color(QPalette::HighlightedText));
+        }
+        FlexGridPaint::DrawMark(*painter, cell.rect, palette);
+    }
     painter->save();
     FlexGridPaint::DrawEdges(
         *painter, cell.rect,
@@ -78,9 +94,12 @@ bool FlexGridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     if (event->type() != QEvent::ToolTip || !index.isValid()) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
+    const QString note = index.data(Qt::AccessibleDescriptionRole).toString();
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    if (cell.fontMetrics.horizontalAdvance(cell.text) > TextRoom(cell)) {
+    if (!note.isEmpty()) {
+        QToolTip::showText(event->globalPos(), note.toHtmlEscaped(), view);
+    } else if (cell.fontMetrics.horizontalAdvance(cell.text) > TextRoom(cell)) {
         QToolTip::showText(event->globalPos(), cell.text.toHtmlEscaped(), view);
     } else {
         QToolTip::hideText();

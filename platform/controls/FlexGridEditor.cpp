@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <QSignalBlocker>
 
+#include "platform/controls/FlexGridPaint.h"
+
 namespace {
 
 bool IsModifier(int key) {
@@ -43,6 +45,14 @@ void FlexGridEditor::Load(const QString& text) {
     // Selected backwards: of a text that is wider than its cell, the beginning shows.
     setSelection(static_cast<int>(text.size()), -static_cast<int>(text.size()));
     down_.clear();
+}
+
+void FlexGridEditor::SetNote(const QString& note) {
+    if (note != accessibleDescription()) {
+        setAccessibleDescription(note);
+        setToolTip(note);
+        update();
+    }
 }
 
 bool FlexGridEditor::event(QEvent* event) {
@@ -98,6 +108,9 @@ void FlexGridEditor::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::Highlight));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    if (!accessibleDescription().isEmpty()) {
+        FlexGridPaint::DrawMark(painter, rect(), palette());
+    }
 }
 
 // Spreadsheets put a line end behind a copied cell; a cell is one line without tabs.

@@ -19,6 +19,8 @@ public:
     void SetKeyTaker(std::function<bool(QKeyEvent*)> taker) { taker_ = std::move(taker); }
     // Puts a new text in without reporting it, all selected.
     void Load(const QString& text);
+    // What is said about the text that is being typed; empty when all is well.
+    void SetNote(const QString& note);
     // Whether a key that was pressed here is still down, so that its release will follow.
     [[nodiscard]] bool KeyIsDown() const { return !down_.isEmpty(); }
 

@@ -4,6 +4,8 @@
 #include <cmath>
 
 #include "platform/RuntimeError.h"
+#include "platform/controls/FlexGridNotes.h"
+#include "platform/controls/GridTable.h"
 #include "platform/text/Numbers.h"
 
 namespace {
@@ -71,8 +73,22 @@ void FlexGridModel::SetFixedRows(int rows) {
     endResetModel();
 }
 
-const QString& FlexGridModel::Text(int row, int col) const {
-    return rows_[static_cast<std::size_t>(row)].cells[static_cast<std::size_t>(col)];
+void FlexGridModel::SetTable(GridTable* table) {
+    table_ = table;
+    SetRows(fixedRows_ + (table == nullptr ? 0 : table->RowCount()));
+    if (rowCount() > 0) {
+        RowsChanged(fixedRows_, Rows() - 1);
+    }
+}
+
+bool FlexGridModel::IsTableCell(int row) const {
+    return table_ != nullptr && row >= fixedRows_ && TableRow(row) <= table_->RowCount();
+}
+
+QString FlexGridModel::Text(int row, int col) const {
+    return IsTableCell(row)
+               ? table_->Text(TableRow(row), col)
+               : rows_[static_cast<std::size_t>(row)].cells[static_cast<std::size_t>(col)];
 }
 
 void FlexGridModel::SetText(int row, int col, const QString& text) {
@@ -90,11 +106,15 @@ void FlexGridModel::SetText(int row, int col, const QString& text) {
 }
 
 QString FlexGridModel::Shown(int row, int col) const {
-    const QString& text = Text(row, col);
+    const QString text = Text(row, col);
+    return row < fixedRows_ ? text : Formatted(col, text);
+}
+
+QString FlexGridModel::Formatted(int col, const QString& text) const {
     const FlexGridColumn& column = Column(col);
     // Only a text that is a number as a whole: "12abc" and "1,000" would be shown as something that
     // they are not read as.
-    if (row < fixedRows_ || column.format.isEmpty() || !platform::IsPlainNumber(text)) {
+    if (column.format.isEmpty() || !platform::IsPlainNumber(text)) {
         return text;
     }
     double value = NumberOrInfinity(text);
@@ -106,6 +126,22 @@ QString FlexGridModel::Shown(int row, int col) const {
         value = std::nearbyint(value);
     }
     return platform::Format(value, column.format);
+}
+
+QString FlexGridModel::Note(int row, int col) const {
+    return IsTableCell(row) ? Note(row, col, Text(row, col)) : QString();
+}
+
+QString FlexGridModel::Note(int row, int col, const QString& text) const {
+    if (!IsTableCell(row)) {
+        return {};
+    }
+    const QString stored = table_->Stored(TableRow(row), col);
+    if (text == stored || (text.isEmpty() && FlexGridNotes::IsZero(stored)) ||
+        Formatted(col, text) == Formatted(col, stored)) {
+        return {};
+    }
+    return FlexGridNotes::StoredAs(stored);
 }
 
 int FlexGridModel::RowData(int row) const {
@@ -144,6 +180,31 @@ void FlexGridModel::RemoveRow(int row) {
     beginRemoveRows({}, row - fixedRows_, row - fixedRows_);
     rows_.erase(rows_.begin() + row);
     endRemoveRows();
+}
+
+// Before the move `to` counts the rows as they are, as after it.
+void FlexGridModel::MoveRow(int from, int to) {
+    if (from == to) {
+        return;
+    }
+    const int behind = to > from ? to + 1 : to;
+    beginMoveRows({}, from - fixedRows_, from - fixedRows_, {}, behind - fixedRows_);
+    const auto first = rows_.begin() + from;
+    const auto place = rows_.begin() + to;
+    if (to > from) {
+        std::rotate(first, first + 1, place + 1);
+    } else {
+        std::rotate(place, first, first + 1);
+    }
+    endMoveRows();
+}
+
+void FlexGridModel::RowsChanged(int first, int last) {
+    const int begin = std::max(first, fixedRows_);
+    const int end = std::min(last, Rows() - 1);
+    if (begin <= end && Cols() > 0) {
+        emit dataChanged(index(begin - fixedRows_, 0), index(end - fixedRows_, Cols() - 1));
+    }
 }
 
 void FlexGridModel::SortNumericAscending(int col) {
@@ -200,6 +261,10 @@ QString FlexGridModel::SpokenHeading(int col) const {
 
 // What a row is called in that column: nothing is named after itself.
 QString FlexGridModel::RowName(int row, int col) const {
+    if (IsTableCell(row) && rowNameColumn_ != col) {
+        const QString name = InOneLine(table_->RowName(TableRow(row))).trimmed();
+        return name.isEmpty() ? tr("row %1").arg(row - fixedRows_ + 1) : name;
+    }
     const bool named = rowNameColumn_ >= 0 && rowNameColumn_ < Cols() && rowNameColumn_ != col;
     const QString name = named ? InOneLine(Shown(row, rowNameColumn_)).trimmed() : QString();
     return name.isEmpty() ? tr("row %1").arg(row - fixedRows_ + 1) : name;
@@ -230,6 +295,8 @@ QVariant FlexGridModel::data(const QModelIndex& index, int role) const {
             const QString name = CellName(row, index.column());
             return shown.isEmpty() ? name : name + QStringLiteral(": ") + shown;
         }
+        case Qt::AccessibleDescriptionRole:
+            return Note(row, index.column());
         default:
             return {};
     }

@@ -2,12 +2,18 @@
 //
 // Rows and columns are numbered from 0, row 0 being the first fixed row; the model's own index 0 is
 // the first row below the fixed ones. Callers give rows and columns that exist.
+//
+// With a table the texts of the rows below the fixed ones come from there each time they are asked
+// for; the model then keeps only what is the grid's own, a row's data and mark, and the table's
+// owner announces rows that come, go and move.
 #pragma once
 
 #include <QAbstractTableModel>
 #include <QString>
 #include <QStringList>
 #include <vector>
+
+class GridTable;
 
 struct FlexGridColumn {
     int twips = 960;
@@ -33,10 +39,24 @@ public:
     void SetCols(int cols);
     void SetFixedRows(int rows);
 
-    [[nodiscard]] const QString& Text(int row, int col) const;
+    // Null: the model's own texts. The table must live as long as it is set.
+    void SetTable(GridTable* table);
+    [[nodiscard]] GridTable* Table() const { return table_; }
+    // The number of a row in the table.
+    [[nodiscard]] int TableRow(int row) const { return row - fixedRows_ + 1; }
+    [[nodiscard]] bool IsTableCell(int row) const;
+
+    [[nodiscard]] QString Text(int row, int col) const;
+    // Of a row that has no table only.
     void SetText(int row, int col, const QString& text);
     // The text as its column shows it: a number by the column's format, all else as it is.
     [[nodiscard]] QString Shown(int row, int col) const;
+    // A text as the column shows it.
+    [[nodiscard]] QString Formatted(int col, const QString& text) const;
+    // What is said about a cell that shows another value than the stored one; empty when all is
+    // well. The second takes the text that is being typed for that of the cell.
+    [[nodiscard]] QString Note(int row, int col) const;
+    [[nodiscard]] QString Note(int row, int col, const QString& text) const;
     [[nodiscard]] int RowData(int row) const;
     void SetRowData(int row, int data);
     [[nodiscard]] const FlexGridColumn& Column(int col) const;
@@ -46,6 +66,9 @@ public:
 
     void InsertRow(int row, const QStringList& texts);
     void RemoveRow(int row);
+    void MoveRow(int from, int to);
+    // The texts of these rows have changed.
+    void RowsChanged(int first, int last);
     void SortNumericAscending(int col);
     // Numbers rows from 0 on, so that they are found again wherever they have been sorted to.
     void MarkRows(int first, int count);
@@ -55,6 +78,7 @@ public:
     // The heading in one line: the different texts of the fixed rows.
     [[nodiscard]] QString Heading(int col) const;
     [[nodiscard]] QString CellName(int row, int col) const;
+    [[nodiscard]] QString SpokenHeading(int col) const;
     void SetRowNameColumn(int col) { rowNameColumn_ = col; }
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
@@ -71,11 +95,11 @@ private:
     };
 
     [[nodiscard]] GridRow EmptyRow() const;
-    [[nodiscard]] QString SpokenHeading(int col) const;
     [[nodiscard]] QString RowName(int row, int col) const;
 
     std::vector<GridRow> rows_;
     std::vector<FlexGridColumn> columns_;
+    GridTable* table_ = nullptr;
     int fixedRows_ = 1;
     int rowNameColumn_ = 0;
 };

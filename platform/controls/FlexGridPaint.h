@@ -14,5 +14,10 @@ QColor LineColor(const QPalette& palette, QPalette::ColorRole ground, QPalette::
 QFont FittingFont(const QFont& font, const QStringList& lines, int room);
 // Draws a line along the right and one along the bottom edge, inside the rectangle.
 void DrawEdges(QPainter& painter, const QRect& rect, const QColor& color);
+// Marks a cell that shows another value than the stored one: a frame and a filled corner, so that
+// it is told without colours too.
+void DrawMark(QPainter& painter, const QRect& rect, const QPalette& palette);
+// The ground of a marked cell.
+QColor MarkGround(const QPalette& palette);
 
 }  // namespace FlexGridPaint

@@ -115,6 +115,9 @@ QString vsFlexGrid::TextMatrix(int row, int col) const {
 
 void vsFlexGrid::SetTextMatrix(int row, int col, const QString& text) {
     CheckCell(row, col);
+    if (impl_->model->IsTableCell(row)) {
+        return;
+    }
     impl_->model->SetText(row, col, text);
     const bool isEdited =
         Editing() && impl_->edited.row() == row - FixedRows() && impl_->edited.column() == col;

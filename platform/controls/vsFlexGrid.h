@@ -20,6 +20,16 @@
 // Nothing is emitted by the program's own SetTextMatrix; an open editor of that cell shows the new
 // text.
 //
+// Tables. A grid that has a table (SetTable) shows that table's texts and keeps none of its own;
+// SetTextMatrix then sets headings only. The table decides which cells are edited and how long a
+// text may be. An action begins with the first change of an edit, before ChangeEdit, and ends after
+// AfterEdit or EditCancelled; pasting and clearing offer their cells to the table without an editor
+// and emit AfterEdit for each. Handlers of ChangeEdit and KeyUpEdit that want the table to have a
+// text at once call OfferEdit; the grid offers the last text when the edit ends, unless that is
+// what was offered last, and after Esc offers again what the cell held. A cell that shows another
+// value than the stored one is marked. Note is the sentence for the line under the grid: connect
+// NoteChanged. The table's owner announces what changes otherwise (Refresh and the Row functions).
+//
 // A grid with no handler for EnterCell is a list: it cannot be edited, Tab leaves it, and Space and
 // Enter emit Click.
 #pragma once
@@ -30,6 +40,12 @@
 #include <QTableView>
 #include <memory>
 #include <vector>
+
+#include "platform/controls/GridTable.h"
+
+namespace FlexGridNotes {
+struct Cell;
+}
 
 class vsFlexGrid : public QTableView {
     Q_OBJECT
@@ -119,6 +135,24 @@ public:
     // block as tab-separated lines.
     [[nodiscard]] QString Clip() const;
 
+    // The table that owns what the rows below the headings show; null for none. An open edit ends
+    // first. The table is not taken over and must stay as long as it is set.
+    void SetTable(GridTable* table);
+    [[nodiscard]] GridTable* Table() const;
+    // What the table's owner announces; rows count as the table's. All of it may have changed:
+    void Refresh();  // an edit that is open is given up
+    void RowsChanged(int first, int last);
+    void RowInserted(int row);
+    void RowRemoved(int row);
+    void RowMoved(int from, int to);  // `to`: its place when it has been moved
+    // Gives the table the text of the open edit as it stands, if it was changed. kStored when there
+    // is nothing to offer. What is refused is told once, when the edit ends.
+    GridTable::Answer OfferEdit();
+    // "Stored as 1" for a cell that shows, or whose editor holds, something else; else empty.
+    Q_INVOKABLE QString CellNote(int row, int col) const;
+    // The sentence to be read under the grid; empty while there is nothing to say.
+    [[nodiscard]] QString Note() const;
+
     // Room for the headings and two rows.
     [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -130,6 +164,9 @@ signals:
     void EditCancelled(int row, int col);
     void KeyPressEdit(int row, int col, QChar key);
     void KeyUpEdit(int row, int col, int key);
+    void NoteChanged(const QString& note);
+    // The table refused a text; the sentence says why and names the cell.
+    void Refused(int row, int col, const QString& sentence);
     void ColumnResized(int col);
     void Click();  // a mouse click on any cell; Row and Col tell which (header cells leave them)
 
@@ -169,13 +206,28 @@ private:
     [[nodiscard]] int NextCol(int from, int step) const;
     [[nodiscard]] int PageRows() const;
 
+    GridTable::Answer Offer(int row, int col, const QString& text);
+    void TakeAnswer(const QModelIndex& cell, const QString& typed, const GridTable::Answer& answer);
+    void BeginAction(const QString& name);
+    void EndAction();
+    [[nodiscard]] QString NoteOf(const QModelIndex& cell) const;
+    [[nodiscard]] QString ReadAs(const QModelIndex& cell, const QString& typed,
+                                 const QString& stored) const;
+    [[nodiscard]] FlexGridNotes::Cell NamedCell(const QModelIndex& cell) const;
+    void TellNote();
+
+    [[nodiscard]] bool TakesText(int row, int col) const;
+    [[nodiscard]] int Longest(int col) const;
     void PlaceEditor();
+    void SettleEdit(const QPersistentModelIndex& cell, const QString& text);
     void OnEdited();
     void ReportKeyUp(int key);
     void CloseEditor();
     void CancelEdit();
     void AnnounceEditor();
     void PasteBlock(const std::vector<QStringList>& block);
+    void ClearCells();
+    void OfferCell(const QPersistentModelIndex& cell, const QString& text);
     void PasteText(const QString& text);
     bool PasteCell(int row, int col, const QString& text);
     [[nodiscard]] QString AsTyped(int col, const QString& text) const;

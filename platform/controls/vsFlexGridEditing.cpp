@@ -1,7 +1,6 @@
 // The grid's editing: one text box that lies over the edited cell.
 #include <QAccessible>
 #include <QApplication>
-#include <QScopedValueRollback>
 
 #include "platform/controls/vsFlexGridImpl.h"
 
@@ -40,16 +39,14 @@ void vsFlexGrid::EditCell() {
     const int row = index.row() + FixedRows();
     bool cancel = false;
     emit BeforeEdit(row, index.column(), &cancel);
-    if (cancel || currentIndex() != index) {
+    if (cancel || currentIndex() != index || !TakesText(row, index.column())) {
         return;
     }
     const QString text = impl_->model->Text(row, index.column());
-    const int length = impl_->maxLength > 0 ? impl_->maxLength : kUnlimited;
+    const int length = Longest(index.column());
     FlexGridEditor* editor = impl_->editor;
     impl_->edited = index;
-    impl_->textBefore = text;
-    impl_->changed = false;
-    impl_->unreported = false;
+    impl_->edit.Begin(text);
     // What the cell holds already is never cut off.
     editor->setMaxLength(std::max(length, static_cast<int>(text.size())));
     editor->setAlignment(impl_->model->Column(index.column()).alignment);
@@ -59,6 +56,18 @@ void vsFlexGrid::EditCell() {
     PlaceEditor();
     editor->show();
     editor->setFocus();
+    TellNote();
+}
+
+bool vsFlexGrid::TakesText(int row, int col) const {
+    return !impl_->model->IsTableCell(row) ||
+           Table()->CellTakes(impl_->model->TableRow(row), col) != GridTable::Takes::kNothing;
+}
+
+// Characters.
+int vsFlexGrid::Longest(int col) const {
+    const int length = Table() != nullptr ? Table()->MaxLength(col) : impl_->maxLength;
+    return length > 0 ? length : kUnlimited;
 }
 
 void vsFlexGrid::FinishEdit() {
@@ -66,18 +75,33 @@ void vsFlexGrid::FinishEdit() {
         return;
     }
     const QScopedValueRollback finishing(impl_->finishing, true);
-    if (impl_->unreported) {
+    if (impl_->edit.IsUnreported()) {
         ReportKeyUp(0);
     }
     if (!Editing()) {
         return;
     }
-    const int row = impl_->edited.row() + FixedRows();
-    const int col = impl_->edited.column();
+    const QPersistentModelIndex cell = impl_->edited;
     const QString text = impl_->editor->text();
     CloseEditor();
-    impl_->model->SetText(row, col, text);
-    emit AfterEdit(row, col);
+    if (Table() == nullptr) {
+        impl_->model->SetText(cell.row() + FixedRows(), cell.column(), text);
+    } else if (impl_->edit.IsChanged()) {
+        SettleEdit(cell, text);
+    }
+    if (cell.isValid()) {
+        emit AfterEdit(cell.row() + FixedRows(), cell.column());
+    }
+    EndAction();
+    TellNote();
+}
+
+// The edit has ended with this text.
+void vsFlexGrid::SettleEdit(const QPersistentModelIndex& cell, const QString& text) {
+    if (impl_->edit.MustOffer(text)) {
+        impl_->edit.Offered(text, Offer(cell.row() + FixedRows(), cell.column(), text));
+    }
+    TakeAnswer(cell, text, impl_->edit.LastAnswer());
 }
 
 bool vsFlexGrid::Editing() const {
@@ -103,7 +127,7 @@ void vsFlexGrid::SetEditMaxLength(int characters) {
     impl_->maxLength = characters;
     if (Editing()) {
         const auto length = static_cast<int>(impl_->editor->text().size());
-        impl_->editor->setMaxLength(characters > 0 ? std::max(characters, length) : kUnlimited);
+        impl_->editor->setMaxLength(std::max(Longest(impl_->edited.column()), length));
     }
 }
 
@@ -118,9 +142,11 @@ void vsFlexGrid::OnEdited() {
     if (!Editing()) {
         return;
     }
-    impl_->changed = true;
-    impl_->unreported = true;
+    if (impl_->edit.Change()) {
+        BeginAction(tr("Typing"));
+    }
     emit ChangeEdit();
+    TellNote();
     if (Editing() && !impl_->editor->KeyIsDown()) {
         ReportKeyUp(0);
     }
@@ -128,7 +154,7 @@ void vsFlexGrid::OnEdited() {
 
 void vsFlexGrid::ReportKeyUp(int key) {
     if (Editing()) {
-        impl_->unreported = false;
+        impl_->edit.Report();
         emit KeyUpEdit(impl_->edited.row() + FixedRows(), impl_->edited.column(), key);
     }
 }
@@ -143,12 +169,17 @@ void vsFlexGrid::CloseEditor() {
 }
 
 void vsFlexGrid::CancelEdit() {
-    const int row = impl_->edited.row() + FixedRows();
-    const int col = impl_->edited.column();
-    const bool changed = impl_->changed;
+    const QPersistentModelIndex cell = impl_->edited;
+    const QString before = impl_->edit.TextBefore();
     CloseEditor();
-    impl_->model->SetText(row, col, impl_->textBefore);
-    if (changed) {
-        emit EditCancelled(row, col);
+    if (Table() == nullptr) {
+        impl_->model->SetText(cell.row() + FixedRows(), cell.column(), before);
+    } else if (impl_->edit.WasOffered()) {
+        (void)Offer(cell.row() + FixedRows(), cell.column(), before);
     }
+    if (impl_->edit.IsChanged() && cell.isValid()) {
+        emit EditCancelled(cell.row() + FixedRows(), cell.column());
+    }
+    EndAction();
+    TellNote();
 }

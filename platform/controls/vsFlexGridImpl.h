@@ -1,8 +1,11 @@
 // The parts of a grid and the state of its editing.
 #pragma once
 
+#include <QList>
 #include <QPersistentModelIndex>
+#include <QScopedValueRollback>
 
+#include "platform/controls/FlexGridCellEdit.h"
 #include "platform/controls/FlexGridEditor.h"
 #include "platform/controls/FlexGridHeader.h"
 #include "platform/controls/FlexGridModel.h"
@@ -15,10 +18,8 @@ public:
     FlexGridEditor* editor = nullptr;
 
     QPersistentModelIndex edited;  // invalid: no edit is open
-    QString textBefore;            // what the cell held when the edit began
-    int maxLength = 0;             // 0: any length
-    bool changed = false;          // the user changed the text since the edit began
-    bool unreported = false;       // ... and no KeyUpEdit has been emitted since
+    FlexGridCellEdit edit;
+    int maxLength = 0;  // 0: any length
     bool finishing = false;
     bool closing = false;
 
@@ -27,6 +28,15 @@ public:
     bool pressed = false;          // the left mouse button went down in a cell
     int quiet = 0;                 // the program is changing rows: no EnterCell
     bool sizing = false;           // the program is setting widths
+    bool inAction = false;         // the table has been told of an action that has not ended
+    bool offering = false;         // the table is being offered a text
+
+    struct Notes {
+        QString told;  // what became of the last action; empty when all is well
+        QList<QPersistentModelIndex> cells;  // the cells that were marked, the latest last
+        QString shown;
+    };
+    Notes notes;
 
     // No EnterCell while it lives.
     class Quiet {

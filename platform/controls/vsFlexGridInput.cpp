@@ -245,6 +245,7 @@ void vsFlexGrid::currentChanged(const QModelIndex& current, const QModelIndex& p
         scrollTo(current);
         emit EnterCell();
     }
+    TellNote();
 }
 
 void vsFlexGrid::Enter() {

@@ -47,12 +47,37 @@ void vsFlexGrid::ClearClip() {
         impl_->editor->insert(QString());
         return;
     }
+    if (Table() != nullptr) {
+        ClearCells();
+        return;
+    }
     const QModelIndex current = currentIndex();
     for (const QPersistentModelIndex cell : SelectedCells()) {
         ReplaceCell(cell.row() + FixedRows(), cell.column(), QString());
     }
     if (current.isValid()) {
         Select(current.row() + FixedRows(), current.column());
+    }
+}
+
+void vsFlexGrid::ClearCells() {
+    const QModelIndexList selected = SelectedCells();
+    const QList<QPersistentModelIndex> cells(selected.begin(), selected.end());
+    BeginAction(tr("Delete"));
+    for (const QPersistentModelIndex& cell : cells) {
+        if (cell.isValid() && TakesText(cell.row() + FixedRows(), cell.column())) {
+            OfferCell(cell, QString());
+        }
+    }
+    EndAction();
+    TellNote();
+}
+
+void vsFlexGrid::OfferCell(const QPersistentModelIndex& cell, const QString& text) {
+    const GridTable::Answer answer = Offer(cell.row() + FixedRows(), cell.column(), text);
+    TakeAnswer(cell, text, answer);
+    if (cell.isValid()) {
+        emit AfterEdit(cell.row() + FixedRows(), cell.column());
     }
 }
 
@@ -83,6 +108,8 @@ void vsFlexGrid::PasteBlock(const std::vector<QStringList>& block) {
     const int left = Col();
     const auto lines = static_cast<int>(block.size());
     impl_->model->MarkRows(top, lines);
+    FinishEdit();
+    BeginAction(tr("Paste"));
     int refused = 0;
     for (int line = 0; line < lines; ++line) {
         int col = left;
@@ -97,12 +124,21 @@ void vsFlexGrid::PasteBlock(const std::vector<QStringList>& block) {
         }
     }
     Select(top, left);
+    EndAction();
+    TellNote();
     TellRefused(refused);
 }
 
 // False when the cell does not take the text as it is.
 bool vsFlexGrid::PasteCell(int row, int col, const QString& text) {
     const QString wanted = AsTyped(col, text);
+    if (impl_->model->IsTableCell(row)) {
+        if (!TakesText(row, col) || wanted.size() > Longest(col)) {
+            return impl_->model->Text(row, col) == wanted;
+        }
+        OfferCell(impl_->model->index(row - FixedRows(), col), wanted);
+        return true;
+    }
     if (!EditOnly(row, col)) {
         return impl_->model->Text(row, col) == wanted;
     }
