@@ -9,6 +9,7 @@
 #include "datafile/UnitFinder.h"
 #include "support/BuiltProgramFolder.h"
 #include "support/Corpus.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -57,7 +58,7 @@ TEST_F(UnitFinderTest, FindUnit_Unknown_IsNotFound) {
 }
 
 TEST_F(UnitFinderTest, FindUnit_EveryUnitOfTheList_HasTheCodeThatItsStatesGive) {
-    QFile source(QStringLiteral(TARN_SOURCE "/data/units.tsv"));
+    QFile source(support::SourceFolder() / "data/units.tsv");
     ASSERT_TRUE(source.open(QIODevice::ReadOnly));
     source.readLine();
     std::map<QString, QStringList> states;

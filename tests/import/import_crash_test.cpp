@@ -13,6 +13,7 @@
 #include "jet/database.h"
 #include "jet/recordset.h"
 #include "support/BuiltProgramFolder.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -42,7 +43,9 @@ Rows Count(const QString& path) {
 // A process that imports without end.
 std::unique_ptr<QProcess> StartImporting(const QString& dataFile, const QString& source) {
     auto process = std::make_unique<QProcess>();
-    process->start(QStringLiteral(TARN_BUILD "/bin/import_for_ever"), {dataFile, source});
+    process->start(
+        QString::fromStdU16String((support::BuildFolder() / "bin/import_for_ever").u16string()),
+        {dataFile, source});
     return process;
 }
 

@@ -11,6 +11,8 @@
 #include "record/code_page.h"
 #include "tab_separated.h"
 
+#include "support/paths.h"
+
 namespace jet {
 namespace {
 
@@ -25,7 +27,7 @@ Key FromHex(const std::string& hex) {
 }
 
 std::vector<tarn_test::TextFields> Weights() {
-    return tarn_test::ReadTabSeparated(JET_DATA_FOLDER "/general_legacy.tsv", 5);
+    return tarn_test::ReadTabSeparated(support::SourceFolder() / "jet/data/general_legacy.tsv", 5);
 }
 
 TEST(Collation, GeneralLegacy_HasTheWeightsOfItsTable) {

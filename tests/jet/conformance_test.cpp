@@ -7,6 +7,7 @@
 
 #include "support/command.h"
 #include "support/jet_files.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -35,7 +36,7 @@ TEST_P(Conformance, EveryFile_MatchesItsDump) {
 }
 
 TEST(ConformanceCommand, FolderWithoutDatabases_IsNoSuccess) {
-    EXPECT_EQ(RunTool(TARN_SOURCE "/tests/jet").status, 2);
+    EXPECT_EQ(RunTool(support::SourceFolder() / "tests/jet").status, 2);
 }
 
 }  // namespace

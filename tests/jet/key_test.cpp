@@ -10,6 +10,7 @@
 
 #include "index/collation.h"
 #include "jet/error.h"
+#include "support/paths.h"
 #include "tab_separated.h"
 
 namespace jet {
@@ -21,7 +22,8 @@ struct Vector {
 
 std::vector<Vector> ReadVectors() {
     std::vector<Vector> vectors;
-    for (const auto& fields : tarn_test::ReadTabSeparated(JET_DATA_FOLDER "/key_vectors.tsv", 5)) {
+    for (const auto& fields :
+         tarn_test::ReadTabSeparated(support::SourceFolder() / "jet/data/key_vectors.tsv", 5)) {
         vectors.push_back({fields[0], fields[1], fields[2], fields[3], fields[4]});
     }
     return vectors;

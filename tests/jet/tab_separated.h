@@ -1,6 +1,7 @@
 // Tables of the tree that are kept as text: tabs between fields, "#" before remarks.
 #pragma once
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -10,7 +11,8 @@ namespace tarn_test {
 using TextFields = std::vector<std::string>;
 
 // The rows of a table, each brought to `width` fields.
-inline std::vector<TextFields> ReadTabSeparated(const char* path, std::size_t width) {
+inline std::vector<TextFields> ReadTabSeparated(const std::filesystem::path& path,
+                                                std::size_t width) {
     std::ifstream file(path);
     std::vector<TextFields> rows;
     for (std::string line; std::getline(file, line);) {

@@ -20,11 +20,13 @@
 #include <algorithm>
 
 #include "support/Keyboard.h"
+#include "support/paths.h"
 
 namespace {
 
 QString BuiltHelpFile() {
-    return QStringLiteral(TARN_BUILD "/TARNPrep/TARNPlus.hlp");
+    return QString::fromStdU16String(
+        (support::BuildFolder() / "TARNPrep/TARNPlus.hlp").u16string());
 }
 
 QWidget* HelpWindowShown() {

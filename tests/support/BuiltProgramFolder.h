@@ -13,12 +13,13 @@
 #include <QTemporaryDir>
 
 #include "platform/system/Host.h"
+#include "support/paths.h"
 
 namespace support {
 
 // The folder that the build leaves beside the program's executable.
 inline QString BuiltFolder() {
-    return QStringLiteral(TARN_BUILD "/TARNPrep");
+    return QString::fromStdU16String((support::BuildFolder() / "TARNPrep").u16string());
 }
 
 inline QByteArray Bytes(const QString& path) {

@@ -12,12 +12,13 @@
 #include <algorithm>
 
 #include "jet/check.h"
+#include "support/paths.h"
 #include "support/reasons.h"
 
 namespace support {
 
 inline QString SharedFolder() {
-    return QStringLiteral(TARN_SOURCE) + QStringLiteral("/../shared");
+    return QString::fromStdU16String((SourceFolder() / "../shared").u16string());
 }
 
 inline QString MadeFile(const QString& name) {

@@ -1,4 +1,5 @@
 #include "support/command.h"
+#include "support/paths.h"
 
 #include <array>
 #include <cstdio>
@@ -52,7 +53,7 @@ std::string Quoted(const std::filesystem::path& path) {
 }
 
 std::filesystem::path BuiltProgram(const std::string& name) {
-    return std::filesystem::path(TARN_BUILD) / "bin" / (name + kProgramEnding);
+    return support::BuildFolder() / "bin" / (name + kProgramEnding);
 }
 
 }  // namespace tarn_test

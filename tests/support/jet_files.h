@@ -10,12 +10,13 @@
 
 #include "jet/check.h"
 #include "support/command.h"
+#include "support/paths.h"
 #include "support/reasons.h"
 
 namespace tarn_test {
 
 inline std::filesystem::path SharedFolder() {
-    return std::filesystem::path(TARN_SOURCE) / ".." / "shared";
+    return support::SourceFolder() / ".." / "shared";
 }
 
 // All database files of other origin, those that no engine made included; empty without a corpus.
