@@ -1,8 +1,11 @@
 #include "platform/system/StartHelpers.h"
 
-#include <QLibrary>
+#include <QtGlobal>
 #include <system_error>
 
+#ifdef Q_OS_UNIX
+#include <dlfcn.h>
+#endif
 #if QT_CONFIG(dbus)
 #include <QDBusConnection>
 #endif
@@ -24,14 +27,20 @@ void Beside::Wait() {
     }
 }
 
-// The list is kept by a library that the toolkit brings along, on systems that have it.
+// The list is kept by a library that the toolkit brings along, on systems that have it. The
+// toolkit's own loader would do, but the first thread that touches the toolkit becomes its main
+// one.
 void ReadFonts() {
+#ifdef Q_OS_UNIX
+    void* const library = ::dlopen("libfontconfig.so.1", RTLD_LAZY);
+    if (library == nullptr) {
+        return;
+    }
     using Initialise = int (*)();
-    const auto initialise =
-        reinterpret_cast<Initialise>(QLibrary::resolve(QStringLiteral("fontconfig"), 1, "FcInit"));
-    if (initialise != nullptr) {
+    if (const auto initialise = reinterpret_cast<Initialise>(::dlsym(library, "FcInit"))) {
         initialise();
     }
+#endif
 }
 
 void ConnectToSessionBus() {

@@ -20,7 +20,8 @@ private:
 
 // Reads the system's list of fonts, which takes as long as connecting to the display. A program
 // with text needs both before its first frame; the list must be there before the first text is
-// measured, or that would read it once more.
+// measured, or that would read it once more. Touches nothing of the toolkit, so that it may run
+// before there is an application object.
 void ReadFonts();
 
 // Connects to the session's message bus. The first accessible name of a control waits for it, for
