@@ -16,9 +16,7 @@ namespace {
 QString ToNameFilter(QString description, QString patterns) {
     static const QRegularExpression kTrailingPatterns(QStringLiteral("\\s*\\([^()]*\\)\\s*$"));
     description.remove(kTrailingPatterns);
-    QStringList list = patterns.replace(u';', u' ').split(u' ', Qt::SkipEmptyParts);
-    // Elsewhere "*.*" means all files, those without a dot included.
-    list.replaceInStrings(QStringLiteral("*.*"), QStringLiteral("*"));
+    const QStringList list = patterns.replace(u';', u' ').split(u' ', Qt::SkipEmptyParts);
     return description + QStringLiteral(" (") + list.join(u' ') + u')';
 }
 
@@ -43,7 +41,7 @@ QStringList NameFilters(const QString& filter) {
 QString CommonDialog::ShowOpen(const OpenFileRequest& request, QWidget* parent) {
     KeepNoSettings();
     OpenDialog dialog(parent, request.title);
-    dialog.setObjectName(QStringLiteral("CommonDialog"));
+    dialog.setObjectName(QStringLiteral("CMDialog1"));
     dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     const QStringList filters = NameFilters(request.filter);
     if (!filters.isEmpty()) {

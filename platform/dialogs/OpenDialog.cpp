@@ -1,6 +1,8 @@
 #include "platform/dialogs/OpenDialog.h"
 
+#include <QComboBox>
 #include <QDialogButtonBox>
+#include <QFileSystemModel>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
@@ -27,6 +29,11 @@ OpenDialog::OpenDialog(QWidget* parent, const QString& title) : QFileDialog(pare
         // After the dialog's own handler, which knows exact names only.
         connect(txtName_, &QLineEdit::textChanged, this, &OpenDialog::EnableOpen);
     }
+    if (auto* kinds = findChild<QComboBox*>(QStringLiteral("fileTypeCombo"))) {
+        // After the dialog's own handler, which takes the pattern by the letter.
+        connect(kinds, &QComboBox::currentIndexChanged, this, &OpenDialog::ListEveryFileWhereAsked,
+                Qt::QueuedConnection);
+    }
     const int room = screen()->availableGeometry().width();
     resize(std::min(fontMetrics().averageCharWidth() * kWidth, room), height());
 }
@@ -42,6 +49,7 @@ void OpenDialog::accept() {
 // The names get the room that sizes, kinds and dates leave.
 void OpenDialog::showEvent(QShowEvent* event) {
     QFileDialog::showEvent(event);
+    ListEveryFileWhereAsked();
     if (auto* list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
         list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
         list->header()->setSectionResizeMode(kNameColumn, QHeaderView::Stretch);
@@ -64,6 +72,13 @@ void OpenDialog::MakeRoomForNames() {
                                           [list](int at) { return list->isColumnHidden(at); });
     if (column != std::end(kColumnsToLose)) {
         list->setColumnHidden(*column, true);
+    }
+}
+
+void OpenDialog::ListEveryFileWhereAsked() {
+    auto* files = findChild<QFileSystemModel*>();
+    if (files != nullptr && files->nameFilters().contains(QStringLiteral("*.*"))) {
+        files->setNameFilters({QStringLiteral("*")});
     }
 }
 

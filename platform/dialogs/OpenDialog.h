@@ -1,5 +1,6 @@
 // Qt's own file dialog for opening a file, which also takes a typed name whose letters differ in
-// case from those of the file: names travel between systems, and people know them by sound.
+// case from those of the file: names travel between systems, and people know them by sound. The
+// pattern "*.*" means every file, those without a dot included.
 #pragma once
 
 #include <QFileDialog>
@@ -22,6 +23,7 @@ private:
     [[nodiscard]] QString MeantPath() const;
     void EnableOpen();
     void MakeRoomForNames();
+    void ListEveryFileWhereAsked();
 
     QLineEdit* txtName_;
 };

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -129,7 +130,7 @@ TEST(MsgBox, HourglassWaitsForTheAnswer) {
 
 TEST(NameFilters, PairsBecomeFilters) {
     EXPECT_EQ(platform::NameFilters("TARN Prep files (*.fcd)|*.fcd|Both|*.fcd;*.mdb|All|*.*"),
-              QStringList({"TARN Prep files (*.fcd)", "Both (*.fcd *.mdb)", "All (*)"}));
+              QStringList({"TARN Prep files (*.fcd)", "Both (*.fcd *.mdb)", "All (*.*)"}));
     EXPECT_EQ(platform::NameFilters(""), QStringList());
 }
 
@@ -150,10 +151,32 @@ protected:
 TEST_F(ShowOpenTest, Cancel_GivesNothing) {
     Answer<QFileDialog> answer([this](QFileDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Open a file");
-        EXPECT_EQ(dialog.selectedNameFilter(), "All (*)");
+        EXPECT_EQ(dialog.selectedNameFilter(), "All (*.*)");
         EXPECT_EQ(dialog.directory().canonicalPath(), QDir(folder_.path()).canonicalPath());
         EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
         EXPECT_TRUE(dialog.testOption(QFileDialog::DontUseNativeDialog));
+        dialog.reject();
+    });
+    EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), "");
+}
+
+TEST_F(ShowOpenTest, Filters_AreShownAsGivenAndAllFilesMeansAll) {
+    QFile plain(folder_.filePath("no dot"));
+    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
+    request_.filter = "TARN Prep files (*.fcd)|*.fcd|All Files (*.*)|*.*";
+    Answer<QFileDialog> answer([](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.objectName(), "CMDialog1");
+        auto* kinds = dialog.findChild<QComboBox*>("fileTypeCombo");
+        const auto* files = dialog.findChild<QTreeView*>("treeView");
+        const auto rows = [files] { return files->model()->rowCount(files->rootIndex()); };
+        EXPECT_EQ(kinds->itemText(0), "TARN Prep files (*.fcd)");
+        EXPECT_EQ(kinds->itemText(1), "All Files (*.*)");
+        EXPECT_EQ(dialog.selectedNameFilter(), "All Files (*.*)");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return rows() == 2; })) << "a name without a dot, too";
+        dialog.selectNameFilter("TARN Prep files (*.fcd)");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return rows() == 1; }));
+        dialog.selectNameFilter("All Files (*.*)");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return rows() == 2; }));
         dialog.reject();
     });
     EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), "");
