@@ -50,6 +50,14 @@ frmTabs::frmTabs(QWidget* clientArea) : QWidget(clientArea), vsTab1_(new vsIndex
             *cancel = true;
         }
     });
+    // No worksheet shows after a New that failed, or one whose set-up failed: the tab that is
+    // current brings it back, or says why not.
+    connect(vsTab1_, &vsIndexTab::CurrentChosen, this,
+            platform::EventTrap::Trapped("frmTabs.vsTab1_Click", [this] {
+                if (a3PrepForms::CurrentForm() == nullptr) {
+                    vsTab1_Click();
+                }
+            }));
     connect(vsTab1_, &vsIndexTab::Click, this,
             platform::EventTrap::Trapped("frmTabs.vsTab1_Click", [this] { vsTab1_Click(); }));
 }

@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QFontMetrics>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QSignalBlocker>
 #include <algorithm>
 
@@ -67,7 +68,21 @@ QSize vsIndexTab::minimumSizeHint() const {
     return {QTabBar::minimumSizeHint().width(), kStripHeight};
 }
 
+void vsIndexTab::mousePressEvent(QMouseEvent* event) {
+    const bool isCurrent =
+        event->button() == Qt::LeftButton && tabAt(event->position().toPoint()) == currentIndex();
+    QTabBar::mousePressEvent(event);
+    if (isCurrent) {
+        emit CurrentChosen();
+    }
+}
+
 void vsIndexTab::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return ||
+        event->key() == Qt::Key_Enter) {
+        emit CurrentChosen();
+        return;
+    }
     const int step = event->key() == Qt::Key_Home ? 1 : event->key() == Qt::Key_End ? -1 : 0;
     if (step == 0) {
         QTabBar::keyPressEvent(event);

@@ -1,8 +1,8 @@
 // The tab strip's tabs: a tab bar whose switch can be refused.
 //
 // Every road to another tab - click, arrow keys, wheel, SetCurrTab, assistive technology - first
-// emits Switch, while the old tab still is the current one, and then Click. A tab that is not
-// visible is out of everybody's reach.
+// emits Switch, while the old tab still is the current one, and then Click. Choosing the current
+// tab once more emits CurrentChosen. A tab that is not visible is out of everybody's reach.
 #pragma once
 
 #include <QTabBar>
@@ -27,8 +27,10 @@ public:
 signals:
     void Switch(int oldTab, int newTab, bool* cancel);
     void Click();
+    void CurrentChosen();
 
 protected:
+    void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -135,6 +135,23 @@ TEST_F(IndexTabTest, SetCurrTab_SwitchesThenClicks) {
     EXPECT_EQ(TakeLog(), QStringList({"Click 2"}));
 }
 
+TEST_F(IndexTabTest, CurrentTabChosenOnceMore_SaysSoAndSwitchesNothing) {
+    QObject::connect(&tab_, &vsIndexTab::CurrentChosen, &tab_, [this] { log_ += "Current"; });
+    const auto click = [this](int tab, Qt::MouseButton button) {
+        QTest::mouseClick(&tab_, button, {}, tab_.tabRect(tab).center());
+    };
+    click(1, Qt::LeftButton);
+    EXPECT_EQ(TakeLog(), QStringList("Current"));
+    click(1, Qt::RightButton);
+    EXPECT_EQ(TakeLog(), QStringList());
+    click(2, Qt::LeftButton);
+    EXPECT_EQ(TakeLog(), QStringList({"Switch 1 2 at 1", "Click 2"}));
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+        QTest::keyClick(&tab_, key);
+        EXPECT_EQ(TakeLog(), QStringList("Current"));
+    }
+}
+
 TEST_F(IndexTabTest, RefusedSwitch_LeavesTheOldTab) {
     refuse_ = true;
     tab_.SetCurrTab(3);
