@@ -2,8 +2,6 @@
 
 #include <exception>
 #include <new>
-#include <optional>
-#include <vector>
 
 #include "jet/error.h"
 #include "platform/RuntimeError.h"
@@ -17,12 +15,10 @@ int depth = 0;
 // The number that errors without one of their own get.
 constexpr int kInternalError = 51;
 
-// Runs the body; what it threw, or nothing.
-std::optional<Report> Attempt(const char* handler, const std::function<void()>& body) {
+Report ReportOf(const char* handler) {
     const QString name = QString::fromLatin1(handler);
     try {
-        body();
-        return std::nullopt;
+        throw;
     } catch (const RuntimeError& error) {
         return Report{name, error.Number(), error.Description()};
     } catch (const jet::Error& error) {
@@ -38,8 +34,17 @@ std::optional<Report> Attempt(const char* handler, const std::function<void()>& 
 }
 
 // What can be done about it may follow on further lines.
-QString CauseOf(const Report& report) {
-    return report.description.section(u'\n', 0, 0).trimmed();
+QStringView CauseOf(const Report& report) {
+    const QStringView text(report.description);
+    const qsizetype end = text.indexOf(u'\n');
+    return (end < 0 ? text : text.left(end)).trimmed();
+}
+
+// A reporter that fails has nobody to turn to.
+void ReportTo(const Report& report) noexcept {
+    if (hooks.report) {
+        Attempt("EventTrap.Report", [&report] { hooks.report(report); });
+    }
 }
 
 }  // namespace
@@ -48,34 +53,44 @@ void Install(Hooks newHooks) {
     hooks = std::move(newHooks);
 }
 
-bool Run(const char* handler, const std::function<void()>& body) {
+std::optional<Report> Attempt(const char* handler, const std::function<void()>& body) noexcept {
+    try {
+        body();
+        return std::nullopt;
+    } catch (...) {
+        try {
+            return ReportOf(handler);
+        } catch (...) {
+            // Not even the memory for a sentence: empty texts take none.
+            return Report{QString(), kOutOfMemory, QString()};
+        }
+    }
+}
+
+bool Run(const char* handler, const std::function<void()>& body) noexcept {
     std::function<void()> putBack;
     if (hooks.remember) {
-        putBack = hooks.remember();
+        Attempt(handler, [&putBack] { putBack = hooks.remember(); });
     }
-    std::vector<Report> reports;
     ++depth;
-    if (auto failure = Attempt(handler, body)) {
-        reports.push_back(*failure);
-        if (putBack) {
-            putBack();
-        }
+    const std::optional<Report> failure = Attempt(handler, body);
+    if (failure && putBack) {
+        Attempt(handler, putBack);
     }
     // Before the reports, which wait for the user.
+    std::optional<Report> idleFailure;
     if (depth == 1 && hooks.idle) {
-        auto failure = Attempt(handler, hooks.idle);
-        // The same cause is told once.
-        if (failure && (reports.empty() || CauseOf(*failure) != CauseOf(reports.front()))) {
-            reports.push_back(*failure);
-        }
+        idleFailure = Attempt(handler, hooks.idle);
     }
     --depth;
-    for (const Report& report : reports) {
-        if (hooks.report) {
-            hooks.report(report);
-        }
+    if (failure) {
+        ReportTo(*failure);
     }
-    return reports.empty();
+    // The same cause is told once.
+    if (idleFailure && (!failure || CauseOf(*idleFailure) != CauseOf(*failure))) {
+        ReportTo(*idleFailure);
+    }
+    return !failure && !idleFailure;
 }
 
 int Depth() {

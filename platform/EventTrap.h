@@ -11,6 +11,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 #include <utility>
 
 namespace platform::EventTrap {
@@ -22,7 +23,7 @@ struct Report {
 };
 
 struct Hooks {
-    // Called with each error; must not throw.
+    // Called with each error. What it throws itself is dropped.
     std::function<void(const Report&)> report;
     // Called at a handler's start; what it gives is called when the handler fails, before the
     // report.
@@ -33,8 +34,11 @@ struct Hooks {
 
 void Install(Hooks hooks);
 
+// Runs `body`; what it threw, lack of memory included, or nothing. For a caller that goes on by
+// itself.
+std::optional<Report> Attempt(const char* handler, const std::function<void()>& body) noexcept;
 // Runs `handler` under the trap. True when it ended without an error.
-bool Run(const char* handler, const std::function<void()>& body);
+bool Run(const char* handler, const std::function<void()>& body) noexcept;
 // How many trapped handlers are running now, one inside the other.
 int Depth();
 

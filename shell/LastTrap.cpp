@@ -28,7 +28,7 @@ void Tell(const Report& report) {
                         report.description);
         platform::MsgBox(report.description + Advice(report.number) + platform::kNewLine +
                          QStringLiteral("(Error %1 in %2)").arg(report.number).arg(report.handler));
-    } catch (const std::exception&) {
+    } catch (...) {
         // Out of memory or the like: there is nobody left to tell.
         return;
     }

@@ -104,4 +104,35 @@ TEST_F(EventTrapTest, Trapped_HandsArgumentsOn) {
     EXPECT_EQ(sum, 5);
 }
 
+TEST_F(EventTrapTest, EveryHookFails_NothingGetsOut) {
+    EventTrap::Hooks hooks;
+    hooks.remember = []() -> std::function<void()> { throw std::bad_alloc(); };
+    hooks.idle = [] { throw std::bad_alloc(); };
+    hooks.report = [this](const EventTrap::Report& report) {
+        reports_.push_back(report);
+        throw std::bad_alloc();
+    };
+    EventTrap::Install(hooks);
+    EXPECT_FALSE(EventTrap::Run("form.cmd_Click", [] { throw platform::RuntimeError(6, "Over"); }));
+    ASSERT_EQ(reports_.size(), 2U);
+    EXPECT_EQ(reports_[0].number, 6);
+    EXPECT_EQ(reports_[1].number, 7);
+    hooks.remember = [] { return [] { throw std::bad_alloc(); }; };
+    EventTrap::Install(hooks);
+    EXPECT_FALSE(EventTrap::Run("form.cmd_Click", [] { throw std::bad_alloc(); }));
+    EXPECT_EQ(EventTrap::Depth(), 0);
+}
+
+TEST_F(EventTrapTest, Attempt_GivesWhatWasThrownAndTellsNobody) {
+    EXPECT_FALSE(EventTrap::Attempt("a", [] {}));
+    const auto failure =
+        EventTrap::Attempt("a", [] { throw platform::RuntimeError(6, "Overflow"); });
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->handler, "a");
+    EXPECT_EQ(failure->number, 6);
+    EXPECT_EQ(failure->description, "Overflow");
+    EXPECT_TRUE(reports_.empty());
+    EXPECT_TRUE(steps_.isEmpty());
+}
+
 }  // namespace
