@@ -3,6 +3,7 @@
 #include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
 #include "platform/controls/LegibleStyle.h"
+#include "platform/system/NativePath.h"
 #include "platform/system/OwnFonts.h"
 #include "platform/system/StartHelpers.h"
 #include "platform/system/Termination.h"
@@ -17,7 +18,7 @@ namespace {
 QString CommandLine(int argc, char* argv[]) {
     QStringList words;
     for (int i = 1; i < argc; ++i) {
-        words += QString::fromLocal8Bit(argv[i]);
+        words += platform::FromNativePath(argv[i]);
     }
     return words.join(QLatin1Char(' '));
 }

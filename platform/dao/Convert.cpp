@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <variant>
 
+#include "platform/system/NativePath.h"
+
 namespace dao {
 
 namespace {
@@ -43,7 +45,7 @@ jet::Value WholeNumber(qlonglong number) {
 }  // namespace
 
 std::filesystem::path ToPath(const QString& path) {
-    return std::filesystem::path(path.toStdU16String());
+    return platform::ToNativePath(path);
 }
 
 std::string ToUtf8(const QString& text) {

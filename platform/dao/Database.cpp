@@ -4,6 +4,7 @@
 #include "jet/recordset.h"
 #include "platform/dao/Convert.h"
 #include "platform/dao/Recordset.h"
+#include "platform/system/NativePath.h"
 
 namespace dao {
 
@@ -131,7 +132,8 @@ int Database::RecoveredOperations() const {
 }
 
 QString Database::KeptLog() const {
-    return QString::fromStdU16String(database_->OpeningRecovery().keptLog.filename().u16string());
+    const std::filesystem::path log = database_->OpeningRecovery().keptLog.filename();
+    return platform::ShownPath(platform::FromNativePath(log.string().c_str()));
 }
 
 std::uint64_t Database::PendingOperations() const {
