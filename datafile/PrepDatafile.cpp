@@ -1,6 +1,7 @@
 #include "datafile/PrepDatafile.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "datafile/DatafileHost.h"
 #include "datafile/FieldNames.h"
@@ -9,9 +10,12 @@
 #include "datafile/ZoneKeys.h"
 #include "datafile/frmFCDName.h"
 #include "datafile/u14libProperties.h"
+#include "platform/EventTrap.h"
+#include "platform/FirstError.h"
 #include "platform/dialogs/CommonDialog.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
+#include "platform/system/NativePath.h"
 #include "shell/u13Folders.h"
 #include "shell/u91Trace.h"
 
@@ -73,17 +77,6 @@ void RequireTables(Format format) {
     }
 }
 
-// Closes what has failed already; that closing fails as well is no news then.
-void CloseQuietly() {
-    ZoneKeys::ForgetLeftOver();
-    fileIsOpen = false;
-    try {
-        PrepDatatables::CloseAll();
-    } catch (const platform::RuntimeError&) {
-        return;
-    }
-}
-
 void TellOfKeptLog() {
     const QString log = dbDatafile->KeptLog();
     if (log.isEmpty()) {
@@ -122,8 +115,8 @@ void RequireSound() {
     }
 }
 
-// The file may be in order where the machine is not; the user can then try again.
-void TellIfNotTheFilesFault(const platform::RuntimeError& error) {
+// The file may be in order where the machine is not: support wants to know of that.
+void LogIfNotTheFilesFault(const platform::RuntimeError& error) {
     constexpr std::array kReasons{
         static_cast<int>(platform::kOutOfMemory), static_cast<int>(platform::kDeviceError),
         static_cast<int>(platform::kPermissionDenied), static_cast<int>(platform::kFileSystemFull),
@@ -133,7 +126,6 @@ void TellIfNotTheFilesFault(const platform::RuntimeError& error) {
     }
     u91Trace::Error(QStringLiteral("PrepDatafile.OpenDatatables: Error %1, ").arg(error.Number()) +
                     error.Description());
-    platform::MsgBox(error.Description());
 }
 
 // Accepts, relabels or converts the open file; false when its format is unknown.
@@ -169,27 +161,30 @@ bool TemplateExists() {
     }
 }
 
-bool CopyTemplate(const QString& path) {
+// What prevented it, or nothing.
+std::optional<platform::RuntimeError> CopyTemplate(const QString& path) {
     try {
         dao::Database::RequireFree(path);
         platform::FileCopy(platform::FindFile(platform::ProgramFolder(), QStringLiteral("FCD.new")),
                            path);
         dao::Database::DiscardLog(path);
-        return true;
-    } catch (const platform::RuntimeError&) {
-        return false;
+        return std::nullopt;
+    } catch (const platform::RuntimeError& error) {
+        return error;
     }
 }
 
-// The worksheet that shows belongs to the file that is about to be closed.
+// The worksheet that shows belongs to the file that is about to be closed. What goes wrong with
+// that one is told, and the file that the user has chosen comes next all the same.
 void CloseFormerFile() {
     if (!fileIsOpen) {
         return;
     }
     if (theHost != nullptr) {
-        theHost->ReleaseWorksheet();
+        platform::EventTrap::Run("a3PrepForms.UnloadCurrentWorksheet",
+                                 [] { theHost->ReleaseWorksheet(); });
     }
-    CloseDatafile();
+    platform::EventTrap::Run("PrepDatafile.CloseDatafile", CloseDatafile);
 }
 
 // It is tried after everything that the user does, and told again only when more waits than before.
@@ -236,6 +231,16 @@ void TellWhatOthersDid() {
     }
 }
 
+// In the costs folder. The user has agreed to replace a file of that name, whatever the case of its
+// letters.
+QString PathFor(const QString& fileName) {
+    const QString path = platform::JoinPath(u13Folders::CostsPath(), fileName);
+    const QStringList found = platform::Dir(path);
+    return found.isEmpty() || found.contains(fileName)
+               ? path
+               : platform::JoinPath(u13Folders::CostsPath(), found.first());
+}
+
 QWidget* Frame() {
     return theHost != nullptr ? theHost->Frame() : nullptr;
 }
@@ -270,8 +275,10 @@ std::int16_t QueryNewDatafile() {
                          platform::kNewLine + QStringLiteral("Source file FCD.new is missing."));
         return kFailed;
     }
-    if (!CopyTemplate(path)) {
-        platform::MsgBox(QStringLiteral("Unable to create new TARN Prep file."));
+    if (const auto failure = CopyTemplate(path)) {
+        platform::MsgOptions options;
+        options.informative = failure->Description();
+        platform::MsgBox(QStringLiteral("Unable to create new TARN Prep file."), options);
         return kFailed;
     }
     if (!OpenDatatables(path)) {
@@ -280,7 +287,7 @@ std::int16_t QueryNewDatafile() {
     try {
         PrepProperties::SetProperty(QStringLiteral("UnitName"), newUnitName);
     } catch (...) {
-        CloseQuietly();
+        GiveUp();
         throw;
     }
     return kOpened;
@@ -294,7 +301,7 @@ QString NewFileDialog() {
     }
     currentFileName = outcome.fileName;
     newUnitName = outcome.unitDescription;
-    return platform::JoinPath(u13Folders::CostsPath(), currentFileName);
+    return PathFor(currentFileName);
 }
 
 std::int16_t QueryOpenDatafile() {
@@ -310,7 +317,6 @@ std::int16_t QueryOpenDatafile() {
     }
     CloseFormerFile();
     if (OpenDatatables(path)) {
-        currentFileName = FileTitleFromPath(path);
         return kOpened;
     }
     if (theHost != nullptr) {
@@ -334,19 +340,21 @@ bool OpenDatatables(const QString& fileName) {
             return false;
         }
     } catch (const DamagedFile& damage) {
-        RefuseDatafile();
-        platform::MsgBox(QStringLiteral("The file is damaged: %1").arg(damage.Description()) +
-                         platform::kNewLine +
-                         QStringLiteral("The command  jetdoctor FILE --repair NEWFILE  makes a "
-                                        "sound copy of all that can be read."));
+        RefuseDatafile(QStringLiteral("The file is damaged: %1").arg(damage.Description()) +
+                       platform::kNewLine +
+                       QStringLiteral("The command  jetdoctor FILE --repair NEWFILE  makes a "
+                                      "sound copy of all that can be read."));
         return false;
     } catch (const platform::RuntimeError& error) {
-        RefuseDatafile();
-        TellIfNotTheFilesFault(error);
+        RefuseDatafile(error.Description());
+        LogIfNotTheFilesFault(error);
         return false;
+    } catch (...) {
+        GiveUp();
+        throw;
     }
     currentPath = fileName;
-    currentFileName = FileTitleFromPath(fileName);
+    currentFileName = platform::ShownPath(FileTitleFromPath(fileName));
     told = {};
     fileIsOpen = true;
     TellOfKeptLog();
@@ -382,6 +390,13 @@ void CloseDatafile() {
     PrepDatatables::CloseDatafile();
 }
 
+void GiveUp() {
+    ZoneKeys::ForgetLeftOver();
+    fileIsOpen = false;
+    platform::FirstError known;  // of a file that has failed already, it is no news
+    known.Try(PrepDatatables::CloseAll);
+}
+
 QString FileTitleFromPath(const QString& path) {
     // Both separators count: files and their paths travel between systems.
     const qsizetype last =
@@ -389,10 +404,13 @@ QString FileTitleFromPath(const QString& path) {
     return path.mid(last + 1);
 }
 
-void RefuseDatafile() {
-    CloseQuietly();
+void RefuseDatafile(const QString& reason) {
+    GiveUp();
+    platform::MsgOptions options;
+    options.informative = reason;
     platform::MsgBox(
-        QStringLiteral("The file does not appear to be a TARN Prep file.  It cannot be opened."));
+        QStringLiteral("The file does not appear to be a TARN Prep file.  It cannot be opened."),
+        options);
     u91Trace::Warning(QStringLiteral("PrepDatafile.OpenDatafile: Unsuccessful - unable to open"));
 }
 

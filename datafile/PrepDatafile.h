@@ -37,10 +37,12 @@ void Convert3to4();
 // Closes record sets and database. Throws when what was changed cannot be made durable; the file is
 // closed all the same, and the next opening brings the changes in.
 void CloseDatafile();
+// Closes what is open of a file that cannot be worked with; nobody is told.
+void GiveUp();
 // The part of a path after its last separator, of either kind.
 QString FileTitleFromPath(const QString& path);
-// Tells the user that the file cannot be opened, and closes whatever of it is open.
-void RefuseDatafile();
+// Tells the user in one box that the file cannot be opened, and why; closes whatever of it is open.
+void RefuseDatafile(const QString& reason);
 // Carries what was written so far through a power cut; nothing when no file is open.
 void MakeDurable();
 // Does beforehand what would make the first MakeDurable wait longer than the others.

@@ -94,8 +94,8 @@ bool OpenRecordsets() {
         for (const auto& [table, name] : kTables) {
             (*table)->SetIndex(FieldNames::kPrimaryKey);
         }
-    } catch (const platform::RuntimeError&) {
-        PrepDatafile::RefuseDatafile();
+    } catch (const platform::RuntimeError& error) {
+        PrepDatafile::RefuseDatafile(error.Description());
         return false;
     }
     if (dbDatafile->RecoveredOperations() > 0) {

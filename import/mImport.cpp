@@ -53,9 +53,12 @@ bool OpenBRAMTables(const QString& path) {
     try {
         bram = std::make_unique<BramFile>(path);
         return true;
-    } catch (const platform::RuntimeError&) {
+    } catch (const platform::RuntimeError& error) {
+        platform::MsgOptions options;
+        options.informative = error.Description();
         platform::MsgBox(QStringLiteral("The file does not appear to be a valid BRAM file.") +
-                         platform::kNewLine + QStringLiteral("It cannot be opened."));
+                             platform::kNewLine + QStringLiteral("It cannot be opened."),
+                         options);
         u91Trace::Warning(QStringLiteral("BRAM_OpenTables: Unsuccessful"));
         return false;
     }

@@ -5,6 +5,7 @@
 #include "datafile/DatafileHost.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
+#include "platform/FirstError.h"
 #include "platform/controls/vsIndexTab.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
@@ -36,6 +37,40 @@ public:
 void EnableMenus(bool enabled) {
     frm0_Prep::Loaded().EnableMenu(kWorksheetMenu, enabled);
     frm0_Prep::Loaded().EnableMenu(kEditMenu, enabled);
+}
+
+// No file is open, and the start screen fills the frame.
+void BackToStart() {
+    platform::FirstError known;  // the error that led here is the one to report
+    known.Try(a3PrepForms::UnloadForm);
+    known.Try(PrepDatafile::GiveUp);
+    known.Try(a1Prep::FCD_Restart);
+}
+
+// Shows the file that has just been opened. Where a step fails, the file is closed again: the
+// screen has two states and no third.
+void ShowOpenedFile(const QString& title = QString()) {
+    try {
+        a1Prep::LoadFromFile();
+        if (!title.isEmpty()) {
+            frm0_Prep::Loaded().SetTitleBar(title);
+        }
+    } catch (...) {
+        BackToStart();
+        throw;
+    }
+}
+
+// An error before the former file was closed leaves it and its worksheet as they are.
+std::int16_t Query(std::int16_t (*query)()) {
+    try {
+        return query();
+    } catch (...) {
+        if (!PrepDatafile::IsDatafileOpen()) {
+            BackToStart();
+        }
+        throw;
+    }
 }
 
 }  // namespace
@@ -79,7 +114,7 @@ void StartWithoutFile() {
 void StartWithFile(const QString& fileName) {
     u91Trace::Procedure(QStringLiteral("a1Prep.StartWithFile ") + fileName);
     if (PrepDatafile::OpenDatatables(fileName) && PrepDatatables::OpenRecordsets()) {
-        LoadFromFile();
+        ShowOpenedFile();
     }
 }
 
@@ -105,11 +140,10 @@ void FCD_Restart() {
 
 void NewDatafile() {
     u91Trace::Procedure(QStringLiteral("a1Prep.NewDatafile"));
-    switch (PrepDatafile::QueryNewDatafile()) {
+    switch (Query(PrepDatafile::QueryNewDatafile)) {
         case PrepDatafile::kOpened:
             if (PrepDatatables::OpenRecordsets()) {
-                LoadFromFile();
-                frm0_Prep::Loaded().SetTitleBar(QStringLiteral("New"));
+                ShowOpenedFile(QStringLiteral("New"));
             } else {
                 a3PrepForms::UnloadCurrentWorksheet();
             }
@@ -124,10 +158,10 @@ void NewDatafile() {
 
 void OpenDatafile() {
     u91Trace::Procedure(QStringLiteral("a1Prep.OpenDatafile"));
-    switch (PrepDatafile::QueryOpenDatafile()) {
+    switch (Query(PrepDatafile::QueryOpenDatafile)) {
         case PrepDatafile::kOpened:
             if (PrepDatatables::OpenRecordsets()) {
-                LoadFromFile();
+                ShowOpenedFile();
             } else {
                 a3PrepForms::UnloadCurrentWorksheet();
                 FCD_Restart();

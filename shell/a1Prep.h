@@ -17,7 +17,8 @@ enum class FirstSize { kAsItIs, kMaximised, kWorkingSize };
 void DisplayCheck(frm0_Prep& frame);
 
 void StartWithoutFile();
-// `fileName` is the whole command line, used unchanged as a path.
+// `fileName` is the whole command line, used unchanged as a path. Throws when the file opened but
+// cannot be shown; it is closed again then.
 void StartWithFile(const QString& fileName);
 // Shows a data file that has just been opened.
 void LoadFromFile();
@@ -25,7 +26,8 @@ void LoadFromFile();
 void FCD_Restart();
 
 // The commands New and Open. A failed Open has gone back to the start screen; a failed New only
-// lets go of the worksheet, and the menus stay as they were although the file is closed.
+// lets go of the worksheet, and the menus stay as they were although the file is closed. Whatever
+// is thrown after the former file was closed leaves the start screen and no file.
 void NewDatafile();
 void OpenDatafile();
 

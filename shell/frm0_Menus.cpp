@@ -122,9 +122,13 @@ void frm0_Prep::StepMenu_Check(std::int16_t index) {
 void frm0_Prep::mnuFile_Click(std::int16_t index) {
     u91Trace::Start(QStringLiteral("mnuFile_Click %1").arg(index));
     if (PrepDatafile::IsDatafileOpen()) {
-        a3PrepForms::UpdateCurrentWorksheet();
-        // A dialog follows, and while it waits for the user the file alone must be complete.
-        PrepDatafile::MakeDurable();
+        const QString question = tr("Do you want to go on without saving it?");
+        if (SaveOrAsk(question) == Leaving::kStay) {
+            return;
+        }
+        // A dialog follows, and while it waits for the user the file alone must be complete. Where
+        // it cannot be made so, another file can be chosen all the same.
+        platform::EventTrap::Run("PrepDatafile.MakeDurable", PrepDatafile::MakeDurable);
     }
     if (index == kNew) {
         a1Prep::NewDatafile();

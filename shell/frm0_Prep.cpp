@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QTimer>
+#include <optional>
 
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepProperties.h"
@@ -23,6 +24,7 @@
 #include "shell/frmTabs.h"
 #include "shell/u91Trace.h"
 
+using platform::EventTrap::Attempt;
 using platform::EventTrap::Run;
 using platform::EventTrap::Trapped;
 
@@ -39,10 +41,18 @@ QSize SizeOnSmallScreen(const QScreen* screen) {
     return screen == nullptr ? kWanted : kWanted.boundedTo(screen->availableSize() - kDecoration);
 }
 
-void LogFailedSave(const platform::RuntimeError& error) {
-    u91Trace::Error(
-        QStringLiteral("a3PrepForms.UpdateCurrentWorksheet: Error %1, ").arg(error.Number()) +
-        error.Description());
+// Saves the worksheet of the file that is open; what prevented it, with an entry in the logs.
+std::optional<platform::EventTrap::Report> FailureToSave() {
+    const auto failure = platform::EventTrap::Attempt("a3PrepForms.UpdateCurrentWorksheet",
+                                                      a3PrepForms::UpdateCurrentWorksheet);
+    if (failure) {
+        Attempt("u91Trace.Error", [&failure] {
+            u91Trace::Error(QStringLiteral("a3PrepForms.UpdateCurrentWorksheet: Error %1, ")
+                                .arg(failure->number) +
+                            failure->description);
+        });
+    }
+    return failure;
 }
 
 }  // namespace
@@ -86,14 +96,12 @@ frm0_Prep& frm0_Prep::Loaded() {
 
 void frm0_Prep::MDIForm_Load() {
     int lastError = 0;
-    const auto step = [&lastError](const auto& body) {
-        try {
-            body();
-        } catch (const platform::RuntimeError& error) {
-            lastError = error.Number();
-        } catch (const std::bad_alloc&) {
-            lastError = platform::kOutOfMemory;
+    const auto step = [&lastError](const std::function<void()>& body) {
+        const auto failure = Attempt("frm0_Prep.MDIForm_Load", body);
+        if (failure) {
+            lastError = failure->number;
         }
+        return failure;
     };
     u91Trace::SetTolerant(true);
     a1Prep::ConnectDatafile();
@@ -101,15 +109,19 @@ void frm0_Prep::MDIForm_Load() {
     step([this] { a1Prep::DisplayCheck(*this); });
     show();
     step([] { platform::HelpViewer::SetHelpFile(HelpFilePath()); });
-    step([this] {
-        if (commandLine_.isEmpty()) {
-            a1Prep::StartWithoutFile();
-        } else {
-            a1Prep::StartWithFile(commandLine_);
-        }
-    });
-    if (lastError != 0) {
-        step([&] { u91Trace::Error(QStringLiteral("Error during startup %1").arg(lastError)); });
+    if (commandLine_.isEmpty()) {
+        step(a1Prep::StartWithoutFile);
+    } else if (const auto failure = step([this] { a1Prep::StartWithFile(commandLine_); })) {
+        step([&failure] {
+            platform::MsgOptions options;
+            options.informative = failure->description;
+            platform::MsgBox(tr("The file was opened, but it cannot be shown."), options);
+        });
+    }
+    // A log that cannot be written has stopped none of the steps, and yet it was an error.
+    const int number = lastError != 0 ? lastError : u91Trace::PassedOverNumber();
+    if (number != 0) {
+        step([number] { u91Trace::Error(QStringLiteral("Error during startup %1").arg(number)); });
     }
     step([] { u91Trace::Finished(QStringLiteral("Loading TARN Prep")); });
     TellOfLogFailure();
@@ -134,7 +146,7 @@ void frm0_Prep::SetTitleBar(const QString& fileName) {
 }
 
 QString frm0_Prep::HelpFilePath() {
-    return platform::JoinPath(platform::ProgramFolder(), QStringLiteral("TARNPlus.hlp"));
+    return platform::FindFile(platform::ProgramFolder(), QStringLiteral("TARNPlus.hlp"));
 }
 
 void frm0_Prep::Maximise() {
@@ -215,12 +227,8 @@ void frm0_Prep::EndAtOnce() {
     if (isUnloaded_) {
         return;
     }
-    try {
-        if (PrepDatafile::IsDatafileOpen()) {
-            a3PrepForms::UpdateCurrentWorksheet();
-        }
-    } catch (const platform::RuntimeError& error) {
-        LogFailedSave(error);
+    if (PrepDatafile::IsDatafileOpen()) {
+        (void)FailureToSave();
     }
     // Saved, or beyond saving: there is nobody to ask. A handler that waits for a dialog must come
     // to its end before its form may go.
@@ -256,11 +264,11 @@ void frm0_Prep::resizeEvent(QResizeEvent* event) {
 void frm0_Prep::closeEvent(QCloseEvent* event) {
     bool leave = true;
     if (!isUnloaded_) {
-        Run("frm0_Prep.MDIForm_Unload", [&] { leave = MDIForm_Unload(); });
+        Run("frm0_Prep.MDIForm_Unload", [this, &leave] { leave = MDIForm_Unload(); });
     }
     event->setAccepted(leave);
     if (leave) {
-        emit Unloaded();
+        Run("frm0_Prep.Unloaded", [this] { emit Unloaded(); });
     }
 }
 
@@ -283,23 +291,26 @@ bool frm0_Prep::eventFilter(QObject* watched, QEvent* event) {
     return true;
 }
 
-bool frm0_Prep::SaveBeforeLeaving() {
-    try {
-        a3PrepForms::UpdateCurrentWorksheet();
-        return true;
-    } catch (const platform::RuntimeError& error) {
-        LogFailedSave(error);
-        platform::MsgOptions options;
-        options.icon = platform::MsgIcon::kStop;
-        options.buttons = platform::MsgButtons::kYesNo;
-        options.secondIsDefault = true;
-        leavesUnsaved_ =
-            platform::MsgBox(tr("The worksheet could not be saved.") + platform::kNewLine +
-                                 error.Description() + platform::kNewLine +
-                                 tr("Do you want to leave the program without saving it?"),
-                             options) == platform::MsgAnswer::kYes;
-        return leavesUnsaved_;
+frm0_Prep::Leaving frm0_Prep::SaveOrAsk(const QString& question) {
+    const auto failure = FailureToSave();
+    if (!failure) {
+        return Leaving::kSaved;
     }
+    platform::MsgOptions options;
+    options.icon = platform::MsgIcon::kStop;
+    options.buttons = platform::MsgButtons::kYesNo;
+    options.secondIsDefault = true;
+    return platform::MsgBox(tr("The worksheet could not be saved.") + platform::kNewLine +
+                                failure->description + platform::kNewLine + question,
+                            options) == platform::MsgAnswer::kYes
+               ? Leaving::kUnsaved
+               : Leaving::kStay;
+}
+
+bool frm0_Prep::SaveBeforeLeaving() {
+    const Leaving leaving = SaveOrAsk(tr("Do you want to leave the program without saving it?"));
+    leavesUnsaved_ = leaving == Leaving::kUnsaved;
+    return leaving != Leaving::kStay;
 }
 
 bool frm0_Prep::MDIForm_Unload() {

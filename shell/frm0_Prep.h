@@ -91,6 +91,9 @@ private:
     void mnuHelp_Click(std::int16_t index);
     void RememberControl(QWidget* control);
     [[nodiscard]] QWidget* ActiveControl() const;
+    // Saves the worksheet; where that fails, asks whether it may be left unsaved.
+    enum class Leaving { kSaved, kUnsaved, kStay };
+    Leaving SaveOrAsk(const QString& question);
     // False when the worksheet could not be saved and the user wants to stay.
     bool SaveBeforeLeaving();
     bool MDIForm_Unload();

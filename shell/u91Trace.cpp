@@ -15,6 +15,7 @@ using platform::TextMode;
 
 bool isTolerant = false;
 QString passedOverFailure;
+int passedOverNumber = 0;
 
 QString Date() {
     return QDate::currentDate().toString(QStringLiteral("MM/dd/yyyy"));
@@ -41,6 +42,7 @@ void Write(const QString& file, TextMode mode, const QStringList& lines) {
         }
         if (passedOverFailure.isEmpty()) {
             passedOverFailure = error.Description();
+            passedOverNumber = error.Number();
         }
     }
 }
@@ -102,10 +104,15 @@ void Error(const QString& text) {
 void SetTolerant(bool tolerant) {
     isTolerant = tolerant;
     passedOverFailure.clear();
+    passedOverNumber = 0;
 }
 
 QString PassedOverFailure() {
     return passedOverFailure;
+}
+
+int PassedOverNumber() {
+    return passedOverNumber;
 }
 
 }  // namespace u91Trace

@@ -21,7 +21,8 @@ void Warning(const QString& text);     // blank line, "hh:mm:ss  Warning! text",
 void Error(const QString& text);       // a block in each log
 
 void SetTolerant(bool tolerant);
-// Description of the first failure that was passed over; empty when there was none.
+// Description of the first failure that was passed over, empty when there was none; its number.
 QString PassedOverFailure();
+int PassedOverNumber();
 
 }  // namespace u91Trace

@@ -7,12 +7,14 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <filesystem>
 #include <memory>
 
 #include "data_file_fixture.h"
 #include "datafile/PrepProperties.h"
 #include "datafile/ZoneKeys.h"
 #include "datafile/frmFCDName.h"
+#include "platform/system/NativePath.h"
 #include "support/Answers.h"
 #include "support/Corpus.h"
 
@@ -140,6 +142,7 @@ TEST_F(LifeTest, OpenDatatables_FileInUse_IsRefused) {
     const support::Answers answers;
     EXPECT_FALSE(PrepDatafile::OpenDatatables(path));
     EXPECT_EQ(answers.Texts(), QStringList(kNotPrepFile));
+    EXPECT_TRUE(answers.Messages().front().informative.contains(QStringLiteral("in use")));
     other->Close();
     EXPECT_TRUE(PrepDatafile::OpenDatatables(path));
 }
@@ -180,10 +183,10 @@ TEST_F(LifeTest, OpenDatatables_DamagedFile_IsRefusedUntouchedAndSaysWhatToDo) {
     const QByteArray before = support::Bytes(path);
     const support::Answers answers;
     EXPECT_FALSE(PrepDatafile::OpenDatatables(path));
-    ASSERT_EQ(answers.Texts().size(), 2);
-    EXPECT_EQ(answers.Texts().first(), kNotPrepFile);
-    EXPECT_TRUE(answers.Texts().last().startsWith(QStringLiteral("The file is damaged: ")));
-    EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("jetdoctor FILE --repair NEWFILE")));
+    ASSERT_EQ(answers.Texts(), QStringList(kNotPrepFile));
+    const QString reason = answers.Messages().front().informative;
+    EXPECT_TRUE(reason.startsWith(QStringLiteral("The file is damaged: ")));
+    EXPECT_TRUE(reason.contains(QStringLiteral("jetdoctor FILE --repair NEWFILE")));
     EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
     EXPECT_EQ(support::Bytes(path), before);
 }
@@ -282,6 +285,7 @@ TEST_F(LifeTest, QueryNewDatafile_TargetInUseElsewhere_IsRefusedAndTheOtherKeeps
     answers.Then([](QWidget& dialog) { NameUnit(dialog, QStringLiteral("GPF")); });
     EXPECT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kFailed);
     EXPECT_EQ(answers.Texts().last(), QStringLiteral("Unable to create new TARN Prep file."));
+    EXPECT_TRUE(answers.Messages().back().informative.contains(QStringLiteral("in use")));
     other->Close();
     EXPECT_EQ(support::Bytes(path), support::Bytes(folder_.Path(QStringLiteral("FCD.new"))));
 }
@@ -444,6 +448,51 @@ TEST_F(LifeTest, MakeDurable_OnceTheTablesAreClosed_DoesNothing) {
     PrepDatatables::CloseDatafile();
     PrepDatafile::MakeDurable();
     EXPECT_FALSE(PrepDatatables::dbDatafile);
+}
+
+// Its reason stands in the box that says that it cannot be opened; there is no second one.
+TEST_F(LifeTest, OpenDatatables_ReadOnlyFile_IsRefusedInOneBox) {
+    const QString path = NewFile();
+    QFile::setPermissions(path, QFile::ReadOwner);
+    if (QFile(path).open(QIODevice::ReadWrite)) {
+        GTEST_SKIP() << "this user may write into every file";
+    }
+    const support::Answers answers;
+    EXPECT_FALSE(PrepDatafile::OpenDatatables(path));
+    EXPECT_EQ(answers.Texts(), QStringList(kNotPrepFile));
+    EXPECT_FALSE(answers.Messages().front().informative.isEmpty());
+}
+
+TEST_F(LifeTest, QueryNewDatafile_YesToAFileOfOtherCase_ReplacesThatFile) {
+    const QString year = QDate::currentDate().toString(QStringLiteral("yy"));
+    const QString found = QStringLiteral("gpfwa%1.fcd").arg(year);
+    OpenFile(NewFile(found));
+    PrepProperties::SetProperty(QStringLiteral("SRDataSource"), QStringLiteral("former"));
+    PrepDatafile::CloseDatafile();
+    support::Answers answers({QMessageBox::Yes});
+    answers.Then([](QWidget& dialog) { NameUnit(dialog, QStringLiteral("GPF")); });
+    ASSERT_EQ(PrepDatafile::QueryNewDatafile(), PrepDatafile::kOpened);
+    EXPECT_EQ(answers.Messages().front().title, QStringLiteral("Replace file?"));
+    EXPECT_EQ(PrepDatafile::CurrentPath(), folder_.CostsPath(found));
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("SRDataSource")), QString());
+    PrepDatafile::CloseDatafile();
+    EXPECT_EQ(QDir(folder_.Path(QStringLiteral("Costs"))).entryList(QDir::Files),
+              QStringList(found))
+        << "there is no second file beside it";
+}
+
+TEST_F(LifeTest, OpenDatatables_NameThatIsNoUtf8_IsOpenedAndShown) {
+    const QString path = platform::FromNativePath(QFile::encodeName(folder_.CostsPath("Monta")) +
+                                                  "\xF1"
+                                                  "a.fcd");
+    std::filesystem::copy_file(platform::ToNativePath(folder_.Path(QStringLiteral("FCD.new"))),
+                               platform::ToNativePath(path));
+    OpenFile(path);
+    PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("North"));
+    EXPECT_EQ(PrepDatafile::CurrentFileName(), QStringLiteral("Montaña.fcd"));
+    PrepDatafile::CloseDatafile();
+    OpenFile(path);
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("UnitName")), QStringLiteral("North"));
 }
 
 }  // namespace

@@ -103,6 +103,12 @@ protected:
         return Get(QStringLiteral("pnlOverview")).isVisible() &&
                Get(QStringLiteral("pnlButtons")).isVisible();
     }
+    // One of the two states of the interface, entirely: no file is open.
+    [[nodiscard]] bool NoFileState() const {
+        return StartScreenShows() && !PrepDatafile::IsDatafileOpen() && ShownForm().isEmpty() &&
+               Find(QStringLiteral("frmTabs")) == nullptr && !MenuEnabled(2) && !MenuEnabled(3) &&
+               frame_->windowTitle() == QStringLiteral("TARN Prep");
+    }
     // What the log holds beyond what it held when this was called last.
     QStringList NewTrace() {
         const QStringList all = folder_.Trace();

@@ -419,6 +419,34 @@ TEST_F(RunningProgram, LogCannotBeWritten_EverythingElseGoesOn) {
     EXPECT_EQ(zones->RecordCount(), 1);
 }
 
+// Somebody whose disk is full has another file on another one.
+TEST_F(RunningProgram, WorksheetThatCannotBeSaved_CanBeLeftForAnotherFileAfterAQuestion) {
+    const QString other = NewFile(QStringLiteral("Other.mdb"));
+    RunWithFile();
+    ClickTab(4);
+    Click(QStringLiteral("cmdAdd"));
+    QTest::keyClicks(&Get(QStringLiteral("grdFMZs")), QStringLiteral("North"));
+    SwitchOn("Unit.fcd", {"FullDisk", Mode::kForGood, tarn_faults::kAllChanges, ENOSPC});
+    {
+        const support::Answers no;
+        Choose(QStringLiteral("mnuFile_2"));
+        ASSERT_GE(no.Texts().size(), 1);
+        EXPECT_TRUE(
+            no.Texts().front().startsWith(QStringLiteral("The worksheet could not be "
+                                                         "saved.")));
+        EXPECT_TRUE(no.Texts().front().endsWith(QStringLiteral("go on without saving it?")));
+        EXPECT_EQ(no.Messages().front().defaultButton, QMessageBox::No);
+        EXPECT_EQ(ShownForm(), QStringLiteral("frm4FMZs"));
+        EXPECT_TRUE(PrepDatafile::IsDatafileOpen());
+    }
+    support::Answers yes({QMessageBox::Yes, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok});
+    yes.Then([other](QWidget& dialog) { ChooseFile(dialog, other); });
+    Choose(QStringLiteral("mnuFile_2"));
+    SwitchOff();
+    EXPECT_EQ(PrepDatafile::CurrentFileName(), QStringLiteral("Other.mdb")) << Text(yes.Texts());
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+}
+
 }  // namespace
 
 #endif

@@ -2,8 +2,8 @@
 
 #include <QFileDialog>
 
+#include "MadeFiles.h"
 #include "RunningProgram.h"
-#include "jet/database.h"
 #include "platform/dao/Database.h"
 #include "platform/dao/Recordset.h"
 
@@ -231,6 +231,56 @@ TEST_F(Files, HiddenButtons_SpaceAfterNew_DoNotFire) {
     NewTrace();
     Press(Qt::Key_Space);
     EXPECT_EQ(Text(NewTrace()), Text(QStringList()));
+}
+
+// Its title needs the unit's name, which cannot be added to it.
+TEST_F(Files, Open_FileThatCannotBeShown_IsClosedAndTheStartScreenIsBack) {
+    RunWithFile();
+    ClickTab(4);
+    const QString full = folder_.CostsPath(QStringLiteral("full.fcd"));
+    MakeFileWithFullProperties(full);
+    Open(full);
+    EXPECT_EQ(messages_.size(), 1) << Text(messages_);
+    EXPECT_TRUE(NoFileState());
+    const QString next = NewFile(QStringLiteral("Next.fcd"));
+    Open(next);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+}
+
+TEST_F(Files, New_UnitNameCannotBeStored_LeavesTheStartScreen) {
+    RunWithFile();
+    ClickTab(4);
+    ASSERT_TRUE(QFile::remove(folder_.Path(QStringLiteral("FCD.new"))));
+    MakeFileWithFullProperties(folder_.Path(QStringLiteral("FCD.new")));
+    New();
+    EXPECT_EQ(messages_.size(), 1) << Text(messages_);
+    EXPECT_TRUE(NoFileState());
+}
+
+TEST_F(Files, New_Failed_TheCurrentTabAnswersToo) {
+    RunWithFile();
+    ClickTab(4);
+    ASSERT_TRUE(QFile::remove(folder_.Path(QStringLiteral("FCD.new"))));
+    New();
+    ASSERT_EQ(ShownForm(), QString());
+    ASSERT_EQ(Tab().CurrTab(), 4);
+    {
+        const support::Answers answers;
+        ClickTab(4);
+        ASSERT_EQ(answers.Texts().size(), 1);
+        EXPECT_TRUE(answers.Texts().front().startsWith(QStringLiteral("No data file is open.")));
+    }
+    {
+        const support::Answers answers;
+        Tab().setFocus();
+        QTest::keyClick(&Tab(), Qt::Key_Space);
+        EXPECT_EQ(answers.Texts().size(), 1);
+    }
+    ClickTab(1);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
+    NewTrace();
+    ClickTab(1);
+    EXPECT_EQ(Text(NewTrace()), "") << "a worksheet that shows is not set up anew";
 }
 
 }  // namespace

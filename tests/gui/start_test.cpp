@@ -6,10 +6,9 @@
 
 #include <algorithm>
 
+#include "MadeFiles.h"
 #include "RunningProgram.h"
 #include "datafile/PrepProperties.h"
-#include "jet/database.h"
-#include "jet/recordset.h"
 #include "platform/controls/FLabel.h"
 #include "shell/u91Trace.h"
 #include "support/Keyboard.h"
@@ -17,30 +16,6 @@
 namespace {
 
 class Start : public RunningProgram {};
-
-// A data file that opens but takes no further property, so that its unit name cannot be added.
-void MakeFileWithFullProperties(const QString& path) {
-    const auto file = jet::Database::Create(path.toStdU16String(), jet::Version::kJet4);
-    const jet::IndexSchema onKey{"PrimaryKey", {{"Key"}}, true, true};
-    for (const char* name : {"ManagementGoals", "FMZList", "SuppressionPerAcreCost", "SRMasterList",
-                             "NVCResources", "NVCPerAcre"}) {
-        file->CreateTable({name, {{"Key", jet::ColumnType::kLong}}, {onKey}});
-    }
-    jet::ColumnSchema filled{"Filled", jet::ColumnType::kLong};
-    filled.required = true;
-    file->CreateTable(
-        {"Properties",
-         {{"Property", jet::ColumnType::kText, 50}, {"Value", jet::ColumnType::kText, 255}, filled},
-         {{"PrimaryKey", {{"Property"}}, true, true},
-          {"Filled", {{"Filled"}}, false, false, false, true}}});
-    const auto rows = file->OpenTable("Properties");
-    rows->AddNew();
-    rows->Set("Property", u"DataFormatID");
-    rows->Set("Value", u"4.01.01");
-    rows->Set("Filled", 1);
-    rows->Update();
-    file->Close();
-}
 
 TEST_F(Start, NoCommandLine_FillsTheFrameWithTheStartScreen) {
     Run();
@@ -130,6 +105,7 @@ TEST_F(Start, CommandLineInQuotes_FailsToOpenWithItsQuotes) {
 TEST_F(Start, ErrorInAStep_EveryOtherStepRunsAndTheNumberIsLogged) {
     const QString path = folder_.CostsPath(QStringLiteral("full.fcd"));
     MakeFileWithFullProperties(path);
+    const support::Answers answers;
     Run(path);
     const QStringList trace = NewTrace();
     const qsizetype error = trace.indexOf(QStringLiteral("* * * ERROR * * *"));
@@ -139,6 +115,28 @@ TEST_F(Start, ErrorInAStep_EveryOtherStepRunsAndTheNumberIsLogged) {
     EXPECT_TRUE(support::Bytes(folder_.Path(QStringLiteral("ERROR.LOG")))
                     .contains("Error during startup 3"));
     EXPECT_TRUE(frame_->isVisible());
+    ASSERT_EQ(answers.Texts(),
+              QStringList(QStringLiteral("The file was opened, but it cannot be shown.")));
+    EXPECT_FALSE(answers.Messages().front().informative.isEmpty());
+    EXPECT_TRUE(NoFileState());
+}
+
+TEST_F(Start, TraceCannotBeWritten_TheErrorLogHasTheNumber) {
+    // A folder of that name: nothing can be written into it.
+    ASSERT_TRUE(QDir(folder_.Path(QString())).mkdir(QStringLiteral("TARN.LOG")));
+    const support::Answers answers;
+    Run();
+    EXPECT_TRUE(support::Bytes(folder_.Path(QStringLiteral("ERROR.LOG")))
+                    .contains("Error during startup 75\r\n"));
+    EXPECT_EQ(answers.Texts().size(), 1) << "told once that there is no log";
+    EXPECT_TRUE(NoFileState());
+}
+
+TEST_F(Start, HelpFile_IsFoundWhateverTheCaseOfItsName) {
+    support::WriteBytes(folder_.Path(QStringLiteral("tarnplus.HLP")), "x");
+    EXPECT_EQ(frm0_Prep::HelpFilePath(), folder_.Path(QStringLiteral("tarnplus.HLP")));
+    support::WriteBytes(folder_.Path(QStringLiteral("TARNPlus.hlp")), "x");
+    EXPECT_EQ(frm0_Prep::HelpFilePath(), folder_.Path(QStringLiteral("TARNPlus.hlp")));
 }
 
 TEST_F(Start, IntroductionTexts_AreShownWithTheirMarks) {
