@@ -6,7 +6,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 FOLDERS = ["jet", "platform", "shell", "datafile", "worksheets", "import", "tools", "tests",
-           "season", "fuzz", "bench"]
+           "season", "review", "fuzz", "bench"]
 CODE = {".h", ".cpp"}
 
 

@@ -1,0 +1,85 @@
+// fcdtool check: what seems wrong in data files.
+#include <optional>
+#include <set>
+
+#include "review/check.h"
+#include "season/data_file.h"
+#include "tools/fcdtool/command.h"
+#include "tools/fcdtool/files.h"
+#include "tools/fcdtool/output.h"
+
+namespace fcdtool {
+
+namespace {
+
+std::set<std::string> IgnoredRules(const std::string& list) {
+    std::set<std::string> ignored;
+    for (std::size_t begin = 0; begin < list.size();) {
+        const std::size_t comma = std::min(list.find(',', begin), list.size());
+        const std::string name = list.substr(begin, comma - begin);
+        if (!review::IsRule(name)) {
+            throw UsageError("There is no rule " + name + ".");
+        }
+        ignored.insert(name);
+        begin = comma + 1;
+    }
+    return ignored;
+}
+
+// Says what was found; whether there was anything.
+bool SayFindings(const std::string& file, const std::vector<review::Finding>& findings,
+                 bool asJson) {
+    for (const review::Finding& finding : findings) {
+        Say(asJson ? review::JsonOf(finding, file) : file + ": " + review::LineOf(finding));
+    }
+    return !findings.empty();
+}
+
+int RunCheck(const Arguments& arguments) {
+    if (arguments.Rest().empty()) {
+        throw UsageError("This command takes one data file or several.");
+    }
+    const std::set<std::string> ignored = IgnoredRules(arguments.Value("--ignore"));
+    std::optional<season::Season> previous;
+    if (arguments.Has("--previous")) {
+        previous = ReadFile(arguments.Required("--previous"));
+    }
+    bool anything = false;
+    std::size_t read = 0;
+    Progress progress(arguments.Rest().size(), "files");
+    for (const std::string& file : arguments.Rest()) {
+        try {
+            const season::Season season = season::Read(PathOf(file));
+            const review::Subject subject{season, previous ? &*previous : nullptr, nullptr};
+            anything |= SayFindings(file, review::Check(subject, ignored), arguments.Has("--json"));
+            progress.Step(CountRows(season));
+            ++read;
+        } catch (const season::Refused& refused) {
+            Tell(file + ": " + refused.what());
+            anything = true;
+        }
+    }
+    if (read == 0) {
+        return kFailed;
+    }
+    return anything ? kSomething : kNothing;
+}
+
+}  // namespace
+
+const Command& CheckCommand() {
+    static const Command command{
+        "check",
+        "FILE... [--json] [--previous OLD] [--ignore RULE,...]",
+        "Finds what seems wrong or missing in data files.",
+        "One line for each finding: FILE: severity: RULE: sentence. A file that cannot be read is\n"
+        "named with the reason, and the others go on.\n\n"
+        "  --json            one JSON object a line\n"
+        "  --previous OLD    also names zones whose figures are those of last year's file\n"
+        "  --ignore RULE,... leaves these rules out",
+        {{"--json"}, {"--previous", true}, {"--ignore", true}},
+        RunCheck};
+    return command;
+}
+
+}  // namespace fcdtool

@@ -1,0 +1,9 @@
+#include "tools/fcdtool/command.h"
+
+namespace fcdtool {
+
+std::vector<const Command*> Commands() {
+    return {&CheckCommand()};
+}
+
+}  // namespace fcdtool
