@@ -16,15 +16,55 @@
 
 namespace jet {
 
-OpenFile::OpenFile(std::unique_ptr<Pager> pager, const Recovery& recovery)
-    : pager_(std::move(pager)), catalog_(std::make_unique<Catalog>(*pager_)), recovery_(recovery) {}
+OpenFile::OpenFile(std::unique_ptr<Pager> pager, const Recovery& recovery, Logger logger)
+    : pager_(std::move(pager)),
+      catalog_(std::make_unique<Catalog>(*pager_)),
+      recovery_(recovery),
+      logger_(std::move(logger)) {}
 
 OpenFile::~OpenFile() = default;
 
 void OpenFile::Close() {
     if (closed_) return;
     closed_ = true;
-    pager_->Close();
+    LogFailure("The file could not be closed properly: ", [this] { pager_->Close(); });
+}
+
+void OpenFile::MakeDurable() {
+    LogFailure("The changes could not be made durable: ", [this] { pager_->MakeDurable(); });
+}
+
+void OpenFile::Log(LogLevel level, std::string_view what, std::string_view detail) const noexcept {
+    if (!logger_) return;
+    try {
+        logger_(level, std::string(what).append(detail));
+    } catch (...) {
+        // A logger that fails must not fail what it was to report.
+    }
+}
+
+void OpenFile::LogFailure(std::string_view what, const std::function<void()>& work) const {
+    try {
+        work();
+    } catch (const Error& error) {
+        Log(LogLevel::kError, what, error.what());
+        throw;
+    }
+}
+
+void OpenFile::LogRecovery() const {
+    if (!logger_) return;
+    if (recovery_.applied) {
+        Log(LogLevel::kInfo,
+            "An interrupted run was recovered. Operations: ", std::to_string(recovery_.operations));
+    }
+    if (recovery_.foreignLogIgnored) {
+        Log(LogLevel::kWarning, "A log that does not belong to the file was ignored.");
+    }
+    if (!recovery_.keptLog.empty()) {
+        const std::u8string name = recovery_.keptLog.filename().u8string();
+        Log(LogLevel::kWarning, "It was kept as ", std::string(name.begin(), name.end()));
+    }
 }
 
 void OpenFile::ThrowClosed() {
@@ -47,15 +87,23 @@ std::unique_ptr<Database> Database::Open(const std::filesystem::path& path,
                                          const OpenOptions& options, FileSystem& files) try {
     Recovery recovery;
     std::unique_ptr<Pager> pager = Pager::Open(files, path, options, recovery);
-    auto file = std::make_shared<OpenFile>(std::move(pager), recovery);
+    auto file = std::make_shared<OpenFile>(std::move(pager), recovery, options.logger);
+    file->LogRecovery();
     return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
 } catch (const std::bad_alloc&) {
     ThrowOutOfMemory();
 }
 
 std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Version version,
-                                           FileSystem& files) try {
-    std::unique_ptr<Pager> pager = Pager::Create(files, path, version);
+                                           FileSystem& files) {
+    return Create(path, version, OpenOptions{}, files);
+}
+
+std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Version version,
+                                           const OpenOptions& options, FileSystem& files) try {
+    OpenOptions forWriting = options;
+    forWriting.readOnly = false;
+    std::unique_ptr<Pager> pager = Pager::Create(files, path, version, forWriting);
     try {
         {
             Operation operation(*pager);
@@ -63,7 +111,7 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Ve
             operation.Commit();
         }
         pager->MakeDurable();
-        auto file = std::make_shared<OpenFile>(std::move(pager), Recovery{});
+        auto file = std::make_shared<OpenFile>(std::move(pager), Recovery{}, options.logger);
         return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
     } catch (...) {
         if (pager) pager->Abandon();
@@ -97,7 +145,7 @@ void Database::Close() try { impl_->file->Close(); } catch (const std::bad_alloc
 
 void Database::MakeDurable() try {
     impl_->file->RequireOpen();
-    impl_->file->Pages().MakeDurable();
+    impl_->file->MakeDurable();
 } catch (const std::bad_alloc&) {
     ThrowOutOfMemory();
 }

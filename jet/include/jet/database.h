@@ -23,17 +23,12 @@
 
 #include "jet/error.h"
 #include "jet/file.h"
+#include "jet/options.h"
 #include "jet/schema.h"
 
 namespace jet {
 
 class Recordset;
-
-struct OpenOptions {
-    bool exclusive = true;
-    // Never writes, not even the recovery of a log: such a file is then refused with kReadOnly.
-    bool readOnly = false;
-};
 
 // What opening found to do before the file could be used.
 struct Recovery {
@@ -55,6 +50,10 @@ public:
     // Makes an empty database; when it cannot, no file is left. Errors: kAlreadyExists,
     // kFileNotFound (the folder), kPermissionDenied, kReadOnly, kDiskFull, kIo.
     static std::unique_ptr<Database> Create(const std::filesystem::path& path, Version version,
+                                            FileSystem& files = HostFileSystem());
+    // The same with options; the new file is always held alone and for writing.
+    static std::unique_ptr<Database> Create(const std::filesystem::path& path, Version version,
+                                            const OpenOptions& options,
                                             FileSystem& files = HostFileSystem());
 
     // Removes the log beside a file that is not open: for one that has just been copied over

@@ -13,10 +13,8 @@ namespace jet {
 
 namespace {
 
-constexpr std::size_t kCacheBytes = 24U << 20;
-// When this much has changed, or been logged, MakeDurable is due.
-constexpr std::size_t kMostDirtyBytes = 64U << 20;
-constexpr std::uint64_t kLargestLog = 256U << 20;
+// The fewest pages that a cache is worth having for.
+constexpr std::size_t kSmallestCache = 32;
 constexpr std::uint32_t kReadAheadPages = 16;
 // Neighbouring pages go to the file in pieces of this size.
 constexpr std::size_t kWriteBytes = 256U << 10;
@@ -24,13 +22,17 @@ constexpr std::size_t kWriteBytes = 256U << 10;
 }  // namespace
 
 Pager::Impl::Impl(FileSystem& fileSystem, std::filesystem::path filePath,
-                  std::unique_ptr<File> openFile, const Format& fileFormat, bool isReadOnly)
+                  std::unique_ptr<File> openFile, const Format& fileFormat,
+                  const OpenOptions& options)
     : files(fileSystem),
       path(std::move(filePath)),
       file(std::move(openFile)),
       format(fileFormat),
-      readOnly(isReadOnly),
-      cache_(fileFormat.pageSize, kCacheBytes / fileFormat.pageSize),
+      readOnly(options.readOnly),
+      mostChangedBytes_(options.changedBytes),
+      largestLog_(options.logBytes),
+      cache_(fileFormat.pageSize,
+             std::max(kSmallestCache, options.cacheBytes / fileFormat.pageSize)),
       journal_(fileSystem, LogPath(path), fileFormat.pageSize) {}
 
 void Pager::Impl::Start(std::uint32_t pages, std::uint16_t commitCounter) {
@@ -107,7 +109,7 @@ void Pager::Impl::Begin() {
     if (!file) throw Error(ErrorKind::kClosed, "The database is closed.");
     if (readOnly) throw Error(ErrorKind::kReadOnly, "The file is open for reading only.");
     if (inOperation_) throw std::logic_error("operations do not nest");
-    if (dirtyCount_ * format.pageSize > kMostDirtyBytes || journal_.Size() > kLargestLog) {
+    if (dirtyCount_ * format.pageSize > mostChangedBytes_ || journal_.Size() > largestLog_) {
         MakeDurable();
     }
     inOperation_ = true;

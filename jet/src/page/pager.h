@@ -85,7 +85,7 @@ public:
     // Makes a file of two pages, the header and the global maps; the caller adds the system tables
     // from page 2 on. Nothing is in the file before MakeDurable.
     static std::unique_ptr<Pager> Create(FileSystem& files, const std::filesystem::path& path,
-                                         Version version);
+                                         Version version, const OpenOptions& options = {});
 
     explicit Pager(std::unique_ptr<Impl> impl);
     ~Pager();  // closes; errors are lost

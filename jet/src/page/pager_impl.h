@@ -14,7 +14,7 @@ namespace jet {
 class Pager::Impl {
 public:
     Impl(FileSystem& files, std::filesystem::path path, std::unique_ptr<File> file,
-         const Format& format, bool readOnly);
+         const Format& format, const OpenOptions& options);
 
     // Takes the file as it is on the disk.
     void Start(std::uint32_t pages, std::uint16_t commitCounter);
@@ -77,6 +77,8 @@ private:
     void WritePages(std::span<Frame* const> pages);
     void WriteRun(std::span<Frame* const> run);
 
+    std::size_t mostChangedBytes_;
+    std::uint64_t largestLog_;
     FrameCache cache_;
     std::uint32_t nextInRow_ = 0;  // the page that reading in file order would ask for next
     std::vector<std::byte> readBuffer_;

@@ -170,7 +170,7 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
                     "The file was not closed properly; it must be opened for writing once.");
     }
 
-    auto impl = std::make_unique<Impl>(files, resolved, std::move(file), format, options.readOnly);
+    auto impl = std::make_unique<Impl>(files, resolved, std::move(file), format, options);
     impl->header = header;
     impl->Start(static_cast<std::uint32_t>(size / format.pageSize), counter);
     if (!options.readOnly) {
@@ -192,7 +192,7 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
 }
 
 std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::path& path,
-                                     Version version) {
+                                     Version version, const OpenOptions& options) {
     auto file = files.Open(path, OpenMode::kCreateNew);
     std::unique_ptr<Pager> pager;
     try {
@@ -201,7 +201,7 @@ std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::p
         const Format& format = FormatOf(version);
         if (files.Exists(LogPath(resolved))) SetAside(files, LogPath(resolved));
         pager = std::make_unique<Pager>(
-            std::make_unique<Impl>(files, resolved, std::move(file), format, false));
+            std::make_unique<Impl>(files, resolved, std::move(file), format, options));
         pager->impl_->Log().Prepare();
         pager->StartFile(version);
     } catch (...) {

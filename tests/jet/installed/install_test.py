@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Configures, builds and installs the engine alone, and builds the program at the end of its README
+against the installed copy, with flags of its own: with CMake and with pkg-config."""
+import re
+import shlex
+import shutil
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+ENGINE = Path(__file__).resolve().parents[3] / "jet"
+# Headers that other programs include must not make them change their own flags.
+STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wsign-conversion", "-Wshadow",
+          "-Wold-style-cast", "-Wnon-virtual-dtor", "-Werror"]
+CONSUMER = """cmake_minimum_required(VERSION 3.25)
+project(consumer LANGUAGES CXX)
+find_package(jet 1 REQUIRED)
+get_target_property(options jet::jet INTERFACE_COMPILE_OPTIONS)
+if(options)
+  message(FATAL_ERROR "the library hands on flags: ${options}")
+endif()
+add_executable(zones zones.cpp)
+target_link_libraries(zones PRIVATE jet::jet)
+# A module takes the engine in.
+add_library(module MODULE module.cpp)
+target_link_libraries(module PRIVATE jet::jet)
+"""
+MODULE = """#include "jet/database.h"
+extern "C" bool Has(const char* file, const char* table) {
+    return jet::Database::Open(file)->HasTable(table);
+}
+"""
+
+
+def run(*command, folder=None):
+    done = subprocess.run([str(part) for part in command], cwd=folder, text=True, check=False,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    if done.returncode != 0:
+        print(done.stdout)
+        sys.exit(f"failed: {' '.join(map(str, command))}")
+    return done.stdout
+
+
+def expect(found, wanted):
+    if found != wanted:
+        sys.exit(f"expected {wanted!r}, found {found!r}")
+
+
+def readme_program():
+    text = (ENGINE / "README.md").read_text(encoding="utf-8")
+    return re.findall(r"^```cpp\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)[-1]
+
+
+def configure(source, build, *options):
+    launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
+    run("cmake", "-S", source, "-B", build, *launcher, *options)
+    run("cmake", "--build", build, "--parallel", "2")
+
+
+def with_cmake(folder, prefix):
+    consumer = folder / "consumer"
+    consumer.mkdir()
+    (consumer / "CMakeLists.txt").write_text(CONSUMER, encoding="utf-8")
+    (consumer / "zones.cpp").write_text(readme_program(), encoding="utf-8")
+    (consumer / "module.cpp").write_text(MODULE, encoding="utf-8")
+    configure(consumer, consumer / "build", f"-DCMAKE_PREFIX_PATH={prefix}",
+              "-DCMAKE_CXX_FLAGS=" + " ".join(STRICT))
+    expect(run(consumer / "build/zones", folder=folder), "11 characters\n")
+    expect((folder / "zones.mdb").exists(), True)
+    expect(run(prefix / "bin/jetdoctor", folder / "zones.mdb").count("error"), 0)
+    (folder / "zones.mdb").unlink()
+    symbols = run("nm", "-D", "--defined-only", consumer / "build/libmodule.so")
+    expect([line for line in symbols.splitlines() if "3jet" in line and " W " not in line], [])
+
+
+def with_pkg_config(folder, prefix, compiler):
+    if not shutil.which("pkg-config"):
+        print("pkg-config is not installed, so its description is not tried")
+        return
+    description = next(prefix.rglob("jet.pc"))
+    ask = ["env", f"PKG_CONFIG_PATH={description.parent}", "pkg-config"]
+    flags = shlex.split(run(*ask, "--cflags", "--libs", "jet"))
+    source = folder / "consumer/zones.cpp"
+    run(compiler, "-std=c++20", *STRICT, source, *flags, "-o", folder / "zones")
+    expect(run(folder / "zones", folder=folder), "11 characters\n")
+    header = (ENGINE / "include/jet/version.h").read_text(encoding="utf-8")
+    version = ".".join(re.findall(r"#define JET_VERSION_\w+ (\d+)", header))
+    expect(run(*ask, "--modversion", "jet").strip(), version)
+
+
+def main():
+    compiler = sys.argv[1]
+    with tempfile.TemporaryDirectory(prefix="jet install ") as name:
+        folder = Path(name)
+        built = folder / "installed first"
+        configure(ENGINE, folder / "build", f"-DCMAKE_CXX_COMPILER={compiler}",
+                  "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_FLAGS=-O0")
+        run("cmake", "--install", folder / "build", "--prefix", built)
+        # Nothing of the place where it was installed is written down in it.
+        prefix = folder / "moved"
+        built.rename(prefix)
+        with_cmake(folder, prefix)
+        with_pkg_config(folder, prefix, compiler)
+    print("installed, and used from outside")
+
+
+main()
