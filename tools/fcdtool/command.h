@@ -24,6 +24,7 @@ struct Command {
 };
 
 const Command& CheckCommand();
+const Command& DiffCommand();
 
 // In the order of the help.
 std::vector<const Command*> Commands();

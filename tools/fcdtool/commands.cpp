@@ -3,7 +3,7 @@
 namespace fcdtool {
 
 std::vector<const Command*> Commands() {
-    return {&CheckCommand()};
+    return {&CheckCommand(), &DiffCommand()};
 }
 
 }  // namespace fcdtool

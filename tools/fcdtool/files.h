@@ -1,8 +1,10 @@
-// Reading the files that a command names.
+// Reading and writing the files that a command names.
 #pragma once
 
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "season/season.h"
 
@@ -14,5 +16,12 @@ std::filesystem::path PathOf(const std::string& word);
 season::Season ReadFile(const std::string& file);
 // How many records were read.
 std::size_t CountRows(const season::Season& season);
+
+// Throws std::runtime_error when `file` is one of those that are read, by whatever name.
+void RequireOther(const std::string& file, const std::vector<std::string>& sources);
+// Writes a file; one that is there is replaced when the new one is complete. Throws
+// std::runtime_error, which names the file.
+void SaveFile(const std::string& file, const std::vector<std::string>& sources,
+              std::string_view text);
 
 }  // namespace fcdtool
