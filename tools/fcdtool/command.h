@@ -25,6 +25,7 @@ struct Command {
 
 const Command& CheckCommand();
 const Command& DiffCommand();
+const Command& NewYearCommand();
 
 // In the order of the help.
 std::vector<const Command*> Commands();

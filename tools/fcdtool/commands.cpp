@@ -3,7 +3,7 @@
 namespace fcdtool {
 
 std::vector<const Command*> Commands() {
-    return {&CheckCommand(), &DiffCommand()};
+    return {&CheckCommand(), &DiffCommand(), &NewYearCommand()};
 }
 
 }  // namespace fcdtool
