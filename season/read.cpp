@@ -146,7 +146,8 @@ void ReadNvcResources(jet::Database& database, Season& season) {
     int number = -1;
     for (const jet::IndexSchema& index : database.Describe(table).indexes) {
         if (Folded(index.name) == Folded(kPrimaryKey) && !index.columns.empty()) {
-            number = rows.Field(index.columns.front().name);
+            season.nvcKeyField = index.columns.front().name;
+            number = rows.Field(season.nvcKeyField);
         }
     }
     const int name = rows.Field("ResourceName");

@@ -99,6 +99,7 @@ struct Season {
     std::vector<Goal> goals;
     std::vector<Resource> resources;
     std::vector<NvcResource> nvcResources;
+    std::string nvcKeyField = "Key";  // the name of their key's field, which files differ in
     std::vector<Zone> zones;
     std::vector<StrayCost> strayCosts;
     std::vector<StrayNvc> strayNvc;

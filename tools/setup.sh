@@ -11,12 +11,12 @@
 set -eu
 
 build="make cmake ninja-build g++ qt6-base-dev qt6-tools-dev qt6-documentation-tools
- libqt6sql6-sqlite libgtest-dev libgmock-dev zlib1g-dev xvfb fonts-dejavu-core python3"
+ libqt6sql6-sqlite libxlsxwriter-dev libgtest-dev libgmock-dev zlib1g-dev xvfb fonts-dejavu-core python3"
 package="dpkg-dev fakeroot"
 test="ccache clang clang-tidy clang-format libclang-rt-14-dev mdbtools shellcheck
  pkg-config
  desktop-file-utils appstream shared-mime-info man-db librsvg2-bin
- at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi xdotool $package"
+ at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi python3-openpyxl xdotool $package"
 coverage="llvm"
 windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64"
 bench="libbenchmark-dev libsqlite3-dev mdbtools-dev pkg-config valgrind"

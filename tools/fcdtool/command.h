@@ -25,6 +25,7 @@ struct Command {
 
 const Command& CheckCommand();
 const Command& DiffCommand();
+const Command& ExportCommand();
 const Command& NewYearCommand();
 
 // In the order of the help.

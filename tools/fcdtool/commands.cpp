@@ -3,7 +3,7 @@
 namespace fcdtool {
 
 std::vector<const Command*> Commands() {
-    return {&CheckCommand(), &DiffCommand(), &NewYearCommand()};
+    return {&CheckCommand(), &DiffCommand(), &ExportCommand(), &NewYearCommand()};
 }
 
 }  // namespace fcdtool
