@@ -1,5 +1,7 @@
 #include "platform/text/Numbers.h"
 
+#include <QCoreApplication>
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -341,6 +343,18 @@ float ToSingle(double value) {
         ThrowOverflow();
     }
     return static_cast<float>(value);
+}
+
+std::optional<float> TypedSingle(const QString& text) {
+    try {
+        return ToSingle(Val(text));
+    } catch (const RuntimeError&) {
+        return std::nullopt;
+    }
+}
+
+QString TooLarge(const QString& text) {
+    return QCoreApplication::translate("Numbers", "The number \"%1\" is too large.").arg(text);
 }
 
 QString Str(float value) {

@@ -2,12 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QRegularExpression>
+
 #include <bit>
 #include <cmath>
 #include <limits>
 #include <random>
+#include <vector>
 
 #include "platform/RuntimeError.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -25,18 +30,57 @@ int ErrorOf(Body body) {
     return 0;
 }
 
+struct ReadingCase {
+    QString typed;
+    bool whole = false;
+    double number = 0;
+};
+
+// The cases that the header gives beside the rule, so that what it says is what is done.
+std::vector<ReadingCase> CasesOfTheHeader() {
+    QFile header(QString::fromStdString(support::SourceFolder().string()) +
+                 QStringLiteral("/platform/text/Numbers.h"));
+    EXPECT_TRUE(header.open(QIODevice::ReadOnly));
+    static const QRegularExpression kCase(
+        QStringLiteral(R"x(^//   "([^"]*)" +(whole|leading) (\S+)$)x"));
+    static const QRegularExpression kEscape(QStringLiteral(R"(\\u([0-9a-f]{4}))"));
+    std::vector<ReadingCase> cases;
+    for (const QString& line : QString::fromUtf8(header.readAll()).split(u'\n')) {
+        const QRegularExpressionMatch match = kCase.match(line);
+        if (!match.hasMatch()) {
+            continue;
+        }
+        QString typed = match.captured(1);
+        const QRegularExpressionMatch escape = kEscape.match(typed);
+        if (escape.hasMatch()) {
+            typed.replace(escape.captured(0), QChar(escape.captured(1).toUShort(nullptr, 16)));
+        }
+        cases.push_back(
+            {typed, match.captured(2) == QStringLiteral("whole"), match.captured(3).toDouble()});
+    }
+    return cases;
+}
+
+TEST(Val, CasesOfTheHeader_AreReadAsItSays) {
+    const std::vector<ReadingCase> cases = CasesOfTheHeader();
+    ASSERT_EQ(cases.size(), 30U) << "a line of the table that is not understood is not tested";
+    for (const ReadingCase& one : cases) {
+        SCOPED_TRACE(one.typed.toStdString());
+        EXPECT_EQ(Val(one.typed), one.number);
+        EXPECT_EQ(platform::IsPlainNumber(one.typed), one.whole);
+        EXPECT_EQ(platform::TypedSingle(one.typed), static_cast<float>(one.number));
+    }
+}
+
 TEST(Val, LeadingNumber_IsTaken) {
     const struct {
         const char* text;
         double value;
     } cases[] = {
-        {"", 0},        {"abc", 0},         {"12", 12},       {"12abc", 12}, {"1,000", 1},
-        {" 1 2", 12},   {"1\t2\r\n3", 123}, {"-.5", -0.5},    {"+7", 7},     {"1e3", 1000},
-        {"1E+3", 1000}, {"1d2", 100},       {"1e", 1},        {"1e+", 1},    {"1ex", 1},
-        {"1.5.6", 1.5}, {".", 0},           {"-", 0},         {"--1", 0},    {"5.", 5},
-        {".25", 0.25},  {"$5", 0},          {"- 12", -12},    {"0012", 12},  {"&H1F", 31},
-        {"&hff", 255},  {"&O17", 15},       {"&O18", 1},      {"&HG", 0},    {"&", 0},
-        {"1e-400", 0},  {"-12.5", -12.5},   {"12\u00e9", 12}, {"1-2", 1},    {"1e5e5", 100000},
+        {" 1 2", 12}, {"1\t2\r\n3", 123}, {"-.5", -0.5},    {"1E+3", 1000},
+        {"1e+", 1},   {"1ex", 1},         {"--1", 0},       {".25", 0.25},
+        {"&H1F", 31}, {"&hff", 255},      {"&O18", 1},      {"&HG", 0},
+        {"&", 0},     {"-&H10", 0},       {"12\u00e9", 12}, {"1e5e5", 100000},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(Val(QString::fromUtf8(c.text)), c.value) << c.text;
@@ -59,6 +103,14 @@ TEST(Val, AnyText_ReadsOrOverflows) {
         const int error = ErrorOf([&] { (void)Val(text); });
         EXPECT_TRUE(error == 0 || error == platform::kOverflow) << text.toStdString();
     }
+}
+
+TEST(TypedSingle, NumberTooLargeForASingle_IsNone) {
+    EXPECT_EQ(platform::TypedSingle("3.4e38"), 3.4e38F);
+    for (const char* text : {"1e39", "-9e99", "1e999"}) {
+        EXPECT_EQ(platform::TypedSingle(text), std::nullopt) << text;
+    }
+    EXPECT_EQ(platform::TooLarge("9e99"), "The number \"9e99\" is too large.");
 }
 
 TEST(IsPlainNumber, OnlyWholeTextCounts) {
