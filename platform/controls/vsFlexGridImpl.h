@@ -35,6 +35,11 @@ public:
         QString told;  // what became of the last action; empty when all is well
         QList<QPersistentModelIndex> cells;  // the cells that were marked, the latest last
         QString shown;
+        // What shows stays until it is told otherwise.
+        void Forget() {
+            told.clear();
+            cells.clear();
+        }
     };
     Notes notes;
 

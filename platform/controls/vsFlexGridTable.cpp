@@ -9,7 +9,7 @@ void vsFlexGrid::SetTable(GridTable* table) {
     FinishEdit();
     const Impl::Quiet quiet(*impl_);
     impl_->model->SetTable(table);
-    impl_->notes = {};
+    impl_->notes.Forget();
     EnsureCurrent();
     TellNote();
 }
@@ -31,7 +31,7 @@ void vsFlexGrid::Refresh() {
     impl_->model->SetRows(FixedRows() + Table()->RowCount());
     impl_->model->RowsChanged(FixedRows(), Rows() - 1);
     if (!impl_->offering) {
-        impl_->notes = {};
+        impl_->notes.Forget();
     }
     EnsureCurrent();
     TellNote();
