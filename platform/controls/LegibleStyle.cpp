@@ -195,6 +195,11 @@ void LegibleStyle::drawComplexControl(ComplexControl control, const QStyleOption
 
 // Each menu bar asks for the arrow that it shows once it is too narrow for its menus. Reading that
 // picture loads all the toolkit's readers of pictures, which the program does not need otherwise.
+int LegibleStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                            QStyleHintReturn* data) const {
+    return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+}
+
 QIcon LegibleStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
                                  const QWidget* widget) const {
     if (which != SP_ToolBarHorizontalExtensionButton) {

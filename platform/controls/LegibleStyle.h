@@ -2,7 +2,8 @@
 // contrast: where boxes have the colour of what they lie on (high contrast themes), they and the
 // buttons get an outline; the current tab gets a mark where all is dark; disabled texts and links
 // get a colour that can be read. A list or a box of several lines shows by its frame that it has
-// the keyboard.
+// the keyboard. The list of a combo box opens as a list with a scroll bar, never like a menu over
+// the whole screen.
 #pragma once
 
 #include <QIcon>
@@ -21,6 +22,8 @@ public:
                      const QWidget* widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                             QPainter* painter, const QWidget* widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override;
     [[nodiscard]] QIcon standardIcon(StandardPixmap standardIcon, const QStyleOption* option,
                                      const QWidget* widget) const override;
 };
