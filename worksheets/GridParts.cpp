@@ -27,6 +27,17 @@ void EnterAndEdit(vsFlexGrid& grid, int row, int col) {
     grid.setFocus();
 }
 
+void Show(vsFlexGrid& grid, int row, int col) {
+    grid.Select(row + grid.FixedRows() - 1, col);
+    grid.FinishEdit();
+}
+
+void KeepPlace(QWidget& control) {
+    QSizePolicy policy = control.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    control.setSizePolicy(policy);
+}
+
 void EndAtLastRow(vsFlexGrid& grid) {
     const auto fit = [&grid] { FitHeight(grid); };
     QObject::connect(grid.horizontalHeader(), &QHeaderView::geometriesChanged, &grid, fit);

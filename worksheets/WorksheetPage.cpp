@@ -13,39 +13,13 @@
 #include "platform/controls/FittingFont.h"
 #include "platform/help/HelpViewer.h"
 #include "shell/u91Trace.h"
+#include "worksheets/ChoiceBox.h"
 
 namespace {
 
 constexpr int kMargin = 12;
 constexpr int kSpacing = 8;
 constexpr double kTitleScale = 1.35;
-constexpr int kShownOfName = 16;  // characters, where there is room
-constexpr int kLeastOfName = 120;
-
-// Lets the wheel pass to what lies behind, so that scrolling a page never chooses another item.
-class WheelHolder : public QObject {
-public:
-    using QObject::QObject;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() != QEvent::Wheel) {
-            return QObject::eventFilter(watched, event);
-        }
-        event->ignore();
-        return true;
-    }
-};
-
-// As wide as its longest name where there is room; a name that is cut is told by a tip.
-void FitToNames(QComboBox& box) {
-    box.setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    box.setMinimumContentsLength(kShownOfName);
-    box.setMinimumWidth(kLeastOfName);
-    box.setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    QObject::connect(&box, &QComboBox::currentTextChanged, &box,
-                     [&box](const QString& name) { box.setToolTip(name.toHtmlEscaped()); });
-}
 
 }  // namespace
 
@@ -74,6 +48,23 @@ void WorksheetPage::AddUndoKeys() {
     add(Qt::CTRL | Qt::Key_Z, "WorksheetPage.Undo", &WorksheetPage::Undo);
     add(Qt::CTRL | Qt::Key_Y, "WorksheetPage.Redo", &WorksheetPage::Redo);
     add(Qt::CTRL | Qt::SHIFT | Qt::Key_Z, "WorksheetPage.Redo", &WorksheetPage::Redo);
+}
+
+void WorksheetPage::AddStepKeys(ChoiceBox& box, const QKeySequence& previous,
+                                const QKeySequence& next) {
+    const auto add = [this, &box](const QKeySequence& keys, int by) {
+        auto* shortcut = new QShortcut(keys, this);
+        connect(shortcut, &QShortcut::activated, this,
+                platform::EventTrap::Trapped("WorksheetPage.Step", [&box, by] {
+                    if (by > 0 && box.hasFocus()) {
+                        box.showPopup();
+                    } else {
+                        box.Step(by);
+                    }
+                }));
+    };
+    add(previous, -1);
+    add(next, 1);
 }
 
 undo::History& WorksheetPage::History() const {
@@ -147,15 +138,12 @@ void Name(QWidget& control, const char* name, const QString& accessibleName) {
     control.setAccessibleName(accessibleName);
 }
 
-QComboBox* Choice(QWidget* parent, const char* name, QLabel& label) {
-    auto* box = new QComboBox(parent);
+ChoiceBox* Choice(QWidget* parent, const char* name, QLabel& label, int characters) {
+    auto* box = new ChoiceBox(characters, parent);
     const QString heard = label.accessibleName();
     Name(*box, name, heard);
     box->view()->setAccessibleName(heard);
     label.setBuddy(box);
-    box->setFocusPolicy(Qt::StrongFocus);
-    box->installEventFilter(new WheelHolder(box));
-    FitToNames(*box);
     return box;
 }
 

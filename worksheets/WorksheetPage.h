@@ -11,7 +11,9 @@
 #include "shell/Worksheet.h"
 #include "worksheets/undo/UndoHistory.h"
 
+class ChoiceBox;
 class QComboBox;
+class QKeySequence;
 class QLabel;
 class QVBoxLayout;
 
@@ -56,6 +58,9 @@ protected:
              std::function<void(Form&)> repeat) {
         History().Add({name, OnForm(std::move(takeBack)), OnForm(std::move(repeat))});
     }
+    // Keys that choose the item before or behind in a box, wherever the keyboard is on the page.
+    // While the box has it, `next` opens its list, as keys of a box do.
+    void AddStepKeys(ChoiceBox& box, const QKeySequence& previous, const QKeySequence& next);
     // Ends an edit that is still open in a cell or a text box, as leaving it would: what was
     // changed is added to the history.
     virtual void EndOpenEdit() {}
@@ -80,6 +85,9 @@ private:
 // The parts that pages and dialogs are made of.
 namespace PageParts {
 
+// The characters of a zone's name that its boxes have room for.
+inline constexpr int kShownOfZone = 28;
+
 // A label whose property "Caption" holds the text as given. `text` may mark one letter with "&"
 // when the label is going to be somebody's buddy.
 QLabel* Label(QWidget* parent, const char* name, const QString& text);
@@ -87,9 +95,8 @@ QLabel* Label(QWidget* parent, const char* name, const QString& text);
 QLabel* Instruction(QWidget* parent, const char* name, const QString& text);
 // Names a control for the program and for people who hear the screen.
 void Name(QWidget& control, const char* name, const QString& accessibleName);
-// A combo box that belongs to a label and is named like it. The wheel passes over it while it is
-// closed, without changing it.
-QComboBox* Choice(QWidget* parent, const char* name, QLabel& label);
+// A combo box that belongs to a label and is named like it; `characters`: how many it has room for.
+ChoiceBox* Choice(QWidget* parent, const char* name, QLabel& label, int characters);
 // Makes an item current without telling anybody.
 void SelectSilently(QComboBox& box, int index);
 

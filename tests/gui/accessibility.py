@@ -408,7 +408,7 @@ def cells_while_walking(walk, session):
     walk.listen(EVENTS)
     session.keys("Tab")  # from the zones' box on to the grid
     told = walk.told_of_focus("ctrl+Home", "Right")
-    if "Fire size, in acres, To, row 1" not in told:
+    if "Fire size, in acres, To, Class 1" not in told:
         walk.offenders.append(f"{where}: the open cell editor does not say its cell: {told}")
     for keys in (["Down"], ["Right"], ["1", "2"], ["Down"], ["ctrl+End"], ["Escape"], ["ctrl+Home"]):
         session.keys(*keys)

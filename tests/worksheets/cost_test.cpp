@@ -8,6 +8,8 @@
 #include "worksheets/cost/frm6SuppressAcre.h"
 #include "worksheets/zones/ZoneRecords.h"
 
+#include <QLabel>
+
 using PrepDatatables::tblSuppressionPerAcreCost;
 
 namespace {
@@ -26,6 +28,13 @@ protected:
     static bool IsNull(int key, int sequence) {
         tblSuppressionPerAcreCost->Seek("=", {key, sequence});
         return tblSuppressionPerAcreCost->IsNull(QStringLiteral("Cost"));
+    }
+
+    // What the line under the grid says.
+    QString Note() {
+        const auto& line = Find<QLabel>("lblNote");
+        EXPECT_EQ(line.isVisible(), !line.text().isEmpty());
+        return line.text();
     }
 
     int first_ = 0;
@@ -113,17 +122,23 @@ TEST(CostTable, IndexOutside_IsASubscriptError) {
     EXPECT_THROW(table.Cost(-1, 1), platform::RuntimeError);
 }
 
-TEST_F(CostTest, RowsThatACutOffImportLeftOut_AreThereOnceSomethingIsTyped) {
+TEST_F(CostTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
     for (const int sequence : {2, 9}) {
         tblSuppressionPerAcreCost->Seek("=", {first_, sequence});
         tblSuppressionPerAcreCost->Delete();
     }
     Load<frm6SuppressAcre>();
     Enter(Grid("grdCosts"), 3, 2, QStringLiteral("55"));
+    Enter(Grid("grdCosts"), 4, 2, QStringLiteral("66"));
     Choose("cboFMZs", 1);
-    EXPECT_TRUE(errors_.empty());
-    EXPECT_EQ(Stored(first_, 2, "Cost"), 55);
-    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 18);
+    ASSERT_EQ(errors_.size(), 1U);
+    EXPECT_EQ(errors_[0].number, 3021);
+    EXPECT_TRUE(errors_[0].description.contains(QStringLiteral("2, 9")));
+    EXPECT_EQ(Find<QComboBox>("cboFMZs").currentIndex(), 1);
+    EXPECT_EQ(Stored(first_, 3, "Cost"), 66);
+    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 16);
+    Leave();
+    EXPECT_EQ(errors_.size(), 1U) << "told once";
 }
 
 TEST_F(CostTest, EqualValueAssigned_StillMarksTheTable) {
@@ -182,6 +197,11 @@ TEST_F(CostTest, Trace_UsesTheNamesOfEachHandler) {
     EXPECT_GE(Count(trace, QStringLiteral("frmSuppressAcre.grdCosts_EnterCell")), 1);
     EXPECT_EQ(Count(trace, QStringLiteral("frmSuppressAcre.grdCosts_AfterEdit 2, 1")), 1);
     EXPECT_EQ(Count(trace, QStringLiteral("frmSuppressAcre.SaveChanges")), 1);
+    for (const char* procedure : {"grdCosts_BeforeEdit", "grdCosts_ChangeEdit", "DisplayData",
+                                  "ShowNextLowerBound", "FormatCostGrid"}) {
+        EXPECT_GE(Count(trace, QStringLiteral("frmSuppressAcre.") + QLatin1String(procedure)), 1)
+            << procedure;
+    }
     EXPECT_EQ(trace.last(), QStringLiteral("   Unloaded frm6SuppressAcre"));
 }
 
@@ -214,13 +234,53 @@ TEST_F(CostTest, EveryKeystroke_IsStored) {
     EXPECT_EQ(Stored(first_, 3, "TopSize"), 12) << "the leading number, with the editor open";
 }
 
-TEST_F(CostTest, ThousandsSeparator_EndsTheNumber) {
+TEST_F(CostTest, ThousandsSeparator_EndsTheNumberAndIsTold) {
     Load<frm6SuppressAcre>();
-    Enter(Grid("grdCosts"), 2, 2, QStringLiteral("1,000"));
-    Enter(Grid("grdCosts"), 3, 2, QStringLiteral("-5"));
+    vsFlexGrid& grid = Grid("grdCosts");
+    Enter(grid, 2, 2, QStringLiteral("1,200"));
+    EXPECT_EQ(grid.TextMatrix(2, 2), QStringLiteral("1")) << "what is stored shows at once";
+    for (const char* part : {"Class 1", "1,200", " 1.", "1200"}) {
+        EXPECT_TRUE(Note().contains(QString::fromLatin1(part))) << part << Note().toStdString();
+    }
+    Enter(grid, 3, 2, QStringLiteral("-5"));
+    EXPECT_EQ(Note(), QString());
     Leave();
     EXPECT_EQ(Stored(first_, 1, "Cost"), 1);
     EXPECT_EQ(Stored(first_, 2, "Cost"), -5) << "nothing is refused";
+}
+
+TEST_F(CostTest, SizeBelowZero_IsMarkedThoughItsCellIsEmpty) {
+    Load<frm6SuppressAcre>();
+    vsFlexGrid& grid = Grid("grdCosts");
+    Enter(grid, 2, 1, QStringLiteral("-3"));
+    EXPECT_EQ(grid.TextMatrix(2, 1), QString());
+    EXPECT_EQ(grid.CellNote(2, 1), QStringLiteral("Stored as -3"));
+}
+
+TEST_F(CostTest, EachEdit_IsTakenBackAndRepeatedOnScreenAndInTheFile) {
+    Load<frm6SuppressAcre>();
+    vsFlexGrid& grid = Grid("grdCosts");
+    Enter(grid, 2, 1, QStringLiteral("10"));
+    Enter(grid, 2, 2, QStringLiteral("500"));
+    Choose("cboFMZs", 1);
+    Enter(grid, 3, 2, QStringLiteral("7"));
+    form_->Save();
+    for (int i = 0; i < 3; ++i) {
+        Press(Qt::Key_Z, Qt::ControlModifier);
+    }
+    EXPECT_EQ(Find<QComboBox>("cboFMZs").currentIndex(), 0);
+    EXPECT_EQ(grid.TextMatrix(2, 1), QString());
+    EXPECT_EQ(grid.TextMatrix(3, 0), QString()) << "where the next class starts goes with it";
+    EXPECT_EQ(grid.TextMatrix(2, 2), QStringLiteral("0"));
+    EXPECT_EQ(Stored(second_, 2, "Cost"), 0) << "the zone that was left is saved";
+    Press(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(2, 1), QStringLiteral("10"));
+    EXPECT_EQ(grid.TextMatrix(3, 0), QStringLiteral("11"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    Leave();
+    EXPECT_EQ(Stored(first_, 1, "TopSize"), 0);
+    EXPECT_EQ(Stored(first_, 1, "Cost"), 0);
+    EXPECT_TRUE(errors_.empty());
 }
 
 TEST_F(CostTest, FromColumn_NeverEntersEditMode) {
@@ -291,8 +351,7 @@ TEST_F(CostTest, NumberBeyondTheSingles_IsToldAndPutBack) {
     vsFlexGrid& grid = Grid("grdCosts");
     Enter(grid, 2, 2, QStringLiteral("40"));
     Enter(grid, 2, 2, QStringLiteral("9e99"));
-    ASSERT_EQ(errors_.size(), 1U);
-    EXPECT_EQ(errors_[0].number, 6);
+    EXPECT_TRUE(Note().contains(QStringLiteral("The number \"9e99\" is too large.")));
     EXPECT_EQ(grid.TextMatrix(2, 2), QStringLiteral("40"));
     Leave();
     EXPECT_EQ(Stored(first_, 1, "Cost"), 40);

@@ -38,6 +38,13 @@ protected:
             .Caption();
     }
 
+    // What the line under the grid says.
+    QString Note() {
+        const auto& line = Find<QLabel>("lblNote");
+        EXPECT_EQ(line.isVisible(), !line.text().isEmpty());
+        return line.text();
+    }
+
     int first_ = 0;
     int second_ = 0;
 };
@@ -131,6 +138,7 @@ TEST_F(NVCTest, MissingRow_ReadsAsZeroAndRefusesOnlyItself) {
     EXPECT_THROW(table.SaveChanges(), platform::RuntimeError);
     EXPECT_EQ(Stored(first_ * 100 + 1, 4, 1), 4);
     EXPECT_EQ(Stored(first_ * 100 + 1, 6, 1), 6);
+    EXPECT_NO_THROW(table.SaveChanges()) << "what can be saved is saved";
 }
 
 TEST_F(NVCTest, ResourceNames_AreReadAndOnlyChangedOnesWritten) {
@@ -195,7 +203,7 @@ TEST_F(NVCTest, Letters_CountAsZeroAndStayOnTheScreen) {
     EXPECT_EQ(Stored(first_ * 100 + 1, 1, 1), 0);
 }
 
-TEST_F(NVCTest, RowsThatACutOffImportLeftOut_AreThereOnceSomethingIsTyped) {
+TEST_F(NVCTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
     for (const int resource : {4, 14}) {
         tblNVCPerAcre->Seek("=", {first_ * 100 + 1, resource});
         tblNVCPerAcre->Delete();
@@ -204,10 +212,33 @@ TEST_F(NVCTest, RowsThatACutOffImportLeftOut_AreThereOnceSomethingIsTyped) {
     Enter(Grid("grdNVC"), 4, 3, QStringLiteral("17"));
     Enter(Grid("grdNVC"), 5, 3, QStringLiteral("18"));
     Choose("cboRepLocs", 1);
-    EXPECT_TRUE(errors_.empty());
-    EXPECT_EQ(Stored(first_ * 100 + 1, 4, 3), 17);
+    ASSERT_EQ(errors_.size(), 1U);
+    EXPECT_EQ(errors_[0].number, 3021);
+    EXPECT_TRUE(errors_[0].description.contains(QStringLiteral("4, 14")));
+    EXPECT_EQ(Find<QComboBox>("cboRepLocs").currentIndex(), 1);
+    EXPECT_EQ(Stored(first_ * 100 + 1, 4, 3), 0);
     EXPECT_EQ(Stored(first_ * 100 + 1, 5, 3), 18);
-    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 42);
+    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 40);
+    Leave();
+    EXPECT_EQ(errors_.size(), 1U) << "told once";
+}
+
+TEST_F(NVCTest, MissingName_IsToldAndTheOthersAreStored) {
+    tblNVCResources->Seek("=", {2});
+    tblNVCResources->Delete();
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    for (const int row : {2, 3}) {
+        ClickCell(grid, row, 0);
+        Type(QStringLiteral("Moss"));
+    }
+    Leave();
+    ASSERT_EQ(errors_.size(), 1U);
+    EXPECT_EQ(errors_[0].number, 3021);
+    tblNVCResources->Seek("=", {3});
+    EXPECT_EQ(FieldReaders::TextField(*tblNVCResources, QStringLiteral("ResourceName")),
+              QStringLiteral("Moss"));
+    EXPECT_EQ(tblNVCResources->RecordCount(), 13);
 }
 
 TEST_F(NVCTest, AnotherLocation_SavesTheOneThatIsLeft) {
@@ -284,15 +315,152 @@ TEST_F(NVCTest, PastedText_CountsAsTyping) {
     EXPECT_EQ(Stored(first_ * 100 + 1, 1, 1), -42);
 }
 
-TEST_F(NVCTest, NumberBeyondTheSingles_IsToldAndTheCellShowsWhatIsStored) {
+TEST_F(NVCTest, NumberBeyondTheSingles_IsToldAndTheCellIsAsBefore) {
     Load<frm5NVCTable>();
     vsFlexGrid& grid = Grid("grdNVC");
-    Enter(grid, 1, 1, QStringLiteral("5e99"));
-    ASSERT_EQ(errors_.size(), 1U);
-    EXPECT_EQ(errors_[0].number, 6);
-    const QString shown = grid.TextMatrix(1, 1);
+    Enter(grid, 4, 1, QStringLiteral("7"));
+    Enter(grid, 4, 1, QStringLiteral("5e99"));
+    EXPECT_EQ(Note(), QStringLiteral("Forage, FIL 1: The number \"5e99\" is too large."));
+    EXPECT_EQ(grid.TextMatrix(4, 1), QStringLiteral("7"));
+    EXPECT_EQ(Total(1), QStringLiteral("$7"));
     Leave();
-    EXPECT_EQ(static_cast<double>(Stored(first_ * 100 + 1, 1, 1)), shown.toDouble());
+    EXPECT_EQ(Stored(first_ * 100 + 1, 4, 1), 7);
+}
+
+TEST_F(NVCTest, TextThatIsNoPlainNumber_IsMarkedUntilTheTableIsShownAgain) {
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    EXPECT_EQ(Note(), QString());
+    Enter(grid, 4, 3, QStringLiteral("-1,250"));
+    EXPECT_EQ(grid.TextMatrix(4, 3), QStringLiteral("-1,250"));
+    EXPECT_EQ(grid.CellNote(4, 3), QStringLiteral("Stored as -1"));
+    for (const char* part : {"Forage", "FIL 3", "-1,250", " -1.", "-1250"}) {
+        EXPECT_TRUE(Note().contains(QString::fromLatin1(part))) << part << Note().toStdString();
+    }
+    EXPECT_EQ(Total(3), QStringLiteral("-$1"));
+    Choose("cboRepLocs", 1);
+    EXPECT_EQ(Note(), QString());
+    Choose("cboRepLocs", 0);
+    EXPECT_EQ(grid.TextMatrix(4, 3), QStringLiteral("-1"));
+    EXPECT_EQ(grid.CellNote(4, 3), QString());
+}
+
+TEST_F(NVCTest, TypedKey_StoresAlsoTheValueThatWasThere) {
+    Load<frm5NVCTable>();
+    ClickCell(Grid("grdNVC"), 2, 2);
+    Press(Qt::Key_Down);
+    Press(Qt::Key_Right);
+    form_->Save();
+    EXPECT_TRUE(IsNull(first_ * 100 + 1, 1)) << "keys that only move are no typing";
+    const auto shown = Count(folder_.Trace(), QStringLiteral("ShowTotals"));
+    ClickCell(Grid("grdNVC"), 2, 2);
+    Type(QStringLiteral("0"));
+    EXPECT_GT(Count(folder_.Trace(), QStringLiteral("ShowTotals")), shown);
+    form_->Save();
+    EXPECT_FALSE(IsNull(first_ * 100 + 1, 1));
+}
+
+TEST_F(NVCTest, EachEdit_IsTakenBackAndRepeatedOnScreenAndInTheFile) {
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    Enter(grid, 1, 1, QStringLiteral("10"));
+    Enter(grid, 1, 1, QStringLiteral("12abc"));
+    ClickCell(grid, 14, 0);
+    Type(QStringLiteral("Cabins"));
+    form_->Save();
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(14, 0), QStringLiteral("Improvements"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(1, 1), QStringLiteral("10"));
+    EXPECT_EQ(Total(1), QStringLiteral("$10"));
+    form_->Save();
+    EXPECT_EQ(Stored(first_ * 100 + 1, 1, 1), 10);
+    Press(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(1, 1), QStringLiteral("12abc"));
+    EXPECT_EQ(grid.CellNote(1, 1), QStringLiteral("Stored as 12"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(1, 1), QStringLiteral("0"));
+    Leave();
+    EXPECT_EQ(Stored(first_ * 100 + 1, 1, 1), 0);
+    tblNVCResources->Seek("=", {14});
+    EXPECT_EQ(FieldReaders::TextField(*tblNVCResources, QStringLiteral("ResourceName")),
+              QStringLiteral("Improvements"));
+    EXPECT_TRUE(errors_.empty());
+}
+
+TEST_F(NVCTest, OpenEdit_IsTakenBackFirst) {
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    Enter(grid, 1, 1, QStringLiteral("10"));
+    ClickCell(grid, 2, 1);
+    Type(QStringLiteral("55"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(2, 1), QStringLiteral("0"));
+    EXPECT_EQ(grid.TextMatrix(1, 1), QStringLiteral("10"));
+    EXPECT_EQ(Total(1), QStringLiteral("$10"));
+}
+
+TEST_F(NVCTest, ActionOfAnotherLocation_IsShownWhenItIsTakenBack) {
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    Choose("cboRepLocs", 1);
+    Enter(grid, 3, 3, QStringLiteral("33"));
+    Choose("cboFMZs", 1);
+    Enter(grid, 4, 4, QStringLiteral("44"));
+    Leave();
+    Load<frm5NVCTable>();
+    vsFlexGrid& again = Grid("grdNVC");
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Find<QComboBox>("cboFMZs").currentIndex(), 1);
+    EXPECT_EQ(again.TextMatrix(4, 4), QStringLiteral("0"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Find<QComboBox>("cboFMZs").currentIndex(), 0);
+    EXPECT_EQ(Find<QComboBox>("cboRepLocs").currentIndex(), 1);
+    EXPECT_EQ(again.TextMatrix(3, 3), QStringLiteral("0"));
+    EXPECT_EQ(again.Row(), 3);
+    EXPECT_EQ(again.Col(), 3);
+    EXPECT_EQ(Stored(second_ * 100 + 1, 4, 4), 0) << "the zone that was left is saved";
+    Leave();
+    EXPECT_EQ(Stored(first_ * 100 + 2, 3, 3), 0);
+}
+
+TEST_F(NVCTest, ActionOfALocationThatIsGone_IsToldAndPassedOver) {
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    Enter(grid, 1, 1, QStringLiteral("11"));
+    Choose("cboRepLocs", 1);
+    Enter(grid, 2, 2, QStringLiteral("22"));
+    Leave();
+    PrepDatatables::tblFMZList->Seek("=", {first_});
+    PrepDatatables::tblFMZList->Edit();
+    PrepDatatables::tblFMZList->SetField(QStringLiteral("RLCount"), 1);
+    PrepDatatables::tblFMZList->Update();
+    Load<frm5NVCTable>();
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_EQ(errors_.size(), 1U);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(errors_.size(), 1U);
+    EXPECT_EQ(Grid("grdNVC").TextMatrix(1, 1), QStringLiteral("0"));
+}
+
+TEST_F(NVCTest, AltArrows_WalkThroughLocationsAndZones) {
+    Load<frm5NVCTable>();
+    auto& zones = Find<QComboBox>("cboFMZs");
+    auto& locations = Find<QComboBox>("cboRepLocs");
+    ClickCell(Grid("grdNVC"), 2, 2);
+    Type(QStringLiteral("9"));
+    Press(Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(locations.currentIndex(), 1);
+    EXPECT_EQ(Stored(first_ * 100 + 1, 2, 2), 9);
+    Press(Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(locations.currentIndex(), 1);
+    Press(Qt::Key_Up, Qt::AltModifier);
+    EXPECT_EQ(locations.currentIndex(), 0);
+    Press(Qt::Key_PageDown, Qt::AltModifier);
+    EXPECT_EQ(zones.currentIndex(), 1);
+    Press(Qt::Key_PageUp, Qt::AltModifier);
+    EXPECT_EQ(zones.currentIndex(), 0);
 }
 
 TEST_F(NVCTest, Reminder_ShowsForANumberWithoutMinusUntilOneWasTyped) {

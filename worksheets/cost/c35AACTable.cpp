@@ -1,9 +1,11 @@
 #include "worksheets/cost/c35AACTable.h"
 
+#include <QCoreApplication>
+#include <QStringList>
+
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
-#include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
 #include "shell/u91Trace.h"
@@ -20,24 +22,33 @@ std::size_t c35AACTable::Position(int index) {
 }
 
 float c35AACTable::TopSize(int index) const {
-    return classes_[Position(index)].topSize;
+    u91Trace::Procedure(QStringLiteral("c35AACTable.TopSize"));
+    return Class(index).topSize;
 }
 
 void c35AACTable::TopSize(int index, float acres) {
+    u91Trace::Procedure(QStringLiteral("c35AACTable.TopSize"));
     classes_[Position(index)].topSize = acres;
     changed_ = true;
 }
 
 float c35AACTable::Cost(int index) const {
-    return classes_[Position(index)].cost;
+    u91Trace::Procedure(QStringLiteral("c35AACTable.Cost"));
+    return Class(index).cost;
 }
 
 void c35AACTable::Cost(int index, float dollars) {
+    u91Trace::Procedure(QStringLiteral("c35AACTable.Cost"));
     classes_[Position(index)].cost = dollars;
     changed_ = true;
 }
 
+const c35AACTable::SizeClass& c35AACTable::Class(int index) const {
+    return classes_[Position(index)];
+}
+
 float c35AACTable::CostForSize(float acres) const {
+    u91Trace::Procedure(QStringLiteral("c35AACTable.CostForSize"));
     for (const SizeClass& sizeClass : classes_) {
         if (acres <= sizeClass.topSize) {
             return sizeClass.cost;
@@ -50,11 +61,12 @@ float c35AACTable::CostForSize(float acres) const {
 // has a bound itself or follows one that has.
 float c35AACTable::CostBeyondBounds() const {
     for (int index = kCostClasses; index >= 1; --index) {
-        if (Cost(index) <= 0) {
+        const float cost = Class(index).cost;
+        if (cost <= 0) {
             continue;
         }
-        if (TopSize(index) > 0 || index == 1 || TopSize(index - 1) > 0) {
-            return Cost(index);
+        if (Class(index).topSize > 0 || index == 1 || Class(index - 1).topSize > 0) {
+            return cost;
         }
     }
     return 0;
@@ -71,12 +83,16 @@ void c35AACTable::Initialize(std::int32_t zoneKey) {
     }
 }
 
-void c35AACTable::SaveRow(int index) const {
+bool c35AACTable::SaveRow(int index) const {
     tblSuppressionPerAcreCost->Seek("=", {zoneKey_, index});
+    if (tblSuppressionPerAcreCost->NoMatch()) {
+        return false;
+    }
     tblSuppressionPerAcreCost->Edit();
-    tblSuppressionPerAcreCost->SetField(FieldNames::kTopSize, TopSize(index));
-    tblSuppressionPerAcreCost->SetField(FieldNames::kCost, Cost(index));
+    tblSuppressionPerAcreCost->SetField(FieldNames::kTopSize, Class(index).topSize);
+    tblSuppressionPerAcreCost->SetField(FieldNames::kCost, Class(index).cost);
     tblSuppressionPerAcreCost->Update();
+    return true;
 }
 
 void c35AACTable::SaveChanges() {
@@ -84,10 +100,20 @@ void c35AACTable::SaveChanges() {
     if (!changed_) {
         return;
     }
-    platform::FirstError refused;
+    QStringList missing;
     for (int index = 1; index <= kCostClasses; ++index) {
-        refused.Try([&] { SaveRow(index); });
+        if (!SaveRow(index)) {
+            missing += QString::number(index);
+        }
     }
-    refused.Rethrow();
     changed_ = false;
+    if (!missing.isEmpty()) {
+        throw platform::RuntimeError(
+            platform::kNoCurrentRecord,
+            QCoreApplication::translate(
+                "c35AACTable",
+                "The data file has no row of this zone for class %1. Sizes and costs typed there "
+                "cannot be stored; all others are stored.")
+                .arg(missing.join(QStringLiteral(", "))));
+    }
 }

@@ -14,30 +14,32 @@
 
 class c35AACTable {
 public:
+    struct SizeClass {
+        float topSize = 0;
+        float cost = 0;
+    };
+
     [[nodiscard]] float TopSize(int index) const;
     void TopSize(int index, float acres);  // marks the table changed
     [[nodiscard]] float Cost(int index) const;
     void Cost(int index, float dollars);  // marks the table changed
+    // Both, without an entry in the log, for what is painted again and again.
+    [[nodiscard]] const SizeClass& Class(int index) const;
 
     // What an acre costs in a fire of this size. A size exactly at a class's bound belongs to it.
     [[nodiscard]] float CostForSize(float acres) const;
 
     // Loads the nine classes of a zone; missing rows and empty fields read as 0.
     void Initialize(std::int32_t zoneKey);
-    // Writes all nine classes when anything was changed. A row that cannot be written (3021 when
-    // it is missing) does not keep the others from being saved; its error is thrown at the end and
-    // the table stays marked.
+    // Writes all nine classes when anything was changed, or none of them when that fails. A row
+    // that is missing does not keep the others from being saved: when they are, 3021 is thrown,
+    // with a sentence that names what could not be stored, and the next call has nothing to save.
     void SaveChanges();
 
 private:
-    struct SizeClass {
-        float topSize = 0;
-        float cost = 0;
-    };
-
     static std::size_t Position(int index);
     [[nodiscard]] float CostBeyondBounds() const;
-    void SaveRow(int index) const;
+    [[nodiscard]] bool SaveRow(int index) const;  // false when the row is missing
 
     std::int32_t zoneKey_ = 0;
     std::array<SizeClass, ZoneKeys::kCostClasses> classes_{};

@@ -1,21 +1,21 @@
 #include "worksheets/cost/frm6SuppressAcre.h"
 
-#include <QComboBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <memory>
 #include <tuple>
+#include <utility>
 
 #include "platform/EventTrap.h"
-#include "platform/RuntimeError.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "platform/text/Numbers.h"
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
+#include "worksheets/ChoiceBox.h"
+#include "worksheets/ChoicesRow.h"
 #include "worksheets/GridParts.h"
-#include "worksheets/cost/LowerBound.h"
-#include "worksheets/cost/c35AACTable.h"
+#include "worksheets/MissingRows.h"
+#include "worksheets/NoteLine.h"
 #include "worksheets/zones/mFMZs.h"
 
 using platform::EventTrap::Trapped;
@@ -24,23 +24,16 @@ using ZoneKeys::kCostClasses;
 namespace {
 
 constexpr int kMostOfTheRoom = 1000;
-constexpr int kFrom = 0;
-constexpr int kTo = 1;
-constexpr int kCost = 2;
-constexpr int kColumns = 3;
+constexpr int kFrom = CostGridTable::kFrom;
+constexpr int kTo = CostGridTable::kTo;
+constexpr int kCost = CostGridTable::kCost;
 constexpr int kHeaderRows = 2;
 constexpr int kRows = kHeaderRows + kCostClasses;
-constexpr int kToLength = 9;
-constexpr int kCostLength = 7;
 constexpr int kHelpContextId = 60;
 
 // The row of class 1 is the first below the two header rows.
 int ClassOfRow(int row) {
     return row - kHeaderRows + 1;
-}
-
-int RowOfClass(int index) {
-    return index + kHeaderRows - 1;
 }
 
 }  // namespace
@@ -52,25 +45,34 @@ frm6SuppressAcre::frm6SuppressAcre(WorksheetHost& host, QWidget* parent)
                      .index = 6,
                      .id = "SCA",
                      .helpContextId = kHelpContextId,
-                     .loadName = "frmSuppressAcre"}) {
+                     .loadName = "frmSuppressAcre"}),
+      table_([this](const QString& name, const CostGridTable::Changes& changes) {
+          platform::EventTrap::Run("frm6SuppressAcre.ActionDone",
+                                   [&] { ActionDone(name, changes); });
+      }) {
     Build();
     ConnectHandlers();
 }
 
-frm6SuppressAcre::~frm6SuppressAcre() = default;
+// The grid goes before the table that it shows.
+frm6SuppressAcre::~frm6SuppressAcre() {
+    grdCosts_->SetTable(nullptr);
+}
 
 void frm6SuppressAcre::Build() {
     AddTitle(tr("Suppression Cost per Acre"));
+    auto* choices = new ChoicesRow(this);
     QLabel* lblFMZ = PageParts::Label(this, "lblFMZ", tr("Fire Management &Zone"));
-    cboFMZs_ = PageParts::Choice(this, "cboFMZs", *lblFMZ);
-    auto* choice = new QHBoxLayout;
-    choice->addWidget(lblFMZ);
-    choice->addWidget(cboFMZs_);
-    choice->addStretch(1);
-    Body().addLayout(choice);
+    cboFMZs_ = PageParts::Choice(this, "cboFMZs", *lblFMZ, PageParts::kShownOfZone);
+    choices->Add(*lblFMZ, *cboFMZs_);
+    Body().addWidget(choices);
+    AddStepKeys(*cboFMZs_, Qt::ALT | Qt::Key_PageUp, Qt::ALT | Qt::Key_PageDown);
     grdCosts_ = new vsFlexGrid(this);
     PageParts::Name(*grdCosts_, "grdCosts", tr("Suppression cost per acre by fire size"));
     Body().addWidget(grdCosts_, kMostOfTheRoom);
+    auto* lblNote = new NoteLine(*grdCosts_, this);
+    GridParts::KeepPlace(*lblNote);
+    Body().addWidget(lblNote);
     Body().addStretch(1);
     GridParts::EndAtLastRow(*grdCosts_);
 }
@@ -81,17 +83,13 @@ void frm6SuppressAcre::ConnectHandlers() {
     connect(grdCosts_, &vsFlexGrid::EnterCell, this,
             Trapped("frm6SuppressAcre.grdCosts_EnterCell", [this] { grdCosts_EnterCell(); }));
     connect(grdCosts_, &vsFlexGrid::BeforeEdit, this,
-            Trapped("frm6SuppressAcre.grdCosts_BeforeEdit", [this](int row, int col, bool* cancel) {
-                grdCosts_BeforeEdit(row, col, cancel);
-            }));
+            Trapped("frm6SuppressAcre.grdCosts_BeforeEdit",
+                    [this](int /*row*/, int /*col*/, bool* /*cancel*/) { grdCosts_BeforeEdit(); }));
     connect(grdCosts_, &vsFlexGrid::ChangeEdit, this,
             Trapped("frm6SuppressAcre.grdCosts_ChangeEdit", [this] { grdCosts_ChangeEdit(); }));
     connect(grdCosts_, &vsFlexGrid::AfterEdit, this,
             Trapped("frm6SuppressAcre.grdCosts_AfterEdit",
                     [this](int row, int col) { grdCosts_AfterEdit(row, col); }));
-    connect(grdCosts_, &vsFlexGrid::EditCancelled, this,
-            Trapped("frm6SuppressAcre.grdCosts_EditCancelled",
-                    [this](int row, int col) { PutBack(row, col); }));
 }
 
 void frm6SuppressAcre::Setup() {
@@ -99,6 +97,7 @@ void frm6SuppressAcre::Setup() {
     BecomeCurrent();
     const BusyScope busy;
     FormatCostGrid();
+    grdCosts_->SetTable(&table_);
     mFMZs::LoadFMZs(*cboFMZs_);
     if (cboFMZs_->count() > 0) {
         PageParts::SelectSilently(*cboFMZs_, 0);
@@ -107,7 +106,8 @@ void frm6SuppressAcre::Setup() {
 }
 
 void frm6SuppressAcre::FormatCostGrid() {
-    grdCosts_->SetCols(kColumns);
+    u91Trace::Procedure(QStringLiteral("frmSuppressAcre.FormatCostGrid"));
+    grdCosts_->SetCols(CostGridTable::kColumns);
     grdCosts_->SetFixedRows(kHeaderRows);
     grdCosts_->SetRows(kRows);
     const QString cost = tr("Suppression cost") + QStringLiteral("\r") + tr("per acre");
@@ -120,7 +120,7 @@ void frm6SuppressAcre::FormatCostGrid() {
     }
     grdCosts_->SetMergeFixed(true);
     grdCosts_->SetRowNameColumn(-1);
-    for (int col = 0; col < kColumns; ++col) {
+    for (int col = 0; col < CostGridTable::kColumns; ++col) {
         const bool isSize = col != kCost;
         grdCosts_->SetColWidth(col, isSize ? 1400 : 1440);
         grdCosts_->SetColAlignment(col, Qt::AlignRight | Qt::AlignVCenter);
@@ -148,61 +148,72 @@ void frm6SuppressAcre::cboFMZs_Click() {
     }
     auto table = std::make_unique<c35AACTable>();
     table->Initialize(cboFMZs_->currentData().toInt());
-    table_ = std::move(table);
+    table_.Show(std::move(table));
     zoneIndex_ = cboFMZs_->currentIndex();
     DisplayData();
 }
 
 void frm6SuppressAcre::DisplayData() {
-    grdCosts_->SetTextMatrix(kHeaderRows, kFrom, QStringLiteral("0"));
-    for (int index = 1; index <= kCostClasses; ++index) {
-        const int row = RowOfClass(index);
-        ShowStored(row, kTo);
-        ShowStored(row, kCost);
-        if (index < kCostClasses) {
-            ShowNextLowerBound(row + 1, table_->TopSize(index));
-        }
+    u91Trace::Procedure(QStringLiteral("frmSuppressAcre.DisplayData"));
+    for (int index = 1; index < kCostClasses; ++index) {
+        ShowNextLowerBound(index + kHeaderRows, table_.Value(index, kTo));
     }
+    grdCosts_->Refresh();
 }
 
 void frm6SuppressAcre::ShowNextLowerBound(int row, float top) {
-    grdCosts_->SetTextMatrix(row, kFrom, NextLowerBound(top));
-}
-
-void frm6SuppressAcre::ShowStored(int row, int col) {
-    const float value = Stored(row, col);
-    const bool empty = col == kTo && !(value > 0);
-    grdCosts_->SetTextMatrix(row, col, empty ? QString() : platform::Str(value));
-}
-
-float frm6SuppressAcre::Stored(int row, int col) const {
+    u91Trace::Procedure(QStringLiteral("frmSuppressAcre.ShowNextLowerBound"));
     const int index = ClassOfRow(row);
-    return col == kTo ? table_->TopSize(index) : table_->Cost(index);
-}
-
-void frm6SuppressAcre::Store(int row, int col, float value) {
-    if (col == kTo) {
-        table_->TopSize(ClassOfRow(row), value);
-    } else {
-        table_->Cost(ClassOfRow(row), value);
-    }
+    table_.SetNextLowerBound(index, top);
+    grdCosts_->RowsChanged(index, index);
 }
 
 void frm6SuppressAcre::SaveChanges() {
     u91Trace::Procedure(QStringLiteral("frmSuppressAcre.SaveChanges"));
     grdCosts_->FinishEdit();
-    if (!table_) {
+    if (c35AACTable* table = table_.Table()) {
+        MissingRows::Told("frmSuppressAcre.SaveChanges", [table] { table->SaveChanges(); });
+    }
+}
+
+void frm6SuppressAcre::EndOpenEdit() {
+    grdCosts_->FinishEdit();
+}
+
+void frm6SuppressAcre::ActionDone(const QString& name, const CostGridTable::Changes& changes) {
+    if (changes.empty()) {
         return;
     }
-    try {
-        table_->SaveChanges();
-    } catch (const platform::RuntimeError& error) {
-        // An import that was cut off leaves out rows of its last zone.
-        if (error.Number() != platform::kNoCurrentRecord) {
-            throw;
-        }
-        ZoneKeys::AddMissingCostRows(cboFMZs_->itemData(zoneIndex_).toInt());
-        table_->SaveChanges();
+    const std::int32_t zoneKey = cboFMZs_->itemData(zoneIndex_).toInt();
+    Did<frm6SuppressAcre>(
+        name,
+        [zoneKey, changes](frm6SuppressAcre& form) {
+            form.PutBack(zoneKey, changes, &undo::CellChange<float>::before);
+        },
+        [zoneKey, changes](frm6SuppressAcre& form) {
+            form.PutBack(zoneKey, changes, &undo::CellChange<float>::after);
+        });
+}
+
+void frm6SuppressAcre::PutBack(std::int32_t zoneKey, const CostGridTable::Changes& changes,
+                               CellState state) {
+    GoTo(zoneKey);
+    for (const auto& change : changes) {
+        table_.Put(change.row, change.col, change.*state);
+    }
+    DisplayData();
+    GridParts::Show(*grdCosts_, changes.front().row, changes.front().col);
+}
+
+// Choosing saves what was shown before.
+void frm6SuppressAcre::GoTo(std::int32_t zoneKey) {
+    const int zone = cboFMZs_->findData(zoneKey);
+    if (zone < 0) {
+        throw undo::GoneError(tr("The zone whose costs this step would change is gone."));
+    }
+    if (zone != zoneIndex_) {
+        PageParts::SelectSilently(*cboFMZs_, zone);
+        ChooseZone();
     }
 }
 
@@ -213,50 +224,21 @@ void frm6SuppressAcre::grdCosts_EnterCell() {
     }
 }
 
-void frm6SuppressAcre::grdCosts_BeforeEdit(int row, int col, bool* cancel) {
-    if (col == kFrom || !table_) {
-        *cancel = true;
-        return;
-    }
-    grdCosts_->SetEditMaxLength(col == kTo ? kToLength : kCostLength);
-    valueBeforeEdit_ = Stored(row, col);
+// How long a text may be, and whether the cell takes one, the table tells.
+void frm6SuppressAcre::grdCosts_BeforeEdit() {
+    u91Trace::Procedure(QStringLiteral("frmSuppressAcre.grdCosts_BeforeEdit"));
 }
 
 void frm6SuppressAcre::grdCosts_ChangeEdit() {
-    try {
-        Store(grdCosts_->Row(), grdCosts_->Col(),
-              platform::ToSingle(platform::Val(grdCosts_->EditText())));
-    } catch (const platform::RuntimeError&) {
-        // Larger than the file can hold: told once, when the edit ends.
-    }
+    u91Trace::Procedure(QStringLiteral("frmSuppressAcre.grdCosts_ChangeEdit"));
+    grdCosts_->OfferEdit();
 }
 
 void frm6SuppressAcre::grdCosts_AfterEdit(int row, int col) {
     u91Trace::Procedure(
         QStringLiteral("frmSuppressAcre.grdCosts_AfterEdit %1, %2").arg(row).arg(col));
-    RequireStored(row, col);
     if (col == kTo && row + 1 < kRows) {
-        ShowNextLowerBound(row + 1, platform::ToSingle(grdCosts_->ValueMatrix(row, kTo)));
-    }
-}
-
-// A number that was too large to be stored does not stay on the screen.
-void frm6SuppressAcre::RequireStored(int row, int col) {
-    const QString text = grdCosts_->TextMatrix(row, col);
-    try {
-        (void)platform::ToSingle(platform::Val(text));
-    } catch (const platform::RuntimeError& error) {
-        PutBack(row, col);
-        ShowStored(row, col);
-        throw platform::RuntimeError(error.Number(),
-                                     tr("The number \"%1\" is too large.").arg(text));
-    }
-}
-
-// Every keystroke was stored, so giving up an edit takes back what it stored.
-void frm6SuppressAcre::PutBack(int row, int col) {
-    if (table_ && Stored(row, col) != valueBeforeEdit_) {
-        Store(row, col, valueBeforeEdit_);
+        ShowNextLowerBound(row + 1, table_.Value(ClassOfRow(row), kTo));
     }
 }
 

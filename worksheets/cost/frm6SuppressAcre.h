@@ -1,15 +1,15 @@
 // Suppression cost per acre of one zone, in up to nine classes of fire size.
 //
-// Values go into the table object at every keystroke and into the file with SaveChanges, which also
-// runs before another zone is shown.
+// What the grid shows and takes is CostGridTable's business. Values go into the table object at
+// each change of an edit and into the file with SaveChanges, which also runs before another zone is
+// shown.
 #pragma once
 
-#include <memory>
+#include <cstdint>
 
 #include "worksheets/WorksheetPage.h"
+#include "worksheets/cost/CostGridTable.h"
 
-class QComboBox;
-class c35AACTable;
 class vsFlexGrid;
 
 class frm6SuppressAcre : public WorksheetPage {
@@ -26,27 +26,31 @@ public:
     void Setup();
     void SaveChanges();
 
+protected:
+    void EndOpenEdit() override;
+
 private:
+    using CellState = float undo::CellChange<float>::*;
+
     void Build();
     void ConnectHandlers();
     void FormatCostGrid();
     void DisplayData();
     void ShowNextLowerBound(int row, float top);
-    void ShowStored(int row, int col);
-    [[nodiscard]] float Stored(int row, int col) const;
-    void Store(int row, int col, float value);
-    void RequireStored(int row, int col);
-    void PutBack(int row, int col);
+
+    void ActionDone(const QString& name, const CostGridTable::Changes& changes);
+    void PutBack(std::int32_t zoneKey, const CostGridTable::Changes& changes, CellState state);
+    void GoTo(std::int32_t zoneKey);
+
     void ChooseZone();
     void cboFMZs_Click();
     void grdCosts_EnterCell();
-    void grdCosts_BeforeEdit(int row, int col, bool* cancel);
+    void grdCosts_BeforeEdit();
     void grdCosts_ChangeEdit();
     void grdCosts_AfterEdit(int row, int col);
 
-    QComboBox* cboFMZs_ = nullptr;
+    CostGridTable table_;
+    ChoiceBox* cboFMZs_ = nullptr;
     vsFlexGrid* grdCosts_ = nullptr;
-    std::unique_ptr<c35AACTable> table_;
-    float valueBeforeEdit_ = 0;
     int zoneIndex_ = -1;
 };

@@ -1,5 +1,8 @@
 #include "worksheets/nvc/NVCResourceNames.h"
 
+#include <QCoreApplication>
+#include <QStringList>
+
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
@@ -38,16 +41,33 @@ void NVCResourceNames::SetName(int resource, const QString& name) {
     }
 }
 
+bool NVCResourceNames::SaveName(int resource) const {
+    tblNVCResources->Seek("=", {resource});
+    if (tblNVCResources->NoMatch()) {
+        return false;
+    }
+    tblNVCResources->Edit();
+    tblNVCResources->SetField(FieldNames::kResourceName, Name(resource));
+    tblNVCResources->Update();
+    return true;
+}
+
 void NVCResourceNames::Save() {
+    QStringList missing;
     for (int resource = 1; resource <= ZoneKeys::kResources; ++resource) {
-        Entry& entry = entries_[Position(resource)];
-        if (!entry.changed) {
-            continue;
+        if (entries_[Position(resource)].changed && !SaveName(resource)) {
+            missing += QString::number(resource);
         }
-        tblNVCResources->Seek("=", {resource});
-        tblNVCResources->Edit();
-        tblNVCResources->SetField(FieldNames::kResourceName, entry.name);
-        tblNVCResources->Update();
+    }
+    for (Entry& entry : entries_) {
         entry.changed = false;
+    }
+    if (!missing.isEmpty()) {
+        throw platform::RuntimeError(
+            platform::kNoCurrentRecord,
+            QCoreApplication::translate("NVCResourceNames",
+                                        "The data file has no row for the name of resource number "
+                                        "%1, so the name cannot be stored.")
+                .arg(missing.join(QStringLiteral(", "))));
     }
 }

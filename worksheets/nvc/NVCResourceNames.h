@@ -15,10 +15,14 @@ public:
     [[nodiscard]] const QString& Name(int resource) const;
     // Marks the name changed when it differs.
     void SetName(int resource, const QString& name);
-    // Writes the names that were changed.
+    // Writes the names that were changed, or none of them when that fails. Names whose row is
+    // missing do not keep the others from being saved: when they are, 3021 is thrown, and the next
+    // call has nothing to save.
     void Save();
 
 private:
+    [[nodiscard]] bool SaveName(int resource) const;  // false when the row is missing
+
     struct Entry {
         QString name;
         bool changed = false;

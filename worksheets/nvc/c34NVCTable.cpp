@@ -1,10 +1,13 @@
 #include "worksheets/nvc/c34NVCTable.h"
 
+#include <QCoreApplication>
+#include <QStringList>
+
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
-#include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
+#include "shell/u91Trace.h"
 #include "worksheets/nvc/RoundSignificant.h"
 
 using PrepDatatables::tblNVCPerAcre;
@@ -30,6 +33,7 @@ std::size_t c34NVCTable::Position(int resource, int level) {
 }
 
 void c34NVCTable::Initialize(std::int32_t zoneKey, std::int32_t location) {
+    u91Trace::Procedure(QStringLiteral("c34NVCTable.Initialize"));
     fmzRLKey_ = ZoneKeys::FMZRLKey(zoneKey, location);
     for (int resource = 1; resource <= kResources; ++resource) {
         tblNVCPerAcre->Seek("=", {fmzRLKey_, resource});
@@ -41,40 +45,62 @@ void c34NVCTable::Initialize(std::int32_t zoneKey, std::int32_t location) {
 }
 
 float c34NVCTable::NVCCellValue(int resource, int level) const {
-    return values_[Position(resource, level)];
+    u91Trace::Procedure(QStringLiteral("c34NVCTable.NVCCellValue"));
+    return Value(resource, level);
 }
 
 void c34NVCTable::NVCCellValue(int resource, int level, float value) {
+    u91Trace::Procedure(QStringLiteral("c34NVCTable.NVCCellValue"));
     values_[Position(resource, level)] = value;
     changed_ = true;
 }
 
+float c34NVCTable::Value(int resource, int level) const {
+    return values_[Position(resource, level)];
+}
+
 float c34NVCTable::FilTotal(int level) const {
+    u91Trace::Procedure(QStringLiteral("c34NVCTable.FilTotal"));
     float total = 0;
     for (int resource = 1; resource <= kResources; ++resource) {
         // The sum of two singles is exact enough in double that this rounds as single addition.
-        total = platform::ToSingle(double{total} + double{NVCCellValue(resource, level)});
+        total = platform::ToSingle(double{total} + double{Value(resource, level)});
     }
     return platform::ToSingle(RoundSignificant(double{total}, kTotalDigits));
 }
 
-void c34NVCTable::SaveRow(int resource) const {
+bool c34NVCTable::SaveRow(int resource) const {
     tblNVCPerAcre->Seek("=", {fmzRLKey_, resource});
+    if (tblNVCPerAcre->NoMatch()) {
+        return false;
+    }
     tblNVCPerAcre->Edit();
     for (int level = 1; level <= kFilLevels; ++level) {
-        tblNVCPerAcre->SetField(FieldOfLevel(level), values_[Position(resource, level)]);
+        tblNVCPerAcre->SetField(FieldOfLevel(level), Value(resource, level));
     }
     tblNVCPerAcre->Update();
+    return true;
 }
 
 void c34NVCTable::SaveChanges() {
+    u91Trace::Procedure(QStringLiteral("c34NVCTable.SaveChanges"));
     if (!changed_) {
         return;
     }
-    platform::FirstError refused;
+    QStringList missing;
     for (int resource = 1; resource <= kResources; ++resource) {
-        refused.Try([&] { SaveRow(resource); });
+        if (!SaveRow(resource)) {
+            missing += QString::number(resource);
+        }
     }
-    refused.Rethrow();
     changed_ = false;
+    if (!missing.isEmpty()) {
+        throw platform::RuntimeError(
+            platform::kNoCurrentRecord,
+            QCoreApplication::translate(
+                "c34NVCTable",
+                "The data file has no row at this location for resource number %1. Values typed "
+                "there cannot be stored; all others are stored.")
+                .arg(missing.join(QStringLiteral(", "))));
+    }
 }

@@ -20,18 +20,20 @@ public:
     [[nodiscard]] float NVCCellValue(int resource, int level) const;
     // Marks the table changed, also when the value is the one that was there.
     void NVCCellValue(int resource, int level, float value);
+    // The same as NVCCellValue without an entry in the log, for what is painted again and again.
+    [[nodiscard]] float Value(int resource, int level) const;
 
     // The level's total over all resources, to three significant digits.
     [[nodiscard]] float FilTotal(int level) const;
 
-    // Writes all rows when anything was changed. A row that cannot be written (3021 when it is
-    // missing) does not keep the others from being saved; its error is thrown at the end and the
-    // table stays marked.
+    // Writes all rows when anything was changed, or none of them when that fails. A row that is
+    // missing does not keep the others from being saved: when they are, 3021 is thrown, with a
+    // sentence that names what could not be stored, and the next call has nothing to save.
     void SaveChanges();
 
 private:
     static std::size_t Position(int resource, int level);
-    void SaveRow(int resource) const;
+    [[nodiscard]] bool SaveRow(int resource) const;  // false when the row is missing
 
     std::int32_t fmzRLKey_ = 0;
     std::array<float, std::size_t{ZoneKeys::kResources} * ZoneKeys::kFilLevels> values_{};

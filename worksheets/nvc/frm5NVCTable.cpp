@@ -1,22 +1,24 @@
 #include "worksheets/nvc/frm5NVCTable.h"
 
-#include <QComboBox>
-#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 #include "platform/EventTrap.h"
 #include "platform/FirstError.h"
-#include "platform/RuntimeError.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "platform/text/Numbers.h"
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
+#include "worksheets/ChoiceBox.h"
+#include "worksheets/ChoicesRow.h"
 #include "worksheets/GridParts.h"
+#include "worksheets/MissingRows.h"
+#include "worksheets/NoteLine.h"
 #include "worksheets/nvc/ColumnTotals.h"
 #include "worksheets/nvc/NVCTotals.h"
-#include "worksheets/nvc/c34NVCTable.h"
 #include "worksheets/zones/mFMZs.h"
 
 using platform::EventTrap::Trapped;
@@ -27,8 +29,6 @@ namespace {
 
 constexpr int kShownOfLocation = 4;  // characters
 constexpr int kMostOfTheRoom = 1000;
-constexpr int kNameLength = 50;
-constexpr int kValueLength = 10;
 constexpr int kHelpContextId = 50;
 const char* const kTag = "Tag";
 const QString kMinusTyped = QStringLiteral("minus");
@@ -41,29 +41,32 @@ frm5NVCTable::frm5NVCTable(WorksheetHost& host, QWidget* parent)
                      .caption = tr("Net Value Change"),
                      .index = 5,
                      .id = "NVC",
-                     .helpContextId = kHelpContextId}) {
+                     .helpContextId = kHelpContextId}),
+      table_([this](const QString& name, const NVCGridTable::Changes& changes) {
+          platform::EventTrap::Run("frm5NVCTable.ActionDone", [&] { ActionDone(name, changes); });
+      }) {
     AddTitle(tr("Net Value Change"));
     BuildChoices();
     BuildTable();
     ConnectHandlers();
 }
 
-frm5NVCTable::~frm5NVCTable() = default;
+// The grid goes before the table that it shows.
+frm5NVCTable::~frm5NVCTable() {
+    grdNVC_->SetTable(nullptr);
+}
 
 void frm5NVCTable::BuildChoices() {
+    auto* choices = new ChoicesRow(this);
     QLabel* lblFMZ = PageParts::Label(this, "lblFMZ", tr("Fire Management &Zone"));
-    cboFMZs_ = PageParts::Choice(this, "cboFMZs", *lblFMZ);
+    cboFMZs_ = PageParts::Choice(this, "cboFMZs", *lblFMZ, PageParts::kShownOfZone);
+    choices->Add(*lblFMZ, *cboFMZs_);
     QLabel* lblRepLoc = PageParts::Label(this, "lblRepLoc", tr("Representative Location"));
-    cboRepLocs_ = PageParts::Choice(this, "cboRepLocs", *lblRepLoc);
-    cboRepLocs_->setMinimumContentsLength(kShownOfLocation);
-
-    auto* choices = new QGridLayout;
-    choices->addWidget(lblFMZ, 0, 0);
-    choices->addWidget(cboFMZs_, 0, 1, Qt::AlignLeft);
-    choices->addWidget(lblRepLoc, 1, 0);
-    choices->addWidget(cboRepLocs_, 1, 1, Qt::AlignLeft);
-    choices->setColumnStretch(2, 1);
-    Body().addLayout(choices);
+    cboRepLocs_ = PageParts::Choice(this, "cboRepLocs", *lblRepLoc, kShownOfLocation);
+    choices->Add(*lblRepLoc, *cboRepLocs_);
+    Body().addWidget(choices);
+    AddStepKeys(*cboFMZs_, Qt::ALT | Qt::Key_PageUp, Qt::ALT | Qt::Key_PageDown);
+    AddStepKeys(*cboRepLocs_, Qt::ALT | Qt::Key_Up, Qt::ALT | Qt::Key_Down);
     lblNoRepLocs_ = PageParts::Instruction(
         this, "lblNoRepLocs",
         tr("This zone has no representative locations, so it has no table to edit."));
@@ -74,6 +77,14 @@ void frm5NVCTable::BuildChoices() {
 void frm5NVCTable::BuildTable() {
     grdNVC_ = new vsFlexGrid(this);
     PageParts::Name(*grdNVC_, "grdNVC", tr("Net value change, dollars per acre"));
+    Body().addWidget(grdNVC_, kMostOfTheRoom);
+    BuildTotals();
+    BuildNotes();
+    Body().addStretch(1);
+    GridParts::EndAtLastRow(*grdNVC_);
+}
+
+void frm5NVCTable::BuildTotals() {
     auto* pnlLabel = new SSPanel(this);
     PageParts::Name(*pnlLabel, "pnlLabel", tr("Gain or loss per acre"));
     pnlLabel->SetCaption(tr("Gain or loss per acre"));
@@ -88,18 +99,22 @@ void frm5NVCTable::BuildTable() {
     totals_ = new ColumnTotals(*grdNVC_, std::move(panels), this);
     totals_->setObjectName(QStringLiteral("pnlTotals"));
     totals_->setAccessibleName(tr("Totals"));
+    Body().addWidget(totals_);
+}
+
+// Both in one line, each with a place of its own, so that neither moves anything when it comes.
+void frm5NVCTable::BuildNotes() {
+    auto* lblNote = new NoteLine(*grdNVC_, this);
+    GridParts::KeepPlace(*lblNote);
     lblMinus_ =
         PageParts::Label(this, "lblMinus", tr("Be sure to include a minus sign (-) for losses."));
     lblMinus_->setProperty(kTag, QString());
-    QSizePolicy keepsItsPlace = lblMinus_->sizePolicy();
-    keepsItsPlace.setRetainSizeWhenHidden(true);
-    lblMinus_->setSizePolicy(keepsItsPlace);
+    GridParts::KeepPlace(*lblMinus_);
     lblMinus_->hide();
-    Body().addWidget(grdNVC_, kMostOfTheRoom);
-    Body().addWidget(totals_);
-    Body().addWidget(lblMinus_);
-    Body().addStretch(1);
-    GridParts::EndAtLastRow(*grdNVC_);
+    auto* notes = new QHBoxLayout;
+    notes->addWidget(lblNote, 1);
+    notes->addWidget(lblMinus_);
+    Body().addLayout(notes);
 }
 
 void frm5NVCTable::ConnectHandlers() {
@@ -110,19 +125,14 @@ void frm5NVCTable::ConnectHandlers() {
     connect(grdNVC_, &vsFlexGrid::EnterCell, this,
             Trapped("frm5NVCTable.grdNVC_EnterCell", [this] { grdNVC_EnterCell(); }));
     connect(grdNVC_, &vsFlexGrid::BeforeEdit, this,
-            Trapped("frm5NVCTable.grdNVC_BeforeEdit", [this](int /*row*/, int col, bool* cancel) {
-                grdNVC_BeforeEdit(col, cancel);
-            }));
+            Trapped("frm5NVCTable.grdNVC_BeforeEdit",
+                    [this](int /*row*/, int /*col*/, bool* /*cancel*/) { grdNVC_BeforeEdit(); }));
     connect(grdNVC_, &vsFlexGrid::KeyPressEdit, this,
             Trapped("frm5NVCTable.grdNVC_KeyPressEdit",
                     [this](int row, int col, QChar key) { grdNVC_KeyPressEdit(row, col, key); }));
     connect(grdNVC_, &vsFlexGrid::KeyUpEdit, this,
             Trapped("frm5NVCTable.grdNVC_KeyUpEdit",
-                    [this](int row, int col, int /*key*/) { grdNVC_KeyUpEdit(row, col); }));
-    connect(grdNVC_, &vsFlexGrid::AfterEdit, this,
-            Trapped("frm5NVCTable.SettleCell", [this](int row, int col) { SettleCell(row, col); }));
-    connect(grdNVC_, &vsFlexGrid::EditCancelled, this,
-            Trapped("frm5NVCTable.SettleCell", [this](int row, int col) { SettleCell(row, col); }));
+                    [this](int /*row*/, int col, int /*key*/) { grdNVC_KeyUpEdit(col); }));
 }
 
 void frm5NVCTable::Setup() {
@@ -130,7 +140,8 @@ void frm5NVCTable::Setup() {
     BecomeCurrent();
     const BusyScope busy;
     SetupGrid();
-    names_.Load();
+    table_.LoadNames();
+    grdNVC_->SetTable(&table_);
     mFMZs::LoadFMZs(*cboFMZs_);
     if (cboFMZs_->count() > 0) {
         PageParts::SelectSilently(*cboFMZs_, 0);
@@ -159,23 +170,72 @@ void frm5NVCTable::SaveChanges() {
     u91Trace::Procedure(QStringLiteral("frm5NVCTable.SaveChanges"));
     grdNVC_->FinishEdit();
     platform::FirstError refused;
-    refused.Try([this] { names_.Save(); });
-    if (table_) {
-        refused.Try([this] { SaveTable(); });
+    refused.Try(
+        [this] { MissingRows::Told("frm5NVCTable.SaveChanges", [this] { table_.SaveNames(); }); });
+    if (c34NVCTable* table = table_.Table()) {
+        refused.Try([table] {
+            MissingRows::Told("frm5NVCTable.SaveChanges", [table] { table->SaveChanges(); });
+        });
     }
     refused.Rethrow();
 }
 
-// An import that was cut off leaves out rows of its last zone; what is typed there needs them.
-void frm5NVCTable::SaveTable() {
-    try {
-        table_->SaveChanges();
-    } catch (const platform::RuntimeError& error) {
-        if (error.Number() != platform::kNoCurrentRecord || locationIndex_ < 0) {
-            throw;
-        }
-        ZoneKeys::AddLocations(zoneKey_, locationIndex_ + 1, locationIndex_ + 1);
-        table_->SaveChanges();
+void frm5NVCTable::EndOpenEdit() {
+    grdNVC_->FinishEdit();
+}
+
+void frm5NVCTable::ActionDone(const QString& name, const NVCGridTable::Changes& changes) {
+    ShowTotals();
+    if (changes.empty()) {
+        return;
+    }
+    const Place place{zoneKey_, locationIndex_ + 1};
+    Did<frm5NVCTable>(
+        name,
+        [place, changes](frm5NVCTable& form) {
+            form.PutBack(place, changes, &undo::CellChange<NVCGridTable::Cell>::before);
+        },
+        [place, changes](frm5NVCTable& form) {
+            form.PutBack(place, changes, &undo::CellChange<NVCGridTable::Cell>::after);
+        });
+}
+
+void frm5NVCTable::PutBack(const Place& place, const NVCGridTable::Changes& changes,
+                           CellState state) {
+    // The names are the same at every location.
+    const bool ofLocation = std::any_of(changes.begin(), changes.end(), [](const auto& change) {
+        return change.col != NVCGridTable::kName;
+    });
+    if (ofLocation) {
+        GoTo(place);
+    }
+    for (const auto& change : changes) {
+        table_.Put(change.row, change.col, change.*state);
+    }
+    grdNVC_->Refresh();
+    ShowTotals();
+    GridParts::Show(*grdNVC_, changes.front().row, changes.front().col);
+}
+
+// Choosing saves what was shown before.
+void frm5NVCTable::GoTo(const Place& place) {
+    const int zone = cboFMZs_->findData(place.zoneKey);
+    if (zone < 0) {
+        throw undo::GoneError(tr("The zone whose values this step would change is gone."));
+    }
+    if (zone != zoneIndex_) {
+        PageParts::SelectSilently(*cboFMZs_, zone);
+        ChooseZone();
+    }
+    const int location = place.location - 1;
+    if (location >= cboRepLocs_->count()) {
+        throw undo::GoneError(tr("The zone no longer has the location %1, whose values this step "
+                                 "would change.")
+                                  .arg(place.location));
+    }
+    if (location != locationIndex_) {
+        PageParts::SelectSilently(*cboRepLocs_, location);
+        ChooseLocation();
     }
 }
 
@@ -220,6 +280,9 @@ void frm5NVCTable::cboFMZs_Click() {
     if (cboRepLocs_->count() > 0) {
         PageParts::SelectSilently(*cboRepLocs_, 0);
         cboRepLocs_Click();
+    } else {
+        // The table that was shown before stays, but it is not this zone's.
+        table_.StopTyping();
     }
 }
 
@@ -230,7 +293,7 @@ void frm5NVCTable::cboRepLocs_Click() {
     }
     auto table = std::make_unique<c34NVCTable>();
     table->Initialize(zoneKey_, cboRepLocs_->currentIndex() + 1);
-    table_ = std::move(table);
+    table_.Show(std::move(table));
     locationIndex_ = cboRepLocs_->currentIndex();
     ShowNVCTable();
 }
@@ -238,28 +301,16 @@ void frm5NVCTable::cboRepLocs_Click() {
 void frm5NVCTable::ShowNVCTable() {
     u91Trace::Procedure(QStringLiteral("ShowNVCTable"));
     const BusyScope busy;
-    std::array<std::array<float, kResources>, kFilLevels> columns{};
-    for (int resource = 1; resource <= kResources; ++resource) {
-        grdNVC_->SetTextMatrix(resource, 0, names_.Name(resource));
-        for (int level = 1; level <= kFilLevels; ++level) {
-            const float value = table_->NVCCellValue(resource, level);
-            grdNVC_->SetTextMatrix(resource, level, platform::Str(value));
-            columns[std::size_t(level - 1)][std::size_t(resource - 1)] = value;
-        }
-    }
+    grdNVC_->Refresh();
     for (int level = 1; level <= kFilLevels; ++level) {
-        ShowTotal(level, NVCTotals::Loaded(columns[std::size_t(level - 1)]));
+        ShowTotal(level, table_.LoadedTotal(level));
     }
 }
 
 void frm5NVCTable::ShowTotals() {
     u91Trace::Procedure(QStringLiteral("ShowTotals"));
     for (int level = 1; level <= kFilLevels; ++level) {
-        std::array<double, kResources> column{};
-        for (int resource = 1; resource <= kResources; ++resource) {
-            column[std::size_t(resource - 1)] = grdNVC_->ValueMatrix(resource, level);
-        }
-        ShowTotal(level, NVCTotals::Typed(column));
+        ShowTotal(level, table_.ShownTotal(level));
     }
 }
 
@@ -274,11 +325,9 @@ void frm5NVCTable::grdNVC_EnterCell() {
     grdNVC_->EditCell();
 }
 
-void frm5NVCTable::grdNVC_BeforeEdit(int col, bool* cancel) {
+// How long a text may be, and whether the cell takes one, the table tells.
+void frm5NVCTable::grdNVC_BeforeEdit() {
     u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_BeforeEdit"));
-    grdNVC_->SetEditMaxLength(col == 0 ? kNameLength : kValueLength);
-    // A zone without locations leaves the table that was shown before, which is not its own.
-    *cancel = *cancel || locationIndex_ < 0;
 }
 
 void frm5NVCTable::grdNVC_KeyPressEdit(int row, int col, QChar key) {
@@ -289,61 +338,17 @@ void frm5NVCTable::grdNVC_KeyPressEdit(int row, int col, QChar key) {
         return;
     }
     const bool digit = key >= QLatin1Char('0') && key <= QLatin1Char('9');
-    if (digit && row >= 1 && col >= 1 && grdNVC_->ValueMatrix(row, col) == 0 &&
+    if (digit && row >= 1 && col >= 1 && table_.Value(row, col) == 0 &&
         lblMinus_->property(kTag).toString() != kMinusTyped) {
         lblMinus_->show();
     }
 }
 
-void frm5NVCTable::grdNVC_KeyUpEdit(int row, int col) {
+void frm5NVCTable::grdNVC_KeyUpEdit(int col) {
     u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_KeyUpEdit"));
-    const QString text = grdNVC_->EditText();
-    // The release of the key that led into a cell comes here too, with the cell's own text.
-    if (text == grdNVC_->TextMatrix(row, col)) {
-        return;
-    }
-    if (col == 0) {
-        names_.SetName(row, text);
-        return;
-    }
-    if (StoreCell(row, col, text) == Stored::kRefused) {
-        return;  // told once, when the edit ends
-    }
-    grdNVC_->SetTextMatrix(row, col, text);
-    ShowTotals();
-}
-
-// What the last key release did not see (a key still held when the edit ended) is stored here, and
-// what an abandoned edit had stored is taken back.
-void frm5NVCTable::SettleCell(int row, int col) {
-    const QString text = grdNVC_->TextMatrix(row, col);
-    if (col == 0) {
-        names_.SetName(row, text);
-        return;
-    }
-    switch (StoreCell(row, col, text)) {
-        case Stored::kAsBefore:
-            return;
-        case Stored::kChanged:
-            ShowTotals();
-            return;
-        case Stored::kRefused:
-            grdNVC_->SetTextMatrix(row, col, platform::Str(table_->NVCCellValue(row, col)));
-            throw platform::RuntimeError(platform::kOverflow,
-                                         tr("The number \"%1\" is too large.").arg(text));
-    }
-}
-
-frm5NVCTable::Stored frm5NVCTable::StoreCell(int row, int col, const QString& text) {
-    try {
-        const float value = platform::ToSingle(platform::Val(text));
-        if (value == table_->NVCCellValue(row, col)) {
-            return Stored::kAsBefore;
-        }
-        table_->NVCCellValue(row, col, value);
-        return Stored::kChanged;
-    } catch (const platform::RuntimeError&) {
-        return Stored::kRefused;
+    grdNVC_->OfferEdit();
+    if (col != NVCGridTable::kName) {
+        ShowTotals();
     }
 }
 

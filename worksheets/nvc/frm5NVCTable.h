@@ -1,20 +1,18 @@
-// Net value change per acre: the table of one representative location of one zone, with a total
-// for each FIL level, and the names of the fourteen resources.
+// The net value change table of one representative location at a time, its totals, and the names of
+// the fourteen resources.
 //
-// Values go into the table object as they are typed and into the file with SaveChanges, which also
-// runs before another zone or location is shown.
+// What the grid shows and takes is NVCGridTable's business. Values are stored in the table object
+// at each key and in the file with SaveChanges, which also runs before another zone or location is
+// shown.
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "worksheets/WorksheetPage.h"
-#include "worksheets/nvc/NVCResourceNames.h"
+#include "worksheets/nvc/NVCGridTable.h"
 
 class ColumnTotals;
-class QComboBox;
 class QLabel;
-class c34NVCTable;
 class vsFlexGrid;
 
 class frm5NVCTable : public WorksheetPage {
@@ -29,42 +27,51 @@ public:
     void Unload() override;
 
     void Setup();
-    // Writes changed resource names and the table, when it was changed.
     void SaveChanges();
-    void SaveTable();
+
+protected:
+    void EndOpenEdit() override;
 
 private:
-    enum class Stored { kAsBefore, kChanged, kRefused };  // refused: larger than the file can hold
+    struct Place {
+        std::int32_t zoneKey = 0;
+        std::int32_t location = 0;
+    };
+    using CellState = NVCGridTable::Cell undo::CellChange<NVCGridTable::Cell>::*;
 
     void BuildChoices();
     void BuildTable();
+    void BuildTotals();
+    void BuildNotes();
     void ConnectHandlers();
     void SetupGrid();
     void ShowNVCTable();
     void ShowTotals();
     void ShowTotal(int level, double total);
-    void SettleCell(int row, int col);
-    Stored StoreCell(int row, int col, const QString& text);
+
+    void ActionDone(const QString& name, const NVCGridTable::Changes& changes);
+    void PutBack(const Place& place, const NVCGridTable::Changes& changes, CellState state);
+    void GoTo(const Place& place);
+
     void ChooseZone();
     void ChooseLocation();
     void RestoreChoices();
     void cboFMZs_Click();
     void cboRepLocs_Click();
     void grdNVC_EnterCell();
-    void grdNVC_BeforeEdit(int col, bool* cancel);
+    void grdNVC_BeforeEdit();
     void grdNVC_KeyPressEdit(int row, int col, QChar key);
-    void grdNVC_KeyUpEdit(int row, int col);
+    void grdNVC_KeyUpEdit(int col);
 
-    QComboBox* cboFMZs_ = nullptr;
-    QComboBox* cboRepLocs_ = nullptr;
+    NVCGridTable table_;
+    ChoiceBox* cboFMZs_ = nullptr;
+    ChoiceBox* cboRepLocs_ = nullptr;
+    QLabel* lblNoRepLocs_ = nullptr;
     vsFlexGrid* grdNVC_ = nullptr;
     ColumnTotals* totals_ = nullptr;
-    QLabel* lblNoRepLocs_ = nullptr;
     QLabel* lblMinus_ = nullptr;
-    NVCResourceNames names_;
-    std::unique_ptr<c34NVCTable> table_;
-    std::int32_t zoneKey_ = 0;
-    // What the boxes show; put back when the table that is left cannot be saved.
+    // What the boxes chose last; location -1: none.
     int zoneIndex_ = -1;
     int locationIndex_ = -1;
+    std::int32_t zoneKey_ = 0;
 };
