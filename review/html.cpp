@@ -42,7 +42,8 @@ summary { font-size: 1.1em; font-weight: bold; cursor: pointer; margin: .6em 0; 
   .page { break-before: page; }
   h2, h3, caption, figcaption { break-after: avoid; }
   thead { display: table-header-group; }
-  tr, figure, tfoot { break-inside: avoid; }
+  tfoot { display: table-row-group; }
+  tr, figure, .whole { break-inside: avoid; }
 }
 )";
 
@@ -153,7 +154,10 @@ private:
     }
 
     void Write(const Table& table) {
-        out_ += "<table>\n<caption>" + HtmlText(table.caption) + "</caption>\n<thead>\n<tr>";
+        // A short table is never torn between two pages.
+        constexpr std::size_t kShort = 25;
+        out_ += std::string("<table") + (table.rows.size() <= kShort ? " class=\"whole\"" : "") +
+                ">\n<caption>" + HtmlText(table.caption) + "</caption>\n<thead>\n<tr>";
         for (const Cell& cell : table.head) {
             WriteCell(cell, "col");
         }

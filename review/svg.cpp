@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <map>
+#include <string_view>
 
 #include "review/figures.h"
 #include "review/html.h"
@@ -29,10 +31,9 @@ public:
     Picture(double width, double height, const ChartWords& words)
         : text_("<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" viewBox=\"0 0 " +
                 At(width) + " " + At(height) + "\" width=\"" + At(width) + "\" height=\"" +
-                At(height) + "\" aria-label=\"" + HtmlText(words.alternative) +
+                At(height) +
                 "\" font-family=\"Liberation Sans, Arial, sans-serif\" font-size=\"11\">\n<title>" +
-                HtmlText(words.caption) + "</title>\n<desc>" + HtmlText(words.alternative) +
-                "</desc>\n") {}
+                HtmlText(words.alternative) + "</title>\n") {}
 
     void Line(double x1, double y1, double x2, double y2, const char* look) {
         text_ += "<line x1=\"" + At(x1) + "\" y1=\"" + At(y1) + "\" x2=\"" + At(x2) + "\" y2=\"" +
@@ -119,9 +120,10 @@ void DrawSteps(Picture& picture, const CostChart& chart, const LogAxis& acres,
 }  // namespace
 
 std::string SvgOf(const CostChart& chart) {
-    constexpr double kWidth = 620;
+    constexpr double kWidth = 640;
     constexpr double kHeight = 260;
     constexpr double kLeft = 70;
+    constexpr double kRight = kWidth - 35;
     constexpr double kBottom = 215;
     double leastAcres = 1;
     double mostAcres = 10;
@@ -133,7 +135,7 @@ std::string SvgOf(const CostChart& chart) {
         leastCost = std::min(leastCost, step.cost);
         mostCost = std::max(mostCost, step.cost);
     }
-    const LogAxis acres(leastAcres, mostAcres, kLeft, kWidth - 15);
+    const LogAxis acres(leastAcres, mostAcres, kLeft, kRight);
     const LogAxis dollars(leastCost, mostCost * 1.2, kBottom, 15);
     Picture picture(kWidth, kHeight, chart.words);
     acres.EachPower([&](double power) {
@@ -141,12 +143,12 @@ std::string SvgOf(const CostChart& chart) {
         picture.Words(acres.Place(power), kBottom + 15, PowerText(power), "middle");
     });
     dollars.EachPower([&](double power) {
-        picture.Line(kLeft, dollars.Place(power), kWidth - 15, dollars.Place(power), kGridLine);
+        picture.Line(kLeft, dollars.Place(power), kRight, dollars.Place(power), kGridLine);
         picture.Words(kLeft - 6, dollars.Place(power) + 4, "$" + PowerText(power), "end");
     });
-    picture.Line(kLeft, kBottom, kWidth - 15, kBottom, kAxis);
+    picture.Line(kLeft, kBottom, kRight, kBottom, kAxis);
     picture.Line(kLeft, 15, kLeft, kBottom, kAxis);
-    picture.Words((kLeft + kWidth) / 2, kHeight - 10, "Fire size in acres", "middle");
+    picture.Words((kLeft + kRight) / 2, kHeight - 10, "Fire size in acres", "middle");
     picture.Words(14, (kBottom + 15) / 2, "Dollars per acre", "middle",
                   "transform=\"rotate(-90 14 " + At((kBottom + 15) / 2) + ")\"");
     DrawSteps(picture, chart, acres, dollars);
@@ -235,59 +237,101 @@ std::string SvgOf(const TotalsChart& chart) {
 
 namespace {
 
-std::string Shade(double value, double largest) {
+// How dark: 0 for nothing to kDarkest. Small amounts count as well: a digit more is a shade more.
+constexpr int kDarkest = 8;
+
+int ShadeOf(double value, double largest) {
     if (value == 0 || largest <= 0) {
-        return "#ffffff";
+        return 0;
     }
-    // Small amounts count as well: a digit more is a shade more.
     const double part = std::min(1.0, std::log1p(std::abs(value)) / std::log1p(largest));
-    const std::array<double, 3> end =
-        value < 0 ? std::array<double, 3>{153, 64, 0} : std::array<double, 3>{26, 58, 122};
+    return std::max(1, static_cast<int>(std::lround(part * kDarkest)));
+}
+
+std::string Colour(int shade, bool isLoss) {
+    const std::array<int, 3> darkest =
+        isLoss ? std::array<int, 3>{153, 64, 0} : std::array<int, 3>{26, 58, 122};
     std::string colour = "#";
-    for (const double channel : end) {
+    for (const int channel : darkest) {
         constexpr std::string_view kHex = "0123456789abcdef";
-        const int mixed = static_cast<int>(std::lround(255 + (channel - 255) * part));
+        const int mixed = 255 + (channel - 255) * shade / kDarkest;
         colour += kHex[static_cast<std::size_t>(mixed >> 4)];
         colour += kHex[static_cast<std::size_t>(mixed & 15)];
     }
     return colour;
 }
 
-bool IsDark(double value, double largest) {
-    return value != 0 && largest > 0 && std::log1p(std::abs(value)) / std::log1p(largest) > 0.55;
+constexpr int kCellsLeft = 170;
+constexpr int kCellWidth = 74;
+constexpr int kCellHeight = 20;
+constexpr int kCellsTop = 18;
+
+std::string SquareAt(std::size_t row, std::size_t level, int margin) {
+    const int left = kCellsLeft + kCellWidth * static_cast<int>(level) + margin;
+    const int top = kCellsTop + kCellHeight * static_cast<int>(row) + margin;
+    const std::string width = std::to_string(kCellWidth - 2 * margin);
+    return "M" + std::to_string(left) + " " + std::to_string(top) + "h" + width + "v" +
+           std::to_string(kCellHeight - 2 * margin) + "h-" + width + "z";
 }
+
+// A report has thousands of maps: squares of one colour are one path, texts share their look.
+class MapParts {
+public:
+    void Add(std::size_t row, std::size_t level, double value, double largest) {
+        const int shade = ShadeOf(value, largest);
+        squares_[Colour(shade, value < 0)] += SquareAt(row, level, 0);
+        if (value > 0) {
+            // Told from a loss without colours too.
+            borders_ += SquareAt(row, level, 3);
+        }
+        std::string text = Fixed(static_cast<float>(value), 2);
+        std::erase(text, ',');
+        const int right = kCellsLeft + kCellWidth * static_cast<int>(level + 1) - 6;
+        const int line = kCellsTop + kCellHeight * static_cast<int>(row) + 14;
+        texts_[shade > kDarkest / 2] += "<text x=\"" + std::to_string(right) + "\" y=\"" +
+                                        std::to_string(line) + "\">" + text + "</text>\n";
+    }
+    [[nodiscard]] std::string Svg() const {
+        std::string svg;
+        for (const auto& [colour, path] : squares_) {
+            svg += "<path fill=\"" + colour + "\" stroke=\"#999\" d=\"" + path + "\"/>\n";
+        }
+        if (!borders_.empty()) {
+            svg += "<path fill=\"none\" stroke=\"#1a3a7a\" stroke-dasharray=\"3 2\" d=\"" +
+                   borders_ + "\"/>\n";
+        }
+        for (const auto& [isOnDark, texts] : texts_) {
+            svg += std::string("<g text-anchor=\"end\" fill=\"") + (isOnDark ? "#fff" : "#111") +
+                   "\">\n" + texts + "</g>\n";
+        }
+        return svg;
+    }
+
+private:
+    std::map<std::string, std::string> squares_;
+    std::string borders_;
+    std::map<bool, std::string> texts_;
+};
 
 }  // namespace
 
 std::string SvgOf(const HeatMap& chart) {
-    constexpr double kNames = 170;
-    constexpr double kWide = 74;
-    constexpr double kHigh = 20;
-    Picture picture(kNames + 6 * kWide + 2, kHigh * static_cast<double>(chart.rows.size()) + 20,
+    Picture picture(kCellsLeft + 6 * kCellWidth + 2,
+                    kCellsTop + kCellHeight * static_cast<double>(chart.rows.size()) + 2,
                     chart.words);
     for (int fil = 1; fil <= 6; ++fil) {
-        picture.Words(kNames + kWide * (fil - 0.5), 13, "FIL " + std::to_string(fil), "middle",
-                      "font-weight=\"bold\"");
+        picture.Words(kCellsLeft + kCellWidth * (fil - 0.5), 13, "FIL " + std::to_string(fil),
+                      "middle", "font-weight=\"bold\"");
     }
+    MapParts parts;
     for (std::size_t row = 0; row < chart.rows.size(); ++row) {
-        const double top = 18 + kHigh * static_cast<double>(row);
-        picture.Words(kNames - 6, top + 14, chart.rows[row], "end");
-        for (std::size_t i = 0; i < chart.values[row].size(); ++i) {
-            const double value = chart.values[row][i];
-            const double left = kNames + kWide * static_cast<double>(i);
-            picture.Box(left, top, kWide, kHigh,
-                        "fill=\"" + Shade(value, chart.largest) + "\" stroke=\"#999\"");
-            // A gain has a border within, so that it is told from a loss without colours.
-            if (value > 0) {
-                picture.Box(left + 2.5, top + 2.5, kWide - 5, kHigh - 5,
-                            "fill=\"none\" stroke=\"#1a3a7a\" stroke-dasharray=\"3 2\"");
-            }
-            std::string text = Fixed(static_cast<float>(value), 2);
-            std::erase(text, ',');
-            picture.Words(left + kWide - 6, top + 14, text, "end",
-                          IsDark(value, chart.largest) ? "fill=\"#fff\"" : "fill=\"#111\"");
+        picture.Words(kCellsLeft - 6, kCellsTop + kCellHeight * static_cast<double>(row) + 14,
+                      chart.rows[row], "end");
+        for (std::size_t level = 0; level < chart.values[row].size(); ++level) {
+            parts.Add(row, level, chart.values[row][level], chart.largest);
         }
     }
+    picture.Add(parts.Svg());
     return picture.Finish();
 }
 

@@ -116,7 +116,8 @@ Table NvcTable(const season::Season& season, const Zone& zone, int location, con
                double tolerance) {
     Table table;
     const bool isNew = before != nullptr && location > season::LiveCount(*before);
-    table.caption = "Location " + std::to_string(location) + ": net value change per acre" +
+    // A location may begin a page, where its zone's heading is not in view.
+    table.caption = PlaceOf(zone, location).Words() + ": net value change per acre" +
                     (isNew ? " (a new location)" : "");
     table.head = {HeadCell("Resource")};
     for (int fil = 1; fil <= season::kFilLevels; ++fil) {

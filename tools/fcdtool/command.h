@@ -27,6 +27,7 @@ const Command& CheckCommand();
 const Command& DiffCommand();
 const Command& ExportCommand();
 const Command& NewYearCommand();
+const Command& ReportCommand();
 
 // In the order of the help.
 std::vector<const Command*> Commands();

@@ -3,7 +3,7 @@
 namespace fcdtool {
 
 std::vector<const Command*> Commands() {
-    return {&CheckCommand(), &DiffCommand(), &ExportCommand(), &NewYearCommand()};
+    return {&CheckCommand(), &DiffCommand(), &ReportCommand(), &ExportCommand(), &NewYearCommand()};
 }
 
 }  // namespace fcdtool
