@@ -5,14 +5,14 @@ stage_program() {
     mkdir -p "$1"
     cp -r "$out/build/TARNPrep/." "$1/"
     rm -f "$1"/*.LOG "$1"/Costs/*-log
-    strip "$1/tarnprep"
+    strip "$1/tarnprep" "$1/fcdtool"
     strip --strip-unneeded "$1/libtarnhelp.so"
 }
 
 # stage_tools FOLDER
 stage_tools() {
     mkdir -p "$1"
-    for tool in jetdoctor jetdump; do
+    for tool in jetdoctor jetdump fcdtool; do
         cp "$out/build/bin/$tool" "$1/"
         strip "$1/$tool"
     done

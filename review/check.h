@@ -39,6 +39,7 @@ class Findings;
 struct Rule {
     std::string_view name;
     Severity severity;
+    std::string_view summary;  // what it finds, in a few words
     void (*look)(const Subject& subject, Findings& findings);
 };
 

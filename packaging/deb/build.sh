@@ -31,10 +31,12 @@ printf 'tarnprep (%s) unstable; urgency=medium\n\n  * %s\n\n -- %s  %s\n' "$vers
     "A new release; CHANGELOG.md tells what is new in it." \
     "The TARN Prep contributors <maintainers@tarnprep.invalid>" "$(LC_ALL=C date -u -R -d "$released")" |
     gzip -9n >"$stage/usr/share/doc/tarnprep/changelog.gz"
+install -D -m 644 "$root/packaging/completion/fcdtool" \
+    "$stage/usr/share/bash-completion/completions/fcdtool"
 printf '%s\n' "$version" >"$stage/usr/lib/tarnprep/VERSION"
 find "$stage" -type d -exec chmod 755 {} +
 find "$stage/usr/lib/tarnprep" "$stage/usr/share" -type f -exec chmod 644 {} +
-chmod 755 "$stage/usr/lib/tarnprep/tarnprep" "$stage"/usr/bin/*
+chmod 755 "$stage/usr/lib/tarnprep/tarnprep" "$stage/usr/lib/tarnprep/fcdtool" "$stage"/usr/bin/*
 
 # What the program and the tools are linked with, as Debian's own tool finds it.
 work=$(mktemp -d)
@@ -43,7 +45,7 @@ mkdir "$work/debian"
 printf 'Source: tarnprep\n\nPackage: tarnprep\nArchitecture: any\n' >"$work/debian/control"
 libraries=$(cd "$work" && dpkg-shlibdeps -O -l/nonexistent "$stage/usr/lib/tarnprep/tarnprep" \
     "$stage/usr/lib/tarnprep/libtarnhelp.so" "$stage/usr/bin/jetdoctor" \
-    "$stage/usr/bin/jetdump" 2>/dev/null |
+    "$stage/usr/bin/jetdump" "$stage/usr/bin/fcdtool" 2>/dev/null |
     sed -n 's/^shlibs:Depends=//p')
 
 mkdir -p "$stage/DEBIAN"

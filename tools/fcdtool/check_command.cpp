@@ -3,6 +3,7 @@
 #include <set>
 
 #include "review/check.h"
+#include "review/rules.h"
 #include "season/data_file.h"
 #include "tools/fcdtool/command.h"
 #include "tools/fcdtool/files.h"
@@ -33,6 +34,27 @@ bool SayFindings(const std::string& file, const std::vector<review::Finding>& fi
         Say(asJson ? review::JsonOf(finding, file) : file + ": " + review::LineOf(finding));
     }
     return !findings.empty();
+}
+
+std::string Help() {
+    std::string help =
+        "One line for each finding: FILE: severity: RULE: sentence. A file that cannot be read is\n"
+        "named with the reason, and the others go on.\n\n"
+        "  --json            one JSON object a line\n"
+        "  --previous OLD    also names zones whose figures are those of last year's file\n"
+        "  --ignore RULE,... leaves these rules out\n\n"
+        "Rules:\n";
+    constexpr std::size_t kWidth = 24;
+    for (const review::Rule& rule : review::Rules()) {
+        if (rule.look == review::Outlier) {
+            continue;  // it needs the figures of other files, which nothing here gives it
+        }
+        std::string name(rule.name);
+        name.resize(kWidth, ' ');
+        help += "  " + name + std::string(rule.summary) + "\n";
+    }
+    help.pop_back();
+    return help;
 }
 
 int RunCheck(const Arguments& arguments) {
@@ -68,17 +90,13 @@ int RunCheck(const Arguments& arguments) {
 }  // namespace
 
 const Command& CheckCommand() {
-    static const Command command{
-        "check",
-        "FILE... [--json] [--previous OLD] [--ignore RULE,...]",
-        "Finds what seems wrong or missing in data files.",
-        "One line for each finding: FILE: severity: RULE: sentence. A file that cannot be read is\n"
-        "named with the reason, and the others go on.\n\n"
-        "  --json            one JSON object a line\n"
-        "  --previous OLD    also names zones whose figures are those of last year's file\n"
-        "  --ignore RULE,... leaves these rules out",
-        {{"--json"}, {"--previous", true}, {"--ignore", true}},
-        RunCheck};
+    static const std::string help = Help();
+    static const Command command{"check",
+                                 "FILE... [--json] [--previous OLD] [--ignore RULE,...]",
+                                 "Finds what seems wrong or missing in data files.",
+                                 help,
+                                 {{"--json"}, {"--previous", true}, {"--ignore", true}},
+                                 RunCheck};
     return command;
 }
 
