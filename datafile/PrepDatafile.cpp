@@ -415,7 +415,8 @@ void RefuseDatafile(const QString& reason) {
 }
 
 void MakeDurable() {
-    if (fileIsOpen && dbDatafile) {
+    // A window or a timer may ask for it while an action waits for the user.
+    if (fileIsOpen && dbDatafile && !dbDatafile->InTransaction()) {
         try {
             ZoneKeys::TakeBackLeftOver();
         } catch (const platform::RuntimeError&) {

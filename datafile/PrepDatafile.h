@@ -43,7 +43,8 @@ void GiveUp();
 QString FileTitleFromPath(const QString& path);
 // Tells the user in one box that the file cannot be opened, and why; closes whatever of it is open.
 void RefuseDatafile(const QString& reason);
-// Carries what was written so far through a power cut; nothing when no file is open.
+// Carries what was written so far through a power cut; nothing when no file is open, or while a
+// transaction is, whose action ends with it.
 void MakeDurable();
 // Does beforehand what would make the first MakeDurable wait longer than the others.
 void SecureLog() noexcept;

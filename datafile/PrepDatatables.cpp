@@ -73,6 +73,14 @@ void Table::Close() {
     }
 }
 
+dao::Transaction Begin() {
+    if (!dbDatafile) {
+        throw platform::RuntimeError(platform::kObjectNotSet,
+                                     QStringLiteral("No data file is open."));
+    }
+    return dbDatafile->Begin();
+}
+
 QStringList TableNames() {
     QStringList names;
     for (const NamedTable& named : kTables) {

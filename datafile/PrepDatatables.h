@@ -33,6 +33,11 @@ extern Table tblSRMasterList;
 extern Table tblNVCResources;
 extern Table tblNVCPerAcre;
 
+// Makes one of all changes to the data file up to Commit: all are stored, or none. One for each
+// action of the user; where an action is a part of another one, its transaction joins the other's
+// (Transaction.h). "Object variable not set" (91) while no file is open.
+[[nodiscard]] dao::Transaction Begin();
+
 // The tables other than Properties, which OpenRecordsets opens.
 QStringList TableNames();
 // Opens the six tables other than Properties and sets their indexes. On an error it is told like a

@@ -25,6 +25,7 @@ enum ErrorNumber {
     kDuplicateKey = 3022,
     kNoSuchFile = 3024,
     kFileSystemFull = 3026,
+    kNoTransaction = 3034,
     kDamagedFile = 3049,
     kReadOnlyFile = 3051,
     kObjectClosed = 3420,

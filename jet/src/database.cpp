@@ -1,6 +1,5 @@
 #include "jet/database.h"
 
-#include <algorithm>
 #include <new>
 
 #include "catalog/new_table.h"
@@ -15,73 +14,6 @@
 #include "table_recordset.h"
 
 namespace jet {
-
-OpenFile::OpenFile(std::unique_ptr<Pager> pager, const Recovery& recovery, Logger logger)
-    : pager_(std::move(pager)),
-      catalog_(std::make_unique<Catalog>(*pager_)),
-      recovery_(recovery),
-      logger_(std::move(logger)) {}
-
-OpenFile::~OpenFile() = default;
-
-void OpenFile::Close() {
-    if (closed_) return;
-    closed_ = true;
-    LogFailure("The file could not be closed properly: ", [this] { pager_->Close(); });
-}
-
-void OpenFile::MakeDurable() {
-    LogFailure("The changes could not be made durable: ", [this] { pager_->MakeDurable(); });
-}
-
-void OpenFile::Log(LogLevel level, std::string_view what, std::string_view detail) const noexcept {
-    if (!logger_) return;
-    try {
-        logger_(level, std::string(what).append(detail));
-    } catch (...) {
-        // A logger that fails must not fail what it was to report.
-    }
-}
-
-void OpenFile::LogFailure(std::string_view what, const std::function<void()>& work) const {
-    try {
-        work();
-    } catch (const Error& error) {
-        Log(LogLevel::kError, what, error.what());
-        throw;
-    }
-}
-
-void OpenFile::LogRecovery() const {
-    if (!logger_) return;
-    if (recovery_.applied) {
-        Log(LogLevel::kInfo,
-            "An interrupted run was recovered. Operations: ", std::to_string(recovery_.operations));
-    }
-    if (recovery_.foreignLogIgnored) {
-        Log(LogLevel::kWarning, "A log that does not belong to the file was ignored.");
-    }
-    if (!recovery_.keptLog.empty()) {
-        const std::u8string name = recovery_.keptLog.filename().u8string();
-        Log(LogLevel::kWarning, "It was kept as ", std::string(name.begin(), name.end()));
-    }
-}
-
-void OpenFile::ThrowClosed() {
-    throw Error(ErrorKind::kClosed, "The database has been closed.");
-}
-
-void OpenFile::Watch(RowWatcher& watcher) {
-    watchers_.push_back(&watcher);
-}
-
-void OpenFile::Unwatch(RowWatcher& watcher) {
-    watchers_.erase(std::remove(watchers_.begin(), watchers_.end(), &watcher), watchers_.end());
-}
-
-void OpenFile::TellDeleted(const Table& table, RowId row) {
-    for (RowWatcher* watcher : watchers_) watcher->RowDeleted(table, row);
-}
 
 std::unique_ptr<Database> Database::Open(const std::filesystem::path& path,
                                          const OpenOptions& options, FileSystem& files) try {
@@ -137,6 +69,14 @@ Database::~Database() {
     } catch (const Error&) {
         // Whoever wants to know calls Close.
     }
+}
+
+Transaction Database::Begin() try {
+    impl_->file->RequireOpen();
+    impl_->file->BeginTransaction();
+    return Transaction(impl_->file);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
 }
 
 void Database::Close() try { impl_->file->Close(); } catch (const std::bad_alloc&) {

@@ -4,6 +4,7 @@
 
 namespace jet {
 
+// Two lines for each kind, so that the compiler says which one lacks its number.
 int ErrorNumber(ErrorKind kind) {
     switch (kind) {
         case ErrorKind::kFileNotFound:
@@ -61,6 +62,10 @@ int ErrorNumber(ErrorKind kind) {
             return 3420;
         case ErrorKind::kOutOfMemory:
             return 7;
+        case ErrorKind::kTransactionOpen:
+            return 3246;
+        case ErrorKind::kNoTransaction:
+            return 3034;
     }
     return 0;  // unreachable: every kind is listed
 }

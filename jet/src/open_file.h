@@ -1,8 +1,10 @@
 // An open file with its catalogue, shared by the database and the record sets on it.
 #pragma once
 
+#include <compare>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -12,7 +14,15 @@
 
 namespace jet {
 
-// Is told of rows that go, so that a record set never takes another row for its own.
+// A row that was deleted.
+struct DeletedRow {
+    PageNumber table;  // its definition
+    RowId row;
+    auto operator<=>(const DeletedRow&) const = default;
+};
+
+// Notices rows that are deleted and transactions that are rolled back, so that a record set never
+// takes another row for its own.
 class RowWatcher {
 public:
     RowWatcher() = default;
@@ -20,6 +30,10 @@ public:
     RowWatcher& operator=(const RowWatcher&) = delete;
     virtual ~RowWatcher() = default;
     virtual void RowDeleted(const Table& table, RowId row) = 0;
+    virtual void TransactionBegun() = 0;
+    virtual void TransactionEnded() noexcept = 0;
+    // `deleted` are the rows that the transaction had deleted, sorted; they are back.
+    virtual void TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept = 0;
 };
 
 class OpenFile {
@@ -45,9 +59,18 @@ public:
 
     void Watch(RowWatcher& watcher);
     void Unwatch(RowWatcher& watcher);
-    void TellDeleted(const Table& table, RowId row);
+    // Before a row is deleted: afterwards nothing may fail.
+    void MakeRoomForDeleted();
+    void SignalDeleted(const Table& table, RowId row) noexcept;
+
+    // Errors: those of Database::Begin and Transaction::Commit.
+    void BeginTransaction();
+    void CommitTransaction();
+    void RollbackTransaction() noexcept;
+    [[nodiscard]] bool InTransaction() const { return inTransaction_; }
 
 private:
+    void UndoInMemory() noexcept;
     [[noreturn]] static void ThrowClosed();
     void LogFailure(std::string_view what, const std::function<void()>& work) const;
 
@@ -56,6 +79,8 @@ private:
     Recovery recovery_;
     Logger logger_;
     std::vector<RowWatcher*> watchers_;
+    std::vector<DeletedRow> deleted_;  // by the open transaction
+    bool inTransaction_ = false;
     bool closed_ = false;
 };
 

@@ -234,4 +234,41 @@ void QueryRecordset::RowDeleted(const Table& table, RowId row) {
     rows_.erase(found);
 }
 
+// Where the first of these is that is among the rows, or the end.
+std::size_t QueryRecordset::PlaceOfFirst(std::span<const RowId> rows) const {
+    for (const RowId row : rows) {
+        const auto found = std::find(rows_.begin(), rows_.end(), row);
+        if (found != rows_.end()) return static_cast<std::size_t>(found - rows_.begin());
+    }
+    return rows_.size();
+}
+
+// Removes the rows that were not there before the transaction. Gives the new place of what is at
+// `place`, or of its follower.
+std::size_t QueryRecordset::KeepSurvivors(std::size_t place,
+                                          std::span<const DeletedRow> deleted) noexcept {
+    std::size_t kept = 0;
+    std::size_t newPlace = 0;
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        if (i == place) newPlace = kept;
+        if (Survives(rows_[i], deleted)) rows_[kept++] = rows_[i];
+    }
+    if (place >= rows_.size()) newPlace = kept;
+    rows_.resize(kept);
+    return newPlace;
+}
+
+void QueryRecordset::TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept {
+    const bool wasOn = Where() == Place::kOn;
+    RowCursor::TransactionRolledBack(deleted);
+    const std::size_t next = wasOn && Where() == Place::kGone ? at_ + 1 : at_;
+    if (!rowsBefore_) {
+        at_ = KeepSurvivors(next, deleted);
+        return;
+    }
+    rows_.swap(*rowsBefore_);
+    const std::span<const RowId> rest(*rowsBefore_);
+    at_ = PlaceOfFirst(rest.subspan(std::min(next, rest.size())));
+}
+
 }  // namespace jet

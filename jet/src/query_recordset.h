@@ -26,11 +26,17 @@ protected:
     }
     void RowAdded(RowId row) override { rows_.push_back(row); }
     void RowDeleted(const Table& table, RowId row) override;
+    void TransactionBegun() override { rowsBefore_ = rows_; }
+    void TransactionEnded() noexcept override { rowsBefore_.reset(); }
+    void TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept override;
 
 private:
     std::optional<RowId> GoTo(std::size_t place);
+    [[nodiscard]] std::size_t PlaceOfFirst(std::span<const RowId> rows) const;
+    std::size_t KeepSurvivors(std::size_t place, std::span<const DeletedRow> deleted) noexcept;
 
     std::vector<RowId> rows_;
+    std::optional<std::vector<RowId>> rowsBefore_;  // the transaction that is open
     std::size_t at_ = 0;  // of the current record, or of the follower of one that is gone
 };
 

@@ -1,5 +1,6 @@
 #include "row_cursor.h"
 
+#include <algorithm>
 #include <bit>
 #include <new>
 #include <numeric>
@@ -134,6 +135,40 @@ void RowCursor::MovePrevious() try {
 
 void RowCursor::RowDeleted(const Table& table, RowId row) {
     if (&table == table_ && place_ == Place::kOn && row == row_) SetGone();
+}
+
+void RowCursor::TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept {
+    DropEdit();
+    viewKnown_ = false;
+    stored_ = StoredRow();
+    if (table_->IsDropped()) {
+        place_ = Place::kNowhere;
+    } else if (place_ == Place::kOn) {
+        if (Survives(row_, deleted)) {
+            CurrentChanged();
+        } else {
+            SetGone();
+        }
+    }
+}
+
+// A place that was freed may have been given to another row, so a row that was deleted counts as
+// gone although it is back.
+bool RowCursor::Survives(RowId row, std::span<const DeletedRow> deleted) const noexcept {
+    const DeletedRow sought{table_->Def().page, row};
+    if (std::binary_search(deleted.begin(), deleted.end(), sought)) return false;
+    try {
+        StoredRow stored;
+        return table_->Rows().Find(row, stored);
+    } catch (...) {
+        // It cannot be read, so nobody can stand on it.
+        return false;
+    }
+}
+
+void RowCursor::ThrowDropped() const {
+    throw Error(ErrorKind::kNoSuchTable,
+                "The table '" + table_->Name() + "' is not there: its creation was rolled back.");
 }
 
 void RowCursor::ThrowNoField() {
@@ -330,12 +365,13 @@ void RowCursor::Delete() try {
     RequireWritable();
     DropEdit();
     RequireCurrent();
+    file_->MakeRoomForDeleted();
     {
         Operation operation(table_->Pages());
         table_->Delete(operation, row_);
         operation.Commit();
     }
-    file_->TellDeleted(*table_, row_);
+    file_->SignalDeleted(*table_, row_);
 } catch (const std::bad_alloc&) {
     ThrowOutOfMemory();
 }

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -66,7 +67,10 @@ protected:
     virtual void CurrentChanged() {}
     virtual void RowAdded(RowId row) { static_cast<void>(row); }
 
-    void RequireOpen() const { file_->RequireOpen(); }
+    void RequireOpen() const {
+        file_->RequireOpen();
+        if (table_->IsDropped()) ThrowDropped();
+    }
     void DropEdit() { edit_ = EditKind::kNone; }
     void Arrive(const std::optional<RowId>& row, Place otherwise);
     [[nodiscard]] OpenFile& File() const { return *file_; }
@@ -85,6 +89,11 @@ protected:
         return FindCurrentView();
     }
     void RowDeleted(const Table& table, RowId row) override;
+    void TransactionBegun() override {}
+    void TransactionEnded() noexcept override {}
+    void TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept override;
+    // Whether a row is there that was there before the transaction, too.
+    [[nodiscard]] bool Survives(RowId row, std::span<const DeletedRow> deleted) const noexcept;
 
 private:
     enum class EditKind { kNone, kAdd, kEdit };
@@ -107,6 +116,7 @@ private:
         return columns_[position];
     }
     [[noreturn]] static void ThrowNoField();
+    [[noreturn]] void ThrowDropped() const;
     // True when the bytes of the current record are a number of this very type.
     [[nodiscard]] bool IsPlain(const FieldColumn& field, ColumnType type) const {
         return field.plain && field.type == type && edit_ == EditKind::kNone;

@@ -90,6 +90,14 @@ void Database::DiscardLog(const QString& path) {
     Mapped([&] { jet::Database::DiscardLog(ToPath(path)); });
 }
 
+Transaction Database::Begin() {
+    return Transaction::Begin(*database_, transaction_);
+}
+
+bool Database::InTransaction() const {
+    return Transaction::IsOpen(transaction_);
+}
+
 void Database::Close() {
     Mapped([this] { database_->Close(); });
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/RuntimeError.h"
+#include "platform/dao/Transaction.h"
 
 namespace jet {
 class Database;
@@ -59,9 +60,14 @@ public:
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    // Makes everything durable and gives up the file, even when it throws.
+    // Begins a transaction, or joins the one that is open; see Transaction.h.
+    [[nodiscard]] Transaction Begin();
+    [[nodiscard]] bool InTransaction() const;
+
+    // Rolls an open transaction back, makes everything durable and gives up the file, even when it
+    // throws.
     void Close();
-    // Carries all that was stored so far through a power cut.
+    // Carries all that was stored so far through a power cut. 3246 inside a transaction.
     void MakeDurable();
     // Spares the first MakeDurable a flush: for a moment in which nobody waits.
     void SecureLog() noexcept;
@@ -86,6 +92,7 @@ public:
 private:
     explicit Database(std::unique_ptr<jet::Database> database);
     std::unique_ptr<jet::Database> database_;
+    std::weak_ptr<Transaction::Whole> transaction_;
 };
 
 }  // namespace dao

@@ -495,4 +495,30 @@ TEST_F(LifeTest, OpenDatatables_NameThatIsNoUtf8_IsOpenedAndShown) {
     EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("UnitName")), QStringLiteral("North"));
 }
 
+TEST_F(LifeTest, Begin_WithoutAFile_IsRefused) {
+    try {
+        (void)PrepDatatables::Begin();
+        FAIL() << "there is no file";
+    } catch (const platform::RuntimeError& error) {
+        EXPECT_EQ(error.Number(), platform::kObjectNotSet);
+    }
+}
+
+TEST_F(LifeTest, MakeDurable_InsideATransaction_WaitsForItsEnd) {
+    OpenNewFile();
+    {
+        dao::Transaction action = PrepDatatables::Begin();
+        PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("North"));
+        PrepDatafile::MakeDurable();
+        EXPECT_TRUE(PrepDatatables::dbDatafile->InTransaction());
+    }
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("UnitName")), QString());
+    dao::Transaction action = PrepDatatables::Begin();
+    PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("South"));
+    action.Commit();
+    PrepDatafile::MakeDurable();
+    EXPECT_EQ(PrepDatatables::dbDatafile->PendingOperations(), 0U);
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("UnitName")), QStringLiteral("South"));
+}
+
 }  // namespace

@@ -220,6 +220,35 @@ TEST_P(AllocationTest, CreateTable_WithoutMemory_LeavesTheFileAsItWas) {
     FailEachOfChange([&] { database_->CreateTable(schema); });
 }
 
+TEST_P(AllocationTest, Transaction_WithoutMemory_LeavesTheFileAsItWas) {
+    const auto rows = database_->OpenTable("People");
+    const auto query = database_->OpenQuery("SELECT * FROM People WHERE ID < 20");
+    rows->SetIndex("PrimaryKey");
+    const TableSchema schema = Schema("Others");
+    const Value short_ = Text(10, u's');
+    FailEachOfChange([&] {
+        Transaction transaction = database_->Begin();
+        for (std::int32_t id = 100; id < 110; ++id) Add(*rows, id, name_, short_);
+        Add(*query, 110, name_, remarks_);
+        rows->Seek(Comparison::kEqual, {14});
+        rows->Delete();
+        database_->CreateTable(schema);
+        transaction.Commit();
+    });
+}
+
+TEST_P(AllocationTest, RowInATransaction_WithoutMemory_IsUndoneAlone) {
+    const auto rows = database_->OpenTable("People");
+    Transaction transaction = database_->Begin();
+    Add(*rows, 99, name_, remarks_);
+    const std::u16string before = Look(*database_);
+    FailEach([&] { Add(*rows, 100, name_, remarks_); },
+             [&] { EXPECT_TRUE(Look(*database_) == before); });
+    transaction.Commit();
+    EXPECT_EQ(rows->RecordCount(), 62);
+    ExpectSoundAfterClosing();
+}
+
 TEST_P(AllocationTest, MakeDurable_WithoutMemory_CanBeTriedAgain) {
     FailEachOfReading([&] { database_->MakeDurable(); });
 }

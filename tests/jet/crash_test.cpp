@@ -65,8 +65,36 @@ void Delete(Database& database, const std::u16string& name) {
     people->Delete();
 }
 
+// Rows of all kinds, a table and a refused row in one transaction.
+void MakeManyChanges(Database& database) {
+    Transaction transaction = database.Begin();
+    for (int i = 0; i < 40; ++i) {
+        const std::string digits = std::to_string(i);
+        Add(database, u"row " + std::u16string(digits.begin(), digits.end()),
+            i % 8 == 0 ? 3000U : 10U);
+    }
+    try {
+        Add(database, u"row 7", 5000);
+        throw std::logic_error("a second row has the same name");
+    } catch (const Error& error) {
+        if (error.Kind() != ErrorKind::kDuplicateKey) throw;
+    }
+    Alter(database, u"third", u"zzzz", 700);
+    Delete(database, u"row 16");
+    database.CreateTable(PeopleSchema("Within"));
+    Delete(database, u"second");
+    transaction.Commit();
+}
+
+void RollManyChangesBack(Database& database) {
+    const Transaction transaction = database.Begin();
+    Delete(database, u"row 3");
+    Add(database, u"never", 6000);
+    database.CreateTable(PeopleSchema("Never"));
+}
+
 // Every kind of operation: rows short and long, memos in the row, on one page and in a chain, rows
-// that move, keys that change, pages that are freed, a table that is created.
+// that move, keys that change, pages that are freed, a table that is created; then transactions.
 const std::vector<Change>& Changes() {
     static const std::vector<Change> changes = {
         [](Database& d) { Add(d, u"short", 0); },
@@ -78,6 +106,10 @@ const std::vector<Change>& Changes() {
         [](Database& d) { Delete(d, u"a shorter chain"); },
         [](Database& d) { d.CreateTable(PeopleSchema("Others")); },
         [](Database& d) { Delete(d, u"first"); },
+        [](Database& d) { Add(d, u"second", 20); },
+        [](Database& d) { MakeManyChanges(d); },
+        [](Database& d) { RollManyChangesBack(d); },
+        [](Database& d) { Alter(d, u"row 39", u"at the end", 30); },
     };
     return changes;
 }

@@ -108,20 +108,21 @@ TEST(Value, LargeAndSmallNumbersAsText_ReadBackAsTheSame) {
 
 TEST(Error, EveryKind_HasItsCustomaryNumber) {
     const std::vector<std::pair<ErrorKind, int>> numbers = {
-        {ErrorKind::kFileNotFound, 3024},   {ErrorKind::kFileInUse, 3045},
-        {ErrorKind::kNotADatabase, 3343},   {ErrorKind::kUnsupportedVersion, 3343},
-        {ErrorKind::kEncrypted, 3031},      {ErrorKind::kDamaged, 3049},
-        {ErrorKind::kReadOnly, 3051},       {ErrorKind::kPermissionDenied, 70},
-        {ErrorKind::kDiskFull, 3026},       {ErrorKind::kIo, 57},
-        {ErrorKind::kFileTooLarge, 3183},   {ErrorKind::kNoCurrentRecord, 3021},
-        {ErrorKind::kDuplicateKey, 3022},   {ErrorKind::kNoEditBegun, 3020},
-        {ErrorKind::kNullNotAllowed, 3058}, {ErrorKind::kNoSuchTable, 3078},
-        {ErrorKind::kNoSuchIndex, 3015},    {ErrorKind::kNoSuchField, 3265},
-        {ErrorKind::kAlreadyExists, 3010},  {ErrorKind::kBadName, 3125},
-        {ErrorKind::kSyntax, 3075},         {ErrorKind::kTypeMismatch, 13},
-        {ErrorKind::kOverflow, 6},          {ErrorKind::kTextTooLong, 3163},
-        {ErrorKind::kRecordTooLarge, 3047}, {ErrorKind::kUnsupported, 3251},
-        {ErrorKind::kClosed, 3420},         {ErrorKind::kOutOfMemory, 7}};
+        {ErrorKind::kFileNotFound, 3024},    {ErrorKind::kFileInUse, 3045},
+        {ErrorKind::kNotADatabase, 3343},    {ErrorKind::kUnsupportedVersion, 3343},
+        {ErrorKind::kEncrypted, 3031},       {ErrorKind::kDamaged, 3049},
+        {ErrorKind::kReadOnly, 3051},        {ErrorKind::kPermissionDenied, 70},
+        {ErrorKind::kDiskFull, 3026},        {ErrorKind::kIo, 57},
+        {ErrorKind::kFileTooLarge, 3183},    {ErrorKind::kNoCurrentRecord, 3021},
+        {ErrorKind::kDuplicateKey, 3022},    {ErrorKind::kNoEditBegun, 3020},
+        {ErrorKind::kNullNotAllowed, 3058},  {ErrorKind::kNoSuchTable, 3078},
+        {ErrorKind::kNoSuchIndex, 3015},     {ErrorKind::kNoSuchField, 3265},
+        {ErrorKind::kAlreadyExists, 3010},   {ErrorKind::kBadName, 3125},
+        {ErrorKind::kSyntax, 3075},          {ErrorKind::kTypeMismatch, 13},
+        {ErrorKind::kOverflow, 6},           {ErrorKind::kTextTooLong, 3163},
+        {ErrorKind::kRecordTooLarge, 3047},  {ErrorKind::kUnsupported, 3251},
+        {ErrorKind::kClosed, 3420},          {ErrorKind::kOutOfMemory, 7},
+        {ErrorKind::kTransactionOpen, 3246}, {ErrorKind::kNoTransaction, 3034}};
     for (const auto& [kind, number] : numbers) EXPECT_EQ(ErrorNumber(kind), number);
 }
 

@@ -4,11 +4,11 @@
 // be used after it is closed (they then throw kClosed). One thread uses a database at a time.
 //
 // Every row operation and every table creation is whole: when the call returned, the operation
-// survives the end of the process; when it threw, nothing of it is there, indexes included. Besides
-// the errors named, everything here can throw kClosed, kIo and kOutOfMemory.
-// MakeDurable carries all operations so far through a power cut and leaves the file complete by
-// itself; until then the recent ones also live in a log file beside it (NAME-log), from which the
-// next opening brings them in.
+// survives the end of the process; when it threw, nothing of it is there, indexes included. Begin
+// makes any number of them one. Besides the errors named, everything here can throw kClosed, kIo
+// and kOutOfMemory. MakeDurable carries all operations so far through a power cut and leaves the
+// file complete by itself; until then the recent ones also live in a log file beside it (NAME-log),
+// from which the next opening brings them in.
 //
 // Exclusive means exclusive: while the database is open nobody else can open the file, neither
 // another process nor a second Database of this one.
@@ -25,6 +25,7 @@
 #include "jet/file.h"
 #include "jet/options.h"
 #include "jet/schema.h"
+#include "jet/transaction.h"
 
 namespace jet {
 
@@ -65,14 +66,20 @@ public:
     // Closes; an error while closing is lost, so call Close first where it matters.
     ~Database();
 
-    // Makes everything durable, removes the log and gives up the file, even when it throws: the log
+    // Begins a transaction; see transaction.h. Errors: kTransactionOpen (there is one), kReadOnly,
+    // and those of MakeDurable, which is done first when much has changed since the last time.
+    [[nodiscard]] Transaction Begin();
+
+    // Rolls an open transaction back, makes everything durable, removes the log and gives up the
+    // file, even when it throws: the log
     // then stays for the next opening. Safe to call twice. Errors: kDiskFull, kIo.
     void Close();
     // At most two flushes, or three in the first call without SecureLog before it; none when
     // nothing changed since the last call. A file that was removed
-    // meanwhile is written anew at its place. Errors: kDiskFull, kIo, kClosed; nothing is lost, and
-    // the next call tries again. kFileInUse when another program has replaced or overwritten the
-    // file; all that was done here is kept in NAME-kept beside one that was replaced.
+    // meanwhile is written anew at its place. Errors: kTransactionOpen (nothing is done inside a
+    // transaction), kDiskFull, kIo, kClosed; nothing is lost, and the next call tries again.
+    // kFileInUse when another program has replaced or overwritten the file; all that was done here
+    // is kept in NAME-kept beside one that was replaced.
     void MakeDurable();
     // Makes sure that the log cannot vanish from its folder in a power cut: one flush, once. For a
     // moment between opening, which need not wait for the disk, and the first change. It does not

@@ -39,6 +39,8 @@ enum class ErrorKind {
     kUnsupported,  // 3251 the engine cannot keep this table or index right, so it does not write
     kClosed,       // 3420 the database was closed under this object
     kOutOfMemory,  // 7
+    kTransactionOpen,  // 3246 a transaction is open, in which this cannot be done
+    kNoTransaction,    // 3034 the transaction has ended already
 };
 
 // The customary number of a kind, as listed above.

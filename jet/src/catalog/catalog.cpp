@@ -205,6 +205,10 @@ void Catalog::CreateTable(const TableSchema& schema) {
     }
     const Binary owner = OwnerOf(kDatabaseId);
     const std::vector<std::byte> properties = BuildProperties(schema, version);
+    if (pager_->InTransaction()) {
+        created_.reserve(created_.size() + 1);
+        dropped_.reserve(dropped_.size() + created_.size() + 1);
+    }
     Operation operation(*pager_);
     definition.page = pager_->Allocate();
     MakeTablePages(*pager_, definition);
@@ -215,6 +219,18 @@ void Catalog::CreateTable(const TableSchema& schema) {
     GrantPermissions(operation, definition.page, owner);
     operation.Commit();
     known_ = false;
+    if (pager_->InTransaction()) created_.push_back(definition.page.value);
+}
+
+void Catalog::TransactionRolledBack() noexcept {
+    known_ = false;
+    for (const std::uint32_t page : created_) {
+        auto table = tables_.extract(page);
+        if (table.empty() || !table.mapped()) continue;
+        table.mapped()->Drop();
+        dropped_.push_back(std::move(table));
+    }
+    created_.clear();
 }
 
 }  // namespace jet

@@ -34,6 +34,10 @@ public:
     // Errors: those of Database::CreateTable.
     void CreateTable(const TableSchema& schema);
 
+    // The tables that the open transaction created stay, or are no longer there.
+    void TransactionCommitted() noexcept { created_.clear(); }
+    void TransactionRolledBack() noexcept;
+
 private:
     void ReadEntries();
     [[nodiscard]] bool IsNameTaken(std::u16string_view name);
@@ -48,6 +52,9 @@ private:
     std::vector<CatalogEntry> entries_;
     bool known_ = false;
     std::map<std::uint32_t, std::unique_ptr<Table>> tables_;  // by page of the definition
+    std::vector<std::uint32_t> created_;                      // by the open transaction
+    // Tables whose creation was rolled back: record sets may still refer to them.
+    std::vector<std::map<std::uint32_t, std::unique_ptr<Table>>::node_type> dropped_;
 };
 
 }  // namespace jet

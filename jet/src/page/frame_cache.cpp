@@ -25,6 +25,7 @@ void FrameCache::Drop(Frame& frame) {
     frameOf_[frame.number] = nullptr;
     frame.number = Frame::kNone;
     frame.dirty = false;
+    frame.inTransaction = false;
     frame.changing = false;
 }
 

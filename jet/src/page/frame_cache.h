@@ -1,6 +1,6 @@
 // The pages that are in memory.
 //
-// A frame holds one page. Pinned, dirty and changing frames stay; the others are given to new pages
+// A frame holds one page. Pinned, dirty and changed frames stay; the others are given to new pages
 // when the cache is full, the longest unused first (by the clock rule: a second chance for each
 // frame that was used since the hand came by). When nothing can be given away the cache grows past
 // its capacity, and shrinks again later.
@@ -20,9 +20,10 @@ struct Frame {
     std::unique_ptr<std::byte[]> bytes;
     std::uint32_t number = kNone;
     std::uint32_t pins = 0;
-    bool dirty = false;     // differs from the file
-    bool changing = false;  // belongs to the open operation
-    bool recent = false;    // used since the clock's hand came by
+    bool dirty = false;          // differs from the file
+    bool inTransaction = false;  // changed by the open transaction
+    bool changing = false;       // changed by the open operation
+    bool recent = false;         // used since the clock's hand came by
 };
 
 class FrameCache {
@@ -50,7 +51,7 @@ public:
 
 private:
     static bool CanLeave(const Frame& frame) {
-        return frame.pins == 0 && !frame.dirty && !frame.changing;
+        return frame.pins == 0 && !frame.dirty && !frame.inTransaction;
     }
     Frame* Evict();
 

@@ -29,10 +29,12 @@ Pager::Impl::Impl(FileSystem& fileSystem, std::filesystem::path filePath,
       file(std::move(openFile)),
       format(fileFormat),
       readOnly(options.readOnly),
-      mostChangedBytes_(options.changedBytes),
+      mostDirtyBytes_(options.changedBytes),
       largestLog_(options.logBytes),
       cache_(fileFormat.pageSize,
              std::max(kSmallestCache, options.cacheBytes / fileFormat.pageSize)),
+      changed_(fileFormat.pageSize),
+      savepoint_(fileFormat.pageSize),
       journal_(fileSystem, LogPath(path), fileFormat.pageSize) {}
 
 void Pager::Impl::Start(std::uint32_t pages, std::uint16_t commitCounter) {
@@ -105,40 +107,50 @@ Frame& Pager::Impl::LoadAlone(PageNumber page) {
     return frame;
 }
 
-void Pager::Impl::Begin() {
+void Pager::Impl::RequireWritable() const {
     if (!file) throw Error(ErrorKind::kClosed, "The database is closed.");
     if (readOnly) throw Error(ErrorKind::kReadOnly, "The file is open for reading only.");
-    if (inOperation_) throw std::logic_error("operations do not nest");
-    if (dirtyCount_ * format.pageSize > mostChangedBytes_ || journal_.Size() > largestLog_) {
-        MakeDurable();
-    }
-    inOperation_ = true;
-    pageCountBefore_ = pageCount;
 }
 
 void Pager::Impl::RequireOperation() const {
     if (!inOperation_) throw std::logic_error("no operation is open");
 }
 
-Pager::Impl::ChangedPage& Pager::Impl::Remember(Frame& frame) {
-    if (changedCount_ == changed_.size()) {
-        ChangedPage entry;
-        entry.before = std::make_unique_for_overwrite<std::byte[]>(format.pageSize);
-        changed_.push_back(std::move(entry));
+void Pager::Impl::CheckpointWhenDue() {
+    if (dirtyCount_ * format.pageSize > mostDirtyBytes_ || journal_.Size() > largestLog_) {
+        MakeDurable();
     }
-    ChangedPage& entry = changed_[changedCount_++];
-    entry.frame = &frame;
-    entry.fresh = false;
-    frame.changing = true;
-    return entry;
+}
+
+void Pager::Impl::BeginTransaction() {
+    RequireWritable();
+    if (inTransaction_) {
+        throw Error(ErrorKind::kTransactionOpen, "A transaction is open already.");
+    }
+    CheckpointWhenDue();
+    inTransaction_ = true;
+    pagesBefore_ = pageCount;
+}
+
+void Pager::Impl::BeginOperation() {
+    RequireWritable();
+    if (inOperation_) throw std::logic_error("operations do not nest");
+    if (!inTransaction_) {
+        CheckpointWhenDue();
+        pagesBefore_ = pageCount;
+    }
+    inOperation_ = true;
+    pagesBeforeOperation_ = pageCount;
+    firstOfOperation_ = changed_.Size();
 }
 
 MutableBytes Pager::Impl::Change(PageNumber page) {
     RequireOperation();
     Frame& frame = Fetch(page);
     if (!frame.changing) {
-        const ChangedPage& entry = Remember(frame);
-        std::memcpy(entry.before.get(), frame.bytes.get(), format.pageSize);
+        (frame.inTransaction ? savepoint_ : changed_).Add(frame, false);
+        frame.inTransaction = true;
+        frame.changing = true;
     }
     return {frame.bytes.get(), format.pageSize};
 }
@@ -152,26 +164,25 @@ void Pager::Impl::Append() {
     Frame& frame = cache_.Insert(pageCount);
     std::memset(frame.bytes.get(), 0, format.pageSize);
     try {
-        ChangedPage& entry = Remember(frame);
-        entry.fresh = true;
-        std::memset(entry.before.get(), 0, format.pageSize);
+        changed_.Add(frame, true);
     } catch (...) {
         cache_.Drop(frame);
         throw;
     }
+    frame.inTransaction = true;
+    frame.changing = true;
     ++pageCount;
 }
 
 void Pager::Impl::CollectChanges() {
     changes_.clear();
-    for (std::size_t i = 0; i < changedCount_; ++i) {
-        const ChangedPage& entry = changed_[i];
-        const Bytes before(entry.before.get(), format.pageSize);
-        const Bytes after(entry.frame->bytes.get(), format.pageSize);
+    for (const UndoImage& image : changed_.From(0)) {
+        const Bytes before = changed_.Before(image);
+        const Bytes after(image.frame->bytes.get(), format.pageSize);
         const std::size_t difference = FirstDifference(before, after, 0);
-        if (entry.fresh || difference < format.pageSize) {
-            changes_.push_back({.page = PageNumber{entry.frame->number},
-                                .fresh = entry.fresh,
+        if (image.fresh || difference < format.pageSize) {
+            changes_.push_back({.page = PageNumber{image.frame->number},
+                                .fresh = image.fresh,
                                 .before = before,
                                 .after = after,
                                 .firstDifference = difference});
@@ -179,42 +190,83 @@ void Pager::Impl::CollectChanges() {
     }
 }
 
-void Pager::Impl::Commit() {
-    RequireOperation();
+// The moment of commitment.
+void Pager::Impl::WriteToLog() {
     CollectChanges();
-    if (!changes_.empty()) {
-        journal_.Append(changes_, pageCount, {filePageCount, fileCounter});
-        // Done: nothing from here on fails.
-        for (const PageChange& change : changes_) {
-            Frame& frame = *cache_.Find(change.page.value);
-            dirtyCount_ += frame.dirty ? 0 : 1;
-            frame.dirty = true;
-        }
+    if (changes_.empty()) return;
+    journal_.Append(changes_, pageCount, {filePageCount, fileCounter});
+    // Done: nothing from here on fails.
+    for (const PageChange& change : changes_) {
+        Frame& frame = *cache_.Find(change.page.value);
+        dirtyCount_ += frame.dirty ? 0 : 1;
+        frame.dirty = true;
+    }
+    ++changeCount;
+}
+
+void Pager::Impl::CommitOperation() {
+    RequireOperation();
+    if (inTransaction_) {
         ++changeCount;
+    } else {
+        WriteToLog();
     }
     EndOperation();
 }
 
-void Pager::Impl::Rollback() noexcept {
-    for (std::size_t i = 0; i < changedCount_; ++i) {
-        const ChangedPage& entry = changed_[i];
-        if (entry.fresh) {
-            cache_.Drop(*entry.frame);
+void Pager::Impl::RollbackOperation() noexcept {
+    for (const UndoImage& image : savepoint_.From(0)) savepoint_.Restore(image);
+    if (savepoint_.Size() > 0) ++changeCount;
+    UndoFrom(firstOfOperation_);
+    pageCount = pagesBeforeOperation_;
+    EndOperation();
+}
+
+void Pager::Impl::CommitTransaction() {
+    try {
+        WriteToLog();
+    } catch (...) {
+        RollbackTransaction();
+        throw;
+    }
+    inTransaction_ = false;
+    ForgetChanges();
+}
+
+void Pager::Impl::RollbackTransaction() noexcept {
+    UndoFrom(0);
+    pageCount = pagesBefore_;
+    inTransaction_ = false;
+}
+
+// Puts the pages back that were changed from this one on.
+void Pager::Impl::UndoFrom(std::size_t first) noexcept {
+    for (const UndoImage& image : changed_.From(first)) {
+        if (image.fresh) {
+            cache_.Drop(*image.frame);
         } else {
-            std::memcpy(entry.frame->bytes.get(), entry.before.get(), format.pageSize);
+            changed_.Restore(image);
+            image.frame->inTransaction = false;
+            image.frame->changing = false;
         }
     }
-    if (changedCount_ > 0) ++changeCount;
-    pageCount = pageCountBefore_;
+    if (changed_.Size() > first) ++changeCount;
+    changed_.CutTo(first);
     lowestFree = {};
     mapRowPage = {};
-    EndOperation();
 }
 
 void Pager::Impl::EndOperation() noexcept {
-    for (std::size_t i = 0; i < changedCount_; ++i) changed_[i].frame->changing = false;
-    changedCount_ = 0;
+    for (const UndoImage& image : changed_.From(firstOfOperation_)) image.frame->changing = false;
+    for (const UndoImage& image : savepoint_.From(0)) image.frame->changing = false;
+    savepoint_.CutTo(0);
     inOperation_ = false;
+    if (!inTransaction_) ForgetChanges();
+}
+
+void Pager::Impl::ForgetChanges() noexcept {
+    for (const UndoImage& image : changed_.From(0)) image.frame->inTransaction = false;
+    changed_.CutTo(0);
 }
 
 void Pager::Impl::WriteDirtyPages() {
@@ -280,8 +332,12 @@ void Pager::Impl::WriteRun(std::span<Frame* const> run) {
 }
 
 void Pager::Impl::MakeDurable() {
-    if (!file || journal_.IsEmpty()) return;
     if (inOperation_) throw std::logic_error("an operation is open");
+    if (inTransaction_) {
+        throw Error(ErrorKind::kTransactionOpen,
+                    "What a transaction has changed so far cannot be made durable: it is open.");
+    }
+    if (!file || journal_.IsEmpty()) return;
     if (PutBackIfRemoved()) return;
     RequireUntouched();
     Frame& headerPage = Fetch(PageNumber{0});
@@ -301,6 +357,7 @@ void Pager::Impl::MakeDurable() {
 
 void Pager::Impl::Close() {
     if (!file) return;
+    if (inTransaction_) RollbackTransaction();
     try {
         if (!readOnly) {
             MakeDurable();
@@ -327,15 +384,15 @@ void Pager::Impl::Abandon() noexcept {
 }
 
 Operation::Operation(Pager& pager) : pager_(pager) {
-    pager_.Internals().Begin();
+    pager_.Internals().BeginOperation();
 }
 
 Operation::~Operation() {
-    if (!committed_) pager_.Internals().Rollback();
+    if (!committed_) pager_.Internals().RollbackOperation();
 }
 
 void Operation::Commit() {
-    pager_.Internals().Commit();
+    pager_.Internals().CommitOperation();
     committed_ = true;
 }
 
@@ -355,6 +412,9 @@ const FileHeader& Pager::Header() const {
 }
 std::uint32_t Pager::PageCount() const {
     return impl_->pageCount;
+}
+bool Pager::InTransaction() const {
+    return impl_->InTransaction();
 }
 bool Pager::IsReadOnly() const {
     return impl_->readOnly;
@@ -397,6 +457,15 @@ void Pager::Free(PageNumber page) {
     impl_->lowestFree = std::min(impl_->lowestFree, page);
 }
 
+void Pager::BeginTransaction() {
+    impl_->BeginTransaction();
+}
+void Pager::CommitTransaction() {
+    impl_->CommitTransaction();
+}
+void Pager::RollbackTransaction() noexcept {
+    impl_->RollbackTransaction();
+}
 void Pager::MakeDurable() {
     impl_->MakeDurable();
 }

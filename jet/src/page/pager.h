@@ -3,9 +3,10 @@
 //
 // Reading: Page(n) pins page n and gives its bytes; the pin keeps them in the cache.
 // Changing: everything happens inside an Operation. Change(n) gives the page's bytes for writing
-// and remembers how they were; Allocate and Free keep the global map. Operation::Commit is the one
-// moment of commitment: it hands the differences to the journal, in one write. An Operation that
-// goes without Commit puts every page back as it was.
+// and remembers how they were; Allocate and Free keep the global map. An Operation that ends
+// without Commit puts every page back as it was. Commitment: an operation outside a transaction is
+// one by itself; inside one it is a savepoint, and CommitTransaction is the moment of commitment.
+// Either hands the differences to the journal, in one write.
 //
 // Changed pages stay in the cache, and out of the file, until MakeDurable. See journal.h for what
 // happens between.
@@ -61,7 +62,7 @@ class Pager;
 class Operation {
 public:
     // Operations do not nest. Errors: kReadOnly, kClosed, and those of MakeDurable when so much has
-    // changed since the last one that it is due.
+    // changed since the last one that it is due; not within a transaction.
     explicit Operation(Pager& pager);
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
@@ -107,10 +108,20 @@ public:
     // positions notice changes.
     [[nodiscard]] std::uint64_t ChangeCount() const { return *changeCount_; }
 
+    // Any number of operations, all or none. kTransactionOpen when one is open, kReadOnly, kClosed,
+    // and those of MakeDurable when it is due.
+    void BeginTransaction();
+    // Errors: kDiskFull, kIo; the transaction is then undone.
+    void CommitTransaction();
+    void RollbackTransaction() noexcept;
+    [[nodiscard]] bool InTransaction() const;
+
     // Carries all operations so far through a power cut; the file is then complete without the log.
+    // kTransactionOpen inside a transaction.
     void MakeDurable();
-    // Makes durable, removes the log, gives up the file. Reading then throws kClosed. When it
-    // throws, the file is given up all the same, and the log stays for the next opening.
+    // Undoes an open transaction, makes durable, removes the log, gives up the file. Reading then
+    // throws kClosed. When it throws, the file is given up all the same, and the log stays for the
+    // next opening.
     void Close();
     // Gives up the file and its log without writing anything. A file that Create made goes too,
     // unless it has been made durable.

@@ -8,6 +8,7 @@
 #include "page/frame_cache.h"
 #include "page/journal.h"
 #include "page/pager.h"
+#include "page/undo_images.h"
 
 namespace jet {
 
@@ -24,11 +25,16 @@ public:
     // The page's frame, read from the file when it is not in memory.
     Frame& Fetch(PageNumber page);
 
-    void Begin();
+    void BeginTransaction();
+    void CommitTransaction();
+    void RollbackTransaction() noexcept;
+    [[nodiscard]] bool InTransaction() const { return inTransaction_; }
+
+    void BeginOperation();
     MutableBytes Change(PageNumber page);
     void Append();
-    void Commit();
-    void Rollback() noexcept;
+    void CommitOperation();
+    void RollbackOperation() noexcept;
 
     void MakeDurable();
     void Close();
@@ -54,19 +60,17 @@ public:
     PageNumber mapRowPage;  // lately had room for a usage map; 0 when none is known
 
 private:
-    struct ChangedPage {
-        Frame* frame = nullptr;
-        bool fresh = false;  // made by this operation
-        std::unique_ptr<std::byte[]> before;
-    };
-
     Frame& Load(PageNumber page);
     Frame& LoadAlone(PageNumber page);
     [[nodiscard]] std::uint32_t ReadAhead(PageNumber page) const;
+    void RequireWritable() const;
     void RequireOperation() const;
-    ChangedPage& Remember(Frame& frame);
+    void CheckpointWhenDue();
     void EndOperation() noexcept;
+    void ForgetChanges() noexcept;
+    void UndoFrom(std::size_t first) noexcept;
     void CollectChanges();
+    void WriteToLog();
     void RequireUntouched();
     [[nodiscard]] bool PutBackIfRemoved();
     void PutBack();
@@ -77,15 +81,19 @@ private:
     void WritePages(std::span<Frame* const> pages);
     void WriteRun(std::span<Frame* const> run);
 
-    std::size_t mostChangedBytes_;
+    std::size_t mostDirtyBytes_;
     std::uint64_t largestLog_;
     FrameCache cache_;
     std::uint32_t nextInRow_ = 0;  // the page that reading in file order would ask for next
     std::vector<std::byte> readBuffer_;
+    // Outside a transaction an operation is one by itself. Inside one, it is a savepoint.
+    bool inTransaction_ = false;
     bool inOperation_ = false;
-    std::uint32_t pageCountBefore_ = 0;
-    std::vector<ChangedPage> changed_;
-    std::size_t changedCount_ = 0;  // entries beyond keep their buffers for the next operation
+    std::uint32_t pagesBefore_ = 0;           // the transaction, or the operation outside of one
+    std::uint32_t pagesBeforeOperation_ = 0;  // the operation
+    UndoImages changed_;                      // all pages since pagesBefore_ was noted
+    std::size_t firstOfOperation_ = 0;        // those from here on, by the operation
+    UndoImages savepoint_;  // pages that the operation changed after the transaction had done so
     std::vector<PageChange> changes_;
     std::size_t dirtyCount_ = 0;
     // An attempt to write the file failed, so that its counter may be any that was tried.

@@ -35,6 +35,9 @@ public:
     [[nodiscard]] Pager& Pages() const { return *pager_; }
     [[nodiscard]] RowStore& Rows() { return rows_; }
     [[nodiscard]] DefinitionCounters Counters() const { return {*pager_, definition_.page}; }
+    // Marks a table whose creation was rolled back.
+    void Drop() noexcept { dropped_ = true; }
+    [[nodiscard]] bool IsDropped() const { return dropped_; }
     // One for each real index.
     [[nodiscard]] const std::vector<std::unique_ptr<TableIndex>>& Indexes() const {
         return indexes_;
@@ -82,6 +85,7 @@ private:
     std::vector<std::unique_ptr<TableIndex>> indexes_;
     std::vector<std::size_t> variableOrder_;  // positions of the variable columns
     bool hasAutoColumn_ = false;
+    bool dropped_ = false;
     // Memory that is used again from one row to the next.
     RowBuilder builder_;
     std::vector<std::byte> fixedValue_;

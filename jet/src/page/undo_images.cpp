@@ -1,0 +1,42 @@
+#include "page/undo_images.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jet {
+
+namespace {
+
+constexpr std::size_t kMostKept = 256;
+
+}  // namespace
+
+void UndoImages::Add(Frame& frame, bool fresh) {
+    if (size_ == images_.size()) {
+        UndoImage image;
+        image.before = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
+        images_.push_back(std::move(image));
+    }
+    UndoImage& image = images_[size_];
+    image.frame = &frame;
+    image.fresh = fresh;
+    if (fresh) {
+        std::memset(image.before.get(), 0, pageSize_);
+    } else {
+        std::memcpy(image.before.get(), frame.bytes.get(), pageSize_);
+    }
+    ++size_;
+}
+
+void UndoImages::Restore(const UndoImage& image) const noexcept {
+    std::memcpy(image.frame->bytes.get(), image.before.get(), pageSize_);
+}
+
+void UndoImages::CutTo(std::size_t size) noexcept {
+    size_ = size;
+    const std::size_t kept = std::max(size, kMostKept);
+    if (images_.size() > kept)
+        images_.erase(images_.begin() + static_cast<std::ptrdiff_t>(kept), images_.end());
+}
+
+}  // namespace jet

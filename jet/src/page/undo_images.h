@@ -1,0 +1,45 @@
+// Pages as they were before somebody changed them, so that the changes can be undone.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "page/frame_cache.h"
+#include "page/types.h"
+
+namespace jet {
+
+struct UndoImage {
+    Frame* frame = nullptr;
+    bool fresh = false;  // the page did not exist; `before` is all zeros
+    std::unique_ptr<std::byte[]> before;
+};
+
+class UndoImages {
+public:
+    explicit UndoImages(std::uint32_t pageSize) : pageSize_(pageSize) {}
+
+    [[nodiscard]] std::size_t Size() const { return size_; }
+    [[nodiscard]] std::span<const UndoImage> From(std::size_t first) const {
+        return std::span(images_).subspan(first, size_ - first);
+    }
+    [[nodiscard]] Bytes Before(const UndoImage& image) const {
+        return {image.before.get(), pageSize_};
+    }
+    // The page as it is now; all zeros for a fresh one. When it throws, nothing is added.
+    void Add(Frame& frame, bool fresh);
+    // Puts the bytes of a page back that is not fresh.
+    void Restore(const UndoImage& image) const noexcept;
+    // Forgets all images from this one on. Some of their memory is kept for the next ones.
+    void CutTo(std::size_t size) noexcept;
+
+private:
+    std::uint32_t pageSize_;
+    std::vector<UndoImage> images_;
+    std::size_t size_ = 0;  // entries beyond keep their memory
+};
+
+}  // namespace jet

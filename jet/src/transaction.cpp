@@ -1,0 +1,44 @@
+#include "jet/transaction.h"
+
+#include <new>
+#include <utility>
+
+#include "open_file.h"
+#include "out_of_memory.h"
+
+namespace jet {
+
+Transaction::Transaction(Transaction&& other) noexcept = default;
+
+Transaction& Transaction::operator=(Transaction&& other) noexcept {
+    if (this != &other) {
+        Rollback();
+        file_ = std::exchange(other.file_, nullptr);
+    }
+    return *this;
+}
+
+Transaction::~Transaction() {
+    Rollback();
+}
+
+void Transaction::Commit() try {
+    if (!file_) {
+        throw Error(ErrorKind::kNoTransaction, "The transaction has ended already.");
+    }
+    const std::shared_ptr<OpenFile> file = std::exchange(file_, nullptr);
+    file->RequireOpen();
+    file->CommitTransaction();
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
+}
+
+void Transaction::Rollback() noexcept {
+    if (const auto file = std::exchange(file_, nullptr)) file->RollbackTransaction();
+}
+
+bool Transaction::IsOpen() const {
+    return file_ != nullptr && file_->InTransaction();
+}
+
+}  // namespace jet
