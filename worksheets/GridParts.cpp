@@ -1,18 +1,29 @@
 #include "worksheets/GridParts.h"
 
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QVBoxLayout>
 
 #include "platform/controls/vsFlexGrid.h"
 
 namespace {
 
-void FitHeight(vsFlexGrid& grid) {
+constexpr int kMostOfTheRoom = 1000;
+
+int ShownBar(const QScrollBar& bar, int thickness) {
+    return bar.maximum() > bar.minimum() ? thickness : 0;
+}
+
+void FitFrame(vsFlexGrid& grid) {
+    const QScrollBar& across = *grid.horizontalScrollBar();
+    const QScrollBar& down = *grid.verticalScrollBar();
+    const int frame = 2 * grid.frameWidth();
     const int headings = grid.horizontalHeader()->sizeHint().height();
-    const int rows = grid.verticalHeader()->length();
-    const QScrollBar& bar = *grid.horizontalScrollBar();
-    const int scrolling = bar.maximum() > bar.minimum() ? bar.sizeHint().height() : 0;
-    grid.setMaximumHeight(headings + rows + scrolling + 2 * grid.frameWidth());
+    grid.setMaximumSize(
+        grid.horizontalHeader()->length() + ShownBar(down, down.sizeHint().width()) + frame,
+        headings + grid.verticalHeader()->length() + ShownBar(across, across.sizeHint().height()) +
+            frame);
 }
 
 }  // namespace
@@ -38,12 +49,20 @@ void KeepPlace(QWidget& control) {
     control.setSizePolicy(policy);
 }
 
-void EndAtLastRow(vsFlexGrid& grid) {
-    const auto fit = [&grid] { FitHeight(grid); };
-    QObject::connect(grid.horizontalHeader(), &QHeaderView::geometriesChanged, &grid, fit);
-    QObject::connect(grid.verticalHeader(), &QHeaderView::sectionCountChanged, &grid, fit);
-    QObject::connect(grid.verticalHeader(), &QHeaderView::geometriesChanged, &grid, fit);
-    QObject::connect(grid.horizontalScrollBar(), &QScrollBar::rangeChanged, &grid, fit);
+void AddFramed(QVBoxLayout& body, vsFlexGrid& grid) {
+    auto* line = new QHBoxLayout;
+    line->addWidget(&grid, kMostOfTheRoom);
+    line->addStretch(1);
+    body.addLayout(line, kMostOfTheRoom);
+    const auto fit = [&grid] { FitFrame(grid); };
+    for (QHeaderView* header : {grid.horizontalHeader(), grid.verticalHeader()}) {
+        QObject::connect(header, &QHeaderView::geometriesChanged, &grid, fit);
+        QObject::connect(header, &QHeaderView::sectionCountChanged, &grid, fit);
+        QObject::connect(header, &QHeaderView::sectionResized, &grid, fit);
+    }
+    for (QScrollBar* bar : {grid.horizontalScrollBar(), grid.verticalScrollBar()}) {
+        QObject::connect(bar, &QScrollBar::rangeChanged, &grid, fit);
+    }
     fit();
 }
 

@@ -1,6 +1,7 @@
 // Small steps that the forms with a grid share.
 #pragma once
 
+class QVBoxLayout;
 class QWidget;
 class vsFlexGrid;
 
@@ -12,7 +13,8 @@ void EnterAndEdit(vsFlexGrid& grid, int row, int col);
 void Show(vsFlexGrid& grid, int row, int col);
 // A control that keeps its place while it is hidden, so that nothing moves when it shows.
 void KeepPlace(QWidget& control);
-// Keeps the grid no higher than its rows, so that what stands below it stands at its end.
-void EndAtLastRow(vsFlexGrid& grid);
+// Puts a grid into a page, with most of the room. Its frame ends where its rows and columns end:
+// what stands below it stands at its end, and what lies beside it is plain.
+void AddFramed(QVBoxLayout& body, vsFlexGrid& grid);
 
 }  // namespace GridParts

@@ -23,7 +23,6 @@ using ZoneKeys::kCostClasses;
 
 namespace {
 
-constexpr int kMostOfTheRoom = 1000;
 constexpr int kFrom = CostGridTable::kFrom;
 constexpr int kTo = CostGridTable::kTo;
 constexpr int kCost = CostGridTable::kCost;
@@ -69,12 +68,11 @@ void frm6SuppressAcre::Build() {
     AddStepKeys(*cboFMZs_, Qt::ALT | Qt::Key_PageUp, Qt::ALT | Qt::Key_PageDown);
     grdCosts_ = new vsFlexGrid(this);
     PageParts::Name(*grdCosts_, "grdCosts", tr("Suppression cost per acre by fire size"));
-    Body().addWidget(grdCosts_, kMostOfTheRoom);
+    GridParts::AddFramed(Body(), *grdCosts_);
     auto* lblNote = new NoteLine(*grdCosts_, this);
     GridParts::KeepPlace(*lblNote);
     Body().addWidget(lblNote);
     Body().addStretch(1);
-    GridParts::EndAtLastRow(*grdCosts_);
 }
 
 void frm6SuppressAcre::ConnectHandlers() {

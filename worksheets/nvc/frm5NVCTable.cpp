@@ -28,7 +28,6 @@ using ZoneKeys::kResources;
 namespace {
 
 constexpr int kShownOfLocation = 4;  // characters
-constexpr int kMostOfTheRoom = 1000;
 constexpr int kHelpContextId = 50;
 const char* const kTag = "Tag";
 const QString kMinusTyped = QStringLiteral("minus");
@@ -77,11 +76,10 @@ void frm5NVCTable::BuildChoices() {
 void frm5NVCTable::BuildTable() {
     grdNVC_ = new vsFlexGrid(this);
     PageParts::Name(*grdNVC_, "grdNVC", tr("Net value change, dollars per acre"));
-    Body().addWidget(grdNVC_, kMostOfTheRoom);
+    GridParts::AddFramed(Body(), *grdNVC_);
     BuildTotals();
     BuildNotes();
     Body().addStretch(1);
-    GridParts::EndAtLastRow(*grdNVC_);
 }
 
 void frm5NVCTable::BuildTotals() {
