@@ -117,13 +117,9 @@ QString FlexGridModel::Formatted(int col, const QString& text) const {
     if (column.format.isEmpty() || !platform::IsPlainNumber(text)) {
         return text;
     }
-    double value = NumberOrInfinity(text);
+    const double value = NumberOrInfinity(text);
     if (!std::isfinite(value)) {
         return text;
-    }
-    if (column.whole) {
-        // As it will be stored: halves to the even neighbour.
-        value = std::nearbyint(value);
     }
     return platform::Format(value, column.format);
 }

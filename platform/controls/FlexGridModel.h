@@ -22,7 +22,6 @@ struct FlexGridColumn {
     Qt::Alignment fixedAlignment = Qt::AlignCenter;
     QString format;
     bool number = false;
-    bool whole = false;      // holds whole numbers
     QString accessibleName;  // of a column without a heading
 };
 

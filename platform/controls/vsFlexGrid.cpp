@@ -216,7 +216,6 @@ void vsFlexGrid::SetColFormat(int col, const QString& pattern) {
 void vsFlexGrid::SetColDataType(int col, DataType type) {
     CheckCol(col);
     impl_->model->Column(col).number = type != DataType::kText;
-    impl_->model->Column(col).whole = type == DataType::kLong;
     impl_->model->ColumnChanged(col);
 }
 

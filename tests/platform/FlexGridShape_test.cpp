@@ -65,13 +65,15 @@ TEST_F(FlexGridShape, DisplayText_FollowsFormat) {
     EXPECT_EQ(grid_->DisplayText(2, 2), "");
 }
 
-TEST_F(FlexGridShape, WholeNumberColumn_ShowsWhatIsStored) {
+TEST_F(FlexGridShape, HalfOfAShownUnit_RoundsAwayFromZeroAsTotalsDo) {
     FillList();
-    grid_->SetTextMatrix(1, 1, "2.5");
-    EXPECT_EQ(grid_->DisplayText(1, 1), "2");
-    grid_->SetTextMatrix(1, 1, "3.5");
-    EXPECT_EQ(grid_->DisplayText(1, 1), "4");
-    EXPECT_EQ(grid_->TextMatrix(1, 1), "3.5");
+    grid_->SetColDataType(2, vsFlexGrid::DataType::kLong);
+    for (const auto& [stored, shown] : {std::pair("2.5", "$3"), std::pair("3.5", "$4"),
+                                        std::pair("-2.5", "-$3"), std::pair("2.49", "$2")}) {
+        grid_->SetTextMatrix(1, 2, stored);
+        EXPECT_EQ(grid_->DisplayText(1, 2), shown);
+        EXPECT_EQ(grid_->TextMatrix(1, 2), stored);
+    }
 }
 
 TEST_F(FlexGridShape, OutsideTheGrid_IsSubscriptOutOfRange) {
