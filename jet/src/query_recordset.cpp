@@ -198,9 +198,22 @@ std::int32_t QueryRecordset::RecordCount() const {
     return static_cast<std::int32_t>(rows_.size());
 }
 
-bool QueryRecordset::Seek(Comparison /*comparison*/, std::span<const Value> /*key*/) {
+void QueryRecordset::ThrowNoIndex() const {
     RequireOpen();
     throw Error(ErrorKind::kNoSuchIndex, "The result of a query has no indexes.");
+}
+
+bool QueryRecordset::Seek(Comparison /*comparison*/, std::span<const Value> /*key*/) {
+    ThrowNoIndex();
+}
+
+void QueryRecordset::MakeKey(std::span<const Value> /*key*/,
+                             std::vector<std::byte>& /*into*/) const {
+    ThrowNoIndex();
+}
+
+int QueryRecordset::CompareToKey(std::span<const std::byte> /*key*/) const {
+    ThrowNoIndex();
 }
 
 std::optional<RowId> QueryRecordset::GoTo(std::size_t place) {

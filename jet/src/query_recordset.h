@@ -15,6 +15,8 @@ public:
     [[nodiscard]] std::int32_t RecordCount() const override;
     bool Seek(Comparison comparison, std::span<const Value> key) override;
     [[nodiscard]] bool NoMatch() const override { return false; }
+    void MakeKey(std::span<const Value> key, std::vector<std::byte>& into) const override;
+    [[nodiscard]] int CompareToKey(std::span<const std::byte> key) const override;
 
 protected:
     std::optional<RowId> GoFirst() override;
@@ -31,6 +33,7 @@ protected:
     void TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept override;
 
 private:
+    [[noreturn]] void ThrowNoIndex() const;
     std::optional<RowId> GoTo(std::size_t place);
     [[nodiscard]] std::size_t PlaceOfFirst(std::span<const RowId> rows) const;
     std::size_t KeepSurvivors(std::size_t place, std::span<const DeletedRow> deleted) noexcept;

@@ -1,6 +1,7 @@
 #include "table_recordset.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -77,10 +78,7 @@ bool TableRecordset::Search(Comparison comparison, Bytes key) {
 bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) try {
     RequireOpen();
     DropEdit();
-    if (index_ == nullptr) {
-        throw Error(ErrorKind::kNoSuchIndex,
-                    "No index of the table '" + Source().Name() + "' has been chosen.");
-    }
+    RequireIndex();
     index_->MakeSearchKey(key, searchKey_);
     noMatch_ = !Search(comparison, searchKey_) ||
                (comparison == Comparison::kEqual && !BeginsWith(found_.key, searchKey_));
@@ -92,6 +90,32 @@ bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) try
     return true;
 } catch (const std::bad_alloc&) {
     ThrowOutOfMemory();
+}
+
+void TableRecordset::RequireIndex() const {
+    if (index_ == nullptr) {
+        throw Error(ErrorKind::kNoSuchIndex,
+                    "No index of the table '" + Source().Name() + "' has been chosen.");
+    }
+}
+
+void TableRecordset::MakeKey(std::span<const Value> key, std::vector<std::byte>& into) const try {
+    RequireOpen();
+    RequireIndex();
+    index_->MakeSearchKey(key, into);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
+}
+
+int TableRecordset::CompareToKey(std::span<const std::byte> key) const {
+    RequireOpen();
+    RequireIndex();
+    if (Where() != Place::kOn) {
+        throw Error(ErrorKind::kNoCurrentRecord, "There is no current record.");
+    }
+    const std::size_t common = std::min(key.size(), entry_.key.size());
+    const int order = std::memcmp(entry_.key.data(), key.data(), common);
+    return order != 0 || common == key.size() ? order : -1;
 }
 
 std::optional<RowId> TableRecordset::GoTo(std::optional<IndexEntry> entry) {

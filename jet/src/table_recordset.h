@@ -14,6 +14,8 @@ public:
     [[nodiscard]] std::int32_t RecordCount() const override;
     bool Seek(Comparison comparison, std::span<const Value> key) override;
     [[nodiscard]] bool NoMatch() const override { return noMatch_; }
+    void MakeKey(std::span<const Value> key, std::vector<std::byte>& into) const override;
+    [[nodiscard]] int CompareToKey(std::span<const std::byte> key) const override;
 
 protected:
     std::optional<RowId> GoFirst() override;
@@ -23,6 +25,7 @@ protected:
     void CurrentChanged() override;
 
 private:
+    void RequireIndex() const;
     std::optional<RowId> GoTo(std::optional<IndexEntry> entry);
     // Finds the entry that a search leads to; `found_` then holds it.
     bool Search(Comparison comparison, Bytes key);

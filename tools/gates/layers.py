@@ -7,12 +7,13 @@ import tree
 SHELL_BASE = {"u91Trace", "UIMode", "u13Folders", "u92Utilities"}
 # Faces that include nothing themselves, through which a lower layer calls an upper one.
 FACES = {"shell/Worksheet.h", "datafile/DatafileHost.h"}
-# Two stacks on the engine: entering a season, and what is said of it afterwards.
+# Three stacks on the engine: entering a season, what is said of it afterwards, and SQL.
 ORDERS = [["jet", "platform", "shell base", "datafile", "import", "worksheets", "shell"],
-          ["jet", "season", "review"]]
-WITHOUT_QT = {"jet", "season", "review"}
+          ["jet", "season", "review"],
+          ["jet", "jetsql"]]
+WITHOUT_QT = {"jet", "season", "review", "jetsql"}
 FREE = {"tools", "tests", "fuzz", "bench"}
-MAY_USE_JET = {"jet", "platform", "season"} | FREE
+MAY_USE_JET = {"jet", "platform", "season", "jetsql"} | FREE
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
@@ -44,7 +45,7 @@ def offence(path, quote, included):
         return "includes a file that is not there" if quote == '"' else None
     other = layer(found)
     if other == "jet" and own not in MAY_USE_JET:
-        return "only platform, season, tools and tests include the engine"
+        return "only platform, season, jetsql, tools and tests include the engine"
     if own != "jet" and found.startswith("jet/src/") and own not in FREE:
         return "the engine's private side"
     if own in FREE or found in FACES:

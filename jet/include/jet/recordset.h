@@ -15,6 +15,7 @@
 // - Any move, Seek or close while an AddNew or Edit is open drops that edit.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -69,6 +70,14 @@ public:
         return Seek(comparison, std::span<const Value>(key.begin(), key.size()));
     }
     [[nodiscard]] virtual bool NoMatch() const = 0;
+
+    // The end of a walk through a range of the current index. MakeKey gives the bytes by which the
+    // index orders records with these values in its leading columns; CompareToKey compares the
+    // current record with them: below 0 when it stands before all such records, 0 when it is one
+    // of them, above 0 behind them. Descending columns are turned round in both. Errors: those of
+    // Seek; kNoCurrentRecord.
+    virtual void MakeKey(std::span<const Value> key, std::vector<std::byte>& into) const = 0;
+    [[nodiscard]] virtual int CompareToKey(std::span<const std::byte> key) const = 0;
 
     // Reading the current record, or the open edit's values when there is one. Errors:
     // kNoCurrentRecord, kNoSuchField, kDamaged; kTypeMismatch and kOverflow of a conversion.
