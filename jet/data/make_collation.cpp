@@ -1,4 +1,4 @@
-// Makes jet/src/index/collation_tables.inc from the two tables of weights beside this file:
+// Makes jet/src/values/collation_tables.inc from the two tables of weights beside this file:
 //
 //   make_collation general_97.tsv general_legacy.tsv > collation_tables.inc
 //

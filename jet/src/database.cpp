@@ -6,12 +6,12 @@
 #include "catalog/system_tables.h"
 #include "jet/query.h"
 #include "jet/recordset.h"
-#include "open_file.h"
-#include "out_of_memory.h"
+#include "os/out_of_memory.h"
 #include "page/pager_impl.h"
-#include "query_recordset.h"
-#include "record/text.h"
-#include "table_recordset.h"
+#include "query/query_recordset.h"
+#include "recordset/open_file.h"
+#include "recordset/table_recordset.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -14,12 +14,12 @@
 #include <string>
 #include <vector>
 
-#include "index/key.h"
 #include "jet/error.h"
 #include "jet_conformance/reference.h"
 #include "jet_conformance/table_dump.h"
-#include "open_file.h"
 #include "parts/dump_values.h"
+#include "recordset/open_file.h"
+#include "values/key.h"
 
 namespace {
 

@@ -13,11 +13,11 @@
 
 #include "check/page_source.h"
 #include "jet/error.h"
-#include "open_file.h"
 #include "page/header.h"
 #include "parts/dump_values.h"
 #include "parts/page_words.h"
-#include "record/text.h"
+#include "recordset/open_file.h"
+#include "values/text.h"
 
 namespace {
 

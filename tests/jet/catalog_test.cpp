@@ -5,8 +5,8 @@
 
 #include "jet/database.h"
 #include "jet/file.h"
-#include "open_file.h"
 #include "page/bytes.h"
+#include "recordset/open_file.h"
 #include "sample_table.h"
 
 namespace jet {

@@ -1,15 +1,15 @@
 // The tables that are built in against the tables that they were made from, and the rules of
 // comparison that a user of the record sets meets.
-#include "index/collation.h"
+#include "values/collation.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 #include <string>
 
-#include "index/key.h"
-#include "record/code_page.h"
 #include "tab_separated.h"
+#include "values/code_page.h"
+#include "values/key.h"
 
 #include "support/paths.h"
 

@@ -1,5 +1,5 @@
 // Values to and from the bytes of a column.
-#include "record/column.h"
+#include "values/column.h"
 
 #include <gtest/gtest.h>
 

@@ -11,8 +11,8 @@
 #include "jet/error.h"
 #include "jet/file.h"
 #include "page/bytes.h"
-#include "record/text.h"
 #include "sample_table.h"
+#include "values/text.h"
 
 namespace jet {
 namespace {

@@ -1,5 +1,5 @@
 // Keys of every type against keys found in files that the original engines wrote.
-#include "index/key.h"
+#include "values/key.h"
 
 #include <gtest/gtest.h>
 
@@ -8,10 +8,10 @@
 #include <map>
 #include <string>
 
-#include "index/collation.h"
 #include "jet/error.h"
 #include "support/paths.h"
 #include "tab_separated.h"
+#include "values/collation.h"
 
 namespace jet {
 namespace {

@@ -4,15 +4,15 @@
 
 #include <random>
 
-#include "index/collation.h"
-#include "index/key.h"
 #include "jet/database.h"
 #include "jet/query.h"
 #include "jet/recordset.h"
-#include "record/text.h"
 #include "sample_table.h"
 #include "support/jet_files.h"
 #include "support/temp_folder.h"
+#include "values/collation.h"
+#include "values/key.h"
+#include "values/text.h"
 
 namespace jet {
 namespace {

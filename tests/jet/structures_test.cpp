@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "check/row_parts.h"
-#include "index/key.h"
 #include "jet/error.h"
 #include "page/bytes.h"
 #include "page/header.h"
 #include "page/map_row.h"
 #include "record/data_page.h"
 #include "sample_table.h"
+#include "values/key.h"
 
 namespace jet {
 namespace {

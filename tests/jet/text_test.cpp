@@ -1,5 +1,5 @@
 // Text in rows: both encodings, compression, and names.
-#include "record/text.h"
+#include "values/text.h"
 
 #include <gtest/gtest.h>
 

@@ -12,6 +12,9 @@ ORDERS = [["jet", "platform", "shell base", "datafile", "import", "worksheets", 
           ["jet", "season", "review"],
           ["jet", "jetsql"]]
 WITHOUT_QT = {"jet", "season", "review", "jetsql"}
+# The folders inside the engine, from the bottom up.
+ENGINE = ["os", "page", "values", "record", "index", "table", "catalog", "recordset", "query",
+          "check"]
 FREE = {"tools", "tests", "fuzz", "bench"}
 MAY_USE_JET = {"jet", "platform", "season", "jetsql"} | FREE
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
@@ -34,6 +37,26 @@ def target(path, quote, included):
     return None
 
 
+def floor(name):
+    """The floor of a file of the engine's private side; None for those above all of them."""
+    parts = name.split("/")
+    if parts[:2] != ["jet", "src"] or len(parts) < 4:
+        return None
+    return ENGINE.index(parts[2]) if parts[2] in ENGINE else -1
+
+
+def engine_offence(own, found):
+    """What is wrong with an include from one file of the engine to another, or None."""
+    above, below = floor(own), floor(found)
+    if -1 in (above, below):
+        return "a folder of the engine that has no place in its order"
+    if above is None:
+        return None
+    if found.startswith("jet/src/") and (below is None or below > above):
+        return "a folder of the engine includes only those below it"
+    return None
+
+
 def offence(path, quote, included):
     own = layer(tree.name(path))
     if included.endswith(".moc"):
@@ -48,6 +71,8 @@ def offence(path, quote, included):
         return "only platform, season, jetsql, tools and tests include the engine"
     if own != "jet" and found.startswith("jet/src/") and own not in FREE:
         return "the engine's private side"
+    if own == other == "jet":
+        return engine_offence(tree.name(path), found)
     if own in FREE or found in FACES:
         return None
     for order in ORDERS:

@@ -7,7 +7,7 @@
 #include "catalog/table_maker.h"
 #include "jet/error.h"
 #include "page/bytes.h"
-#include "record/text.h"
+#include "values/text.h"
 
 namespace jet {
 

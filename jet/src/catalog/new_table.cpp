@@ -4,8 +4,8 @@
 
 #include "catalog/table_maker.h"
 #include "jet/error.h"
-#include "record/text.h"
 #include "table/definition_layout.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -5,7 +5,7 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
-#include "record/text.h"
+#include "values/text.h"
 
 namespace jet {
 

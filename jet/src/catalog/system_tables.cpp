@@ -5,7 +5,7 @@
 #include "catalog/table_maker.h"
 #include "jet/error.h"
 #include "os/clock.h"
-#include "record/text.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -15,11 +15,11 @@
 #include "check/row_check.h"
 #include "check/tree_check.h"
 #include "jet/error.h"
-#include "open_file.h"
-#include "out_of_memory.h"
+#include "os/out_of_memory.h"
 #include "page/bytes.h"
 #include "page/header.h"
 #include "page/pager_impl.h"
+#include "recordset/open_file.h"
 
 namespace jet {
 

@@ -2,9 +2,9 @@
 #include <string>
 
 #include "check/tree_check.h"
-#include "index/collation.h"
 #include "index/index_page.h"
 #include "page/bytes.h"
+#include "values/collation.h"
 
 namespace jet {
 

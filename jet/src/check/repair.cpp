@@ -20,7 +20,7 @@
 #include "jet/database.h"
 #include "jet/error.h"
 #include "jet/recordset.h"
-#include "out_of_memory.h"
+#include "os/out_of_memory.h"
 #include "page/bytes.h"
 #include "page/header.h"
 #include "page/pager_impl.h"

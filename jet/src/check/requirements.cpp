@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "index/key.h"
+#include "values/key.h"
 
 namespace jet {
 

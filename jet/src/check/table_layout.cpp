@@ -5,8 +5,8 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
-#include "record/code_page.h"
-#include "record/text.h"
+#include "values/code_page.h"
+#include "values/text.h"
 
 namespace jet {
 

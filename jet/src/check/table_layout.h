@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "check/account.h"
-#include "record/column.h"
+#include "values/column.h"
 
 namespace jet {
 

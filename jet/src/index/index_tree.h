@@ -1,7 +1,6 @@
 // One real index: a B+-tree of entries, each a key and the row that it stands for.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -10,18 +9,9 @@
 #include "page/pager.h"
 #include "page/types.h"
 #include "page/usage_map.h"
+#include "values/key_bytes.h"
 
 namespace jet {
-
-using Key = std::vector<std::byte>;
-
-// The order of the index. A vector's own `<` makes some compilers warn, where they optimise most,
-// of a comparison without end.
-struct KeyOrder {
-    bool operator()(const Key& left, const Key& right) const {
-        return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end());
-    }
-};
 
 // A position in an index: what an entry holds. Survives splits and deletions of other entries.
 struct IndexEntry {

@@ -43,8 +43,8 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
-#include "record/text.h"
 #include "table/definition_layout.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -34,10 +34,10 @@
 #include <string_view>
 #include <vector>
 
-#include "index/key.h"
 #include "page/pager.h"
-#include "record/column.h"
 #include "record/row.h"
+#include "values/column.h"
+#include "values/key.h"
 
 namespace jet {
 

@@ -2,9 +2,9 @@
 #include <algorithm>
 
 #include "page/bytes.h"
-#include "record/text.h"
 #include "table/definition.h"
 #include "table/definition_layout.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "index/index_tree.h"
-#include "index/key.h"
 #include "table/definition.h"
+#include "values/key.h"
 
 namespace jet {
 

@@ -6,7 +6,7 @@
 #include "jet/error.h"
 #include "page/bytes.h"
 #include "record/long_value.h"
-#include "record/text.h"
+#include "values/text.h"
 
 namespace jet {
 

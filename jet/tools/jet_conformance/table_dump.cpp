@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <set>
 
-#include "index/collation.h"
 #include "parts/dump_values.h"
 #include "parts/page_words.h"
+#include "values/collation.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <cstdio>
 
 #include "parts/sha256.h"
-#include "record/text.h"
+#include "values/text.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "record/column.h"
+#include "values/column.h"
 
 #include <algorithm>
 #include <bit>
@@ -7,7 +7,7 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
-#include "record/text.h"
+#include "values/text.h"
 
 namespace jet {
 

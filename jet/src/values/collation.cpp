@@ -1,4 +1,4 @@
-#include "index/collation.h"
+#include "values/collation.h"
 
 #include <algorithm>
 #include <array>
@@ -31,7 +31,7 @@ struct WeightRun {
 // Weight words, from the lowest bit: kind (3 bits), number of primary bytes (2), number of weights
 // or, in General 97, of bases (2), nothing (1), secondary weight or accent or special code (8),
 // primary weight (16).
-#include "index/collation_tables.inc"
+#include "values/collation_tables.inc"
 
 enum class Kind : std::uint8_t {
     kIgnored,

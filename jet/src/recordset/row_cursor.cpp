@@ -1,4 +1,4 @@
-#include "row_cursor.h"
+#include "recordset/row_cursor.h"
 
 #include <algorithm>
 #include <bit>
@@ -6,11 +6,11 @@
 #include <numeric>
 
 #include "catalog/new_table.h"
-#include "default_value.h"
 #include "jet/error.h"
-#include "out_of_memory.h"
+#include "os/out_of_memory.h"
 #include "page/bytes.h"
-#include "record/text.h"
+#include "recordset/default_value.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -1,10 +1,10 @@
-#include "default_value.h"
+#include "recordset/default_value.h"
 
 #include <algorithm>
 #include <array>
 
 #include "jet/error.h"
-#include "record/text.h"
+#include "values/text.h"
 
 namespace jet {
 

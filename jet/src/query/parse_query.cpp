@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "jet/error.h"
-#include "out_of_memory.h"
-#include "record/text.h"
+#include "os/out_of_memory.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -20,10 +20,10 @@
 #include <string>
 #include <vector>
 
-#include "index/key.h"
 #include "jet/schema.h"
 #include "jet/value.h"
 #include "page/types.h"
+#include "values/key.h"
 
 namespace jet {
 

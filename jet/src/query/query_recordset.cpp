@@ -1,10 +1,10 @@
-#include "query_recordset.h"
+#include "query/query_recordset.h"
 
 #include <algorithm>
 
 #include "jet/error.h"
-#include "query_candidates.h"
-#include "record/text.h"
+#include "query/candidates.h"
+#include "values/text.h"
 
 namespace jet {
 

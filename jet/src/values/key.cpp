@@ -7,7 +7,7 @@
 // form of most types is the complement. Parts delimit themselves, so that a key of several columns
 // is its parts one after the other, and the keys that agree in leading columns begin with the same
 // bytes.
-#include "index/key.h"
+#include "values/key.h"
 
 #include <algorithm>
 #include <array>
@@ -15,9 +15,9 @@
 #include <compare>
 #include <type_traits>
 
-#include "index/collation.h"
 #include "jet/error.h"
-#include "record/code_page.h"
+#include "values/code_page.h"
+#include "values/collation.h"
 
 namespace jet {
 

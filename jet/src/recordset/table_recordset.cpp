@@ -1,4 +1,4 @@
-#include "table_recordset.h"
+#include "recordset/table_recordset.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,8 +6,8 @@
 #include <new>
 
 #include "jet/error.h"
-#include "out_of_memory.h"
-#include "record/text.h"
+#include "os/out_of_memory.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -1,6 +1,6 @@
 #include "jet/error.h"
 
-#include "out_of_memory.h"
+#include "os/out_of_memory.h"
 
 namespace jet {
 

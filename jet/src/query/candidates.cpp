@@ -1,10 +1,10 @@
-#include "query_candidates.h"
+#include "query/candidates.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "record/text.h"
+#include "values/text.h"
 
 namespace jet {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "jet/query.h"
-#include "row_cursor.h"
+#include "recordset/row_cursor.h"
 
 namespace jet {
 

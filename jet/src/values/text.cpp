@@ -1,9 +1,9 @@
-#include "record/text.h"
+#include "values/text.h"
 
 #include <bit>
 #include <cstring>
 
-#include "record/code_page.h"
+#include "values/code_page.h"
 
 namespace jet {
 

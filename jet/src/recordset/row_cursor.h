@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "jet/recordset.h"
-#include "open_file.h"
+#include "recordset/open_file.h"
 #include "table/table.h"
 
 namespace jet {

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-#include "index/index_tree.h"
 #include "jet/schema.h"
 #include "jet/value.h"
+#include "values/key_bytes.h"
 
 namespace jet {
 

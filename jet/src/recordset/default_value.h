@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "jet/value.h"
-#include "record/column.h"
+#include "values/column.h"
 
 namespace jet {
 

@@ -1,4 +1,4 @@
-#include "record/code_page.h"
+#include "values/code_page.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "open_file.h"
+#include "recordset/open_file.h"
 
 #include <algorithm>
 #include <string>

@@ -10,8 +10,8 @@
 
 #include <string_view>
 
-#include "index/index_tree.h"
 #include "page/types.h"
+#include "values/key_bytes.h"
 
 namespace jet {
 

@@ -1,7 +1,7 @@
 // The record set of a whole table, in stored order or in that of an index.
 #pragma once
 
-#include "row_cursor.h"
+#include "recordset/row_cursor.h"
 
 namespace jet {
 
