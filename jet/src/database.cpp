@@ -8,6 +8,7 @@
 #include "jet/recordset.h"
 #include "os/out_of_memory.h"
 #include "page/pager_impl.h"
+#include "query/bind.h"
 #include "query/query_recordset.h"
 #include "recordset/open_file.h"
 #include "recordset/table_recordset.h"
@@ -183,12 +184,23 @@ std::unique_ptr<Recordset> Database::OpenTable(std::string_view name) try {
     ThrowOutOfMemory();
 }
 
-std::unique_ptr<Recordset> Database::OpenQuery(std::string_view sql) try {
+std::unique_ptr<Recordset> Database::OpenQuery(std::string_view sql,
+                                               std::span<const Value> parameters) {
     impl_->file->RequireOpen();
-    const Query query = ParseQuery(sql);
-    const CatalogEntry& entry = Require(*impl_->file, query.table);
+    return OpenQuery(ParseQuery(sql), parameters);
+}
+
+std::unique_ptr<Recordset> Database::OpenQuery(std::string_view sql,
+                                               std::initializer_list<Value> parameters) {
+    return OpenQuery(sql, std::span(parameters.begin(), parameters.size()));
+}
+
+std::unique_ptr<Recordset> Database::OpenQuery(const Query& query,
+                                               std::span<const Value> parameters) try {
+    const Query bound = Bind(query, parameters);
+    const CatalogEntry& entry = Require(*impl_->file, bound.table);
     Table& table = impl_->file->Tables().Open(entry);
-    return std::make_unique<QueryRecordset>(impl_->file, table, entry.system, query);
+    return std::make_unique<QueryRecordset>(impl_->file, table, entry.system, bound);
 } catch (const std::bad_alloc&) {
     ThrowOutOfMemory();
 }

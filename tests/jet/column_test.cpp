@@ -149,7 +149,7 @@ TEST(ColumnValue, Decimal_TakesNumbersAsTheyAreWritten) {
 
 TEST(ColumnValue, Decimal_RefusesWhatIsNoneOrTooLong) {
     const Column column = MakeDecimal(28, 2);
-    for (const char16_t* text : {u"1-", u"1-2", u"--1", u"1.2.3", u"1e5", u"12a", u"1:"}) {
+    for (const char16_t* text : {u"1-", u"1-2", u"--1", u"1.2.3", u"12a", u"1:"}) {
         EXPECT_EQ(KindOf(column, text), ErrorKind::kTypeMismatch);
     }
     EXPECT_EQ(KindOf(column, std::u16string(40, u'9')), ErrorKind::kOverflow);

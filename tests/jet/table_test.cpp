@@ -47,6 +47,7 @@ protected:
     std::unique_ptr<FileSystem> files_;
     std::unique_ptr<Pager> pager_;
     std::optional<Operation> operation_;
+    std::vector<TableRow> deleted_;
 };
 
 TEST_P(TableTest, Walk_SkipsTargetsAndFollowsPointers) {
@@ -80,7 +81,7 @@ TEST_P(TableTest, Walk_SkipsTargetsAndFollowsPointers) {
     }
     std::reverse(backward.begin(), backward.end());
     EXPECT_EQ(backward, rows);
-    for (const RowId row : rows) table->Delete(*operation_, row);
+    for (const RowId row : rows) table->Delete(*operation_, row, deleted_);
     EXPECT_FALSE(UsageMap(*pager_, table->Def().ownedMap).NextFrom(PageNumber{0}));
     EXPECT_FALSE(UsageMap(*pager_, table->Def().freeMap).NextFrom(PageNumber{0}));
     EXPECT_EQ(table->Counters().RowCount(), 0U);
@@ -117,10 +118,11 @@ TEST_P(TableTest, DeletedRow_IsNotFoundAndCannotBeChanged) {
     const auto table = MakeTable(ZonesSchema());
     const RowId first = table->Insert(*operation_, Row(*table, {1, 1, 1}));
     table->Insert(*operation_, Row(*table, {2, 1, 1}));
-    table->Delete(*operation_, first);
+    table->Delete(*operation_, first, deleted_);
     StoredRow stored;
     EXPECT_FALSE(table->Rows().Find(first, stored));
-    EXPECT_EQ(ErrorOf([&] { table->Delete(*operation_, first); }), ErrorKind::kNoCurrentRecord);
+    EXPECT_EQ(ErrorOf([&] { table->Delete(*operation_, first, deleted_); }),
+              ErrorKind::kNoCurrentRecord);
     EXPECT_EQ(ErrorOf([&] { table->Update(*operation_, first, Row(*table, {3})); }),
               ErrorKind::kNoCurrentRecord);
     EXPECT_FALSE(table->Rows().Find({PageNumber{0xFFFFFF}, 0}, stored));
@@ -171,7 +173,7 @@ TEST_P(TableTest, IndexOfAnUnknownOrder_RefusesOnlyWhatTouchesIt) {
                   table.Insert(*operation_, Row(table, {u"b", 1}));
               }),
               ErrorKind::kUnsupported);
-    EXPECT_EQ(ErrorOf([&] { table.Delete(*operation_, row); }), ErrorKind::kUnsupported);
+    EXPECT_EQ(ErrorOf([&] { table.Delete(*operation_, row, deleted_); }), ErrorKind::kUnsupported);
     EXPECT_EQ(ErrorOf([&] { table.Update(*operation_, row, Row(table, {u"b"})); }),
               ErrorKind::kUnsupported);
     RowValues count = Row(table, {u"", 7});

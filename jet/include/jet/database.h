@@ -16,7 +16,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,10 +28,12 @@
 #include "jet/options.h"
 #include "jet/schema.h"
 #include "jet/transaction.h"
+#include "jet/value.h"
 
 namespace jet {
 
 class Recordset;
+struct Query;
 
 // What opening found to do before the file could be used.
 struct Recovery {
@@ -109,9 +113,15 @@ public:
     // read-only. Errors: kNoSuchTable, kDamaged.
     [[nodiscard]] std::unique_ptr<Recordset> OpenTable(std::string_view name);
     // A snapshot of the rows that a query selects, in its order; see query.h for the language.
-    // Errors: kSyntax, kNoSuchTable, kNoSuchField, kTypeMismatch (a condition), kUnsupported (an
+    // `parameters` are the values of its question marks. Errors: kSyntax (another number of them,
+    // too), kNoSuchTable, kNoSuchField, kTypeMismatch (a condition), kUnsupported (an
     // order that is not known), kDamaged.
-    [[nodiscard]] std::unique_ptr<Recordset> OpenQuery(std::string_view sql);
+    [[nodiscard]] std::unique_ptr<Recordset> OpenQuery(std::string_view sql,
+                                                       std::span<const Value> parameters = {});
+    [[nodiscard]] std::unique_ptr<Recordset> OpenQuery(std::string_view sql,
+                                                       std::initializer_list<Value> parameters);
+    [[nodiscard]] std::unique_ptr<Recordset> OpenQuery(const Query& query,
+                                                       std::span<const Value> parameters = {});
 
     class Impl;
     // The private side, for the structure check and the tools.

@@ -39,8 +39,12 @@ enum class ErrorKind {
     kUnsupported,  // 3251 the engine cannot keep this table or index right, so it does not write
     kClosed,       // 3420 the database was closed under this object
     kOutOfMemory,  // 7
-    kTransactionOpen,  // 3246 a transaction is open, in which this cannot be done
-    kNoTransaction,    // 3034 the transaction has ended already
+    kTransactionOpen,       // 3246 a transaction is open, in which this cannot be done
+    kNoTransaction,         // 3034 the transaction has ended already
+    kZeroLengthNotAllowed,  // 3315 an empty text in a field that takes none
+    kRuleViolated,          // 3317 a value that the field's or the table's rule does not allow
+    kRelatedRecords,        // 3200 records of another table refer to this one
+    kNoRelatedRecord,       // 3201 the record that this one refers to does not exist
 };
 
 // The customary number of a kind, as listed above.

@@ -5,9 +5,14 @@
 //     [ORDER BY field [ASC | DESC] [, ...]] [;]
 //
 // A condition compares a field with a literal: field (= | <> | < | <= | > | >=) ('text' | "text" |
-// number), or field IS [NOT] NULL. Names may stand in square brackets. Within a text literal a
-// doubled quote stands for the quote itself. Text is compared as the engine's indexes compare it:
-// without regard to case and trailing blanks. Anything else is kSyntax.
+// number | ?), or field IS [NOT] NULL. Names may stand in square brackets. Within a text literal a
+// doubled quote stands for the quote itself. A question mark stands for a value that is given when
+// the query is opened; the first one for the first value. Anything else is kSyntax.
+//
+// Text is compared as the engine's indexes compare it: without regard to case and trailing blanks.
+// Whole numbers, currency and decimals are compared exactly, the others as doubles. A comparison
+// with null is never true. GUIDs and binary values can be compared by = and <> only; a GUID's
+// literal may be its text.
 #pragma once
 
 #include <string>
@@ -33,7 +38,8 @@ enum class Operator {
 struct Condition {
     std::string field;
     Operator comparison = Operator::kEqual;
-    Value literal;
+    Value literal = {};
+    int parameter = -1;  // the place, from 0, of the value that takes the literal's; -1 for none
 };
 
 struct OrderTerm {
@@ -48,7 +54,7 @@ struct Query {
     std::vector<OrderTerm> order;
 };
 
-// Throws kSyntax with the place of the fault.
+// Without bound values. Throws kSyntax with the place of the fault.
 Query ParseQuery(std::string_view sql);
 
 }  // namespace jet

@@ -37,6 +37,23 @@ struct FieldId {
     int position = 0;
 };
 
+// Reads one long value without ever holding all of it. It borrows its record set's database. Any
+// change of the database ends it: reading then throws kNoCurrentRecord, and another one can be
+// opened where this one stood. Errors besides: kClosed, kDamaged, kIo, kOutOfMemory.
+class ValueReader {
+public:
+    ValueReader() = default;
+    ValueReader(const ValueReader&) = delete;
+    ValueReader& operator=(const ValueReader&) = delete;
+    virtual ~ValueReader() = default;
+
+    // Bytes of an OLE value, UTF-16 units of a memo.
+    [[nodiscard]] virtual std::uint64_t Size() const = 0;
+    // The next units, as many as there are and fit; 0 at the end. kTypeMismatch for the other kind.
+    virtual std::size_t Read(std::span<std::byte> into) = 0;
+    virtual std::size_t Read(std::span<char16_t> into) = 0;
+};
+
 class Recordset {
 public:
     Recordset() = default;
@@ -44,6 +61,8 @@ public:
     Recordset& operator=(const Recordset&) = delete;
     virtual ~Recordset() = default;
 
+    // Every later call throws kClosed, as it does once the database is closed; only Close itself
+    // does nothing then.
     virtual void Close() = 0;
 
     // Names and fields. Names ignore case; kNoSuchField and kNoSuchIndex.
@@ -88,6 +107,12 @@ public:
     virtual bool ReadSingle(FieldId field, float& into) const = 0;
     virtual bool ReadDouble(FieldId field, double& into) const = 0;
     virtual bool ReadText(FieldId field, std::u16string& into) const = 0;
+    // As UTF-8; see jet/convert.h for what is no character.
+    virtual bool ReadText(FieldId field, std::string& into) const = 0;
+    // A memo or OLE value in pieces, beginning `from` units behind its beginning; null for null.
+    // kTypeMismatch for fields of other types.
+    [[nodiscard]] virtual std::unique_ptr<ValueReader> OpenReader(FieldId field,
+                                                                  std::uint64_t from = 0) const = 0;
 
     // Changing. AddNew, Edit, Delete: kReadOnly, kNoCurrentRecord. Set converts between number
     // types; kNoEditBegun, kNoSuchField, kTypeMismatch, kOverflow, kTextTooLong.
@@ -97,6 +122,10 @@ public:
     virtual void Edit() = 0;
     virtual void Set(FieldId field, const Value& value) = 0;
     void Set(std::string_view field, const Value& value) { Set(Field(field), value); }
+    // A memo or OLE value in pieces: each call adds one to the value that the open edit has for the
+    // field, the first one to nothing. kTypeMismatch for fields of other types.
+    virtual void Append(FieldId field, std::u16string_view text) = 0;
+    virtual void Append(FieldId field, std::span<const std::byte> bytes) = 0;
     virtual void Update() = 0;
     virtual void CancelUpdate() = 0;
     virtual void Delete() = 0;

@@ -40,6 +40,10 @@ struct ColumnSchema {
     bool required = false;        // property "Required"
     bool allowZeroLength = true;  // property "AllowZeroLength", text and memo
     std::string defaultValue = {};  // property "DefaultValue", an expression; empty for none
+    // Properties "ValidationRule", a condition that every value has to meet, and "ValidationText",
+    // what a person is shown when one does not.
+    std::string validationRule = {};
+    std::string validationText = {};
 };
 
 struct IndexColumn {
@@ -61,6 +65,8 @@ struct TableSchema {
     std::string name;
     std::vector<ColumnSchema> columns;  // in column-number order
     std::vector<IndexSchema> indexes;   // in creation order
+    std::string validationRule = {};    // of every record
+    std::string validationText = {};
 };
 
 }  // namespace jet

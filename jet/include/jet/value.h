@@ -70,10 +70,11 @@ public:
     [[nodiscard]] std::int32_t AsLong() const;
     [[nodiscard]] float AsSingle() const;
     [[nodiscard]] double AsDouble() const;
-    // Numbers become their shortest decimal text.
+    // Numbers become their shortest decimal text, GUIDs theirs.
     [[nodiscard]] std::u16string AsText() const;
 
     [[nodiscard]] const Storage& Get() const { return *this; }
+    [[nodiscard]] Storage& Get() { return *this; }
     bool operator==(const Value&) const = default;
 };
 

@@ -112,9 +112,17 @@ Table& Catalog::Open(const CatalogEntry& entry) {
     if (!table) {
         Definition definition = ReadDefinition(*pager_, entry.definition);
         ApplyStoredProperties(entry.row, definition);
-        table = std::make_unique<Table>(*pager_, entry.name, std::move(definition));
+        TableFamily* const family = this;
+        table = std::make_unique<Table>(*pager_, entry.name, std::move(definition), family);
     }
     return *table;
+}
+
+Table* Catalog::TableAt(PageNumber definition) {
+    for (const CatalogEntry& entry : Entries()) {
+        if (entry.definition == definition) return &Open(entry);
+    }
+    return nullptr;
 }
 
 // Tables, links and queries share one set of names.

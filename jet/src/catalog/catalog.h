@@ -21,7 +21,7 @@ struct CatalogEntry {
     RowId row;  // in the catalogue's own table
 };
 
-class Catalog {
+class Catalog : private TableFamily {
 public:
     // kDamaged when the catalogue's own tables cannot be read.
     explicit Catalog(Pager& pager);
@@ -39,6 +39,7 @@ public:
     void TransactionRolledBack() noexcept;
 
 private:
+    Table* TableAt(PageNumber definition) override;
     void ReadEntries();
     [[nodiscard]] bool IsNameTaken(std::u16string_view name);
     [[nodiscard]] Binary OwnerOf(std::uint32_t id);

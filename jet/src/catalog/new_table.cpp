@@ -148,6 +148,8 @@ ColumnSchema SchemaOfColumn(const Column& column, Version version) {
     schema.required = column.required;
     schema.allowZeroLength = column.allowZeroLength;
     schema.defaultValue = column.defaultValue;
+    schema.validationRule = column.validationRule;
+    schema.validationText = column.validationText;
     return schema;
 }
 
@@ -213,6 +215,8 @@ void RequireRowFits(const Definition& definition, const Format& format) {
 TableSchema SchemaOf(const std::string& name, const Definition& definition) {
     TableSchema schema;
     schema.name = name;
+    schema.validationRule = definition.validationRule;
+    schema.validationText = definition.validationText;
     for (const Column& column : definition.columns) {
         schema.columns.push_back(SchemaOfColumn(column, definition.version));
     }

@@ -12,14 +12,18 @@ namespace jet {
 namespace {
 
 constexpr std::uint16_t kNameList = 0x80;
+constexpr std::uint16_t kOfTable = 0x00;
 constexpr std::uint16_t kOfColumn = 0x01;
 constexpr std::size_t kChunkHead = 6;
 constexpr std::size_t kPropertyHead = 8;
-constexpr std::array<std::u16string_view, 3> kNames = {u"Required", u"AllowZeroLength",
-                                                       u"DefaultValue"};
+constexpr std::array<std::u16string_view, 5> kNames = {
+    u"Required", u"AllowZeroLength", u"DefaultValue", u"ValidationRule", u"ValidationText"};
+constexpr std::size_t kNamesWithoutRules = 3;
 constexpr std::uint16_t kRequired = 0;
 constexpr std::uint16_t kAllowZeroLength = 1;
 constexpr std::uint16_t kDefaultValue = 2;
+constexpr std::uint16_t kValidationRule = 3;
+constexpr std::uint16_t kValidationText = 4;
 
 std::uint32_t Signature(Version version) {
     return version == Version::kJet3 ? 0x00444B4B : 0x0032524D;
@@ -57,10 +61,23 @@ void ApplyToColumn(Column& column, std::u16string_view name, Bytes value, Versio
         column.allowZeroLength = HoldsTrue(value);
     } else if (name == kNames[kDefaultValue]) {
         column.defaultValue = NarrowName(PlainText(value, version));
+    } else if (name == kNames[kValidationRule]) {
+        column.validationRule = NarrowName(PlainText(value, version));
+    } else if (name == kNames[kValidationText]) {
+        column.validationText = NarrowName(PlainText(value, version));
     }
 }
 
-void ApplyChunk(Bytes chunk, const std::vector<std::u16string>& names, Definition& definition) {
+void ApplyToTable(Definition& definition, std::u16string_view name, Bytes value) {
+    if (name == kNames[kValidationRule]) {
+        definition.validationRule = NarrowName(PlainText(value, definition.version));
+    } else if (name == kNames[kValidationText]) {
+        definition.validationText = NarrowName(PlainText(value, definition.version));
+    }
+}
+
+void ApplyChunk(std::uint16_t kind, Bytes chunk, const std::vector<std::u16string>& names,
+                Definition& definition) {
     const std::size_t head = ReadU32(chunk, 0);
     std::size_t at = 4;
     const auto column = definition.FindColumn(CountedText(chunk, at, definition.version));
@@ -69,7 +86,9 @@ void ApplyChunk(Bytes chunk, const std::vector<std::u16string>& names, Definitio
         const std::size_t name = ReadU16(chunk, at + 4);
         const Bytes value = Slice(chunk, at + kPropertyHead, ReadU16(chunk, at + 6));
         if (size < kPropertyHead + value.size()) ThrowOutOfBounds();
-        if (column && name < names.size()) {
+        if (kind == kOfTable && name < names.size()) {
+            ApplyToTable(definition, names[name], value);
+        } else if (column && name < names.size()) {
             ApplyToColumn(definition.columns[*column], names[name], value, definition.version);
         }
         at += size;
@@ -87,8 +106,8 @@ void ApplyChunks(Bytes stored, Definition& definition) {
             for (std::size_t place = 0; place < chunk.size();) {
                 names.push_back(CountedText(chunk, place, definition.version));
             }
-        } else if (kind == kOfColumn) {
-            ApplyChunk(chunk, names, definition);
+        } else if (kind == kOfTable || kind == kOfColumn) {
+            ApplyChunk(kind, chunk, names, definition);
         }
         at += size;
     }
@@ -147,8 +166,15 @@ bool IsTextual(const ColumnSchema& column) {
 }
 
 bool IsUsual(const ColumnSchema& column) {
-    return !column.required && column.defaultValue.empty() &&
+    return !column.required && column.defaultValue.empty() && column.validationRule.empty() &&
            (column.allowZeroLength || !IsTextual(column));
+}
+
+void AddRule(Builder& chunk, const std::string& rule, const std::string& text) {
+    if (rule.empty()) return;
+    chunk.Property(kValidationRule, ColumnType::kMemo, chunk.Stored(WidenName(rule)));
+    if (text.empty()) return;
+    chunk.Property(kValidationText, ColumnType::kMemo, chunk.Stored(WidenName(text)));
 }
 
 void AddColumn(Builder& all, const ColumnSchema& column, Version version) {
@@ -162,7 +188,14 @@ void AddColumn(Builder& all, const ColumnSchema& column, Version version) {
         chunk.Property(kDefaultValue, ColumnType::kMemo,
                        chunk.Stored(WidenName(column.defaultValue)));
     }
+    AddRule(chunk, column.validationRule, column.validationText);
     all.Chunk(kOfColumn, chunk);
+}
+
+bool HasRules(const TableSchema& schema) {
+    return !schema.validationRule.empty() ||
+           std::any_of(schema.columns.begin(), schema.columns.end(),
+                       [](const ColumnSchema& column) { return !column.validationRule.empty(); });
 }
 
 }  // namespace
@@ -177,12 +210,21 @@ void ApplyProperties(Bytes stored, Definition& definition) {
 }
 
 std::vector<std::byte> BuildProperties(const TableSchema& schema, Version version) {
-    if (std::all_of(schema.columns.begin(), schema.columns.end(), IsUsual)) return {};
+    const bool usual = std::all_of(schema.columns.begin(), schema.columns.end(), IsUsual);
+    if (usual && schema.validationRule.empty()) return {};
     Builder all(version);
     all.U32(Signature(version));
     Builder names(version);
-    for (const std::u16string_view name : kNames) names.Counted(name);
+    const std::size_t count = HasRules(schema) ? kNames.size() : kNamesWithoutRules;
+    for (std::size_t i = 0; i < count; ++i) names.Counted(kNames[i]);
     all.Chunk(kNameList, names);
+    if (!schema.validationRule.empty()) {
+        Builder table(version);
+        table.U32(4 + 2);
+        table.Counted({});
+        AddRule(table, schema.validationRule, schema.validationText);
+        all.Chunk(kOfTable, table);
+    }
     for (const ColumnSchema& column : schema.columns) {
         if (!IsUsual(column) || IsTextual(column)) AddColumn(all, column, version);
     }

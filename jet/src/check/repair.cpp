@@ -96,6 +96,13 @@ public:
 private:
     void Lose(std::string sentence) { report_.losses.push_back(std::move(sentence)); }
 
+    // Rows may be there that a rule would refuse now.
+    void DropRule(std::string& rule, const std::string& what) {
+        if (rule.empty()) return;
+        Lose(what + " is left out (" + rule + ").");
+        rule.clear();
+    }
+
     void LookThroughPages() {
         CheckReport aside;
         Findings silent(aside);
@@ -250,7 +257,10 @@ private:
                      " has no value in some rows, so it is not required any more.");
             }
             column.allowZeroLength = true;
+            DropRule(column.validationRule,
+                     "Table " + layout.name + ": the rule of the field " + column.name);
         }
+        DropRule(definition.validationRule, "Table " + layout.name + ": the rule of its records");
         std::erase_if(definition.columns, [&](const Column& column) {
             const bool lost = !IsKnownType(column.type);
             if (lost) {

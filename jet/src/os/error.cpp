@@ -66,6 +66,14 @@ int ErrorNumber(ErrorKind kind) {
             return 3246;
         case ErrorKind::kNoTransaction:
             return 3034;
+        case ErrorKind::kZeroLengthNotAllowed:
+            return 3315;
+        case ErrorKind::kRuleViolated:
+            return 3317;
+        case ErrorKind::kRelatedRecords:
+            return 3200;
+        case ErrorKind::kNoRelatedRecord:
+            return 3201;
     }
     return 0;  // unreachable: every kind is listed
 }

@@ -40,6 +40,9 @@ std::optional<Key> KeyStart(const Table& table, const TableIndex& index,
         AppendKeyStart(start, column, *text, version);
         return start;
     }
+    const auto* whole = std::get_if<std::int32_t>(&condition.literal.Get());
+    const auto* fraction = std::get_if<double>(&condition.literal.Get());
+    if (whole == nullptr && fraction == nullptr) return std::nullopt;
     const double number = condition.literal.AsDouble();
     if (!IsWithin(column.type, number)) return std::nullopt;
     AppendKeyPart(start, column, static_cast<std::int32_t>(number), version);

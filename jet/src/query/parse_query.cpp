@@ -9,6 +9,7 @@
 
 #include "jet/error.h"
 #include "os/out_of_memory.h"
+#include "values/decimal.h"
 #include "values/text.h"
 
 namespace jet {
@@ -133,8 +134,8 @@ private:
     }
 
     void ReadSymbol(Token& token) {
-        constexpr std::array<std::string_view, 9> kSymbols = {"<>", "<=", ">=", "=", "<",
-                                                              ">",  "*",  ",",  ";"};
+        constexpr std::array<std::string_view, 10> kSymbols = {"<>", "<=", ">=", "=", "<",
+                                                               ">",  "*",  ",",  ";", "?"};
         token.kind = TokenKind::kSymbol;
         for (const std::string_view symbol : kSymbols) {
             if (sql_.substr(at_, symbol.size()) == symbol) {
@@ -240,7 +241,11 @@ private:
         for (const auto& [symbol, comparison] : kOperators) {
             if (TakeSymbol(symbol)) {
                 condition.comparison = comparison;
-                condition.literal = Literal();
+                if (TakeSymbol("?")) {
+                    condition.parameter = parameters_++;
+                } else {
+                    condition.literal = Literal();
+                }
                 return condition;
             }
         }
@@ -269,6 +274,11 @@ private:
             end == last && error == std::errc()) {
             return whole;
         }
+        // More digits than a double keeps.
+        constexpr int kDoubleDigits = 15;
+        const bool hasExponent = token.text.find_first_of("eE") != std::string::npos;
+        const auto exact = ParseDecimal(WidenName({first, last}));
+        if (exact && !hasExponent && DigitCount(*exact) > kDoubleDigits) return *exact;
         double number = 0;
         const auto [end, error] = std::from_chars(first, last, number);
         if (end != last || error != std::errc()) {
@@ -289,6 +299,7 @@ private:
 
     Scanner scanner_;
     Token token_;
+    int parameters_ = 0;
 };
 
 }  // namespace

@@ -4,115 +4,18 @@
 
 #include "jet/error.h"
 #include "query/candidates.h"
+#include "query/row_condition.h"
 #include "values/text.h"
 
 namespace jet {
 
 namespace {
 
-std::size_t RequireColumn(const Table& table, const std::string& name) {
-    const auto column = table.Def().FindColumn(WidenName(name));
-    if (!column) {
-        throw Error(ErrorKind::kNoSuchField,
-                    "The table '" + table.Name() + "' has no field '" + name + "'.");
-    }
-    return *column;
-}
-
 std::vector<std::size_t> ColumnsOf(const Table& table, const Query& query) {
     std::vector<std::size_t> columns;
     for (const std::string& field : query.fields) columns.push_back(RequireColumn(table, field));
     return columns;
 }
-
-bool Holds(Operator comparison, int order) {
-    switch (comparison) {
-        case Operator::kEqual:
-            return order == 0;
-        case Operator::kNotEqual:
-            return order != 0;
-        case Operator::kLess:
-            return order < 0;
-        case Operator::kLessOrEqual:
-            return order <= 0;
-        case Operator::kGreater:
-            return order > 0;
-        case Operator::kGreaterOrEqual:
-            return order >= 0;
-        default:  // unreachable: what is asked about null was answered before
-            return false;
-    }
-}
-
-bool IsPlainLetter(char16_t c) {
-    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
-}
-
-// Of a plain letter or digit.
-char16_t Raised(char16_t c) {
-    return c >= u'a' ? static_cast<char16_t>(c - u'a' + u'A') : c;
-}
-
-// True for most texts that differ, without making their keys: each letter and digit of the Latin
-// alphabet has a weight of its own, so the first place where two of them differ decides.
-bool SurelyDiffer(std::u16string_view left, std::u16string_view right) {
-    const std::size_t common = std::min(left.size(), right.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        if (!IsPlainLetter(left[i]) || !IsPlainLetter(right[i])) return false;
-        if (Raised(left[i]) != Raised(right[i])) return true;
-    }
-    return false;
-}
-
-// One condition with its column found and its literal ready to be compared.
-class Test {
-public:
-    Test(const Table& table, const Condition& condition)
-        : table_(&table),
-          column_(RequireColumn(table, condition.field)),
-          comparison_(condition.comparison) {
-        const ColumnType type = table.Def().columns[column_].type;
-        isText_ = type == ColumnType::kText || type == ColumnType::kMemo;
-        if (comparison_ == Operator::kIsNull || comparison_ == Operator::kIsNotNull) return;
-        if (isText_ != std::holds_alternative<std::u16string>(condition.literal.Get())) {
-            throw Error(ErrorKind::kTypeMismatch, "The condition on the field '" + condition.field +
-                                                      "' compares different types.");
-        }
-        if (isText_) {
-            text_ = condition.literal.AsText();
-        } else {
-            number_ = condition.literal.AsDouble();
-        }
-    }
-
-    bool Passes(const RowView& row) {
-        if (isText_) {
-            const bool present = table_->ReadText(row, column_, current_);
-            if (IsAboutNull()) return present == (comparison_ == Operator::kIsNotNull);
-            if (comparison_ == Operator::kEqual && SurelyDiffer(current_, text_)) return false;
-            return present &&
-                   Holds(comparison_, CompareText(current_, text_, table_->Def().version));
-        }
-        const Value value = table_->ReadValue(row, column_);
-        if (IsAboutNull()) return value.IsNull() == (comparison_ == Operator::kIsNull);
-        if (value.IsNull()) return false;
-        const double number = value.AsDouble();
-        return Holds(comparison_, number < number_ ? -1 : number > number_ ? 1 : 0);
-    }
-
-private:
-    [[nodiscard]] bool IsAboutNull() const {
-        return comparison_ == Operator::kIsNull || comparison_ == Operator::kIsNotNull;
-    }
-
-    const Table* table_;
-    std::size_t column_;
-    Operator comparison_;
-    bool isText_ = false;
-    std::u16string text_;
-    std::u16string current_;
-    double number_ = 0;
-};
 
 // The order of a query, as keys like those of an index.
 class Order {
@@ -156,7 +59,7 @@ void ForEachCandidate(Table& table, const Query& query, Visit visit) {
 }
 
 std::vector<RowId> Select(Table& table, const Query& query) {
-    std::vector<Test> tests;
+    std::vector<RowCondition> tests;
     for (const Condition& condition : query.conditions) tests.emplace_back(table, condition);
     const Order order(table, query);
     std::vector<std::pair<Key, RowId>> found;
@@ -165,7 +68,7 @@ std::vector<RowId> Select(Table& table, const Query& query) {
         if (!table.Rows().Find(row, stored)) return;
         const RowView view = table.View(stored.bytes);
         if (std::all_of(tests.begin(), tests.end(),
-                        [&view](Test& test) { return test.Passes(view); })) {
+                        [&view](RowCondition& test) { return test.Passes(view); })) {
             found.emplace_back(order.KeyOf(view), row);
         }
     });

@@ -11,10 +11,16 @@ public:
     QueryRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system, const Query& query);
 
     void SetIndex(std::string_view name) override;
-    [[nodiscard]] std::string Index() const override { return {}; }
+    [[nodiscard]] std::string Index() const override {
+        RequireOpen();
+        return {};
+    }
     [[nodiscard]] std::int32_t RecordCount() const override;
     bool Seek(Comparison comparison, std::span<const Value> key) override;
-    [[nodiscard]] bool NoMatch() const override { return false; }
+    [[nodiscard]] bool NoMatch() const override {
+        RequireOpen();
+        return false;
+    }
     void MakeKey(std::span<const Value> key, std::vector<std::byte>& into) const override;
     [[nodiscard]] int CompareToKey(std::span<const std::byte> key) const override;
 

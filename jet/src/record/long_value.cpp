@@ -103,6 +103,58 @@ Bytes ReadLongValue(Pager& pager, Bytes inRow, PageRef& page, std::vector<std::b
     return {};  // unreachable: every form is listed
 }
 
+LongValueCursor::LongValueCursor(Pager& pager, Bytes inRow)
+    : pager_(&pager), steps_(std::uint64_t{pager.PageCount()} * kMostSlots) {
+    const auto head = ReadLongValueHead(inRow);
+    if (!head) return;
+    size_ = head->length;
+    if (head->form == LongValueForm::kChain) {
+        missing_ = size_;
+        next_ = head->first;
+        return;
+    }
+    std::vector<std::byte> room;  // which only a chain needs
+    part_ = ReadLongValue(pager, inRow, page_, room);
+}
+
+void LongValueCursor::NextPart() {
+    if (!next_ || steps_-- == 0) ThrowBadValue();
+    LongValueRow row = ReadRow(*pager_, next_);
+    if (row.bytes.size() <= kPointerSize) ThrowBadValue();
+    next_ = RowId::FromPacked(ReadU32(row.bytes, 0));
+    part_ = row.bytes.subspan(kPointerSize,
+                              std::min<std::size_t>(missing_, row.bytes.size() - kPointerSize));
+    missing_ -= static_cast<std::uint32_t>(part_.size());
+    page_ = std::move(row.page);
+}
+
+std::size_t LongValueCursor::Read(MutableBytes into) {
+    std::size_t done = 0;
+    while (done < into.size()) {
+        if (part_.empty()) {
+            if (missing_ == 0) break;
+            NextPart();
+        }
+        const std::size_t count = std::min(part_.size(), into.size() - done);
+        std::copy_n(part_.begin(), count, into.begin() + static_cast<std::ptrdiff_t>(done));
+        part_ = part_.subspan(count);
+        done += count;
+    }
+    return done;
+}
+
+void LongValueCursor::Skip(std::uint64_t count) {
+    while (count > 0) {
+        if (part_.empty()) {
+            if (missing_ == 0) return;
+            NextPart();
+        }
+        const auto step = static_cast<std::size_t>(std::min<std::uint64_t>(part_.size(), count));
+        part_ = part_.subspan(step);
+        count -= step;
+    }
+}
+
 LongValueStore::LongValueStore(Pager& pager, RowId ownedMap, RowId freeMap)
     : pager_(&pager), owned_(pager, ownedMap) {
     if (freeMap) free_.emplace(pager, freeMap);

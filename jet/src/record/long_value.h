@@ -40,6 +40,32 @@ std::optional<LongValueHead> ReadLongValueHead(Bytes inRow);
 // cache), else put together in `room`. kDamaged for a chain that is broken, endless or too short.
 Bytes ReadLongValue(Pager& pager, Bytes inRow, PageRef& page, std::vector<std::byte>& room);
 
+// Reads a value from its beginning to its end, a piece at a time.
+class LongValueCursor {
+public:
+    LongValueCursor() = default;
+    // `inRow` must outlive it where the value lies in the row. kDamaged.
+    LongValueCursor(Pager& pager, Bytes inRow);
+
+    [[nodiscard]] std::uint32_t Size() const { return size_; }
+    // Fills `into`, less at the end of the value. kDamaged for a chain that is broken or endless.
+    std::size_t Read(MutableBytes into);
+    // Reads on without giving anything.
+    void Skip(std::uint64_t count);
+
+private:
+    // Makes `part_` the next part that is not empty.
+    void NextPart();
+
+    Pager* pager_ = nullptr;
+    std::uint32_t size_ = 0;
+    std::uint32_t missing_ = 0;  // bytes that are not in `part_` or before it
+    Bytes part_;                 // what is left of the present part
+    PageRef page_;               // where that lies
+    RowId next_;
+    std::uint64_t steps_ = 0;
+};
+
 // The pages of one column, for writing.
 class LongValueStore {
 public:

@@ -70,10 +70,9 @@ void OpenFile::Unwatch(RowWatcher& watcher) {
     watchers_.erase(std::remove(watchers_.begin(), watchers_.end(), &watcher), watchers_.end());
 }
 
-void OpenFile::MakeRoomForDeleted() {
-    if (inTransaction_ && deleted_.size() == deleted_.capacity()) {
-        deleted_.reserve(deleted_.size() * 2 + 16);
-    }
+void OpenFile::MakeRoomForDeleted(std::size_t count) {
+    if (!inTransaction_ || deleted_.capacity() - deleted_.size() >= count) return;
+    deleted_.reserve(deleted_.size() * 2 + count + 16);
 }
 
 void OpenFile::SignalDeleted(const Table& table, RowId row) noexcept {

@@ -59,8 +59,8 @@ public:
 
     void Watch(RowWatcher& watcher);
     void Unwatch(RowWatcher& watcher);
-    // Before a row is deleted: afterwards nothing may fail.
-    void MakeRoomForDeleted();
+    // Before so many rows are signaled as deleted: afterwards nothing may fail.
+    void MakeRoomForDeleted(std::size_t count);
     void SignalDeleted(const Table& table, RowId row) noexcept;
 
     // Errors: those of Database::Begin and Transaction::Commit.

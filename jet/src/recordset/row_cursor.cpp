@@ -6,10 +6,12 @@
 #include <numeric>
 
 #include "catalog/new_table.h"
+#include "jet/convert.h"
 #include "jet/error.h"
 #include "os/out_of_memory.h"
 #include "page/bytes.h"
 #include "recordset/default_value.h"
+#include "recordset/value_reader.h"
 #include "values/text.h"
 
 namespace jet {
@@ -61,12 +63,22 @@ RowCursor::~RowCursor() {
 void RowCursor::Close() {
     DropEdit();
     file_->Unwatch(*this);
-    place_ = Place::kNowhere;
+    closed_ = true;
     viewKnown_ = false;
     stored_ = StoredRow();
 }
 
+const std::vector<ColumnSchema>& RowCursor::Fields() const {
+    RequireOpen();
+    return fields_;
+}
+
+void RowCursor::ThrowClosed() {
+    throw Error(ErrorKind::kClosed, "The record set has been closed.");
+}
+
 FieldId RowCursor::Field(std::string_view name) const try {
+    RequireOpen();
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         if (fields_[i].name == name) return {static_cast<int>(i)};
     }
@@ -82,10 +94,12 @@ FieldId RowCursor::Field(std::string_view name) const try {
 }
 
 bool RowCursor::IsBof() const {
+    RequireOpen();
     return place_ == Place::kNowhere || place_ == Place::kBefore;
 }
 
 bool RowCursor::IsEof() const {
+    RequireOpen();
     return place_ == Place::kNowhere || place_ == Place::kBehind;
 }
 
@@ -262,6 +276,38 @@ bool RowCursor::ReadText(FieldId field, std::u16string& into) const try {
     ThrowOutOfMemory();
 }
 
+bool RowCursor::ReadText(FieldId field, std::string& into) const try {
+    const std::size_t column = ColumnOf(field).column;
+    if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
+    const Value& value = values_.values[column];
+    if (value.IsNull()) return false;
+    ToUtf8(value.AsText(), into);
+    return true;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
+}
+
+std::unique_ptr<ValueReader> RowCursor::OpenReader(FieldId field, std::uint64_t from) const try {
+    RequireOpen();
+    const std::size_t place = ColumnOf(field).column;
+    const Column& column = table_->Def().columns[place];
+    if (!IsLongValue(column.type)) {
+        throw Error(ErrorKind::kTypeMismatch,
+                    "The field '" + column.name + "' is no memo and no OLE field.");
+    }
+    std::unique_ptr<LongValueReader> reader;
+    if (IsInEdit(place)) {
+        const Value& value = values_.values[place];
+        if (!value.IsNull()) reader = std::make_unique<LongValueReader>(file_, value);
+    } else if (const auto bytes = table_->ColumnBytes(CurrentView(), place)) {
+        reader = std::make_unique<LongValueReader>(file_, column, *bytes);
+    }
+    if (reader) reader->Skip(from);
+    return reader;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
+}
+
 void RowCursor::RequireWritable() const {
     RequireOpen();
     if (!readOnly_) return;
@@ -278,6 +324,7 @@ void RowCursor::PrepareValues() {
     const std::size_t count = table_->Def().columns.size();
     values_.values.assign(count, Value());
     values_.given.assign(count, false);
+    written_.assign(count, false);
 }
 
 void RowCursor::AddNew() try {
@@ -315,24 +362,61 @@ void RowCursor::Edit() try {
     ThrowOutOfMemory();
 }
 
-void RowCursor::Set(FieldId field, const Value& value) try {
+void RowCursor::RequireEdit() const {
     RequireOpen();
+    if (edit_ != EditKind::kNone) return;
+    throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
+}
+
+void RowCursor::Set(FieldId field, const Value& value) try {
+    RequireEdit();
     const std::size_t column = ColumnOf(field).column;
-    if (edit_ == EditKind::kNone) {
-        throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
-    }
     values_.values[column] =
         ConvertForColumn(table_->Def().columns[column], value, table_->Def().version);
     values_.given[column] = true;
+    written_[column] = true;
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
+}
+
+template <typename Held, typename Piece>
+void RowCursor::AppendTo(FieldId field, ColumnType type, Piece piece) {
+    RequireEdit();
+    const std::size_t place = ColumnOf(field).column;
+    const Column& column = table_->Def().columns[place];
+    if (column.type != type) {
+        throw Error(ErrorKind::kTypeMismatch,
+                    "The field '" + column.name + "' is not written in such pieces.");
+    }
+    Value& value = values_.values[place];
+    // What a default has filled in is no beginning.
+    if (!written_[place] || value.IsNull()) value = Held();
+    values_.given[place] = true;
+    written_[place] = true;
+    Held& held = std::get<Held>(value.Get());
+    constexpr std::size_t kBytesOfPiece = sizeof(*piece.data());
+    if ((held.size() + piece.size()) * kBytesOfPiece > kLongestLongValue) {
+        throw Error(ErrorKind::kTextTooLong,
+                    "The field '" + column.name + "' is too small to accept the amount of data.");
+    }
+    held.insert(held.end(), piece.begin(), piece.end());
+}
+
+void RowCursor::Append(FieldId field, std::u16string_view text) try {
+    AppendTo<std::u16string>(field, ColumnType::kMemo, text);
+} catch (const std::bad_alloc&) {
+    ThrowOutOfMemory();
+}
+
+void RowCursor::Append(FieldId field, std::span<const std::byte> bytes) try {
+    AppendTo<Binary>(field, ColumnType::kOle, bytes);
 } catch (const std::bad_alloc&) {
     ThrowOutOfMemory();
 }
 
 void RowCursor::Update() try {
     RequireWritable();
-    if (edit_ == EditKind::kNone) {
-        throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
-    }
+    RequireEdit();
     if (edit_ == EditKind::kEdit) RequireCurrent();
     RowId row = row_;
     if (edit_ == EditKind::kAdd) MakeRoomForRow();
@@ -365,13 +449,14 @@ void RowCursor::Delete() try {
     RequireWritable();
     DropEdit();
     RequireCurrent();
-    file_->MakeRoomForDeleted();
+    std::vector<TableRow> deleted;
     {
         Operation operation(table_->Pages());
-        table_->Delete(operation, row_);
+        table_->Delete(operation, row_, deleted);
+        file_->MakeRoomForDeleted(deleted.size());
         operation.Commit();
     }
-    file_->SignalDeleted(*table_, row_);
+    for (const TableRow& place : deleted) file_->SignalDeleted(*place.table, place.row);
 } catch (const std::bad_alloc&) {
     ThrowOutOfMemory();
 }

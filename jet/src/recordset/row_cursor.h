@@ -18,7 +18,7 @@ public:
     ~RowCursor() override;
 
     void Close() override;
-    [[nodiscard]] const std::vector<ColumnSchema>& Fields() const override { return fields_; }
+    [[nodiscard]] const std::vector<ColumnSchema>& Fields() const override;
     [[nodiscard]] FieldId Field(std::string_view name) const override;
     [[nodiscard]] bool IsBof() const override;
     [[nodiscard]] bool IsEof() const override;
@@ -33,14 +33,22 @@ public:
     bool ReadSingle(FieldId field, float& into) const override;
     bool ReadDouble(FieldId field, double& into) const override;
     bool ReadText(FieldId field, std::u16string& into) const override;
+    bool ReadText(FieldId field, std::string& into) const override;
+    [[nodiscard]] std::unique_ptr<ValueReader> OpenReader(FieldId field,
+                                                          std::uint64_t from) const override;
 
     void AddNew() override;
     void Edit() override;
     void Set(FieldId field, const Value& value) override;
+    void Append(FieldId field, std::u16string_view text) override;
+    void Append(FieldId field, std::span<const std::byte> bytes) override;
     void Update() override;
     void CancelUpdate() override;
     void Delete() override;
-    [[nodiscard]] bool IsEditing() const override { return edit_ != EditKind::kNone; }
+    [[nodiscard]] bool IsEditing() const override {
+        RequireOpen();
+        return edit_ != EditKind::kNone;
+    }
 
 protected:
     // `columns` are the positions of the fields in the table; empty for all.
@@ -68,6 +76,7 @@ protected:
     virtual void RowAdded(RowId row) { static_cast<void>(row); }
 
     void RequireOpen() const {
+        if (closed_) ThrowClosed();
         file_->RequireOpen();
         if (table_->IsDropped()) ThrowDropped();
     }
@@ -117,6 +126,7 @@ private:
     }
     [[noreturn]] static void ThrowNoField();
     [[noreturn]] void ThrowDropped() const;
+    [[noreturn]] static void ThrowClosed();
     // True when the bytes of the current record are a number of this very type.
     [[nodiscard]] bool IsPlain(const FieldColumn& field, ColumnType type) const {
         return field.plain && field.type == type && edit_ == EditKind::kNone;
@@ -128,6 +138,9 @@ private:
     [[nodiscard]] bool IsInEdit(std::size_t column) const;
     void RequireCurrent() const;
     void RequireWritable() const;
+    void RequireEdit() const;
+    template <typename Held, typename Piece>
+    void AppendTo(FieldId field, ColumnType type, Piece piece);
     void PrepareValues();
     void FillDefaults();
 
@@ -141,6 +154,8 @@ private:
     bool searchFailed_ = false;
     EditKind edit_ = EditKind::kNone;
     RowValues values_;
+    std::vector<bool> written_;  // fields that the open edit was given by its caller
+    bool closed_ = false;
     // The current record's bytes, as long as nothing changes.
     mutable StoredRow stored_;
     mutable RowView view_;

@@ -10,10 +10,16 @@ public:
     TableRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system);
 
     void SetIndex(std::string_view name) override;
-    [[nodiscard]] std::string Index() const override { return indexName_; }
+    [[nodiscard]] std::string Index() const override {
+        RequireOpen();
+        return indexName_;
+    }
     [[nodiscard]] std::int32_t RecordCount() const override;
     bool Seek(Comparison comparison, std::span<const Value> key) override;
-    [[nodiscard]] bool NoMatch() const override { return noMatch_; }
+    [[nodiscard]] bool NoMatch() const override {
+        RequireOpen();
+        return noMatch_;
+    }
     void MakeKey(std::span<const Value> key, std::vector<std::byte>& into) const override;
     [[nodiscard]] int CompareToKey(std::span<const std::byte> key) const override;
 

@@ -3,8 +3,8 @@
 #include <new>
 #include <utility>
 
-#include "recordset/open_file.h"
 #include "os/out_of_memory.h"
+#include "recordset/open_file.h"
 
 namespace jet {
 

@@ -92,6 +92,8 @@ struct Definition {
     std::vector<RealIndex> realIndexes;        // in the order of creation
     std::vector<LogicalIndex> logicalIndexes;  // in the order of their names
     std::vector<LongValueMaps> longValueMaps;
+    std::string validationRule;  // from the properties of the catalog
+    std::string validationText;
     RowId ownedMap;
     RowId freeMap;
     // As they were when the definition was read; the file has the present ones.

@@ -1,7 +1,6 @@
 // The indexes of a table, and the keys that its rows have in them.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -9,12 +8,10 @@
 
 #include "index/index_tree.h"
 #include "table/definition.h"
+#include "table/row_values.h"
 #include "values/key.h"
 
 namespace jet {
-
-// Gives the value of a column, by its position in the definition.
-using ColumnValue = std::function<Value(std::size_t column)>;
 
 class TableIndex {
 public:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <random>
+#include <type_traits>
 
 #include "jet/error.h"
 #include "page/bytes.h"
@@ -30,10 +31,12 @@ void RequireNoNull(const TableIndex& index, const TableIndex::RowKey& key) {
 
 }  // namespace
 
-Table::Table(Pager& pager, std::string name, Definition definition)
+Table::Table(Pager& pager, std::string name, Definition definition, TableFamily* family)
     : pager_(&pager),
       name_(std::move(name)),
       definition_(std::move(definition)),
+      rules_(definition_),
+      relations_(*this, family),
       rows_(pager, definition_.page, definition_.ownedMap, definition_.freeMap) {
     for (std::size_t i = 0; i < definition_.realIndexes.size(); ++i) {
         indexes_.push_back(std::make_unique<TableIndex>(pager, definition_, i));
@@ -71,12 +74,17 @@ Value Table::ReadValue(const RowView& row, std::size_t column) const {
                        definition_.version);
 }
 
-bool Table::ReadText(const RowView& row, std::size_t column, std::u16string& into) const {
+template <typename Text>
+bool Table::ReadTextInto(const RowView& row, std::size_t column, Text& into) const {
     const Column& wanted = definition_.columns[column];
     if (wanted.type != ColumnType::kText && wanted.type != ColumnType::kMemo) {
         const Value value = ReadValue(row, column);
         if (value.IsNull()) return false;
-        into = value.AsText();
+        if constexpr (std::is_same_v<Text, std::string>) {
+            into = NarrowName(value.AsText());
+        } else {
+            into = value.AsText();
+        }
         return true;
     }
     const auto bytes = ColumnBytes(row, column);
@@ -90,13 +98,17 @@ bool Table::ReadText(const RowView& row, std::size_t column, std::u16string& int
     return true;
 }
 
+bool Table::ReadText(const RowView& row, std::size_t column, std::u16string& into) const {
+    return ReadTextInto(row, column, into);
+}
+
+bool Table::ReadText(const RowView& row, std::size_t column, std::string& into) const {
+    return ReadTextInto(row, column, into);
+}
+
 void Table::RequireWritable() const {
-    for (const LogicalIndex& index : definition_.logicalIndexes) {
-        if (index.role != IndexRole::kRelation && !index.partnerTable) continue;
-        throw Error(ErrorKind::kUnsupported,
-                    "The table '" + name_ + "' takes part in the relationship '" + index.name +
-                        "', whose rules cannot be kept here, so it is not written to.");
-    }
+    relations_.RequireKnown();
+    rules_.RequireKnown();
     if (!definition_.ownedMap || !definition_.freeMap) {
         throw Error(ErrorKind::kUnsupported,
                     "The table '" + name_ + "' has no list of its pages, so it is not written to.");
@@ -108,16 +120,6 @@ void Table::RequireIndex(const TableIndex& index) const {
     throw Error(ErrorKind::kUnsupported, "The index '" + index.Name() + "' of the table '" + name_ +
                                              "' cannot be kept right (" + *index.Obstacle() +
                                              "), so the change is refused.");
-}
-
-void Table::RequireValues(const RowValues& row, bool isNew) const {
-    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
-        const Column& column = definition_.columns[i];
-        if (!column.required || !(row.given[i] ? row.values[i].IsNull() : isNew)) continue;
-        throw Error(ErrorKind::kNullNotAllowed,
-                    "The field '" + column.name +
-                        "' cannot contain a null value because it is a required field.");
-    }
 }
 
 // The tree says in passing whether the key was there before, so a unique index is searched once.
@@ -266,13 +268,13 @@ RowView Table::TakeOldRow(RowId id) {
 
 RowId Table::Insert(Operation& /*operation*/, const RowValues& given) {
     RequireWritable();
-    RequireValues(given, true);
     RowValues numbered;
     if (hasAutoColumn_) numbered = WithAutoNumbers(given);
     const RowValues& row = hasAutoColumn_ ? numbered : given;
     const auto value = [&row](std::size_t column) {
         return row.given[column] ? row.values[column] : Value();
     };
+    rules_.Check(row, true, value);
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
         RequireIndex(*indexes_[i]);
         indexes_[i]->MakeRowKey(value, newKeys_[i]);
@@ -283,14 +285,12 @@ RowId Table::Insert(Operation& /*operation*/, const RowValues& given) {
         EnterKey(i, newKeys_[i], id);
     }
     Counters().AddRows(1);
+    relations_.RequireParents(row, true, value);
     return id;
 }
 
-std::vector<std::size_t> Table::ChangedIndexes(const RowView& old, const RowValues& row) {
-    const auto oldValue = [&](std::size_t column) { return ReadValue(old, column); };
-    const auto newValue = [&](std::size_t column) {
-        return row.given[column] ? row.values[column] : ReadValue(old, column);
-    };
+std::vector<std::size_t> Table::ChangedIndexes(const RowValues& row, const ColumnValue& oldValue,
+                                               const ColumnValue& newValue) {
     std::vector<std::size_t> changed;
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
         const RealIndex& real = indexes_[i]->Real();
@@ -301,8 +301,8 @@ std::vector<std::size_t> Table::ChangedIndexes(const RowView& old, const RowValu
                                             });
         if (!concerned) continue;
         RequireIndex(*indexes_[i]);
-        indexes_[i]->MakeRowKey(std::ref(newValue), newKeys_[i]);
-        indexes_[i]->MakeRowKey(std::ref(oldValue), oldKeys_[i]);
+        indexes_[i]->MakeRowKey(newValue, newKeys_[i]);
+        indexes_[i]->MakeRowKey(oldValue, oldKeys_[i]);
         if (newKeys_[i].key == oldKeys_[i].key) continue;
         RequireNoNull(*indexes_[i], newKeys_[i]);
         changed.push_back(i);
@@ -311,10 +311,26 @@ std::vector<std::size_t> Table::ChangedIndexes(const RowView& old, const RowValu
 }
 
 void Table::Update(Operation& /*operation*/, RowId id, const RowValues& row) {
+    std::vector<RowChange> cascade;
+    UpdateOne(id, row, cascade);
+    for (std::size_t i = 0; i < cascade.size(); ++i) {
+        const RowChange change = std::move(cascade[i]);
+        change.place.table->UpdateOne(change.place.row, change.values, cascade);
+    }
+}
+
+void Table::UpdateOne(RowId id, const RowValues& row, std::vector<RowChange>& cascade) {
     RequireWritable();
-    RequireValues(row, false);
     const RowView old = TakeOldRow(id);
-    const std::vector<std::size_t> changed = ChangedIndexes(old, row);
+    const auto readOld = [&](std::size_t column) { return ReadValue(old, column); };
+    const auto readNew = [&](std::size_t column) {
+        return row.given[column] ? row.values[column] : ReadValue(old, column);
+    };
+    const ColumnValue oldValue = std::ref(readOld);
+    const ColumnValue newValue = std::ref(readNew);
+    rules_.Check(row, false, newValue);
+    const std::vector<std::size_t> changed = ChangedIndexes(row, oldValue, newValue);
+    relations_.CascadeUpdate(row, oldValue, newValue, cascade);
     rows_.Replace(id, BuildRow(row, &old));
     ReleaseLongValues(old, &row);
     for (const std::size_t i : changed) {
@@ -326,13 +342,31 @@ void Table::Update(Operation& /*operation*/, RowId id, const RowValues& row) {
             RaiseAutoNumber(row.values[i].AsLong());
         }
     }
+    relations_.RequireParents(row, false, newValue);
 }
 
-void Table::Delete(Operation& /*operation*/, RowId id) {
+void Table::Delete(Operation& /*operation*/, RowId id, std::vector<TableRow>& deleted) {
+    StoredRow stored;
+    deleted.assign(1, {this, id});
+    for (std::size_t i = 0; i < deleted.size();) {
+        const TableRow next = deleted[i];
+        // Two relationships can lead to one row.
+        if (i > 0 && !next.table->rows_.Find(next.row, stored)) {
+            deleted.erase(deleted.begin() + static_cast<std::ptrdiff_t>(i));
+            continue;
+        }
+        stored = StoredRow();
+        next.table->DeleteOne(next.row, deleted);
+        ++i;
+    }
+}
+
+void Table::DeleteOne(RowId id, std::vector<TableRow>& cascade) {
     RequireWritable();
     for (const auto& index : indexes_) RequireIndex(*index);
     const RowView old = TakeOldRow(id);
     const auto value = [&](std::size_t column) { return ReadValue(old, column); };
+    relations_.CascadeDelete(id, value, cascade);
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
         indexes_[i]->MakeRowKey(value, oldKeys_[i]);
         EraseKey(i, oldKeys_[i], id);

@@ -13,20 +13,18 @@
 #include "page/pager.h"
 #include "record/row.h"
 #include "table/definition.h"
+#include "table/relations.h"
 #include "table/row_keys.h"
+#include "table/row_rules.h"
 #include "table/row_store.h"
+#include "table/row_values.h"
 
 namespace jet {
 
-// The new values of a row, by the columns' positions; only those marked as given count.
-struct RowValues {
-    std::vector<Value> values;
-    std::vector<bool> given;
-};
-
 class Table {
 public:
-    Table(Pager& pager, std::string name, Definition definition);
+    // Without a family, a table that takes part in a relationship is not written to.
+    Table(Pager& pager, std::string name, Definition definition, TableFamily* family = nullptr);
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
@@ -51,17 +49,22 @@ public:
     [[nodiscard]] Value ReadValue(const RowView& row, std::size_t column) const;
     // The text of a text or memo column, into memory that is used again; false for null.
     bool ReadText(const RowView& row, std::size_t column, std::u16string& into) const;
+    // The same as UTF-8.
+    bool ReadText(const RowView& row, std::size_t column, std::string& into) const;
 
     // Values must have been converted (ConvertForColumn). Errors: kDuplicateKey, kNullNotAllowed,
-    // kRecordTooLarge, kUnsupported and those of the pager.
+    // kZeroLengthNotAllowed, kRuleViolated, kRelatedRecords, kNoRelatedRecord, kRecordTooLarge,
+    // kUnsupported and those of the pager. Changes and deletions go on to other rows where a
+    // relationship says so; `deleted` takes all rows that were deleted.
     RowId Insert(Operation& operation, const RowValues& row);
     void Update(Operation& operation, RowId id, const RowValues& row);
-    void Delete(Operation& operation, RowId id);
+    void Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted);
 
 private:
     void RequireWritable() const;
     void RequireIndex(const TableIndex& index) const;
-    void RequireValues(const RowValues& row, bool isNew) const;
+    void UpdateOne(RowId id, const RowValues& row, std::vector<RowChange>& cascade);
+    void DeleteOne(RowId id, std::vector<TableRow>& cascade);
     // kDuplicateKey; the entry that was made goes with the operation.
     void EnterKey(std::size_t index, const TableIndex::RowKey& key, RowId id);
     void EraseKey(std::size_t index, const TableIndex::RowKey& key, RowId id);
@@ -72,15 +75,20 @@ private:
     void RaiseAutoNumber(std::int32_t value);
     void BuildFixedPart(const RowValues& row, const RowView* old);
     void BuildVariablePart(const RowValues& row, const RowView* old);
+    template <typename Text>
+    bool ReadTextInto(const RowView& row, std::size_t column, Text& into) const;
     std::optional<Bytes> OldBytes(const RowView* old, std::size_t column) const;
     // The indexes whose entry differs between the old row and the new values, with both keys made.
-    std::vector<std::size_t> ChangedIndexes(const RowView& old, const RowValues& row);
+    std::vector<std::size_t> ChangedIndexes(const RowValues& row, const ColumnValue& oldValue,
+                                            const ColumnValue& newValue);
     // A copy of the row's bytes, since the page is about to change.
     RowView TakeOldRow(RowId id);
 
     Pager* pager_;
     std::string name_;
     Definition definition_;
+    RowRules rules_;
+    Relations relations_;
     RowStore rows_;
     std::vector<std::unique_ptr<TableIndex>> indexes_;
     std::vector<std::size_t> variableOrder_;  // positions of the variable columns

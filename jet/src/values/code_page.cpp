@@ -25,6 +25,10 @@ constexpr std::array<char16_t, 256> kCharacters = [] {
 
 }  // namespace
 
+char16_t CodePageCharacter(std::byte byte) {
+    return kCharacters[static_cast<unsigned char>(byte)];
+}
+
 void DecodeCodePage(Bytes bytes, std::u16string& into) {
     into.resize(bytes.size());
     std::transform(bytes.begin(), bytes.end(), into.begin(),

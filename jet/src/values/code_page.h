@@ -11,6 +11,7 @@
 
 namespace jet {
 
+char16_t CodePageCharacter(std::byte byte);
 std::u16string DecodeCodePage(std::string_view bytes);
 // The same into memory that is used again.
 void DecodeCodePage(Bytes bytes, std::u16string& into);

@@ -5,8 +5,10 @@
 #include <cmath>
 #include <limits>
 
+#include "jet/convert.h"
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "values/decimal.h"
 #include "values/text.h"
 
 namespace jet {
@@ -15,7 +17,6 @@ namespace {
 
 constexpr std::uint8_t kNegativeSign = 0x80;
 constexpr std::size_t kDecimalSize = 17;
-constexpr std::uint32_t kLongestValue = (1U << 30) - 1;
 
 [[noreturn]] void ThrowMismatch(const Column& column) {
     throw Error(ErrorKind::kTypeMismatch,
@@ -53,62 +54,15 @@ Currency ToCurrency(const Column& column, const Value& value) {
     return {static_cast<std::int64_t>(up ? below + 1 : below)};
 }
 
-// Multiplies the magnitude by ten, or divides it, dropping the last digit.
-bool TimesTen(Decimal& decimal) {
-    unsigned carry = 0;
-    for (std::size_t i = decimal.magnitude.size(); i-- > 0;) {
-        carry += decimal.magnitude[i] * 10U;
-        decimal.magnitude[i] = static_cast<std::uint8_t>(carry & 0xFF);
-        carry >>= 8;
-    }
-    return carry == 0;
-}
-
-unsigned DivideByTen(Decimal& decimal) {
-    unsigned rest = 0;
-    for (std::uint8_t& byte : decimal.magnitude) {
-        rest = rest << 8 | byte;
-        byte = static_cast<std::uint8_t>(rest / 10);
-        rest %= 10;
-    }
-    return rest;
-}
-
-void AddOne(Decimal& decimal) {
-    for (std::size_t i = decimal.magnitude.size(); i-- > 0;) {
-        if (++decimal.magnitude[i] != 0) return;
-    }
-}
-
-int DigitCount(Decimal decimal) {
-    int digits = 0;
-    while (std::any_of(decimal.magnitude.begin(), decimal.magnitude.end(),
-                       [](std::uint8_t byte) { return byte != 0; })) {
-        DivideByTen(decimal);
-        ++digits;
-    }
-    return digits;
-}
-
 Decimal DecimalOf(const Column& column, const Value& value) {
     if (const auto* decimal = std::get_if<Decimal>(&value.Get())) return *decimal;
     // The shortest decimal text says what the writer meant by a binary fraction.
-    const std::u16string text = value.AsText();
-    Decimal decimal;
-    decimal.negative = text.starts_with(u'-');
-    bool fraction = false;
-    for (const char16_t c : std::u16string_view(text).substr(decimal.negative ? 1 : 0)) {
-        if (c == u'.' && !fraction) {
-            fraction = true;
-        } else if (c >= u'0' && c <= u'9') {
-            if (!TimesTen(decimal)) ThrowTooLarge(column);
-            for (int i = c - u'0'; i > 0; --i) AddOne(decimal);
-            if (fraction) ++decimal.scale;
-        } else {
-            ThrowMismatch(column);
-        }
+    const auto decimal = ParseDecimal(value.AsText());
+    if (!decimal) {
+        static_cast<void>(value.AsDouble());  // which says so when it is no number
+        ThrowTooLarge(column);
     }
-    return decimal;
+    return *decimal;
 }
 
 Decimal ToDecimal(const Column& column, const Value& value) {
@@ -135,6 +89,9 @@ Binary ToBinary(const Column& column, const Value& value) {
 }
 
 Guid ToGuid(const Column& column, const Value& value) {
+    if (const auto* text = std::get_if<std::u16string>(&value.Get())) {
+        return ParseGuid(NarrowName(*text));
+    }
     if (const auto* guid = std::get_if<Guid>(&value.Get())) return *guid;
     const auto* bytes = std::get_if<Binary>(&value.Get());
     if (bytes == nullptr || bytes->size() != 16) ThrowMismatch(column);
@@ -304,11 +261,11 @@ Value ConvertForColumn(const Column& column, const Value& value, Version version
     Value converted = ConvertForSearch(column, value);
     if (const auto* text = std::get_if<std::u16string>(&converted.Get())) {
         const std::size_t size = text->size() * (version == Version::kJet3 ? 1 : 2);
-        if (size > (column.type == ColumnType::kMemo ? kLongestValue : column.length)) {
+        if (size > (column.type == ColumnType::kMemo ? kLongestLongValue : column.length)) {
             ThrowTooLong(column);
         }
     } else if (const auto* bytes = std::get_if<Binary>(&converted.Get())) {
-        if (bytes->size() > (column.type == ColumnType::kOle ? kLongestValue : column.length)) {
+        if (bytes->size() > (column.type == ColumnType::kOle ? kLongestLongValue : column.length)) {
             ThrowTooLong(column);
         }
     }

@@ -50,7 +50,12 @@ struct Column {
     bool required = false;
     bool allowZeroLength = true;
     std::string defaultValue;
+    std::string validationRule;
+    std::string validationText;
 };
+
+// The most bytes of a memo or an OLE value.
+inline constexpr std::uint32_t kLongestLongValue = (1U << 30) - 1;
 
 inline bool IsLongValue(ColumnType type) {
     return type == ColumnType::kMemo || type == ColumnType::kOle;

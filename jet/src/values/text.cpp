@@ -1,6 +1,7 @@
 #include "values/text.h"
 
 #include <bit>
+#include <cstdint>
 #include <cstring>
 
 #include "values/code_page.h"
@@ -114,25 +115,92 @@ char32_t NextCodePoint(std::string_view utf8, std::size_t& at) {
     return point;
 }
 
-void AppendUtf8(char32_t point, std::string& into) {
+// Writes the bytes of a code point and gives the place behind them.
+char* PutUtf8(char32_t point, char* to) {
     const auto tail = [&](int shift) {
-        into.push_back(static_cast<char>(0x80U | (point >> shift & 0x3FU)));
+        *to++ = static_cast<char>(0x80U | (point >> shift & 0x3FU));
     };
     if (point < 0x80) {
-        into.push_back(static_cast<char>(point));
+        *to++ = static_cast<char>(point);
     } else if (point < 0x800) {
-        into.push_back(static_cast<char>(0xC0U | point >> 6));
+        *to++ = static_cast<char>(0xC0U | point >> 6);
         tail(0);
     } else if (point < 0x10000) {
-        into.push_back(static_cast<char>(0xE0U | point >> 12));
+        *to++ = static_cast<char>(0xE0U | point >> 12);
         tail(6);
         tail(0);
     } else {
-        into.push_back(static_cast<char>(0xF0U | point >> 18));
+        *to++ = static_cast<char>(0xF0U | point >> 18);
         tail(12);
         tail(6);
         tail(0);
     }
+    return to;
+}
+
+// The code point at `at` of `count` units, which moves behind it. `unit(i)` gives the unit i.
+template <typename Unit>
+char32_t NextCodePoint(const Unit& unit, std::size_t count, std::size_t& at) {
+    constexpr char32_t kSurrogate = 0xD800;
+    const char32_t first = unit(at++);
+    if ((first & 0xF800) != kSurrogate) return first;
+    if ((first & 0xFC00) == kSurrogate && at < count && (unit(at) & 0xFC00) == 0xDC00) {
+        return 0x10000 + ((first & 0x3FF) << 10) + (unit(at++) & 0x3FFU);
+    }
+    return kReplacement;
+}
+
+// Appends units as UTF-8. Most texts are ASCII, which the first loop takes in one go.
+template <typename Unit>
+void AppendUnits(const Unit& unit, std::size_t count, std::string& into) {
+    constexpr std::size_t kMostBytes = 3;  // of one unit; a pair of them takes four
+    const std::size_t before = into.size();
+    into.resize(before + count);
+    std::size_t at = 0;
+    for (; at < count && unit(at) < 0x80; ++at) into[before + at] = static_cast<char>(unit(at));
+    if (at == count) return;
+    into.resize(before + at + kMostBytes * (count - at));
+    char* to = into.data() + before + at;
+    while (at < count) to = PutUtf8(NextCodePoint(unit, count, at), to);
+    into.resize(static_cast<std::size_t>(to - into.data()));
+}
+
+bool IsAscii(Bytes bytes) {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080;
+    std::size_t at = 0;
+    for (; at + 8 <= bytes.size(); at += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes.data() + at, sizeof(word));
+        if ((word & kHighBits) != 0) return false;
+    }
+    for (; at < bytes.size(); ++at) {
+        if ((bytes[at] & std::byte{0x80}) != std::byte{0}) return false;
+    }
+    return true;
+}
+
+// Bytes that stand for a character each, as `characters` says.
+template <typename Character>
+void AppendNarrow(Bytes bytes, const Character& character, std::string& into) {
+    if (IsAscii(bytes)) {
+        into.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        return;
+    }
+    AppendUnits([&](std::size_t at) { return character(bytes[at]); }, bytes.size(), into);
+}
+
+// The units of a compressed text that are no narrow run without surrogates are rare, so these take
+// the way by UTF-16.
+void AppendCompressedUtf8(Bytes stored, std::string& into) {
+    const Bytes narrow = stored.subspan(2);
+    if (NextSwitch(narrow, 0) == narrow.size()) {
+        AppendNarrow(
+            narrow, [](std::byte byte) { return static_cast<char16_t>(byte); }, into);
+        return;
+    }
+    std::u16string text;
+    DecodeCompressed(stored, text);
+    AppendUtf8(text, into);
 }
 
 }  // namespace
@@ -145,6 +213,23 @@ void DecodeText(Bytes stored, Version version, std::u16string& into) {
     } else {
         DecodePlain(stored, into);
     }
+}
+
+void DecodeText(Bytes stored, Version version, std::string& into) {
+    into.clear();
+    if (version == Version::kJet3) {
+        AppendNarrow(
+            stored, [](std::byte byte) { return CodePageCharacter(byte); }, into);
+    } else if (IsCompressed(stored)) {
+        AppendCompressedUtf8(stored, into);
+    } else {
+        AppendUnits([&](std::size_t at) { return UnitAt(stored, 2 * at); }, stored.size() / 2,
+                    into);
+    }
+}
+
+bool IsCompressedText(Bytes stored, Version version) {
+    return version == Version::kJet4 && IsCompressed(stored);
 }
 
 void EncodeText(std::u16string_view text, Version version, bool compress,
@@ -188,17 +273,12 @@ std::u16string WidenName(std::string_view utf8) {
 
 std::string NarrowName(std::u16string_view name) {
     std::string utf8;
-    for (std::size_t at = 0; at < name.size(); ++at) {
-        char32_t point = name[at];
-        const bool high = (point & 0xFC00) == 0xD800;
-        if (high && at + 1 < name.size() && (name[at + 1] & 0xFC00) == 0xDC00) {
-            point = 0x10000 + ((point & 0x3FF) << 10) + (name[++at] & 0x3FFU);
-        } else if ((point & 0xF800) == 0xD800) {
-            point = kReplacement;
-        }
-        AppendUtf8(point, utf8);
-    }
+    AppendUtf8(name, utf8);
     return utf8;
+}
+
+void AppendUtf8(std::u16string_view text, std::string& into) {
+    AppendUnits([&](std::size_t at) { return text[at]; }, text.size(), into);
 }
 
 }  // namespace jet

@@ -20,6 +20,11 @@ namespace jet {
 // Replaces `into`, which keeps its memory from one call to the next. An odd last byte of a value
 // that should have whole characters is passed over.
 void DecodeText(Bytes stored, Version version, std::u16string& into);
+// The same as UTF-8, without UTF-16 in between.
+void DecodeText(Bytes stored, Version version, std::string& into);
+// Whether a value with this beginning has to be read whole: where a piece of a compressed one
+// begins does not show in it.
+[[nodiscard]] bool IsCompressedText(Bytes stored, Version version);
 // Appends the stored form: compressed only where that is wanted, possible and shorter. Characters
 // that a Jet 3 file cannot hold become question marks.
 void EncodeText(std::u16string_view text, Version version, bool compress,
@@ -28,5 +33,7 @@ void EncodeText(std::u16string_view text, Version version, bool compress,
 // Names: UTF-8 in the engine's face, plain text in the file.
 std::u16string WidenName(std::string_view utf8);
 std::string NarrowName(std::u16string_view name);
+// Appends UTF-8.
+void AppendUtf8(std::u16string_view text, std::string& into);
 
 }  // namespace jet

@@ -5,6 +5,7 @@
 #include <concepts>
 #include <limits>
 
+#include "jet/convert.h"
 #include "jet/error.h"
 
 namespace jet {
@@ -35,30 +36,6 @@ double FromText(std::u16string_view text) {
     if (result.ec != std::errc() || result.ptr != end || begin == end) Mismatch();
     return number;
 }
-
-double FromDecimal(const Decimal& decimal) {
-    double number = 0;
-    for (const std::uint8_t byte : decimal.magnitude) number = number * 256 + byte;
-    number /= std::pow(10.0, decimal.scale);
-    return decimal.negative ? -number : number;
-}
-
-struct ToDouble {
-    double operator()(bool value) const { return value ? -1 : 0; }
-    double operator()(std::int32_t value) const { return value; }
-    double operator()(Currency value) const {
-        return static_cast<double>(value.tenThousandths) / 10000;
-    }
-    double operator()(float value) const { return static_cast<double>(value); }
-    double operator()(double value) const { return value; }
-    double operator()(Date value) const { return value.days; }
-    double operator()(const std::u16string& value) const { return FromText(value); }
-    double operator()(const Decimal& value) const { return FromDecimal(value); }
-    template <typename Other>
-    double operator()(const Other&) const {
-        Mismatch();
-    }
-};
 
 // Halves go to the even neighbour, whatever rounding mode the process runs in.
 double RoundHalfToEven(double number) {
@@ -113,6 +90,24 @@ std::u16string DecimalText(const Decimal& decimal) {
     return PointedText(digits, decimal.scale, decimal.negative && digits != "0");
 }
 
+struct ToDouble {
+    double operator()(bool value) const { return value ? -1 : 0; }
+    double operator()(std::int32_t value) const { return value; }
+    double operator()(Currency value) const {
+        return static_cast<double>(value.tenThousandths) / 10000;
+    }
+    double operator()(float value) const { return static_cast<double>(value); }
+    double operator()(double value) const { return value; }
+    double operator()(Date value) const { return value.days; }
+    double operator()(const std::u16string& value) const { return FromText(value); }
+    // By way of the text, which rounds once.
+    double operator()(const Decimal& value) const { return FromText(DecimalText(value)); }
+    template <typename Other>
+    double operator()(const Other&) const {
+        Mismatch();
+    }
+};
+
 struct ToText {
     std::u16string operator()(bool value) const { return value ? u"True" : u"False"; }
     std::u16string operator()(std::int32_t value) const { return Widen(std::to_string(value)); }
@@ -126,6 +121,7 @@ struct ToText {
     std::u16string operator()(Date value) const { return ShortestText(value.days); }
     std::u16string operator()(const std::u16string& value) const { return value; }
     std::u16string operator()(const Decimal& value) const { return DecimalText(value); }
+    std::u16string operator()(const Guid& value) const { return Widen(GuidText(value)); }
     template <typename Other>
     std::u16string operator()(const Other&) const {
         Mismatch();

@@ -1,0 +1,140 @@
+#include "table/relations.h"
+
+#include <algorithm>
+
+#include "jet/error.h"
+#include "table/table.h"
+
+namespace jet {
+
+namespace {
+
+constexpr std::uint8_t kReferenced = 1;
+constexpr std::uint8_t kReferencing = 2;
+constexpr std::uint8_t kCascades = 1;
+
+bool IsRelation(const LogicalIndex& index) {
+    return index.role == IndexRole::kRelation || index.partnerTable;
+}
+
+[[noreturn]] void ThrowUnknown(const Table& table, const LogicalIndex& relation) {
+    throw Error(ErrorKind::kUnsupported,
+                "The table '" + table.Name() + "' takes part in the relationship '" +
+                    relation.name +
+                    "', whose other side cannot be found, so it is not written "
+                    "to.");
+}
+
+[[noreturn]] void ThrowRelated(const Table& other) {
+    throw Error(ErrorKind::kRelatedRecords,
+                "The record cannot be deleted or changed because the table '" + other.Name() +
+                    "' includes related records.");
+}
+
+bool HasGivenPart(const RealIndex& index, const RowValues& row) {
+    return std::any_of(index.parts.begin(), index.parts.end(), [&](const RealIndex::Part& part) {
+        return static_cast<bool>(row.given[part.column]);
+    });
+}
+
+}  // namespace
+
+Relations::Side Relations::PartnerOf(const LogicalIndex& relation) const {
+    Table* other = family_ == nullptr ? nullptr : family_->TableAt(relation.partnerTable);
+    if (other == nullptr || relation.role != IndexRole::kRelation) ThrowUnknown(*table_, relation);
+    const auto& candidates = other->Def().logicalIndexes;
+    const auto partner =
+        std::find_if(candidates.begin(), candidates.end(), [&](const LogicalIndex& candidate) {
+            return candidate.role == IndexRole::kRelation && candidate.number == relation.partner &&
+                   candidate.side != relation.side && candidate.partnerTable == table_->Def().page;
+        });
+    if (partner == candidates.end()) ThrowUnknown(*table_, relation);
+    const TableIndex& index = *other->Indexes()[partner->real];
+    const RealIndex& own = table_->Def().realIndexes[relation.real];
+    if (index.Obstacle() || own.unknownPart || own.parts.size() != index.Real().parts.size()) {
+        ThrowUnknown(*table_, relation);
+    }
+    return {other, &index};
+}
+
+void Relations::RequireKnown() const {
+    for (const LogicalIndex& index : table_->Def().logicalIndexes) {
+        if (IsRelation(index)) static_cast<void>(PartnerOf(index));
+    }
+}
+
+std::optional<std::vector<Value>> Relations::Reference(const LogicalIndex& relation,
+                                                       const ColumnValue& value) const {
+    std::vector<Value> reference;
+    for (const RealIndex::Part& part : table_->Def().realIndexes[relation.real].parts) {
+        reference.push_back(value(part.column));
+        if (reference.back().IsNull()) return std::nullopt;
+    }
+    return reference;
+}
+
+std::vector<RowId> Relations::RowsOf(const Side& side, const std::vector<Value>& reference) const {
+    Key key;
+    side.index->MakeSearchKey(reference, key);
+    return side.index->Tree().RowsBeginningWith(key);
+}
+
+void Relations::RequireParents(const RowValues& row, bool isNew, const ColumnValue& value) const {
+    for (const LogicalIndex& relation : table_->Def().logicalIndexes) {
+        if (!IsRelation(relation) || relation.side != kReferencing) continue;
+        if (!isNew && !HasGivenPart(table_->Def().realIndexes[relation.real], row)) continue;
+        const auto reference = Reference(relation, value);
+        if (!reference) continue;
+        const Side parent = PartnerOf(relation);
+        if (!RowsOf(parent, *reference).empty()) continue;
+        throw Error(ErrorKind::kNoRelatedRecord,
+                    "The record cannot be added or changed because a related record is required "
+                    "in the table '" +
+                        parent.table->Name() + "'.");
+    }
+}
+
+void Relations::CascadeDelete(RowId row, const ColumnValue& old,
+                              std::vector<TableRow>& deletions) const {
+    for (const LogicalIndex& relation : table_->Def().logicalIndexes) {
+        if (!IsRelation(relation) || relation.side != kReferenced) continue;
+        const auto reference = Reference(relation, old);
+        if (!reference) continue;
+        const Side child = PartnerOf(relation);
+        for (const RowId found : RowsOf(child, *reference)) {
+            const TableRow place = {child.table, found};
+            if (place == TableRow{table_, row}) continue;
+            if (relation.cascadeDeletes != kCascades) ThrowRelated(*child.table);
+            deletions.push_back(place);
+        }
+    }
+}
+
+void Relations::CascadeUpdate(const RowValues& given, const ColumnValue& old,
+                              const ColumnValue& now, std::vector<RowChange>& changes) const {
+    for (const LogicalIndex& relation : table_->Def().logicalIndexes) {
+        const RealIndex& own = table_->Def().realIndexes[relation.real];
+        if (!IsRelation(relation) || relation.side != kReferenced || !HasGivenPart(own, given)) {
+            continue;
+        }
+        const auto before = Reference(relation, old);
+        const auto after = Reference(relation, now);
+        if (!before || before == after) continue;
+        const Side child = PartnerOf(relation);
+        for (const RowId found : RowsOf(child, *before)) {
+            if (relation.cascadeUpdates != kCascades || !after) ThrowRelated(*child.table);
+            RowChange change = {{child.table, found}, {}};
+            const std::size_t count = child.table->Def().columns.size();
+            change.values.values.resize(count);
+            change.values.given.resize(count);
+            for (std::size_t i = 0; i < after->size(); ++i) {
+                const std::size_t column = child.index->Real().parts[i].column;
+                change.values.values[column] = (*after)[i];
+                change.values.given[column] = true;
+            }
+            changes.push_back(std::move(change));
+        }
+    }
+}
+
+}  // namespace jet
