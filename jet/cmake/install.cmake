@@ -3,7 +3,10 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-install(TARGETS jet EXPORT jetTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT jet)
+install(TARGETS jet jet_c EXPORT jetTargets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT jet
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT jet NAMELINK_COMPONENT jet
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT jet)
 install(DIRECTORY include/jet DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT jet)
 if(JET_TOOLS)
   install(TARGETS jetdoctor jetdump RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT jet)
@@ -22,6 +25,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/jetConfig.cmake
 
 # The prefix is told from where the description lies, so that the folder can be moved.
 string(REGEX REPLACE "[^/]+" ".." back_to_prefix ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-configure_file(cmake/jet.pc.in ${CMAKE_CURRENT_BINARY_DIR}/jet.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/jet.pc
+foreach(library jet jet_c)
+  configure_file(cmake/jet.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${library}.pc @ONLY)
+endforeach()
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/jet.pc ${CMAKE_CURRENT_BINARY_DIR}/jet_c.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT jet)

@@ -14,7 +14,7 @@ ORDERS = [["jet", "platform", "shell base", "datafile", "import", "worksheets", 
 WITHOUT_QT = {"jet", "season", "review", "jetsql"}
 # The folders inside the engine, from the bottom up.
 ENGINE = ["os", "page", "values", "record", "index", "table", "catalog", "recordset", "query",
-          "check"]
+          "check", "capi"]
 FREE = {"tools", "tests", "fuzz", "bench"}
 MAY_USE_JET = {"jet", "platform", "season", "jetsql"} | FREE
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')

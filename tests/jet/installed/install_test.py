@@ -14,7 +14,7 @@ ENGINE = Path(__file__).resolve().parents[3] / "jet"
 STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wsign-conversion", "-Wshadow",
           "-Wold-style-cast", "-Wnon-virtual-dtor", "-Werror"]
 CONSUMER = """cmake_minimum_required(VERSION 3.25)
-project(consumer LANGUAGES CXX)
+project(consumer LANGUAGES C CXX)
 find_package(jet 1 REQUIRED)
 get_target_property(options jet::jet INTERFACE_COMPILE_OPTIONS)
 if(options)
@@ -22,6 +22,9 @@ if(options)
 endif()
 add_executable(zones zones.cpp)
 target_link_libraries(zones PRIVATE jet::jet)
+# A program in C; its interface is in a library of its own.
+add_executable(asks_version asks_version.c)
+target_link_libraries(asks_version PRIVATE jet::jet_c)
 # A module takes the engine in.
 add_library(module MODULE module.cpp)
 target_link_libraries(module PRIVATE jet::jet)
@@ -29,6 +32,15 @@ target_link_libraries(module PRIVATE jet::jet)
 MODULE = """#include "jet/database.h"
 extern "C" bool Has(const char* file, const char* table) {
     return jet::Database::Open(file)->HasTable(table);
+}
+"""
+
+
+C_PROGRAM = """#include "jet/jet.h"
+#include <stdio.h>
+int main(void) {
+    puts(jet_version());
+    return 0;
 }
 """
 
@@ -52,6 +64,11 @@ def readme_program():
     return re.findall(r"^```cpp\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)[-1]
 
 
+def version():
+    header = (ENGINE / "include/jet/version.h").read_text(encoding="utf-8")
+    return ".".join(re.findall(r"#define JET_VERSION_\w+ (\d+)", header))
+
+
 def configure(source, build, *options):
     launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
     run("cmake", "-S", source, "-B", build, *launcher, *options)
@@ -63,6 +80,7 @@ def with_cmake(folder, prefix):
     consumer.mkdir()
     (consumer / "CMakeLists.txt").write_text(CONSUMER, encoding="utf-8")
     (consumer / "zones.cpp").write_text(readme_program(), encoding="utf-8")
+    (consumer / "asks_version.c").write_text(C_PROGRAM, encoding="utf-8")
     (consumer / "module.cpp").write_text(MODULE, encoding="utf-8")
     configure(consumer, consumer / "build", f"-DCMAKE_PREFIX_PATH={prefix}",
               "-DCMAKE_CXX_FLAGS=" + " ".join(STRICT))
@@ -70,6 +88,9 @@ def with_cmake(folder, prefix):
     expect((folder / "zones.mdb").exists(), True)
     expect(run(prefix / "bin/jetdoctor", folder / "zones.mdb").count("error"), 0)
     (folder / "zones.mdb").unlink()
+    expect(run(consumer / "build/asks_version"), version() + "\n")
+    shown = run("nm", "-D", "--defined-only", next(prefix.rglob("libjet_c.so")))
+    expect([line for line in shown.splitlines() if " T " in line and " T jet_" not in line], [])
     symbols = run("nm", "-D", "--defined-only", consumer / "build/libmodule.so")
     expect([line for line in symbols.splitlines() if "3jet" in line and " W " not in line], [])
 
@@ -84,9 +105,11 @@ def with_pkg_config(folder, prefix, compiler):
     source = folder / "consumer/zones.cpp"
     run(compiler, "-std=c++20", *STRICT, source, *flags, "-o", folder / "zones")
     expect(run(folder / "zones", folder=folder), "11 characters\n")
-    header = (ENGINE / "include/jet/version.h").read_text(encoding="utf-8")
-    version = ".".join(re.findall(r"#define JET_VERSION_\w+ (\d+)", header))
-    expect(run(*ask, "--modversion", "jet").strip(), version)
+    expect(run(*ask, "--modversion", "jet").strip(), version())
+    flags = run(*ask, "--cflags", "--libs", "jet_c").split()
+    program = folder / "consumer/asks_version.c"
+    run("cc", "-std=c99", "-Wall", "-Wextra", "-Wpedantic", "-Wstrict-prototypes", "-Werror", program,
+        *flags, "-o", folder / "asks_version")
 
 
 def main():
