@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Builds everything twice and runs all tests: optimised with gcc, and with clang under the address
 and undefined-behaviour sanitizers. Where the cross compiler is installed (make windows), the engine
-and its tools are compiled for Windows too. The long run adds a minute of each fuzz target and the
-hard tests with many more tries. The last line of the output is the summary."""
+and its tools are compiled for Windows too. The long run adds the thread
+sanitizer, a minute of each fuzz target and the hard tests with many more tries. The last line of the output is the summary."""
 import argparse
 import os
 import shutil
@@ -142,6 +142,22 @@ def tried_hard(summary):
             summary.add_failure(f"many tries: {program} {tests}")
 
 
+def on_threads(summary):
+    print("== clang, thread sanitizer, the engine alone", flush=True)
+    folder = "build-threads"
+    command = [str(ROOT / "tools/build.sh"), str(ROOT / folder), "jet_tests",
+               "-DCMAKE_CXX_COMPILER=clang++", "-DTARN_THREAD_SANITIZE=ON", "-DTARN_ENGINE_ONLY=ON",
+               "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1 -g"]
+    if subprocess.run(command, check=False).returncode != 0:
+        summary.add_failure("threads: build")
+        return
+    tests = [str(ROOT / folder / "bin/jet_tests"), "--gtest_filter=Threads.*", "--gtest_brief=1"]
+    if subprocess.run(tests, check=False).returncode == 0:
+        summary.passed += 1
+    else:
+        summary.add_failure("threads: two databases at once")
+
+
 def main():
     parser = argparse.ArgumentParser(prog="./test", description=__doc__)
     parser.add_argument("--quick", action="store_true", help="the optimised build only")
@@ -159,6 +175,7 @@ def main():
             for_windows(summary)
     if options.long:
         tried_hard(summary)
+        on_threads(summary)
         fuzzed(summary)
 
     if summary.offenders:

@@ -16,13 +16,10 @@ namespace {
 
 // Different for each log, so that records of an earlier one never pass for its own.
 std::uint64_t NewSalt() {
-    static std::uint64_t last = [] {
-        std::random_device source;
-        return std::uint64_t{source()} << 32 | source();
-    }();
+    std::random_device source;
+    const std::uint64_t random = std::uint64_t{source()} << 32 | source();
     const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-    last = last * 6364136223846793005U + static_cast<std::uint64_t>(now) * 2 + 1;
-    return last;
+    return random * 6364136223846793005U + static_cast<std::uint64_t>(now) * 2 + 1;
 }
 
 }  // namespace
