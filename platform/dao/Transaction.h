@@ -1,8 +1,8 @@
 // Any number of changes to a database as one: all of them, or none.
 //
-//   dao::Transaction transaction = database.Begin();
+//   dao::Transaction transaction = database.Begin()
 //   ... add, edit and delete records, append tables ...
-//   transaction.Commit();
+//   transaction.Commit()
 //
 // Nothing is in the file before Commit. What is not committed when its Transaction is destroyed, by
 // an error that is thrown past it for example, is rolled back. A record that is refused is undone

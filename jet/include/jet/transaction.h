@@ -1,8 +1,8 @@
 // Any number of changes as one: all of them, or none.
 //
-//   jet::Transaction transaction = database->Begin();
+//   jet::Transaction transaction = database->Begin()
 //   ... add, edit and delete records of any tables, create tables ...
-//   transaction.Commit();
+//   transaction.Commit()
 //
 // Record sets see the changes at once, whether they were opened before Begin or after it. Nothing
 // is in the file, or in its log, before Commit, which is one write: it survives the end of the
