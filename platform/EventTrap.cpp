@@ -20,16 +20,18 @@ Report ReportOf(const char* handler) {
     try {
         throw;
     } catch (const RuntimeError& error) {
-        return Report{name, error.Number(), error.Description()};
+        return Report{name, error.Number(), error.Description(), error.Subject()};
     } catch (const jet::Error& error) {
-        return Report{name, error.Number(), QString::fromUtf8(error.what())};
+        return Report{name, error.Number(), QString::fromUtf8(error.what()), {}};
     } catch (const std::bad_alloc&) {
-        return Report{name, kOutOfMemory, QStringLiteral("Out of memory")};
+        return Report{name, kOutOfMemory, QStringLiteral("Out of memory"), {}};
     } catch (const std::exception& error) {
-        return Report{name, kInternalError,
-                      QStringLiteral("Internal error: ") + QString::fromUtf8(error.what())};
+        return Report{name,
+                      kInternalError,
+                      QStringLiteral("Internal error: ") + QString::fromUtf8(error.what()),
+                      {}};
     } catch (...) {
-        return Report{name, kInternalError, QStringLiteral("Internal error")};
+        return Report{name, kInternalError, QStringLiteral("Internal error"), {}};
     }
 }
 
@@ -62,7 +64,7 @@ std::optional<Report> Attempt(const char* handler, const std::function<void()>& 
             return ReportOf(handler);
         } catch (...) {
             // Not even the memory for a sentence: empty texts take none.
-            return Report{QString(), kOutOfMemory, QString()};
+            return Report{QString(), kOutOfMemory, QString(), {}};
         }
     }
 }

@@ -20,6 +20,7 @@ struct Report {
     QString handler;  // qualified name, for instance "frm4FMZs.cmdAdd_Click"
     int number = 0;
     QString description;
+    QString subject;  // what the error is about, where that is known
 };
 
 struct Hooks {

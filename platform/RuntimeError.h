@@ -1,4 +1,5 @@
-// The one error above the engine: a customary number and a sentence for the user.
+// The one error above the engine: a customary number, a sentence for the user, and, where somebody
+// on its way up knows, what it was about ("North, location 2").
 #pragma once
 
 #include <QString>
@@ -40,10 +41,29 @@ public:
 
     [[nodiscard]] int Number() const { return number_; }
     [[nodiscard]] const QString& Description() const { return description_; }
+    [[nodiscard]] const QString& Subject() const { return subject_; }
+    // Says what the error is about. Who is nearest to it has said it first, and best.
+    void Concern(const QString& subject) {
+        if (subject_.isEmpty()) {
+            subject_ = subject;
+        }
+    }
 
 private:
     int number_;
     QString description_;
+    QString subject_;
 };
+
+// Runs `body`; an error that ends it is about what `subject()` names, which is asked only then.
+template <typename Subject, typename Body>
+auto Concerning(Subject subject, Body body) {
+    try {
+        return body();
+    } catch (RuntimeError& error) {
+        error.Concern(subject());
+        throw;
+    }
+}
 
 }  // namespace platform

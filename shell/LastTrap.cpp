@@ -18,16 +18,23 @@ QString Advice(int number) {
     if (number != platform::kFileSystemFull && number != platform::kDiskFull) {
         return {};
     }
-    return platform::kNewLine +
-           QStringLiteral("Make room on the disk; what is on the screen can be stored then.");
+    return QStringLiteral("Make room on the disk; what is on the screen can be stored then.");
+}
+
+QString Sentence(const Report& report) {
+    return report.subject.isEmpty() ? report.description
+                                    : report.subject + QStringLiteral(": ") + report.description;
 }
 
 void Tell(const Report& report) {
     try {
         u91Trace::Error(QStringLiteral("%1: Error %2, ").arg(report.handler).arg(report.number) +
-                        report.description);
-        platform::MsgBox(report.description + Advice(report.number) + platform::kNewLine +
-                         QStringLiteral("(Error %1 in %2)").arg(report.number).arg(report.handler));
+                        Sentence(report));
+        platform::MsgOptions options;
+        options.icon = platform::MsgIcon::kExclamation;
+        options.informative = Advice(report.number);
+        options.details = QStringLiteral("Error %1 in %2").arg(report.number).arg(report.handler);
+        platform::MsgBox(Sentence(report), options);
     } catch (...) {
         // Out of memory or the like: there is nobody left to tell.
         return;

@@ -58,6 +58,26 @@ TEST_F(EventTrapTest, Error_IsPutBackMadeDurableAndReported) {
     EXPECT_EQ(reports_[0].description, "File not found");
 }
 
+TEST_F(EventTrapTest, Error_SaysWhatItIsAbout_AsWhoStandsNearestSaidIt) {
+    EXPECT_FALSE(EventTrap::Run("form.cmd_Click", [] {
+        platform::Concerning([] { return QStringLiteral("the worksheet"); },
+                             [] {
+                                 platform::Concerning(
+                                     [] { return QStringLiteral("North, location 2"); },
+                                     [] { throw platform::RuntimeError(61, "Disk full"); });
+                             });
+    }));
+    ASSERT_EQ(reports_.size(), 1U);
+    EXPECT_EQ(reports_[0].subject, "North, location 2");
+    EXPECT_EQ(reports_[0].description, "Disk full");
+}
+
+TEST_F(EventTrapTest, Concerning_WithoutAnError_AsksForNoName) {
+    EXPECT_EQ(platform::Concerning([]() -> QString { throw std::logic_error("asked"); },
+                                   [] { return 7; }),
+              7);
+}
+
 TEST_F(EventTrapTest, EveryKindOfError_GetsANumber) {
     EventTrap::Run("a", [] { throw jet::Error(jet::ErrorKind::kDuplicateKey, "Twice"); });
     EventTrap::Run("b", [] { throw std::bad_alloc(); });

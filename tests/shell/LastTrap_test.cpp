@@ -1,0 +1,58 @@
+// What a person is told of an error that no procedure caught.
+#include "shell/LastTrap.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/EventTrap.h"
+#include "platform/RuntimeError.h"
+#include "shell/LogFolder.h"
+#include "support/Answers.h"
+
+namespace {
+
+class LastTrapTest : public testing::Test {
+protected:
+    LastTrapTest() { LastTrap::Install(); }
+    ~LastTrapTest() override { platform::EventTrap::Install({}); }
+
+    // The box that comes up for an error of a save.
+    static support::Message Told(int number, const QString& subject) {
+        const support::Answers answers;
+        platform::EventTrap::Run("frm5NVCTable.SaveChanges", [&] {
+            platform::Concerning([&] { return subject; },
+                                 [&] { throw platform::RuntimeError(number, "It failed."); });
+        });
+        EXPECT_EQ(answers.Messages().size(), 1U);
+        return answers.Messages().empty() ? support::Message() : answers.Messages().front();
+    }
+
+    LogFolder folder_;
+};
+
+TEST_F(LastTrapTest, Error_IsToldInWordsForPeople_WithTheRestAsDetails) {
+    const support::Message box = Told(3022, "North, location 2");
+    EXPECT_EQ(box.title, "TARN Prep");
+    EXPECT_EQ(box.text, "North, location 2: It failed.");
+    EXPECT_EQ(box.informative, "");
+    EXPECT_EQ(box.details, "Error 3022 in frm5NVCTable.SaveChanges");
+    EXPECT_EQ(box.buttons, QMessageBox::Ok);
+}
+
+TEST_F(LastTrapTest, ErrorOfNothingInParticular_IsToldAsItIs) {
+    EXPECT_EQ(Told(9, QString()).text, "It failed.");
+}
+
+TEST_F(LastTrapTest, FullDisk_SaysWhatCanBeDone) {
+    EXPECT_TRUE(Told(platform::kDiskFull, QString()).informative.contains("Make room"));
+}
+
+TEST_F(LastTrapTest, BothLogs_KeepProcedureNumberAndSubject) {
+    Told(3022, "North");
+    for (const char* log : {"TARN.LOG", "ERROR.LOG"}) {
+        EXPECT_TRUE(
+            folder_.Bytes(log).contains("frm5NVCTable.SaveChanges: Error 3022, North: It failed."))
+            << log;
+    }
+}
+
+}  // namespace
