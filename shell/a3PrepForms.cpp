@@ -117,7 +117,7 @@ void PositionWorksheet(QWidget& form) {
     u91Trace::Procedure(QStringLiteral("PositionWorksheet"));
     const QSize client = frm0_Prep::Loaded().ClientSize();
     const frmTabs* tabs = frm0_Prep::Loaded().Tabs();
-    const int strip = tabs != nullptr ? tabs->height() : frmTabs::kHeight;
+    const int strip = tabs != nullptr ? tabs->height() : frmTabs::HeightFor(form.font());
     const int height = client.height() > strip ? client.height() - strip : form.height();
     form.setGeometry(0, 0, client.width(), height);
     form.show();
@@ -134,6 +134,11 @@ void UnloadCurrentWorksheet() {
     u91Trace::Procedure(QStringLiteral("a3PrepForms.UnloadCurrentWorksheet; WorksheetID = ") +
                         worksheetID);
     UnloadForm();
+    // After a New that failed the strip stays, though no file is open.
+    frmTabs* const tabs = frm0_Prep::Loaded().Tabs();
+    if (tabs != nullptr && !PrepDatafile::IsDatafileOpen()) {
+        tabs->ShowFile(QString());
+    }
 }
 
 void ArrangeWorksheets() {

@@ -177,6 +177,7 @@ frmTabs& frm0_Prep::ShowTabs() {
         tabs_ = std::make_unique<frmTabs>(clientArea_);
         tabs_->Form_Load();
     }
+    tabs_->ShowFile(PrepDatafile::CurrentPath());
     tabs_->show();
     tabs_->raise();
     return *tabs_;

@@ -1,9 +1,15 @@
 #include "shell/frmTabs.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QEvent>
+#include <QLabel>
+#include <QShortcut>
 
+#include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/EventTrap.h"
+#include "platform/controls/FontScale.h"
 #include "platform/controls/vsIndexTab.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
@@ -14,6 +20,8 @@ namespace {
 
 constexpr int kNVCTab = 5;
 constexpr int kSCATab = 6;
+constexpr int kGap = 8;
+constexpr int kLeastOfFile = 12;  // characters, with which a path says something
 
 bool HasZones() {
     return PrepDatatables::tblFMZList->RecordCount() > 0;
@@ -27,9 +35,12 @@ void Refuse(const QString& message, const QString& traceText, bool& cancel) {
 
 }  // namespace
 
-static_assert(platform::ToPixels(frmTabs::kHeightInTwips) == frmTabs::kHeight);
+int frmTabs::HeightFor(const QFont& font) {
+    return platform::ScaledPixels(platform::ToPixels(kHeightInTwips), font);
+}
 
-frmTabs::frmTabs(QWidget* clientArea) : QWidget(clientArea), vsTab1_(new vsIndexTab(this)) {
+frmTabs::frmTabs(QWidget* clientArea)
+    : QWidget(clientArea), vsTab1_(new vsIndexTab(this)), lblFile_(new QLabel(this)) {
     setObjectName(QStringLiteral("frmTabs"));
     setAccessibleName(tr("Worksheet tabs"));
     setAutoFillBackground(true);
@@ -38,6 +49,12 @@ frmTabs::frmTabs(QWidget* clientArea) : QWidget(clientArea), vsTab1_(new vsIndex
     vsTab1_->SetCaption(
         QStringLiteral("|Introduction|Management Goals|Suppression Resources|FMZs|NVC Table|"
                        "Suppression Cost / Acre"));
+    lblFile_->setObjectName(QStringLiteral("lblFile"));
+    lblFile_->setTextFormat(Qt::PlainText);
+    lblFile_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    lblFile_->hide();
+    AddStepKey(Qt::CTRL | Qt::Key_PageUp, -1);
+    AddStepKey(Qt::CTRL | Qt::Key_PageDown, 1);
     connect(vsTab1_, &vsIndexTab::Switch, this, [this](int oldTab, int newTab, bool* cancel) {
         // A worksheet that cannot be saved stays, with what was typed into it. Once it has gone,
         // the next one must come, even if the disk fails after that.
@@ -62,17 +79,50 @@ frmTabs::frmTabs(QWidget* clientArea) : QWidget(clientArea), vsTab1_(new vsIndex
             platform::EventTrap::Trapped("frmTabs.vsTab1_Click", [this] { vsTab1_Click(); }));
 }
 
+// From any control, one in an open cell editor too; the worksheet is left as by a click on a tab.
+void frmTabs::AddStepKey(const QKeySequence& key, int step) {
+    auto* shortcut = new QShortcut(key, this);
+    connect(shortcut, &QShortcut::activated, this,
+            platform::EventTrap::Trapped("frmTabs.StepWorksheet", [this, step] {
+                const int next = vsTab1_->CurrTab() + step;
+                if (next >= 1 && next <= a3PrepForms::kWorksheets) {
+                    vsTab1_->SetCurrTab(next);
+                }
+            }));
+}
+
 void frmTabs::Form_Load() {
     u91Trace::FormLoad(QStringLiteral("frmTabs"));
     const QSize client = parentWidget()->size();
-    const int top = client.height() > kHeight ? client.height() - kHeight : y();
+    const int height = HeightFor(font());
+    const int top = client.height() > height ? client.height() - height : y();
     vsTab1_->SetTabVisibleByIndex(0, false);
-    setGeometry(0, top, client.width(), kHeight);
+    setGeometry(0, top, client.width(), height);
 }
 
 void frmTabs::Form_Resize() {
     u91Trace::Procedure(QStringLiteral("frmTabs.Form_Resize"));
     vsTab1_->setGeometry(0, 0, width(), height());
+    PlaceFile();
+}
+
+void frmTabs::ShowFile(const QString& path) {
+    path_ = QDir::toNativeSeparators(path);
+    const QString tip = tr("Data file: %1").arg(path_);
+    lblFile_->setAccessibleName(tip);
+    lblFile_->setToolTip(Qt::mightBeRichText(tip) ? tip.toHtmlEscaped() : tip);
+    PlaceFile();
+}
+
+void frmTabs::PlaceFile() {
+    const int left = vsTab1_->TabsEnd() + kGap;
+    const int room = width() - kGap - left;
+    lblFile_->setVisible(!path_.isEmpty() &&
+                         room >= fontMetrics().averageCharWidth() * kLeastOfFile);
+    lblFile_->setGeometry(left, 0, room, height());
+    const bool whole = fontMetrics().horizontalAdvance(path_) <= room;
+    const QString shown = whole ? path_ : PrepDatafile::FileTitleFromPath(path_);
+    lblFile_->setText(fontMetrics().elidedText(shown, Qt::ElideRight, room));
 }
 
 void frmTabs::Form_Unload() {
@@ -86,6 +136,15 @@ bool frmTabs::HasKeyboard() const {
 void frmTabs::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     platform::EventTrap::Run("frmTabs.Form_Resize", [this] { Form_Resize(); });
+}
+
+void frmTabs::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && height() != HeightFor(font())) {
+        resize(width(), HeightFor(font()));
+        platform::EventTrap::Run("a3PrepForms.ArrangeWorksheets",
+                                 [] { a3PrepForms::ArrangeWorksheets(); });
+    }
 }
 
 // The zones are counted before the current worksheet is saved: a first zone that has only just been

@@ -1,18 +1,16 @@
 #include "platform/controls/vsIndexTab.h"
 
-#include <QApplication>
-#include <QEvent>
-#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QSignalBlocker>
+#include <QWheelEvent>
 #include <algorithm>
+
+#include "platform/controls/FontScale.h"
 
 namespace {
 
 constexpr int kStripHeight = 25;  // 375 twips
-constexpr int kTextHeight = 19;   // what the style leaves of it for the caption
-constexpr double kSmallestSize = 7.5;
 
 }  // namespace
 
@@ -23,7 +21,6 @@ vsIndexTab::vsIndexTab(QWidget* parent) : QTabBar(parent) {
     setUsesScrollButtons(true);
     setElideMode(Qt::ElideNone);
     setFocusPolicy(Qt::TabFocus);
-    FitFont();
     connect(this, &QTabBar::currentChanged, this, &vsIndexTab::OnCurrentChanged);
 }
 
@@ -65,7 +62,7 @@ void vsIndexTab::SetCurrTab(int tab, bool evenIfCurrent) {
 }
 
 QSize vsIndexTab::minimumSizeHint() const {
-    return {QTabBar::minimumSizeHint().width(), kStripHeight};
+    return {QTabBar::minimumSizeHint().width(), StripHeight(font())};
 }
 
 void vsIndexTab::mousePressEvent(QMouseEvent* event) {
@@ -95,16 +92,21 @@ void vsIndexTab::keyPressEvent(QKeyEvent* event) {
     SetCurrTab(tab);
 }
 
-void vsIndexTab::changeEvent(QEvent* event) {
-    QTabBar::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange) {
-        FitFont();
-    }
+void vsIndexTab::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+int vsIndexTab::StripHeight(const QFont& font) {
+    return platform::ScaledPixels(kStripHeight, font);
+}
+
+int vsIndexTab::TabsEnd() const {
+    return count() == 0 ? 0 : tabRect(count() - 1).right() + 1;
 }
 
 QSize vsIndexTab::tabSizeHint(int tab) const {
     const QSize hint = QTabBar::tabSizeHint(tab);
-    return {hint.width(), std::min(hint.height(), kStripHeight)};
+    return {hint.width(), std::min(hint.height(), StripHeight(font()))};
 }
 
 // The tab bar has gone to its new tab already; the old one is shown again until the switch is
@@ -130,39 +132,4 @@ void vsIndexTab::OnCurrentChanged(int tab) {
 void vsIndexTab::ShowCurrent(int tab) {
     const QSignalBlocker quiet(this);
     setCurrentIndex(tab);
-}
-
-void vsIndexTab::resizeEvent(QResizeEvent* event) {
-    QTabBar::resizeEvent(event);
-    FitFont();
-}
-
-// What the tabs that show would take in a font, their margins included.
-int vsIndexTab::TabsWidth(const QFont& font) const {
-    const QFontMetrics metrics(font);
-    int width = 0;
-    for (int tab = 0; tab < count(); ++tab) {
-        if (isTabVisible(tab)) {
-            const QString text = tabText(tab);
-            width += QTabBar::tabSizeHint(tab).width() - fontMetrics().horizontalAdvance(text) +
-                     metrics.horizontalAdvance(text);
-        }
-    }
-    return width;
-}
-
-// A large application font would not fit into the strip, whose height is given, nor all tabs into
-// a narrow window.
-void vsIndexTab::FitFont() {
-    QFont fitting = QApplication::font(this);
-    const auto smaller = [&fitting] { fitting.setPointSizeF(fitting.pointSizeF() - 0.5); };
-    while (QFontMetrics(fitting).height() > kTextHeight && fitting.pointSizeF() > 6) {
-        smaller();
-    }
-    while (TabsWidth(fitting) > width() && fitting.pointSizeF() > kSmallestSize) {
-        smaller();
-    }
-    if (fitting != font()) {
-        setFont(fitting);
-    }
 }

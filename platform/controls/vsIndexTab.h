@@ -1,8 +1,10 @@
 // The tab strip's tabs: a tab bar whose switch can be refused.
 //
-// Every road to another tab - click, arrow keys, wheel, SetCurrTab, assistive technology - first
-// emits Switch, while the old tab still is the current one, and then Click. Choosing the current
-// tab once more emits CurrentChosen. A tab that is not visible is out of everybody's reach.
+// Every road to another tab - click, arrow keys, SetCurrTab, assistive technology - first emits
+// Switch, while the old tab still is the current one, and then Click. Choosing the current tab once
+// more emits CurrentChosen. A tab that is not visible is out of everybody's reach, and the wheel,
+// which a hand may turn in passing, changes nothing. Captions keep the application's font; what
+// does not fit scrolls.
 #pragma once
 
 #include <QTabBar>
@@ -22,6 +24,11 @@ public:
     // only when `evenIfCurrent`.
     void SetCurrTab(int tab, bool evenIfCurrent = false);
 
+    // The strip's height at a font: 375 twips, and more for larger ones.
+    [[nodiscard]] static int StripHeight(const QFont& font);
+    // Where the last tab ends.
+    [[nodiscard]] int TabsEnd() const;
+
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 signals:
@@ -32,15 +39,12 @@ signals:
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void changeEvent(QEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     [[nodiscard]] QSize tabSizeHint(int tab) const override;
 
 private:
     void OnCurrentChanged(int tab);
     void ShowCurrent(int tab);
-    void FitFont();
-    [[nodiscard]] int TabsWidth(const QFont& font) const;
 
     int current_ = -1;
     bool switching_ = false;

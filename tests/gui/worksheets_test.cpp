@@ -1,5 +1,8 @@
 // The worksheet manager: the switching protocol, its refusals, and the geometry of strip and form.
 
+#include <QDir>
+#include <QLabel>
+
 #include "RunningProgram.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/ZoneKeys.h"
@@ -269,6 +272,64 @@ TEST_F(Worksheets, ClickOnATab_GivesTheKeyboardToTheWorksheet) {
     RunWithFile();
     ClickTab(2);
     EXPECT_TRUE(a3PrepForms::CurrentForm()->isAncestorOf(QApplication::focusWidget()));
+}
+
+TEST_F(Worksheets, StepKeys_FromATextBox_SaveAndSwitchAsAClickDoes) {
+    RunWithFile();
+    ClickTab(2);
+    Click(QStringLiteral("cmdAdd"));
+    QTest::keyClicks(&Get<QLineEdit>(QStringLiteral("txtHeading")), QStringLiteral("Ridge"));
+    Press(Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm3SRMaster"));
+    EXPECT_EQ(Tab().CurrTab(), 3);
+    PrepDatatables::tblManagementGoals->MoveFirst();
+    EXPECT_EQ(PrepDatatables::tblManagementGoals->Text(QStringLiteral("ManagementArea")),
+              QStringLiteral("Ridge"));
+    Press(Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm2RMAs"));
+}
+
+TEST_F(Worksheets, StepKeys_FromAnOpenCell_StoreItAndStopAtTheEnds) {
+    RunWithFile();
+    ZoneKeys::AddZone(QStringLiteral("North"), 1);
+    ClickTab(6);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm6SuppressAcre"));
+    ClickTab(4);
+    auto& grid = Get(QStringLiteral("grdFMZs"));
+    QRect cell;
+    QMetaObject::invokeMethod(&grid, "CellRect", Q_RETURN_ARG(QRect, cell), Q_ARG(int, 1),
+                              Q_ARG(int, 0));
+    QWidget* viewport = grid.findChild<QWidget*>(QStringLiteral("qt_scrollarea_viewport"));
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, cell.center());
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("Ridge"));
+    Press(Qt::Key_PageUp, Qt::ControlModifier);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm3SRMaster"));
+    PrepDatatables::tblFMZList->MoveFirst();
+    EXPECT_EQ(PrepDatatables::tblFMZList->Text(QStringLiteral("Name")), QStringLiteral("Ridge"));
+}
+
+TEST_F(Worksheets, StepKeys_TowardsAWorksheetThatNeedsAZone_AreRefused) {
+    RunWithFile();
+    ClickTab(4);
+    const support::Answers answers;
+    Press(Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_EQ(answers.Texts(), QStringList("Must have at least one FMZ to edit impacts."));
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm4FMZs"));
+}
+
+TEST_F(Worksheets, Strip_SaysWhereTheOpenFileLies) {
+    RunWithFile();
+    auto& file = Get<QLabel>(QStringLiteral("lblFile"));
+    EXPECT_EQ(file.toolTip(),
+              "Data file: " + QDir::toNativeSeparators(PrepDatafile::CurrentPath()));
+    EXPECT_EQ(file.accessibleName(), file.toolTip());
+    ResizeClientTo(1600, 700);
+    EXPECT_TRUE(file.isVisible());
+    EXPECT_EQ(file.text(), QDir::toNativeSeparators(PrepDatafile::CurrentPath()));
+    EXPECT_GT(file.x(), Tab().tabRect(6).right());
+    ResizeClientTo(600, 500);
+    EXPECT_FALSE(file.isVisible()) << "no room beside the tabs";
 }
 
 }  // namespace

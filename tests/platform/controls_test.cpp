@@ -12,6 +12,7 @@
 #include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
 #include "platform/controls/FLabel.h"
+#include "platform/controls/FontScale.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/vsIndexTab.h"
 
@@ -97,6 +98,30 @@ TEST(SSPanelTest, Caption_IsShownAndDescribed) {
     EXPECT_EQ(panel.Caption(), "$1,234");
     EXPECT_EQ(panel.accessibleDescription(), "$1,234");
     EXPECT_GE(panel.sizeHint().width(), panel.fontMetrics().horizontalAdvance("$1,234"));
+}
+
+TEST(SSPanelTest, FigureWithoutRoom_IsNeverCutOrWrapped) {
+    SSPanel panel;
+    panel.SetCaption("-100,000,053");
+    EXPECT_EQ(panel.minimumSizeHint(), panel.sizeHint());
+    const auto shows = [&panel](int width) {
+        panel.resize(width, 60);
+        return panel.grab().toImage();
+    };
+    const int whole = panel.sizeHint().width();
+    SSPanel marks;
+    marks.SetCaption("####");
+    marks.resize(whole - 10, 60);
+    EXPECT_EQ(shows(whole - 10), marks.grab().toImage());
+    marks.resize(whole, 60);
+    EXPECT_NE(shows(whole), marks.grab().toImage());
+    EXPECT_EQ(panel.accessibleDescription(), "-100,000,053");
+}
+
+TEST(SSPanelTest, Words_AreBrokenBetweenLinesAndKeepTheirSize) {
+    SSPanel panel;
+    panel.SetCaption("Gain or loss per acre");
+    EXPECT_LT(panel.minimumSizeHint().width(), panel.sizeHint().width());
 }
 
 class IndexTabTest : public testing::Test {
@@ -193,17 +218,43 @@ TEST_F(IndexTabTest, SwitchingInsideSwitch_IsIgnored) {
     EXPECT_EQ(TakeLog(), QStringList({"Switch 1 2 at 1", "Click 2"}));
 }
 
-TEST_F(IndexTabTest, Captions_FitTheStripAtAnyFontSize) {
+TEST_F(IndexTabTest, Wheel_ChangesNothing) {
+    QWheelEvent wheel(tab_.tabRect(2).center(), tab_.mapToGlobal(tab_.tabRect(2).center()), {},
+                      QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&tab_, &wheel);
+    EXPECT_EQ(tab_.CurrTab(), 1);
+    EXPECT_EQ(TakeLog(), QStringList());
+}
+
+TEST_F(IndexTabTest, Strip_GrowsWithLettersThatAreLargerThanUsual) {
     EXPECT_EQ(tab_.tabText(3), "Three && more");
     const QFont old = QApplication::font();
-    for (const int size : {8, 9, 12, 18}) {
+    for (const int size : {8, 9, 10, 12, 18}) {
         QFont font = old;
         font.setPointSize(size);
         QApplication::setFont(font);
-        EXPECT_LE(tab_.sizeHint().height(), 25) << size;
-        EXPECT_LE(QFontMetrics(tab_.font()).height(), 19) << size;
+        vsIndexTab tab;
+        tab.SetCaption("|One|Two");
+        const int strip = vsIndexTab::StripHeight(font);
+        EXPECT_EQ(strip > 25, size > 10) << size;
+        EXPECT_GE(strip, 25) << size;
+        EXPECT_EQ(tab.font().pointSize(), size);
+        EXPECT_LE(tab.sizeHint().height(), strip) << size;
+        EXPECT_LE(QFontMetrics(tab.font()).height(), strip - 6) << size;
     }
     QApplication::setFont(old);
+}
+
+TEST(FontScaleTest, GivenSizes_HoldUpToTenPointsAndGrowWithTheLineFromThere) {
+    QFont font = QApplication::font();
+    for (const int size : {6, 9, 10}) {
+        font.setPointSize(size);
+        EXPECT_EQ(platform::FontScale(font), 1) << size;
+    }
+    const double standard = QFontMetricsF(font).height();
+    font.setPointSize(18);
+    EXPECT_DOUBLE_EQ(platform::FontScale(font), QFontMetricsF(font).height() / standard);
+    EXPECT_GT(platform::ScaledPixels(100, font), 150);
 }
 
 // A frame with a Cut entry and a text box, as the program has them.
