@@ -11,8 +11,9 @@
 #include "datafile/UnitBox.h"
 #include "datafile/frmFCDName.h"
 #include "platform/EventTrap.h"
-#include "platform/controls/FittingFont.h"
+#include "platform/controls/FontScale.h"
 #include "platform/controls/SSPanel.h"
+#include "platform/controls/ScrolledPage.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/help/HelpViewer.h"
 #include "platform/system/Host.h"
@@ -107,8 +108,10 @@ void frmFCDName::NameControls() {
     Name(cmdCancel_, "cmdCancel", tr("Cancel"));
 }
 
-// What depends on the font, which the screen may have made smaller.
+// What depends on the font.
 void frmFCDName::SizeBoxes() {
+    const int columns = platform::ToPixels(kNameWidth + 2 * kCodeWidth);
+    grdUnits_->setMinimumWidth(platform::ScaledPixels(columns, font()) + kScrollBarRoom);
     SetBoxWidth(txtUnitID_, 4);
     SetBoxWidth(txtState_, 2);
     SetBoxWidth(txtYear_, 2);
@@ -123,7 +126,9 @@ void frmFCDName::changeEvent(QEvent* event) {
 }
 
 void frmFCDName::LayOutControls() {
-    auto* columns = new QHBoxLayout;
+    auto* scrolled = new ScrolledPage(this, "pnlQuestions", windowTitle());
+    auto* columns = new QHBoxLayout(&scrolled->Page());
+    columns->setContentsMargins(0, 0, 0, 0);
     columns->setSpacing(kWideSpace);
     columns->addLayout(LayOutQuestions(), 1);
     Panel3D1_->setLayout(LayOutFinder());
@@ -137,7 +142,7 @@ void frmFCDName::LayOutControls() {
     auto* page = new QVBoxLayout(this);
     page->setContentsMargins(kWideSpace, kWideSpace, kWideSpace, kWideSpace);
     page->setSpacing(kWideSpace);
-    page->addLayout(columns, 1);
+    page->addWidget(scrolled, 1);
     page->addLayout(buttons);
 
     setTabOrder(txtUnitID_, txtUnitName_);
@@ -231,7 +236,6 @@ QLayout* frmFCDName::LayOutFinder() {
     title->setBuddy(grdUnits_);
     auto* hint =
         MakeLabel("lblClickHint", tr("Click the unit name if it appears in the list."), Panel3D1_);
-    grdUnits_->setMinimumWidth(platform::ToPixels(kNameWidth + 2 * kCodeWidth) + kScrollBarRoom);
     auto* column = new QVBoxLayout;
     column->setContentsMargins(kSpace, kSpace, kSpace, kSpace);
     column->setSpacing(kSpace);

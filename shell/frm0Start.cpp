@@ -11,8 +11,9 @@
 
 #include "platform/EventTrap.h"
 #include "platform/controls/FLabel.h"
-#include "platform/controls/FittingFont.h"
+#include "platform/controls/FontScale.h"
 #include "platform/controls/SSPanel.h"
+#include "platform/controls/ScrolledPage.h"
 #include "platform/help/HelpViewer.h"
 #include "shell/ProgramTexts.h"
 #include "shell/Scenery.h"
@@ -28,10 +29,11 @@ constexpr double kDesignWidth = 800;
 constexpr double kDesignHeight = 560;
 constexpr double kSmallestScale = 0.7;
 constexpr double kLargestScale = 1.8;
-constexpr double kTitleSize = 2.9;
+constexpr double kTitleSize = 2.9;  // of the font, like the two below
+constexpr double kSmallestTitle = 1.5;
 constexpr double kTextSize = 1.15;
-constexpr double kSmallestText = 0.45;
-constexpr double kTextStep = 0.05;
+constexpr double kCopyrightLimit = 1.3;
+constexpr double kTitleLines = 1.4;  // the least height of the title's strip, a quarter below it
 constexpr int kColumnWidth = 764;
 constexpr int kColumnHeight = 300;
 constexpr int kBanner = 130;
@@ -54,9 +56,9 @@ const QString kInstructions = QStringLiteral(
     "|BEFORE:180||CR|To review or update an existing data file,"
     "|BEFORE:0||CR|click the Open button.");
 
-void Scale(QWidget& control, double factor, bool bold = false) {
+void SetPoints(QWidget& control, double points, bool bold = false) {
     QFont font = control.parentWidget()->font();
-    font.setPointSizeF(font.pointSizeF() * factor);
+    font.setPointSizeF(points);
     font.setBold(bold);
     control.setFont(font);
 }
@@ -76,12 +78,10 @@ SSPanel* MakePanel(QWidget* parent, const char* name, const QString& accessibleN
 frm0Start::frm0Start(QWidget* clientArea)
     : QWidget(clientArea),
       lblTitle_(new QLabel(ProgramTexts::kName, this)),
-      column_(new QWidget(this)) {
+      column_(new ScrolledPage(this, "startColumn", tr("Start"))) {
     setObjectName(QStringLiteral("frm0Start"));
     setAccessibleName(tr("Start screen"));
     platform::SetHelpContextId(*this, kHelpContextId);
-    column_->setObjectName(QStringLiteral("startColumn"));
-    column_->setAccessibleName(tr("Start"));
     lblTitle_->setObjectName(QStringLiteral("lblTitle"));
     lblTitle_->setAccessibleName(ProgramTexts::kName);
     lblTitle_->setProperty("Caption", ProgramTexts::kName);
@@ -96,7 +96,7 @@ frm0Start::frm0Start(QWidget* clientArea)
 }
 
 void frm0Start::BuildOverview() {
-    pnlOverview_ = MakePanel(column_, "pnlOverview", tr("Overview"));
+    pnlOverview_ = MakePanel(&column_->Page(), "pnlOverview", tr("Overview"));
     flbOverview_ = new FLabel(pnlOverview_);
     flbOverview_->setObjectName(QStringLiteral("flbOverview"));
     auto* inside = new QVBoxLayout(pnlOverview_);
@@ -106,20 +106,20 @@ void frm0Start::BuildOverview() {
 }
 
 void frm0Start::BuildButtons() {
-    pnlButtons_ = MakePanel(column_, "pnlButtons", tr("New, Open or Exit"));
+    pnlButtons_ = MakePanel(&column_->Page(), "pnlButtons", tr("New, Open or Exit"));
     flbStart_ = new FLabel(pnlButtons_);
     flbStart_->setObjectName(QStringLiteral("flbStart"));
     auto* inside = new QVBoxLayout(pnlButtons_);
     inside->setContentsMargins(kGap, kGap, kGap, kGap);
     inside->addWidget(flbStart_);
-    inside->addSpacing(kGap / 2);
-    inside->addStretch();
+    inside->addSpacing(kGap);
     cmdNew_ = AddButton(*inside, "cmdNew", tr("&New"), tr("New data file"),
                         "frm0Start.cmdNew_Click", &frm0Start::cmdNew_Click);
     AddButton(*inside, "cmdOpen", tr("&Open"), tr("Open data file"), "frm0Start.cmdOpen_Click",
               &frm0Start::cmdOpen_Click);
     AddButton(*inside, "cmdExit", tr("E&xit"), tr("Exit the program"), "frm0Start.cmdExit_Click",
               &frm0Start::cmdExit_Click);
+    inside->addStretch();
 }
 
 QPushButton* frm0Start::AddButton(QVBoxLayout& column, const char* name, const QString& caption,
@@ -137,7 +137,7 @@ QPushButton* frm0Start::AddButton(QVBoxLayout& column, const char* name, const Q
 }
 
 void frm0Start::ArrangeControls() {
-    auto* panels = new QHBoxLayout(column_);
+    auto* panels = new QHBoxLayout(&column_->Page());
     panels->setContentsMargins(0, 0, 0, 0);
     panels->setSpacing(kGap);
     panels->addWidget(pnlOverview_, 5);
@@ -153,12 +153,6 @@ void frm0Start::ArrangeControls() {
     rows->addLayout(centre, 1000);
     rows->addStretch(1);
     rows->addWidget(lblCopyright_);
-    // Hiding the panels leaves title and notice where they are.
-    for (SSPanel* panel : {pnlOverview_, pnlButtons_}) {
-        QSizePolicy policy = panel->sizePolicy();
-        policy.setRetainSizeWhenHidden(true);
-        panel->setSizePolicy(policy);
-    }
 }
 
 void frm0Start::Form_Load() {
@@ -193,6 +187,7 @@ void frm0Start::SetForeground() {
 void frm0Start::ShowPanels(bool shown) {
     pnlOverview_->setVisible(shown);
     pnlButtons_->setVisible(shown);
+    column_->setVisible(shown);
     setEnabled(shown);
 }
 
@@ -221,40 +216,47 @@ void frm0Start::FitToSize() {
         const int inset = pixels(kGap);
         panel->layout()->setContentsMargins(inset, inset, inset, inset);
     }
-    lblTitle_->setFixedHeight(pixels(kBanner));
-    const int columnWidth = std::max(std::min(pixels(kColumnWidth), width() - 2 * kGap), 0);
+    // Letters that are large already need not grow with the window as well.
+    const double usual = fontInfo().pointSizeF();
+    const double standard = std::min(usual, platform::kStandardPoints) * std::max(size, 1.0);
+    SetPoints(*lblTitle_, std::max(kTitleSize * standard, kSmallestTitle * usual), true);
+    SetPoints(*lblCopyright_, std::min(std::max(standard, usual), kCopyrightLimit * usual));
+    const int wanted = static_cast<int>(pixels(kColumnWidth) * platform::FontScale(font()));
+    const int columnWidth = std::max(std::min(wanted, width() - 2 * kGap), 0);
     const int indent = (width() - 2 * kGap - columnWidth) / 2;
-    const int belowTitle = lblTitle_->height() / 4;
-    lblTitle_->setContentsMargins(indent, 0, 0, belowTitle);
-    // Small windows get less room, not small print, unless the texts would be cut.
-    double textSize = std::max(size, 1.0);
-    Scale(*lblTitle_, kTitleSize * textSize, true);
-    const QFont title = lblTitle_->font();
-    // The layout gives the title its place only later.
-    const QSize room(width() - 2 * kGap - indent, lblTitle_->height() - belowTitle);
-    lblTitle_->setFont(platform::FittingFont(title, lblTitle_->text(), room));
-    ScaleTexts(textSize);
-    while (platform::HeightAtWidth(*column_, columnWidth) > RoomForColumn() &&
-           textSize > kSmallestText) {
-        textSize -= kTextStep;
-        ScaleTexts(textSize);
+    SizeTexts(std::max(kTextSize * standard, usual));
+    int needed = platform::HeightAtWidth(column_->Page(), columnWidth);
+    if (needed > RoomBesideTitle() - TitleStrip()) {
+        SizeTexts(usual);
+        needed = platform::HeightAtWidth(column_->Page(), columnWidth);
     }
-    column_->setMaximumSize(columnWidth, std::max(pixels(kColumnHeight),
-                                                  platform::HeightAtWidth(*column_, columnWidth)));
+    FitTitle(pixels(kBanner), needed);
+    lblTitle_->setContentsMargins(indent, 0, 0, lblTitle_->height() / 4);
+    column_->setMaximumSize(columnWidth, std::max(pixels(kColumnHeight), needed));
 }
 
-void frm0Start::ScaleTexts(double textSize) {
-    Scale(*flbOverview_, kTextSize * textSize);
-    Scale(*flbStart_, kTextSize * textSize);
+// The least height of the strip that the title stands in.
+int frm0Start::TitleStrip() const {
+    return static_cast<int>(lblTitle_->fontMetrics().height() * kTitleLines);
+}
+
+void frm0Start::FitTitle(int share, int columnHeight) {
+    const int left = RoomBesideTitle() - columnHeight;
+    lblTitle_->setFixedHeight(std::clamp(left, TitleStrip(), std::max(share, TitleStrip())));
+}
+
+void frm0Start::SizeTexts(double points) {
+    SetPoints(*flbOverview_, points);
+    SetPoints(*flbStart_, points);
     for (QPushButton* button : pnlButtons_->findChildren<QPushButton*>()) {
-        Scale(*button, kTextSize * textSize);
+        SetPoints(*button, points);
     }
-    Scale(*lblCopyright_, std::min(textSize, 1.3));
 }
 
-int frm0Start::RoomForColumn() const {
-    const int others = lblTitle_->height() + lblCopyright_->heightForWidth(width() - 2 * kGap);
-    return height() - others - 2 * kGap - kGap / 2;
+// What is left of the window's height for the title and the column.
+int frm0Start::RoomBesideTitle() const {
+    const int notice = lblCopyright_->heightForWidth(width() - 2 * kGap);
+    return height() - notice - 2 * kGap - kGap / 2;
 }
 
 // Return presses the button that has the keyboard, as Space does.

@@ -11,6 +11,7 @@ class QLabel;
 class QPushButton;
 class QVBoxLayout;
 class SSPanel;
+class ScrolledPage;
 
 class frm0Start : public QWidget {
     Q_OBJECT
@@ -39,8 +40,11 @@ private:
     void ArrangeControls();
     void ShowPanels(bool shown);
     void FitToSize();
-    void ScaleTexts(double textSize);
-    [[nodiscard]] int RoomForColumn() const;
+    void SizeTexts(double points);
+    // Gives the title what the column below leaves of its share of the window.
+    void FitTitle(int share, int columnHeight);
+    [[nodiscard]] int RoomBesideTitle() const;
+    [[nodiscard]] int TitleStrip() const;
     void cmdNew_Click();
     void cmdOpen_Click();
     void cmdExit_Click();
@@ -52,7 +56,7 @@ private:
     FLabel* flbStart_ = nullptr;
     QPushButton* cmdNew_ = nullptr;
     QLabel* lblCopyright_;
-    QWidget* column_;
+    ScrolledPage* column_;
     QSize fittedSize_;  // what sizes and fonts were last chosen for
     QFont fittedFont_;
 };

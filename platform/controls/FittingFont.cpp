@@ -3,7 +3,6 @@
 #include <QFontInfo>
 #include <QFontMetrics>
 #include <QLayout>
-#include <QScreen>
 #include <QWidget>
 #include <algorithm>
 
@@ -12,7 +11,6 @@ namespace {
 constexpr double kSmallest = 0.5;
 constexpr double kStep = 0.5;  // points
 constexpr double kSmallestOfDialog = 7;
-constexpr QSize kWindowFrame(8, 40);
 
 bool Fits(const QFont& font, const QString& text, QSize room) {
     const QFontMetrics metrics(font);
@@ -32,17 +30,6 @@ void AskAgain(QWidget& widget) {
         layout->invalidate();
         layout->activate();
     }
-}
-
-int Height(QLayout& layout, int width) {
-    return layout.hasHeightForWidth() ? layout.totalHeightForWidth(width)
-                                      : layout.totalSizeHint().height();
-}
-
-QSize Needed(QWidget& dialog, QSize wanted) {
-    AskAgain(dialog);
-    const int width = std::max(wanted.width(), dialog.layout()->totalMinimumSize().width());
-    return {width, std::max(wanted.height(), Height(*dialog.layout(), width))};
 }
 
 bool HasRoom(const QWidget& page) {
@@ -65,26 +52,6 @@ QFont FittingFont(const QFont& font, const QString& text, QSize room) {
         fitting.setPointSizeF(smaller);
     }
     return fitting;
-}
-
-int HeightAtWidth(QWidget& widget, int width) {
-    AskAgain(widget);
-    return Height(*widget.layout(), width);
-}
-
-void FitToScreen(QWidget& dialog, QSize wanted) {
-    dialog.ensurePolished();
-    const QScreen* screen = dialog.screen();
-    const QSize room = screen == nullptr ? wanted : screen->availableSize() - kWindowFrame;
-    const QSize least = wanted.boundedTo(room);
-    QSize size = Needed(dialog, least);
-    QFont font = dialog.font();
-    while (size != size.boundedTo(room) && font.pointSizeF() - kStep >= kSmallestOfDialog) {
-        font.setPointSizeF(font.pointSizeF() - kStep);
-        dialog.setFont(font);
-        size = Needed(dialog, least);
-    }
-    dialog.resize(size.boundedTo(room));
 }
 
 void FitToSize(QWidget& page) {

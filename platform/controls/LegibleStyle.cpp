@@ -67,14 +67,27 @@ public:
     Outline& operator=(const Outline&) = delete;
 
     void Box(const QRect& rect) { painter_.drawRect(rect.adjusted(0, 0, -1, -1)); }
+    // Thick and in the colour of the text, so that it is told without colours too.
+    void Thick(const QRect& rect, const QColor& color) {
+        painter_.setPen(QPen(color, kThick, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+        painter_.drawRect(rect.adjusted(kThick / 2, kThick / 2, -kThick / 2 - 1, -kThick / 2 - 1));
+    }
     void Circle(const QRect& rect) {
         painter_.setRenderHint(QPainter::Antialiasing);
         painter_.drawEllipse(rect.adjusted(0, 0, -1, -1));
     }
 
 private:
+    static constexpr int kThick = 3;
     QPainter& painter_;
 };
+
+// The button that Enter presses, of which the style makes only a shade.
+bool IsDefaultButton(QStyle::PrimitiveElement element, const QStyleOption& option) {
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
+    return element == QStyle::PE_PanelButtonCommand && button != nullptr &&
+           (button->features & QStyleOptionButton::DefaultButton) != 0;
+}
 
 // The style marks a box that has the keyboard in its own way, other controls only when it came by
 // keyboard.
@@ -124,7 +137,15 @@ void LegibleStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
                                  QPainter* painter, const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool isBox = element == PE_FrameLineEdit || element == PE_Frame;
-    if (!LacksOutlines(option->palette) || IsMarked(*option, isBox)) {
+    if (!LacksOutlines(option->palette)) {
+        return;
+    }
+    if (IsDefaultButton(element, *option)) {
+        Outline(*painter, option->palette)
+            .Thick(option->rect, option->palette.color(QPalette::ButtonText));
+        return;
+    }
+    if (IsMarked(*option, isBox)) {
         return;
     }
     switch (element) {

@@ -10,15 +10,16 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTest>
 #include <QVBoxLayout>
 #include <memory>
 #include <vector>
 
-#include "platform/controls/FittingFont.h"
 #include "platform/controls/LegibleStyle.h"
 #include "platform/controls/SSPanel.h"
+#include "platform/controls/ScrolledPage.h"
 #include "platform/controls/vsIndexTab.h"
 
 namespace {
@@ -78,6 +79,28 @@ TEST(LegibleStyleTest, BoxesOfTheGroundsColour_AreOutlined) {
     }
 }
 
+TEST(LegibleStyleTest, DefaultButtonOfHighContrast_HasAFrameThatNeedsNoColour) {
+    LegibleStyle style;
+    QDialog dialog;
+    dialog.setPalette(AllOf(Qt::black, Qt::white));
+    QVBoxLayout layout(&dialog);
+    QPushButton ok(QStringLiteral("OK"));
+    QPushButton cancel(QStringLiteral("Cancel"));
+    for (QPushButton* button : {&ok, &cancel}) {
+        button->setStyle(&style);
+        button->setAutoDefault(false);
+        layout.addWidget(button);
+    }
+    ok.setDefault(true);
+    dialog.show();
+    QApplication::processEvents();
+    const auto inside = [](QPushButton& button) {
+        return button.grab().toImage().pixelColor(1, button.height() / 2);
+    };
+    EXPECT_EQ(inside(ok), QColor(Qt::white));
+    EXPECT_NE(inside(cancel), QColor(Qt::white));
+}
+
 TEST(LegibleStyleTest, CurrentTabOnADarkGround_IsMarked) {
     LegibleStyle style;
     QPalette dark(QColor(239, 240, 241), QColor(49, 54, 59));
@@ -125,37 +148,54 @@ TEST(LegibleStyleTest, ListWithTheKeyboard_IsFramedInTheHighlightColour) {
     EXPECT_EQ(edge(box), highlight);
 }
 
-TEST(FittingFontTest, WrappedText_FitsInBothDirections) {
-    const QFont font(QApplication::font().family(), 18);
-    const QString text = QStringLiteral("Gain or loss per acre");
-    const QSize room(180, QFontMetrics(font).height() + 8);
-    const QFont fitting = platform::FittingFont(font, text, room);
-    const QRect needed =
-        QFontMetrics(fitting).boundingRect(QRect(0, 0, room.width(), 0), Qt::TextWordWrap, text);
-    EXPECT_LE(needed.width(), room.width());
-    EXPECT_LE(needed.height(), room.height());
-    EXPECT_EQ(platform::FittingFont(font, text, {2000, 2000}), font);
-}
-
-TEST(FitToScreenTest, TextsTooLargeForTheScreen_GetASmallerFont) {
+TEST(ScrolledPageTest, DialogTooLargeForTheScreen_ScrollsAndKeepsItsLetters) {
     const QSize screen = QGuiApplication::primaryScreen()->availableSize();
     QDialog dialog;
     QFont huge = dialog.font();
     huge.setPointSize(30);
     dialog.setFont(huge);
     QVBoxLayout layout(&dialog);
-    std::vector<std::unique_ptr<QLabel>> labels;
-    for (int line = 0; line < 20; ++line) {
-        labels.push_back(std::make_unique<QLabel>(QStringLiteral("A line of a dialog")));
-        layout.addWidget(labels.back().get());
+    auto* page = new ScrolledPage(&dialog, "pnlLines", "Lines");
+    layout.addWidget(page);
+    auto* lines = new QVBoxLayout(&page->Page());
+    std::vector<QLineEdit*> boxes;
+    for (int line = 0; line < 40; ++line) {
+        boxes.push_back(new QLineEdit);
+        lines->addWidget(boxes.back());
     }
     platform::FitToScreen(dialog, {300, 200});
-    EXPECT_LT(dialog.font().pointSizeF(), 30);
+    EXPECT_EQ(dialog.font().pointSize(), 30);
     EXPECT_LE(dialog.height(), screen.height());
-    EXPECT_GE(dialog.height(), layout.totalMinimumSize().height());
+    dialog.show();
+    dialog.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    EXPECT_GT(page->verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(page->horizontalScrollBar()->maximum(), 0);
+    boxes.front()->setFocus();
+    for (int line = 1; line < 40; ++line) {
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+    }
+    ASSERT_TRUE(boxes.back()->hasFocus());
+    EXPECT_TRUE(page->viewport()->rect().contains(
+        boxes.back()->mapTo(page->viewport(), boxes.back()->rect().center())));
 }
 
-TEST(IndexTabFontTest, LargeFontInANarrowStrip_ShowsAllTabs) {
+TEST(ScrolledPageTest, DialogWithRoom_ShowsAllOfItsPage) {
+    QDialog dialog;
+    QVBoxLayout layout(&dialog);
+    auto* page = new ScrolledPage(&dialog, "pnlText", "Text");
+    layout.addWidget(page);
+    auto* text = new QLabel(QStringLiteral("Some words that take a few lines. ").repeated(12));
+    text->setWordWrap(true);
+    (new QVBoxLayout(&page->Page()))->addWidget(text);
+    platform::FitToScreen(dialog, {300, 50});
+    dialog.show();
+    QApplication::processEvents();
+    EXPECT_EQ(page->verticalScrollBar()->maximum(), 0);
+    EXPECT_GE(text->height(), text->heightForWidth(text->width()));
+}
+
+TEST(IndexTabFontTest, LargeFontInANarrowStrip_ScrollsAndKeepsItsLetters) {
     const QFont old = QApplication::font();
     QFont large = old;
     large.setPointSize(18);
@@ -166,11 +206,13 @@ TEST(IndexTabFontTest, LargeFontInANarrowStrip_ShowsAllTabs) {
             QStringLiteral("|Introduction|Management Goals|Suppression Resources|FMZs|"
                            "NVC Table|Suppression Cost / Acre"));
         tab.SetTabVisibleByIndex(0, false);
-        tab.resize(800, 25);
+        tab.resize(800, vsIndexTab::StripHeight(large));
         tab.show();
         QApplication::processEvents();
-        EXPECT_LE(tab.tabRect(6).right(), 800);
-        EXPECT_GE(tab.tabRect(1).left(), 0);
+        EXPECT_EQ(tab.font().pointSize(), 18);
+        EXPECT_TRUE(tab.usesScrollButtons());
+        tab.SetCurrTab(6);
+        EXPECT_LE(tab.tabRect(6).right(), 800) << "the current tab is scrolled into view";
     }
     QApplication::setFont(old);
 }

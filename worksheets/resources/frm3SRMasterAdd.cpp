@@ -10,7 +10,7 @@
 
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
-#include "platform/controls/FittingFont.h"
+#include "platform/controls/ScrolledPage.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/help/HelpViewer.h"
