@@ -1,8 +1,10 @@
 // The text boxes of the naming dialog: each lets through only the characters of its rule, however
-// they come (typed, pasted, dropped or from an input method). Texts set by the program pass as they
-// are.
+// they come (typed, pasted, dropped or from an input method). What is filtered is what comes in,
+// before it replaces anything: a key or a text of which nothing is kept leaves the box and its
+// selection as they are. Texts set by the program pass as they are.
 #pragma once
 
+#include <QClipboard>
 #include <QLineEdit>
 #include <QString>
 
@@ -16,6 +18,7 @@ public:
         kYear,    // digits
     };
 
+    // A box for `length` characters at most.
     UnitBox(Rule rule, int length, QWidget* parent);
 
     // What the rule makes of a typed character: itself, its upper case, or null when discarded.
@@ -30,12 +33,21 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     class Filter;
-    QString former_;  // the text before the change that is being made
+
+    void Paste(QClipboard::Mode mode);
+    // Puts what the rule keeps of a text, as far as there is room, in the place of the selection.
+    void InsertKept(const QString& text);
+
+    Rule rule_;
+    int length_;
     bool selectsTwo_ = false;
     bool clickedIn_ = false;
     bool byProgram_ = false;

@@ -82,11 +82,11 @@ UnitFinder::Answer UnitFinder::FindUnitInState(const QString& id, const QString&
     return {kFound, Current()};
 }
 
-std::vector<UnitFinder::Unit> UnitFinder::ListByID(const QString& text) {
+UnitFinder::Listing UnitFinder::ListByID(const QString& text) {
     return List(kUnitID, text);
 }
 
-std::vector<UnitFinder::Unit> UnitFinder::ListByName(const QString& text) {
+UnitFinder::Listing UnitFinder::ListByName(const QString& text) {
     return List(kUnitName, text);
 }
 
@@ -94,30 +94,38 @@ UnitFinder::Unit UnitFinder::Current() const {
     return {units_->Text(kUnitName), units_->Text(kUnitID), units_->Text(kState)};
 }
 
-std::vector<UnitFinder::Unit> UnitFinder::List(const QString& index, const QString& text) {
+UnitFinder::Listing UnitFinder::List(const QString& index, const QString& text) {
     const IndexScope scope(*units_, index);
-    std::vector<Unit> found;
+    Listing listing;
     if (units_->RecordCount() == 0) {
-        return found;
+        return listing;
     }
     units_->Seek(">=", {text});
-    if (units_->NoMatch()) {
+    const bool found = !units_->NoMatch();
+    if (!found) {
         units_->MoveLast();
         StepBack(2);
     }
-    StepBack(3);
-    while (!units_->EndOfFile() && found.size() < kListRows) {
-        found.push_back(Current());
+    const int neighbours = StepBack(3);
+    while (!units_->EndOfFile() && listing.units.size() < kListRows) {
+        listing.units.push_back(Current());
         units_->MoveNext();
     }
-    return found;
+    if (found) {
+        listing.match = neighbours;
+    }
+    return listing;
 }
 
-void UnitFinder::StepBack(int steps) {
+int UnitFinder::StepBack(int steps) {
+    int taken = 0;
     for (int step = 0; step < steps; ++step) {
         units_->MovePrevious();
         if (units_->BeginOfFile()) {
             units_->MoveFirst();
+        } else {
+            ++taken;
         }
     }
+    return taken;
 }

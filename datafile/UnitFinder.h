@@ -25,6 +25,11 @@ public:
         Unit unit;  // filled for kFound only
     };
 
+    struct Listing {
+        std::vector<Unit> units;
+        int match = -1;  // the first one that is equal or greater; -1 when all are smaller
+    };
+
     static constexpr int kListRows = 20;
 
     UnitFinder() = default;
@@ -41,13 +46,14 @@ public:
     [[nodiscard]] Answer FindUnitInState(const QString& id, const QString& state);
     // At most kListRows units in the order of their ids or names. The list starts three entries
     // before the first one that is equal or greater, so that its neighbours are seen too.
-    [[nodiscard]] std::vector<Unit> ListByID(const QString& text);
-    [[nodiscard]] std::vector<Unit> ListByName(const QString& text);
+    [[nodiscard]] Listing ListByID(const QString& text);
+    [[nodiscard]] Listing ListByName(const QString& text);
 
 private:
     [[nodiscard]] Unit Current() const;
-    [[nodiscard]] std::vector<Unit> List(const QString& index, const QString& text);
-    void StepBack(int steps);
+    [[nodiscard]] Listing List(const QString& index, const QString& text);
+    // How many of the steps were possible.
+    int StepBack(int steps);
 
     std::unique_ptr<dao::Database> database_;
     std::unique_ptr<dao::Recordset> properties_;

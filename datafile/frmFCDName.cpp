@@ -1,6 +1,7 @@
 #include "datafile/frmFCDName.h"
 
 #include <QDate>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -41,11 +42,14 @@ bool frmFCDName::Load() {
     const BusyScope busy;
     SetupGrid();
     if (!OpenNameTables()) {
-        platform::MsgBox(QStringLiteral("Error loading Unit Names from fcdname.dat"));
+        platform::MsgOptions options;
+        options.informative = reason_;
+        platform::MsgBox(QStringLiteral("Error loading Unit Names from fcdname.dat"), options);
         outcome_.fileStatus = kNoUnitNames;
         Unload();
         return false;
     }
+    ShowUnits(finder_.ListByName(QString()));
     txtYear_->SetProgramText(QDate::currentDate().toString(QStringLiteral("yy")));
     return true;
 }
@@ -74,7 +78,8 @@ bool frmFCDName::OpenNameTables() {
     try {
         finder_.Open(platform::FindFile(platform::ProgramFolder(), QStringLiteral("fcdname.dat")));
         return true;
-    } catch (const platform::RuntimeError&) {
+    } catch (const platform::RuntimeError& error) {
+        reason_ = error.Description();
         u91Trace::Warning(QStringLiteral("frmFCDName.OpenNameTables: Unsuccessful"));
         return false;
     }
@@ -170,32 +175,42 @@ void frmFCDName::txtState_Change() {
     }
     DropStaleTitle();
     if (txtState_->text().size() == kStateLength && txtUnitID_->text().size() == kIDLength) {
-        LookUpState(txtYear_);
+        if (LookUpState()) {
+            txtYear_->setFocus();
+        } else {
+            txtUnitName_->setFocus();
+        }
     }
 }
 
+// The keyboard stays in the box: somebody who types all four digits of a year has typed two of them
+// when the title is composed first.
 void frmFCDName::txtYear_Change() {
     if (!UIMode::NotBusy()) {
         return;
     }
+    const QString year = txtYear_->text();
+    if (year.size() == kWholeYearLength) {
+        txtYear_->SetProgramText(year.right(kYearLength));
+        return;  // the new text has come here by itself
+    }
     const bool hadTitle = yearIsMissing_ || !txtFileTitle_->text().isEmpty();
     DropStaleTitle();
-    if (txtYear_->text().size() == kYearLength && hadTitle) {
-        LookUpState(cmdOK_);
+    if (year.size() == kYearLength && hadTitle) {
+        LookUpState();
     } else {
         yearIsMissing_ = hadTitle;
     }
 }
 
-void frmFCDName::LookUpState(QWidget* next) {
+bool frmFCDName::LookUpState() {
     CreateFileTitle();
     if (GetUnitState(txtUnitID_->text(), txtState_->text()) == UnitFinder::kFound) {
         lblTie_->hide();
-        next->setFocus();
-        return;
+        return true;
     }
     GetMatchingIDs(txtUnitID_->text());
-    txtUnitName_->setFocus();
+    return false;
 }
 
 void frmFCDName::grdUnits_Click() {
@@ -257,19 +272,30 @@ void frmFCDName::reject() {
     QDialog::reject();
 }
 
-void frmFCDName::ShowUnits(const std::vector<UnitFinder::Unit>& units) {
+// The unit that was looked for is the current one, whose neighbours stand around it.
+void frmFCDName::ShowUnits(const UnitFinder::Listing& listing) {
     grdUnits_->SetRows(1);
     grdUnits_->SetTextMatrix(0, kNameColumn, QStringLiteral("Unit Name"));
     grdUnits_->SetTextMatrix(0, kIDColumn, QStringLiteral("Unit ID"));
     grdUnits_->SetTextMatrix(0, kStateColumn, QStringLiteral("State"));
-    grdUnits_->SetRows(1 + static_cast<int>(units.size()));
+    grdUnits_->SetRows(1 + static_cast<int>(listing.units.size()));
     int row = 1;
-    for (const UnitFinder::Unit& unit : units) {
+    for (const UnitFinder::Unit& unit : listing.units) {
         grdUnits_->SetTextMatrix(row, kNameColumn, unit.name);
         grdUnits_->SetTextMatrix(row, kIDColumn, unit.id);
         grdUnits_->SetTextMatrix(row, kStateColumn, unit.state);
         ++row;
     }
+    if (!listing.units.empty()) {
+        grdUnits_->Select(listing.match < 0 ? grdUnits_->Rows() - 1 : listing.match + 1,
+                          kNameColumn);
+    }
+}
+
+void frmFCDName::MarkCurrentUnit() {
+    QItemSelectionModel& marks = *grdUnits_->selectionModel();
+    marks.select(marks.currentIndex(),
+                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 bool frmFCDName::ListShows(const QString& id) const {

@@ -6,7 +6,6 @@
 #include <QString>
 
 #include <cstdint>
-#include <vector>
 
 #include "datafile/UnitFinder.h"
 
@@ -59,6 +58,7 @@ private:
     static constexpr int kIDLength = 3;
     static constexpr int kStateLength = 2;
     static constexpr int kYearLength = 2;
+    static constexpr int kWholeYearLength = 4;  // as some people type it: shortened at once
     static constexpr int kUnitNameLength = 100;
     static constexpr QLatin1String kFileExtension{".FCD"};
     // Widths of the finder's columns, in twips.
@@ -83,15 +83,19 @@ private:
     void cmdOK_Click();
     void cmdCancel_Click();
 
-    void LookUpState(QWidget* next);
+    // Composes the title and names the unit; false when the table has none of that state.
+    bool LookUpState();
     void ShowUnitName(const QString& name);
-    void ShowUnits(const std::vector<UnitFinder::Unit>& units);
+    void ShowUnits(const UnitFinder::Listing& listing);
+    // Selects the whole row of the list's current unit.
+    void MarkCurrentUnit();
     [[nodiscard]] bool ListShows(const QString& id) const;
     // Empties the title when the boxes no longer spell it, so that no file is made under the name
     // of a unit that was found before.
     void DropStaleTitle();
 
     UnitFinder finder_;
+    QString reason_;  // why the unit names could not be opened
     Outcome outcome_;
     bool loaded_ = false;
     bool yearIsMissing_ = false;  // the title was dropped only because the year is being retyped

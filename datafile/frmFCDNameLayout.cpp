@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -48,6 +49,14 @@ void MakeBold(QWidget* widget) {
     widget->setFont(font);
 }
 
+// Like the text around it rather than like a box to type into.
+void LookComposed(QLineEdit* box) {
+    box->setFrame(false);
+    QPalette palette;
+    palette.setBrush(QPalette::Base, QBrush(Qt::transparent));
+    box->setPalette(palette);
+}
+
 void SetBoxWidth(QLineEdit* box, int characters) {
     const int room = box->fontMetrics().horizontalAdvance(QLatin1Char('W')) * characters;
     box->setFixedWidth(room + box->fontMetrics().averageCharWidth() * 3);
@@ -79,10 +88,11 @@ void frmFCDName::CreateControls() {
     txtUnitName_->setMaxLength(kUnitNameLength);
     txtState_ = new UnitBox(UnitBox::Rule::kState, kStateLength, this);
     txtState_->SelectTwoOnFocus();
-    txtYear_ = new UnitBox(UnitBox::Rule::kYear, kYearLength, this);
+    txtYear_ = new UnitBox(UnitBox::Rule::kYear, kWholeYearLength, this);
     txtYear_->SelectTwoOnFocus();
     txtFileTitle_ = new QLineEdit(this);
     txtFileTitle_->setReadOnly(true);
+    LookComposed(txtFileTitle_);
     lblExtension_ = MakeLabel("lblExtension", kFileExtension, this);
     lblTie_ = MakeLabel("lblTie",
                         tr("Units in more than one state have the same unit ID.\n"
@@ -114,7 +124,7 @@ void frmFCDName::SizeBoxes() {
     grdUnits_->setMinimumWidth(platform::ScaledPixels(columns, font()) + kScrollBarRoom);
     SetBoxWidth(txtUnitID_, 4);
     SetBoxWidth(txtState_, 2);
-    SetBoxWidth(txtYear_, 2);
+    SetBoxWidth(txtYear_, 3);
     SetBoxWidth(txtFileTitle_, 9);
 }
 
@@ -247,6 +257,8 @@ QLayout* frmFCDName::LayOutFinder() {
 
 void frmFCDName::ConnectHandlers() {
     using platform::EventTrap::Trapped;
+    connect(grdUnits_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this] { MarkCurrentUnit(); });
     connect(txtUnitID_, &QLineEdit::textChanged, this,
             Trapped("frmFCDName.txtUnitID_Change", [this](auto&&...) { txtUnitID_Change(); }));
     connect(txtUnitName_, &QLineEdit::textChanged, this,

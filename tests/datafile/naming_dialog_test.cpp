@@ -177,7 +177,61 @@ TEST_F(NamingDialogTest, Year_Retyped_ComposesTheTitleAnew) {
     EXPECT_EQ(Text("txtFileTitle"), QString());
     QTest::keyClicks(Box("txtYear"), QStringLiteral("1"));
     EXPECT_EQ(Text("txtFileTitle"), QStringLiteral("GPFWA31"));
-    EXPECT_EQ(Focus(), QStringLiteral("cmdOK"));
+    EXPECT_EQ(Focus(), QStringLiteral("txtYear"));
+    QTest::keyClick(Box("txtYear"), Qt::Key_Return);
+    EXPECT_EQ(dialog_->Result().fileName, QStringLiteral("GPFWA31.FCD"));
+}
+
+TEST_F(NamingDialogTest, Year_OfFourDigits_EndsAsTheLastTwo) {
+    Type("txtUnitID", QStringLiteral("GPF"));
+    QTest::keyClicks(dialog_->focusWidget(), QStringLiteral("202"));
+    EXPECT_EQ(Text("txtYear"), QStringLiteral("202"));
+    EXPECT_EQ(Text("txtFileTitle"), QString()) << "no file of the year 20";
+    QTest::keyClicks(dialog_->focusWidget(), QStringLiteral("7"));
+    EXPECT_EQ(Text("txtYear"), QStringLiteral("27"));
+    EXPECT_EQ(Text("txtFileTitle"), QStringLiteral("GPFWA27"));
+    EXPECT_EQ(Focus(), QStringLiteral("txtYear"));
+}
+
+TEST_F(NamingDialogTest, Year_OfAnUnknownUnit_KeepsTheKeyboard) {
+    Type("txtUnitID", QStringLiteral("zzz"));
+    QTest::keyClicks(Box("txtUnitName"), QStringLiteral("New unit"));
+    Type("txtState", QStringLiteral("wa"));
+    Box("txtYear")->setFocus();
+    for (const char digit : {'2', '0', '2', '7'}) {
+        QTest::keyClick(dialog_->focusWidget(), digit);
+    }
+    EXPECT_EQ(Text("txtFileTitle"), QStringLiteral("ZZZWA27"));
+    EXPECT_EQ(Text("txtUnitName"), QStringLiteral("New unit"));
+}
+
+TEST_F(NamingDialogTest, DiscardedKeys_LeaveYearAndTitle) {
+    Type("txtUnitID", QStringLiteral("gpf"));
+    QTest::keyClick(dialog_->focusWidget(), Qt::Key_Space);
+    QTest::keyClicks(dialog_->focusWidget(), QStringLiteral("gpf"));
+    EXPECT_EQ(Text("txtYear"), Year());
+    EXPECT_EQ(Text("txtFileTitle"), QStringLiteral("GPFWA") + Year());
+}
+
+TEST_F(NamingDialogTest, List_IsFilledFromTheStart) {
+    EXPECT_EQ(Grid()->Rows(), 21);
+    EXPECT_FALSE(Grid()->TextMatrix(1, 0).isEmpty());
+    EXPECT_EQ(Text("txtUnitID"), QString());
+}
+
+TEST_F(NamingDialogTest, List_MarksTheWholeRowOfTheMatch) {
+    Type("txtUnitName", QStringLiteral("gifford"));
+    EXPECT_EQ(Grid()->TextMatrix(Grid()->Row(), 1), QStringLiteral("GPF"));
+    EXPECT_EQ(Grid()->selectionModel()->selectedIndexes().size(), 3);
+    EXPECT_EQ(Grid()->selectionModel()->selectedIndexes().front().row(), Grid()->Row() - 1);
+    Type("txtUnitName", QStringLiteral("zzz"));
+    EXPECT_EQ(Grid()->Row(), Grid()->Rows() - 1);
+}
+
+TEST_F(NamingDialogTest, ComposedName_DoesNotLookLikeABoxToTypeIn) {
+    EXPECT_FALSE(Box("txtFileTitle")->hasFrame());
+    EXPECT_TRUE(Box("txtFileTitle")->isReadOnly());
+    EXPECT_EQ(Box("txtFileTitle")->palette().color(QPalette::Base).alpha(), 0);
 }
 
 TEST_F(NamingDialogTest, Year_WithoutATitle_ComposesNone) {
@@ -298,6 +352,7 @@ TEST(NamingDialog, Load_WithoutUnitNames_SaysSoAndEnds) {
     EXPECT_EQ(outcome.fileStatus, frmFCDName::kNoUnitNames);
     EXPECT_EQ(answers.Texts(),
               QStringList(QStringLiteral("Error loading Unit Names from fcdname.dat")));
+    EXPECT_FALSE(answers.Messages().front().informative.isEmpty()) << "the reason";
     EXPECT_EQ(folder.Trace(),
               QStringList({QStringLiteral("   Load frmFCDName"),
                            QStringLiteral("   frmFCDName.SetupGrid"),

@@ -2,7 +2,14 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QInputMethodEvent>
+#include <QMenu>
+#include <QMimeData>
 #include <QTest>
+
+#include <utility>
 
 #include "datafile/UnitBox.h"
 
@@ -69,6 +76,80 @@ TEST(UnitBox, Pasting_BeforeText_KeepsWhatStoodThere) {
     box.paste();
     EXPECT_EQ(box.text(), QStringLiteral("GPF"));
     EXPECT_EQ(box.cursorPosition(), 2);
+}
+
+TEST(UnitBox, DiscardedKey_OverASelection_LeavesItAsItIs) {
+    UnitBox box(Rule::kYear, 4, nullptr);
+    box.SetProgramText(QStringLiteral("26"));
+    box.selectAll();
+    QTest::keyClick(&box, Qt::Key_Space);
+    QTest::keyClicks(&box, QStringLiteral("x-"));
+    EXPECT_EQ(box.text(), QStringLiteral("26"));
+    EXPECT_EQ(box.selectedText(), QStringLiteral("26"));
+    QTest::keyClicks(&box, QStringLiteral("31"));
+    EXPECT_EQ(box.text(), QStringLiteral("31"));
+}
+
+TEST(UnitBox, KeptKey_ThatEqualsTheSelection_ReplacesIt) {
+    UnitBox box(Rule::kUnitID, 3, nullptr);
+    QTest::keyClicks(&box, QStringLiteral("g"));
+    box.selectAll();
+    QTest::keyClicks(&box, QStringLiteral("gpf"));
+    EXPECT_EQ(box.text(), QStringLiteral("GPF"));
+    box.selectAll();
+    QTest::keyClicks(&box, QStringLiteral("gpf"));
+    EXPECT_EQ(box.text(), QStringLiteral("GPF"));
+}
+
+TEST(UnitBox, Pasting_NothingToKeep_LeavesTheSelection) {
+    UnitBox box(Rule::kYear, 4, nullptr);
+    box.SetProgramText(QStringLiteral("26"));
+    box.selectAll();
+    QApplication::clipboard()->setText(QStringLiteral("next year"));
+    QTest::keySequence(&box, QKeySequence::Paste);
+    EXPECT_EQ(box.text(), QStringLiteral("26"));
+    QApplication::clipboard()->setText(QStringLiteral("FY 2027"));
+    QTest::keySequence(&box, QKeySequence::Paste);
+    EXPECT_EQ(box.text(), QStringLiteral("2027"));
+}
+
+TEST(UnitBox, InputMethodAndDrop_AreFilteredLikeTyping) {
+    UnitBox box(Rule::kUnitID, 3, nullptr);
+    QInputMethodEvent composed;
+    composed.setCommitString(QStringLiteral("g-p"));
+    QApplication::sendEvent(&box, &composed);
+    EXPECT_EQ(box.text(), QStringLiteral("GP"));
+    box.show();
+    QMimeData dragged;
+    dragged.setText(QStringLiteral(" f "));
+    QDragEnterEvent enter(QPoint(2, 2), Qt::CopyAction, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&box, &enter);
+    QDropEvent drop(QPointF(box.rect().right() - 2, box.height() / 2), Qt::CopyAction, &dragged,
+                    Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&box, &drop);
+    EXPECT_EQ(box.text(), QStringLiteral("GPF"));
+}
+
+TEST(UnitBox, ContextMenu_PastesByTheRule) {
+    UnitBox box(Rule::kYear, 4, nullptr);
+    box.SetProgramText(QStringLiteral("26"));
+    box.selectAll();
+    box.show();
+    for (const auto& [pasted, left] : {std::pair("none", "26"), std::pair("y28", "28")}) {
+        QApplication::clipboard()->setText(QString::fromLatin1(pasted));
+        QContextMenuEvent asked(QContextMenuEvent::Keyboard, QPoint(1, 1),
+                                box.mapToGlobal(QPoint(1, 1)));
+        QApplication::sendEvent(&box, &asked);
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* entry : menu->actions()) {
+            if (entry->text().startsWith(QStringLiteral("&Paste"))) {
+                entry->trigger();
+            }
+        }
+        menu->close();
+        EXPECT_EQ(box.text(), QString::fromLatin1(left));
+    }
 }
 
 TEST(UnitBox, SetProgramText_AnyText_PassesAsItIs) {

@@ -84,7 +84,8 @@ TEST_F(UnitFinderTest, FindUnitInState_WrongState_IsNotFound) {
 }
 
 TEST_F(UnitFinderTest, ListByID_TypedStart_BeginsThreeEntriesBefore) {
-    const std::vector<UnitFinder::Unit> units = finder_.ListByID(QStringLiteral("GP"));
+    const auto [units, match] = finder_.ListByID(QStringLiteral("GP"));
+    EXPECT_EQ(match, 3);
     ASSERT_EQ(units.size(), 20U);
     EXPECT_LT(units[2].id, QStringLiteral("GP"));
     EXPECT_GE(units[3].id, QStringLiteral("GP"));
@@ -93,19 +94,21 @@ TEST_F(UnitFinderTest, ListByID_TypedStart_BeginsThreeEntriesBefore) {
 }
 
 TEST_F(UnitFinderTest, ListByID_BeforeTheFirst_BeginsWithTheFirst) {
-    const std::vector<UnitFinder::Unit> units = finder_.ListByID(QStringLiteral("0"));
+    const auto [units, match] = finder_.ListByID(QStringLiteral("0"));
+    EXPECT_EQ(match, 0);
     ASSERT_EQ(units.size(), 20U);
     EXPECT_EQ(units.front().id, QStringLiteral("AAL"));
 }
 
 TEST_F(UnitFinderTest, ListByName_IgnoresCase) {
-    EXPECT_EQ(Names(finder_.ListByName(QStringLiteral("gifford"))),
-              Names(finder_.ListByName(QStringLiteral("GIFFORD"))));
-    EXPECT_EQ(finder_.ListByName(QStringLiteral("gifford")).at(3).id, QStringLiteral("GPF"));
+    EXPECT_EQ(Names(finder_.ListByName(QStringLiteral("gifford")).units),
+              Names(finder_.ListByName(QStringLiteral("GIFFORD")).units));
+    EXPECT_EQ(finder_.ListByName(QStringLiteral("gifford")).units.at(3).id, QStringLiteral("GPF"));
 }
 
 TEST_F(UnitFinderTest, ListByName_BeyondTheLast_ListsTheLastEntries) {
-    const std::vector<UnitFinder::Unit> units = finder_.ListByName(QStringLiteral("zzzz"));
+    const auto [units, match] = finder_.ListByName(QStringLiteral("zzzz"));
+    EXPECT_EQ(match, -1);
     ASSERT_EQ(units.size(), 6U) << "the last, two before it, and three more";
     EXPECT_EQ(units.back().name, QStringLiteral("Zuni Agency"));
 }
@@ -129,8 +132,8 @@ TEST(UnitFinder, SmallTableOfOtherOrigin_AllSearches_Answer) {
     finder.Open(folder.Path(QStringLiteral("fcdname.dat")));
     EXPECT_EQ(finder.FindUnit(QStringLiteral("SHP")).code, UnitFinder::kInSeveralStates);
     EXPECT_NE(finder.FindUnit(QStringLiteral("MCD")).code, UnitFinder::kNotFound);
-    EXPECT_FALSE(finder.ListByName(QStringLiteral("a")).empty());
-    EXPECT_EQ(finder.ListByName(QStringLiteral("zzzz")).size(), 6U);
+    EXPECT_FALSE(finder.ListByName(QStringLiteral("a")).units.empty());
+    EXPECT_EQ(finder.ListByName(QStringLiteral("zzzz")).units.size(), 6U);
 }
 
 TEST(UnitFinder, EmptyTable_ListsNothing) {
@@ -146,7 +149,7 @@ TEST(UnitFinder, EmptyTable_ListsNothing) {
     }
     UnitFinder finder;
     finder.Open(path);
-    EXPECT_TRUE(finder.ListByID(QStringLiteral("GPF")).empty());
+    EXPECT_TRUE(finder.ListByID(QStringLiteral("GPF")).units.empty());
     EXPECT_EQ(finder.FindUnit(QStringLiteral("GPF")).code, UnitFinder::kNotFound);
 }
 
