@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <QPluginLoader>
 #include <QPointer>
+#include <QScreen>
+#include <algorithm>
 
 #include "platform/EventTrap.h"
 #include "platform/dialogs/MsgBox.h"
@@ -13,6 +15,9 @@
 
 namespace platform {
 namespace {
+
+constexpr int kLeastBeside = 480;  // pixels of width in which a topic can be read
+constexpr int kLeastHeight = 400;
 
 QString helpFile;
 QPointer<HelpFrame> window;
@@ -37,6 +42,26 @@ void TellFailure() {
     MsgBox(reason + kNewLine + QDir::toNativeSeparators(helpFile), options);
 }
 
+// Beside the window that is being worked in where the screen has room for both, so that a topic can
+// be read while its worksheet is filled; else at the screen's edge, over as little as possible.
+void PlaceBeside(QWidget& help, const QWidget& work) {
+    const QRect screen = work.screen()->availableGeometry();
+    const QRect taken = work.frameGeometry();
+    const int right = screen.right() - taken.right();
+    const int left = taken.left() - screen.left();
+    const int room = std::max(right, left);
+    const int edges = taken.width() - work.width();
+    const int caption = work.geometry().top() - taken.top();
+    const int width = room >= kLeastBeside ? std::min(room - edges, help.width()) : help.width();
+    const int height = std::min(std::max(work.height(), kLeastHeight),
+                                screen.bottom() - taken.top() - caption - edges);
+    const int x = room < kLeastBeside ? screen.right() + 1 - width - edges
+                  : right >= left     ? taken.right() + 1
+                                      : taken.left() - width - edges;
+    help.resize(width, height);
+    help.move(std::max(x, screen.left()), taken.top());
+}
+
 // The help window, opened when it is not; a dialog that waits for its answer must not lock it.
 HelpFrame* Window() {
     HelpLibrary* const library = Library();
@@ -44,6 +69,9 @@ HelpFrame* Window() {
         window = library->Open(helpFile, EventTrap::Run).release();
         if (window != nullptr) {
             window->setAttribute(Qt::WA_DeleteOnClose);
+            if (const QWidget* work = QApplication::activeWindow()) {
+                PlaceBeside(*window, *work);
+            }
         }
     }
     QWidget* modal = QApplication::activeModalWidget();

@@ -50,6 +50,23 @@ void NameParts(QWidget& owner, const QString& name) {
     }
 }
 
+// The entry of a page in the tree of contents. Chapters begin with their first page: of two entries
+// that lead to it, the one of the page itself is meant.
+QModelIndex TopicIn(const QHelpContentModel& model, const QModelIndex& chapter, const QUrl& page) {
+    for (int row = 0; row < model.rowCount(chapter); ++row) {
+        const QModelIndex entry = model.index(row, 0, chapter);
+        const QModelIndex below = TopicIn(model, entry, page);
+        if (below.isValid()) {
+            return below;
+        }
+        const QHelpContentItem* item = model.contentItemAt(entry);
+        if (item != nullptr && item->url().path() == page.path()) {
+            return entry;
+        }
+    }
+    return {};
+}
+
 }  // namespace
 
 std::unique_ptr<HelpWindow> HelpWindow::Open(const QString& helpFile, HelpLibrary::Trap trap) {
@@ -82,6 +99,7 @@ HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QH
     engine_->contentWidget()->setAccessibleName(tr("Contents"));
 
     auto* tabs = new QTabWidget;
+    tabs_ = tabs;
     tabs->setObjectName(QStringLiteral("tabNavigation"));
     tabs->setAccessibleName(tr("Ways to a topic"));
     tabs->addTab(engine_->contentWidget(), tr("&Contents"));
@@ -106,13 +124,37 @@ HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QH
         Trapped("HelpWindow.Show", [this](const QUrl& url) { browser_->setSource(url); });
     connect(engine_->contentWidget(), &QHelpContentWidget::linkActivated, this, show);
     // The engine makes the contents list beside the program's other work.
-    connect(engine_->contentModel(), &QHelpContentModel::contentsCreated, this,
-            [this] { engine_->contentWidget()->expandToDepth(1); });
+    connect(engine_->contentModel(), &QHelpContentModel::contentsCreated, this, [this] {
+        engine_->contentWidget()->expandToDepth(1);
+        MarkTopic(browser_->source());
+    });
+    connect(browser_, &QTextBrowser::sourceChanged, this,
+            [this](const QUrl& page) { MarkTopic(page); });
+    connect(tabs, &QTabWidget::currentChanged, this, [this] { FocusBox(*tabs_->currentWidget()); });
     // The topic can be read and scrolled at once.
     browser_->setFocus();
     engine_->searchEngine()->reindexDocumentation();
     const QRect room = screen()->availableGeometry();
     resize(std::min(900, room.width()), std::min(640, room.height()));
+}
+
+// Somebody who goes along the tabs by keyboard stays there.
+void HelpWindow::FocusBox(const QWidget& page) {
+    auto* box = page.findChild<QLineEdit*>();
+    if (box != nullptr && !tabs_->tabBar()->hasFocus()) {
+        box->setFocus();
+        box->selectAll();
+    }
+}
+
+void HelpWindow::MarkTopic(const QUrl& page) {
+    const auto* model = engine_->contentModel();
+    QHelpContentWidget* tree = engine_->contentWidget();
+    const QModelIndex topic = TopicIn(*model, {}, page);
+    if (topic.isValid() && topic != tree->currentIndex()) {
+        tree->setCurrentIndex(topic);
+        tree->scrollTo(topic);
+    }
 }
 
 // The engine's widgets are children of this window but speak to the engine, which goes first.
@@ -166,6 +208,14 @@ void HelpWindow::MakeTools() {
     larger->setShortcut(QKeySequence::ZoomIn);
     smaller->setShortcut(QKeySequence::ZoomOut);
     print->setShortcut(QKeySequence::Print);
+    auto* find = new QAction(this);
+    find->setObjectName(QStringLiteral("mnuFind"));
+    find->setShortcut(QKeySequence::Find);
+    addAction(find);
+    connect(find, &QAction::triggered, this, [this] {
+        tabs_->setCurrentIndex(tabs_->count() - 1);
+        FocusBox(*tabs_->currentWidget());
+    });
     back->setEnabled(false);
     forward->setEnabled(false);
     connect(browser_, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);

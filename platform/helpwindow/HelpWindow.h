@@ -11,6 +11,7 @@
 class HelpBrowser;
 class QAction;
 class QHelpEngine;
+class QTabWidget;
 class QToolBar;
 
 class HelpWindow : public HelpFrame {
@@ -43,6 +44,10 @@ private:
     QAction* AddTool(QToolBar& bar, const char* name, const QString& text, const QIcon& icon);
     [[nodiscard]] QWidget* MakeIndexPage();
     [[nodiscard]] QWidget* MakeSearchPage();
+    // The box to type in, once its page is chosen.
+    void FocusBox(const QWidget& page);
+    // Marks the topic that is shown in the tree of contents.
+    void MarkTopic(const QUrl& page);
     void Print();
     void ShowFirst(const QList<QHelpLink>& links);
 
@@ -51,4 +56,5 @@ private:
     std::unique_ptr<QHelpEngine> engine_;
     HelpLibrary::Trap trap_;
     HelpBrowser* browser_ = nullptr;
+    QTabWidget* tabs_ = nullptr;
 };

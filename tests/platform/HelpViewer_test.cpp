@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -15,6 +16,7 @@
 #include <QTextBrowser>
 #include <QTextDocument>
 #include <QTimer>
+#include <QTreeView>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
@@ -147,6 +149,71 @@ TEST_F(BuiltHelpTest, Opened_TheTopicHasTheKeyboard) {
     platform::HelpViewer::ShowContext(40);
     ASSERT_TRUE(QTest::qWaitForWindowActive(HelpWindowShown()));
     EXPECT_EQ(QApplication::focusWidget(), HelpWindowShown()->findChild<QTextBrowser*>("txtTopic"));
+}
+
+TEST_F(BuiltHelpTest, Opened_StandsBesideTheWorkWhereThereIsRoom) {
+    QWidget work;
+    const QRect screen = work.screen()->availableGeometry();
+    work.setGeometry(screen.left(), screen.top(), screen.width() / 3, screen.height() / 2);
+    work.show();
+    work.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&work));
+    platform::HelpViewer::ShowContext(40);
+    const QWidget* help = HelpWindowShown();
+    ASSERT_NE(help, nullptr);
+    EXPECT_FALSE(help->geometry().intersects(work.geometry()));
+    EXPECT_TRUE(screen.contains(help->geometry()));
+}
+
+TEST_F(BuiltHelpTest, Opened_OnAFullScreen_StaysOnIt) {
+    QWidget work;
+    work.setGeometry(work.screen()->availableGeometry());
+    work.show();
+    work.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&work));
+    platform::HelpViewer::ShowContext(40);
+    ASSERT_NE(HelpWindowShown(), nullptr);
+    EXPECT_TRUE(work.geometry().contains(HelpWindowShown()->geometry()));
+}
+
+TEST_F(BuiltHelpTest, Tree_MarksTheTopicThatIsShown) {
+    platform::HelpViewer::ShowContext(50);
+    QWidget* window = HelpWindowShown();
+    ASSERT_NE(window, nullptr);
+    auto* tree = window->findChild<QTreeView*>("lstContents");
+    const auto marked = [tree] { return tree->currentIndex().data().toString(); };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return marked() == "NVC Table (Impacts)"; }));
+    platform::HelpViewer::ShowContext(10);
+    EXPECT_EQ(marked(), "A file from start to finish");
+    window->findChild<QTextBrowser*>("txtTopic")->backward();
+    EXPECT_EQ(marked(), "NVC Table (Impacts)");
+}
+
+TEST_F(BuiltHelpTest, SearchBox_TakesTheKeyboardWhenItIsChosen) {
+    platform::HelpViewer::ShowContents();
+    QWidget* window = HelpWindowShown();
+    ASSERT_NE(window, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    auto* tabs = window->findChild<QTabWidget*>("tabNavigation");
+    tabs->setCurrentIndex(1);
+    EXPECT_EQ(QApplication::focusWidget(), window->findChild<QLineEdit*>("txtIndex"));
+    tabs->setCurrentIndex(0);
+    QTest::keySequence(window, QKeySequence::Find);
+    EXPECT_EQ(tabs->currentIndex(), 2);
+    EXPECT_EQ(QApplication::focusWidget(),
+              window->findChild<QWidget*>("pnlQuery")->findChild<QLineEdit*>());
+}
+
+TEST_F(BuiltHelpTest, WordsThatPeopleLookFor_AreInTheIndex) {
+    platform::HelpViewer::ShowContents();
+    QWidget* window = HelpWindowShown();
+    ASSERT_NE(window, nullptr);
+    auto* list = window->findChild<QListView*>("lstIndex");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount() > 5; }));
+    for (const char* word : {"print", "undo", "paste", "comma"}) {
+        window->findChild<QLineEdit*>("txtIndex")->setText(word);
+        EXPECT_TRUE(list->currentIndex().data().toString().contains(word)) << word;
+    }
 }
 
 TEST_F(BuiltHelpTest, Letters_AreUnique) {
