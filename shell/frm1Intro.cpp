@@ -90,7 +90,7 @@ void frm1Intro::Setup() {
 }
 
 void frm1Intro::resizeEvent(QResizeEvent* event) {
-    WorksheetPage::resizeEvent(event);
+    QWidget::resizeEvent(event);
     const double fitting = std::min(width() / kDesignWidth, height() / kDesignHeight);
     const double scale = std::clamp(fitting, 1.0, kLargestScale);
     QFont larger = font();

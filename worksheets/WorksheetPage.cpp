@@ -10,7 +10,7 @@
 #include <QVBoxLayout>
 
 #include "platform/EventTrap.h"
-#include "platform/controls/FittingFont.h"
+#include "platform/controls/ScrolledPage.h"
 #include "platform/help/HelpViewer.h"
 #include "shell/u91Trace.h"
 #include "worksheets/ChoiceBox.h"
@@ -24,7 +24,7 @@ constexpr double kTitleScale = 1.35;
 }  // namespace
 
 WorksheetPage::WorksheetPage(WorksheetHost& host, QWidget* parent, Identity identity)
-    : QWidget(parent), host_(host), identity_(std::move(identity)), body_(new QVBoxLayout(this)) {
+    : QWidget(parent), host_(host), identity_(std::move(identity)), body_(new QVBoxLayout) {
     const char* loadName = identity_.loadName ? identity_.loadName : identity_.name;
     u91Trace::FormLoad(QString::fromLatin1(loadName));
     setObjectName(QString::fromLatin1(identity_.name));
@@ -32,6 +32,12 @@ WorksheetPage::WorksheetPage(WorksheetHost& host, QWidget* parent, Identity iden
     setAccessibleName(identity_.caption);
     setAutoFillBackground(true);
     platform::SetHelpContextId(*this, identity_.helpContextId);
+    // Where the screen is small and the letters are large, the page scrolls.
+    auto* scrolled = new ScrolledPage(this, "pageArea", identity_.caption);
+    scrolled->Page().setLayout(body_);
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(scrolled);
     body_->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     body_->setSpacing(kSpacing);
     AddUndoKeys();
@@ -101,12 +107,6 @@ void WorksheetPage::SizeTitle() {
     larger.setBold(true);
     larger.setPointSizeF(larger.pointSizeF() * kTitleScale);
     title_->setFont(larger);
-}
-
-// Where the screen is small and the letters are large, the letters give way.
-void WorksheetPage::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    platform::FitToSize(*this);
 }
 
 void WorksheetPage::changeEvent(QEvent* event) {

@@ -65,7 +65,6 @@ protected:
     // changed is added to the history.
     virtual void EndOpenEdit() {}
 
-    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:

@@ -31,6 +31,14 @@ int Height(const QLayout& layout, int width) {
                                       : layout.totalSizeHint().height();
 }
 
+// What scrolls. It is given more than the window has only when its controls cannot do with less.
+class Content : public QWidget {
+public:
+    [[nodiscard]] int heightForWidth(int width) const override {
+        return layout() == nullptr ? -1 : layout()->totalMinimumHeightForWidth(width);
+    }
+};
+
 // With which nothing has to scroll sideways.
 int LeastWidth(const QDialog& dialog) {
     int least = dialog.layout()->totalMinimumSize().width();
@@ -49,7 +57,7 @@ ScrolledPage::ScrolledPage(QWidget* parent, const char* name, const QString& acc
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
-    auto* page = new QWidget;
+    auto* page = new Content;
     page->setObjectName(objectName() + QStringLiteral("Page"));
     page->setAccessibleName(accessibleName);
     setWidget(page);

@@ -10,6 +10,7 @@
 #include <functional>
 #include <set>
 
+#include "platform/controls/ScrolledPage.h"
 #include "support/Keyboard.h"
 #include "worksheet_fixture.h"
 #include "worksheets/cost/frm6SuppressAcre.h"
@@ -121,16 +122,17 @@ TEST_F(FamilyTest, TabKey_FollowsTheOrderOfReading) {
     });
 }
 
-TEST_F(FamilyTest, LargeLettersInASmallWindow_GiveWay) {
+TEST_F(FamilyTest, LargeLettersInASmallWindow_ScrollAndStayLarge) {
     QFont font = font_;
     font.setPointSize(18);
     QApplication::setFont(font);
-    int smaller = 0;
-    ForEachForm([&smaller](QWidget& form) {
+    int scrolling = 0;
+    ForEachForm([&scrolling](QWidget& form) {
         if (form.isWindow()) {
             return;
         }
         const auto expectRoom = [&form] {
+            EXPECT_EQ(form.font().pointSize(), 18);
             for (const auto* label : form.findChildren<QLabel*>()) {
                 if (label->isVisibleTo(&form)) {
                     const int needed = label->wordWrap() ? label->heightForWidth(label->width())
@@ -138,20 +140,23 @@ TEST_F(FamilyTest, LargeLettersInASmallWindow_GiveWay) {
                     EXPECT_GE(label->height(), needed) << label->objectName().toStdString();
                 }
             }
+            for (const auto* grid : form.findChildren<vsFlexGrid*>()) {
+                EXPECT_GE(grid->viewport()->height(), 2 * grid->rowHeight(0));
+            }
         };
+        const auto* page = form.findChild<ScrolledPage*>();
+        ASSERT_NE(page, nullptr);
         form.resize(630, 420);
         QApplication::processEvents();
-        for (const auto* grid : form.findChildren<vsFlexGrid*>()) {
-            EXPECT_GE(grid->viewport()->height(), 2 * grid->rowHeight(0));
-        }
-        smaller += form.font().pointSize() < 18 ? 1 : 0;
         expectRoom();
-        form.resize(1000, 700);
+        scrolling += page->verticalScrollBar()->maximum() > 0 ? 1 : 0;
+        form.resize(1300, 900);
         QApplication::processEvents();
-        EXPECT_EQ(form.font().pointSize(), 18);
         expectRoom();
+        EXPECT_EQ(page->verticalScrollBar()->maximum(), 0);
+        EXPECT_EQ(page->horizontalScrollBar()->maximum(), 0);
     });
-    EXPECT_GE(smaller, 2);
+    EXPECT_GE(scrolling, 2);
 }
 
 TEST_F(FamilyTest, EveryFontSize_FitsTheSmallestWindow) {
