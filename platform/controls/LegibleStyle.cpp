@@ -34,11 +34,6 @@ QColor Between(const QColor& one, const QColor& other) {
             (one.blue() + other.blue()) / 2};
 }
 
-// The style tells tabs apart by shades that cannot be seen on a dark ground.
-bool IsDark(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < 128;
-}
-
 bool LacksOutlines(const QPalette& palette) {
     const QColor box = palette.color(QPalette::Base);
     const QColor ground = palette.color(QPalette::Window);
@@ -109,11 +104,16 @@ void FrameKeyboard(QPainter& painter, const QStyleOption& option) {
     painter.restore();
 }
 
-// A line along the outer edge of the current tab, which hangs below what it belongs to.
+// A line along the outer edge of the current tab, in the colour of all that is current.
 void MarkCurrentTab(QPainter& painter, const QStyleOption& option) {
     constexpr int kThickness = 3;
+    const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(&option);
     QRect mark = option.rect;
-    mark.setTop(mark.bottom() - kThickness + 1);
+    if (tab != nullptr && tab->shape == QTabBar::RoundedSouth) {
+        mark.setTop(mark.bottom() - kThickness + 1);
+    } else {
+        mark.setHeight(kThickness);
+    }
     painter.fillRect(mark, option.palette.color(QPalette::Highlight));
 }
 
@@ -177,7 +177,7 @@ void LegibleStyle::drawControl(ControlElement element, const QStyleOption* optio
     if (element == CE_TabBarTabShape && outlined) {
         Outline(*painter, option->palette).Box(option->rect);
     }
-    if (element == CE_TabBarTabShape && current && (outlined || IsDark(option->palette))) {
+    if (element == CE_TabBarTabShape && current) {
         MarkCurrentTab(*painter, *option);
     }
     if (!outlined) {

@@ -15,6 +15,7 @@
 #include <QTest>
 #include <QVBoxLayout>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/controls/LegibleStyle.h"
@@ -101,13 +102,16 @@ TEST(LegibleStyleTest, DefaultButtonOfHighContrast_HasAFrameThatNeedsNoColour) {
     EXPECT_NE(inside(cancel), QColor(Qt::white));
 }
 
-TEST(LegibleStyleTest, CurrentTabOnADarkGround_IsMarked) {
+// On a light and on a dark ground alike.
+class CurrentTabTest : public testing::TestWithParam<std::pair<QRgb, QRgb>> {};
+
+TEST_P(CurrentTabTest, IsMarkedInTheHighlightColour) {
     LegibleStyle style;
-    QPalette dark(QColor(239, 240, 241), QColor(49, 54, 59));
-    dark.setColor(QPalette::Highlight, QColor(61, 174, 233));
+    QPalette colours(QColor(GetParam().first), QColor(GetParam().second));
+    colours.setColor(QPalette::Highlight, QColor(61, 174, 233));
     QTabBar tabs;
     tabs.setStyle(&style);
-    tabs.setPalette(dark);
+    tabs.setPalette(colours);
     tabs.setShape(QTabBar::RoundedSouth);
     tabs.addTab(QStringLiteral("FMZs"));
     tabs.addTab(QStringLiteral("NVC Table"));
@@ -116,12 +120,16 @@ TEST(LegibleStyleTest, CurrentTabOnADarkGround_IsMarked) {
         const QRect place = tabs.tabRect(tab);
         return tabs.grab().toImage().pixelColor(place.center().x(), place.bottom());
     };
-    EXPECT_EQ(edge(0), dark.color(QPalette::Highlight));
-    EXPECT_NE(edge(1), dark.color(QPalette::Highlight));
+    EXPECT_EQ(edge(0), colours.color(QPalette::Highlight));
+    EXPECT_NE(edge(1), colours.color(QPalette::Highlight));
     tabs.setCurrentIndex(1);
-    EXPECT_NE(edge(0), dark.color(QPalette::Highlight));
-    EXPECT_EQ(edge(1), dark.color(QPalette::Highlight));
+    EXPECT_NE(edge(0), colours.color(QPalette::Highlight));
+    EXPECT_EQ(edge(1), colours.color(QPalette::Highlight));
 }
+
+INSTANTIATE_TEST_SUITE_P(Grounds, CurrentTabTest,
+                         testing::Values(std::pair(qRgb(239, 240, 241), qRgb(49, 54, 59)),
+                                         std::pair(qRgb(20, 20, 20), qRgb(239, 239, 239))));
 
 TEST(LegibleStyleTest, ListWithTheKeyboard_IsFramedInTheHighlightColour) {
     LegibleStyle style;
