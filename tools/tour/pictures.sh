@@ -12,7 +12,11 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"; close_display' EXIT
 mkdir -p "$pictures"
 cp -r "$build/TARNPrep" "$work/program"
-open_display 1024x768x24
+# Twice as many pixels as the pages show: sharp on screens of either kind, and not ragged where a
+# page has less room.
+open_display 2048x1536x24
+QT_SCALE_FACTOR=2
+export QT_SCALE_FACTOR
 play_script "$work/program" "$here/pictures-start.txt" "$pictures"
 sample=$(find "$work/program/Costs" -iname '*.fcd' | head -n 1)
 play_script "$work/program" "$here/pictures-worksheets.txt" "$pictures" "$sample"
