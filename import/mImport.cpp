@@ -26,6 +26,8 @@ namespace {
 const QString kUpAcres = QStringLiteral("UpAcres");
 
 std::int16_t importResult = 0;
+Imported imported;
+QString zoneName;  // of the zone that is being copied
 // Stays open after an import that found no zones, until the next one or the program's end.
 std::unique_ptr<BramFile> bram;
 
@@ -123,6 +125,7 @@ void BRAM_CopyNVC(const QString& code, std::int32_t location, std::int32_t zoneK
     if (!bram->HasSetups()) {
         u91Trace::Warning(QStringLiteral("tblBRAM_NVCTable.RecordCount = 0"));
         BRAM_BlankNVCRecords(zoneKey, location);
+        imported.blanks.push_back({.zone = zoneName, .location = location});
         return;
     }
     const std::optional<QVariant> tableID = bram->TableIDOf(code, location);
@@ -130,6 +133,7 @@ void BRAM_CopyNVC(const QString& code, std::int32_t location, std::int32_t zoneK
         u91Trace::Warning(QStringLiteral("tblBRAM_NVCTable.NoMatch for ") + code +
                           QStringLiteral(" ") + QString::number(location));
         BRAM_BlankNVCRecords(zoneKey, location);
+        imported.blanks.push_back({.zone = zoneName, .location = location});
         return;
     }
     const BramFile::Values& values = bram->ValuesOf(*tableID);
@@ -142,10 +146,10 @@ void BRAM_CopyNVC(const QString& code, std::int32_t location, std::int32_t zoneK
 void CopyZone(dao::Recordset& zones) {
     const QString code = FieldReaders::TextField(zones, QStringLiteral("FMZCode"));
     const std::int32_t locations = FieldReaders::LongField(zones, FieldNames::kRLCount);
+    zoneName =
+        code + QStringLiteral("-") + FieldReaders::TextField(zones, QStringLiteral("Describe"));
     tblFMZList->AddNew();
-    tblFMZList->SetField(
-        FieldNames::kName,
-        code + QStringLiteral("-") + FieldReaders::TextField(zones, QStringLiteral("Describe")));
+    tblFMZList->SetField(FieldNames::kName, zoneName);
     tblFMZList->SetField(FieldNames::kRLCount, locations);
     tblFMZList->Update();
     tblFMZList->MoveLast();
@@ -156,7 +160,9 @@ void CopyZone(dao::Recordset& zones) {
     BRAM_CopyAAC(code, zoneKey);
     for (std::int32_t location = 1; location <= locations; ++location) {
         BRAM_CopyNVC(code, location, zoneKey);
+        ++imported.locations;
     }
+    ++imported.zones;
 }
 
 // Each zone that is begun counts.
@@ -212,6 +218,10 @@ std::int16_t ImportResult() {
     return importResult;
 }
 
+const Imported& LastImport() {
+    return imported;
+}
+
 std::int16_t BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress) {
     u91Trace::Procedure(QStringLiteral("mImport.BRAM_CopyFMZs"));
     return CopyFMZsFrom(OpenFileDialog(frame), progress);
@@ -219,6 +229,7 @@ std::int16_t BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress) {
 
 std::int16_t CopyFMZsFrom(const QString& path, ImportProgress* progress) {
     importResult = 0;  // what a failed import leaves
+    imported = {};
     if (path.isEmpty()) {
         importResult = kCancelled;
     } else if (!OpenBRAMTables(path)) {

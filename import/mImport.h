@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <vector>
 
 class QWidget;
 
@@ -33,6 +34,19 @@ enum Result : std::int16_t {
 // the pointer, closes the assessment file, and is thrown on.
 std::int16_t BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress = nullptr);
 [[nodiscard]] std::int16_t ImportResult();
+
+// What the last import has copied.
+struct Imported {
+    // A location that was filled with zeros, because the assessment file names no table for it.
+    struct Blank {
+        QString zone;
+        std::int32_t location = 0;
+    };
+    int zones = 0;
+    int locations = 0;
+    std::vector<Blank> blanks;
+};
+[[nodiscard]] const Imported& LastImport();
 
 // The chosen path, or an empty text when the user cancelled or the dialog failed.
 QString OpenFileDialog(QWidget* frame);

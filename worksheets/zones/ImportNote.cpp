@@ -1,0 +1,57 @@
+#include "worksheets/zones/ImportNote.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr int kMostZones = 10;  // that are named
+
+QString Translate(const char* text) {
+    return QCoreApplication::translate("ImportNote", text);
+}
+
+QString Number(int count, const char* one, const char* many) {
+    return count == 1 ? Translate(one) : Translate(many).arg(count);
+}
+
+// "A1-North 2, 3" for each zone.
+QStringList ByZone(const std::vector<mImport::Imported::Blank>& blanks) {
+    QStringList zones;
+    const QString* zone = nullptr;
+    for (const auto& blank : blanks) {
+        const QString number = QString::number(blank.location);
+        if (zone != nullptr && *zone == blank.zone) {
+            zones.last() += QStringLiteral(", ") + number;
+        } else {
+            zones += blank.zone + QStringLiteral(" ") + number;
+        }
+        zone = &blank.zone;
+    }
+    return zones;
+}
+
+QString Blanks(const std::vector<mImport::Imported::Blank>& blanks) {
+    QStringList zones = ByZone(blanks);
+    const auto left = static_cast<int>(std::max<qsizetype>(zones.size() - kMostZones, 0));
+    zones = zones.mid(0, kMostZones);
+    if (left > 0) {
+        zones += Number(left, "1 more zone", "%1 more zones");
+    }
+    return Number(static_cast<int>(blanks.size()),
+                  "1 location was filled with zeros, because the file has no table for it",
+                  "%1 locations were filled with zeros, because the file has no tables for them") +
+           QStringLiteral(": ") + zones.join(QStringLiteral("; ")) + QStringLiteral(".");
+}
+
+}  // namespace
+
+QString ImportNote::Text(const mImport::Imported& imported) {
+    const QString came = Translate("Imported: %1 with %2.")
+                             .arg(Number(imported.zones, "1 zone", "%1 zones"),
+                                  Number(imported.locations, "1 location", "%1 locations"));
+    return imported.blanks.empty() ? came : came + QStringLiteral(" ") + Blanks(imported.blanks);
+}
