@@ -7,7 +7,6 @@
 #include "datafile/FieldNames.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/PrepProperties.h"
-#include "datafile/ZoneKeys.h"
 #include "datafile/frmFCDName.h"
 #include "datafile/u14libProperties.h"
 #include "platform/EventTrap.h"
@@ -378,20 +377,11 @@ void Convert3to4() {
 }
 
 void CloseDatafile() {
-    try {
-        ZoneKeys::TakeBackLeftOver();
-    } catch (const platform::RuntimeError& error) {
-        u91Trace::Error(
-            QStringLiteral("PrepDatafile.CloseDatafile: Error %1, ").arg(error.Number()) +
-            error.Description());
-    }
-    ZoneKeys::ForgetLeftOver();
     fileIsOpen = false;
     PrepDatatables::CloseDatafile();
 }
 
 void GiveUp() {
-    ZoneKeys::ForgetLeftOver();
     fileIsOpen = false;
     platform::FirstError known;  // of a file that has failed already, it is no news
     known.Try(PrepDatatables::CloseAll);
@@ -417,11 +407,6 @@ void RefuseDatafile(const QString& reason) {
 void MakeDurable() {
     // A window or a timer may ask for it while an action waits for the user.
     if (fileIsOpen && dbDatafile && !dbDatafile->InTransaction()) {
-        try {
-            ZoneKeys::TakeBackLeftOver();
-        } catch (const platform::RuntimeError&) {
-            // The user knows of the failure that left them; they go when there is room.
-        }
         BringIn();
         TellWhatOthersDid();
     }

@@ -5,7 +5,6 @@
 
 #include "datafile/FieldNames.h"
 #include "datafile/PrepDatafile.h"
-#include "datafile/ZoneKeys.h"
 #include "platform/FirstError.h"
 #include "shell/u91Trace.h"
 
@@ -38,16 +37,6 @@ const std::array<NamedTable, 6> kTables{{
 }};
 
 int openings = 0;
-
-// A run that ended in the middle of adding a zone has left out some of its rows.
-void CompleteZones() {
-    try {
-        ZoneKeys::CompleteZones();
-    } catch (const platform::RuntimeError& error) {
-        u91Trace::Error(QStringLiteral("ZoneKeys.CompleteZones: Error %1, ").arg(error.Number()) +
-                        error.Description());
-    }
-}
 
 }  // namespace
 
@@ -105,9 +94,6 @@ bool OpenRecordsets() {
     } catch (const platform::RuntimeError& error) {
         PrepDatafile::RefuseDatafile(error.Description());
         return false;
-    }
-    if (dbDatafile->RecoveredOperations() > 0) {
-        CompleteZones();
     }
     return true;
 }

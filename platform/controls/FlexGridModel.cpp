@@ -141,7 +141,8 @@ QString FlexGridModel::Note(int row, int col, const QString& text) const {
 }
 
 int FlexGridModel::RowData(int row) const {
-    return rows_[static_cast<std::size_t>(row)].data;
+    return IsTableCell(row) ? table_->RowData(TableRow(row))
+                            : rows_[static_cast<std::size_t>(row)].data;
 }
 
 void FlexGridModel::SetRowData(int row, int data) {

@@ -12,7 +12,6 @@
 
 #include "data_file_fixture.h"
 #include "datafile/PrepProperties.h"
-#include "datafile/ZoneKeys.h"
 #include "datafile/frmFCDName.h"
 #include "platform/system/NativePath.h"
 #include "support/Answers.h"
@@ -364,24 +363,21 @@ TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedEarly_BringsItsChangesInAndSay
     reader->Close();
 }
 
-TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedWithinAZone_CompletesItsRows) {
+TEST_F(LifeTest, OpenDatatables_OfAZoneThatLacksRows_AddsNone) {
     OpenNewFile();
     tblFMZList->AddNew();
     tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("North"));
     tblFMZList->SetField(QStringLiteral("RLCount"), 2);
     tblFMZList->Update();
-    ZoneKeys::AddLocations(1, 1, 1);
     const QString left = folder_.CostsPath(QStringLiteral("LEFT26.FCD"));
     support::Copy(PrepDatafile::CurrentPath(), left);
     support::Copy(PrepDatafile::CurrentPath() + QStringLiteral("-log"),
                   left + QStringLiteral("-log"));
     PrepDatafile::CloseDatafile();
-    folder_.ForgetTrace();
     OpenFile(left);
-    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 28);
-    EXPECT_EQ(PrepDatatables::tblSuppressionPerAcreCost->RecordCount(), 9);
-    EXPECT_EQ(
-        folder_.Trace().filter(QStringLiteral("added 23 rows that an interrupted run")).size(), 1);
+    EXPECT_EQ(tblFMZList->RecordCount(), 1);
+    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 0);
+    EXPECT_EQ(PrepDatatables::tblSuppressionPerAcreCost->RecordCount(), 0);
 }
 
 TEST_F(LifeTest, QueryNewDatafile_OverAFileWithWaitingChanges_DoesNotGetThem) {

@@ -5,8 +5,8 @@
 
 #include "RunningProgram.h"
 #include "datafile/PrepDatatables.h"
-#include "datafile/ZoneKeys.h"
 #include "shell/frmTabs.h"
+#include "worksheets/zones/ZoneRecords.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ constexpr Page kPages[] = {{1, "INT", "frm1Intro"},    {2, "RMA", "frm2RMAs"},
 
 TEST_F(Worksheets, Tabs_EachClicked_ShowsItsFormAlone) {
     RunWithFile();
-    ZoneKeys::AddZone(QStringLiteral("North"), 1);
+    ZoneRecords::Create(QStringLiteral("North"), 1);
     for (const int index : {2, 3, 4, 5, 6, 1}) {
         const Page& page = kPages[index - 1];
         ClickTab(index);
@@ -47,7 +47,7 @@ TEST_F(Worksheets, Tabs_EachClicked_ShowsItsFormAlone) {
 
 TEST_F(Worksheets, MenuItems_EachChosen_SetTheTab) {
     RunWithFile();
-    ZoneKeys::AddZone(QStringLiteral("North"), 1);
+    ZoneRecords::Create(QStringLiteral("North"), 1);
     for (const int index : {6, 5, 4, 3, 2, 1}) {
         Choose(QStringLiteral("mnuStep_%1").arg(index));
         EXPECT_EQ(Tab().CurrTab(), index);

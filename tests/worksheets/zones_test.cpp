@@ -1,8 +1,7 @@
 // The list of zones and the rows that depend on it.
-#include <QListWidget>
+#include <QLabel>
 
 #include "datafile/FieldReaders.h"
-#include "datafile/ZoneKeys.h"
 #include "worksheet_fixture.h"
 #include "worksheets/zones/ZoneRecords.h"
 #include "worksheets/zones/frm4FMZs.h"
@@ -168,68 +167,29 @@ TEST_F(ZonesTest, SavedTwice_ChangesNothingMore) {
     EXPECT_EQ(Warnings(), 0);
 }
 
-TEST_F(ZonesTest, ShrinkThenGrow_BringsTheOldValuesBack) {
-    const int key = ZoneRecords::Create(QStringLiteral("A"), 3);
-    SetValue(key * 100 + 3, 5, -12.5F);
-    EXPECT_EQ(ZoneRecords::Change(key, QStringLiteral("A"), 1), 1);
-    EXPECT_EQ(ZoneRecords::Change(key, QStringLiteral("A"), 4), 4);
-    EXPECT_EQ(Value(key * 100 + 3, 5), -12.5F);
-    EXPECT_TRUE(HasRow(key * 100 + 4, 14));
-    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 4 * 14);
-    EXPECT_FALSE(folder_.Trace().filter(QStringLiteral("Kept NVC rows")).isEmpty());
-}
-
-TEST_F(ZonesTest, OtherLetterCase_RewritesTheName) {
-    const int key = ZoneRecords::Create(QStringLiteral("north"), 1);
-    ZoneRecords::Change(key, QStringLiteral("North"), 1);
-    EXPECT_EQ(Name(key), QStringLiteral("North"));
-}
-
-TEST_F(ZonesTest, NegativeCount_BecomesOne) {
-    const int key = ZoneRecords::Create(QStringLiteral("A"), 2);
-    EXPECT_EQ(ZoneRecords::Change(key, QStringLiteral("A"), -1), 1);
-    EXPECT_EQ(Locations(key), 1);
-}
-
-TEST_F(ZonesTest, StoredZeroLeftAlone_StaysZero) {
-    const int key = ZoneRecords::Create(QStringLiteral("A"), 1);
-    tblFMZList->Seek("=", {key});
-    tblFMZList->Edit();
-    tblFMZList->SetField(QStringLiteral("RLCount"), 0);
-    tblFMZList->Update();
-    EXPECT_EQ(ZoneRecords::Change(key, QStringLiteral("A"), 0), 0);
-    EXPECT_EQ(Warnings(), 0);
-}
-
-TEST_F(ZonesTest, StoredNegativeCountRaisedToZero_BecomesOneWithAWarning) {
-    const int key = ZoneRecords::Create(QStringLiteral("A"), 1);
-    tblFMZList->Seek("=", {key});
-    tblFMZList->Edit();
-    tblFMZList->SetField(QStringLiteral("RLCount"), -5);
-    tblFMZList->Update();
-    EXPECT_EQ(ZoneRecords::Change(key, QStringLiteral("A"), 0), 1);
-    EXPECT_EQ(Locations(key), 1);
-    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 14) << "the rows of its location are there already";
-    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("Warning! New RLCount is smaller")).size(), 1);
-}
-
-TEST_F(ZonesTest, CountAsText_RoundsHalvesToTheEvenNeighbour) {
-    EXPECT_EQ(ZoneRecords::LocationsFromText(QStringLiteral("2.5")), 2);
-    EXPECT_EQ(ZoneRecords::LocationsFromText(QStringLiteral("3.5")), 4);
-    EXPECT_EQ(ZoneRecords::LocationsFromText(QStringLiteral("abc")), 0);
-    EXPECT_EQ(ZoneRecords::LocationsFromText(QStringLiteral("7 x")), 7);
-    EXPECT_THROW((void)ZoneRecords::LocationsFromText(QStringLiteral("9e9")),
-                 platform::RuntimeError);
-}
-
-TEST_F(ZonesTest, HugeCount_IsRefusedBeforeAnyRowIsAdded) {
+TEST_F(ZonesTest, HugeCount_IsRefusedWhenItIsTyped) {
     const int key = ZoneRecords::Create(QStringLiteral("A"), 1);
     Load<frm4FMZs>();
     Enter(Grid("grdFMZs"), 1, 1, QStringLiteral("9e8"));
-    EXPECT_THROW(form_->Save(), platform::RuntimeError);
+    EXPECT_EQ(Grid("grdFMZs").TextMatrix(1, 1), QStringLiteral("1"));
+    EXPECT_TRUE(Find<QLabel>("lblNote").isVisible());
+    EXPECT_TRUE(Find<QLabel>("lblNote").text().contains(
+        QStringLiteral("A cannot have 900000000 representative locations")));
+    Leave();
     EXPECT_EQ(Locations(key), 1);
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), 14);
-    EXPECT_EQ(Grid("grdFMZs").TextMatrix(1, 1), QStringLiteral("9e8")) << "stays for correction";
+}
+
+TEST_F(ZonesTest, CountReadAsAnotherNumber_ShowsTheStoredOneAndIsTold) {
+    const int key = ZoneRecords::Create(QStringLiteral("A"), 1);
+    Load<frm4FMZs>();
+    EXPECT_FALSE(Find<QLabel>("lblNote").isVisible());
+    Enter(Grid("grdFMZs"), 1, 1, QStringLiteral("2,5"));
+    EXPECT_EQ(Grid("grdFMZs").TextMatrix(1, 1), QStringLiteral("2"));
+    EXPECT_TRUE(Find<QLabel>("lblNote").text().startsWith(
+        QStringLiteral("A, # RLs: '2,5' was read as 2.")));
+    Leave();
+    EXPECT_EQ(Locations(key), 2);
 }
 
 TEST_F(ZonesTest, RefusedRow_DoesNotKeepTheOthersFromBeingSaved) {
@@ -245,35 +205,71 @@ TEST_F(ZonesTest, RefusedRow_DoesNotKeepTheOthersFromBeingSaved) {
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), 28);
 }
 
-TEST_F(ZonesTest, HundredLocationsAndMore_AreTakenWhenNoZoneFollows) {
+TEST_F(ZonesTest, NewZoneBehindALargeOne_GetsTheNextFreeKey) {
     const int key = ZoneRecords::Create(QStringLiteral("A"), 1);
-    EXPECT_EQ(ZoneRecords::Change(key, QStringLiteral("A"), 120), 120);
-    EXPECT_TRUE(HasRow(key * 100 + 120, 14));
-}
-
-TEST_F(ZonesTest, NewZoneWhoseKeysAreTaken_IsTakenBackWhole) {
-    const int key = ZoneRecords::Create(QStringLiteral("A"), 1);
-    ZoneRecords::Change(key, QStringLiteral("A"), 120);
+    ZoneRecords::Change({.key = key, .name = QStringLiteral("A"), .locations = 120});
     Load<frm4FMZs>();
     ClickButton("cmdAdd");
-    ASSERT_EQ(errors_.size(), 1U);
-    EXPECT_EQ(errors_[0].number, 3022);
+    EXPECT_TRUE(errors_.empty());
+    EXPECT_EQ(Grid("grdFMZs").RowData(2), key + 2);
+    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 121 * 14);
+}
+
+TEST_F(ZonesTest, AddingAndNaming_AreTakenBackOneAfterTheOther) {
+    Load<frm4FMZs>();
+    ClickButton("cmdAdd");
+    Type(QStringLiteral("North"));
+    Press(Qt::Key_Tab);
+    Type(QStringLiteral("3"));
+    vsFlexGrid& grid = Grid("grdFMZs");
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(1, 1), QStringLiteral("1"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(1, 0), QString());
     EXPECT_EQ(tblFMZList->RecordCount(), 1);
-    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 9);
-    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 120 * 14);
-    EXPECT_EQ(Grid("grdFMZs").Rows(), 2);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.Rows(), 1);
+    EXPECT_EQ(tblFMZList->RecordCount(), 0);
+    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 0);
+    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 0);
+    for (int step = 0; step < 3; ++step) {
+        Press(Qt::Key_Y, Qt::ControlModifier);
+    }
+    EXPECT_EQ(Name(1), QStringLiteral("North"));
+    EXPECT_EQ(Locations(1), 3);
+    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 42);
+    EXPECT_TRUE(errors_.empty());
 }
 
-TEST_F(ZonesTest, MissingZone_IsRefusedWithoutAddingRows) {
-    ZoneRecords::Create(QStringLiteral("A"), 1);
-    EXPECT_THROW(ZoneRecords::Change(77, QStringLiteral("B"), 3), platform::RuntimeError);
-    EXPECT_EQ(tblNVCPerAcre->RecordCount(), 14);
+TEST_F(ZonesTest, Undo_ReachesWhatWasDoneBeforeAnotherWorksheetShowed) {
+    ZoneRecords::Create(QStringLiteral("North"), 2);
+    Load<frm4FMZs>();
+    Enter(Grid("grdFMZs"), 1, 0, QStringLiteral("West"));
+    Leave();
+    EXPECT_EQ(Name(1), QStringLiteral("West"));
+    Load<frm4FMZs>();
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Grid("grdFMZs").TextMatrix(1, 0), QStringLiteral("North"));
+    EXPECT_EQ(Name(1), QStringLiteral("North"));
 }
 
-TEST_F(ZonesTest, Keys_AreZoneTimesHundredPlusLocation) {
-    EXPECT_EQ(ZoneKeys::FMZRLKey(7, 1), 701);
-    EXPECT_EQ(ZoneKeys::FMZRLKey(7, 3), 703);
-    EXPECT_THROW(ZoneKeys::FMZRLKey(30000000, 1), platform::RuntimeError);
+TEST_F(ZonesTest, AllClearedByKeys_ComesBackWithOneUndo) {
+    ZoneRecords::Create(QStringLiteral("North"), 2);
+    ZoneRecords::Create(QStringLiteral("South"), 3);
+    Load<frm4FMZs>();
+    vsFlexGrid& grid = Grid("grdFMZs");
+    ClickCell(grid, 1, 0);
+    Press(Qt::Key_Escape);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    Press(Qt::Key_Delete);
+    form_->Save();
+    EXPECT_EQ(Name(2), QString());
+    EXPECT_EQ(Locations(2), 1);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Name(1), QStringLiteral("North"));
+    EXPECT_EQ(Locations(1), 2);
+    EXPECT_EQ(Name(2), QStringLiteral("South"));
+    EXPECT_EQ(Locations(2), 3);
 }
 
 TEST_F(ZonesTest, Fillers_ListZonesWithTheirKeysAndLocations) {
@@ -317,21 +313,43 @@ TEST_F(ZonesTest, EverythingTyped_LeavesAFileThatTheJudgePasses) {
     EXPECT_EQ(support::Complaints(path), QString());
 }
 
+TEST_F(ZonesTest, ImportWhileANameIsNotStored_AsksFirst) {
+    ZoneRecords::Create(QStringLiteral("North"), 1);
+    Load<frm4FMZs>();
+    Enter(Grid("grdFMZs"), 1, 0, QStringLiteral("West"));
+    support::Answers answers({QMessageBox::No});
+    ClickButton("cmdImport");
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts().first().contains(QStringLiteral("(West)")));
+    EXPECT_EQ(answers.Messages()[0].defaultButton, QMessageBox::No);
+    EXPECT_EQ(Count(folder_.Trace(), QStringLiteral("mImport.BRAM_CopyFMZs")), 0);
+    EXPECT_EQ(Grid("grdFMZs").TextMatrix(1, 0), QStringLiteral("West"));
+}
+
+TEST_F(ZonesTest, Location_ThatALaterZoneOwns_IsRefusedWithBothNamesWhenItIsSaved) {
+    ZoneRecords::Create(QStringLiteral("North"), 1);
+    ZoneRecords::Create(QStringLiteral("South"), 1);
+    Load<frm4FMZs>();
+    Enter(Grid("grdFMZs"), 1, 1, QStringLiteral("150"));
+    try {
+        form_->Save();
+        ADD_FAILURE() << "saved";
+    } catch (const platform::RuntimeError& error) {
+        EXPECT_EQ(error.Number(), platform::kDuplicateKey);
+        EXPECT_TRUE(error.Description().contains(QStringLiteral("North has no room")));
+        EXPECT_TRUE(error.Description().contains(QStringLiteral("those of South")));
+    }
+    EXPECT_EQ(Grid("grdFMZs").TextMatrix(1, 1), QStringLiteral("150")) << "for correction";
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    form_->Save();
+    EXPECT_EQ(Locations(1), 1);
+}
+
 TEST_F(ZonesTest, LoadFMZs_WithoutZones_EmptiesTheBox) {
     QComboBox zones;
     zones.addItem(QStringLiteral("left over"));
     mFMZs::LoadFMZs(zones);
     EXPECT_EQ(zones.count(), 0);
-}
-
-TEST_F(ZonesTest, RecordsOfAZone_WithoutLocationsOrAbsent_AreCountedFromOneOrRefused) {
-    const std::int32_t zone = ZoneRecords::Create(QStringLiteral("North"), 0);
-    tblFMZList->Seek("=", {zone});
-    EXPECT_EQ(tblFMZList->Long(QStringLiteral("RLCount")), 1);
-    ZoneRecords::Change(zone, QStringLiteral("North"), -5);
-    tblFMZList->Seek("=", {zone});
-    EXPECT_EQ(tblFMZList->Long(QStringLiteral("RLCount")), 1);
-    EXPECT_THROW(ZoneRecords::Change(zone + 1, QStringLiteral("South"), 2), platform::RuntimeError);
 }
 
 }  // namespace

@@ -6,29 +6,27 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "datafile/FieldNames.h"
+#include <algorithm>
+
 #include "datafile/PrepDatafile.h"
-#include "datafile/PrepDatatables.h"
 #include "import/ImportProgressBox.h"
 #include "import/mImport.h"
 #include "platform/EventTrap.h"
 #include "platform/FirstError.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "platform/text/Numbers.h"
+#include "platform/dialogs/MsgBox.h"
 #include "shell/u91Trace.h"
 #include "worksheets/GridParts.h"
-#include "worksheets/zones/ZoneRecords.h"
+#include "worksheets/MissingRows.h"
+#include "worksheets/NoteLine.h"
+#include "worksheets/zones/ImportNote.h"
 
 using platform::EventTrap::Trapped;
-using PrepDatatables::tblFMZList;
 
 namespace {
 
-constexpr int kName = 0;
-constexpr int kLocations = 1;
-constexpr int kColumns = 2;
-constexpr int kNameLength = 46;
-constexpr int kLocationsLength = 3;
+constexpr int kName = ZoneList::kName;
+constexpr int kLocations = ZoneList::kLocations;
 constexpr int kHelpContextId = 40;
 
 }  // namespace
@@ -41,6 +39,10 @@ frm4FMZs::frm4FMZs(WorksheetHost& host, QWidget* parent)
                      .id = "FMZ",
                      .helpContextId = kHelpContextId}) {
     Build();
+    ConnectHandlers();
+}
+
+void frm4FMZs::ConnectHandlers() {
     connect(cmdAdd_, &QPushButton::clicked, this,
             Trapped("frm4FMZs.cmdAdd_Click", [this](bool) { cmdAdd_Click(); }));
     connect(cmdImport_, &QPushButton::clicked, this,
@@ -50,6 +52,8 @@ frm4FMZs::frm4FMZs(WorksheetHost& host, QWidget* parent)
     connect(grdFMZs_, &vsFlexGrid::BeforeEdit, this,
             Trapped("frm4FMZs.grdFMZs_BeforeEdit",
                     [this](int /*row*/, int col, bool* /*cancel*/) { grdFMZs_BeforeEdit(col); }));
+    zones_.SetListener(
+        [this](const QString& name, const auto& change) { DoneInList(name, change); });
 }
 
 void frm4FMZs::Build() {
@@ -64,7 +68,10 @@ void frm4FMZs::Build() {
     PageParts::Name(*cmdAdd_, "cmdAdd", tr("Add a zone"));
     cmdImport_ = new QPushButton(tr("&Import from BRAM..."), this);
     PageParts::Name(*cmdImport_, "cmdImport", tr("Import zones from a BRAM file"));
+    note_ = new NoteLine(*grdFMZs_, this);
     Body().addWidget(grdFMZs_, 1);
+    GridParts::KeepPlace(*note_);
+    Body().addWidget(note_);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdAdd_);
     buttons->addWidget(cmdImport_);
@@ -81,9 +88,9 @@ void frm4FMZs::FMZ_Setup() {
 
 void frm4FMZs::SetupGrid() {
     u91Trace::Procedure(QStringLiteral("frm4FMZs.SetupGrid"));
-    grdFMZs_->SetCols(kColumns);
+    grdFMZs_->SetCols(ZoneList::kColumns);
     grdFMZs_->SetFixedRows(1);
-    grdFMZs_->SetRows(1);
+    grdFMZs_->SetTable(&zones_);
     grdFMZs_->SetTextMatrix(0, kName, tr("Fire Management Zone"));
     grdFMZs_->SetTextMatrix(0, kLocations, tr("# RLs"));
     grdFMZs_->SetColWidth(kName, 3600);
@@ -97,74 +104,103 @@ void frm4FMZs::SetupGrid() {
 void frm4FMZs::FMZ_LoadGrid() {
     u91Trace::Procedure(QStringLiteral("frm4FMZs.FMZ_LoadGrid"));
     grdFMZs_->FinishEdit();
-    const std::int32_t records = tblFMZList->RecordCount();
-    grdFMZs_->SetRows(records + 1);
-    if (records == 0) {
-        return;
-    }
-    int row = 1;
-    for (tblFMZList->MoveFirst(); !tblFMZList->EndOfFile() && row <= records;
-         tblFMZList->MoveNext(), ++row) {
-        grdFMZs_->SetTextMatrix(row, kName, tblFMZList->Text(FieldNames::kName));
-        grdFMZs_->SetTextMatrix(row, kLocations,
-                                platform::Str(tblFMZList->Long(FieldNames::kRLCount)));
-        grdFMZs_->SetRowData(row, tblFMZList->Long(FieldNames::kKey));
-    }
-    grdFMZs_->SetRows(row);
+    zones_.Load();
+    grdFMZs_->Refresh();
 }
 
 void frm4FMZs::FMZ_Update() {
     u91Trace::Procedure(QStringLiteral("FMZ_Update"));
     grdFMZs_->FinishEdit();
-    platform::FirstError refused;
-    for (int row = 1; row < grdFMZs_->Rows(); ++row) {
-        refused.Try([&] {
-            if (grdFMZs_->RowData(row) != 0) {
-                FMZ_UpdateRecord(row);
-            } else {
-                FMZ_CreateRecord(row);
-            }
-        });
-    }
-    refused.Rethrow();
+    MissingRows::Told("frm4FMZs.FMZ_Update",
+                      [this] { zones_.Save([this](int row) { FMZ_UpdateRecord(row); }); });
 }
 
 void frm4FMZs::FMZ_CreateRecord(int row) {
     u91Trace::Procedure(QStringLiteral("FMZ_CreateRecord %1").arg(row));
-    grdFMZs_->SetRowData(
-        row,
-        ZoneRecords::Create(grdFMZs_->TextMatrix(row, kName),
-                            ZoneRecords::LocationsFromText(grdFMZs_->TextMatrix(row, kLocations))));
+    zones_.Add(tr("Add Item"));
 }
 
 void frm4FMZs::FMZ_UpdateRecord(int row) {
     u91Trace::Procedure(QStringLiteral("FMZ_UpdateRecord %1").arg(row));
-    const std::int32_t stored =
-        ZoneRecords::Change(grdFMZs_->RowData(row), grdFMZs_->TextMatrix(row, kName),
-                            ZoneRecords::LocationsFromText(grdFMZs_->TextMatrix(row, kLocations)));
-    grdFMZs_->SetTextMatrix(row, kLocations, platform::Str(stored));
+    zones_.SaveRow(row);
+}
+
+void frm4FMZs::EndOpenEdit() {
+    grdFMZs_->FinishEdit();
+}
+
+// What an action did is known by the zones' keys: the form that takes it back may be another one.
+void frm4FMZs::DoneInList(const QString& name, const std::shared_ptr<ZoneList::Change>& change) {
+    Did<frm4FMZs>(
+        name,
+        [change](frm4FMZs& form) {
+            form.zones_.TakeBack(*change);
+            form.ShowChange(change->list.Reversed());
+        },
+        [change](frm4FMZs& form) {
+            form.zones_.Repeat(*change);
+            form.ShowChange(change->list);
+        });
+}
+
+// Makes the first row current that is not as it was.
+void frm4FMZs::ShowChange(const undo::ListChange<Zone>& list) {
+    const int col = grdFMZs_->Col();
+    grdFMZs_->Refresh();
+    if (const auto row = list.FirstPlace(); row && zones_.RowCount() > 0) {
+        grdFMZs_->SetRow(std::min(static_cast<int>(*row) + 1, zones_.RowCount()));
+        grdFMZs_->SetCol(col);
+    }
 }
 
 void frm4FMZs::cmdAdd_Click() {
     u91Trace::Procedure(QStringLiteral("frm4FMZs.cmdAdd_Click"));
     grdFMZs_->FinishEdit();
-    grdFMZs_->AddItem(QStringLiteral("\t1"));
-    const int row = grdFMZs_->Rows() - 1;
-    try {
-        FMZ_CreateRecord(row);
-    } catch (...) {
-        grdFMZs_->RemoveItem(row);
-        throw;
-    }
+    const int row = zones_.RowCount() + 1;
+    FMZ_CreateRecord(row);
+    grdFMZs_->Refresh();
     GridParts::EnterAndEdit(*grdFMZs_, row, kName);
 }
 
 void frm4FMZs::cmdImport_Click() {
     u91Trace::Procedure(QStringLiteral("frm4FMZs.cmdImport_Click"));
+    grdFMZs_->FinishEdit();
+    if (!MayDropTyped()) {
+        return;
+    }
     ImportProgressBox progress(&Host().Frame());
     if (mImport::BRAM_CopyFMZs(&Host().Frame(), &progress) == mImport::kCopied) {
-        FMZ_LoadGrid();
+        ShowImported();
     }
+}
+
+// The list is filled anew by an import, without what was typed and is not in the file yet.
+bool frm4FMZs::MayDropTyped() const {
+    if (!zones_.IsChanged()) {
+        return true;
+    }
+    platform::MsgOptions options;
+    options.icon = platform::MsgIcon::kQuestion;
+    options.buttons = platform::MsgButtons::kYesNo;
+    options.secondIsDefault = true;
+    options.informative =
+        tr("The import shows the stored list again. To keep what was typed, choose No, go to "
+           "another worksheet and come back: that stores it.");
+    return platform::MsgBox(
+               tr("Names or numbers that were typed here are not stored yet (%1). Import all the "
+                  "same, without them?")
+                   .arg(zones_.ChangedNames().join(QStringLiteral(", "))),
+               options) == platform::MsgAnswer::kYes;
+}
+
+// Shows the first new zone and says what has come.
+void frm4FMZs::ShowImported() {
+    const int known = zones_.RowCount();
+    FMZ_LoadGrid();
+    if (zones_.RowCount() > known) {
+        grdFMZs_->Select(known + 1, kName);
+    }
+    note_->Say(ImportNote::Text(mImport::LastImport()));
 }
 
 void frm4FMZs::grdFMZs_EnterCell() {
@@ -176,7 +212,7 @@ void frm4FMZs::grdFMZs_EnterCell() {
 
 void frm4FMZs::grdFMZs_BeforeEdit(int col) {
     u91Trace::Procedure(QStringLiteral("frm4FMZs.grdFMZs_BeforeEdit"));
-    grdFMZs_->SetEditMaxLength(col == kName ? kNameLength : kLocationsLength);
+    grdFMZs_->SetEditMaxLength(zones_.MaxLength(col));
 }
 
 void frm4FMZs::Unload() {

@@ -1,11 +1,15 @@
 // The list of Fire Management Zones with their numbers of representative locations.
 //
-// A zone that is added here is in the file at once, with its nine cost rows and the fourteen rows
-// of its first location. Names and numbers that are typed reach the file with FMZ_Update.
+// The zones belong to a ZoneList: one that is added is in the file at once, names and numbers that
+// are typed reach it with FMZ_Update.
 #pragma once
 
-#include "worksheets/WorksheetPage.h"
+#include <memory>
 
+#include "worksheets/WorksheetPage.h"
+#include "worksheets/zones/ZoneList.h"
+
+class NoteLine;
 class QPushButton;
 class vsFlexGrid;
 
@@ -20,22 +24,32 @@ public:
     void Unload() override;
 
     void FMZ_Setup();
-    // Writes every row that differs back to the file. A row that is refused does not keep the
+    // Writes every zone that was changed back to the file. One that is refused does not keep the
     // others from being saved; its error is thrown at the end.
     void FMZ_Update();
 
+protected:
+    void EndOpenEdit() override;
+
 private:
     void Build();
+    void ConnectHandlers();
     void SetupGrid();
     void FMZ_LoadGrid();
     void FMZ_CreateRecord(int row);
     void FMZ_UpdateRecord(int row);
+    [[nodiscard]] bool MayDropTyped() const;
+    void ShowImported();
+    void DoneInList(const QString& name, const std::shared_ptr<ZoneList::Change>& change);
+    void ShowChange(const undo::ListChange<Zone>& list);
     void cmdAdd_Click();
     void cmdImport_Click();
     void grdFMZs_EnterCell();
     void grdFMZs_BeforeEdit(int col);
 
+    ZoneList zones_;
     vsFlexGrid* grdFMZs_ = nullptr;
+    NoteLine* note_ = nullptr;
     QPushButton* cmdAdd_ = nullptr;
     QPushButton* cmdImport_ = nullptr;
 };

@@ -9,16 +9,10 @@
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
+#include "datafile/ZoneKeys.h"
 #include "shell/u91Trace.h"
 
 using PrepDatatables::tblFMZList;
-
-namespace {
-
-// Far more than the keys of a zone can tell apart; a damaged count must not fill the memory.
-constexpr std::int32_t kMostLocations = 9999;
-
-}  // namespace
 
 namespace mFMZs {
 
@@ -48,7 +42,8 @@ void LoadRepLocs(QComboBox& box, std::int32_t zoneKey) {
     tblFMZList->Seek("=", {zoneKey});
     const std::int32_t stored = FieldReaders::LongField(*tblFMZList, FieldNames::kRLCount);
     box.clear();
-    const std::int32_t locations = std::min(stored, kMostLocations);
+    // A damaged number must not fill the memory.
+    const std::int32_t locations = std::min(stored, ZoneKeys::kMostLocations);
     for (std::int32_t location = 1; location <= locations; ++location) {
         box.addItem(QString::number(location));
     }

@@ -1,0 +1,22 @@
+#include "datafile/ZoneKeys.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "platform/RuntimeError.h"
+
+TEST(ZoneKeys, FMZRLKey_ZoneSeven_Gives701To703) {
+    EXPECT_EQ(ZoneKeys::FMZRLKey(7, 1), 701);
+    EXPECT_EQ(ZoneKeys::FMZRLKey(7, 2), 702);
+    EXPECT_EQ(ZoneKeys::FMZRLKey(7, 3), 703);
+}
+
+TEST(ZoneKeys, FMZRLKey_Beyond32Bits_Overflows) {
+    EXPECT_EQ(ZoneKeys::FMZRLKey(21474836, 47), std::numeric_limits<std::int32_t>::max());
+    EXPECT_THROW(ZoneKeys::FMZRLKey(21474836, 48), platform::RuntimeError);
+    EXPECT_THROW(ZoneKeys::FMZRLKey(std::numeric_limits<std::int32_t>::max(), 1),
+                 platform::RuntimeError);
+    EXPECT_THROW(ZoneKeys::FMZRLKey(std::numeric_limits<std::int32_t>::min(), 1),
+                 platform::RuntimeError);
+}

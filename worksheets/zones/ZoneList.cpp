@@ -1,0 +1,164 @@
+#include "worksheets/zones/ZoneList.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "datafile/PrepDatatables.h"
+#include "platform/FirstError.h"
+#include "platform/RuntimeError.h"
+#include "platform/text/Numbers.h"
+
+namespace {
+
+constexpr std::array<int, ZoneList::kColumns> kLengths{46, 3};
+
+}  // namespace
+
+void ZoneList::Load() {
+    zones_ = ZoneRecords::All();
+    unsaved_.clear();
+}
+
+const Zone& ZoneList::At(int row) const {
+    return zones_.at(static_cast<std::size_t>(row - 1));
+}
+
+Zone& ZoneList::Row(int row) {
+    return zones_.at(static_cast<std::size_t>(row - 1));
+}
+
+std::optional<int> ZoneList::RowOf(std::int32_t key) const {
+    const auto zone = std::find_if(zones_.begin(), zones_.end(),
+                                   [key](const Zone& one) { return one.key == key; });
+    return zone == zones_.end() ? std::nullopt
+                                : std::optional(static_cast<int>(zone - zones_.begin()) + 1);
+}
+
+QStringList ZoneList::ChangedNames() const {
+    QStringList names;
+    for (const Zone& zone : zones_) {
+        if (unsaved_.count(zone.key) > 0) {
+            names += zone.name.isEmpty() ? QCoreApplication::translate("ZoneList", "(no name)")
+                                         : zone.name;
+        }
+    }
+    return names;
+}
+
+QString ZoneList::Text(int row, int col) const {
+    const Zone& zone = At(row);
+    return col == kName ? zone.name : platform::Str(zone.locations);
+}
+
+GridTable::Takes ZoneList::CellTakes(int /*row*/, int col) const {
+    return col == kName ? Takes::kText : Takes::kNumber;
+}
+
+int ZoneList::MaxLength(int col) const {
+    return kLengths.at(static_cast<std::size_t>(col));
+}
+
+GridTable::Answer ZoneList::Offer(int row, int col, const QString& typed) {
+    Zone& zone = Row(row);
+    if (col == kLocations) {
+        return OfferLocations(zone, typed);
+    }
+    zone.name = typed;
+    unsaved_.try_emplace(zone.key);
+    return {};
+}
+
+// A number below 1 becomes 1: each zone has a location.
+GridTable::Answer ZoneList::OfferLocations(Zone& zone, const QString& typed) {
+    try {
+        const std::int32_t locations = platform::CLng(platform::Val(typed));
+        ZoneRecords::RequireSensible(zone.name, locations);
+        unsaved_[zone.key].lowered = locations < 1 && locations != zone.locations;
+        zone.locations = locations == zone.locations ? locations : std::max(locations, 1);
+    } catch (const platform::RuntimeError& error) {
+        return {Answer::Kind::kRefused, error.Description()};
+    }
+    const QString stored = platform::Str(zone.locations);
+    return {stored == typed ? Answer::Kind::kStored : Answer::Kind::kChanged, stored};
+}
+
+void ZoneList::BeginAction(const QString& name) {
+    actionName_ = name;
+    before_ = zones_;
+}
+
+void ZoneList::EndAction() {
+    auto change = std::make_shared<Change>();
+    change->list = undo::ListChange<Zone>::Between(std::exchange(before_, {}), zones_);
+    if (listener_ && !change->list.IsEmpty()) {
+        listener_(actionName_, change);
+    }
+}
+
+void ZoneList::Add(const QString& actionName) {
+    auto transaction = PrepDatatables::Begin();
+    const std::int32_t key = ZoneRecords::Create(QString(), 1);
+    transaction.Commit();
+    BeginAction(actionName);
+    zones_.push_back({.key = key, .name = QString(), .locations = 1});
+    EndAction();
+}
+
+void ZoneList::Save(const std::function<void(int row)>& saveRow) {
+    auto transaction = PrepDatatables::Begin();
+    platform::FirstError refused;
+    platform::FirstError missing;
+    saved_.clear();
+    for (int row = 1; row <= RowCount(); ++row) {
+        try {
+            saveRow(row);
+        } catch (const platform::RuntimeError& error) {
+            if (!ZoneRecords::IsRefusal(error)) {
+                throw;
+            }
+            const bool isMissing = error.Number() == platform::kNoCurrentRecord;
+            (isMissing ? missing : refused).Try([] { throw; });
+        }
+    }
+    transaction.Commit();
+    for (const std::int32_t key : saved_) {
+        unsaved_.erase(key);
+    }
+    refused.Rethrow();
+    missing.Rethrow();
+}
+
+void ZoneList::SaveRow(int row) {
+    Zone& zone = Row(row);
+    const auto unsaved = unsaved_.find(zone.key);
+    if (unsaved == unsaved_.end()) {
+        return;
+    }
+    zone.locations = ZoneRecords::Change(zone, unsaved->second.lowered);
+    saved_.push_back(zone.key);
+}
+
+void ZoneList::Carry(Change& change, const undo::ListChange<Zone>& list) {
+    CarryToFile(change, list);
+    zones_ = list.AppliedTo(zones_);
+    for (const auto& step : list.steps) {
+        unsaved_.erase(step.Key());
+    }
+}
+
+void ZoneList::CarryToFile(Change& change, const undo::ListChange<Zone>& list) {
+    auto transaction = PrepDatatables::Begin();
+    for (const auto& step : list.steps) {
+        if (!step.after) {
+            change.removed[step.Key()] = ZoneRecords::Remove(step.before->row);
+        } else if (!step.before) {
+            ZoneRecords::Restore(step.after->row, change.removed[step.Key()]);
+        } else {
+            ZoneRecords::PutBack(step.after->row);
+        }
+    }
+    transaction.Commit();
+}
