@@ -44,7 +44,7 @@ protected:
             look(form_->Form());
             Leave();
         }
-        vsFlexGrid list;
+        ResourceList list;
         frm3SRMasterAdd dialog(list, manager_.frame);
         dialog.show();
         QApplication::processEvents();

@@ -27,7 +27,8 @@ protected:
             resource.shortName = QStringLiteral("S%1").arg(i);
             resource.units = QStringLiteral("days");
             resource.cost = static_cast<float>(i * 100);
-            resource.key = ResourceRecords::Add(resource, QStringLiteral("time"));
+            resource.unitType = QStringLiteral("time");
+            resource.key = ResourceRecords::Add(resource);
             resource.sequence = i;
             ResourceRecords::Save(resource);
         }
@@ -163,8 +164,7 @@ TEST_F(ResourcesTest, EditedCells_AreStoredWhenLeaving) {
 
 TEST_F(ResourcesTest, UnchangedRecord_IsNotRewritten) {
     AddResources(1);
-    Resource resource{1,  1, QStringLiteral("R1"), QStringLiteral("S1"), QStringLiteral("days"),
-                      100};
+    Resource resource = ResourceRecords::All().front();
     EXPECT_FALSE(ResourceRecords::Save(resource));
     resource.longName = QStringLiteral("r1");
     EXPECT_TRUE(ResourceRecords::Save(resource)) << "letter case counts";
@@ -198,16 +198,86 @@ TEST_F(ResourcesTest, DeleteDeclined_ChangesNothing) {
     EXPECT_EQ(tblSRMasterList->RecordCount(), 2);
 }
 
-TEST_F(ResourcesTest, DeletingTheOnlyResource_LeavesTheHeaderOnly) {
+TEST_F(ResourcesTest, DeletingTheOnlyResource_LeavesTheHeaderOnlyAndNothingToDelete) {
     AddResources(1);
     Load<frm3SRMaster>();
     support::Answers answers({QMessageBox::Yes});
     ClickButton("cmdDelete");
     EXPECT_EQ(Grid("grdMasterList").Rows(), 1);
+    EXPECT_FALSE(Find<QAbstractButton>("cmdDelete").isEnabled());
     ClickButton("cmdDelete");
     EXPECT_EQ(answers.Messages().size(), 1U) << "nothing left to ask about";
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(Find<QAbstractButton>("cmdDelete").isEnabled());
+    EXPECT_EQ(ShownNames(), QStringList{"R1"});
+    EXPECT_EQ(StoredNames(), QStringList{"R1"});
     Leave();
     EXPECT_TRUE(errors_.empty());
+}
+
+TEST_F(ResourcesTest, DeletePressedWithATypedNumberOpen_AsksAboutThatRow) {
+    AddResources(4);
+    Load<frm3SRMaster>();
+    ClickCell(Grid("grdMasterList"), 3, 0);
+    Type(QStringLiteral("1"));
+    support::Answers answers({QMessageBox::Yes});
+    ClickButton("cmdDelete");
+    EXPECT_EQ(answers.Texts(), QStringList{"Do you really want to delete R3"});
+    EXPECT_EQ(ShownNames(), (QStringList{"R1", "R2", "R4"}));
+}
+
+TEST_F(ResourcesTest, MovedRow_StaysCurrent) {
+    AddResources(5);
+    Load<frm3SRMaster>();
+    vsFlexGrid& grid = Grid("grdMasterList");
+    ClickCell(grid, 4, 0);
+    Type(QStringLiteral("2"));
+    grid.FinishEdit();
+    EXPECT_EQ(grid.Row(), 2);
+    EXPECT_EQ(grid.TextMatrix(2, 1), QStringLiteral("R4"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(ShownNames(), (QStringList{"R1", "R2", "R3", "R4", "R5"}));
+    Press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(ShownNames(), (QStringList{"R1", "R4", "R2", "R3", "R5"}));
+    EXPECT_EQ(StoredNames(), ShownNames());
+}
+
+TEST_F(ResourcesTest, CostReadAsAnotherNumber_ShowsTheStoredOneAndIsTold) {
+    AddResources(1);
+    Load<frm3SRMaster>();
+    Enter(Grid("grdMasterList"), 1, 4, QStringLiteral("1,450"));
+    EXPECT_EQ(Grid("grdMasterList").DisplayText(1, 4), QStringLiteral("$1"));
+    EXPECT_EQ(Find<QLabel>("lblNote").text(),
+              QStringLiteral("R1, Cost: '1,450' was read as 1. Type 1450."));
+    EXPECT_TRUE(Find<QLabel>("lblNote").isVisible());
+}
+
+TEST_F(ResourcesTest, CostWithCents_IsShownRoundedUpAtTheHalf) {
+    AddResources(1);
+    Resource resource = ResourceRecords::All().front();
+    resource.cost = 2.5F;
+    ResourceRecords::Save(resource);
+    Load<frm3SRMaster>();
+    EXPECT_EQ(Grid("grdMasterList").DisplayText(1, 4), QStringLiteral("$3"));
+    EXPECT_EQ(Grid("grdMasterList").TextMatrix(1, 4), QStringLiteral("2.5"));
+}
+
+TEST_F(ResourcesTest, SourceOfData_IsTakenBackVisitByVisit) {
+    Load<frm3SRMaster>();
+    Find<QLineEdit>("txtSource").setFocus();
+    Type(QStringLiteral("Budget"));
+    Grid("grdMasterList").setFocus();
+    Find<QLineEdit>("txtSource").setFocus();
+    Press(Qt::Key_End);
+    Type(QStringLiteral(" office"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Find<QLineEdit>("txtSource").text(), QStringLiteral("Budget"));
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("SRDataSource")),
+              QStringLiteral("Budget"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Find<QLineEdit>("txtSource").text(), QString());
+    Press(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(Find<QLineEdit>("txtSource").text(), QStringLiteral("Budget"));
 }
 
 TEST_F(ResourcesTest, DeletingARowThatIsGone_OnlyWarns) {
@@ -297,6 +367,40 @@ TEST_F(ResourcesTest, Dialog_TakesOnlyDigitsForCostAndPosition) {
     });
 }
 
+TEST_F(ResourcesTest, Dialog_TellsOfAKeyThatItDiscards) {
+    Load<frm3SRMaster>();
+    InDialog([](QWidget& dialog) {
+        auto* cue = dialog.findChild<QLabel*>(QStringLiteral("lblCostCue"));
+        ASSERT_NE(cue, nullptr);
+        QTest::keyClicks(&Box(dialog, "txtCost"), QStringLiteral("1450"));
+        EXPECT_FALSE(cue->isVisible());
+        QTest::keyClicks(&Box(dialog, "txtCost"), QStringLiteral("."));
+        EXPECT_TRUE(cue->isVisible());
+        EXPECT_EQ(cue->text(), QStringLiteral("whole dollars, digits only"));
+        EXPECT_EQ(Box(dialog, "txtCost").accessibleDescription(), cue->text());
+        EXPECT_EQ(Box(dialog, "txtCost").text(), QStringLiteral("1450"));
+    });
+    const QStringList trace = folder_.Trace();
+    EXPECT_EQ(Count(trace, QStringLiteral("frm3SRMasterAdd.txtCost_KeyPress")), 5);
+    EXPECT_GE(Count(trace, QStringLiteral("frm3SRMasterAdd.EnableOK")), 4);
+}
+
+TEST_F(ResourcesTest, AddedResource_IsTakenBackAndRepeated) {
+    AddResources(2);
+    Load<frm3SRMaster>();
+    InDialog([](QWidget& dialog) {
+        FillDialog(dialog, QStringLiteral("New"));
+        Button(dialog, "cmdOK").click();
+    });
+    EXPECT_EQ(ShownNames(), (QStringList{"R1", "New", "R2"}));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(ShownNames(), (QStringList{"R1", "R2"}));
+    EXPECT_EQ(StoredNames(), ShownNames());
+    Press(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(ShownNames(), (QStringList{"R1", "New", "R2"}));
+    EXPECT_EQ(StoredNames(), ShownNames());
+}
+
 TEST_F(ResourcesTest, DialogOK_AddsTheRecordBelowTheSelectedRow) {
     AddResources(3);
     Load<frm3SRMaster>();
@@ -316,7 +420,7 @@ TEST_F(ResourcesTest, DialogOK_AddsTheRecordBelowTheSelectedRow) {
     EXPECT_EQ(tblSRMasterList->Text(QStringLiteral("LongName")), QStringLiteral("New"));
     EXPECT_EQ(tblSRMasterList->Text(QStringLiteral("UnitType")), QStringLiteral("item"));
     EXPECT_EQ(tblSRMasterList->Single(QStringLiteral("Cost")), 250);
-    EXPECT_TRUE(tblSRMasterList->IsNull(QStringLiteral("Sequence"))) << "written by the list";
+    EXPECT_EQ(tblSRMasterList->Long(QStringLiteral("Sequence")), 3) << "with the record";
     Leave();
     EXPECT_EQ(StoredNames(), (QStringList{"R1", "R2", "New", "R3"}));
 }

@@ -9,35 +9,91 @@ using FieldReaders::SingleField;
 using FieldReaders::TextField;
 using PrepDatatables::tblSRMasterList;
 
+namespace ResourceRecords {
+
 namespace {
+
+// The records in the order of their sequence; all look-ups seek by key.
+class SequenceScope {
+public:
+    SequenceScope() { tblSRMasterList->SetIndex(FieldNames::kSequence); }
+    ~SequenceScope() {
+        try {
+            tblSRMasterList->SetIndex(FieldNames::kPrimaryKey);
+        } catch (const platform::RuntimeError&) {
+            // The next look-up fails and is told.
+        }
+    }
+    SequenceScope(const SequenceScope&) = delete;
+    SequenceScope& operator=(const SequenceScope&) = delete;
+};
+
+Resource Current() {
+    Resource resource;
+    resource.key = LongField(*tblSRMasterList, FieldNames::kKey);
+    if (!tblSRMasterList->IsNull(FieldNames::kSequence)) {
+        resource.sequence = LongField(*tblSRMasterList, FieldNames::kSequence);
+    }
+    resource.longName = TextField(*tblSRMasterList, FieldNames::kLongName);
+    resource.shortName = TextField(*tblSRMasterList, FieldNames::kShortName);
+    resource.units = TextField(*tblSRMasterList, FieldNames::kUnits);
+    resource.unitType = TextField(*tblSRMasterList, FieldNames::kUnitType);
+    if (!tblSRMasterList->IsNull(FieldNames::kCost)) {
+        resource.cost = SingleField(*tblSRMasterList, FieldNames::kCost);
+    }
+    return resource;
+}
 
 // Compares the current record, stopping at the first difference.
 bool Differs(const Resource& resource) {
-    return LongField(*tblSRMasterList, FieldNames::kSequence) != resource.sequence ||
+    return LongField(*tblSRMasterList, FieldNames::kSequence) != resource.sequence.value_or(0) ||
            TextField(*tblSRMasterList, FieldNames::kLongName) != resource.longName ||
            TextField(*tblSRMasterList, FieldNames::kShortName) != resource.shortName ||
            TextField(*tblSRMasterList, FieldNames::kUnits) != resource.units ||
-           SingleField(*tblSRMasterList, FieldNames::kCost) != resource.cost;
+           SingleField(*tblSRMasterList, FieldNames::kCost) != resource.cost.value_or(0);
+}
+
+QVariant OrNull(const auto& number) {
+    return number ? QVariant(*number) : QVariant();
 }
 
 void SetTextsAndCost(const Resource& resource) {
     tblSRMasterList->SetField(FieldNames::kLongName, resource.longName);
     tblSRMasterList->SetField(FieldNames::kShortName, resource.shortName);
     tblSRMasterList->SetField(FieldNames::kUnits, resource.units);
-    tblSRMasterList->SetField(FieldNames::kCost, resource.cost);
+    tblSRMasterList->SetField(FieldNames::kCost, OrNull(resource.cost));
 }
 
 }  // namespace
 
-namespace ResourceRecords {
+std::vector<Resource> All() {
+    std::vector<Resource> resources;
+    if (tblSRMasterList->RecordCount() == 0) {
+        return resources;
+    }
+    const SequenceScope inSequence;
+    for (tblSRMasterList->MoveFirst(); !tblSRMasterList->EndOfFile(); tblSRMasterList->MoveNext()) {
+        resources.push_back(Current());
+    }
+    return resources;
+}
 
-std::int32_t Add(const Resource& resource, const QString& unitType) {
+std::int32_t Add(const Resource& resource) {
     tblSRMasterList->AddNew();
     SetTextsAndCost(resource);
-    tblSRMasterList->SetField(FieldNames::kUnitType, unitType);
+    tblSRMasterList->SetField(FieldNames::kUnitType, resource.unitType);
     tblSRMasterList->Update();
     tblSRMasterList->MoveLast();
     return tblSRMasterList->Long(FieldNames::kKey);
+}
+
+void Restore(const Resource& resource) {
+    tblSRMasterList->AddNew();
+    tblSRMasterList->SetField(FieldNames::kKey, resource.key);
+    tblSRMasterList->SetField(FieldNames::kSequence, OrNull(resource.sequence));
+    SetTextsAndCost(resource);
+    tblSRMasterList->SetField(FieldNames::kUnitType, resource.unitType);
+    tblSRMasterList->Update();
 }
 
 bool Save(const Resource& resource) {
@@ -46,19 +102,31 @@ bool Save(const Resource& resource) {
         return false;
     }
     tblSRMasterList->Edit();
-    tblSRMasterList->SetField(FieldNames::kSequence, resource.sequence);
+    tblSRMasterList->SetField(FieldNames::kSequence, OrNull(resource.sequence));
     SetTextsAndCost(resource);
     tblSRMasterList->Update();
     return true;
 }
 
-bool Delete(std::int32_t key) {
-    tblSRMasterList->Seek("=", {key});
-    if (tblSRMasterList->NoMatch()) {
-        return false;
+void SaveSequence(const Resource& resource) {
+    tblSRMasterList->Seek("=", {resource.key});
+    if (tblSRMasterList->NoMatch() || !resource.sequence ||
+        LongField(*tblSRMasterList, FieldNames::kSequence) == *resource.sequence) {
+        return;
     }
+    tblSRMasterList->Edit();
+    tblSRMasterList->SetField(FieldNames::kSequence, *resource.sequence);
+    tblSRMasterList->Update();
+}
+
+bool Exists(std::int32_t key) {
+    tblSRMasterList->Seek("=", {key});
+    return !tblSRMasterList->NoMatch();
+}
+
+void Delete(std::int32_t key) {
+    tblSRMasterList->Seek("=", {key});
     tblSRMasterList->Delete();
-    return true;
 }
 
 }  // namespace ResourceRecords

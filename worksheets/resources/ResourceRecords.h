@@ -1,30 +1,46 @@
-// A resource as a row of the grid has it, and its record in "SRMasterList".
+// A suppression resource and its record in "SRMasterList".
+//
+// Each function here belongs into one transaction, which its caller begins and commits.
 #pragma once
 
 #include <QString>
 
 #include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "platform/RuntimeError.h"
 
 struct Resource {
     std::int32_t key = 0;
-    std::int32_t sequence = 0;
+    // The number in front of it; a list need not be numbered from 1 on. Nothing for an empty field.
+    std::optional<std::int32_t> sequence;
     QString longName;
     QString shortName;
     QString units;
-    float cost = 0;
+    QString unitType;           // "time" or "item"; chosen when it is added, never changed
+    std::optional<float> cost;  // dollars per unit
+    bool operator==(const Resource&) const = default;
 };
 
 namespace ResourceRecords {
 
-// Adds a resource with its way of measuring costs ("time" or "item") and gives its key. Its place
-// in the list is not written here: the list does that when it is saved.
-std::int32_t Add(const Resource& resource, const QString& unitType);
+// All resources in the order of their sequence.
+std::vector<Resource> All();
 
-// Writes the record when it differs from `resource`; true when it did. No current record (3021)
-// when there is none with this key.
+// Adds a resource without its sequence, which the list writes, and gives its key.
+std::int32_t Add(const Resource& resource);
+// Puts a resource back under its former key, with all its fields.
+void Restore(const Resource& resource);
+
+// Writes the record's five fields when one of them differs; true when it did. No current record
+// (3021) when there is none with this key.
 bool Save(const Resource& resource);
+// Writes the sequence alone. A record that is not there is passed over.
+void SaveSequence(const Resource& resource);
 
-// Deletes the record; false when there is none with this key.
-bool Delete(std::int32_t key);
+[[nodiscard]] bool Exists(std::int32_t key);
+// No current record (3021) when there is none with this key.
+void Delete(std::int32_t key);
 
 }  // namespace ResourceRecords

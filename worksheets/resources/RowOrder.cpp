@@ -29,18 +29,4 @@ int NewPlace(const QString& text, int count) {
     return Held(platform::Val(text), count + 1);
 }
 
-void Move(std::vector<int>& numbers, int from, int to) {
-    const auto at = [&numbers](int row) -> int& { return numbers.at(std::size_t(row - 1)); };
-    if (from >= to) {
-        for (int row = to; row < from; ++row) {
-            at(row) = row + 1;
-        }
-    } else {
-        for (int row = from + 1; row <= to; ++row) {
-            at(row) = row - 1;
-        }
-    }
-    at(from) = to;
-}
-
 }  // namespace RowOrder

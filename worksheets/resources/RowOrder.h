@@ -1,11 +1,9 @@
-// The numbers 1 to N in front of the rows of a list: reading a typed one and moving rows about,
-// without a window.
+// The numbers 1 to N in front of the rows of a list: the row that a typed one stands for.
 #pragma once
 
 #include <QString>
 
 #include <optional>
-#include <vector>
 
 namespace RowOrder {
 
@@ -16,9 +14,5 @@ namespace RowOrder {
 // The place for a new row in a list of `count` rows, held within 1 to `count` + 1: the text's
 // leading number, rounded in the same way.
 [[nodiscard]] int NewPlace(const QString& text, int count);
-
-// Renumbers a list in which the row at `from` is to stand at `to` (both counted from 1): that row
-// gets the number `to`, those that it passes move by one. Sorting by the numbers then moves it.
-void Move(std::vector<int>& numbers, int from, int to);
 
 }  // namespace RowOrder

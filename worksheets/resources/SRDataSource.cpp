@@ -1,6 +1,7 @@
 #include "worksheets/resources/SRDataSource.h"
 
 #include "datafile/PrepProperties.h"
+#include "shell/u91Trace.h"
 
 namespace {
 
@@ -9,6 +10,7 @@ const QString kProperty = QStringLiteral("SRDataSource");
 }  // namespace
 
 const QString& SRDataSource::Get() {
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.SRDataSource Get"));
     if (value_.isEmpty() && !changed_) {
         value_ = PrepProperties::GetProperty(kProperty);
     }
@@ -16,11 +18,13 @@ const QString& SRDataSource::Get() {
 }
 
 void SRDataSource::Let(const QString& value) {
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.SRDataSource Let"));
     value_ = value;
     changed_ = true;
 }
 
 void SRDataSource::Save() {
+    u91Trace::Procedure(QStringLiteral("frm3SRMaster.SRDataSource Save"));
     if (changed_) {
         PrepProperties::SetProperty(kProperty, value_);
         changed_ = false;

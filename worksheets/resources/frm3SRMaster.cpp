@@ -1,5 +1,6 @@
 #include "worksheets/resources/frm3SRMaster.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -8,13 +9,11 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
-#include "datafile/FieldNames.h"
 #include "datafile/PrepDatafile.h"
-#include "datafile/PrepDatatables.h"
 #include "platform/EventTrap.h"
 #include "platform/FirstError.h"
-#include "platform/RuntimeError.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/RunModal.h"
 #include "platform/text/Numbers.h"
@@ -22,25 +21,22 @@
 #include "shell/u91Trace.h"
 #include "shell/u92Utilities.h"
 #include "worksheets/GridParts.h"
-#include "worksheets/resources/ResourceColumns.h"
-#include "worksheets/resources/ResourceRecords.h"
-#include "worksheets/resources/RowOrder.h"
+#include "worksheets/MissingRows.h"
+#include "worksheets/NoteLine.h"
 #include "worksheets/resources/frm3SRMasterAdd.h"
 
 using platform::EventTrap::Trapped;
-using PrepDatatables::tblSRMasterList;
-using namespace ResourceColumns;
 
 namespace {
 
 constexpr int kSourceLength = 255;
 constexpr int kHelpContextId = 30;
-
-QString CostText() {
-    return tblSRMasterList->IsNull(FieldNames::kCost)
-               ? QString()
-               : platform::Str(tblSRMasterList->Single(FieldNames::kCost));
-}
+constexpr int kNumber = ResourceList::kNumber;
+constexpr int kName = ResourceList::kName;
+constexpr int kShortName = ResourceList::kShortName;
+constexpr int kUnits = ResourceList::kUnits;
+constexpr int kCost = ResourceList::kCost;
+constexpr int kKey = ResourceList::kKey;
 
 }  // namespace
 
@@ -52,6 +48,11 @@ frm3SRMaster::frm3SRMaster(WorksheetHost& host, QWidget* parent)
                      .id = "SRM",
                      .helpContextId = kHelpContextId}) {
     Build();
+    ConnectHandlers();
+    Listen();
+}
+
+void frm3SRMaster::ConnectHandlers() {
     connect(grdMasterList_, &vsFlexGrid::EnterCell, this,
             Trapped("frm3SRMaster.grdMasterList_EnterCell", [this] { grdMasterList_EnterCell(); }));
     connect(grdMasterList_, &vsFlexGrid::BeforeEdit, this,
@@ -59,7 +60,7 @@ frm3SRMaster::frm3SRMaster(WorksheetHost& host, QWidget* parent)
                     [this](int row, int col, bool*) { grdMasterList_BeforeEdit(row, col); }));
     connect(grdMasterList_, &vsFlexGrid::AfterEdit, this,
             Trapped("frm3SRMaster.grdMasterList_AfterEdit",
-                    [this](int row, int col) { grdMasterList_AfterEdit(row, col); }));
+                    [this](int /*row*/, int /*col*/) { grdMasterList_AfterEdit(); }));
     connect(
         txtSource_, &QLineEdit::textChanged, this,
         Trapped("frm3SRMaster.txtSource_Change", [this](const QString&) { txtSource_Change(); }));
@@ -86,7 +87,10 @@ void frm3SRMaster::Build() {
     PageParts::Name(*cmdAdd_, "cmdAdd", tr("Add a resource"));
     cmdDelete_ = new QPushButton(tr("&Delete Item"), this);
     PageParts::Name(*cmdDelete_, "cmdDelete", tr("Delete the resource"));
+    note_ = new NoteLine(*grdMasterList_, this);
     Body().addWidget(grdMasterList_, 1);
+    GridParts::KeepPlace(*note_);
+    Body().addWidget(note_);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdAdd_);
     buttons->addWidget(cmdDelete_);
@@ -101,6 +105,7 @@ void frm3SRMaster::BuildSource() {
     txtSource_->setMaxLength(kSourceLength);
     PageParts::Name(*txtSource_, "txtSource", tr("Source of data"));
     lblSource->setBuddy(txtSource_);
+    txtSource_->installEventFilter(this);
     auto* source = new QHBoxLayout;
     source->addWidget(lblSource);
     source->addWidget(txtSource_, 1);
@@ -131,18 +136,17 @@ void frm3SRMaster::FormatGrid() {
     grdMasterList_->SetFormatString(
         tr("#  |Name                                                |Short Name        |Units     "
            "            |Cost                  |"));
-    grdMasterList_->SetRows(1);
+    grdMasterList_->SetTable(&resources_);
     struct Column {
         int col = 0;
         int twips = 0;
         Qt::Alignment alignment;
     };
-    const std::array<Column, kVisible> columns{
-        {{kNumber, 480, Qt::AlignCenter},
-         {kName, 3600, Qt::AlignLeft | Qt::AlignVCenter},
-         {kShortName, 1500, Qt::AlignLeft | Qt::AlignVCenter},
-         {kUnits, 900, Qt::AlignCenter},
-         {kCost, 1320, Qt::AlignRight | Qt::AlignVCenter}}};
+    const std::array<Column, kKey> columns{{{kNumber, 480, Qt::AlignCenter},
+                                            {kName, 3600, Qt::AlignLeft | Qt::AlignVCenter},
+                                            {kShortName, 1500, Qt::AlignLeft | Qt::AlignVCenter},
+                                            {kUnits, 900, Qt::AlignCenter},
+                                            {kCost, 1320, Qt::AlignRight | Qt::AlignVCenter}}};
     for (const Column& column : columns) {
         grdMasterList_->SetColWidth(column.col, column.twips);
         grdMasterList_->SetColAlignment(column.col, column.alignment);
@@ -150,7 +154,8 @@ void frm3SRMaster::FormatGrid() {
     }
     grdMasterList_->SetColDataType(kNumber, vsFlexGrid::DataType::kLong);
     grdMasterList_->SetColFormat(kNumber, QStringLiteral("#"));
-    grdMasterList_->SetColDataType(kCost, vsFlexGrid::DataType::kLong);
+    // Whole dollars on the screen only: a cost that has cents keeps them.
+    grdMasterList_->SetColDataType(kCost, vsFlexGrid::DataType::kCurrency);
     grdMasterList_->SetColFormat(kCost, QStringLiteral("$#,0"));
     grdMasterList_->SetColHidden(kKey, true);
     grdMasterList_->SetRowNameColumn(kName);
@@ -158,34 +163,51 @@ void frm3SRMaster::FormatGrid() {
 
 void frm3SRMaster::LoadGrid() {
     u91Trace::Procedure(QStringLiteral("frm3SRMaster.LoadGrid"));
-    const std::int32_t records = tblSRMasterList->RecordCount();
-    grdMasterList_->SetRows(records + 1);
-    if (records == 0) {
-        return;
-    }
-    tblSRMasterList->SetIndex(QStringLiteral("Sequence"));
-    try {
-        int row = 1;
-        for (tblSRMasterList->MoveFirst(); !tblSRMasterList->EndOfFile() && row <= records;
-             tblSRMasterList->MoveNext(), ++row) {
-            LoadRow(row);
-        }
-        grdMasterList_->SetRows(row);
-    } catch (...) {
-        // All later look-ups seek by key.
-        tblSRMasterList->SetIndex(FieldNames::kPrimaryKey);
-        throw;
-    }
-    tblSRMasterList->SetIndex(FieldNames::kPrimaryKey);
+    resources_.Load();
+    grdMasterList_->Refresh();
+    EnableDelete();
 }
 
-void frm3SRMaster::LoadRow(int row) {
-    grdMasterList_->SetTextMatrix(row, kNumber, tblSRMasterList->Text(FieldNames::kSequence));
-    grdMasterList_->SetTextMatrix(row, kName, tblSRMasterList->Text(FieldNames::kLongName));
-    grdMasterList_->SetTextMatrix(row, kShortName, tblSRMasterList->Text(FieldNames::kShortName));
-    grdMasterList_->SetTextMatrix(row, kUnits, tblSRMasterList->Text(FieldNames::kUnits));
-    grdMasterList_->SetTextMatrix(row, kCost, CostText());
-    grdMasterList_->SetTextMatrix(row, kKey, tblSRMasterList->Text(FieldNames::kKey));
+void frm3SRMaster::EnableDelete() {
+    cmdDelete_->setEnabled(resources_.RowCount() > 0);
+}
+
+void frm3SRMaster::Listen() {
+    resources_.SetMover([this](int from, int to) { MoveRow(from, to); });
+    resources_.SetDropListener([this] { grdMasterList_->Refresh(); });
+    resources_.SetListener(
+        [this](const QString& name, const auto& change) { DoneInList(name, change); });
+}
+
+// What an action did is known by the resources' keys: the form that takes it back may be another.
+void frm3SRMaster::DoneInList(const QString& name,
+                              const std::shared_ptr<ResourceList::Change>& change) {
+    EnableDelete();
+    Did<frm3SRMaster>(
+        name,
+        [change](frm3SRMaster& form) {
+            form.resources_.TakeBack(*change);
+            form.ShowChange(change->Reversed());
+        },
+        [change](frm3SRMaster& form) {
+            form.resources_.Repeat(*change);
+            form.ShowChange(*change);
+        });
+}
+
+// Makes the first row current that is not as it was.
+void frm3SRMaster::ShowChange(const ResourceList::Change& change) {
+    const int col = std::max(grdMasterList_->Col(), 0);
+    grdMasterList_->Refresh();
+    EnableDelete();
+    if (const auto row = change.FirstPlace(); row && resources_.RowCount() > 0) {
+        grdMasterList_->Select(std::min(static_cast<int>(*row) + 1, resources_.RowCount()), col);
+    }
+}
+
+void frm3SRMaster::EndOpenEdit() {
+    grdMasterList_->FinishEdit();
+    EndTypingSource();
 }
 
 void frm3SRMaster::grdMasterList_EnterCell() {
@@ -193,123 +215,115 @@ void frm3SRMaster::grdMasterList_EnterCell() {
     grdMasterList_->EditCell();
 }
 
-void frm3SRMaster::grdMasterList_BeforeEdit(int row, int col) {
+void frm3SRMaster::grdMasterList_BeforeEdit(int /*row*/, int col) {
     u91Trace::Procedure(QStringLiteral("frm3SRMaster.grdMasterList_BeforeEdit"));
-    static constexpr std::array<int, kVisible> kLengths{4, 50, 20, 10, 5};
-    if (col < kVisible) {
-        grdMasterList_->SetEditMaxLength(kLengths[std::size_t(col)]);
-    }
-    textBeforeEdit_ = grdMasterList_->TextMatrix(row, col);
+    grdMasterList_->SetEditMaxLength(resources_.MaxLength(col));
 }
 
-void frm3SRMaster::grdMasterList_AfterEdit(int row, int col) {
+// The list has taken the text, and moves the row when the action ends.
+void frm3SRMaster::grdMasterList_AfterEdit() {
     u91Trace::Procedure(QStringLiteral("frm3SRMaster.grdMasterList_AfterEdit"));
-    if (col == kCost) {
-        RequireCost(row);
-    }
-    if (col != kNumber || grdMasterList_->TextMatrix(row, kNumber) == textBeforeEdit_) {
-        return;
-    }
-    const std::optional<int> place =
-        RowOrder::Place(grdMasterList_->TextMatrix(row, kNumber), grdMasterList_->Rows() - 1);
-    grdMasterList_->SetTextMatrix(row, kNumber, place ? QString::number(*place) : textBeforeEdit_);
-    if (place && *place != row) {
-        MoveRow(row, *place);
-    }
-}
-
-// A number that is too large to be stored does not stay on the screen.
-void frm3SRMaster::RequireCost(int row) {
-    const QString text = grdMasterList_->TextMatrix(row, kCost);
-    try {
-        (void)platform::ToSingle(platform::Val(text));
-    } catch (const platform::RuntimeError& error) {
-        grdMasterList_->SetTextMatrix(row, kCost, textBeforeEdit_);
-        throw platform::RuntimeError(error.Number(),
-                                     tr("The number \"%1\" is too large.").arg(text));
-    }
 }
 
 void frm3SRMaster::MoveRow(int from, int to) {
     u91Trace::Procedure(QStringLiteral("MoveRow"));
-    std::vector<int> numbers;
-    for (int row = 1; row < grdMasterList_->Rows(); ++row) {
-        numbers.push_back(Number(row));
-    }
-    RowOrder::Move(numbers, from, to);
-    for (int row = std::min(from, to); row <= std::max(from, to); ++row) {
-        grdMasterList_->SetTextMatrix(row, kNumber, QString::number(numbers[std::size_t(row - 1)]));
-    }
-    grdMasterList_->SortNumericAscending(kNumber);
-}
-
-std::int32_t frm3SRMaster::Number(int row) const {
-    return platform::CLng(grdMasterList_->ValueMatrix(row, kNumber));
+    resources_.MoveRow(from, to);
+    grdMasterList_->RowMoved(from, to);
 }
 
 void frm3SRMaster::txtSource_Change() {
     u91Trace::Procedure(QStringLiteral("frm3SRMaster.txtSource_Change"));
     if (UIMode::NotBusy()) {
+        if (!sourceBefore_) {
+            sourceBefore_ = source_.Get();
+        }
         source_.Let(txtSource_->text());
     }
+}
+
+// What was typed into the box is one action, from its first change until the box is left.
+void frm3SRMaster::EndTypingSource() {
+    const std::optional<QString> before = std::exchange(sourceBefore_, std::nullopt);
+    const QString after = txtSource_->text();
+    if (before && *before != after) {
+        Did<frm3SRMaster>(
+            tr("Typing"), [text = *before](frm3SRMaster& form) { form.PutSource(text); },
+            [text = after](frm3SRMaster& form) { form.PutSource(text); });
+    }
+}
+
+// Screen and file get the same.
+void frm3SRMaster::PutSource(const QString& text) {
+    source_.Let(text);
+    source_.Save();
+    {
+        const BusyScope busy;
+        txtSource_->setText(text);
+    }
+    txtSource_->setFocus();
+}
+
+bool frm3SRMaster::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == txtSource_ && event->type() == QEvent::FocusOut) {
+        platform::EventTrap::Run("frm3SRMaster.EndTypingSource", [this] { EndTypingSource(); });
+    }
+    return WorksheetPage::eventFilter(watched, event);
 }
 
 void frm3SRMaster::cmdAdd_Click() {
     u91Trace::Procedure(QStringLiteral("cmdAdd_Click"));
     grdMasterList_->FinishEdit();
-    frm3SRMasterAdd dialog(*grdMasterList_, Host().Frame());
+    frm3SRMasterAdd dialog(resources_, Host().Frame());
     dialog.SetPosition(grdMasterList_->Row() + 1);
     platform::RunModal(dialog);
+    if (const std::optional<int> row = dialog.AddedRow()) {
+        grdMasterList_->Refresh();
+        EnableDelete();
+        grdMasterList_->Select(*row, kName);
+    }
     dialog.Unload();
 }
 
+// Asks about the resource that was current when the button was pressed: the end of an open edit may
+// move it.
 void frm3SRMaster::cmdDelete_Click() {
     u91Trace::Procedure(QStringLiteral("cmdDelete_Click"));
+    const int current = grdMasterList_->Row();
+    if (current < 1 || current > resources_.RowCount()) {
+        return;
+    }
+    const std::int32_t key = resources_.At(current).key;
     grdMasterList_->FinishEdit();
-    const int row = grdMasterList_->Row();
-    if (row < grdMasterList_->FixedRows()) {
+    const int row = resources_.RowOf(key).value_or(current);
+    if (!u92Utilities::ConfirmDelete(resources_.At(row).longName)) {
         return;
     }
-    if (!u92Utilities::ConfirmDelete(grdMasterList_->TextMatrix(row, kName))) {
+    if (!resources_.Delete(tr("Delete Item"), row)) {
+        u91Trace::Warning(QStringLiteral("tblSRMasterList.NoMatch ") + platform::Str(key));
         return;
     }
-    const QString key = grdMasterList_->TextMatrix(row, kKey);
-    if (!ResourceRecords::Delete(platform::CLng(platform::Val(key)))) {
-        u91Trace::Warning(QStringLiteral("tblSRMasterList.NoMatch ") + key);
-        return;
-    }
-    grdMasterList_->RemoveItem(row);
-    for (int number = 1; number < grdMasterList_->Rows(); ++number) {
-        grdMasterList_->SetTextMatrix(number, kNumber, QString::number(number));
-    }
+    grdMasterList_->RowRemoved(row);
+    grdMasterList_->Refresh();
+    EnableDelete();
 }
 
 void frm3SRMaster::SaveChanges() {
     u91Trace::Procedure(QStringLiteral("frm3SRMaster.SaveChanges"));
     grdMasterList_->FinishEdit();
+    EndTypingSource();
     source_.Save();
 }
 
 void frm3SRMaster::UpdateTable() {
     u91Trace::Procedure(QStringLiteral("UpdateTable"));
     grdMasterList_->FinishEdit();
-    platform::FirstError refused;
-    for (int row = 1; row < grdMasterList_->Rows(); ++row) {
-        refused.Try([&] { SaveRow(row); });
-    }
-    refused.Rethrow();
+    MissingRows::Told("frm3SRMaster.UpdateTable",
+                      [this] { resources_.Save([this](int row) { SaveRow(row); }); });
 }
 
 void frm3SRMaster::SaveRow(int row) {
     u91Trace::Procedure(QStringLiteral("frm3SRMaster.SaveRow"));
-    Resource resource;
-    resource.key = platform::CLng(grdMasterList_->ValueMatrix(row, kKey));
-    resource.sequence = Number(row);
-    resource.longName = grdMasterList_->TextMatrix(row, kName);
-    resource.shortName = grdMasterList_->TextMatrix(row, kShortName);
-    resource.units = grdMasterList_->TextMatrix(row, kUnits);
-    resource.cost = platform::ToSingle(grdMasterList_->ValueMatrix(row, kCost));
-    ResourceRecords::Save(resource);
+    resources_.SaveRow(row);
 }
 
 void frm3SRMaster::Save() {

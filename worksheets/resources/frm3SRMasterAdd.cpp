@@ -11,21 +11,19 @@
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/ScrolledPage.h"
-#include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/help/HelpViewer.h"
 #include "platform/system/Host.h"
 #include "platform/text/Numbers.h"
 #include "shell/u91Trace.h"
+#include "worksheets/MomentLabel.h"
 #include "worksheets/TextBox.h"
 #include "worksheets/WorksheetPage.h"
 #include "worksheets/resources/KeyFilters.h"
-#include "worksheets/resources/ResourceColumns.h"
-#include "worksheets/resources/ResourceRecords.h"
+#include "worksheets/resources/ResourceList.h"
 #include "worksheets/resources/RowOrder.h"
 
 using platform::EventTrap::Trapped;
-using namespace ResourceColumns;
 
 namespace {
 
@@ -41,9 +39,21 @@ std::optional<float> CostFromText(const QString& text) {
     }
 }
 
+// What else is typed is discarded and told, so that 1450.75 does not become 145075 unnoticed.
+bool TakeDigit(const char* handler, const QString& typed, MomentLabel& cue) {
+    platform::EventTrap::Run(handler,
+                             [handler] { u91Trace::Procedure(QString::fromLatin1(handler)); });
+    const bool takes = KeyFilters::TakesDigits(typed);
+    if (!takes) {
+        cue.ShowForAMoment();
+    }
+    return takes;
+}
+
 }  // namespace
 
-frm3SRMasterAdd::frm3SRMasterAdd(vsFlexGrid& list, QWidget& frame) : QDialog(&frame), list_(list) {
+frm3SRMasterAdd::frm3SRMasterAdd(ResourceList& list, QWidget& frame)
+    : QDialog(&frame), list_(list) {
     u91Trace::FormLoad(QStringLiteral("frm3SRMasterAdd"));
     setObjectName(QStringLiteral("frm3SRMasterAdd"));
     setWindowTitle(tr("Add Suppression Resource"));
@@ -81,6 +91,10 @@ void frm3SRMasterAdd::BuildTexts(QGridLayout& rows) {
                    5, 2);
     txtCost_ = AddBox(rows, 6, "txtCost", tr("Cost  $"), 5);
     txtPosition_ = AddBox(rows, 7, "txtPosition", tr("Position in List"), 4);
+    lblCostCue_ = new MomentLabel("lblCostCue", tr("whole dollars, digits only"), *txtCost_, this);
+    rows.addWidget(lblCostCue_, 6, 2);
+    lblPositionCue_ = new MomentLabel("lblPositionCue", tr("digits only"), *txtPosition_, this);
+    rows.addWidget(lblPositionCue_, 7, 2);
     for (TextBox* box : {txtShortName_, txtUnits_, txtCost_, txtPosition_}) {
         box->setMinimumWidth(kNarrowBox);
     }
@@ -123,9 +137,9 @@ void frm3SRMasterAdd::ConnectHandlers() {
     for (TextBox* box : {txtResourceName_, txtShortName_, txtUnits_, txtCost_, txtPosition_}) {
         ConnectBox(box);
     }
-    for (TextBox* box : {txtCost_, txtPosition_}) {
-        box->SetKeyFilter([](const QString& typed) { return KeyFilters::TakesDigits(typed); });
-    }
+    txtCost_->SetKeyFilter([this](const QString& typed) { return txtCost_KeyPress(typed); });
+    txtPosition_->SetKeyFilter(
+        [this](const QString& typed) { return txtPosition_KeyPress(typed); });
     for (QRadioButton* option : {optTime_, optItem_}) {
         const QString entry = QStringLiteral("frm3SRMasterAdd.%1_Click").arg(option->objectName());
         connect(option, &QRadioButton::clicked, this,
@@ -161,7 +175,18 @@ void frm3SRMasterAdd::SetPosition(int position) {
     txtPosition_->setText(QString::number(position));
 }
 
+// A key without a character moves or erases.
+bool frm3SRMasterAdd::txtCost_KeyPress(const QString& typed) {
+    return typed.isEmpty() || TakeDigit("frm3SRMasterAdd.txtCost_KeyPress", typed, *lblCostCue_);
+}
+
+bool frm3SRMasterAdd::txtPosition_KeyPress(const QString& typed) {
+    return typed.isEmpty() ||
+           TakeDigit("frm3SRMasterAdd.txtPosition_KeyPress", typed, *lblPositionCue_);
+}
+
 void frm3SRMasterAdd::EnableOK() {
+    u91Trace::Procedure(QStringLiteral("frm3SRMasterAdd.EnableOK"));
     bool complete = true;
     for (const TextBox* box : {txtResourceName_, txtShortName_, txtUnits_, txtCost_}) {
         complete = complete && !box->text().isEmpty();
@@ -183,27 +208,12 @@ void frm3SRMasterAdd::cmdOK_Click() {
     resource.longName = txtResourceName_->text();
     resource.shortName = txtShortName_->text();
     resource.units = txtUnits_->text();
+    resource.unitType = optTime_->isChecked() ? QStringLiteral("time") : QStringLiteral("item");
     resource.cost = *cost;
-    const bool perTime = optTime_->isChecked();
-    resource.key =
-        ResourceRecords::Add(resource, perTime ? QStringLiteral("time") : QStringLiteral("item"));
-    InsertRow(resource);
+    const int place = RowOrder::NewPlace(txtPosition_->text(), list_.RowCount());
+    list_.Insert(tr("Add Item"), resource, place);
+    addedRow_ = place;
     accept();
-}
-
-// Cells are set one by one: a name may hold a tab character.
-void frm3SRMasterAdd::InsertRow(const Resource& resource) {
-    const int place = RowOrder::NewPlace(txtPosition_->text(), list_.Rows() - 1);
-    list_.AddItem(QString(), place);
-    list_.SetTextMatrix(place, kName, resource.longName);
-    list_.SetTextMatrix(place, kShortName, resource.shortName);
-    list_.SetTextMatrix(place, kUnits, resource.units);
-    list_.SetTextMatrix(place, kCost, platform::Str(resource.cost));
-    list_.SetTextMatrix(place, kKey, platform::Str(resource.key));
-    for (int row = place; row < list_.Rows(); ++row) {
-        list_.SetTextMatrix(row, kNumber, QString::number(row));
-    }
-    list_.Select(place, kName);
 }
 
 void frm3SRMasterAdd::cmdCancel_Click() {

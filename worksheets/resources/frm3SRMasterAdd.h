@@ -1,25 +1,29 @@
-// The dialog that adds one suppression resource: to the table at once, and to the list's grid at
-// the chosen place, which shifts the rows below.
+// The dialog that adds one suppression resource: to the file at once, and to the list at the chosen
+// place, which shifts the rows below.
 #pragma once
 
 #include <QDialog>
 
+#include <optional>
+
+class MomentLabel;
 class QGridLayout;
 class QPushButton;
 class QRadioButton;
 class TextBox;
-class vsFlexGrid;
-struct Resource;
+class ResourceList;
 
 class frm3SRMasterAdd : public QDialog {
     Q_OBJECT
 
 public:
-    // `list` is the grid of the resources' page; the dialog stands over `frame`.
-    frm3SRMasterAdd(vsFlexGrid& list, QWidget& frame);
+    // The dialog stands over `frame`.
+    frm3SRMasterAdd(ResourceList& list, QWidget& frame);
 
     // The place that is offered for the new resource, counted from 1.
     void SetPosition(int position);
+    // The new resource's row; nothing when none was added.
+    [[nodiscard]] std::optional<int> AddedRow() const { return addedRow_; }
     // The unload handler; call it once, after the dialog has ended.
     void Unload();
 
@@ -33,11 +37,13 @@ private:
     void ConnectHandlers();
     void ConnectBox(TextBox* box);
     void EnableOK();
-    void InsertRow(const Resource& resource);
+    bool txtCost_KeyPress(const QString& typed);
+    bool txtPosition_KeyPress(const QString& typed);
     void cmdOK_Click();
     void cmdCancel_Click();
 
-    vsFlexGrid& list_;
+    ResourceList& list_;
+    std::optional<int> addedRow_;
     TextBox* txtResourceName_ = nullptr;
     TextBox* txtShortName_ = nullptr;
     QRadioButton* optTime_ = nullptr;
@@ -45,6 +51,8 @@ private:
     TextBox* txtUnits_ = nullptr;
     TextBox* txtCost_ = nullptr;
     TextBox* txtPosition_ = nullptr;
+    MomentLabel* lblCostCue_ = nullptr;
+    MomentLabel* lblPositionCue_ = nullptr;
     QPushButton* cmdOK_ = nullptr;
     QPushButton* cmdCancel_ = nullptr;
 };
