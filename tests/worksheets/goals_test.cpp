@@ -226,4 +226,103 @@ TEST_F(GoalsTest, TextThatCannotBeSaved_StaysWithItsArea) {
     EXPECT_EQ(Body(2), QStringLiteral("s"));
 }
 
+TEST_F(GoalsTest, ClickOnTheSelectedArea_RunsItsHandler) {
+    AddArea(QStringLiteral("North"), QStringLiteral("n"));
+    AddArea(QStringLiteral("South"), QStringLiteral("s"));
+    Load<frm2RMAs>();
+    const auto click = [this](int row) {
+        ClickAt(*List().viewport(), List().visualItemRect(List().item(row)).center());
+    };
+    const auto clicks = [this](const char* name) {
+        return Count(folder_.Trace(), QStringLiteral("lstRMAs_Click ") + QString::fromLatin1(name));
+    };
+    click(1);
+    EXPECT_EQ(clicks("South"), 1) << "once for each click";
+    BodyBox().setFocus();
+    Type(QStringLiteral("New "));
+    click(1);
+    EXPECT_EQ(clicks("South"), 2);
+    EXPECT_EQ(Body(2), QStringLiteral("New s")) << "saved by it";
+}
+
+TEST_F(GoalsTest, AreaWithoutAName_IsShownAsSuch) {
+    AddArea(QString(), QString());
+    Load<frm2RMAs>();
+    EXPECT_EQ(List().item(0)->text(), QString());
+    EXPECT_EQ(List().item(0)->data(Qt::AccessibleTextRole).toString(), QStringLiteral("(no name)"));
+}
+
+TEST_F(GoalsTest, TypedTexts_AreTakenBackBoxByBox) {
+    AddArea(QStringLiteral("North"), QStringLiteral("a\nb"));
+    AddArea(QStringLiteral("South"), QStringLiteral("s"));
+    Load<frm2RMAs>();
+    BodyBox().setFocus();
+    Type(QStringLiteral("New "));
+    HeadingBox().setFocus();
+    Press(Qt::Key_End);
+    Type(QStringLiteral("!"));
+    List().setFocus();
+    Press(Qt::Key_Down);
+    EXPECT_EQ(Body(1), QStringLiteral("New a\r\nb"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(List().currentRow(), 0) << "what is taken back is shown";
+    EXPECT_EQ(HeadingBox().text(), QStringLiteral("North"));
+    EXPECT_EQ(List().item(0)->text(), QStringLiteral("North"));
+    EXPECT_EQ(Heading(1), QStringLiteral("North"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(BodyBox().toPlainText(), QStringLiteral("a\nb"));
+    EXPECT_EQ(Body(1), QStringLiteral("a\nb")) << "to the letter";
+    Press(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(Body(1), QStringLiteral("New a\r\nb"));
+    EXPECT_TRUE(errors_.empty());
+}
+
+TEST_F(GoalsTest, TypingIsTakenBackLineByLine) {
+    AddArea(QStringLiteral("North"), QString());
+    Load<frm2RMAs>();
+    BodyBox().setFocus();
+    Type(QStringLiteral("one"));
+    Press(Qt::Key_Return);
+    Type(QStringLiteral("two"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(BodyBox().toPlainText(), QStringLiteral("one\n"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(BodyBox().toPlainText(), QString());
+}
+
+TEST_F(GoalsTest, DeletedArea_ComesBackWithItsTexts) {
+    AddArea(QStringLiteral("North"), QStringLiteral("n"));
+    AddArea(QStringLiteral("South"), QStringLiteral("s"));
+    Load<frm2RMAs>();
+    List().setFocus();
+    Press(Qt::Key_Down);
+    support::Answers answers({QMessageBox::Yes});
+    ClickButton("cmdDelete");
+    EXPECT_EQ(List().count(), 1);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(List().count(), 2);
+    EXPECT_EQ(List().currentRow(), 1);
+    EXPECT_EQ(HeadingBox().text(), QStringLiteral("South"));
+    EXPECT_EQ(Heading(2), QStringLiteral("South"));
+    EXPECT_EQ(Body(2), QStringLiteral("s"));
+}
+
+TEST_F(GoalsTest, AddingAndNaming_AreTakenBackOneAfterTheOther) {
+    Load<frm2RMAs>();
+    ClickButton("cmdAdd");
+    Type(QStringLiteral("West"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(List().item(0)->text(), QString());
+    EXPECT_EQ(tblManagementGoals->RecordCount(), 1);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(List().count(), 0);
+    EXPECT_EQ(tblManagementGoals->RecordCount(), 0);
+    EXPECT_FALSE(HeadingBox().isEnabled());
+    Press(Qt::Key_Y, Qt::ControlModifier);
+    Press(Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(Heading(1), QStringLiteral("West"));
+    EXPECT_EQ(HeadingBox().text(), QStringLiteral("West"));
+    EXPECT_TRUE(errors_.empty());
+}
+
 }  // namespace

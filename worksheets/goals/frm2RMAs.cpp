@@ -1,26 +1,26 @@
 #include "worksheets/goals/frm2RMAs.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
-#include "datafile/FieldNames.h"
-#include "datafile/FieldReaders.h"
-#include "datafile/PrepDatatables.h"
+#include <algorithm>
+#include <utility>
+
 #include "platform/EventTrap.h"
 #include "platform/text/Numbers.h"
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
 #include "shell/u92Utilities.h"
 #include "worksheets/TextBox.h"
+#include "worksheets/goals/AreaList.h"
 #include "worksheets/goals/LineBreaks.h"
 
 using platform::EventTrap::Trapped;
-using PrepDatatables::tblManagementGoals;
 
 namespace {
 
@@ -49,7 +49,7 @@ frm2RMAs::frm2RMAs(WorksheetHost& host, QWidget* parent)
 
 QVBoxLayout* frm2RMAs::BuildList() {
     QLabel* lblList = PageParts::Label(this, "lblList", tr("Resource Management Areas"));
-    lstRMAs_ = new QListWidget(this);
+    lstRMAs_ = new AreaList(this);
     PageParts::Name(*lstRMAs_, "lstRMAs", tr("Resource Management Areas"));
     lblList->setBuddy(lstRMAs_);
     cmdAdd_ = new QPushButton(tr("&Add Management Area"), this);
@@ -78,6 +78,7 @@ QVBoxLayout* frm2RMAs::BuildBoxes() {
     QLabel* lblBody = PageParts::Label(this, "lblBody", tr("Management Objectives"));
     txtBody_ = new QPlainTextEdit(this);
     txtBody_->setTabChangesFocus(true);
+    txtBody_->setUndoRedoEnabled(false);  // the worksheet has its own history
     PageParts::Name(*txtBody_, "txtBody", tr("Management Objectives"));
     lblBody->setBuddy(txtBody_);
     auto* rows = new QVBoxLayout;
@@ -96,6 +97,10 @@ void frm2RMAs::ConnectHandlers() {
                     lstRMAs_Click();
                 }
             }));
+    connect(lstRMAs_, &AreaList::ClickedAgain, this,
+            Trapped("frm2RMAs.lstRMAs_Click", [this] { lstRMAs_Click(); }));
+    txtHeading_->installEventFilter(this);
+    txtBody_->installEventFilter(this);
     connect(txtHeading_, &TextBox::GotFocus, this, Trapped("frm2RMAs.txtHeading_GotFocus", [] {
                 u91Trace::Procedure(QStringLiteral("frm2RMAs.txtHeading_GotFocus"));
             }));
@@ -122,33 +127,22 @@ void frm2RMAs::Setup() {
 
 void frm2RMAs::LoadList() {
     u91Trace::Procedure(QStringLiteral("frm2RMAs.LoadList"));
+    goals_.Load();
     const QSignalBlocker blocker(lstRMAs_);
     lstRMAs_->clear();
-    if (tblManagementGoals->RecordCount() == 0) {
-        return;
+    for (int row = 0; row < goals_.Count(); ++row) {
+        lstRMAs_->Append(goals_.Heading(row), goals_.Key(row));
     }
-    for (tblManagementGoals->MoveFirst(); !tblManagementGoals->EndOfFile();
-         tblManagementGoals->MoveNext()) {
-        AddEntry(tblManagementGoals->Text(FieldNames::kManagementArea),
-                 tblManagementGoals->Long(FieldNames::kKey));
-    }
-}
-
-void frm2RMAs::AddEntry(const QString& heading, std::int32_t key) {
-    auto* entry = new QListWidgetItem(heading, lstRMAs_);
-    entry->setData(Qt::UserRole, key);
 }
 
 void frm2RMAs::ShowItem() {
     u91Trace::Procedure(QStringLiteral("frm2RMAs.ShowItem"));
     const BusyScope busy;
-    tblManagementGoals->Seek("=", {currentKey_});
-    txtHeading_->setText(FieldReaders::TextField(*tblManagementGoals, FieldNames::kManagementArea));
+    const int row = ShownRow();
+    txtHeading_->setText(goals_.Heading(row));
     // Of a text that is wider than the box, the beginning shows.
     txtHeading_->setCursorPosition(0);
-    storedBody_ = FieldReaders::TextField(*tblManagementGoals, FieldNames::kExplanation);
-    txtBody_->setPlainText(storedBody_);
-    changed_ = false;
+    txtBody_->setPlainText(goals_.Body(row));
     bodyChanged_ = false;
     EnableBoxes(true);
 }
@@ -156,6 +150,10 @@ void frm2RMAs::ShowItem() {
 void frm2RMAs::EnableBoxes(bool enabled) {
     txtHeading_->setEnabled(enabled);
     txtBody_->setEnabled(enabled);
+}
+
+int frm2RMAs::ShownRow() const {
+    return goals_.RowOf(currentKey_).value_or(-1);
 }
 
 void frm2RMAs::lstRMAs_Click() {
@@ -172,80 +170,109 @@ void frm2RMAs::lstRMAs_Click() {
 
 // An area that cannot be saved stays in the boxes; the list then goes back to it.
 void frm2RMAs::SelectShown() {
-    const QSignalBlocker blocker(lstRMAs_);
-    for (int row = 0; row < lstRMAs_->count(); ++row) {
-        if (lstRMAs_->item(row)->data(Qt::UserRole).toInt() == currentKey_) {
-            lstRMAs_->setCurrentRow(row);
-        }
-    }
+    lstRMAs_->SelectSilently(ShownRow());
 }
 
 void frm2RMAs::txtHeading_Change() {
     u91Trace::Procedure(QStringLiteral("frm2RMAs.txtHeading_Change"));
-    if (!UIMode::NotBusy()) {
+    const int row = ShownRow();
+    if (!UIMode::NotBusy() || row < 0) {
         return;
     }
-    if (QListWidgetItem* entry = lstRMAs_->currentItem()) {
-        entry->setText(txtHeading_->text());
-    }
-    changed_ = true;
+    BeginTyping(Box::kHeading);
+    lstRMAs_->item(row)->setText(txtHeading_->text());
+    goals_.SetHeading(row, txtHeading_->text());
 }
 
 void frm2RMAs::txtBody_Change() {
     u91Trace::Procedure(QStringLiteral("frm2RMAs.txtBody_Change"));
-    if (UIMode::NotBusy()) {
-        changed_ = true;
-        bodyChanged_ = true;
+    if (!UIMode::NotBusy() || ShownRow() < 0) {
+        return;
+    }
+    BeginTyping(Box::kBody);
+    bodyChanged_ = true;
+    if (typing_->lines != txtBody_->document()->blockCount()) {
+        EndTyping();
+    }
+}
+
+void frm2RMAs::BeginTyping(Box box) {
+    if (typing_ && typing_->box == box) {
+        return;
+    }
+    EndTyping();
+    const int row = ShownRow();
+    typing_ = {.box = box,
+               .before = box == Box::kHeading ? goals_.Heading(row) : goals_.Body(row),
+               .lines = txtBody_->document()->blockCount()};
+}
+
+void frm2RMAs::EndTyping() {
+    TakeBody();
+    const std::optional<Typing> typed = std::exchange(typing_, std::nullopt);
+    const int row = ShownRow();
+    if (!typed || row < 0) {
+        return;
+    }
+    const QString after = typed->box == Box::kHeading ? goals_.Heading(row) : goals_.Body(row);
+    if (after == typed->before) {
+        return;
+    }
+    const auto put = [key = currentKey_, box = typed->box](const QString& text) {
+        return [key, box, text](frm2RMAs& form) { form.PutText(key, box, text); };
+    };
+    Did<frm2RMAs>(tr("Typing"), put(typed->before), put(after));
+}
+
+// A long text is taken out of its box when it is needed, not with every key.
+void frm2RMAs::TakeBody() {
+    if (std::exchange(bodyChanged_, false)) {
+        goals_.SetBody(ShownRow(), LineBreaks::ForFile(txtBody_->document()->toRawText()));
     }
 }
 
 void frm2RMAs::Update() {
-    if (!changed_) {
+    EndTyping();
+    const int row = ShownRow();
+    if (row < 0 || !goals_.IsChanged(row)) {
         return;
     }
     u91Trace::Procedure(QStringLiteral("Update ") + platform::Str(currentKey_));
-    if (bodyChanged_) {
-        storedBody_ = LineBreaks::ForFile(txtBody_->document()->toRawText());
-        bodyChanged_ = false;
-    }
-    tblManagementGoals->Seek("=", {currentKey_});
-    tblManagementGoals->Edit();
-    tblManagementGoals->SetField(FieldNames::kManagementArea, txtHeading_->text());
-    tblManagementGoals->SetField(FieldNames::kExplanation, storedBody_);
-    tblManagementGoals->Update();
-    changed_ = false;
+    goals_.Save(row);
 }
 
 void frm2RMAs::cmdAdd_Click() {
     u91Trace::Procedure(QStringLiteral("cmdAdd_Click"));
     Update();
-    tblManagementGoals->AddNew();
-    tblManagementGoals->SetField(FieldNames::kManagementArea, QString(QLatin1String("")));
-    tblManagementGoals->SetField(FieldNames::kExplanation, QString(QLatin1String("")));
-    tblManagementGoals->Update();
-    tblManagementGoals->MoveLast();
+    const int row = goals_.Add();
     {
         const QSignalBlocker blocker(lstRMAs_);
-        AddEntry(QString(), tblManagementGoals->Long(FieldNames::kKey));
+        lstRMAs_->Append(goals_.Heading(row), goals_.Key(row));
     }
-    lstRMAs_->setCurrentRow(lstRMAs_->count() - 1);
+    DidAdd(goals_.Key(row));
+    lstRMAs_->setCurrentRow(row);
     cmdDelete_->setEnabled(true);
     txtHeading_->setFocus();
 }
 
 void frm2RMAs::cmdDelete_Click() {
     u91Trace::Procedure(QStringLiteral("cmdDelete_Click"));
+    const std::int32_t key = currentKey_;
     Update();
-    const QListWidgetItem* entry = lstRMAs_->currentItem();
-    if (!entry || !u92Utilities::ConfirmDelete(entry->text())) {
+    const auto row = goals_.RowOf(key);
+    if (!row || !u92Utilities::ConfirmDelete(goals_.Heading(*row))) {
         return;
     }
-    tblManagementGoals->Seek("=", {entry->data(Qt::UserRole).toInt()});
-    tblManagementGoals->Delete();
-    tblManagementGoals->MoveNext();
+    DidDelete(goals_.Delete(*row));
+    ShowAfterDelete(0);
+}
+
+// The list is filled anew and an area is selected, if there is one.
+void frm2RMAs::ShowAfterDelete(int row) {
+    currentKey_ = 0;
     LoadList();
     if (lstRMAs_->count() > 0) {
-        lstRMAs_->setCurrentRow(0);
+        lstRMAs_->setCurrentRow(std::clamp(row, 0, lstRMAs_->count() - 1));
     } else {
         ShowNothing();
     }
@@ -260,6 +287,67 @@ void frm2RMAs::ShowNothing() {
     currentKey_ = 0;
     EnableBoxes(false);
     cmdDelete_->setEnabled(false);
+}
+
+void frm2RMAs::ShowArea(int row) {
+    currentKey_ = goals_.Key(row);
+    lstRMAs_->SelectSilently(row);
+    cmdDelete_->setEnabled(true);
+    ShowItem();
+}
+
+// The steps of undoing. Each leaves the file as the screen.
+
+void frm2RMAs::PutText(std::int32_t key, Box box, const QString& text) {
+    const auto row = goals_.RowOf(key);
+    if (!row) {
+        throw undo::GoneError(tr("The management area is no longer in the file."));
+    }
+    box == Box::kHeading ? goals_.SetHeading(*row, text) : goals_.SetBody(*row, text);
+    goals_.Save(*row);
+    lstRMAs_->item(*row)->setText(goals_.Heading(*row));
+    ShowArea(*row);
+    (box == Box::kHeading ? static_cast<QWidget*>(txtHeading_) : txtBody_)->setFocus();
+}
+
+void frm2RMAs::DidAdd(std::int32_t key) {
+    const auto goal =
+        std::make_shared<GoalList::Goal>(GoalList::Goal{.key = key, .heading = {}, .body = {}});
+    Did<frm2RMAs>(
+        tr("Add Management Area"), [goal](frm2RMAs& form) { form.TakeAway(*goal); },
+        [goal](frm2RMAs& form) { form.PutBack(*goal); });
+}
+
+void frm2RMAs::DidDelete(const GoalList::Goal& deleted) {
+    const auto goal = std::make_shared<GoalList::Goal>(deleted);
+    Did<frm2RMAs>(
+        tr("Delete Management Area"), [goal](frm2RMAs& form) { form.PutBack(*goal); },
+        [goal](frm2RMAs& form) { form.TakeAway(*goal); });
+}
+
+void frm2RMAs::TakeAway(GoalList::Goal& goal) {
+    Update();
+    const auto row = goals_.RowOf(goal.key);
+    if (!row) {
+        throw undo::GoneError(tr("The management area is no longer in the file."));
+    }
+    goal = goals_.Delete(*row);
+    ShowAfterDelete(*row);
+}
+
+void frm2RMAs::PutBack(const GoalList::Goal& goal) {
+    Update();
+    const int row = goals_.Restore(goal);
+    LoadList();
+    ShowArea(row);
+}
+
+// An action ends when its box is left.
+bool frm2RMAs::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusOut) {
+        platform::EventTrap::Run("frm2RMAs.EndTyping", [this] { EndTyping(); });
+    }
+    return WorksheetPage::eventFilter(watched, event);
 }
 
 void frm2RMAs::Unload() {

@@ -2,13 +2,19 @@
 //
 // The list shows the headings in key order; the boxes edit the selected area. What is typed is
 // written when another area is selected, an area is added or deleted, and when the page is left.
+//
+// Undoing. What is typed into a box is one action from its first change until the box is left, a
+// new line is begun in it, or something else is done.
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 
 #include "worksheets/WorksheetPage.h"
+#include "worksheets/goals/GoalList.h"
 
-class QListWidget;
+class AreaList;
 class QPlainTextEdit;
 class QPushButton;
 class TextBox;
@@ -27,30 +33,52 @@ public:
     // Writes the boxes into the area that they show, when they were changed.
     void Update();
 
+protected:
+    void EndOpenEdit() override { EndTyping(); }
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    enum class Box { kHeading, kBody };
+    // What is being typed into a box, until it becomes an action.
+    struct Typing {
+        Box box = Box::kHeading;
+        QString before;
+        int lines = 0;
+    };
+
     QVBoxLayout* BuildList();
     QVBoxLayout* BuildBoxes();
     void ConnectHandlers();
     void LoadList();
     void ShowItem();
     void ShowNothing();
+    void ShowArea(int row);
+    void ShowAfterDelete(int row);
     void SelectShown();
     void EnableBoxes(bool enabled);
-    void AddEntry(const QString& heading, std::int32_t key);
+    [[nodiscard]] int ShownRow() const;
+    void BeginTyping(Box box);
+    void EndTyping();
+    void TakeBody();
+    void PutText(std::int32_t key, Box box, const QString& text);
+    void DidAdd(std::int32_t key);
+    void DidDelete(const GoalList::Goal& goal);
+    void TakeAway(GoalList::Goal& goal);
+    void PutBack(const GoalList::Goal& goal);
     void lstRMAs_Click();
     void txtHeading_Change();
     void txtBody_Change();
     void cmdAdd_Click();
     void cmdDelete_Click();
 
-    QListWidget* lstRMAs_ = nullptr;
+    GoalList goals_;
+    std::optional<Typing> typing_;
+    AreaList* lstRMAs_ = nullptr;
     QPushButton* cmdAdd_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;
     TextBox* txtHeading_ = nullptr;
     QPlainTextEdit* txtBody_ = nullptr;
     std::int32_t currentKey_ = 0;
-    bool changed_ = false;
-    // The objectives as the file has them: written back to the letter unless the user edits them.
-    QString storedBody_;
+    // The box has objectives that the list has not.
     bool bodyChanged_ = false;
 };
