@@ -291,7 +291,7 @@ TEST_F(Worksheets, StepKeys_FromATextBox_SaveAndSwitchAsAClickDoes) {
 
 TEST_F(Worksheets, StepKeys_FromAnOpenCell_StoreItAndStopAtTheEnds) {
     RunWithFile();
-    ZoneKeys::AddZone(QStringLiteral("North"), 1);
+    ZoneRecords::Create(QStringLiteral("North"), 1);
     ClickTab(6);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
     EXPECT_EQ(ShownForm(), QStringLiteral("frm6SuppressAcre"));
