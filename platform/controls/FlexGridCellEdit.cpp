@@ -20,3 +20,14 @@ void FlexGridCellEdit::Offered(const QString& text, const GridTable::Answer& ans
 bool FlexGridCellEdit::MustOffer(const QString& text) const {
     return changed_ && offered_ != text;
 }
+
+bool FlexGridCellEdit::Allows(const QString& from, const QString& to, int longest) {
+    if (longest <= 0 || to.size() <= longest) {
+        return true;
+    }
+    qsizetype kept = 0;
+    for (qsizetype at = 0; at < from.size() && kept < to.size(); ++at) {
+        kept += from[at] == to[kept] ? 1 : 0;
+    }
+    return kept == to.size();
+}

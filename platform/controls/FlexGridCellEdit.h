@@ -31,6 +31,10 @@ public:
     [[nodiscard]] const GridTable::Answer& LastAnswer() const { return answer_; }
     [[nodiscard]] const QString& TextBefore() const { return before_; }
 
+    // Whether an editor may go from one text to another: not to one that is longer than `longest`
+    // characters (0: any length), unless only characters of it were deleted.
+    [[nodiscard]] static bool Allows(const QString& from, const QString& to, int longest);
+
 private:
     QString before_;
     bool changed_ = false;

@@ -5,6 +5,14 @@
 namespace FlexGridClip {
 namespace {
 
+// The parts of a formatted number.
+constexpr int kBracketFirst = 1;
+constexpr int kSign = 2;
+constexpr int kBracketBehindSign = 3;
+constexpr int kSignBehindDollar = 4;
+constexpr int kDigits = 5;
+constexpr int kClosing = 6;
+
 QString Quoted(QString cell) {
     const bool needed =
         cell.contains(u'\t') || cell.contains(u'\n') || cell.contains(u'\r') || cell.contains(u'"');
@@ -104,16 +112,18 @@ Block FromText(const QString& text) {
 
 QString PlainNumber(const QString& text) {
     static const QRegularExpression kFormatted(
-        QStringLiteral("^(\\()?([-\u2212]?)\\$?([-\u2212]?)"
-                       "((?:\\d{1,3}(?:,\\d{3})+|\\d+)?(?:\\.\\d*)?)(\\))?$"));
+        QStringLiteral("^(\\()?\\s*([-+\u2212]?)\\s*\\$?\\s*(\\()?\\s*([-\u2212]?)"
+                       "((?:\\d{1,3}(?:,\\d{3})+|\\d+)?(?:\\.\\d*)?)\\s*(\\))?$"));
     const QRegularExpressionMatch match = kFormatted.match(text.trimmed());
-    QString digits = match.captured(4).remove(u',');
-    const bool opened = !match.captured(1).isEmpty();
-    const bool closed = !match.captured(5).isEmpty();
-    if (opened != closed || digits.isEmpty() || digits == QLatin1String(".")) {
+    const auto has = [&match](int part) { return !match.captured(part).isEmpty(); };
+    QString digits = match.captured(kDigits).remove(u',');
+    const bool opened = has(kBracketFirst) || has(kBracketBehindSign);
+    if (opened != has(kClosing) || (has(kBracketFirst) && has(kBracketBehindSign)) ||
+        digits.isEmpty() || digits == QLatin1String(".")) {
         return text;
     }
-    const bool minus = opened || !match.captured(2).isEmpty() || !match.captured(3).isEmpty();
+    const bool minus = opened || (has(kSign) && match.captured(kSign) != QLatin1String("+")) ||
+                       has(kSignBehindDollar);
     return minus ? u'-' + digits : digits;
 }
 

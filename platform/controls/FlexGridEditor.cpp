@@ -1,11 +1,18 @@
 #include "platform/controls/FlexGridEditor.h"
 
+#include <QContextMenuEvent>
+#include <QDropEvent>
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QMimeData>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QSignalBlocker>
+#include <QValidator>
+#include <algorithm>
 
+#include "platform/controls/FlexGridCellEdit.h"
 #include "platform/controls/FlexGridPaint.h"
 
 namespace {
@@ -33,18 +40,67 @@ bool ComesBack(Qt::FocusReason reason) {
 
 }  // namespace
 
-FlexGridEditor::FlexGridEditor(QWidget* parent) : QLineEdit(parent) {
+// Takes back whatever would make a text longer than may be typed, from wherever it came.
+class FlexGridLimit : public QValidator {
+public:
+    explicit FlexGridLimit(QObject* parent) : QValidator(parent) {}
+
+    void Begin(const QString& text, int longest) {
+        last_ = text;
+        longest_ = longest;
+    }
+
+    State validate(QString& text, int& /*position*/) const override {
+        if (!FlexGridCellEdit::Allows(last_, text, longest_)) {
+            return Invalid;
+        }
+        last_ = text;
+        return Acceptable;
+    }
+
+private:
+    mutable QString last_;
+    int longest_ = 0;
+};
+
+FlexGridEditor::FlexGridEditor(QWidget* parent)
+    : QLineEdit(parent), limit_(new FlexGridLimit(this)) {
+    setValidator(limit_);
     setFrame(false);
     setTextMargins(1, 0, 0, 0);  // where the cell shows it
     connect(this, &QLineEdit::textEdited, this, &FlexGridEditor::OnTextEdited);
 }
 
-void FlexGridEditor::Load(const QString& text) {
+void FlexGridEditor::Load(const QString& text, int longest) {
     const QSignalBlocker quiet(this);
+    limit_->Begin(text, longest);
+    SetMaxLength(text, longest);
     setText(text);
-    // Selected backwards: of a text that is wider than its cell, the beginning shows.
-    setSelection(static_cast<int>(text.size()), -static_cast<int>(text.size()));
+    SelectWhole();
     down_.clear();
+}
+
+void FlexGridEditor::SetLongest(int longest) {
+    limit_->Begin(text(), longest);
+    SetMaxLength(text(), longest);
+}
+
+// What the cell holds already is never cut off.
+void FlexGridEditor::SetMaxLength(const QString& text, int longest) {
+    constexpr int kUnlimited = 32767;  // the limit of every line edit
+    setMaxLength(longest > 0 ? std::max(longest, static_cast<int>(text.size())) : kUnlimited);
+}
+
+// Selected backwards: of a text that is wider than its cell, the beginning shows.
+void FlexGridEditor::SelectWhole() {
+    setSelection(static_cast<int>(text().size()), -static_cast<int>(text().size()));
+    caret_ = false;
+}
+
+void FlexGridEditor::PutCaret(int position) {
+    deselect();
+    setCursorPosition(position);
+    caret_ = true;
 }
 
 void FlexGridEditor::SetNote(const QString& note) {
@@ -103,6 +159,59 @@ void FlexGridEditor::focusOutEvent(QFocusEvent* event) {
     emit FocusLost();
 }
 
+// What is left alone here goes on to the grid below.
+void FlexGridEditor::mousePressEvent(QMouseEvent* event) {
+    if (!caret_ || event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    QLineEdit::mousePressEvent(event);
+}
+
+void FlexGridEditor::mouseMoveEvent(QMouseEvent* event) {
+    if (!caret_ || !(event->buttons() & Qt::LeftButton)) {
+        event->ignore();
+        return;
+    }
+    QLineEdit::mouseMoveEvent(event);
+}
+
+void FlexGridEditor::mouseReleaseEvent(QMouseEvent* event) {
+    if (!caret_ || event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    QLineEdit::mouseReleaseEvent(event);
+}
+
+// A line edit would select one word here, and take the next click for the third of a row: what is
+// typed then would run into the rest of the old number.
+void FlexGridEditor::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (!caret_ || event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    PutCaret(cursorPositionAt(event->pos()));
+}
+
+void FlexGridEditor::contextMenuEvent(QContextMenuEvent* event) {
+    event->ignore();
+}
+
+// Dropped text is pasted: all of it or nothing.
+void FlexGridEditor::dropEvent(QDropEvent* event) {
+    if (!event->mimeData()->hasText()) {
+        return;
+    }
+    if (caret_) {
+        PutCaret(cursorPositionAt(event->position().toPoint()));
+    } else {
+        SelectWhole();
+    }
+    event->acceptProposedAction();
+    emit Dropped(event->mimeData()->text());
+}
+
 void FlexGridEditor::paintEvent(QPaintEvent* event) {
     QLineEdit::paintEvent(event);
     QPainter painter(this);
@@ -115,6 +224,7 @@ void FlexGridEditor::paintEvent(QPaintEvent* event) {
 
 // Spreadsheets put a line end behind a copied cell; a cell is one line without tabs.
 void FlexGridEditor::OnTextEdited() {
+    caret_ = true;
     static const QRegularExpression kBreaks(QStringLiteral("[\\r\\n\\t]+"));
     if (text().contains(kBreaks)) {
         const QSignalBlocker quiet(this);

@@ -23,7 +23,7 @@ constexpr int kCellPadding = 4;
 
 }  // namespace
 
-vsFlexGrid::vsFlexGrid(QWidget* parent) : QTableView(parent), impl_(std::make_unique<Impl>()) {
+vsFlexGrid::vsFlexGrid(QWidget* parent) : QTableView(parent), impl_(std::make_unique<Impl>(*this)) {
     impl_->model = new FlexGridModel(this);
     impl_->header = new FlexGridHeader(*impl_->model, this);
     impl_->editor = new FlexGridEditor(viewport());
@@ -122,7 +122,7 @@ void vsFlexGrid::SetTextMatrix(int row, int col, const QString& text) {
     const bool isEdited =
         Editing() && impl_->edited.row() == row - FixedRows() && impl_->edited.column() == col;
     if (isEdited && impl_->editor->text() != text) {
-        impl_->editor->Load(text);
+        impl_->editor->Load(text, Longest(col));
     }
 }
 
@@ -338,7 +338,7 @@ void vsFlexGrid::CheckCol(int col) const {
 
 // Without a current cell assistive technology and keyboard alike would have nothing to stand on.
 void vsFlexGrid::EnsureCurrent() {
-    const int col = NextCol(-1, 1);
+    const int col = impl_->navigation.NextCol(-1, 1);
     if (Rows() == FixedRows() || col < 0) {
         return;
     }

@@ -6,10 +6,14 @@
 //
 // The current cell. While there are data rows one of them is current. EnterCell tells that the user
 // or Select, SetRow and SetCol moved to another cell, that the focus came to the grid by keyboard,
-// or that the user asks to edit the current cell again (F2, a typed character, a click).
+// or that the user asks to edit the current cell (Enter, F2, a typed character, a click). Where the
+// focus came, the cell is only marked: EditCell then does nothing, so that a stray key at least
+// shows what it does.
 //
 // Editing. A handler of EnterCell that wants the cell edited calls EditCell, which asks BeforeEdit
-// (any handler may set *cancel) and opens the editor with the cell's unformatted text selected.
+// (any handler may set *cancel) and opens the editor with the cell's unformatted text selected. All
+// of it stays selected, also when the cell is clicked, until something is typed; F2, a double click
+// or a click after that gives a caret.
 // Each change of the editor's text, pasting and cutting included, emits ChangeEdit; typed
 // characters emit KeyPressEdit before and KeyUpEdit after the editor saw them. Enter, Tab, Up,
 // Down, the Page keys, Left and Right at the text's ends, loss of focus, and FinishEdit end the
@@ -38,6 +42,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTableView>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -46,6 +51,11 @@
 namespace FlexGridNotes {
 struct Cell;
 }
+namespace FlexGridPastePlan {
+struct Area;
+struct Plan;
+struct Refusal;
+}  // namespace FlexGridPastePlan
 
 class vsFlexGrid : public QTableView {
     Q_OBJECT
@@ -124,11 +134,13 @@ public:
     [[nodiscard]] QString EditText() const;
     void SetEditText(const QString& text);
     [[nodiscard]] QString EditSelText() const;
-    // Replaces the editor's selection, as typing does; outside an edit the current cell's text. A
-    // block of cells as a spreadsheet copies it fills the cells from the current one on; a tip
-    // tells how many of them could not be put there as they are.
+    // Pastes: replaces the editor's selection, as typing does; outside an edit the selected cells'
+    // texts. A block of cells as a spreadsheet copies it begins at the top left of the selection.
+    // Numbers arrive as the spreadsheet meant them; what does not fit, or is no number where one is
+    // wanted, is refused, and a message lists it with its cells. Headings above numbers are left
+    // out if the user agrees, rows beyond the end added if the table has room.
     void SetEditSelText(const QString& text);
-    // Empties what Clip gives: the editor's selection, or the selected cells.
+    // Empties what Clip gives: the editor's selection, or the selected cells, which stay selected.
     void ClearClip();
     void SetEditMaxLength(int characters);
     // The editor's selection when there is one, else the selected cells: a single one as it is, a
@@ -178,6 +190,8 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
@@ -187,6 +201,7 @@ protected slots:
 
 private:
     class Impl;
+    class PasteGround;
 
     void CheckCell(int row, int col) const;
     void CheckCol(int col) const;
@@ -196,20 +211,31 @@ private:
     void ConnectEditor();
 
     bool MoveTo(int row, int col, bool extend);
+    void SelectBlock(const QModelIndex& one, const QModelIndex& other);
     bool MoveByKey(const QKeyEvent& event);
     bool MoveByTab(bool forward);
     bool TakeEditorKey(QKeyEvent* event);
+    bool TakeClipboardKey(const QKeyEvent& event);
+    [[nodiscard]] bool LeavesCell(const QKeyEvent& event) const;
     void KeyInCell(QKeyEvent* event);
     bool KeyInList(const QKeyEvent& event);
     void Enter();
     [[nodiscard]] bool IsList() const;
-    [[nodiscard]] int NextCol(int from, int step) const;
-    [[nodiscard]] int PageRows() const;
+
+    void PressCell(QPoint place, bool extend);
+    void MarkCell(const QModelIndex& index);
+    void PasteWithMouse(QPoint place);
+    void OpenMenu(QPoint place);
+    void SelectAllText();
+    [[nodiscard]] bool CanChangeSelection() const;
 
     GridTable::Answer Offer(int row, int col, const QString& text);
     void TakeAnswer(const QModelIndex& cell, const QString& typed, const GridTable::Answer& answer);
     void BeginAction(const QString& name);
     void EndAction();
+    void Finally(const std::function<void()>& body);
+    static void Trapped(const std::function<void()>& body);
+    void SyncRows();
     [[nodiscard]] QString NoteOf(const QModelIndex& cell) const;
     [[nodiscard]] QString ReadAs(const QModelIndex& cell, const QString& typed,
                                  const QString& stored) const;
@@ -217,23 +243,33 @@ private:
     void TellNote();
 
     [[nodiscard]] bool TakesText(int row, int col) const;
+    [[nodiscard]] bool TakesNumber(int row, int col) const;
     [[nodiscard]] int Longest(int col) const;
     void PlaceEditor();
     void SettleEdit(const QPersistentModelIndex& cell, const QString& text);
     void OnEdited();
     void ReportKeyUp(int key);
+    void EndEdit();
     void CloseEditor();
     void CancelEdit();
     void AnnounceEditor();
-    void PasteBlock(const std::vector<QStringList>& block);
-    void ClearCells();
-    void OfferCell(const QPersistentModelIndex& cell, const QString& text);
+
+    void Copy();
+    void Cut();
+    void Paste();
     void PasteText(const QString& text);
-    bool PasteCell(int row, int col, const QString& text);
-    [[nodiscard]] QString AsTyped(int col, const QString& text) const;
-    void TellRefused(int cells);
-    bool EditOnly(int row, int col);
-    void ReplaceCell(int row, int col, const QString& text);
+    void PasteBlock(const std::vector<QStringList>& pasted);
+    [[nodiscard]] bool LeaveHeadingsOut(const QStringList& line) const;
+    [[nodiscard]] bool AddsRows(int count) const;
+    void CarryOut(FlexGridPastePlan::Plan& plan);
+    bool PutCell(const QPersistentModelIndex& cell, const QString& text,
+                 std::vector<FlexGridPastePlan::Refusal>& refused);
+    bool TypeIntoCell(int row, int col, const QString& text,
+                      std::vector<FlexGridPastePlan::Refusal>& refused);
+    void SelectArea(const FlexGridPastePlan::Area& area);
+    void RestoreSelection(const QList<QPersistentModelIndex>& cells);
+    void TellRefused(const std::vector<FlexGridPastePlan::Refusal>& refused);
+    [[nodiscard]] QString RefusedLine(const FlexGridPastePlan::Refusal& refusal) const;
     [[nodiscard]] QModelIndexList SelectedCells() const;
 
     std::unique_ptr<Impl> impl_;

@@ -1,6 +1,7 @@
 // The grid's editing: one text box that lies over the edited cell.
 #include <QAccessible>
 #include <QApplication>
+#include <QItemSelectionModel>
 
 #include "platform/controls/vsFlexGridImpl.h"
 
@@ -25,14 +26,16 @@ void vsFlexGrid::ConnectEditor() {
     connect(editor, &FlexGridEditor::FocusLost, this, [this] {
         // The grid itself hands the focus back.
         if (!impl_->closing && QApplication::focusWidget() != this) {
-            FinishEdit();
+            EndEdit();
         }
     });
+    connect(editor, &FlexGridEditor::Dropped, this,
+            [this](const QString& text) { Trapped([&] { SetEditSelText(text); }); });
 }
 
 void vsFlexGrid::EditCell() {
     const QModelIndex index = currentIndex();
-    if (!index.isValid() || (Editing() && impl_->edited == index)) {
+    if (impl_->arriving || !index.isValid() || (Editing() && impl_->edited == index)) {
         return;
     }
     FinishEdit();
@@ -43,15 +46,13 @@ void vsFlexGrid::EditCell() {
         return;
     }
     const QString text = impl_->model->Text(row, index.column());
-    const int length = Longest(index.column());
     FlexGridEditor* editor = impl_->editor;
     impl_->edited = index;
     impl_->edit.Begin(text);
-    // What the cell holds already is never cut off.
-    editor->setMaxLength(std::max(length, static_cast<int>(text.size())));
     editor->setAlignment(impl_->model->Column(index.column()).alignment);
     editor->setAccessibleName(impl_->model->CellName(row, index.column()));
-    editor->Load(text);
+    editor->Load(text, Longest(index.column()));
+    selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
     scrollTo(index);
     PlaceEditor();
     editor->show();
@@ -126,8 +127,7 @@ QString vsFlexGrid::EditSelText() const {
 void vsFlexGrid::SetEditMaxLength(int characters) {
     impl_->maxLength = characters;
     if (Editing()) {
-        const auto length = static_cast<int>(impl_->editor->text().size());
-        impl_->editor->setMaxLength(std::max(Longest(impl_->edited.column()), length));
+        impl_->editor->SetLongest(Longest(impl_->edited.column()));
     }
 }
 

@@ -1,18 +1,22 @@
-// The grid's keys, mouse and focus.
+// The grid's keys and focus.
 #include <QAccessible>
 #include <QApplication>
 #include <QFocusEvent>
 #include <QHeaderView>
+#include <QInputMethodEvent>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMetaMethod>
-#include <QMouseEvent>
 #include <algorithm>
+#include <optional>
 
+#include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGridImpl.h"
 #include "platform/system/Host.h"
 
 namespace {
+
+using Move = FlexGridNavigation::Move;
 
 bool IsTab(const QKeyEvent& key) {
     return key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab;
@@ -32,7 +36,50 @@ bool IsTyping(const QKeyEvent& key) {
            !(key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
 }
 
+// The way that a key leads; nothing for a key that does not move. The frame's own keys, Ctrl with
+// the Page keys and whatever is pressed with Alt, are left to it.
+std::optional<Move> MoveOf(const QKeyEvent& key) {
+    const bool control = (key.modifiers() & Qt::ControlModifier) != 0;
+    if ((key.modifiers() & (Qt::AltModifier | Qt::MetaModifier)) != 0) {
+        return std::nullopt;
+    }
+    switch (key.key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return (key.modifiers() & Qt::ShiftModifier) ? Move::kEnterUp : Move::kEnter;
+        case Qt::Key_Up:
+            return control ? Move::kFirstRow : Move::kUp;
+        case Qt::Key_Down:
+            return control ? Move::kLastRow : Move::kDown;
+        case Qt::Key_Left:
+            return Move::kLeft;
+        case Qt::Key_Right:
+            return Move::kRight;
+        case Qt::Key_Home:
+            return control ? Move::kFirstCell : Move::kRowStart;
+        case Qt::Key_End:
+            return control ? Move::kLastCell : Move::kRowEnd;
+        case Qt::Key_PageUp:
+            return control ? std::nullopt : std::optional(Move::kPageUp);
+        case Qt::Key_PageDown:
+            return control ? std::nullopt : std::optional(Move::kPageDown);
+        default:
+            return std::nullopt;
+    }
+}
+
 }  // namespace
+
+bool vsFlexGrid::Impl::KeyGround::TabStops(int row, int col) const {
+    const GridTable* table = grid_.Table();
+    return table == nullptr || !grid_.impl_->model->IsTableCell(row) ||
+           (table->TabStops(col) && grid_.TakesText(row, col));
+}
+
+int vsFlexGrid::Impl::KeyGround::PageRows() const {
+    const int row = grid_.verticalHeader()->defaultSectionSize();
+    return std::max(grid_.viewport()->height() / row - 1, 1);
+}
 
 bool vsFlexGrid::event(QEvent* event) {
     if (event->type() == QEvent::KeyPress && IsTab(*static_cast<QKeyEvent*>(event))) {
@@ -48,7 +95,17 @@ bool vsFlexGrid::event(QEvent* event) {
 
 void vsFlexGrid::keyPressEvent(QKeyEvent* event) {
     event->accept();
-    if (MoveByKey(*event) || (IsList() && KeyInList(*event))) {
+    impl_->clicked = QPersistentModelIndex();
+    if (IsEnter(*event) && !IsList()) {
+        // A cell that is marked only is opened; one that cannot be is passed.
+        Enter();
+        if (!Editing()) {
+            MoveByKey(*event);
+        }
+        return;
+    }
+    const bool listEnter = IsEnter(*event) && IsList();
+    if ((!listEnter && MoveByKey(*event)) || (IsList() && KeyInList(*event))) {
         return;
     }
     KeyInCell(event);
@@ -56,19 +113,18 @@ void vsFlexGrid::keyPressEvent(QKeyEvent* event) {
 
 // Keys while no edit is open.
 void vsFlexGrid::KeyInCell(QKeyEvent* event) {
-    if (event->matches(QKeySequence::Copy)) {
-        platform::SetClipboardText(Clip());
-    } else if (event->matches(QKeySequence::Cut)) {
-        platform::SetClipboardText(Clip());
-        ClearClip();
-    } else if (event->matches(QKeySequence::Paste)) {
-        SetEditSelText(platform::ClipboardText());
-    } else if (event->matches(QKeySequence::SelectAll)) {
+    if (TakeClipboardKey(*event)) {
+        return;
+    }
+    if (event->matches(QKeySequence::SelectAll)) {
         selectAll();
     } else if (event->key() == Qt::Key_F2) {
         Enter();
-    } else if (event->key() == Qt::Key_Delete) {
-        ClearClip();
+        if (Editing()) {
+            impl_->editor->PutCaret(static_cast<int>(impl_->editor->text().size()));
+        }
+    } else if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) {
+        Trapped([this] { ClearClip(); });
     } else if (IsTyping(*event)) {
         Enter();
         if (Editing()) {
@@ -77,6 +133,20 @@ void vsFlexGrid::KeyInCell(QKeyEvent* event) {
     } else {
         event->ignore();
     }
+}
+
+// With and without an open edit these keys do what the menu does.
+bool vsFlexGrid::TakeClipboardKey(const QKeyEvent& event) {
+    if (event.matches(QKeySequence::Copy)) {
+        Copy();
+    } else if (event.matches(QKeySequence::Cut)) {
+        Cut();
+    } else if (event.matches(QKeySequence::Paste)) {
+        Paste();
+    } else {
+        return false;
+    }
+    return true;
 }
 
 bool vsFlexGrid::KeyInList(const QKeyEvent& event) {
@@ -99,116 +169,96 @@ bool vsFlexGrid::TakeEditorKey(QKeyEvent* event) {
     if (!Editing()) {
         return false;
     }
+    impl_->clicked = QPersistentModelIndex();
     if (IsTab(*event)) {
         const bool leaves = (event->modifiers() & Qt::ControlModifier) != 0;
-        FinishEdit();
+        EndEdit();
         if (leaves || !MoveByTab(IsForward(*event))) {
             QTableView::focusNextPrevChild(IsForward(*event));
         }
         return true;
     }
-    const FlexGridEditor& editor = *impl_->editor;
-    const bool all = editor.selectedText() == editor.text();
-    const bool atStart = all || (editor.cursorPosition() == 0 && !editor.hasSelectedText());
-    const bool atEnd =
-        all || (editor.cursorPosition() == editor.text().size() && !editor.hasSelectedText());
-    const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-    const bool control = (event->modifiers() & Qt::ControlModifier) != 0;
+    if (TakeClipboardKey(*event)) {
+        return true;
+    }
     switch (event->key()) {
         case Qt::Key_Escape:
-            CancelEdit();
+            Trapped([this] { CancelEdit(); });
             return true;
         case Qt::Key_F2:
-            all ? impl_->editor->end(false) : impl_->editor->selectAll();
+            if (impl_->editor->HasCaret() && !impl_->editor->hasSelectedText()) {
+                impl_->editor->SelectWhole();
+            } else {
+                impl_->editor->PutCaret(static_cast<int>(impl_->editor->text().size()));
+            }
             return true;
         case Qt::Key_Return:
         case Qt::Key_Enter:
             if (!MoveByKey(*event)) {
-                FinishEdit();
+                EndEdit();
             }
             return true;
-        case Qt::Key_Left:
-            return plain && atStart && MoveByKey(*event);
-        case Qt::Key_Right:
-            return plain && atEnd && MoveByKey(*event);
-        case Qt::Key_Home:
-        case Qt::Key_End:
-            return control && MoveByKey(*event);
         case Qt::Key_Up:
         case Qt::Key_Down:
         case Qt::Key_PageUp:
         case Qt::Key_PageDown:
-            MoveByKey(*event);
-            return true;
+            return MoveByKey(*event) || MoveOf(*event).has_value();
+        default:
+            return LeavesCell(*event) && MoveByKey(*event);
+    }
+}
+
+// Left, Right, Home and End move through the text where there is a caret in it, and from cell to
+// cell where there is none.
+bool vsFlexGrid::LeavesCell(const QKeyEvent& event) const {
+    const FlexGridEditor& editor = *impl_->editor;
+    const bool plain = (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    const bool control = (event.modifiers() & Qt::ControlModifier) != 0;
+    const bool all = plain && editor.selectedText() == editor.text();
+    const bool inText = editor.HasCaret();
+    const bool none = plain && !editor.hasSelectedText();
+    switch (event.key()) {
+        case Qt::Key_Left:
+            return !inText || all || (none && editor.cursorPosition() == 0);
+        case Qt::Key_Right:
+            return !inText || all || (none && editor.cursorPosition() == editor.text().size());
+        case Qt::Key_Home:
+        case Qt::Key_End:
+            return !inText || control;
         default:
             return false;
     }
 }
 
-// True when the key is one that moves and there was room to move.
+// True when the key is one that moves and there was room to move. The row may be another when the
+// end of the edit has moved it; Enter then stays with it.
 bool vsFlexGrid::MoveByKey(const QKeyEvent& event) {
-    const bool extend = (event.modifiers() & Qt::ShiftModifier) && !IsEnter(event);
-    const bool control = (event.modifiers() & Qt::ControlModifier) != 0;
-    const int last = Rows() - 1;
-    int row = Row();
-    int col = Col();
-    switch (event.key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            if (IsList()) {
-                return false;
-            }
-            row += (event.modifiers() & Qt::ShiftModifier) ? -1 : 1;
-            break;
-        case Qt::Key_Up:
-            row = control ? FixedRows() : row - 1;
-            break;
-        case Qt::Key_Down:
-            row = control ? last : row + 1;
-            break;
-        case Qt::Key_PageUp:
-            row = std::max(row - PageRows(), FixedRows());
-            break;
-        case Qt::Key_PageDown:
-            row = std::min(row + PageRows(), last);
-            break;
-        case Qt::Key_Left:
-            col = NextCol(col, -1);
-            break;
-        case Qt::Key_Right:
-            col = NextCol(col, 1);
-            break;
-        case Qt::Key_Home:
-            col = NextCol(-1, 1);
-            row = control ? FixedRows() : row;
-            break;
-        case Qt::Key_End:
-            col = NextCol(Cols(), -1);
-            row = control ? last : row;
-            break;
-        default:
-            return false;
-    }
-    const bool inside = row >= FixedRows() && row <= last && col >= 0;
-    if (!inside || (row == Row() && col == Col())) {
+    const std::optional<Move> move = MoveOf(event);
+    if (!move || !currentIndex().isValid()) {
         return false;
     }
-    FinishEdit();
-    return MoveTo(row, col, extend);
+    const QPersistentModelIndex from = currentIndex();
+    const FlexGridNavigation::Place place{Row(), Col()};
+    const std::optional<FlexGridNavigation::Place> target = impl_->navigation.Lead(*move, place);
+    if (!target) {
+        return false;
+    }
+    EndEdit();
+    const bool moved = from.isValid() && from.row() + FixedRows() != place.row;
+    if (moved) {
+        return true;
+    }
+    const bool extend = (event.modifiers() & Qt::ShiftModifier) && !IsEnter(event);
+    return MoveTo(target->row, target->col, extend);
 }
 
 bool vsFlexGrid::MoveByTab(bool forward) {
     if (!currentIndex().isValid()) {
         return false;
     }
-    const int step = forward ? 1 : -1;
-    int row = Row();
-    int col = NextCol(Col(), step);
-    if (col < 0) {
-        row += step;
-        col = forward ? NextCol(-1, 1) : NextCol(Cols(), -1);
-    }
-    return row >= FixedRows() && row < Rows() && col >= 0 && MoveTo(row, col, false);
+    const std::optional<FlexGridNavigation::Place> target =
+        impl_->navigation.Lead(forward ? Move::kTab : Move::kBacktab, {Row(), Col()});
+    return target && MoveTo(target->row, target->col, false);
 }
 
 // The row may have gone with what the end of the edit before led to.
@@ -220,17 +270,7 @@ bool vsFlexGrid::MoveTo(int row, int col, bool extend) {
     if (!extend || !impl_->anchor.isValid()) {
         impl_->anchor = extend ? currentIndex() : target;
     }
-    QItemSelectionModel::SelectionFlags flags = QItemSelectionModel::ClearAndSelect;
-    if (selectionBehavior() == SelectRows) {
-        flags |= QItemSelectionModel::Rows;
-    }
-    const QModelIndex anchor = impl_->anchor;
-    selectionModel()->select(
-        QItemSelection(impl_->model->index(std::min(anchor.row(), target.row()),
-                                           std::min(anchor.column(), target.column())),
-                       impl_->model->index(std::max(anchor.row(), target.row()),
-                                           std::max(anchor.column(), target.column()))),
-        flags);
+    SelectBlock(impl_->anchor, target);
     // A block is selected to be copied, not to be edited.
     impl_->quiet += extend ? 1 : 0;
     selectionModel()->setCurrentIndex(target, QItemSelectionModel::NoUpdate);
@@ -238,9 +278,23 @@ bool vsFlexGrid::MoveTo(int row, int col, bool extend) {
     return true;
 }
 
+void vsFlexGrid::SelectBlock(const QModelIndex& one, const QModelIndex& other) {
+    QItemSelectionModel::SelectionFlags flags = QItemSelectionModel::ClearAndSelect;
+    if (selectionBehavior() == SelectRows) {
+        flags |= QItemSelectionModel::Rows;
+    }
+    selectionModel()->select(
+        QItemSelection(impl_->model->index(std::min(one.row(), other.row()),
+                                           std::min(one.column(), other.column())),
+                       impl_->model->index(std::max(one.row(), other.row()),
+                                           std::max(one.column(), other.column()))),
+        flags);
+}
+
 void vsFlexGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-    FinishEdit();
+    EndEdit();
     QTableView::currentChanged(current, previous);
+    setAttribute(Qt::WA_InputMethodEnabled, current.isValid() && !IsList());
     if (current.isValid() && impl_->quiet == 0) {
         scrollTo(current);
         emit EnterCell();
@@ -254,46 +308,14 @@ void vsFlexGrid::Enter() {
     }
 }
 
-void vsFlexGrid::mousePressEvent(QMouseEvent* event) {
-    const QModelIndex index = indexAt(event->pos());
-    if (event->button() != Qt::LeftButton || !index.isValid()) {
-        return;
-    }
-    FinishEdit();
-    impl_->pressed = true;
-    const bool extend = (event->modifiers() & Qt::ShiftModifier) != 0;
-    const bool same = index == currentIndex();
-    MoveTo(index.row() + FixedRows(), index.column(), extend);
-    if (same && !extend) {
+// What an input method has composed is typed, too.
+void vsFlexGrid::inputMethodEvent(QInputMethodEvent* event) {
+    if (!event->commitString().isEmpty() || !event->preeditString().isEmpty()) {
         Enter();
+        if (Editing()) {
+            QCoreApplication::sendEvent(impl_->editor, event);
+        }
     }
-}
-
-void vsFlexGrid::mouseMoveEvent(QMouseEvent* event) {
-    if (!impl_->pressed || !(event->buttons() & Qt::LeftButton)) {
-        return;
-    }
-    const QRect room = viewport()->rect();
-    const QPoint inside(std::clamp(event->pos().x(), room.left(), room.right()),
-                        std::clamp(event->pos().y(), room.top(), room.bottom()));
-    const QModelIndex index = indexAt(inside);
-    if (index.isValid() && index != currentIndex()) {
-        FinishEdit();
-        MoveTo(index.row() + FixedRows(), index.column(), true);
-        scrollTo(index);
-    }
-}
-
-void vsFlexGrid::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton && impl_->pressed) {
-        impl_->pressed = false;
-        impl_->mouseRow = Row();
-        emit Click();
-    }
-}
-
-void vsFlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
-    mousePressEvent(event);
 }
 
 void vsFlexGrid::focusInEvent(QFocusEvent* event) {
@@ -308,8 +330,8 @@ void vsFlexGrid::focusInEvent(QFocusEvent* event) {
         reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
         reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
     if (byKeyboardOrProgram && !impl_->closing) {
+        const QScopedValueRollback arriving(impl_->arriving, true);
         Enter();
-        AnnounceEditor();
     }
 }
 
@@ -332,16 +354,13 @@ bool vsFlexGrid::IsList() const {
     return !isSignalConnected(kEnterCell);
 }
 
-// The next column that is shown, or -1.
-int vsFlexGrid::NextCol(int from, int step) const {
-    for (int col = from + step; col >= 0 && col < Cols(); col += step) {
-        if (!ColHidden(col)) {
-            return col;
-        }
-    }
-    return -1;
+void vsFlexGrid::Trapped(const std::function<void()>& body) {
+    platform::EventTrap::Run("vsFlexGrid.FinishEdit", body);
 }
 
-int vsFlexGrid::PageRows() const {
-    return std::max(viewport()->height() / verticalHeader()->defaultSectionSize() - 1, 1);
+// Errors of storing what was typed are told at once; the key or click that ended the edit goes on.
+void vsFlexGrid::EndEdit() {
+    if (Editing()) {
+        Trapped([this] { FinishEdit(); });
+    }
 }

@@ -1,45 +1,127 @@
 // The grid's copying, pasting and clearing.
-#include <QToolTip>
+#include <QItemSelectionModel>
 
 #include "platform/controls/FlexGridClip.h"
+#include "platform/controls/FlexGridPastePlan.h"
 #include "platform/controls/vsFlexGridImpl.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/system/Host.h"
 
 namespace {
 
-constexpr int kTipTime = 12000;  // milliseconds, enough to read two lines
+using FlexGridPastePlan::Refusal;
+using FlexGridPastePlan::Why;
+
+constexpr std::size_t kMostListed = 12;
+constexpr qsizetype kLongestShown = 40;
+
+bool IsOneCell(const FlexGridClip::Block& block) {
+    return block.empty() || (block.size() == 1 && block.front().size() <= 1);
+}
+
+bool IsWanted(const QString& question) {
+    platform::MsgOptions options;
+    options.icon = platform::MsgIcon::kQuestion;
+    options.buttons = platform::MsgButtons::kYesNo;
+    return platform::MsgBox(question, options) == platform::MsgAnswer::kYes;
+}
+
+QString Shortened(const QString& text) {
+    const QString line = text.simplified();
+    return line.size() <= kLongestShown ? line : line.left(kLongestShown) + QStringLiteral("...");
+}
 
 }  // namespace
 
+// What the grid's cells take, for the plan of a paste. Rows are the table's.
+class vsFlexGrid::PasteGround : public FlexGridPastePlan::Ground {
+public:
+    explicit PasteGround(const vsFlexGrid& grid) : grid_(grid) {}
+
+    [[nodiscard]] int RowCount() const override { return grid_.Rows() - grid_.FixedRows(); }
+    [[nodiscard]] int RoomForRows() const override {
+        return grid_.Table() == nullptr ? 0 : grid_.Table()->RoomForRows();
+    }
+    [[nodiscard]] int Cols() const override { return grid_.Cols(); }
+    [[nodiscard]] bool IsShown(int col) const override { return !grid_.ColHidden(col); }
+    [[nodiscard]] GridTable::Takes Takes(int row, int col) const override {
+        const bool number = grid_.impl_->model->Column(col).number;
+        if (grid_.Table() == nullptr || RowCount() == 0) {
+            return number ? GridTable::Takes::kNumber : GridTable::Takes::kText;
+        }
+        return grid_.Table()->CellTakes(std::min(row, RowCount()), col);
+    }
+    [[nodiscard]] int MaxLength(int col) const override {
+        return grid_.Table() == nullptr ? 0 : grid_.Table()->MaxLength(col);
+    }
+    [[nodiscard]] QString Text(int row, int col) const override {
+        return grid_.TextMatrix(row + grid_.FixedRows() - 1, col);
+    }
+
+private:
+    const vsFlexGrid& grid_;
+};
+
+void vsFlexGrid::Copy() {
+    platform::SetClipboardText(Clip());
+}
+
+void vsFlexGrid::Cut() {
+    Copy();
+    Trapped([this] { ClearClip(); });
+}
+
+void vsFlexGrid::Paste() {
+    Trapped([this] { SetEditSelText(platform::ClipboardText()); });
+}
+
 void vsFlexGrid::SetEditSelText(const QString& text) {
+    if (!currentIndex().isValid() || IsList()) {
+        return;
+    }
     const FlexGridClip::Block block = FlexGridClip::FromText(text);
-    if (block.size() > 1 || (block.size() == 1 && block.front().size() > 1)) {
+    if (!IsOneCell(block)) {
         PasteBlock(block);
         return;
     }
-    if (!Editing()) {
+    const bool ownTexts = Table() == nullptr && SelectedCells().size() <= 1;
+    if (!Editing() && ownTexts) {
         Enter();
     }
     if (Editing()) {
         // The one cell without a spreadsheet's quotation marks and line end.
         const bool copiedCell = text.endsWith(u'\n') && !block.empty();
         PasteText(copiedCell ? block.front().front() : text);
+    } else if (!block.empty()) {
+        PasteBlock(block);
     }
 }
 
-// Where the text takes the place of the whole cell, it is taken as that of a block's cell is.
+// Into the open editor, as typing does.
 void vsFlexGrid::PasteText(const QString& text) {
     FlexGridEditor& editor = *impl_->editor;
-    const bool isWhole = editor.selectedText() == editor.text();
-    if (!isWhole || !impl_->model->Column(Col()).number) {
-        editor.insert(text);
+    const QString whole = editor.text();
+    const qsizetype start =
+        editor.hasSelectedText() ? editor.selectionStart() : qsizetype(editor.cursorPosition());
+    const qsizetype end = start + editor.selectedText().size();
+    const int row = impl_->edited.row() + FixedRows();
+    const int col = impl_->edited.column();
+    const bool number = TakesNumber(row, col);
+    const std::optional<QString> inserted =
+        FlexGridPastePlan::Inserted(whole.left(start), text, whole.mid(end), number, Longest(col));
+    if (inserted) {
+        editor.insert(*inserted);
         return;
     }
-    const QString number = AsTyped(Col(), text);
-    if (number.size() > editor.maxLength()) {
-        TellRefused(1);
-        return;
-    }
-    editor.insert(number);
+    const QString typed = FlexGridPastePlan::AsTyped(text, number, Longest(col));
+    const bool fits = start + typed.size() + whole.size() - end <= Longest(col);
+    TellRefused({{row - FixedRows() + 1, col, text, fits ? Why::kNoNumber : Why::kTooLong, {}}});
+}
+
+bool vsFlexGrid::TakesNumber(int row, int col) const {
+    return impl_->model->IsTableCell(row)
+               ? Table()->CellTakes(impl_->model->TableRow(row), col) == GridTable::Takes::kNumber
+               : impl_->model->Column(col).number;
 }
 
 void vsFlexGrid::ClearClip() {
@@ -47,38 +129,20 @@ void vsFlexGrid::ClearClip() {
         impl_->editor->insert(QString());
         return;
     }
-    if (Table() != nullptr) {
-        ClearCells();
-        return;
-    }
-    const QModelIndex current = currentIndex();
-    for (const QPersistentModelIndex cell : SelectedCells()) {
-        ReplaceCell(cell.row() + FixedRows(), cell.column(), QString());
-    }
-    if (current.isValid()) {
-        Select(current.row() + FixedRows(), current.column());
-    }
-}
-
-void vsFlexGrid::ClearCells() {
     const QModelIndexList selected = SelectedCells();
     const QList<QPersistentModelIndex> cells(selected.begin(), selected.end());
+    std::vector<Refusal> refused;
     BeginAction(tr("Delete"));
-    for (const QPersistentModelIndex& cell : cells) {
-        if (cell.isValid() && TakesText(cell.row() + FixedRows(), cell.column())) {
-            OfferCell(cell, QString());
+    Finally([&] {
+        for (const QPersistentModelIndex& cell : cells) {
+            if (cell.isValid() && TakesText(cell.row() + FixedRows(), cell.column())) {
+                (void)PutCell(cell, QString(), refused);
+            }
         }
-    }
-    EndAction();
+    });
+    RestoreSelection(cells);
     TellNote();
-}
-
-void vsFlexGrid::OfferCell(const QPersistentModelIndex& cell, const QString& text) {
-    const GridTable::Answer answer = Offer(cell.row() + FixedRows(), cell.column(), text);
-    TakeAnswer(cell, text, answer);
-    if (cell.isValid()) {
-        emit AfterEdit(cell.row() + FixedRows(), cell.column());
-    }
+    TellRefused(refused);
 }
 
 QString vsFlexGrid::Clip() const {
@@ -98,98 +162,190 @@ QString vsFlexGrid::Clip() const {
     return FlexGridClip::ToText(block);
 }
 
-// Each cell is edited as if it were typed, so that the handlers have their say. They may sort the
-// rows as soon as a cell is edited; each line of the block stays with the row that it began in.
-void vsFlexGrid::PasteBlock(const std::vector<QStringList>& block) {
-    if (!currentIndex().isValid()) {
+void vsFlexGrid::PasteBlock(const FlexGridClip::Block& pasted) {
+    EndEdit();
+    const QModelIndexList selected = SelectedCells();
+    if (selected.isEmpty()) {
         return;
     }
-    const int top = Row();
-    const int left = Col();
-    const auto lines = static_cast<int>(block.size());
-    impl_->model->MarkRows(top, lines);
-    FinishEdit();
-    BeginAction(tr("Paste"));
-    int refused = 0;
-    for (int line = 0; line < lines; ++line) {
-        int col = left;
-        for (const QString& text : block[static_cast<std::size_t>(line)]) {
-            const int row = impl_->model->MarkedRow(line);
-            if (row < 0 || col < 0) {
-                refused += text.isEmpty() ? 0 : 1;
-                continue;
-            }
-            refused += PasteCell(row, col, text) ? 0 : 1;
-            col = NextCol(col, 1);
-        }
+    const FlexGridPastePlan::Area area{selected.front().row() + 1, selected.front().column(),
+                                       selected.back().row() + 1, selected.back().column()};
+    const PasteGround ground(*this);
+    FlexGridClip::Block block = pasted;
+    if (FlexGridPastePlan::HasHeadings(block, ground, area) && LeaveHeadingsOut(block.front())) {
+        block.erase(block.begin());
     }
-    Select(top, left);
-    EndAction();
+    FlexGridPastePlan::Plan plan = FlexGridPastePlan::Make(block, ground, area, true);
+    if (plan.newRows > 0 && !AddsRows(plan.newRows)) {
+        plan = FlexGridPastePlan::Make(block, ground, area, false);
+    }
+    BeginAction(tr("Paste"));
+    Finally([&] { CarryOut(plan); });
+    SelectArea(plan.area);
     TellNote();
-    TellRefused(refused);
+    TellRefused(plan.refusals);
 }
 
-// False when the cell does not take the text as it is.
-bool vsFlexGrid::PasteCell(int row, int col, const QString& text) {
-    const QString wanted = AsTyped(col, text);
-    if (impl_->model->IsTableCell(row)) {
-        if (!TakesText(row, col) || wanted.size() > Longest(col)) {
-            return impl_->model->Text(row, col) == wanted;
+bool vsFlexGrid::LeaveHeadingsOut(const QStringList& line) const {
+    const QString question =
+        tr("The first line of what is pasted holds headings (%1) where numbers are wanted.")
+            .arg(Shortened(line.join(QStringLiteral(", "))));
+    return IsWanted(question + platform::kNewLine + tr("Leave it out?"));
+}
+
+bool vsFlexGrid::AddsRows(int count) const {
+    const QString question =
+        count == 1 ? tr("What is pasted has 1 row more than there is room for.") +
+                         platform::kNewLine + tr("Add 1 new row?")
+                   : tr("What is pasted has %1 rows more than there is room for.").arg(count) +
+                         platform::kNewLine + tr("Add %1 new rows?").arg(count);
+    return IsWanted(question);
+}
+
+// Rows may be sorted as soon as a cell has its text; each line of the block stays with the row that
+// it began in.
+void vsFlexGrid::CarryOut(FlexGridPastePlan::Plan& plan) {
+    if (plan.newRows > 0) {
+        Table()->AppendRows(plan.newRows);
+        SyncRows();
+    }
+    const int top = plan.area.top + FixedRows() - 1;
+    impl_->model->MarkRows(top, plan.area.bottom - plan.area.top + 1);
+    for (const FlexGridPastePlan::Cell& cell : plan.cells) {
+        const int row = impl_->model->MarkedRow(cell.row - plan.area.top);
+        if (row < 0) {
+            plan.refusals.push_back({cell.row, cell.col, cell.text, Why::kBeyondTable, {}});
+            continue;
         }
-        OfferCell(impl_->model->index(row - FixedRows(), col), wanted);
-        return true;
+        (void)PutCell(impl_->model->index(row - FixedRows(), cell.col), cell.text, plan.refusals);
     }
-    if (!EditOnly(row, col)) {
-        return impl_->model->Text(row, col) == wanted;
+}
+
+// A table is offered the text; without one the cell is edited as if it were typed, so that the
+// handlers have their say.
+bool vsFlexGrid::PutCell(const QPersistentModelIndex& cell, const QString& text,
+                         std::vector<Refusal>& refused) {
+    const int row = cell.row() + FixedRows();
+    const int col = cell.column();
+    if (Table() == nullptr) {
+        return TypeIntoCell(row, col, text, refused);
     }
-    const bool fits = wanted.size() <= impl_->editor->maxLength();
-    // A part of a number would be another number.
-    if (fits || !impl_->model->Column(col).number) {
+    const GridTable::Answer answer = Offer(row, col, text);
+    if (answer.kind == GridTable::Answer::Kind::kRefused) {
+        refused.push_back({row - FixedRows() + 1, col, text, Why::kRefused, answer.text});
+    } else {
+        TakeAnswer(cell, text, answer);
+    }
+    if (cell.isValid()) {
+        emit AfterEdit(cell.row() + FixedRows(), cell.column());
+    }
+    return answer.kind != GridTable::Answer::Kind::kRefused;
+}
+
+bool vsFlexGrid::TypeIntoCell(int row, int col, const QString& text,
+                              std::vector<Refusal>& refused) {
+    const int tableRow = row - FixedRows() + 1;
+    Select(row, col);
+    if (!Editing()) {
+        Enter();
+    }
+    if (!Editing()) {
+        if (impl_->model->Text(row, col) != text) {
+            refused.push_back({tableRow, col, text, Why::kNotEditable, {}});
+        }
+        return false;
+    }
+    const bool fits = text.size() <= Longest(col);
+    if (fits) {
         impl_->editor->selectAll();
-        impl_->editor->insert(wanted);
+        impl_->editor->insert(text);
+    } else {
+        refused.push_back({tableRow, col, text, Why::kTooLong, {}});
     }
     FinishEdit();
     return fits;
 }
 
-QString vsFlexGrid::AsTyped(int col, const QString& text) const {
-    return impl_->model->Column(col).number ? FlexGridClip::PlainNumber(text) : text;
+// The action ends also when the body fails.
+void vsFlexGrid::Finally(const std::function<void()>& body) {
+    try {
+        body();
+    } catch (...) {
+        EndAction();
+        throw;
+    }
+    EndAction();
 }
 
-void vsFlexGrid::TellRefused(int cells) {
-    if (cells == 0) {
+void vsFlexGrid::SelectArea(const FlexGridPastePlan::Area& area) {
+    const QModelIndex first = impl_->model->index(area.top - 1, area.left);
+    const QModelIndex last =
+        impl_->model->index(std::min(area.bottom, impl_->model->rowCount()) - 1, area.right);
+    if (!first.isValid() || !last.isValid()) {
         return;
     }
-    const QString told = cells == 1
-                             ? tr("One cell was not pasted, or not all of it:\n"
-                                  "it lies beyond the table, is too long or cannot be changed.")
-                             : tr("%1 cells were not pasted, or not all of them:\n"
-                                  "they lie beyond the table, are too long or cannot be changed.")
-                                   .arg(cells);
-    const QPoint below = visualRect(currentIndex()).bottomLeft();
-    QToolTip::showText(viewport()->mapToGlobal(below), told, this, {}, kTipTime);
+    const Impl::Quiet quiet(*impl_);
+    impl_->anchor = first;
+    SelectBlock(first, last);
+    selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
 }
 
-// Makes a cell current and edits it; false when it must not be edited.
-bool vsFlexGrid::EditOnly(int row, int col) {
-    Select(row, col);
-    if (!Editing()) {
-        Enter();
+// The cells that were cleared stay selected, so that what is pasted next goes there.
+void vsFlexGrid::RestoreSelection(const QList<QPersistentModelIndex>& cells) {
+    if (cells.isEmpty() || !cells.front().isValid() || !cells.back().isValid()) {
+        return;
     }
-    return Editing();
+    EndEdit();
+    const Impl::Quiet quiet(*impl_);
+    impl_->anchor = cells.front();
+    SelectBlock(cells.front(), cells.back());
+    selectionModel()->setCurrentIndex(cells.front(), QItemSelectionModel::NoUpdate);
 }
 
-void vsFlexGrid::ReplaceCell(int row, int col, const QString& text) {
-    if (EditOnly(row, col)) {
-        impl_->editor->selectAll();
-        impl_->editor->insert(text);
-        FinishEdit();
+void vsFlexGrid::TellRefused(const std::vector<Refusal>& refused) {
+    if (refused.empty()) {
+        return;
     }
+    QStringList lines{refused.size() == 1 ? tr("One cell was not pasted:")
+                                          : tr("%1 cells were not pasted:").arg(refused.size())};
+    for (std::size_t at = 0; at < std::min(refused.size(), kMostListed); ++at) {
+        lines += RefusedLine(refused[at]);
+    }
+    if (refused.size() > kMostListed) {
+        lines += tr("and %1 more").arg(refused.size() - kMostListed);
+    }
+    platform::MsgOptions options;
+    options.icon = platform::MsgIcon::kExclamation;
+    platform::MsgBox(lines.join(platform::kNewLine), options);
+}
+
+QString vsFlexGrid::RefusedLine(const Refusal& refusal) const {
+    const int row = refusal.row + FixedRows() - 1;
+    const bool there = row < Rows() && refusal.col >= 0;
+    const QString name = there ? CellName(row, refusal.col) : tr("row %1").arg(refusal.row);
+    const QString text = Shortened(refusal.text);
+    switch (refusal.why) {
+        case Why::kBeyondTable:
+            return refusal.col < 0 ? tr("%1: '%2' lies beyond the last column.").arg(name, text)
+                                   : tr("%1: '%2' lies beyond the last row.").arg(name, text);
+        case Why::kNotEditable:
+            return tr("%1: '%2'; this cell cannot be changed.").arg(name, text);
+        case Why::kTooLong:
+            return tr("%1: '%2' is longer than %3 characters.")
+                .arg(name, text)
+                .arg(Longest(refusal.col));
+        case Why::kNoNumber:
+            return tr("%1: '%2' is not a number.").arg(name, text);
+        case Why::kRefused:
+            break;
+    }
+    return tr("%1: '%2'. %3").arg(name, text, refusal.reason);
 }
 
 // In reading order, without hidden columns.
 QModelIndexList vsFlexGrid::SelectedCells() const {
     QModelIndexList cells = selectedIndexes();
+    cells.removeIf([this](const QModelIndex& cell) { return ColHidden(cell.column()); });
     if (cells.isEmpty() && currentIndex().isValid()) {
         cells += currentIndex();
     }

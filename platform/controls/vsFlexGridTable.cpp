@@ -43,7 +43,12 @@ void vsFlexGrid::RowsChanged(int first, int last) {
     TellNote();
 }
 
+// The grid may have counted the table's rows already.
 void vsFlexGrid::RowInserted(int row) {
+    if (Rows() - FixedRows() >= Table()->RowCount()) {
+        RowsChanged(row, Table()->RowCount());
+        return;
+    }
     const Impl::Quiet quiet(*impl_);
     impl_->model->InsertRow(row + FixedRows() - 1, {});
     EnsureCurrent();
@@ -51,8 +56,17 @@ void vsFlexGrid::RowInserted(int row) {
 }
 
 void vsFlexGrid::RowRemoved(int row) {
-    RemoveItem(row + FixedRows() - 1);
+    if (Rows() - FixedRows() > Table()->RowCount()) {
+        RemoveItem(row + FixedRows() - 1);
+    }
     TellNote();
+}
+
+// Rows that came or went at the end, whether or not they have been announced.
+void vsFlexGrid::SyncRows() {
+    const Impl::Quiet quiet(*impl_);
+    impl_->model->SetRows(FixedRows() + Table()->RowCount());
+    EnsureCurrent();
 }
 
 // The current cell and the open edit go along with their row.

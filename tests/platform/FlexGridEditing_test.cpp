@@ -1,11 +1,18 @@
 // Playing the user in a grid whose cells are edited when they are entered.
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QCoreApplication>
+#include <QDropEvent>
 #include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <functional>
 #include <iterator>
 #include <random>
 
 #include "FlexGridFixture.h"
+#include "support/Answers.h"
 
 namespace {
 
@@ -16,6 +23,22 @@ protected:
         FillList();
         EditOnEntering();
         Show();
+    }
+
+    // Opens the menu where the keyboard is and takes one of its entries.
+    void Choose(const char* entry) {
+        QWidget* place = grid_->Editing() ? static_cast<QWidget*>(grid_->findChild<QLineEdit*>())
+                                          : grid_->viewport();
+        QContextMenuEvent open(QContextMenuEvent::Mouse, QPoint(2, 2),
+                               place->mapToGlobal(QPoint(2, 2)));
+        QApplication::sendEvent(place, &open);
+        auto* action = grid_->findChild<QAction*>(QString::fromLatin1(entry));
+        ASSERT_NE(action, nullptr);
+        EXPECT_TRUE(action->isEnabled()) << entry;
+        action->trigger();
+        delete grid_->findChild<QMenu*>("mnuCell");
+        window_.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
     }
 };
 
@@ -100,10 +123,117 @@ TEST_F(FlexGridEditing, ControlTab_LeavesGridFromAnyCell) {
     EXPECT_TRUE(after_->hasFocus());
 }
 
-TEST_F(FlexGridEditing, TabIntoGrid_EntersCurrentCell) {
+TEST_F(FlexGridEditing, TabIntoGrid_MarksCurrentCellAndOpensNoEditor) {
     Key(Qt::Key_Tab);
-    EXPECT_TRUE(grid_->Editing());
+    EXPECT_TRUE(grid_->hasFocus());
+    EXPECT_FALSE(grid_->Editing());
     EXPECT_EQ(TakeLog(), QStringList({"Enter 1 0"}));
+    // The next key opens it.
+    Type("x");
+    EXPECT_EQ(grid_->EditText(), "x");
+}
+
+TEST_F(FlexGridEditing, Enter_OnAMarkedCell_OpensItAndStays) {
+    Key(Qt::Key_Tab);
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(Current(), Cell(1, 0));
+    EXPECT_EQ(grid_->EditSelText(), "North");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Current(), Cell(2, 0));
+}
+
+TEST_F(FlexGridEditing, ClickOnTheOpenCell_KeepsAllSelected) {
+    ClickCell(1, 1);
+    Type("5");
+    Key(Qt::Key_Return);
+    ASSERT_TRUE(grid_->Editing());
+    ClickCell(2, 1);
+    EXPECT_EQ(grid_->EditSelText(), "2");
+    Type("25");
+    EXPECT_EQ(grid_->EditText(), "25");
+    // Once something was typed a click gives a caret.
+    ClickCell(2, 1);
+    EXPECT_EQ(grid_->EditSelText(), "");
+    EXPECT_EQ(Current(), Cell(2, 1));
+}
+
+TEST_F(FlexGridEditing, QuickClicksWithKeysBetween_AreNoDoubleClick) {
+    QWindow* window = window_.windowHandle();
+    ClickCell(1, 1);
+    Type("5");
+    Key(Qt::Key_Return);
+    const QPoint place = InWindow(1, 1);
+    QTest::mouseDClick(window, Qt::LeftButton, {}, place);
+    EXPECT_TRUE(grid_->findChild<QLineEdit*>()->selectedText().isEmpty());
+    Key(Qt::Key_Escape);
+    ClickCell(2, 1);
+    Type("7");
+    Key(Qt::Key_Up);
+    // The second press of a double click comes after keys.
+    QMouseEvent press(QEvent::MouseButtonDblClick, grid_->CellRect(2, 1).center(),
+                      grid_->viewport()->mapToGlobal(grid_->CellRect(2, 1).center()),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(grid_->viewport(), &press);
+    EXPECT_EQ(grid_->EditSelText(), "7");
+    Type("12");
+    EXPECT_EQ(grid_->EditText(), "12");
+}
+
+TEST_F(FlexGridEditing, DoubleAndTripleClick_GiveACaret) {
+    QWindow* window = window_.windowHandle();
+    const QPoint place = InWindow(1, 0);
+    QTest::mouseClick(window, Qt::LeftButton, {}, place);
+    EXPECT_EQ(grid_->EditSelText(), "North");
+    QTest::mouseDClick(window, Qt::LeftButton, {}, place);
+    EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(grid_->EditSelText(), "");
+    QTest::mouseClick(window, Qt::LeftButton, {}, place);
+    EXPECT_EQ(grid_->EditSelText(), "");
+    EXPECT_EQ(grid_->EditText(), "North");
+}
+
+TEST_F(FlexGridEditing, DragFromTheOpenCell_SelectsABlock) {
+    ClickCell(1, 0);
+    QWindow* window = window_.windowHandle();
+    QTest::mousePress(window, Qt::LeftButton, {}, InWindow(1, 0));
+    QTest::mouseMove(window, InWindow(2, 1));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, InWindow(2, 1));
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_EQ(grid_->Clip(), "North\t1\r\nEast\t2\r\n");
+}
+
+TEST_F(FlexGridEditing, HomeAndShiftArrows_OnAnUntouchedCell_MoveOverCells) {
+    ClickCell(2, 1);
+    Key(Qt::Key_Home);
+    EXPECT_EQ(Current(), Cell(2, 0));
+    Key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_EQ(grid_->Clip(), "East\t2\r\n");
+    ClickCell(2, 1);
+    Type("34");
+    Key(Qt::Key_Home);
+    Type("9");
+    EXPECT_EQ(grid_->EditText(), "934");
+}
+
+TEST_F(FlexGridEditing, FrameKeys_PassThroughTheEditorAndTheGrid) {
+    for (const bool open : {true, false}) {
+        ClickCell(2, 0);
+        if (!open) {
+            Key(Qt::Key_Escape);
+        }
+        auto* receiver = QApplication::focusWidget();
+        for (const auto& [key, modifier] : {std::pair(Qt::Key_PageDown, Qt::ControlModifier),
+                                            std::pair(Qt::Key_PageUp, Qt::ControlModifier),
+                                            std::pair(Qt::Key_Down, Qt::AltModifier)}) {
+            QKeyEvent press(QEvent::KeyPress, key, modifier);
+            press.setAccepted(true);
+            QApplication::sendEvent(receiver, &press);
+            EXPECT_FALSE(press.isAccepted()) << key;
+            EXPECT_EQ(Current(), Cell(2, 0));
+        }
+    }
 }
 
 TEST_F(FlexGridEditing, Arrows_EndEditAndMove) {
@@ -179,11 +309,13 @@ TEST_F(FlexGridEditing, Escape_WithoutChange_TellsNothing) {
     EXPECT_FALSE(grid_->Editing());
 }
 
-TEST_F(FlexGridEditing, F2_StartsEditAndThenPutsCursorBehindText) {
+TEST_F(FlexGridEditing, F2_PutsCursorBehindText) {
     ClickCell(1, 0);
     Key(Qt::Key_Escape);
     Key(Qt::Key_F2);
     EXPECT_TRUE(grid_->Editing());
+    EXPECT_EQ(grid_->EditSelText(), "");
+    Key(Qt::Key_F2);
     EXPECT_EQ(grid_->EditSelText(), "North");
     Key(Qt::Key_F2);
     EXPECT_EQ(grid_->EditSelText(), "");
@@ -245,20 +377,89 @@ TEST_F(FlexGridEditing, SetEditSelText_CountsAsTyping) {
     EXPECT_TRUE(grid_->Editing());
 }
 
-TEST_F(FlexGridEditing, ContextMenuPaste_CountsAsTyping) {
-    ClickCell(1, 1);
-    TakeLog();
-    QGuiApplication::clipboard()->setText("12\r\n");
-    grid_->findChild<QLineEdit*>()->paste();
-    EXPECT_EQ(TakeLog(), QStringList({"Change 12", "Up 1 1 12"}));
+TEST_F(FlexGridEditing, EveryPasteKeyAndMenu_IsTheSamePaste) {
+    grid_->SetColDataType(2, vsFlexGrid::DataType::kCurrency);
+    QGuiApplication::clipboard()->setText("-1,250.00\r\n");
+    const auto menuPaste = [this] { Choose("mnuCellPaste"); };
+    const std::vector<std::function<void()>> ways = {
+        [this] { Key(Qt::Key_V, Qt::ControlModifier); },
+        [this] { Key(Qt::Key_Insert, Qt::ShiftModifier); },
+        menuPaste,
+        [this] { QTest::mouseClick(window_.windowHandle(), Qt::MiddleButton, {}, InWindow(1, 2)); },
+        [this] { grid_->SetEditSelText(QGuiApplication::clipboard()->text()); },
+    };
+    for (const bool open : {true, false}) {
+        for (std::size_t way = 0; way < ways.size(); ++way) {
+            grid_->SetTextMatrix(1, 2, "7");
+            ClickCell(1, 2);
+            if (!open) {
+                Key(Qt::Key_Escape);
+            }
+            TakeLog();
+            ways[way]();
+            EXPECT_EQ(grid_->EditText(), "-1250.00") << way << open;
+            EXPECT_TRUE(log_.contains("Change -1250.00")) << way;
+            EXPECT_TRUE(log_.contains("Up 1 2 -1250.00")) << way;
+            Key(Qt::Key_Escape);
+        }
+    }
+}
+
+TEST_F(FlexGridEditing, Menu_CutsCopiesAndDeletesWithoutAnEditor) {
+    Key(Qt::Key_Tab);
+    Choose("mnuCellCopy");
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "North");
+    Choose("mnuCellCut");
+    EXPECT_EQ(grid_->TextMatrix(1, 0), "");
+    grid_->SetTextMatrix(1, 0, "again");
+    Choose("mnuCellDelete");
+    EXPECT_EQ(grid_->TextMatrix(1, 0), "");
+}
+
+TEST_F(FlexGridEditing, DroppedText_ArrivesWholeOrNotAtAll) {
+    grid_->SetColDataType(2, vsFlexGrid::DataType::kCurrency);
+    QObject::connect(grid_, &vsFlexGrid::BeforeEdit, grid_,
+                     [this](int, int, bool*) { grid_->SetEditMaxLength(7); });
+    ClickCell(1, 2);
+    Type("7400");
+    auto* editor = grid_->findChild<QLineEdit*>();
+    QMimeData data;
+    data.setText("12,345");
+    const support::Answers answers;
+    QDragEnterEvent enter(QPoint(4, 4), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(editor, &enter);
+    QDropEvent drop(QPointF(editor->width() - 2, 4), Qt::CopyAction, &data, Qt::LeftButton,
+                    Qt::NoModifier);
+    QApplication::sendEvent(editor, &drop);
+    EXPECT_EQ(grid_->EditText(), "7400");
+    EXPECT_EQ(answers.Messages().size(), 1U);
+}
+
+TEST_F(FlexGridEditing, ComposedText_OpensTheCellAndKeepsToTheLimit) {
+    grid_->SetEditMaxLength(3);
+    Key(Qt::Key_Tab);
+    QInputMethodEvent composed;
+    composed.setCommitString(QString::fromUtf8("\xc3\xa9"));
+    QApplication::sendEvent(grid_, &composed);
+    EXPECT_EQ(grid_->EditText(), QString::fromUtf8("\xc3\xa9"));
+    QInputMethodEvent more;
+    more.setCommitString("abcdef");
+    QApplication::sendEvent(grid_->findChild<QLineEdit*>(), &more);
+    EXPECT_LE(grid_->EditText().size(), 3);
 }
 
 TEST_F(FlexGridEditing, MaxLength_LimitsTypingButNeverCutsWhatIsThere) {
     grid_->SetEditMaxLength(3);
     ClickCell(1, 0);
     EXPECT_EQ(grid_->EditText(), "North");
+    Key(Qt::Key_F2);
+    Type("x");
+    EXPECT_EQ(grid_->EditText(), "North");
+    Key(Qt::Key_Backspace);
+    EXPECT_EQ(grid_->EditText(), "Nort");
+    Key(Qt::Key_F2);
     Type("abcd");
-    EXPECT_EQ(grid_->EditText(), "abcd");
+    EXPECT_EQ(grid_->EditText(), "abc");
     ClickCell(1, 1);
     Type("1234");
     EXPECT_EQ(grid_->EditText(), "123");
@@ -414,6 +615,7 @@ protected:
     }
     int Any(std::size_t count) { return static_cast<int>(random_() % count); }
 
+    support::Answers answers_;
     std::mt19937 random_{GetParam()};
     QString stored_[3][3];
 };

@@ -11,6 +11,7 @@
 #include "platform/RuntimeError.h"
 #include "platform/controls/FlexGridClip.h"
 #include "platform/controls/FlexGridPaint.h"
+#include "support/Answers.h"
 
 namespace {
 
@@ -256,6 +257,7 @@ TEST_F(FlexGridShape, PastedBlock_IsEditedCellByCell) {
     Show();
     ClickCell(2, 0);
     TakeLog();
+    const support::Answers answers;
     grid_->SetEditSelText("\"We\"\"st\"\t7\r\nx\t8\r\nbeyond\t9\r\n");
     EXPECT_EQ(grid_->TextMatrix(2, 0), "We\"st");
     EXPECT_EQ(grid_->TextMatrix(2, 1), "7");

@@ -6,6 +6,7 @@
 
 #include "FlexGridFixture.h"
 #include "MemoryTable.h"
+#include "support/Answers.h"
 
 namespace {
 
@@ -188,6 +189,79 @@ TEST_F(FlexGridTable, BlockPastedOrCleared_IsOneAction) {
     Key(Qt::Key_Delete);
     EXPECT_EQ(table_.log, QStringList({"Begin Delete", "Offer 1 1 ", "Offer 2 1 ", "End"}));
     EXPECT_EQ(grid_->CellNote(2, 1), "");
+}
+
+TEST_F(FlexGridTable, Tab_PassesCellsThatRefuseAndColumnsWithoutStops) {
+    table_.refuses = [](int, int col) { return col == 2; };
+    ClickCell(1, 1);
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Current(), Cell(1, 3));
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Current(), Cell(2, 1));
+    Type("5");
+    Key(Qt::Key_Tab);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Current(), Cell(3, 1));
+    EXPECT_EQ(table_.Value(2, 1), 5);
+}
+
+TEST_F(FlexGridTable, MarkedCell_TakesAPasteWithoutAnEditor) {
+    ClickCell(2, 1);
+    Key(Qt::Key_Escape);
+    grid_->SetEditSelText("-1,250.00");
+    EXPECT_FALSE(grid_->Editing());
+    EXPECT_EQ(table_.Value(2, 1), -1250);
+    EXPECT_EQ(table_.log, QStringList({"Begin Paste", "Offer 2 1 -1250.00", "End"}));
+    EXPECT_EQ(grid_->Note(), "");
+}
+
+TEST_F(FlexGridTable, RowsBeyondTheEnd_AreAddedAfterOneQuestion) {
+    table_.room = 5;
+    // The table may announce its new rows or not.
+    for (const bool announces : {true, false}) {
+        const int rows = table_.RowCount();
+        table_.appended = [this, announces](int row) {
+            if (announces) {
+                grid_->RowInserted(row);
+            }
+        };
+        support::Answers answers({QMessageBox::Yes});
+        grid_->Select(rows, 0);
+        Key(Qt::Key_Escape);
+        grid_->FinishEdit();
+        grid_->SetEditSelText("a\t1\r\nb\t2\r\nc\t3\r\n");
+        ASSERT_EQ(answers.Texts().size(), 1);
+        EXPECT_TRUE(answers.Texts().front().contains("Add 2 new rows?"));
+        EXPECT_EQ(table_.RowCount(), rows + 2);
+        EXPECT_EQ(grid_->Rows(), rows + 3);
+        EXPECT_EQ(grid_->TextMatrix(rows + 2, 0), "c");
+        EXPECT_EQ(table_.Value(rows + 2, 1), 3);
+        EXPECT_EQ(table_.log.count("Begin Paste"), announces ? 1 : 2);
+    }
+}
+
+TEST_F(FlexGridTable, RowsThatAreNotWanted_AreListed) {
+    table_.room = 5;
+    support::Answers answers({QMessageBox::No, QMessageBox::Ok});
+    grid_->Select(4, 1);
+    grid_->FinishEdit();
+    grid_->SetEditSelText("1\r\n2\r\n");
+    EXPECT_EQ(table_.RowCount(), 4);
+    ASSERT_EQ(answers.Texts().size(), 2);
+    EXPECT_EQ(answers.Texts().back(),
+              "One cell was not pasted:\r\nrow 5: '2' lies beyond the "
+              "last row.");
+}
+
+TEST_F(FlexGridTable, RefusedByTheTable_IsListedWithItsReason) {
+    table_.longest = 12;
+    support::Answers answers;
+    ClickCell(2, 1);
+    grid_->SetEditSelText("1\t1e300\r\n");
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_EQ(answers.Texts().front(),
+              "One cell was not pasted:\r\nFIL 2, Forage: '1e300'. The number is too large.");
+    EXPECT_EQ(table_.Value(2, 1), 1);
 }
 
 TEST_F(FlexGridTable, AnnouncedRows_ComeGoAndMoveWithTheCurrentCell) {

@@ -37,6 +37,10 @@ public:
         timer_.start(1);
     }
 
+    // More buttons to press, after those that are left.
+    void Press(const std::vector<QMessageBox::StandardButton>& buttons) {
+        buttons_.insert(buttons_.end(), buttons.begin(), buttons.end());
+    }
     // What to do with a modal window that is no message box, once for each.
     void Then(std::function<void(QWidget&)> step) { steps_.push_back(std::move(step)); }
 
