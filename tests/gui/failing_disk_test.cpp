@@ -11,6 +11,7 @@
 #include <QComboBox>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <iostream>
 
@@ -302,6 +303,36 @@ TEST_P(FailingDisk, TypeCost_AnyCallFailing_KeepsWhatWasTyped) {
                  ClickTab(6);
                  EXPECT_EQ(Grid("grdCosts").TextMatrix(3, 2).remove(u','), QStringLiteral("7777"));
              }});
+}
+
+TEST_P(FailingDisk, LeaveTable_AnyCallFailing_StoresAllItsRowsOrNone) {
+    static constexpr std::array kRows{1, 7, 14};
+    const auto stored = [] {
+        const auto zones = PrepDatatables::dbDatafile->OpenTable(QStringLiteral("FMZList"));
+        const auto values = PrepDatatables::dbDatafile->OpenTable(QStringLiteral("NVCPerAcre"));
+        values->SetIndex(QStringLiteral("PrimaryKey"));
+        int rows = 0;
+        for (const int row : kRows) {
+            values->Seek("=", {zones->Long(QStringLiteral("Key")) * 100 + 1, row});
+            rows += values->Single(QStringLiteral("FIL2")) == 7777 ? 1 : 0;
+        }
+        return rows;
+    };
+    FailEachCall({.prepare =
+                      [this] {
+                          OpenFile(true);
+                          ClickTab(5);
+                          for (const int row : kRows) {
+                              Type("grdNVC", row, 2, QStringLiteral("7777"));
+                          }
+                      },
+                  .act = [this] { ClickTab(4); },
+                  .kept =
+                      [&] {
+                          const int rows = stored();
+                          EXPECT_TRUE(rows == 0 || rows == 3) << rows;
+                      },
+                  .done = [&] { EXPECT_EQ(stored(), 3); }});
 }
 
 // Flushes are what makes a slow disk felt.

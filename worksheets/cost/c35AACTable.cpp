@@ -100,12 +100,14 @@ void c35AACTable::SaveChanges() {
     if (!changed_) {
         return;
     }
+    dao::Transaction transaction = PrepDatatables::Begin();
     QStringList missing;
     for (int index = 1; index <= kCostClasses; ++index) {
         if (!SaveRow(index)) {
             missing += QString::number(index);
         }
     }
+    transaction.Commit();
     changed_ = false;
     if (!missing.isEmpty()) {
         throw platform::RuntimeError(

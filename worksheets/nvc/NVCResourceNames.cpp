@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QStringList>
 
+#include <algorithm>
+
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
@@ -53,12 +55,19 @@ bool NVCResourceNames::SaveName(int resource) const {
 }
 
 void NVCResourceNames::Save() {
+    const bool changed = std::any_of(entries_.begin(), entries_.end(),
+                                     [](const Entry& entry) { return entry.changed; });
+    if (!changed) {
+        return;
+    }
+    dao::Transaction transaction = PrepDatatables::Begin();
     QStringList missing;
     for (int resource = 1; resource <= ZoneKeys::kResources; ++resource) {
         if (entries_[Position(resource)].changed && !SaveName(resource)) {
             missing += QString::number(resource);
         }
     }
+    transaction.Commit();
     for (Entry& entry : entries_) {
         entry.changed = false;
     }

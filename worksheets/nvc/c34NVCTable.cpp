@@ -87,12 +87,14 @@ void c34NVCTable::SaveChanges() {
     if (!changed_) {
         return;
     }
+    dao::Transaction transaction = PrepDatatables::Begin();
     QStringList missing;
     for (int resource = 1; resource <= kResources; ++resource) {
         if (!SaveRow(resource)) {
             missing += QString::number(resource);
         }
     }
+    transaction.Commit();
     changed_ = false;
     if (!missing.isEmpty()) {
         throw platform::RuntimeError(
