@@ -54,6 +54,7 @@ protected:
         const QStringList last = sheet.file();
         ToTheEnd(Qt::Key_Z, [this] { return History().CanUndo(); });
         EXPECT_EQ(sheet.file(), first) << "all taken back";
+        ExpectUnmarked();
         ToTheEnd(Qt::Key_Y, [this] { return History().CanRedo(); });
         EXPECT_EQ(sheet.file(), last) << "all repeated";
         RecordProperty("steps", step_);
@@ -252,6 +253,14 @@ private:
         const double step = shown.contains(u'$') ? 0.5 : 0.005;
         EXPECT_NEAR(*figure, value, step + std::abs(value) * 1e-6)
             << Where() << Told(QString(), cell).toStdString() << shown.toStdString();
+    }
+    // As before the first step.
+    void ExpectUnmarked() {
+        for (int row = grid_->FixedRows(); row < grid_->Rows(); ++row) {
+            for (int col = 0; col < grid_->Cols(); ++col) {
+                EXPECT_EQ(grid_->CellNote(row, col), QString()) << Where();
+            }
+        }
     }
     // The number that a person takes a text for; nothing when it is none.
     static std::optional<double> Figure(const QString& shown) {
