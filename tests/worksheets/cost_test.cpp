@@ -134,6 +134,7 @@ TEST_F(CostTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
     ASSERT_EQ(errors_.size(), 1U);
     EXPECT_EQ(errors_[0].number, 3021);
     EXPECT_TRUE(errors_[0].description.contains(QStringLiteral("2, 9")));
+    EXPECT_EQ(errors_[0].subject, QStringLiteral("North"));
     EXPECT_EQ(Find<QComboBox>("cboFMZs").currentIndex(), 1);
     EXPECT_EQ(Stored(first_, 3, "Cost"), 66);
     EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 16);

@@ -215,6 +215,7 @@ TEST_F(NVCTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
     ASSERT_EQ(errors_.size(), 1U);
     EXPECT_EQ(errors_[0].number, 3021);
     EXPECT_TRUE(errors_[0].description.contains(QStringLiteral("4, 14")));
+    EXPECT_EQ(errors_[0].subject, QStringLiteral("North, location 1"));
     EXPECT_EQ(Find<QComboBox>("cboRepLocs").currentIndex(), 1);
     EXPECT_EQ(Stored(first_ * 100 + 1, 4, 3), 0);
     EXPECT_EQ(Stored(first_ * 100 + 1, 5, 3), 18);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/EventTrap.h"
+#include "platform/RuntimeError.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "shell/UIMode.h"
 #include "shell/u91Trace.h"
@@ -170,7 +171,10 @@ void frm6SuppressAcre::SaveChanges() {
     u91Trace::Procedure(QStringLiteral("frmSuppressAcre.SaveChanges"));
     grdCosts_->FinishEdit();
     if (c35AACTable* table = table_.Table()) {
-        MissingRows::Told("frmSuppressAcre.SaveChanges", [table] { table->SaveChanges(); });
+        MissingRows::Told("frmSuppressAcre.SaveChanges", [this, table] {
+            platform::Concerning([this] { return cboFMZs_->itemText(zoneIndex_); },
+                                 [table] { table->SaveChanges(); });
+        });
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include "platform/EventTrap.h"
 #include "platform/FirstError.h"
+#include "platform/RuntimeError.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "shell/UIMode.h"
@@ -171,11 +172,18 @@ void frm5NVCTable::SaveChanges() {
     refused.Try(
         [this] { MissingRows::Told("frm5NVCTable.SaveChanges", [this] { table_.SaveNames(); }); });
     if (c34NVCTable* table = table_.Table()) {
-        refused.Try([table] {
-            MissingRows::Told("frm5NVCTable.SaveChanges", [table] { table->SaveChanges(); });
+        refused.Try([this, table] {
+            MissingRows::Told("frm5NVCTable.SaveChanges", [this, table] {
+                platform::Concerning([this] { return ShownTable(); },
+                                     [table] { table->SaveChanges(); });
+            });
         });
     }
     refused.Rethrow();
+}
+
+QString frm5NVCTable::ShownTable() const {
+    return tr("%1, location %2").arg(cboFMZs_->itemText(zoneIndex_)).arg(locationIndex_ + 1);
 }
 
 void frm5NVCTable::EndOpenEdit() {

@@ -62,6 +62,8 @@ private:
     void grdNVC_BeforeEdit();
     void grdNVC_KeyPressEdit(int row, int col, QChar key);
     void grdNVC_KeyUpEdit(int col);
+    // Whose table the grid shows, for messages: "North, location 2".
+    [[nodiscard]] QString ShownTable() const;
 
     NVCGridTable table_;
     ChoiceBox* cboFMZs_ = nullptr;
