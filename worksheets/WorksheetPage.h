@@ -13,6 +13,7 @@
 
 class ChoiceBox;
 class QComboBox;
+class QHBoxLayout;
 class QKeySequence;
 class QLabel;
 class QVBoxLayout;
@@ -73,12 +74,14 @@ private:
         return [step = std::move(step)](WorksheetPage& page) { step(static_cast<Form&>(page)); };
     }
     void SizeTitle();
+    void AddCopyHint();
     void AddUndoKeys();
 
     WorksheetHost& host_;
     Identity identity_;
     QVBoxLayout* body_;
     QLabel* title_ = nullptr;
+    QHBoxLayout* titleRow_ = nullptr;
 };
 
 // The parts that pages and dialogs are made of.

@@ -186,6 +186,16 @@ TEST_F(FamilyTest, EveryFontSize_FitsTheSmallestWindow) {
     }
 }
 
+TEST_F(FamilyTest, FormsWithATable_SayHowToCopyAllOfIt) {
+    ForEachForm([](QWidget& form) {
+        if (!form.isWindow()) {
+            const auto* hint = form.findChild<QLabel*>(QStringLiteral("lblCopyHint"));
+            EXPECT_EQ(hint != nullptr && hint->isVisibleTo(&form),
+                      form.findChild<vsFlexGrid*>() != nullptr);
+        }
+    });
+}
+
 TEST_F(FamilyTest, Captions_AreTheTextsAsGiven) {
     ForEachForm([](QWidget& form) {
         for (const auto* label : form.findChildren<QLabel*>()) {
