@@ -68,6 +68,7 @@ frm1Intro::frm1Intro(WorksheetHost& host, QWidget* parent)
                      .id = "INT",
                      .helpContextId = kHelpContextId}),
       flbDescription_(new FLabel) {
+    UseWholeWidth();
     AddTitle(tr("Description of Section"));
     auto* pnlDescription = new SSPanel(this);
     pnlDescription->setObjectName(QStringLiteral("pnlDescription"));

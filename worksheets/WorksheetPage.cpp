@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "platform/EventTrap.h"
+#include "platform/controls/FontScale.h"
 #include "platform/controls/ScrolledPage.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/help/HelpViewer.h"
@@ -19,8 +20,10 @@
 
 namespace {
 
-constexpr int kMargin = 12;
+constexpr int kMargin = 16;
 constexpr int kSpacing = 8;
+constexpr int kColumnWidth = 980;  // beyond it, lines are too long to read and boxes to oversee
+constexpr int kMostOfTheRoom = 1000;
 constexpr double kTitleScale = 1.35;
 
 }  // namespace
@@ -36,7 +39,15 @@ WorksheetPage::WorksheetPage(WorksheetHost& host, QWidget* parent, Identity iden
     platform::SetHelpContextId(*this, identity_.helpContextId);
     // Where the screen is small and the letters are large, the page scrolls.
     auto* scrolled = new ScrolledPage(this, "pageArea", identity_.caption);
-    scrolled->Page().setLayout(body_);
+    column_ = new QWidget;
+    column_->setObjectName(QStringLiteral("pageColumn"));
+    column_->setAccessibleName(identity_.caption);
+    column_->setLayout(body_);
+    auto* across = new QHBoxLayout(&scrolled->Page());
+    across->setContentsMargins(0, 0, 0, 0);
+    across->addWidget(column_, kMostOfTheRoom);
+    across->addStretch(1);
+    SizeColumn();
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(scrolled);
@@ -119,6 +130,16 @@ void WorksheetPage::AddCopyHint() {
     titleRow_->addWidget(hint, 0, Qt::AlignRight | Qt::AlignBottom);
 }
 
+void WorksheetPage::UseWholeWidth() {
+    usesWholeWidth_ = true;
+    SizeColumn();
+}
+
+void WorksheetPage::SizeColumn() {
+    column_->setMaximumWidth(usesWholeWidth_ ? QWIDGETSIZE_MAX
+                                             : platform::ScaledPixels(kColumnWidth, font()));
+}
+
 void WorksheetPage::SizeTitle() {
     QFont larger = font();
     larger.setBold(true);
@@ -128,6 +149,9 @@ void WorksheetPage::SizeTitle() {
 
 void WorksheetPage::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange && column_ != nullptr) {
+        SizeColumn();
+    }
     if (event->type() == QEvent::FontChange && title_ != nullptr) {
         SizeTitle();
     }

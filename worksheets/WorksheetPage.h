@@ -46,6 +46,8 @@ protected:
     [[nodiscard]] WorksheetHost& Host() const { return host_; }
     // Where the page's rows go; the title stands in the first one.
     [[nodiscard]] QVBoxLayout& Body() const { return *body_; }
+    // For pages whose contents grow with the window; the others end where reading ends.
+    void UseWholeWidth();
     // The page's title.
     void AddTitle(const QString& text);
 
@@ -74,12 +76,15 @@ private:
         return [step = std::move(step)](WorksheetPage& page) { step(static_cast<Form&>(page)); };
     }
     void SizeTitle();
+    void SizeColumn();
     void AddCopyHint();
     void AddUndoKeys();
 
     WorksheetHost& host_;
     Identity identity_;
     QVBoxLayout* body_;
+    QWidget* column_ = nullptr;
+    bool usesWholeWidth_ = false;
     QLabel* title_ = nullptr;
     QHBoxLayout* titleRow_ = nullptr;
 };

@@ -1,5 +1,6 @@
 // What all worksheet forms promise together: names, keyboard, room.
 #include <QAbstractItemView>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -184,6 +185,23 @@ TEST_F(FamilyTest, EveryFontSize_FitsTheSmallestWindow) {
             }
         });
     }
+}
+
+TEST_F(FamilyTest, WideWindow_LeavesPlainWhatNothingNeeds) {
+    ForEachForm([](QWidget& form) {
+        if (form.isWindow()) {
+            return;
+        }
+        form.resize(1900, 1000);
+        QApplication::processEvents();
+        for (auto* grid : form.findChildren<vsFlexGrid*>()) {
+            EXPECT_EQ(grid->viewport()->width(), grid->horizontalHeader()->length());
+        }
+        for (const auto* box : form.findChildren<QLineEdit*>()) {
+            EXPECT_LT(box->mapTo(&form, box->rect().topRight()).x(), 1000)
+                << box->objectName().toStdString();
+        }
+    });
 }
 
 TEST_F(FamilyTest, FormsWithATable_SayHowToCopyAllOfIt) {

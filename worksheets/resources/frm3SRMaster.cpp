@@ -88,7 +88,7 @@ void frm3SRMaster::Build() {
     cmdDelete_ = new QPushButton(tr("&Delete Item"), this);
     PageParts::Name(*cmdDelete_, "cmdDelete", tr("Delete the resource"));
     note_ = new NoteLine(*grdMasterList_, this);
-    Body().addWidget(grdMasterList_, 1);
+    GridParts::AddFramed(Body(), *grdMasterList_);
     GridParts::KeepPlace(*note_);
     Body().addWidget(note_);
     auto* buttons = new QHBoxLayout;
@@ -114,6 +114,7 @@ void frm3SRMaster::BuildSource() {
         this, "lblSourceHint",
         tr("If you modify the list, provide the source for the data, the date, and your name in "
            "the box above.")));
+    Body().addStretch(1);
 }
 
 void frm3SRMaster::Setup() {

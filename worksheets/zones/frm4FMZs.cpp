@@ -69,7 +69,7 @@ void frm4FMZs::Build() {
     cmdImport_ = new QPushButton(tr("&Import from BRAM..."), this);
     PageParts::Name(*cmdImport_, "cmdImport", tr("Import zones from a BRAM file"));
     note_ = new NoteLine(*grdFMZs_, this);
-    Body().addWidget(grdFMZs_, 1);
+    GridParts::AddFramed(Body(), *grdFMZs_);
     GridParts::KeepPlace(*note_);
     Body().addWidget(note_);
     auto* buttons = new QHBoxLayout;
@@ -77,6 +77,7 @@ void frm4FMZs::Build() {
     buttons->addWidget(cmdImport_);
     buttons->addStretch(1);
     Body().addLayout(buttons);
+    Body().addStretch(1);
 }
 
 void frm4FMZs::FMZ_Setup() {
