@@ -120,8 +120,6 @@ void frmFCDName::NameControls() {
 
 // What depends on the font.
 void frmFCDName::SizeBoxes() {
-    const int columns = platform::ToPixels(kNameWidth + 2 * kCodeWidth);
-    grdUnits_->setMinimumWidth(platform::ScaledPixels(columns, font()) + kScrollBarRoom);
     SetBoxWidth(txtUnitID_, 4);
     SetBoxWidth(txtState_, 2);
     SetBoxWidth(txtYear_, 3);
@@ -142,7 +140,8 @@ void frmFCDName::LayOutControls() {
     columns->setSpacing(kWideSpace);
     columns->addLayout(LayOutQuestions(), 1);
     Panel3D1_->setLayout(LayOutFinder());
-    columns->addWidget(Panel3D1_);
+    // Large letters take what room there is for questions and names alike; names scroll in it.
+    columns->addWidget(Panel3D1_, platform::FontScale(font()) > 1 ? 1 : 0);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
@@ -246,6 +245,7 @@ QLayout* frmFCDName::LayOutFinder() {
     title->setBuddy(grdUnits_);
     auto* hint =
         MakeLabel("lblClickHint", tr("Click the unit name if it appears in the list."), Panel3D1_);
+    grdUnits_->setMinimumWidth(platform::ToPixels(kNameWidth + 2 * kCodeWidth) + kScrollBarRoom);
     auto* column = new QVBoxLayout;
     column->setContentsMargins(kSpace, kSpace, kSpace, kSpace);
     column->setSpacing(kSpace);

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kNVCTab = 5;
 constexpr int kSCATab = 6;
-constexpr int kGap = 8;
+constexpr int kGap = 6;
 constexpr int kLeastOfFile = 12;  // characters, with which a path says something
 
 bool HasZones() {
