@@ -51,6 +51,10 @@ void ReportTo(const Report& report) noexcept {
 
 }  // namespace
 
+QString Report::Sentence() const {
+    return subject.isEmpty() ? description : subject + QStringLiteral(": ") + description;
+}
+
 void Install(Hooks newHooks) {
     hooks = std::move(newHooks);
 }

@@ -21,6 +21,9 @@ struct Report {
     int number = 0;
     QString description;
     QString subject;  // what the error is about, where that is known
+
+    // What a person is told: "North, location 2: Disk full".
+    [[nodiscard]] QString Sentence() const;
 };
 
 struct Hooks {

@@ -21,20 +21,15 @@ QString Advice(int number) {
     return QStringLiteral("Make room on the disk; what is on the screen can be stored then.");
 }
 
-QString Sentence(const Report& report) {
-    return report.subject.isEmpty() ? report.description
-                                    : report.subject + QStringLiteral(": ") + report.description;
-}
-
 void Tell(const Report& report) {
     try {
         u91Trace::Error(QStringLiteral("%1: Error %2, ").arg(report.handler).arg(report.number) +
-                        Sentence(report));
+                        report.Sentence());
         platform::MsgOptions options;
         options.icon = platform::MsgIcon::kExclamation;
         options.informative = Advice(report.number);
         options.details = QStringLiteral("Error %1 in %2").arg(report.number).arg(report.handler);
-        platform::MsgBox(Sentence(report), options);
+        platform::MsgBox(report.Sentence(), options);
     } catch (...) {
         // Out of memory or the like: there is nobody left to tell.
         return;

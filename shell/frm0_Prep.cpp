@@ -49,7 +49,7 @@ std::optional<platform::EventTrap::Report> FailureToSave() {
         Attempt("u91Trace.Error", [&failure] {
             u91Trace::Error(QStringLiteral("a3PrepForms.UpdateCurrentWorksheet: Error %1, ")
                                 .arg(failure->number) +
-                            failure->description);
+                            failure->Sentence());
         });
     }
     return failure;
@@ -251,8 +251,10 @@ void frm0_Prep::TellOfLogFailure() {
         return;
     }
     toldOfLogFailure_ = true;
-    platform::MsgBox(tr("The program's logs cannot be written; the program works without them.") +
-                     platform::kNewLine + failure);
+    platform::MsgOptions options;
+    options.informative = failure;
+    platform::MsgBox(tr("The program's logs cannot be written; the program works without them."),
+                     options);
 }
 
 void frm0_Prep::resizeEvent(QResizeEvent* event) {
@@ -301,11 +303,10 @@ frm0_Prep::Leaving frm0_Prep::SaveOrAsk(const QString& question) {
     options.icon = platform::MsgIcon::kStop;
     options.buttons = platform::MsgButtons::kYesNo;
     options.secondIsDefault = true;
-    return platform::MsgBox(tr("The worksheet could not be saved.") + platform::kNewLine +
-                                failure->description + platform::kNewLine + question,
-                            options) == platform::MsgAnswer::kYes
-               ? Leaving::kUnsaved
-               : Leaving::kStay;
+    options.informative = failure->Sentence();
+    const QString text = tr("The worksheet could not be saved.") + platform::kNewLine + question;
+    return platform::MsgBox(text, options) == platform::MsgAnswer::kYes ? Leaving::kUnsaved
+                                                                        : Leaving::kStay;
 }
 
 bool frm0_Prep::SaveBeforeLeaving() {

@@ -201,8 +201,10 @@ TEST_F(Start, LogsCannotBeWritten_RunsAndTellsOnce) {
     Run();
     EXPECT_TRUE(StartScreenShows());
     ASSERT_EQ(answers.Texts().size(), 1);
-    EXPECT_TRUE(answers.Texts()[0].startsWith(
-        QStringLiteral("The program's logs cannot be written; the program works without them.")));
+    EXPECT_EQ(answers.Texts()[0],
+              QStringLiteral("The program's logs cannot be written; the program works without "
+                             "them."));
+    EXPECT_FALSE(answers.Messages()[0].informative.isEmpty()) << "the reason";
     frame_->resize(900, 700);
     frame_->TellOfLogFailure();
     EXPECT_EQ(answers.Texts().size(), 1);

@@ -246,7 +246,8 @@ TEST_F(Worksheets, SaveFailsAtExit_UserDecidesWhetherToLeave) {
     {
         support::Answers stay({QMessageBox::No});
         Choose(QStringLiteral("mnuExit"));
-        EXPECT_EQ(stay.Texts().size(), 1);
+        ASSERT_EQ(stay.Texts().size(), 1);
+        EXPECT_FALSE(stay.Messages()[0].informative.isEmpty()) << "the reason";
         EXPECT_FALSE(frame_->IsUnloaded());
     }
     support::Answers leave({QMessageBox::Yes});
