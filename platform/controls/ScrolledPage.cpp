@@ -43,7 +43,8 @@ public:
 int LeastWidth(const QDialog& dialog) {
     int least = dialog.layout()->totalMinimumSize().width();
     if (const auto* page = dialog.findChild<ScrolledPage*>()) {
-        least += page->Page().layout()->totalMinimumSize().width();
+        least +=
+            page->Page().layout()->totalMinimumSize().width() - page->minimumSizeHint().width();
     }
     return least;
 }
