@@ -95,6 +95,8 @@ void HelpBrowser::SetScaled(const QUrl& name, double width) {
     if (!image.isNull()) {
         image = image.scaledToWidth(qRound(width * pixels), Qt::SmoothTransformation);
         image.setDevicePixelRatio(pixels);
+        // Whichever way the document asks for it.
         document()->addResource(QTextDocument::ImageResource, name, image);
+        document()->addResource(QTextDocument::ImageResource, source().resolved(name), image);
     }
 }

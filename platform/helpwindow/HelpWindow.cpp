@@ -26,7 +26,7 @@
 
 namespace {
 
-constexpr int kNavigationWidth = 280;
+constexpr int kNavigationWidth = 220;
 constexpr int kTopicWidth = 620;
 constexpr int kMargin = 4;
 
