@@ -82,6 +82,7 @@ std::vector<const season::NvcRow*> SoundRowsOf(const season::Location* location)
     if (location == nullptr) {
         return rows;
     }
+    rows.reserve(location->rows.size());
     for (const season::NvcRow& row : location->rows) {
         if (row.resource >= 1 && row.resource <= season::kNvcResources && IsFinite(row)) {
             rows.push_back(&row);

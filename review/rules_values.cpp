@@ -45,19 +45,22 @@ void EachSoundRow(const season::Season& season, const Look& look) {
     });
 }
 
-using Table = std::map<std::int32_t, ValueRow>;
+using SoundRows = std::vector<const NvcRow*>;
 
-Table TableOf(const Location* location) {
-    Table table;
-    for (const NvcRow* row : SoundRowsOf(location)) {
-        table.emplace(row->resource, ValuesOf(*row));
-    }
-    return table;
+bool SameRow(const NvcRow& a, const NvcRow& b) {
+    return a.resource == b.resource && ValuesOf(a) == ValuesOf(b);
 }
 
-bool HasValues(const Table& table) {
-    return std::any_of(table.begin(), table.end(), [](const auto& row) {
-        return std::any_of(row.second.begin(), row.second.end(), [](double v) { return v != 0; });
+bool SameTable(const SoundRows& a, const SoundRows& b) {
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(),
+                      [](const NvcRow* one, const NvcRow* other) { return SameRow(*one, *other); });
+}
+
+bool HasValues(const SoundRows& rows) {
+    return std::any_of(rows.begin(), rows.end(), [](const NvcRow* row) {
+        return std::any_of(row->values.begin(), row->values.end(),
+                           [](const season::Single& value) { return season::Amount(value) != 0; });
     });
 }
 
@@ -91,8 +94,8 @@ void NvcMissingRow(const Subject& subject, Findings& findings) {
 
 void NvcAllZero(const Subject& subject, Findings& findings) {
     EachLive(subject.season, [&](const Zone& zone, int number, const Location* location) {
-        const Table table = TableOf(location);
-        if (table.size() == season::kNvcResources && !HasValues(table)) {
+        const SoundRows rows = SoundRowsOf(location);
+        if (rows.size() == season::kNvcResources && !HasValues(rows)) {
             const Place place = PlaceOf(zone, number);
             findings.Add(place, {}, place.Words() + ": all values are 0.",
                          "Nothing seems to have been entered for this location.");
@@ -102,18 +105,19 @@ void NvcAllZero(const Subject& subject, Findings& findings) {
 
 void NvcSameAs(const Subject& subject, Findings& findings) {
     for (const Zone& zone : subject.season.zones) {
-        std::map<Table, int> first;
+        std::vector<SoundRows> earlier;
         for (int number = 1; number <= season::LiveCount(zone); ++number) {
-            const Table table = TableOf(season::FindLocation(zone, number));
-            if (!HasValues(table)) {
-                continue;
-            }
-            const auto [known, isNew] = first.try_emplace(table, number);
-            if (!isNew) {
+            const SoundRows& rows =
+                earlier.emplace_back(SoundRowsOf(season::FindLocation(zone, number)));
+            const auto first =
+                std::find_if(earlier.begin(), earlier.end(),
+                             [&rows](const SoundRows& others) { return SameTable(others, rows); });
+            const auto same = first - earlier.begin() + 1;
+            if (same < number && HasValues(rows)) {
                 const Place place = PlaceOf(zone, number);
-                findings.Add(place, static_cast<double>(known->second),
+                findings.Add(place, static_cast<double>(same),
                              place.Words() + ": all values equal those of location " +
-                                 std::to_string(known->second) + ".",
+                                 std::to_string(same) + ".",
                              "The table may have been copied and not yet been changed.");
             }
         }
