@@ -352,9 +352,7 @@ std::string Difference::Place() const {
     }
     if (fil) {
         add("FIL " + std::to_string(*fil));
-    } else if (field && kind == Change::kChanged) {
-        add(*field);
-    } else if (what == "property") {
+    } else if (field && (kind == Change::kChanged || what == "property")) {
         add(*field);
     }
     return words;

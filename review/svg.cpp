@@ -229,8 +229,9 @@ std::string SvgOf(const TotalsChart& chart) {
                     kPanelHeight * static_cast<double>(rows) + 4, chart.words);
     const TotalsScale scale = ScaleOf(chart);
     for (std::size_t i = 0; i < chart.panels.size(); ++i) {
+        const std::size_t row = i / kInARow;
         DrawPanel(picture, chart.panels[i], scale, kPanelWidth * static_cast<double>(i % kInARow),
-                  kPanelHeight * static_cast<double>(i / kInARow));
+                  kPanelHeight * static_cast<double>(row));
     }
     return picture.Finish();
 }
@@ -294,7 +295,8 @@ public:
     [[nodiscard]] std::string Svg() const {
         std::string svg;
         for (const auto& [colour, path] : squares_) {
-            svg += "<path fill=\"" + colour + "\" stroke=\"#999\" d=\"" + path + "\"/>\n";
+            svg.append("<path fill=\"").append(colour).append("\" stroke=\"#999\" d=\"");
+            svg.append(path).append("\"/>\n");
         }
         if (!borders_.empty()) {
             svg += "<path fill=\"none\" stroke=\"#1a3a7a\" stroke-dasharray=\"3 2\" d=\"" +

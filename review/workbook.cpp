@@ -218,9 +218,9 @@ void Workbook::AddTotals(const season::Season& season, const PlainTable& values)
         const ValueRow totals = SumsOf(*location);
         for (lxw_col_t level = 0; level < season::kFilLevels; ++level) {
             const std::string column(1, static_cast<char>('C' + level));
-            const std::string formula = "=SUM(NVCPerAcre!" + column +
-                                        std::to_string(rows->second.first) + ":" + column +
-                                        std::to_string(rows->second.second) + ")";
+            std::string formula = "=SUM(NVCPerAcre!";
+            formula.append(column).append(std::to_string(rows->second.first)).append(":");
+            formula.append(column).append(std::to_string(rows->second.second)).append(")");
             Require(worksheet_write_formula_num(sheet, row, static_cast<lxw_col_t>(3 + level),
                                                 formula.c_str(), total_, totals[level]));
         }

@@ -5,6 +5,7 @@
 
 #include "jet/database.h"
 #include "jet/recordset.h"
+#include "jet/transaction.h"
 #include "season/data_file.h"
 #include "season/schema.h"
 #include "season/text.h"
@@ -149,6 +150,8 @@ private:
 void Fill(const Season& season, const std::filesystem::path& path, jet::Version version,
           jet::FileSystem& files) {
     const auto database = jet::Database::Create(path, version, files);
+    // One write for all of it, instead of one for each record.
+    jet::Transaction transaction = database->Begin();
     const Widths widths(season);
     for (jet::TableSchema& table : Tables()) {
         widths.Apply(table);
@@ -156,6 +159,7 @@ void Fill(const Season& season, const std::filesystem::path& path, jet::Version 
     }
     WriteNames(*database, season);
     WriteZones(*database, season);
+    transaction.Commit();
     database->Close();
 }
 

@@ -1,11 +1,15 @@
 // Makes the files that a new user can look around in: make_samples DATA-FOLDER COSTS-FOLDER
 //
-// A data file and an assessment file, from the same text tables of invented figures.
+// A data file and an assessment file, from the same text tables of invented figures, and the next
+// year's data file, with some faults to be found.
 #include <filesystem>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "review/next_year.h"
+#include "season/data_file.h"
 #include "season/schema.h"
 #include "tools/AssessmentSchema.h"
 #include "tools/TableText.h"
@@ -128,6 +132,45 @@ void FillAssessmentFile(jet::Database& database, const Sample& sample) {
     tools::AddRows(database, "NVCTable", values);
 }
 
+// The record of that number; the tables of changes name what is there.
+template <typename Record>
+Record& Numbered(std::vector<Record>& records, const std::string& number) {
+    return records.at(static_cast<std::size_t>(std::stoi(number) - 1));
+}
+
+void Change(season::Season& season, const TextRow& change) {
+    const std::string& field = change.at("Field");
+    if (change.at("Zone").empty()) {
+        for (season::Property& property : season.properties) {
+            if (property.name == field) {
+                property.value = change.at("Value");
+            }
+        }
+        return;
+    }
+    season::Zone& zone = Numbered(season.zones, change.at("Zone"));
+    const float value = std::stof(change.at("Value"));
+    if (field == "Cost") {
+        Numbered(zone.classes, change.at("Class")).cost = value;
+    } else if (field.starts_with("FIL")) {
+        season::Location& location = Numbered(zone.locations, change.at("Location"));
+        season::NvcRow& row = Numbered(location.rows, change.at("Resource"));
+        row.values.at(static_cast<std::size_t>(std::stoi(field.substr(3)) - 1)) = value;
+    } else {
+        throw std::runtime_error("A change names the unknown field " + field + ".");
+    }
+}
+
+void MakeNextYear(const std::filesystem::path& data, const std::filesystem::path& costs) {
+    constexpr int kYear = 26;
+    season::Season next = review::NextYear(season::Read(costs / "UMFOR25.FCD"), kYear, {});
+    for (const TextRow& change : tools::ReadTable(data / "sample" / "next_year.tsv")) {
+        Change(next, change);
+    }
+    std::filesystem::remove(costs / "UMFOR26.FCD");
+    season::WriteNew(next, costs / "UMFOR26.FCD");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -145,5 +188,6 @@ int main(int argc, char** argv) {
                         [&](jet::Database& database) { FillDataFile(database, sample, data); });
         tools::MakeFile(costs / "BRAM0000.mdb",
                         [&](jet::Database& database) { FillAssessmentFile(database, sample); });
+        MakeNextYear(data, costs);
     });
 }

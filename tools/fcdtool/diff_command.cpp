@@ -30,14 +30,19 @@ double Tolerance(const Arguments& arguments) {
 
 void SaySummary(const std::vector<review::Difference>& differences, bool asJson) {
     for (const review::DifferenceCount& count : review::CountDifferences(differences)) {
-        const std::string kind(review::ChangeName(count.kind));
+        const std::string_view kind = review::ChangeName(count.kind);
         const std::string number = std::to_string(count.number);
-        Say(asJson ? review::JsonObject()
-                         .Add("kind", kind)
-                         .Add("what", count.what)
-                         .AddRaw("number", number)
-                         .Text()
-                   : kind + '\t' + std::string(count.what) + '\t' + number);
+        if (asJson) {
+            Say(review::JsonObject()
+                    .Add("kind", kind)
+                    .Add("what", count.what)
+                    .AddRaw("number", number)
+                    .Text());
+            continue;
+        }
+        std::string line(kind);
+        line.append("\t").append(count.what).append("\t").append(number);
+        Say(line);
     }
 }
 
