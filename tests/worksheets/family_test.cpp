@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QStyle>
 
+#include <algorithm>
 #include <functional>
 #include <set>
 
@@ -142,7 +143,8 @@ TEST_F(FamilyTest, LargeLettersInASmallWindow_ScrollAndStayLarge) {
                 }
             }
             for (const auto* grid : form.findChildren<vsFlexGrid*>()) {
-                EXPECT_GE(grid->viewport()->height(), 2 * grid->rowHeight(0));
+                const int rows = std::min(grid->model()->rowCount(), 2);
+                EXPECT_GE(grid->viewport()->height(), rows * grid->rowHeight(0));
             }
         };
         const auto* page = form.findChild<ScrolledPage*>();
