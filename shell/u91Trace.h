@@ -1,9 +1,9 @@
 // The two logs beside the program: TARN.LOG, made anew at every start, and ERROR.LOG, which grows.
 //
-// Each routine opens its file, writes its lines in one piece and closes it again, so that a log is
-// complete up to the last line before a failure. Failures (a read-only program folder) are passed
-// on as platform::RuntimeError, except while `SetTolerant` is on: then the first one is remembered
-// and the rest passed over, so that a program that cannot log still runs.
+// Each routine writes its lines in one piece, and they are in the file when it returns, so that a
+// log is complete up to the last line before a failure. Failures (a read-only program folder) are
+// passed on as platform::RuntimeError, except while `SetTolerant` is on: then the first one is
+// remembered and the rest passed over, so that a program that cannot log still runs.
 #pragma once
 
 #include <QString>

@@ -55,9 +55,12 @@ QScreen* FrameScreen() {
 }  // namespace
 
 QString ProgramFolder() {
-    return programFolder.isEmpty()
-               ? QDir::toNativeSeparators(QCoreApplication::applicationDirPath())
-               : programFolder;
+    if (!programFolder.isEmpty()) {
+        return programFolder;
+    }
+    // Asked for with each line of the log.
+    static const QString own = QDir::toNativeSeparators(QCoreApplication::applicationDirPath());
+    return own;
 }
 
 void SetProgramFolder(const QString& folder) {

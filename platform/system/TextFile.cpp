@@ -10,6 +10,7 @@
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -63,23 +64,81 @@ qsizetype WriteAll(int file, const QByteArray& bytes) {
     return done;
 }
 
-// Few calls of the system: a log is opened, written and closed for each of its lines.
-//
+// The file that was appended to last. A log gets line after line, and opening and closing it for
+// each would cost more than writing it. It stays open as long as its name stands for the same file
+// with the same permissions; otherwise it is opened anew, as if it had been closed.
+class KeptFile {
+public:
+    KeptFile() = default;
+    ~KeptFile() { Close(); }
+    KeptFile(const KeptFile&) = delete;
+    KeptFile& operator=(const KeptFile&) = delete;
+
+    // -1, and the system's reason is set, when it cannot be opened.
+    int For(const QString& path) {
+        if (IsStill(path)) {
+            return file_;
+        }
+        Close();
+        name_ = QFile::encodeName(path);
+        file_ = Open(name_.constData(), O_APPEND);
+        if (file_ >= 0 && ::fstat(file_, &opened_) == 0) {
+            path_ = path;
+        }
+        return file_;
+    }
+    void Close() {
+        path_.clear();
+        if (file_ >= 0) {
+            ::close(file_);
+            file_ = -1;
+        }
+    }
+
+private:
+    [[nodiscard]] bool IsStill(const QString& path) const {
+        struct stat now = {};
+        return file_ >= 0 && path == path_ && ::stat(name_.constData(), &now) == 0 &&
+               now.st_ino == opened_.st_ino && now.st_dev == opened_.st_dev &&
+               now.st_mode == opened_.st_mode;
+    }
+
+    QString path_;
+    QByteArray name_;
+    struct stat opened_ = {};
+    int file_ = -1;
+};
+
+void Append(const QString& path, const QByteArray& bytes) {
+    static KeptFile kept;
+    const int file = kept.For(path);
+    if (file < 0) {
+        ThrowOpenFailure(path, errno);
+    }
+    if (WriteAll(file, bytes) < bytes.size()) {
+        kept.Close();
+        ThrowDiskFull(path);
+    }
+}
+
 // What an older file holds beyond the new lines is cut off afterwards. To empty it first would make
 // some file systems wait until its former bytes are on the disk, for milliseconds at each start.
-void Write(const QString& path, TextMode mode, const QByteArray& bytes) {
-    const int how = mode == TextMode::kAppend ? O_APPEND : 0;
-    const int file = Open(QFile::encodeName(path).constData(), how);
+void Replace(const QString& path, const QByteArray& bytes) {
+    const int file = Open(QFile::encodeName(path).constData(), 0);
     if (file < 0) {
         ThrowOpenFailure(path, errno);
     }
     const qsizetype done = WriteAll(file, bytes);
     // Devices and pipes have no length and say so.
-    const bool isCut = mode == TextMode::kAppend || ::ftruncate(file, done) == 0 || errno == EINVAL;
+    const bool isCut = ::ftruncate(file, done) == 0 || errno == EINVAL;
     ::close(file);
     if (done < bytes.size() || !isCut) {
         ThrowDiskFull(path);
     }
+}
+
+void Write(const QString& path, TextMode mode, const QByteArray& bytes) {
+    mode == TextMode::kAppend ? Append(path, bytes) : Replace(path, bytes);
 }
 
 #else

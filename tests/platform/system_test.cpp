@@ -191,4 +191,39 @@ TEST_F(SystemTest, PlaceOver_CentresInsideTheScreen) {
     EXPECT_TRUE(room.contains(QRect(dialog.pos(), dialog.size())));
 }
 
+// A log is read, moved and removed by others while it is written.
+TEST_F(SystemTest, WriteLines_LineByLine_GoesToTheFileThatHasTheName) {
+    const auto append = [this](const char* line) {
+        platform::WriteLines(Path("LOG"), platform::TextMode::kAppend, {QString::fromLatin1(line)});
+    };
+    append("one");
+    append("two");
+    EXPECT_EQ(Bytes("LOG"), QByteArray("one\r\ntwo\r\n")) << "each is there at once";
+    ASSERT_TRUE(QFile::rename(Path("LOG"), Path("LOG.old")));
+    append("three");
+    EXPECT_EQ(Bytes("LOG"), QByteArray("three\r\n"));
+    EXPECT_EQ(Bytes("LOG.old"), QByteArray("one\r\ntwo\r\n"));
+    ASSERT_TRUE(QFile::remove(Path("LOG")));
+    append("four");
+    EXPECT_EQ(Bytes("LOG"), QByteArray("four\r\n"));
+    platform::WriteLines(Path("other"), platform::TextMode::kAppend, {"five"});
+    platform::WriteLines(Path("LOG"), platform::TextMode::kOutput, {"six"});
+    append("seven");
+    EXPECT_EQ(Bytes("LOG"), QByteArray("six\r\nseven\r\n"));
+    EXPECT_EQ(Bytes("other"), QByteArray("five\r\n"));
+    Put("LOG", "");
+    append("eight");
+    EXPECT_EQ(Bytes("LOG"), QByteArray("eight\r\n")) << "emptied by somebody";
+}
+
+TEST_F(SystemTest, WriteLines_FolderMadeReadOnlyOrGone_FailsFromThenOn) {
+    ASSERT_TRUE(QDir(folder_.path()).mkdir("logs"));
+    platform::WriteLines(Path("logs/LOG"), platform::TextMode::kAppend, {"one"});
+    ASSERT_TRUE(QDir(Path("logs")).removeRecursively());
+    EXPECT_EQ(ErrorOf([&] {
+                  platform::WriteLines(Path("logs/LOG"), platform::TextMode::kAppend, {"two"});
+              }),
+              platform::kPathNotFound);
+}
+
 }  // namespace
