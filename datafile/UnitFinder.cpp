@@ -47,7 +47,7 @@ UnitFinder::~UnitFinder() {
 }
 
 void UnitFinder::Open(const QString& path) {
-    database_ = dao::Database::Open(path, dao::OpenMode::kShared);
+    database_ = dao::Database::Open(path, dao::OpenMode::kReading);
     properties_ = database_->OpenTable(QStringLiteral("Properties"));
     properties_->SetIndex(FieldNames::kPrimaryKey);
     units_ = database_->OpenTable(QStringLiteral("Units"));

@@ -40,19 +40,16 @@ std::optional<QVariant> BramFile::TableIDOf(const QString& code, std::int32_t lo
     return tableID.isValid() ? tableID : QVariant(QString());
 }
 
-const BramFile::Values& BramFile::ValuesOf(const QVariant& tableID) {
+const BramFile::Levels& BramFile::ValuesOf(const QVariant& tableID, int resource) {
     static const QString kValue = QStringLiteral("WPANRVCBF");
-    const QString name = tableID.toString();
-    if (const auto known = read_.constFind(name); known != read_.constEnd()) {
+    const std::pair<QString, int> row(tableID.toString(), resource);
+    if (const auto known = read_.constFind(row); known != read_.constEnd()) {
         return known.value();
     }
-    Values values{};
-    for (int resource = 1; resource <= ZoneKeys::kResources; ++resource) {
-        for (int level = 1; level <= ZoneKeys::kFilLevels; ++level) {
-            values_->Seek("=", {tableID, resource, level});
-            values[std::size_t(resource - 1)][std::size_t(level - 1)] =
-                FieldReaders::SingleField(*values_, kValue);
-        }
+    Levels values{};
+    for (int level = 1; level <= ZoneKeys::kFilLevels; ++level) {
+        values_->Seek("=", {tableID, resource, level});
+        values[std::size_t(level - 1)] = FieldReaders::SingleField(*values_, kValue);
     }
-    return *read_.insert(name, values);
+    return *read_.insert(row, values);
 }

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "datafile/ZoneKeys.h"
 #include "platform/dao/Database.h"
@@ -20,8 +21,8 @@
 
 class BramFile {
 public:
-    // One value for each resource and FIL level, both counted from 0 here.
-    using Values = std::array<std::array<float, ZoneKeys::kFilLevels>, ZoneKeys::kResources>;
+    // One value for each FIL level, counted from 0 here.
+    using Levels = std::array<float, ZoneKeys::kFilLevels>;
 
     // Opens the file and its four tables with their indexes; throws when anything is missing.
     explicit BramFile(const QString& path);
@@ -37,9 +38,9 @@ public:
     [[nodiscard]] bool HasSetups() const;
     // The id of the table that applies to a location; nothing when there is no set-up for it.
     [[nodiscard]] std::optional<QVariant> TableIDOf(const QString& code, std::int32_t location);
-    // The values of a table; 0 where a row or value is missing. Many locations share a table, so
-    // each is read from the file once.
-    [[nodiscard]] const Values& ValuesOf(const QVariant& tableID);
+    // The values of a resource in a table; 0 where a row or value is missing. Many locations share
+    // a table, so each is read from the file once.
+    [[nodiscard]] const Levels& ValuesOf(const QVariant& tableID, int resource);
 
 private:
     std::unique_ptr<dao::Database> database_;
@@ -47,5 +48,5 @@ private:
     std::unique_ptr<dao::Recordset> costs_;
     std::unique_ptr<dao::Recordset> setups_;
     std::unique_ptr<dao::Recordset> values_;
-    QHash<QString, Values> read_;
+    QHash<std::pair<QString, int>, Levels> read_;
 };

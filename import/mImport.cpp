@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 
 #include <array>
+#include <functional>
 #include <memory>
 
 #include "datafile/FieldNames.h"
@@ -10,6 +11,7 @@
 #include "datafile/PrepDatatables.h"
 #include "datafile/ZoneKeys.h"
 #include "import/BramFile.h"
+#include "platform/FirstError.h"
 #include "platform/dialogs/CommonDialog.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
@@ -72,56 +74,82 @@ void BRAM_Close() {
     bram.reset();
 }
 
-void BeginCostRow(std::int32_t zoneKey, int sequence) {
-    tblSuppressionPerAcreCost->AddNew();
-    tblSuppressionPerAcreCost->SetField(FieldNames::kFMZKey, zoneKey);
-    tblSuppressionPerAcreCost->SetField(FieldNames::kSequence, sequence);
-}
+// A row being added; where an error comes in between, nothing of it is left in the record set.
+class NewRow {
+public:
+    explicit NewRow(dao::Recordset& rows) : rows_(rows) { rows_.AddNew(); }
+    ~NewRow() {
+        if (!stored_) {
+            platform::FirstError known;
+            known.Try([this] { rows_.CancelUpdate(); });
+        }
+    }
+    NewRow(const NewRow&) = delete;
+    NewRow& operator=(const NewRow&) = delete;
+    void Set(const QString& field, const QVariant& value) { rows_.SetField(field, value); }
+    void Store() {
+        rows_.Update();
+        stored_ = true;
+    }
+
+private:
+    dao::Recordset& rows_;
+    bool stored_ = false;
+};
 
 void BRAM_CopyAAC(const QString& code, std::int32_t zoneKey) {
+    u91Trace::Procedure(QStringLiteral("mImport.BRAM_CopyAAC"));
     int count = 0;
+    const auto add = [zoneKey](int sequence, const dao::Recordset* cost) {
+        NewRow row(*tblSuppressionPerAcreCost);
+        row.Set(FieldNames::kFMZKey, zoneKey);
+        row.Set(FieldNames::kSequence, sequence);
+        if (cost != nullptr) {
+            row.Set(FieldNames::kTopSize, cost->Field(kUpAcres));
+            row.Set(FieldNames::kCost, cost->Field(FieldNames::kCost));
+        }
+        row.Store();
+    };
     const auto costs = bram->CostsOf(code);
     while (!costs->EndOfFile() && count < ZoneKeys::kCostClasses) {
-        ++count;
-        BeginCostRow(zoneKey, count);
-        tblSuppressionPerAcreCost->SetField(FieldNames::kTopSize, costs->Field(kUpAcres));
-        tblSuppressionPerAcreCost->SetField(FieldNames::kCost, costs->Field(FieldNames::kCost));
-        tblSuppressionPerAcreCost->Update();
+        add(++count, costs.get());
         costs->MoveNext();
     }
     costs->Close();
     for (int sequence = count + 1; sequence <= ZoneKeys::kCostClasses; ++sequence) {
-        BeginCostRow(zoneKey, sequence);
-        tblSuppressionPerAcreCost->Update();
+        add(sequence, nullptr);
     }
 }
 
+// The values are read when the row has been begun, one row after the other: an error in one of them
+// leaves the rows before it.
 void AddValueRow(std::int32_t key, int resource,
-                 const std::array<float, ZoneKeys::kFilLevels>& values) {
+                 const std::function<BramFile::Levels()>& valuesOf) {
     static const std::array<QString, ZoneKeys::kFilLevels> kLevels{
         QStringLiteral("FIL1"), QStringLiteral("FIL2"), QStringLiteral("FIL3"),
         QStringLiteral("FIL4"), QStringLiteral("FIL5"), QStringLiteral("FIL6")};
-    dao::Recordset& rows = *tblNVCPerAcre;
-    rows.AddNew();
-    rows.SetField(FieldNames::kFMZRLKey, key);
-    rows.SetField(FieldNames::kResourceNumber, resource);
+    NewRow row(*tblNVCPerAcre);
+    row.Set(FieldNames::kFMZRLKey, key);
+    row.Set(FieldNames::kResourceNumber, resource);
+    const BramFile::Levels values = valuesOf();
     for (std::size_t level = 0; level < kLevels.size(); ++level) {
-        rows.SetField(kLevels[level], values[level]);
+        row.Set(kLevels[level], values[level]);
     }
-    rows.Update();
+    row.Store();
 }
 
 void BRAM_BlankNVCRecords(std::int32_t zoneKey, std::int32_t location) {
     u91Trace::Procedure(QStringLiteral("BRAM_BlankNVCRecords"));
     const std::int32_t key = ZoneKeys::FMZRLKey(zoneKey, location);
     for (int resource = 1; resource <= ZoneKeys::kResources; ++resource) {
-        AddValueRow(key, resource, {});
+        AddValueRow(key, resource, [] { return BramFile::Levels{}; });
     }
 }
 
 // Both warnings name the table of values although they concern the set-ups: support knows the
 // messages by these texts.
 void BRAM_CopyNVC(const QString& code, std::int32_t location, std::int32_t zoneKey) {
+    u91Trace::Procedure(QStringLiteral("mImport.BRAM_CopyNVC"));
     if (!bram->HasSetups()) {
         u91Trace::Warning(QStringLiteral("tblBRAM_NVCTable.RecordCount = 0"));
         BRAM_BlankNVCRecords(zoneKey, location);
@@ -136,11 +164,33 @@ void BRAM_CopyNVC(const QString& code, std::int32_t location, std::int32_t zoneK
         imported.blanks.push_back({.zone = zoneName, .location = location});
         return;
     }
-    const BramFile::Values& values = bram->ValuesOf(*tableID);
     const std::int32_t key = ZoneKeys::FMZRLKey(zoneKey, location);
     for (int resource = 1; resource <= ZoneKeys::kResources; ++resource) {
-        AddValueRow(key, resource, values[std::size_t(resource - 1)]);
+        AddValueRow(key, resource,
+                    [&tableID, resource] { return bram->ValuesOf(*tableID, resource); });
     }
+}
+
+// The engine's own message says neither which of the zones it is nor what does not fit.
+void SetName(NewRow& row, const QString& code, const QString& name) {
+    try {
+        row.Set(FieldNames::kName, name);
+    } catch (const platform::RuntimeError& error) {
+        throw platform::RuntimeError(
+            error.Number(),
+            QStringLiteral("The name of the zone %1 cannot be stored: \"%2\". ").arg(code, name) +
+                error.Description());
+    }
+}
+
+// Gives the key.
+std::int32_t AddZone(const QString& code, const QString& name, std::int32_t locations) {
+    NewRow row(*tblFMZList);
+    SetName(row, code, name);
+    row.Set(FieldNames::kRLCount, locations);
+    row.Store();
+    tblFMZList->MoveLast();
+    return tblFMZList->Long(FieldNames::kKey);
 }
 
 void CopyZone(dao::Recordset& zones) {
@@ -148,12 +198,7 @@ void CopyZone(dao::Recordset& zones) {
     const std::int32_t locations = FieldReaders::LongField(zones, FieldNames::kRLCount);
     zoneName =
         code + QStringLiteral("-") + FieldReaders::TextField(zones, QStringLiteral("Describe"));
-    tblFMZList->AddNew();
-    tblFMZList->SetField(FieldNames::kName, zoneName);
-    tblFMZList->SetField(FieldNames::kRLCount, locations);
-    tblFMZList->Update();
-    tblFMZList->MoveLast();
-    const std::int32_t zoneKey = tblFMZList->Long(FieldNames::kKey);
+    const std::int32_t zoneKey = AddZone(code, zoneName, locations);
     u91Trace::Procedure(QStringLiteral(" Copy FMZ ") + code + QStringLiteral(" with ") +
                         QString::number(locations) + QStringLiteral(" RLs to ") +
                         QString::number(zoneKey));
@@ -165,6 +210,20 @@ void CopyZone(dao::Recordset& zones) {
     ++imported.zones;
 }
 
+// No half zone is found after a kill or a power cut. An error is another matter: it leaves the rows
+// written so far, those of the unfinished zone included.
+void CopyZoneAsOne(dao::Recordset& zones) {
+    dao::Transaction whole = PrepDatatables::Begin();
+    try {
+        CopyZone(zones);
+    } catch (...) {
+        platform::FirstError known;
+        known.Try([&whole] { whole.Commit(); });
+        throw;
+    }
+    whole.Commit();
+}
+
 // Each zone that is begun counts.
 void CopyZones(ImportProgress* progress, int& zone) {
     dao::Recordset& zones = bram->Zones();
@@ -174,7 +233,7 @@ void CopyZones(ImportProgress* progress, int& zone) {
         if (progress != nullptr) {
             progress->ZoneStarted(zone, count);
         }
-        CopyZone(zones);
+        CopyZoneAsOne(zones);
     }
 }
 

@@ -2,7 +2,8 @@
 // into the open data file.
 //
 // An import only adds: every zone of the assessment file becomes a new zone beside those that are
-// there. Rows are written one by one, each for good.
+// there. Rows are read and written one by one, so an error leaves those before it; each zone is one
+// transaction for a kill or a power cut.
 #pragma once
 
 #include <QString>

@@ -46,7 +46,7 @@ jet::IndexSchema ToSchema(const IndexDefinition& definition) {
 
 // Several readers do not disturb each other; writing is needed only where a run that ended early
 // left something to be brought in.
-std::unique_ptr<jet::Database> OpenShared(const std::filesystem::path& path) {
+std::unique_ptr<jet::Database> OpenForReading(const std::filesystem::path& path) {
     try {
         return jet::Database::Open(path, {.exclusive = false, .readOnly = true});
     } catch (const jet::Error& error) {
@@ -57,6 +57,22 @@ std::unique_ptr<jet::Database> OpenShared(const std::filesystem::path& path) {
     }
 }
 
+std::unique_ptr<jet::Database> OpenFile(const std::filesystem::path& path, OpenMode mode) {
+    switch (mode) {
+        case OpenMode::kExclusive:
+            return jet::Database::Open(path, {.exclusive = true, .readOnly = false});
+        case OpenMode::kShared:
+            try {
+                return jet::Database::Open(path, {.exclusive = false, .readOnly = false});
+            } catch (const jet::Error&) {
+                return jet::Database::Open(path, {.exclusive = false, .readOnly = true});
+            }
+        case OpenMode::kReading:
+            break;
+    }
+    return OpenForReading(path);
+}
+
 }  // namespace
 
 Database::Database(std::unique_ptr<jet::Database> database) : database_(std::move(database)) {}
@@ -64,13 +80,8 @@ Database::Database(std::unique_ptr<jet::Database> database) : database_(std::mov
 Database::~Database() = default;
 
 std::unique_ptr<Database> Database::Open(const QString& path, OpenMode mode) {
-    return Mapped([&] {
-        auto database =
-            mode == OpenMode::kExclusive
-                ? jet::Database::Open(ToPath(path), {.exclusive = true, .readOnly = false})
-                : OpenShared(ToPath(path));
-        return std::unique_ptr<Database>(new Database(std::move(database)));
-    });
+    return Mapped(
+        [&] { return std::unique_ptr<Database>(new Database(OpenFile(ToPath(path), mode))); });
 }
 
 void Database::RequireFree(const QString& path) {

@@ -44,7 +44,8 @@ struct TableDefinition {
 
 enum class OpenMode {
     kExclusive,  // read and write, nobody else
-    kShared,     // for reading, beside other readers; the file may be on a read-only medium
+    kShared,     // read and write if possible, else as below
+    kReading,    // beside other readers; the file may be on a read-only medium
 };
 
 class Database {

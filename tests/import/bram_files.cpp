@@ -16,8 +16,6 @@ using tools::TextRow;
 constexpr int kResources = 14;
 constexpr int kLevels = 6;
 
-using Tables = std::vector<jet::TableSchema>;
-
 jet::TableSchema& TableOf(Tables& tables, const std::string& name) {
     return *std::find_if(tables.begin(), tables.end(),
                          [&](const jet::TableSchema& table) { return table.name == name; });
@@ -29,8 +27,9 @@ void SetType(jet::TableSchema& table, const std::string& column, jet::ColumnType
     })->type = type;
 }
 
-void Write(const std::filesystem::path& path, const Contents& contents,
-           const Tables& tables = tools::AssessmentTables()) {
+}  // namespace
+
+void Write(const std::filesystem::path& path, const Contents& contents, const Tables& tables) {
     const auto database = jet::Database::Create(path, jet::Version::kJet4);
     const auto fill = [&](const std::string& table, const std::vector<TextRow>& rows) {
         if (database->HasTable(table)) {
@@ -46,6 +45,12 @@ void Write(const std::filesystem::path& path, const Contents& contents,
     fill("NVCTable", contents.values);
     database->Close();
 }
+
+void Write(const std::filesystem::path& path, const Contents& contents) {
+    Write(path, contents, tools::AssessmentTables());
+}
+
+namespace {
 
 void MakeOtherTypes(const std::filesystem::path& path) {
     Tables tables = tools::AssessmentTables();
@@ -83,6 +88,35 @@ void MakeApostrophe(const std::filesystem::path& path) {
     Write(path, contents);
 }
 
+void MakeBadValue(const std::filesystem::path& path) {
+    Tables tables = tools::AssessmentTables();
+    jet::TableSchema& values = TableOf(tables, "NVCTable");
+    SetType(values, "WPANRVCBF", jet::ColumnType::kText);
+    values.columns.back().length = 20;
+    Contents contents;
+    AddTable(contents, "T1");
+    AddTable(contents, "T2");
+    for (TextRow& row : contents.values) {
+        if (row.at("TableID") == "T2" && row.at("Resource") == "5" && row.at("FIL") == "2") {
+            row["WPANRVCBF"] = "none";
+        }
+    }
+    AddZone(contents, "A1", 2, 3, "T1");
+    AddZone(contents, "B2", 2, 3, "T2");
+    AddZone(contents, "C3", 1, 3, "T1");
+    Write(path, contents, tables);
+}
+
+void MakeLongName(const std::filesystem::path& path) {
+    Contents contents;
+    AddTable(contents, "T1");
+    for (const char* code : {"A1", "B2", "C3"}) {
+        AddZone(contents, code, 1, 2, "T1");
+    }
+    contents.zones[1]["Describe"] = std::string(44, 'x');
+    Write(path, contents);
+}
+
 void MakeLarge(const std::filesystem::path& path) {
     constexpr int kZones = 300;
     Contents contents;
@@ -114,16 +148,18 @@ void AddZone(Contents& contents, const std::string& code, int locations, int cos
 void AddTable(Contents& contents, const std::string& table) {
     for (int resource = 1; resource <= kResources; ++resource) {
         for (int level = 1; level <= kLevels; ++level) {
-            contents.values.push_back({{"TableID", table},
-                                       {"Resource", std::to_string(resource)},
-                                       {"FIL", std::to_string(level)},
-                                       {"WPANRVCBF", std::to_string(CellOf(resource, level))}});
+            contents.values.push_back(
+                {{"TableID", table},
+                 {"Resource", std::to_string(resource)},
+                 {"FIL", std::to_string(level)},
+                 {"WPANRVCBF", std::to_string(CellOf(table, resource, level))}});
         }
     }
 }
 
-float CellOf(int resource, int level) {
-    return 0.25F - static_cast<float>(10 * resource + level);
+float CellOf(const std::string& table, int resource, int level) {
+    return 0.25F - static_cast<float>(10 * resource + level) -
+           1000.0F * static_cast<float>(table.back() - '1');
 }
 
 Contents Basic() {
@@ -150,6 +186,12 @@ void Make(const std::filesystem::path& path) {
     }
     if (name == "apostrophe.mdb") {
         return MakeApostrophe(path);
+    }
+    if (name == "bad-value.mdb") {
+        return MakeBadValue(path);
+    }
+    if (name == "long-name.mdb") {
+        return MakeLongName(path);
     }
     if (name == "large.mdb") {
         return MakeLarge(path);

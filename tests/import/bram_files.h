@@ -24,8 +24,13 @@ void AddZone(Contents& contents, const std::string& code, int locations, int cos
              const std::string& table);
 // A table of values with all its cells.
 void AddTable(Contents& contents, const std::string& table);
-// What AddTable puts into a cell.
-float CellOf(int resource, int level);
+// What AddTable puts into a cell; no two cells of two tables are the same.
+float CellOf(const std::string& table, int resource, int level);
+
+using Tables = std::vector<jet::TableSchema>;
+// Makes a file of these rows; with other tables than the usual ones.
+void Write(const std::filesystem::path& path, const Contents& contents);
+void Write(const std::filesystem::path& path, const Contents& contents, const Tables& tables);
 
 // Five zones A1 to E5 with nine locations together, entered in another order than that of their
 // codes, and two tables.
@@ -40,8 +45,9 @@ Contents Basic();
 //   no-zones.mdb      no zone
 //   apostrophe.mdb    an apostrophe in the code of the second zone
 //   large.mdb         300 zones with a location each
-//   no-table.mdb      without the table of set-ups
-//   no-index.mdb      without the index of zones by code
+//   bad-value.mdb     a value that is no number in the table of the second zone: resource 5, level
+//   2 long-name.mdb     a description of the second zone that makes its name too long no-table.mdb
+//   without the table of set-ups no-index.mdb      without the index of zones by code
 void Make(const std::filesystem::path& path);
 
 }  // namespace bram_files

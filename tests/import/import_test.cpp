@@ -2,11 +2,18 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 
 #include <algorithm>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include "bram_files.h"
 #include "datafile/FieldReaders.h"
@@ -81,11 +88,6 @@ protected:
         EXPECT_TRUE(SeekCost(key, sequence));
         return FieldReaders::SingleField(*tblSuppressionPerAcreCost, QStringLiteral("TopSize"));
     }
-    static bool SizeIsNull(int key, int sequence) {
-        EXPECT_TRUE(SeekCost(key, sequence));
-        return tblSuppressionPerAcreCost->IsNull(QStringLiteral("TopSize")) &&
-               tblSuppressionPerAcreCost->IsNull(QStringLiteral("Cost"));
-    }
     static float Value(int key, int resource, int level) {
         tblNVCPerAcre->Seek("=", {key, resource});
         EXPECT_FALSE(tblNVCPerAcre->NoMatch()) << key << ' ' << resource;
@@ -108,34 +110,95 @@ protected:
 // Reads the source by itself, row after row and without its named indexes, and compares.
 class Source {
 public:
+    // A class of fire sizes; nothing where the field is empty.
+    struct Cost {
+        std::optional<float> size;
+        std::optional<float> cost;
+        bool operator==(const Cost&) const = default;
+    };
+
     explicit Source(const QString& path)
-        : database_(dao::Database::Open(path, dao::OpenMode::kShared)) {}
+        : database_(dao::Database::Open(path, dao::OpenMode::kReading)) {
+        EachRow("NVCTable", [this](const dao::Recordset& row) {
+            values_[{row.Text("TableID"), LongOf(row, {"Resource", "ResNumber", "ResID"}),
+                     LongOf(row, {"FIL", "FILevel", "FilLevel"})}] = row.Single("WPANRVCBF");
+        });
+        EachRow("NVCSetup", [this](const dao::Recordset& row) {
+            tables_[{row.Text("FMZCode"), LongOf(row, {"RL", "RLNumber", "RepLoc"})}] =
+                row.Text("TableID");
+        });
+    }
 
     void EachZone(const std::function<void(const QString&, const QString&, int)>& visit) const {
-        const auto zones = database_->OpenTable(QStringLiteral("FMZ"));
-        for (zones->MoveFirst(); !zones->EndOfFile(); zones->MoveNext()) {
-            visit(zones->Text(QStringLiteral("FMZCode")), zones->Text(QStringLiteral("Describe")),
-                  zones->Long(QStringLiteral("RLCount")));
-        }
+        EachRow("FMZ", [&visit](const dao::Recordset& row) {
+            visit(row.Text("FMZCode"), row.Text("Describe"), row.Long("RLCount"));
+        });
     }
-    // Upper sizes of a zone in ascending order, nulls first as the query has them.
-    [[nodiscard]] std::vector<float> Sizes(const QString& code) const {
-        std::vector<float> sizes;
-        const auto rows = database_->OpenTable(QStringLiteral("AAC"));
-        for (; !rows->EndOfFile(); rows->MoveNext()) {
-            if (rows->Text(QStringLiteral("FMZCode")).compare(code, Qt::CaseInsensitive) == 0) {
-                sizes.push_back(rows->IsNull(QStringLiteral("UpAcres"))
-                                    ? -1.0F
-                                    : rows->Single(QStringLiteral("UpAcres")));
+    // Of a zone, in ascending order of the sizes, those without one first as the query has them.
+    [[nodiscard]] std::vector<Cost> Costs(const QString& code) const {
+        std::vector<Cost> costs;
+        EachRow("AAC", [&](const dao::Recordset& row) {
+            if (row.Text("FMZCode").compare(code, Qt::CaseInsensitive) == 0) {
+                costs.push_back(CostOf(row, "UpAcres"));
             }
+        });
+        std::stable_sort(costs.begin(), costs.end(), [](const Cost& left, const Cost& right) {
+            return left.size.value_or(-1) < right.size.value_or(-1);
+        });
+        return costs;
+    }
+    // 0 without a set-up, or without a value in its table.
+    [[nodiscard]] float Value(const QString& code, int location, int resource, int level) const {
+        const auto table = tables_.find({code, location});
+        if (table == tables_.end()) {
+            return 0;
         }
-        std::sort(sizes.begin(), sizes.end());
-        return sizes;
+        const auto value = values_.find({table->second, resource, level});
+        return value == values_.end() ? 0 : value->second;
+    }
+    static Cost CostOf(const dao::Recordset& row, const QString& size) {
+        const auto read = [&row](const QString& field) {
+            return row.IsNull(field) ? std::nullopt : std::optional(row.Single(field));
+        };
+        return {.size = read(size), .cost = read(QStringLiteral("Cost"))};
     }
 
 private:
+    // The fields of a key have other names in some files.
+    static int LongOf(const dao::Recordset& row, const QStringList& names) {
+        for (const QString& name : names) {
+            try {
+                return row.Long(name);
+            } catch (const platform::RuntimeError&) {
+                continue;
+            }
+        }
+        ADD_FAILURE() << "no field " << names.join(u',').toStdString();
+        return 0;
+    }
+    void EachRow(const char* table, const std::function<void(const dao::Recordset&)>& visit) const {
+        const auto rows = database_->OpenTable(QString::fromLatin1(table));
+        for (; !rows->EndOfFile(); rows->MoveNext()) {
+            visit(*rows);
+        }
+    }
+
     std::unique_ptr<dao::Database> database_;
+    std::map<std::tuple<QString, int, int>, float> values_;
+    std::map<std::pair<QString, int>, QString> tables_;
 };
+
+void ExpectCostsLike(const Source& source, const QString& code, int key) {
+    std::vector<Source::Cost> costs = source.Costs(code);
+    costs.resize(9);
+    for (int sequence = 1; sequence <= 9; ++sequence) {
+        tblSuppressionPerAcreCost->Seek("=", {key, sequence});
+        ASSERT_FALSE(tblSuppressionPerAcreCost->NoMatch()) << key << ' ' << sequence;
+        EXPECT_EQ(Source::CostOf(*tblSuppressionPerAcreCost, QStringLiteral("TopSize")),
+                  costs[std::size_t(sequence - 1)])
+            << code.toStdString() << ' ' << sequence;
+    }
+}
 
 // Imports a file and compares zone by zone.
 void ImportTest::ExpectLikeSource(const QString& path) {
@@ -151,16 +214,16 @@ void ImportTest::ExpectLikeSource(const QString& path) {
         locationRows += 14 * std::max(locations, 0);
         const Zone found = ZoneNamed(code + u'-' + describe);
         EXPECT_EQ(found.locations, locations);
-        const std::vector<float> sizes = source.Sizes(code);
-        for (int sequence = 1; sequence <= 9; ++sequence) {
-            const float size = Size(found.key, sequence);
-            if (sequence > int(sizes.size())) {
-                EXPECT_TRUE(SizeIsNull(found.key, sequence));
-            } else {
-                EXPECT_EQ(size, std::max(sizes[std::size_t(sequence - 1)], 0.0F));
+        ExpectCostsLike(source, code, found.key);
+        EXPECT_FALSE(SeekCost(found.key, 10));
+        for (int location = 1; location <= locations; ++location) {
+            for (int cell = 0; cell < 14 * 6; ++cell) {
+                const int resource = 1 + cell / 6;
+                const int level = 1 + cell % 6;
+                EXPECT_EQ(Value(found.key * 100 + location, resource, level),
+                          source.Value(code, location, resource, level));
             }
         }
-        EXPECT_FALSE(SeekCost(found.key, 10));
     });
     EXPECT_EQ(tblFMZList->RecordCount() - zonesBefore, zones);
     EXPECT_EQ(ValueRows() - valuesBefore, locationRows);
@@ -196,12 +259,56 @@ TEST_F(ImportTest, Values_OfALocation_ArriveCellByCell) {
         OpenNewFile();
         ASSERT_EQ(Import(QString::fromLatin1(name)), mImport::kCopied);
         const int location = ZoneNamed(QStringLiteral("A1-Zone A1")).key * 100 + 3;
+        const int other = ZoneNamed(QStringLiteral("C3-Zone C3")).key * 100 + 1;
         for (int resource = 1; resource <= 14; ++resource) {
             for (int level = 1; level <= 6; ++level) {
-                EXPECT_EQ(Value(location, resource, level), bram_files::CellOf(resource, level));
+                EXPECT_EQ(Value(location, resource, level),
+                          bram_files::CellOf("T2", resource, level));
+                EXPECT_EQ(Value(other, resource, level), bram_files::CellOf("T1", resource, level));
             }
         }
     }
+}
+
+TEST_F(ImportTest, KeysOfRows_AreMadeFromTheNextKeyOfTheFile) {
+    for (int key = 1; key <= 4; ++key) {
+        tblFMZList->AddNew();
+        tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("by hand"));
+        tblFMZList->Update();
+    }
+    bram_files::Contents contents;
+    bram_files::AddTable(contents, "T1");
+    bram_files::AddZone(contents, "B2", 2, 1, "T1");
+    contents.zones.front()["Describe"] = "Valley";
+    const QString path = folder_.CostsPath(QStringLiteral("valley.mdb"));
+    bram_files::Write(path.toStdString(), contents);
+    ASSERT_EQ(mImport::CopyFMZsFrom(path), mImport::kCopied);
+    const Zone zone = ZoneNamed(QStringLiteral("B2-Valley"));
+    EXPECT_EQ(zone.key, 5);
+    EXPECT_EQ(zone.locations, 2);
+    EXPECT_TRUE(SeekCost(5, 1) && SeekCost(5, 9));
+    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 9);
+    EXPECT_EQ(ValueRows(), 28);
+    EXPECT_EQ(Value(501, 1, 1), bram_files::CellOf("T1", 1, 1));
+    EXPECT_EQ(Value(502, 14, 6), bram_files::CellOf("T1", 14, 6));
+    EXPECT_TRUE(folder_.Trace().contains(QStringLiteral("    Copy FMZ B2 with 2 RLs to 5")));
+}
+
+TEST_F(ImportTest, TableThatIsMissing_GivesZerosAndNoWarning) {
+    bram_files::Contents contents;
+    bram_files::AddTable(contents, "T1");
+    bram_files::AddZone(contents, "A1", 1, 1, "T1");
+    bram_files::AddZone(contents, "B2", 1, 1, "T9");
+    const QString path = folder_.CostsPath(QStringLiteral("missing.mdb"));
+    bram_files::Write(path.toStdString(), contents);
+    ASSERT_EQ(mImport::CopyFMZsFrom(path), mImport::kCopied);
+    for (int resource = 1; resource <= 14; ++resource) {
+        for (int level = 1; level <= 6; ++level) {
+            EXPECT_EQ(Value(101, resource, level), bram_files::CellOf("T1", resource, level));
+            EXPECT_EQ(Value(201, resource, level), 0.0F);
+        }
+    }
+    EXPECT_EQ(WarningCount(QString()), 0);
 }
 
 TEST_F(ImportTest, SameFileTwice_GivesEveryZoneTwice) {
@@ -236,9 +343,14 @@ TEST_F(ImportTest, Trace_OfAWholeImport_ReadsToTheLetter) {
         tblFMZList->MoveFirst();
         return tblFMZList->Text(QStringLiteral("Name")).section(u'-', 0, 0);
     }();
-    EXPECT_EQ(lines.at(1), QStringLiteral("    Copy FMZ %1 with %2 RLs to 1")
-                               .arg(code)
-                               .arg(tblFMZList->Long(QStringLiteral("RLCount"))));
+    QStringList zone{QStringLiteral("    Copy FMZ %1 with %2 RLs to 1")
+                         .arg(code)
+                         .arg(tblFMZList->Long(QStringLiteral("RLCount"))),
+                     QStringLiteral("   mImport.BRAM_CopyAAC")};
+    for (int location = 1; location <= tblFMZList->Long(QStringLiteral("RLCount")); ++location) {
+        zone << QStringLiteral("   mImport.BRAM_CopyNVC");
+    }
+    EXPECT_EQ(lines.mid(1, zone.size()), zone);
     EXPECT_EQ(lines.last(), QStringLiteral("   BRAM_Close"));
     EXPECT_EQ(platform::MousePointer(), platform::Pointer::kDefault);
 }
@@ -311,6 +423,99 @@ TEST_F(ImportTest, ApostropheInACode_FailsTheQueryAndKeepsWhatWasWritten) {
     EXPECT_NO_THROW(dao::Database::Open(path, dao::OpenMode::kExclusive)) << "closed again";
     PrepDatafile::CloseDatafile();
     EXPECT_EQ(support::Complaints(PrepDatafile::CurrentPath()), QString());
+}
+
+// Rows are read and written one by one, so those before the one that cannot be read stay.
+TEST_F(ImportTest, ValueThatIsNoNumber_LeavesTheRowsBeforeIt) {
+    const support::Answers answers;
+    try {
+        Import(QStringLiteral("bad-value.mdb"));
+        FAIL() << "no error";
+    } catch (const platform::RuntimeError& error) {
+        EXPECT_EQ(error.Number(), platform::kTypeMismatch);
+    }
+    EXPECT_EQ(tblFMZList->RecordCount(), 2) << "the zone after it was not begun";
+    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 18);
+    EXPECT_EQ(ValueRows(), 2 * 14 + 4);
+    EXPECT_EQ(Value(201, 4, 6), bram_files::CellOf("T2", 4, 6));
+    EXPECT_FALSE(PrepDatatables::dbDatafile->InTransaction());
+    // What was begun and not stored is in nobody's way.
+    EXPECT_EQ(Import(QStringLiteral("basic.mdb")), mImport::kCopied);
+    PrepDatafile::CloseDatafile();
+    EXPECT_EQ(support::Complaints(PrepDatafile::CurrentPath()), QString());
+}
+
+TEST_F(ImportTest, NameThatIsTooLong_NamesTheZoneAndTheText) {
+    try {
+        Import(QStringLiteral("long-name.mdb"));
+        FAIL() << "no error";
+    } catch (const platform::RuntimeError& error) {
+        EXPECT_TRUE(error.Description().contains(QStringLiteral("zone B2 "))) << error.what();
+        EXPECT_TRUE(
+            error.Description().contains(QStringLiteral("\"B2-%1\"").arg(QString(44, u'x'))))
+            << error.what();
+    }
+    EXPECT_EQ(tblFMZList->RecordCount(), 1) << "the zone before it";
+    EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 9);
+    EXPECT_EQ(Import(QStringLiteral("basic.mdb")), mImport::kCopied);
+}
+
+// What a file holds that somebody copies at the moment, its log included, is what a kill would
+// leave.
+class CopyingProgress : public ImportProgress {
+public:
+    explicit CopyingProgress(QString path) : path_(std::move(path)) {}
+    void ZoneStarted(int zone, int /*zones*/) override {
+        const QString copy = path_ + QString::number(zone);
+        support::Copy(path_, copy);
+        if (QFile::exists(path_ + QStringLiteral("-log"))) {
+            support::Copy(path_ + QStringLiteral("-log"), copy + QStringLiteral("-log"));
+        }
+        copies << copy;
+    }
+    QStringList copies;
+
+private:
+    QString path_;
+};
+
+TEST_F(ImportTest, CutOffBetweenZones_HasWholeZonesOnly) {
+    CopyingProgress progress(PrepDatafile::CurrentPath());
+    ASSERT_EQ(mImport::CopyFMZsFrom(Made(QStringLiteral("basic.mdb")), &progress),
+              mImport::kCopied);
+    ASSERT_EQ(progress.copies.size(), 5);
+    int zones = 0;
+    for (const QString& copy : progress.copies) {
+        const auto left = dao::Database::Open(copy, dao::OpenMode::kExclusive);
+        const auto list = left->OpenTable(QStringLiteral("FMZList"));
+        int locations = 0;
+        for (; !list->EndOfFile(); list->MoveNext()) {
+            locations += list->Long(QStringLiteral("RLCount"));
+        }
+        EXPECT_EQ(list->RecordCount(), zones++);
+        EXPECT_EQ(left->OpenTable(QStringLiteral("SuppressionPerAcreCost"))->RecordCount(),
+                  9 * list->RecordCount());
+        EXPECT_EQ(left->OpenTable(QStringLiteral("NVCPerAcre"))->RecordCount(), 14 * locations);
+    }
+}
+
+TEST_F(ImportTest, OpenFileDialog_AsksInTheCostsFolderForTheUsualName) {
+    support::Answers answers;
+    answers.Then([this](QWidget& dialog) {
+        auto* files = qobject_cast<QFileDialog*>(&dialog);
+        ASSERT_NE(files, nullptr);
+        EXPECT_EQ(files->windowTitle(), QStringLiteral("Select BRAM file"));
+        EXPECT_EQ(files->directory().path(), folder_.Path(QStringLiteral("Costs")));
+        EXPECT_EQ(files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(),
+                  QStringLiteral("BRAM0000.mdb"));
+        EXPECT_EQ(files->nameFilters(), QStringList({"BRAM files (*.mdb)", "All Files (*.*)"}));
+        EXPECT_EQ(files->selectedNameFilter(), QStringLiteral("BRAM files (*.mdb)"));
+        files->close();
+    });
+    EXPECT_EQ(mImport::BRAM_CopyFMZs(nullptr), mImport::kCancelled);
+    EXPECT_EQ(mImport::ImportResult(), 2);
+    EXPECT_EQ(folder_.Trace(), QStringList({"   mImport.BRAM_CopyFMZs", "   mImport.OpenFileDialog",
+                                            "   GetBRAMPath"}));
 }
 
 TEST_F(ImportTest, ReadOnlyFile_IsImported) {

@@ -166,8 +166,8 @@ TEST_F(DaoTest, Exclusive_HeldByOne_IsRefusedToTheNext) {
 }
 
 TEST_F(DaoTest, Shared_TwoReaders_BothOpen) {
-    const auto first = dao::Database::Open(path_, dao::OpenMode::kShared);
-    const auto second = dao::Database::Open(path_, dao::OpenMode::kShared);
+    const auto first = dao::Database::Open(path_, dao::OpenMode::kReading);
+    const auto second = dao::Database::Open(path_, dao::OpenMode::kReading);
     EXPECT_EQ(second->OpenTable(QStringLiteral("Zones"))->RecordCount(), 0);
     EXPECT_EQ(NumberOf([&] { (void)Open(); }), 3045);
 }
