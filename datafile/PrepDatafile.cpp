@@ -363,7 +363,8 @@ bool OpenDatatables(const QString& fileName) {
 void Convert3to4() {
     u91Trace::Procedure(QStringLiteral("PrepDatafile.Convert3to4"));
     const QString goals = QStringLiteral("ManagementGoals");
-    // A conversion that was cut off between its two steps has added the table already.
+    dao::Transaction whole = PrepDatatables::Begin();
+    // A conversion that an older version of this program left half-way has added the table already.
     if (!dbDatafile->HasTable(goals)) {
         dao::TableDefinition table;
         table.name = goals;
@@ -374,6 +375,7 @@ void Convert3to4() {
         dbDatafile->AppendTable(table);
     }
     StoreFormat();
+    whole.Commit();
 }
 
 void CloseDatafile() {
@@ -388,6 +390,7 @@ void GiveUp() {
 }
 
 QString FileTitleFromPath(const QString& path) {
+    u91Trace::Procedure(QStringLiteral("PrepDatafile.FileTitleFromPath"));
     // Both separators count: files and their paths travel between systems.
     const qsizetype last =
         std::max(path.lastIndexOf(QLatin1Char('\\')), path.lastIndexOf(QLatin1Char('/')));

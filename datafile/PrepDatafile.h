@@ -32,7 +32,7 @@ QString NewFileDialog();
 // False when it was refused.
 bool OpenDatatables(const QString& fileName);
 // Gives the open file of format 3.00.00 the table that it lacks, and the present format's label.
-// Throws when the file cannot be written; a conversion that was cut off can be done once more.
+// One transaction: the file is converted or as it was. Throws when it cannot be written.
 void Convert3to4();
 // Closes record sets and database. Throws when what was changed cannot be made durable; the file is
 // closed all the same, and the next opening brings the changes in.

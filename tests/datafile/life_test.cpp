@@ -64,7 +64,7 @@ protected:
     }
 };
 
-TEST(FileTitleFromPath, AnyPath_IsWhatFollowsTheLastSeparator) {
+TEST_F(LifeTest, FileTitleFromPath_AnyPath_IsWhatFollowsTheLastSeparator) {
     EXPECT_EQ(PrepDatafile::FileTitleFromPath(QString()), QString());
     EXPECT_EQ(PrepDatafile::FileTitleFromPath(QStringLiteral("A.FCD")), QStringLiteral("A.FCD"));
     EXPECT_EQ(PrepDatafile::FileTitleFromPath(QStringLiteral("C:\\Costs\\A.FCD")),
@@ -103,6 +103,7 @@ TEST_F(LifeTest, OpenAndClose_Trace_ReadsToTheLetter) {
     PrepDatafile::CloseDatafile();
     EXPECT_EQ(folder_.Trace(),
               QStringList({QStringLiteral("   PrepDatafile.OpenDatatables ") + path,
+                           QStringLiteral("   PrepDatafile.FileTitleFromPath"),
                            QStringLiteral("   OpenRecordsets"),
                            QStringLiteral("   PrepDatafile.CloseDatafile")}));
 }
@@ -293,8 +294,15 @@ TEST_F(LifeTest, QueryOpenDatafile_AFile_ClosesTheFormerOneAfterTheChoice) {
     OpenNewFile();
     const QString second = NewFile(QStringLiteral("UMFOR26.FCD"));
     support::Answers answers;
-    answers.Then([second](QWidget& dialog) {
+    answers.Then([this, second](QWidget& dialog) {
         EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Open TARN Prep file"));
+        EXPECT_EQ(dialog.objectName(), QStringLiteral("CMDialog1"));
+        const auto& files = dynamic_cast<QFileDialog&>(dialog);
+        EXPECT_EQ(files.directory().path(), folder_.Path(QStringLiteral("Costs")));
+        EXPECT_EQ(files.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QString());
+        EXPECT_EQ(files.nameFilters(), QStringList({"TARN Prep files (*.fcd)", "All Files (*.*)"}));
+        EXPECT_EQ(files.selectedNameFilter(), QStringLiteral("TARN Prep files (*.fcd)"));
+        EXPECT_EQ(files.fileMode(), QFileDialog::ExistingFile);
         EXPECT_TRUE(PrepDatafile::IsDatafileOpen());
         Choose(dialog, second);
     });
@@ -357,7 +365,7 @@ TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedEarly_BringsItsChangesInAndSay
     EXPECT_EQ(tblFMZList->RecordCount(), 1);
     EXPECT_EQ(folder_.Trace().filter(QStringLiteral("1 changes of an interrupted run")).size(), 1);
     // A reader has them brought in as well.
-    const auto reader = dao::Database::Open(readElsewhere, dao::OpenMode::kShared);
+    const auto reader = dao::Database::Open(readElsewhere, dao::OpenMode::kReading);
     EXPECT_EQ(reader->RecoveredOperations(), 1);
     EXPECT_EQ(reader->OpenTable(QStringLiteral("FMZList"))->RecordCount(), 1);
     reader->Close();
