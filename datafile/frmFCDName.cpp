@@ -132,6 +132,7 @@ void frmFCDName::CreateFileTitle() {
 }
 
 void frmFCDName::txtUnitID_Change() {
+    u91Trace::Procedure(QStringLiteral("frmFCDName.txtUnitID_Change"));
     if (!UIMode::NotBusy()) {
         return;
     }
@@ -164,12 +165,14 @@ void frmFCDName::txtUnitID_Change() {
 }
 
 void frmFCDName::txtUnitName_Change() {
+    u91Trace::Procedure(QStringLiteral("frmFCDName.txtUnitName_Change"));
     if (UIMode::NotBusy() && !txtUnitName_->text().isEmpty()) {
         GetMatchingNames(txtUnitName_->text());
     }
 }
 
 void frmFCDName::txtState_Change() {
+    u91Trace::Procedure(QStringLiteral("frmFCDName.txtState_Change"));
     if (!UIMode::NotBusy()) {
         return;
     }
@@ -186,6 +189,7 @@ void frmFCDName::txtState_Change() {
 // The keyboard stays in the box: somebody who types all four digits of a year has typed two of them
 // when the title is composed first.
 void frmFCDName::txtYear_Change() {
+    u91Trace::Procedure(QStringLiteral("frmFCDName.txtYear_Change"));
     if (!UIMode::NotBusy()) {
         return;
     }

@@ -146,6 +146,7 @@ void frm0_Prep::SetTitleBar(const QString& fileName) {
 }
 
 QString frm0_Prep::HelpFilePath() {
+    u91Trace::Procedure(QStringLiteral("frm0_Prep.HelpFilePath"));
     return platform::FindFile(platform::ProgramFolder(), QStringLiteral("TARNPlus.hlp"));
 }
 

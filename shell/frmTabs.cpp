@@ -166,6 +166,7 @@ void frmTabs::vsTab1_Switch(int /*oldTab*/, int newTab, bool& cancel) {
 }
 
 void frmTabs::vsTab1_Click() {
+    u91Trace::Procedure(QStringLiteral("frmTabs.vsTab1_Click"));
     a3PrepForms::DisplayWorksheet(static_cast<std::int16_t>(vsTab1_->CurrTab()));
     u91Trace::Finished(QStringLiteral("switching sections"));
 }

@@ -39,6 +39,13 @@ protected:
     }
     [[nodiscard]] QLineEdit* Box(const char* name) const { return Find<QLineEdit>(name); }
     [[nodiscard]] QString Text(const char* name) const { return Box(name)->text(); }
+    // The log without the entries of the boxes' change handlers, which the program's own filling
+    // writes as well.
+    [[nodiscard]] QStringList Steps() const {
+        QStringList steps = folder_.Trace();
+        steps.removeIf([](const QString& entry) { return entry.endsWith(u"_Change"); });
+        return steps;
+    }
     [[nodiscard]] vsFlexGrid* Grid() const { return Find<vsFlexGrid>("grdUnits"); }
 
     void Type(const char* name, const QString& text) const {
@@ -104,7 +111,7 @@ TEST_F(NamingDialogTest, UnitID_OfOneState_FillsNameStateAndTitle) {
     EXPECT_EQ(Text("txtFileTitle"), QStringLiteral("GPFWA") + Year());
     EXPECT_EQ(Focus(), QStringLiteral("txtYear"));
     EXPECT_EQ(Box("txtYear")->selectedText(), Year());
-    EXPECT_EQ(folder_.Trace(),
+    EXPECT_EQ(Steps(),
               QStringList({QStringLiteral("   frmFCDName.GetMatchingIDs G"),
                            QStringLiteral("   frmFCDName.GetMatchingIDs GP"),
                            QStringLiteral("   frmFCDName.GetUnit GPF"),
@@ -260,7 +267,7 @@ TEST_F(NamingDialogTest, ClickOnAUnit_FillsTheBoxesAndComposesTheTitle) {
     EXPECT_EQ(Text("txtUnitID"), QStringLiteral("GPF"));
     EXPECT_EQ(Text("txtUnitName"), QStringLiteral("Gifford Pinchot National Forest"));
     EXPECT_EQ(Text("txtState"), QStringLiteral("WA"));
-    EXPECT_EQ(folder_.Trace(),
+    EXPECT_EQ(Steps(),
               QStringList({QStringLiteral("   grdUnits_Click"),
                            QStringLiteral("   frmFCDName.CreateFileTitle GPFWA") + Year()}));
     PressOK();

@@ -29,3 +29,12 @@ inline void MakeFileWithFullProperties(const QString& path) {
     rows->Update();
     file->Close();
 }
+
+// Leaves an assessment file without one of its set-ups.
+inline void RemoveASetup(const QString& path) {
+    const auto file = jet::Database::Open(path.toStdU16String());
+    const auto rows = file->OpenTable("NVCSetup");
+    rows->MoveFirst();
+    rows->Delete();
+    file->Close();
+}

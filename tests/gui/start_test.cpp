@@ -10,6 +10,7 @@
 #include "RunningProgram.h"
 #include "datafile/PrepProperties.h"
 #include "platform/controls/FLabel.h"
+#include "shell/ProgramTexts.h"
 #include "shell/u91Trace.h"
 #include "support/Keyboard.h"
 
@@ -40,7 +41,8 @@ TEST_F(Start, NoCommandLine_LogsItsStepsInOrder) {
               Text(QStringList({"App.Path = " + platform::ProgramFolder(), "Screen: 15360 x 11520",
                                 " Start TARN Prep 05.1", "   a1Prep.DisplayCheck",
                                 "   frm0_Prep_Resize 12120 x 9120", "   Load frm0Start",
-                                "   a1Prep.StartWithoutFile", " Finished Loading TARN Prep"})));
+                                "   frm0_Prep.HelpFilePath", "   a1Prep.StartWithoutFile",
+                                " Finished Loading TARN Prep"})));
 }
 
 TEST_F(Start, StartScreen_Captions_AreTheTextsWithTheirMarks) {
@@ -58,6 +60,9 @@ TEST_F(Start, StartScreen_Captions_AreTheTextsWithTheirMarks) {
         QStringLiteral("To create a new data file,|CR|click the New button.|BEFORE:180||CR|To "
                        "review or update an existing data file,|BEFORE:0||CR|click the Open "
                        "button."));
+    EXPECT_EQ(Get<QLabel>(QStringLiteral("lblTitle")).text(), QStringLiteral("TARN Prep"));
+    EXPECT_EQ(Get<QLabel>(QStringLiteral("lblCopyright")).text(), ProgramTexts::kNoticeOfRights);
+    EXPECT_TRUE(ProgramTexts::kNoticeOfRights.startsWith(QStringLiteral("Copyright")));
     EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdOpen")).text(), QStringLiteral("&Open"));
     EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdNew")).text(), QStringLiteral("&New"));
     EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdExit")).text(), QStringLiteral("E&xit"));
@@ -83,7 +88,8 @@ TEST_F(Start, CommandLineFile_LogsItsStepsInOrder) {
     EXPECT_EQ(Text(trace.mid(trace.indexOf(QStringLiteral("   a1Prep.StartWithFile ") + path))),
               Text(QStringList(
                   {"   a1Prep.StartWithFile " + path, "   PrepDatafile.OpenDatatables " + path,
-                   "   OpenRecordsets", " Start a1Prep.LoadFromFile", "   frm0Start.SetBackground",
+                   "   PrepDatafile.FileTitleFromPath", "   OpenRecordsets",
+                   " Start a1Prep.LoadFromFile", "   frm0Start.SetBackground",
                    "   frm0_Prep.SetTitleBar", "   PrepProperties.GetPropertyWithDefault UnitName",
                    "   Load frmTabs", "   frmTabs.Form_Resize", "   Load frm1Intro",
                    "   frm1Intro.Setup", "   PositionWorksheet", "   frm0_Prep.StepMenu_Check",
@@ -145,14 +151,19 @@ TEST_F(Start, IntroductionTexts_AreShownWithTheirMarks) {
     EXPECT_EQ(intro->findChild<QLabel*>(QStringLiteral("lblTitle"))->text(),
               QStringLiteral("Instructions for creating a TARN Prep file"));
     const QString body = intro->findChild<FLabel*>(QStringLiteral("flbDescription"))->Caption();
-    EXPECT_TRUE(body.startsWith(QStringLiteral(
+    EXPECT_EQ(
+        body.toStdString(),
         "The TARN Prep process involves collecting information in a single file so that it is "
         "easily accessible when needed for a Tactical Assessment of Response Needs (TARN).  "
-        "|CR||BEFORE:180|Worksheet 1: Introduction.  This page.|CR||BEFORE:90|Worksheet 2: ")));
-    EXPECT_TRUE(
-        body.endsWith(QStringLiteral("|CR|Worksheet 6: Suppression Cost / Acre.  This table "
-                                     "will be used to estimate suppression costs based on "
-                                     "historic cost per acre.")));
+        "|CR||BEFORE:180|Worksheet 1: Introduction.  This page.|CR||BEFORE:90|Worksheet 2: "
+        "Management Goals.  Management goals, objectives and guidelines can be entered to help "
+        "ensure that suppression objectives in the TARN are consistent with resource management "
+        "objectives for the area.|CR|Worksheet 3: Suppression Resources.  You will select "
+        "suppression resources from this list when describing alternatives in the TARN.|CR|"
+        "Worksheet 4: FMZs.  Import data from an BRAM file.|CR|Worksheet 5: NVC Table.  The NVC "
+        "Table will be used to compute impacts on natural resources in the TARN.|CR|Worksheet 6: "
+        "Suppression Cost / Acre.  This table will be used to estimate suppression costs based on "
+        "historic cost per acre.");
 }
 
 TEST_F(Start, ExitButton_EndsTheProgramWithEveryFormUnloaded) {

@@ -72,10 +72,10 @@ TEST_F(Worksheets, Switch_ByMenu_LogsTheProtocolInOrder) {
               Text(QStringList({"   mnuStep_Click 2", " Start switch to section 2",
                                 "   a3PrepForms.UpdateCurrentWorksheet INT",
                                 "   a3PrepForms.UnloadCurrentWorksheet; WorksheetID = INT",
-                                "   Unloaded frm1Intro", "   DisplayWorksheet 2",
-                                "   Load frm2RMAs", "   frm2RMAs.Setup", "   PositionWorksheet",
-                                "   frm0_Prep.StepMenu_Check", "   frm2RMAs.LoadList",
-                                " Finished switching sections"})));
+                                "   Unloaded frm1Intro", "   frmTabs.vsTab1_Click",
+                                "   DisplayWorksheet 2", "   Load frm2RMAs", "   frm2RMAs.Setup",
+                                "   PositionWorksheet", "   frm0_Prep.StepMenu_Check",
+                                "   frm2RMAs.LoadList", " Finished switching sections"})));
 }
 
 struct Refusal {
