@@ -5,7 +5,11 @@
 #include <QProcess>
 #include <QTest>
 
+#include <filesystem>
+#include <string>
+
 #include "support/BuiltProgramFolder.h"
+#include "support/command.h"
 
 namespace {
 
@@ -19,6 +23,19 @@ protected:
     }
 
     void Start(int width, int height, const QStringList& arguments = {}) {
+        Prepare(width, height);
+        program_.start(name_, arguments);
+        ASSERT_TRUE(program_.waitForStarted());
+    }
+    // With a command line as the shell takes it; the program's folder is the current one.
+    void StartByShell(int width, int height, const QString& arguments) {
+        Prepare(width, height);
+        program_.setWorkingDirectory(folder_.Path(QString()));
+        program_.start(QStringLiteral("/bin/sh"),
+                       {QStringLiteral("-c"), QStringLiteral("exec ./tarnprep ") + arguments});
+        ASSERT_TRUE(program_.waitForStarted());
+    }
+    void Prepare(int width, int height) {
         const QString config = folder_.Path(QStringLiteral("screen.json"));
         support::WriteBytes(config, QStringLiteral(R"({"synchronousWindowSystemEvents": false,
                 "windowFrameMargins": false, "screens": [{"name": "s", "x": 0, "y": 0,
@@ -26,14 +43,12 @@ protected:
                                         .arg(width)
                                         .arg(height)
                                         .toUtf8());
-        const QString name = folder_.Path(QStringLiteral("tarnprep"));
-        ASSERT_TRUE(QFile::copy(support::BuiltFolder() + QStringLiteral("/tarnprep"), name));
+        name_ = folder_.Path(QStringLiteral("tarnprep"));
+        ASSERT_TRUE(QFile::copy(support::BuiltFolder() + QStringLiteral("/tarnprep"), name_));
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"),
                            QStringLiteral("offscreen:configfile=") + config);
         program_.setProcessEnvironment(environment);
-        program_.start(name, arguments);
-        ASSERT_TRUE(program_.waitForStarted());
     }
     [[nodiscard]] bool LogShows(const QString& entry) const {
         return QTest::qWaitFor([&] { return folder_.Trace().contains(entry); }, 20000);
@@ -45,6 +60,7 @@ protected:
     }
 
     support::ProgramFolder folder_;
+    QString name_;
     QProcess program_;
 };
 
@@ -77,6 +93,60 @@ TEST_F(Screens, Start_On1024x768_HasItsWorkingSize) {
 TEST_F(Screens, Start_WithWordsAndSwitches_JoinsThemByBlanks) {
     Start(1024, 768, {QStringLiteral("-style"), QStringLiteral("my"), QStringLiteral("unit.fcd")});
     EXPECT_TRUE(LogShows(QStringLiteral("   a1Prep.StartWithFile -style my unit.fcd")));
+    EXPECT_TRUE(End());
+}
+
+class FrameOnScreen : public testing::Test {
+protected:
+    // What the frame says and how large it is on a screen of that size.
+    QStringList On(int width, int height) {
+        const auto run = tarn_test::RunCommand(
+            '(' + tarn_test::Quoted(tarn_test::BuiltProgram("frame_on_screen")) + ' ' +
+            tarn_test::Quoted(folder_.Path(QString()).toStdString()) + ' ' + std::to_string(width) +
+            ' ' + std::to_string(height) + " 2>/dev/null)");
+        EXPECT_EQ(run.status, 0) << run.output;
+        return QString::fromStdString(run.output).remove(u'\r').trimmed().split(u'\n');
+    }
+    static void ExpectWarning(const QStringList& said) {
+        ASSERT_EQ(said.size(), 3) << said.join(u'|').toStdString();
+        EXPECT_EQ(said[0],
+                  QStringLiteral("TARN Prep: This program is designed for display at 800 x "
+                                 "600 resolution or higher."));
+        EXPECT_EQ(said[1], QStringLiteral("You may have difficulty using the program with your "
+                                          "current display settings."));
+        EXPECT_TRUE(said[2].endsWith(QStringLiteral("normal, as it was"))) << said[2].toStdString();
+    }
+
+    support::ProgramFolder folder_;
+};
+
+TEST_F(FrameOnScreen, AtMost8000Twips_WarnsAndLeavesTheFrame) {
+    ExpectWarning(On(640, 480));
+    ExpectWarning(On(800, 533));
+}
+
+TEST_F(FrameOnScreen, AtMost9120Twips_IsMaximised) {
+    EXPECT_EQ(On(800, 534), QStringList(QStringLiteral("12000 x 8010 at 0, 0, maximised, sized")));
+    EXPECT_EQ(On(800, 600), QStringList(QStringLiteral("12000 x 9000 at 0, 0, maximised, sized")));
+    EXPECT_EQ(On(1024, 608), QStringList(QStringLiteral("15360 x 9120 at 0, 0, maximised, sized")));
+}
+
+TEST_F(FrameOnScreen, Above9120Twips_HasItsWorkingSizeAtTheTopLeftCorner) {
+    for (const int height : {609, 768, 1080}) {
+        EXPECT_TRUE(
+            On(1024, height).front().startsWith(QStringLiteral("12120 x 9120 at 0, 0, normal")))
+            << height;
+    }
+}
+
+TEST_F(Screens, Start_WithANameThatIsNoUtf8_OpensTheFile) {
+    const QByteArray name = QFile::encodeName(folder_.Path(QStringLiteral("Monta"))) +
+                            "\xF1"
+                            "a.fcd";
+    std::filesystem::copy_file(folder_.Path(QStringLiteral("FCD.new")).toStdString(),
+                               std::filesystem::path(name.toStdString()));
+    StartByShell(1024, 768, QStringLiteral("\"$(printf 'Monta\\361a.fcd')\""));
+    EXPECT_TRUE(LogShows(QStringLiteral(" Finished a1Prep.LoadFromFile")));
     EXPECT_TRUE(End());
 }
 
