@@ -76,7 +76,7 @@ void vsFlexGrid::Paste() {
 }
 
 void vsFlexGrid::SetEditSelText(const QString& text) {
-    if (!currentIndex().isValid() || IsList()) {
+    if (!currentIndex().isValid() || (!Editing() && IsList())) {
         return;
     }
     const FlexGridClip::Block block = FlexGridClip::FromText(text);

@@ -69,6 +69,16 @@ void AddReason(QMessageBox& box, const MsgOptions& options) {
     }
 }
 
+// The window that a box belongs to. Right after a box has closed, the window below it has been
+// asked to become active but need not be so yet; a second box belongs to it all the same.
+QWidget* ActiveWindow() {
+    static QPointer<QWidget> last;
+    if (QWidget* active = QApplication::activeWindow()) {
+        last = active;
+    }
+    return last != nullptr && last->isVisible() ? last : nullptr;
+}
+
 void NameButtons(QMessageBox& box) {
     for (QAbstractButton* button : box.buttons()) {
         if (box.buttonRole(button) == QMessageBox::ActionRole) {
@@ -87,7 +97,7 @@ void NameButtons(QMessageBox& box) {
 
 MsgAnswer MsgBox(const QString& text, const MsgOptions& options) {
     const PointerPause pause;
-    const QPointer<QWidget> parent = QApplication::activeWindow();
+    const QPointer<QWidget> parent = ActiveWindow();
     QMessageBox box(parent);
     box.setObjectName(QStringLiteral("MsgBox"));
     box.setWindowTitle(options.title.isEmpty() ? kApplicationTitle : options.title);
