@@ -73,7 +73,8 @@ private:
              box.informativeText(), box.detailedText()});
         QMessageBox::StandardButton answer =
             (box.standardButtons() & QMessageBox::Ok) != 0 ? QMessageBox::Ok : QMessageBox::No;
-        if (!buttons_.empty()) {
+        // What a box does not offer is kept for the next one.
+        if (!buttons_.empty() && (box.standardButtons() & buttons_.front()) != 0) {
             answer = buttons_.front();
             buttons_.pop_front();
         }
