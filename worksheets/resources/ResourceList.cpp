@@ -93,7 +93,11 @@ GridTable::Answer ResourceList::OfferText(int row, int col, const QString& typed
     return {};
 }
 
+// A number that is cleared, alone or in a block of cells, is put back without a word.
 GridTable::Answer ResourceList::OfferNumber(int row, const QString& typed) {
+    if (typed.isEmpty()) {
+        return {Answer::Kind::kChanged, Text(row, kNumber)};
+    }
     const std::optional<int> place = RowOrder::Place(typed, RowCount());
     if (!place) {
         return {Answer::Kind::kRefused,
