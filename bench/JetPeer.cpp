@@ -184,7 +184,7 @@ private:
     }
     double ScanTexts() {
         const auto records = database_->OpenTable("Texts");
-        std::u16string text;
+        std::string text;
         double sum = 0;
         for (; !records->IsEof(); records->MoveNext()) {
             for (int field = 1; field < 3; ++field) {

@@ -97,9 +97,13 @@ public:
             return sum;
         }
         Statement scan(database_, "SELECT * FROM Texts");
-        std::u16string text;
+        std::string text;
         while (scan.Step()) {
-            for (int i = 1; i < 3; ++i) sum += static_cast<double>(ReadText(scan, i, text));
+            for (int i = 1; i < 3; ++i) {
+                text.assign(reinterpret_cast<const char*>(sqlite3_column_text(scan.Get(), i)),
+                            static_cast<std::size_t>(sqlite3_column_bytes(scan.Get(), i)));
+                sum += static_cast<double>(text.size());
+            }
         }
         return sum;
     }

@@ -4,11 +4,17 @@
 
 namespace jet {
 
-Frame& FrameCache::Insert(std::uint32_t page) {
-    if (page >= frameOf_.size()) {
-        frameOf_.resize(std::max<std::size_t>(page + 1, frameOf_.size() * 2), nullptr);
-    }
-    Frame* frame = frames_.size() >= capacity_ ? Evict() : nullptr;
+void FrameCache::MakeRoomFor(std::uint32_t page) {
+    const std::size_t part = page / kPart;
+    if (part >= frameOf_.size()) frameOf_.resize(part + 1);
+    if (!frameOf_[part]) frameOf_[part] = std::make_unique<Part>();
+    passing_.reserve(kMostPassing);
+}
+
+Frame& FrameCache::Insert(std::uint32_t page, bool passing) {
+    MakeRoomFor(page);
+    Frame* frame = passing ? EvictPassing() : nullptr;
+    if (frame == nullptr && frames_.size() >= capacity_) frame = Evict();
     if (frame == nullptr) {
         auto made = std::make_unique<Frame>();
         made->bytes = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
@@ -17,12 +23,16 @@ Frame& FrameCache::Insert(std::uint32_t page) {
     }
     frame->number = page;
     frame->recent = true;
-    frameOf_[page] = frame;
+    if (passing && !frame->passing && passing_.size() < kMostPassing) {
+        passing_.push_back(frame);
+        frame->passing = true;
+    }
+    SetFrame(page, frame);
     return *frame;
 }
 
 void FrameCache::Drop(Frame& frame) {
-    frameOf_[frame.number] = nullptr;
+    SetFrame(frame.number, nullptr);
     frame.number = Frame::kNone;
     frame.dirty = false;
     frame.inTransaction = false;
@@ -37,15 +47,28 @@ Frame* FrameCache::Evict() {
     for (std::size_t step = 0; step < 2 * frames_.size(); ++step) {
         if (hand_ >= frames_.size()) hand_ = 0;
         Frame& frame = *frames_[hand_++];
-        if (!CanLeave(frame)) continue;
+        if (!CanLeave(frame) || frame.passing) continue;
         if (frame.recent && frame.number != Frame::kNone) {
             frame.recent = false;
             continue;
         }
-        if (frame.number != Frame::kNone) frameOf_[frame.number] = nullptr;
+        if (frame.number != Frame::kNone) SetFrame(frame.number, nullptr);
         return &frame;
     }
     unmovable_ = frames_.size();
+    return nullptr;
+}
+
+// The longest passed of these frames that can leave.
+Frame* FrameCache::EvictPassing() {
+    if (passing_.size() < kMostPassing) return nullptr;
+    for (std::size_t step = 0; step < passing_.size(); ++step) {
+        if (nextPassing_ >= passing_.size()) nextPassing_ = 0;
+        Frame& frame = *passing_[nextPassing_++];
+        if (!CanLeave(frame)) continue;
+        if (frame.number != Frame::kNone) SetFrame(frame.number, nullptr);
+        return &frame;
+    }
     return nullptr;
 }
 
@@ -53,10 +76,12 @@ void FrameCache::Shrink() {
     unmovable_ = 0;
     if (frames_.size() <= capacity_) return;
     std::size_t surplus = frames_.size() - capacity_;
+    for (Frame* frame : passing_) frame->passing = false;
+    passing_.clear();
     std::erase_if(frames_, [&](const std::unique_ptr<Frame>& frame) {
         if (surplus == 0 || !CanLeave(*frame)) return false;
         --surplus;
-        if (frame->number != Frame::kNone) frameOf_[frame->number] = nullptr;
+        if (frame->number != Frame::kNone) SetFrame(frame->number, nullptr);
         return true;
     });
 }

@@ -6,6 +6,7 @@
 // its capacity, and shrinks again later.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -24,6 +25,7 @@ struct Frame {
     bool inTransaction = false;  // changed by the open transaction
     bool changing = false;       // changed by the open operation
     bool recent = false;         // used since the clock's hand came by
+    bool passing = false;        // of a walk through a file that is larger than the cache
 };
 
 class FrameCache {
@@ -31,12 +33,17 @@ public:
     FrameCache(std::uint32_t pageSize, std::size_t capacity)
         : pageSize_(pageSize), capacity_(capacity) {}
 
+    [[nodiscard]] std::size_t Capacity() const { return capacity_; }
     // The frame of a page in memory, or null.
     [[nodiscard]] Frame* Find(std::uint32_t page) const {
-        return page < frameOf_.size() ? frameOf_[page] : nullptr;
+        const std::size_t part = page / kPart;
+        if (part >= frameOf_.size() || !frameOf_[part]) return nullptr;
+        return (*frameOf_[part])[page % kPart];
     }
-    // A frame for a page that is not in memory; its bytes are undefined.
-    Frame& Insert(std::uint32_t page);
+    // A frame for a page that is not in memory; its bytes are undefined. Passing pages take each
+    // other's frames, a few of them, so that a walk through a large file neither fills the memory
+    // nor drives out what is used again.
+    Frame& Insert(std::uint32_t page, bool passing = false);
     // Takes the page out of memory. A pin on it keeps its bytes until it goes.
     void Drop(Frame& frame);
     // Gives memory beyond the capacity back.
@@ -53,12 +60,24 @@ private:
     static bool CanLeave(const Frame& frame) {
         return frame.pins == 0 && !frame.dirty && !frame.inTransaction;
     }
+    // The frames of as many neighboring pages; those of pages that were never read take no memory.
+    static constexpr std::size_t kPart = 512;
+    using Part = std::array<Frame*, kPart>;
+    static constexpr std::size_t kMostPassing = 64;
+
+    void SetFrame(std::uint32_t page, Frame* frame) {
+        (*frameOf_[page / kPart])[page % kPart] = frame;
+    }
+    void MakeRoomFor(std::uint32_t page);
     Frame* Evict();
+    Frame* EvictPassing();
 
     std::uint32_t pageSize_;
     std::size_t capacity_;
     std::vector<std::unique_ptr<Frame>> frames_;
-    std::vector<Frame*> frameOf_;  // by page number
+    std::vector<std::unique_ptr<Part>> frameOf_;  // by page number
+    std::vector<Frame*> passing_;                 // taken in turn
+    std::size_t nextPassing_ = 0;
     std::size_t hand_ = 0;
     std::size_t unmovable_ = 0;  // frames that the last full turn of the hand found kept
 };

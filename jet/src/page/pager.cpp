@@ -83,14 +83,15 @@ Frame& Pager::Impl::Load(PageNumber page) {
     const std::uint32_t pages = ReadAhead(page);
     nextInRow_ = page.value + pages;
     if (pages == 1) return LoadAlone(page);
+    const bool passing = filePageCount > cache_.Capacity();
     readBuffer_.resize(std::size_t{pages} * format.pageSize);
     file->Read(std::uint64_t{page.value} * format.pageSize, readBuffer_);
     // The page asked for comes last, so that none of the others can take its frame.
     for (std::uint32_t i = pages - 1; i > 0; --i) {
-        std::memcpy(cache_.Insert(page.value + i).bytes.get(),
+        std::memcpy(cache_.Insert(page.value + i, passing).bytes.get(),
                     readBuffer_.data() + std::size_t{i} * format.pageSize, format.pageSize);
     }
-    Frame& frame = cache_.Insert(page.value);
+    Frame& frame = cache_.Insert(page.value, passing);
     std::memcpy(frame.bytes.get(), readBuffer_.data(), format.pageSize);
     return frame;
 }
