@@ -1,4 +1,4 @@
-// The catalogue: names, permissions of new tables, and catalogues that make no sense.
+// The catalog: names, permissions of new tables, and catalogs that make no sense.
 #include "catalog/catalog.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ class CatalogTest : public testing::TestWithParam<Version> {
 protected:
     CatalogTest()
         : files_(MakeMemoryFileSystem()),
-          database_(Database::Create("catalogue.mdb", GetParam(), *files_)) {}
+          database_(Database::Create("catalog.mdb", GetParam(), *files_)) {}
 
     Catalog& Tables() { return database_->Internals().file->Tables(); }
     // The permissions on an object, as (holder, mask) in stored order.

@@ -88,7 +88,7 @@ TEST(CheckFile, TableHiddenByItsFlags_IsNamedAndComesBackInRepair) {
             const auto file = files->Open("a file.mdb", OpenMode::kReadWrite);
             std::string bytes(static_cast<std::size_t>(file->Size()), '\0');
             file->Read(0, std::as_writable_bytes(std::span(bytes)));
-            // The name follows the flags in the catalogue's row.
+            // The name follows the flags in the catalog's row.
             const std::string name =
                 version == Version::kJet3 ? "Zones" : std::string("Z\0o\0n\0e\0s\0", 10);
             const std::size_t at = bytes.find(name, version == Version::kJet3 ? 4096 : 8192);
@@ -97,8 +97,7 @@ TEST(CheckFile, TableHiddenByItsFlags_IsNamedAndComesBackInRepair) {
             file->Write(at - 1, {&hidden, 1});
         }
         EXPECT_TRUE(Database::Open("a file.mdb", {}, *files)->TableNames().empty());
-        EXPECT_NE(CheckFile("a file.mdb", *files).Text().find("catalogue-flags"),
-                  std::string::npos);
+        EXPECT_NE(CheckFile("a file.mdb", *files).Text().find("catalog-flags"), std::string::npos);
         static_cast<void>(RepairFile("a file.mdb", "new.mdb", *files));
         EXPECT_EQ(Database::Open("new.mdb", {}, *files)->OpenTable("Zones")->RecordCount(), 1);
     }
@@ -149,8 +148,8 @@ std::vector<std::string> DamageKinds() {
              "long-value-dangling long-value-length long-value-orphan long-value-shared "
              "long-value-deleted long-value-form tdef-length tdef-chain tdef-cut row-count "
              "autonumber-low column-count column-number column-overlap column-type index-root "
-             "index-column index-number relation-partner properties catalogue-dangling "
-             "catalogue-type catalogue-missing";
+             "index-column index-number relation-partner properties catalog-dangling "
+             "catalog-type catalog-missing";
     std::istringstream words(names.str());
     for (std::string word; words >> word;) {
         kinds.push_back(word);

@@ -67,7 +67,7 @@ TEST_P(DatabaseTest, SameSteps_GiveTheSameFileButForTheDates) {
     for (std::size_t i = 0; i < a.size(); ++i) {
         if (a[i] != b[i]) different.insert(i / page);
     }
-    EXPECT_LE(different.size(), 1U);  // the catalogue's page, when a second has passed
+    EXPECT_LE(different.size(), 1U);  // the catalog's page, when a second has passed
 }
 
 TEST_P(DatabaseTest, Describe_GivesBackWhatATableWasMadeFrom) {
@@ -509,7 +509,7 @@ TEST(NewJet4File, EqualsTheOriginalEngines) {
     for (std::size_t i = 0; i < ours.size(); ++i) {
         if (ours[i] != theirs[i] && i / 4096 != 0) ++different[i / 4096];
     }
-    // In the definitions there are left-over bytes in unused fields; in the catalogue the dates.
+    // In the definitions there are left-over bytes in unused fields; in the catalog the dates.
     for (const auto& [page, count] : different) {
         EXPECT_TRUE(page <= 5 || page == 14) << "page " << page;
         EXPECT_LE(count, page == 14 ? 8 * 16 : 60) << "page " << page;

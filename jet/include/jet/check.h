@@ -2,7 +2,7 @@
 //
 // The check reads only. It looks at the header, the account of every page, the usage maps both
 // ways, the table definitions, every row, the long-value chains, every index against the rows, row
-// counts, auto-numbers and the catalogue, and goes on after each finding as far as it can.
+// counts, auto-numbers and the catalog, and goes on after each finding as far as it can.
 #pragma once
 
 #include <cstdint>

@@ -99,7 +99,7 @@ public:
     [[nodiscard]] bool IsReadOnly() const;
     [[nodiscard]] const Recovery& OpeningRecovery() const;
 
-    // User tables, in catalogue order. Linked tables and queries are not among them.
+    // User tables, in catalog order. Linked tables and queries are not among them.
     [[nodiscard]] std::vector<std::string> TableNames() const;
     [[nodiscard]] std::vector<std::string> SystemTableNames() const;
     [[nodiscard]] bool HasTable(std::string_view name) const;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint32_t kPageMask = 0xFFFFFF;
 
-// The columns of the catalogue that are read, by name: files differ in what else is there.
+// The columns of the catalog that are read, by name: files differ in what else is there.
 struct ObjectColumns {
     explicit ObjectColumns(const Table& objects)
         : id(Position(objects, u"Id")),
@@ -29,7 +29,7 @@ struct ObjectColumns {
     static std::size_t Position(const Table& table, std::u16string_view name) {
         const auto found = table.Def().FindColumn(name);
         if (!found) {
-            ThrowDamaged("The file is damaged: its catalogue lacks a field.");
+            ThrowDamaged("The file is damaged: its catalog lacks a field.");
         }
         return *found;
     }

@@ -1,4 +1,4 @@
-// The catalogue: which tables a file has, and where their definitions are.
+// The catalog: which tables a file has, and where their definitions are.
 #pragma once
 
 #include <map>
@@ -18,12 +18,12 @@ struct CatalogEntry {
     std::string name;  // UTF-8
     PageNumber definition;
     bool system = false;
-    RowId row;  // in the catalogue's own table
+    RowId row;  // in the catalog's own table
 };
 
 class Catalog : private TableFamily {
 public:
-    // kDamaged when the catalogue's own tables cannot be read.
+    // kDamaged when the catalog's own tables cannot be read.
     explicit Catalog(Pager& pager);
 
     // All local tables, in stored order.

@@ -1,4 +1,4 @@
-// The properties of a table and its columns, kept as one long value of the catalogue row.
+// The properties of a table and its columns, kept as one long value of the catalog row.
 //
 //   signature | chunk | chunk | ...
 //

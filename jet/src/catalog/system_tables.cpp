@@ -187,7 +187,7 @@ SystemRow::SystemRow(const Table& table) : table_(&table) {
 SystemRow& SystemRow::Set(std::u16string_view column, const Value& value) {
     const auto found = table_->Def().FindColumn(column);
     if (!found) {
-        throw Error(ErrorKind::kDamaged, "The file is damaged: the catalogue lacks the field '" +
+        throw Error(ErrorKind::kDamaged, "The file is damaged: the catalog lacks the field '" +
                                              NarrowName(column) + "'.");
     }
     row_.values[*found] =

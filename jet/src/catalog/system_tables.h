@@ -10,7 +10,7 @@
 
 namespace jet {
 
-// Ids of the catalogue's containers and of the database itself.
+// Ids of the catalog's containers and of the database itself.
 inline constexpr std::uint32_t kRootId = 0x0F000000;
 inline constexpr std::uint32_t kTablesId = 0x0F000001;
 inline constexpr std::uint32_t kDatabasesId = 0x0F000002;

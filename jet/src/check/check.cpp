@@ -8,7 +8,7 @@
 #include <set>
 
 #include "check/account.h"
-#include "check/catalogue_check.h"
+#include "check/catalog_check.h"
 #include "check/findings.h"
 #include "check/lone_definitions.h"
 #include "check/page_source.h"
@@ -42,7 +42,7 @@ public:
         account_.Claim(1, "the global maps", {});
         CheckHeader();
         account_.ReadMap(header_.secondMap, "pages set aside", {});
-        if (!CheckCatalogue()) {
+        if (!CheckCatalog()) {
             CheckTablesByPageType();
         }
         CheckRelations(context_, tables_);
@@ -61,27 +61,27 @@ private:
         };
         expect(header_.freePages == RowId{PageNumber{1}, 0}, "the map of free pages");
         expect(header_.secondMap == RowId{PageNumber{1}, 1}, "the second map");
-        expect(header_.objects.value == 2, "the catalogue");
+        expect(header_.objects.value == 2, "the catalog");
         expect(header_.accessControl.value == 3, "the permissions");
         // In some files these two have changed places.
         const std::set<std::uint32_t> rest{header_.queries.value, header_.relationships.value};
         expect(rest == std::set<std::uint32_t>{4, 5}, "the queries and relationships");
     }
 
-    bool CheckCatalogue() {
+    bool CheckCatalog() {
         auto objects = ReadTableLayout(context_, header_.objects.value, "MSysObjects");
-        std::optional<CatalogueCheck> catalogue;
+        std::optional<CatalogCheck> catalog;
         if (objects) {
-            catalogue.emplace(context_, *objects);
+            catalog.emplace(context_, *objects);
         }
-        if (!catalogue || !catalogue->IsReadable()) {
-            findings_.Error({{}, header_.objects.value, -1}, "catalogue-unreadable",
-                            "The catalogue cannot be read; tables are looked for by their pages.");
+        if (!catalog || !catalog->IsReadable()) {
+            findings_.Error({{}, header_.objects.value, -1}, "catalog-unreadable",
+                            "The catalog cannot be read; tables are looked for by their pages.");
             return false;
         }
-        CheckTable(*objects, [&](const CheckedRow& row) { catalogue->AddRow(row); });
+        CheckTable(*objects, [&](const CheckedRow& row) { catalog->AddRow(row); });
         bool self = false;
-        for (const CatalogueEntry& entry : catalogue->Tables()) {
+        for (const ListedObject& entry : catalog->Tables()) {
             if (entry.page == header_.objects.value) {
                 self = true;
                 continue;
@@ -89,13 +89,13 @@ private:
             CheckEntry(entry);
         }
         if (!self) {
-            findings_.Error({"MSysObjects", header_.objects.value, -1}, "catalogue-missing",
-                            "The catalogue does not list itself.");
+            findings_.Error({"MSysObjects", header_.objects.value, -1}, "catalog-missing",
+                            "The catalog does not list itself.");
         }
         return true;
     }
 
-    void CheckEntry(const CatalogueEntry& entry) {
+    void CheckEntry(const ListedObject& entry) {
         if (entry.page >= context_.pages.PageCount()) {
             findings_.Error({"MSysObjects", entry.row.page.value, entry.row.slot},
                             "page-beyond-end",
@@ -172,7 +172,7 @@ private:
             if (std::binary_search(lone.begin(), lone.end(), page) &&
                 IsWholeDefinition(context_.pages, context_.format, page)) {
                 findings_.Error(spot, "table-lost",
-                                "A table's definition is here, but not in the catalogue.");
+                                "A table's definition is here, but not in the catalog.");
             } else if (const std::string owner = OwnerOfRows(page); !owner.empty()) {
                 findings_.Error({owner, page, -1}, "rows-lost",
                                 "The page has rows of the table, but is not in its map.");

@@ -1,4 +1,4 @@
-// Definitions found by their pages, where no catalogue leads to them.
+// Definitions found by their pages, where no catalog leads to them.
 #pragma once
 
 #include <cstdint>

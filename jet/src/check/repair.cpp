@@ -1,6 +1,6 @@
 // The repair: a new file with everything of the old one that can be read.
 //
-// Tables are found through the catalogue, or by the pages of their definitions; their rows through
+// Tables are found through the catalog, or by the pages of their definitions; their rows through
 // the table's map and by the pages that name the table; moved rows also where no pointer leads to
 // them. Indexes are not read at all but made anew from the rows.
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 #include "catalog/new_table.h"
 #include "catalog/properties.h"
-#include "check/catalogue_check.h"
+#include "check/catalog_check.h"
 #include "check/lone_definitions.h"
 #include "check/requirements.h"
 #include "check/row_check.h"
@@ -30,7 +30,7 @@ namespace jet {
 namespace {
 
 constexpr std::uint16_t kDataPage = 0x0101;
-constexpr std::uint32_t kCataloguePage = 2;
+constexpr std::uint32_t kCatalogPage = 2;
 constexpr std::int32_t kDocument = -32757;  // holds nothing but properties of the file
 constexpr std::size_t kOwnerAt = 4;
 
@@ -129,7 +129,7 @@ private:
                 account.Claim(page, "table " + layout.name, layout.name);
             }
         };
-        for (const CatalogueEntry& entry : ReadCatalogue(context)) {
+        for (const ListedObject& entry : ReadCatalog(context)) {
             const auto layout = ReadTableLayout(context, entry.page, entry.name);
             if (layout) {
                 claim(*layout);
@@ -163,31 +163,31 @@ private:
         return sources;
     }
 
-    std::vector<CatalogueEntry> ReadCatalogue(CheckContext& context) {
+    std::vector<ListedObject> ReadCatalog(CheckContext& context) {
         std::optional<TableLayout> objects;
-        std::unique_ptr<CatalogueCheck> catalogue;
-        // The catalogue has the same page in every file; the header could be wrong.
-        for (const std::uint32_t page : {header_.objects.value, kCataloguePage}) {
-            if (!catalogue || !catalogue->IsReadable()) {
+        std::unique_ptr<CatalogCheck> catalog;
+        // The catalog has the same page in every file; the header could be wrong.
+        for (const std::uint32_t page : {header_.objects.value, kCatalogPage}) {
+            if (!catalog || !catalog->IsReadable()) {
                 objects = ReadTableLayout(context, page, "MSysObjects");
-                catalogue.reset();
+                catalog.reset();
                 if (objects) {
-                    catalogue = std::make_unique<CatalogueCheck>(context, *objects);
+                    catalog = std::make_unique<CatalogCheck>(context, *objects);
                 }
             }
         }
-        if (!catalogue || !catalogue->IsReadable()) {
-            Lose("The catalogue cannot be read, so the tables' names are lost.");
+        if (!catalog || !catalog->IsReadable()) {
+            Lose("The catalog cannot be read, so the tables' names are lost.");
             return {};
         }
         PageAccount account(context);
         RowCheck rows(context, account, *objects);
         AddPages(rows, *objects);
-        rows.Run([&](const CheckedRow& row) { catalogue->AddRow(row); });
-        for (const auto& [kind, count] : catalogue->Others()) {
+        rows.Run([&](const CheckedRow& row) { catalog->AddRow(row); });
+        for (const auto& [kind, count] : catalog->Others()) {
             NoteOthers(kind, count);
         }
-        return catalogue->Tables();
+        return catalog->Tables();
     }
 
     void NoteOthers(std::int32_t kind, std::uint32_t count) {

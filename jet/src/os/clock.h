@@ -1,4 +1,4 @@
-// The time of day, as the catalogue stamps it on the objects that it makes.
+// The time of day, as the catalog stamps it on the objects that it makes.
 #pragma once
 
 namespace jet {

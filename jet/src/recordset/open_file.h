@@ -1,4 +1,4 @@
-// An open file with its catalogue, shared by the database and the record sets on it.
+// An open file with its catalog, shared by the database and the record sets on it.
 #pragma once
 
 #include <compare>

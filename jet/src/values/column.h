@@ -46,7 +46,7 @@ struct Column {
     std::uint16_t length = 0;  // bytes
     std::uint8_t precision = 0;
     std::uint8_t scale = 0;
-    // From the properties of the catalogue.
+    // From the properties of the catalog.
     bool required = false;
     bool allowZeroLength = true;
     std::string defaultValue;

@@ -36,9 +36,9 @@ std::string HeaderWords(Bytes page) {
     return std::string("header of a ") +
            (header.version == jet::Version::kJet3 ? "Jet 3" : "Jet 4") +
            " file\nmap of free pages: row " + Number(header.freePages.slot) + " of page " +
-           Number(header.freePages.page.value) + "\ncatalogue: page " +
-           Number(header.objects.value) + "\nlanguage " + Number(header.language) + ", code page " +
-           Number(header.codePage) + "\n";
+           Number(header.freePages.page.value) + "\ncatalog: page " + Number(header.objects.value) +
+           "\nlanguage " + Number(header.language) + ", code page " + Number(header.codePage) +
+           "\n";
 }
 
 std::string DataWords(Bytes page, const Format& format) {

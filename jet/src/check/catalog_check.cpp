@@ -1,4 +1,4 @@
-#include "check/catalogue_check.h"
+#include "check/catalog_check.h"
 
 #include <algorithm>
 #include <cstring>
@@ -81,7 +81,7 @@ void CheckBlob(Bytes blob, Version version) {
 
 }  // namespace
 
-CatalogueCheck::CatalogueCheck(CheckContext& context, const TableLayout& objects)
+CatalogCheck::CatalogCheck(CheckContext& context, const TableLayout& objects)
     : context_(context),
       objects_(objects),
       id_(Find("Id")),
@@ -90,26 +90,26 @@ CatalogueCheck::CatalogueCheck(CheckContext& context, const TableLayout& objects
       flags_(Find("Flags")),
       properties_(Find("LvProp")) {}
 
-std::size_t CatalogueCheck::Find(const char* column) {
+std::size_t CatalogCheck::Find(const char* column) {
     const auto found =
         std::find_if(objects_.columns.begin(), objects_.columns.end(),
                      [&](const Column& candidate) { return candidate.name == column; });
     if (found == objects_.columns.end()) {
         readable_ = false;
-        context_.findings.Error({objects_.name, objects_.page, -1}, "catalogue-shape",
-                                std::string("The catalogue has no column ") + column + ".");
+        context_.findings.Error({objects_.name, objects_.page, -1}, "catalog-shape",
+                                std::string("The catalog has no column ") + column + ".");
         return 0;
     }
     return static_cast<std::size_t>(found - objects_.columns.begin());
 }
 
-void CatalogueCheck::AddRow(const CheckedRow& row) {
+void CatalogCheck::AddRow(const CheckedRow& row) {
     const Spot spot{objects_.name, row.id.page.value, row.id.slot};
     const auto* type = std::get_if<std::int32_t>(&row.values[type_].Get());
     const auto* id = std::get_if<std::int32_t>(&row.values[id_].Get());
     const auto* name = std::get_if<std::u16string>(&row.values[name_].Get());
     if (type == nullptr || id == nullptr || name == nullptr) {
-        context_.findings.Error(spot, "catalogue-row",
+        context_.findings.Error(spot, "catalog-row",
                                 "The object has no number, no kind or no name.");
         return;
     }
@@ -122,25 +122,25 @@ void CatalogueCheck::AddRow(const CheckedRow& row) {
         ++others_[*type];
         return;
     }
-    CatalogueEntry entry;
+    ListedObject entry;
     entry.row = row.id;
     entry.name = NarrowName(*name);
     entry.page = static_cast<std::uint32_t>(*id) & kPageBits;
     entry.system = flags != nullptr && (static_cast<std::uint32_t>(*flags) & kSystemFlags) != 0;
     entry.properties = blob == nullptr ? Binary() : *blob;
     if (entry.page <= kLastSystemTable && !entry.system) {
-        context_.findings.Error(spot, "catalogue-flags",
+        context_.findings.Error(spot, "catalog-flags",
                                 "The system table " + entry.name + " passes for an ordinary one.");
     }
     entry.hidden = entry.system && !IsNameOfSystem(entry.name) &&
                    (static_cast<std::uint32_t>(*flags) & kPartOfField) == 0;
     if (entry.hidden) {
-        context_.findings.Warning(spot, "catalogue-flags",
+        context_.findings.Warning(spot, "catalog-flags",
                                   "The table " + entry.name + " passes for a system table.");
     }
     const auto [other, isNew] = names_.emplace(entry.page, entry.name);
     if (!isNew) {
-        context_.findings.Error(spot, "catalogue-double",
+        context_.findings.Error(spot, "catalog-double",
                                 "The tables " + other->second + " and " + entry.name +
                                     " are said to have the same definition.");
         return;
@@ -149,13 +149,13 @@ void CatalogueCheck::AddRow(const CheckedRow& row) {
         return CompareText(WidenName(table.name), *name, context_.format.version) == 0;
     });
     if (sameName) {
-        context_.findings.Error(spot, "catalogue-double",
+        context_.findings.Error(spot, "catalog-double",
                                 "There are two tables of the name " + entry.name + ".");
     }
     tables_.push_back(entry);
 }
 
-void CatalogueCheck::CheckProperties(Bytes blob, const Spot& spot) {
+void CatalogCheck::CheckProperties(Bytes blob, const Spot& spot) {
     try {
         CheckBlob(blob, context_.format.version);
     } catch (const Damage& damage) {

@@ -1,4 +1,4 @@
-// The catalogue: which tables there are, and whether what it says of them holds.
+// The catalog: which tables there are, and whether what it says of them holds.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace jet {
 
-struct CatalogueEntry {
+struct ListedObject {
     RowId row;
     std::string name;
     std::uint32_t page = 0;  // of the table's definition
@@ -22,15 +22,15 @@ struct CatalogueEntry {
 };
 
 // Collects the rows of the system table of objects.
-class CatalogueCheck {
+class CatalogCheck {
 public:
-    CatalogueCheck(CheckContext& context, const TableLayout& objects);
+    CatalogCheck(CheckContext& context, const TableLayout& objects);
 
-    // False when the table lacks the columns that a catalogue must have.
+    // False when the table lacks the columns that a catalog must have.
     [[nodiscard]] bool IsReadable() const { return readable_; }
     void AddRow(const CheckedRow& row);
-    // The tables of the catalogue whose definition can be there.
-    [[nodiscard]] const std::vector<CatalogueEntry>& Tables() const { return tables_; }
+    // The tables of the catalog whose definition can be there.
+    [[nodiscard]] const std::vector<ListedObject>& Tables() const { return tables_; }
     // How many objects of other kinds there are, by kind.
     [[nodiscard]] const std::map<std::int32_t, std::uint32_t>& Others() const { return others_; }
 
@@ -43,7 +43,7 @@ private:
     bool readable_ = true;
     std::size_t id_, name_, type_, flags_, properties_;
     std::map<std::int32_t, std::uint32_t> others_;
-    std::vector<CatalogueEntry> tables_;
+    std::vector<ListedObject> tables_;
     std::map<std::uint32_t, std::string> names_;  // by page
 };
 
