@@ -1,7 +1,5 @@
 #include "jet/database.h"
 
-#include <new>
-
 #include "catalog/new_table.h"
 #include "catalog/system_tables.h"
 #include "jet/query.h"
@@ -17,14 +15,14 @@
 namespace jet {
 
 std::unique_ptr<Database> Database::Open(const std::filesystem::path& path,
-                                         const OpenOptions& options, FileSystem& files) try {
-    Recovery recovery;
-    std::unique_ptr<Pager> pager = Pager::Open(files, path, options, recovery);
-    auto file = std::make_shared<OpenFile>(std::move(pager), recovery, options.logger);
-    file->LogRecovery();
-    return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+                                         const OpenOptions& options, FileSystem& files) {
+    return Guarded([&] {
+        Recovery recovery;
+        std::unique_ptr<Pager> pager = Pager::Open(files, path, options, recovery);
+        auto file = std::make_shared<OpenFile>(std::move(pager), recovery, options.logger);
+        file->LogRecovery();
+        return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
+    });
 }
 
 std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Version version,
@@ -33,33 +31,33 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Ve
 }
 
 std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Version version,
-                                           const OpenOptions& options, FileSystem& files) try {
-    OpenOptions forWriting = options;
-    forWriting.readOnly = false;
-    std::unique_ptr<Pager> pager = Pager::Create(files, path, version, forWriting);
-    try {
-        {
-            Operation operation(*pager);
-            CreateSystemTables(operation, *pager);
-            operation.Commit();
+                                           const OpenOptions& options, FileSystem& files) {
+    return Guarded([&] {
+        OpenOptions forWriting = options;
+        forWriting.readOnly = false;
+        std::unique_ptr<Pager> pager = Pager::Create(files, path, version, forWriting);
+        try {
+            {
+                Operation operation(*pager);
+                CreateSystemTables(operation, *pager);
+                operation.Commit();
+            }
+            pager->MakeDurable();
+            auto file = std::make_shared<OpenFile>(std::move(pager), Recovery{}, options.logger);
+            return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
+        } catch (...) {
+            if (pager) pager->Abandon();
+            RemoveQuietly(files, path);
+            throw;
         }
-        pager->MakeDurable();
-        auto file = std::make_shared<OpenFile>(std::move(pager), Recovery{}, options.logger);
-        return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
-    } catch (...) {
-        if (pager) pager->Abandon();
-        RemoveQuietly(files, path);
-        throw;
-    }
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+    });
 }
 
-void Database::DiscardLog(const std::filesystem::path& path, FileSystem& files) try {
-    const std::filesystem::path log = LogPath(files.Resolve(path));
-    if (files.Exists(log)) files.Remove(log);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void Database::DiscardLog(const std::filesystem::path& path, FileSystem& files) {
+    return Guarded([&] {
+        const std::filesystem::path log = LogPath(files.Resolve(path));
+        if (files.Exists(log)) files.Remove(log);
+    });
 }
 
 Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
@@ -72,23 +70,23 @@ Database::~Database() {
     }
 }
 
-Transaction Database::Begin() try {
-    impl_->file->RequireOpen();
-    impl_->file->BeginTransaction();
-    return Transaction(impl_->file);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+Transaction Database::Begin() {
+    return Guarded([&] {
+        impl_->file->RequireOpen();
+        impl_->file->BeginTransaction();
+        return Transaction(impl_->file);
+    });
 }
 
-void Database::Close() try { impl_->file->Close(); } catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void Database::Close() {
+    return Guarded([&] { impl_->file->Close(); });
 }
 
-void Database::MakeDurable() try {
-    impl_->file->RequireOpen();
-    impl_->file->MakeDurable();
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void Database::MakeDurable() {
+    return Guarded([&] {
+        impl_->file->RequireOpen();
+        impl_->file->MakeDurable();
+    });
 }
 
 void Database::SecureLog() noexcept {
@@ -142,46 +140,42 @@ const CatalogEntry& Require(OpenFile& file, std::string_view name) {
 
 }  // namespace
 
-std::vector<std::string> Database::TableNames() const try {
-    return Names(*impl_->file, false);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+std::vector<std::string> Database::TableNames() const {
+    return Guarded([&] { return Names(*impl_->file, false); });
 }
 
-std::vector<std::string> Database::SystemTableNames() const try {
-    return Names(*impl_->file, true);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+std::vector<std::string> Database::SystemTableNames() const {
+    return Guarded([&] { return Names(*impl_->file, true); });
 }
 
-bool Database::HasTable(std::string_view name) const try {
-    impl_->file->RequireOpen();
-    return impl_->file->Tables().Find(WidenName(name)) != nullptr;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+bool Database::HasTable(std::string_view name) const {
+    return Guarded([&] {
+        impl_->file->RequireOpen();
+        return impl_->file->Tables().Find(WidenName(name)) != nullptr;
+    });
 }
 
-TableSchema Database::Describe(std::string_view table) const try {
-    const CatalogEntry& entry = Require(*impl_->file, table);
-    return SchemaOf(entry.name, impl_->file->Tables().Open(entry).Def());
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+TableSchema Database::Describe(std::string_view table) const {
+    return Guarded([&] {
+        const CatalogEntry& entry = Require(*impl_->file, table);
+        return SchemaOf(entry.name, impl_->file->Tables().Open(entry).Def());
+    });
 }
 
-void Database::CreateTable(const TableSchema& schema) try {
-    impl_->file->RequireOpen();
-    if (IsReadOnly()) throw Error(ErrorKind::kReadOnly, "The file is open for reading only.");
-    impl_->file->Tables().CreateTable(schema);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void Database::CreateTable(const TableSchema& schema) {
+    return Guarded([&] {
+        impl_->file->RequireOpen();
+        if (IsReadOnly()) throw Error(ErrorKind::kReadOnly, "The file is open for reading only.");
+        impl_->file->Tables().CreateTable(schema);
+    });
 }
 
-std::unique_ptr<Recordset> Database::OpenTable(std::string_view name) try {
-    const CatalogEntry& entry = Require(*impl_->file, name);
-    Table& table = impl_->file->Tables().Open(entry);
-    return std::make_unique<TableRecordset>(impl_->file, table, entry.system);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+std::unique_ptr<Recordset> Database::OpenTable(std::string_view name) {
+    return Guarded([&] {
+        const CatalogEntry& entry = Require(*impl_->file, name);
+        Table& table = impl_->file->Tables().Open(entry);
+        return std::make_unique<TableRecordset>(impl_->file, table, entry.system);
+    });
 }
 
 std::unique_ptr<Recordset> Database::OpenQuery(std::string_view sql,
@@ -196,13 +190,13 @@ std::unique_ptr<Recordset> Database::OpenQuery(std::string_view sql,
 }
 
 std::unique_ptr<Recordset> Database::OpenQuery(const Query& query,
-                                               std::span<const Value> parameters) try {
-    const Query bound = Bind(query, parameters);
-    const CatalogEntry& entry = Require(*impl_->file, bound.table);
-    Table& table = impl_->file->Tables().Open(entry);
-    return std::make_unique<QueryRecordset>(impl_->file, table, entry.system, bound);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+                                               std::span<const Value> parameters) {
+    return Guarded([&] {
+        const Query bound = Bind(query, parameters);
+        const CatalogEntry& entry = Require(*impl_->file, bound.table);
+        Table& table = impl_->file->Tables().Open(entry);
+        return std::make_unique<QueryRecordset>(impl_->file, table, entry.system, bound);
+    });
 }
 
 }  // namespace jet

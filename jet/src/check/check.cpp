@@ -3,7 +3,6 @@
 #include "jet/check.h"
 
 #include <algorithm>
-#include <new>
 #include <optional>
 #include <set>
 
@@ -236,39 +235,39 @@ private:
 
 }  // namespace
 
-CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) try {
-    const auto [file, header] = OpenForInspection(path, files);
-    const std::uint32_t pageSize = FormatOf(header.version).pageSize;
-    CheckReport report;
-    Findings findings(report);
-    if (file->Size() % pageSize != 0) {
-        findings.Error({}, "file-length", "The file ends in the middle of a page.");
-    }
-    if (file->Size() / pageSize < kSmallestPageCount) {
-        findings.Error({}, "file-length", "The file is shorter than an empty database.");
+CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) {
+    return Guarded([&] {
+        const auto [file, header] = OpenForInspection(path, files);
+        const std::uint32_t pageSize = FormatOf(header.version).pageSize;
+        CheckReport report;
+        Findings findings(report);
+        if (file->Size() % pageSize != 0) {
+            findings.Error({}, "file-length", "The file ends in the middle of a page.");
+        }
+        if (file->Size() / pageSize < kSmallestPageCount) {
+            findings.Error({}, "file-length", "The file is shorter than an empty database.");
+            return report;
+        }
+        if (files.Exists(LogPath(path))) {
+            findings.Note({}, "log-pending",
+                          "A log lies beside the file; opening the database brings in what an "
+                          "interrupted run left there. The file is checked without it.");
+        }
+        const FilePages pages(*file, pageSize);
+        FileCheck(pages, header, report).Run();
         return report;
-    }
-    if (files.Exists(LogPath(path))) {
-        findings.Note({}, "log-pending",
-                      "A log lies beside the file; opening the database brings in what an "
-                      "interrupted run left there. The file is checked without it.");
-    }
-    const FilePages pages(*file, pageSize);
-    FileCheck(pages, header, report).Run();
-    return report;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+    });
 }
 
-CheckReport CheckDatabase(Database& database) try {
-    OpenFile& file = *database.Internals().file;
-    file.RequireOpen();
-    const PagerPages pages(file.Pages());
-    CheckReport report;
-    FileCheck(pages, file.Pages().Header(), report).Run();
-    return report;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+CheckReport CheckDatabase(Database& database) {
+    return Guarded([&] {
+        OpenFile& file = *database.Internals().file;
+        file.RequireOpen();
+        const PagerPages pages(file.Pages());
+        CheckReport report;
+        FileCheck(pages, file.Pages().Header(), report).Run();
+        return report;
+    });
 }
 
 }  // namespace jet

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <new>
 #include <optional>
 #include <set>
 
@@ -376,26 +375,26 @@ private:
 }  // namespace
 
 RepairReport RepairFile(const std::filesystem::path& source, const std::filesystem::path& target,
-                        FileSystem& files) try {
-    const auto [file, header] = OpenForInspection(source, files);
-    const FilePages pages(*file, FormatOf(header.version).pageSize);
-    auto database = Database::Create(target, header.version, files);
-    try {
-        RepairReport report = Repair(pages, header, *database).Run();
-        database->Close();
-        if (files.Exists(LogPath(source))) {
-            report.losses.push_back(
-                "A log lies beside the file; what an interrupted run left there is not carried "
-                "over. Opening the file, where that is possible, brings it in.");
+                        FileSystem& files) {
+    return Guarded([&] {
+        const auto [file, header] = OpenForInspection(source, files);
+        const FilePages pages(*file, FormatOf(header.version).pageSize);
+        auto database = Database::Create(target, header.version, files);
+        try {
+            RepairReport report = Repair(pages, header, *database).Run();
+            database->Close();
+            if (files.Exists(LogPath(source))) {
+                report.losses.push_back(
+                    "A log lies beside the file; what an interrupted run left there is not carried "
+                    "over. Opening the file, where that is possible, brings it in.");
+            }
+            return report;
+        } catch (...) {
+            database.reset();
+            RemoveQuietly(files, target);
+            throw;
         }
-        return report;
-    } catch (...) {
-        database.reset();
-        RemoveQuietly(files, target);
-        throw;
-    }
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+    });
 }
 
 }  // namespace jet

@@ -4,7 +4,6 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <new>
 #include <utility>
 
 #include "jet/error.h"
@@ -304,10 +303,8 @@ private:
 
 }  // namespace
 
-Query ParseQuery(std::string_view sql) try {
-    return Parser(sql).Parse();
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+Query ParseQuery(std::string_view sql) {
+    return Guarded([&] { return Parser(sql).Parse(); });
 }
 
 }  // namespace jet

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <new>
 #include <numeric>
 
 #include "catalog/new_table.h"
@@ -77,20 +76,20 @@ void RowCursor::ThrowClosed() {
     throw Error(ErrorKind::kClosed, "The record set has been closed.");
 }
 
-FieldId RowCursor::Field(std::string_view name) const try {
-    RequireOpen();
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
-        if (fields_[i].name == name) return {static_cast<int>(i)};
-    }
-    const std::u16string wide = WidenName(name);
-    for (std::size_t i = 0; i < columns_.size(); ++i) {
-        const Column& column = table_->Def().columns[columns_[i].column];
-        if (SameName(column.wide, wide, table_->Def().version)) return {static_cast<int>(i)};
-    }
-    throw Error(ErrorKind::kNoSuchField,
-                "The table '" + table_->Name() + "' has no field '" + std::string(name) + "'.");
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+FieldId RowCursor::Field(std::string_view name) const {
+    return Guarded([&] {
+        RequireOpen();
+        for (std::size_t i = 0; i < fields_.size(); ++i) {
+            if (fields_[i].name == name) return FieldId{static_cast<int>(i)};
+        }
+        const std::u16string wide = WidenName(name);
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            const Column& column = table_->Def().columns[columns_[i].column];
+            if (SameName(column.wide, wide, table_->Def().version)) return FieldId{static_cast<int>(i)};
+        }
+        throw Error(ErrorKind::kNoSuchField,
+                    "The table '" + table_->Name() + "' has no field '" + std::string(name) + "'.");
+    });
 }
 
 bool RowCursor::IsBof() const {
@@ -109,42 +108,42 @@ void RowCursor::Arrive(const std::optional<RowId>& row, Place otherwise) {
     viewKnown_ = false;
 }
 
-void RowCursor::MoveFirst() try {
-    RequireOpen();
-    DropEdit();
-    searchFailed_ = false;
-    Arrive(GoFirst(), Place::kNowhere);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::MoveFirst() {
+    return Guarded([&] {
+        RequireOpen();
+        DropEdit();
+        searchFailed_ = false;
+        Arrive(GoFirst(), Place::kNowhere);
+    });
 }
 
-void RowCursor::MoveLast() try {
-    RequireOpen();
-    DropEdit();
-    searchFailed_ = false;
-    Arrive(GoLast(), Place::kNowhere);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::MoveLast() {
+    return Guarded([&] {
+        RequireOpen();
+        DropEdit();
+        searchFailed_ = false;
+        Arrive(GoLast(), Place::kNowhere);
+    });
 }
 
-void RowCursor::MoveNext() try {
-    RequireOpen();
-    DropEdit();
-    searchFailed_ = false;
-    if (place_ == Place::kNowhere || place_ == Place::kBehind) ThrowNoCurrent();
-    Arrive(place_ == Place::kBefore ? GoFirst() : GoNext(), Place::kBehind);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::MoveNext() {
+    return Guarded([&] {
+        RequireOpen();
+        DropEdit();
+        searchFailed_ = false;
+        if (place_ == Place::kNowhere || place_ == Place::kBehind) ThrowNoCurrent();
+        Arrive(place_ == Place::kBefore ? GoFirst() : GoNext(), Place::kBehind);
+    });
 }
 
-void RowCursor::MovePrevious() try {
-    RequireOpen();
-    DropEdit();
-    searchFailed_ = false;
-    if (place_ == Place::kNowhere || place_ == Place::kBefore) ThrowNoCurrent();
-    Arrive(place_ == Place::kBehind ? GoLast() : GoPrevious(), Place::kBefore);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::MovePrevious() {
+    return Guarded([&] {
+        RequireOpen();
+        DropEdit();
+        searchFailed_ = false;
+        if (place_ == Place::kNowhere || place_ == Place::kBefore) ThrowNoCurrent();
+        Arrive(place_ == Place::kBehind ? GoLast() : GoPrevious(), Place::kBefore);
+    });
 }
 
 void RowCursor::RowDeleted(const Table& table, RowId row) {
@@ -210,13 +209,13 @@ const RowView& RowCursor::FindCurrentView() const {
     return view_;
 }
 
-Value RowCursor::Get(FieldId field) const try {
-    RequireOpen();
-    const std::size_t column = ColumnOf(field).column;
-    if (IsInEdit(column)) return values_.values[column];
-    return table_->ReadValue(CurrentView(), column);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+Value RowCursor::Get(FieldId field) const {
+    return Guarded([&] {
+        RequireOpen();
+        const std::size_t column = ColumnOf(field).column;
+        if (IsInEdit(column)) return values_.values[column];
+        return table_->ReadValue(CurrentView(), column);
+    });
 }
 
 template <typename Number>
@@ -232,80 +231,80 @@ bool RowCursor::ReadPlain(const FieldColumn& field, Number& into) const {
     return true;
 }
 
-bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const try {
-    const FieldColumn& column = ColumnOf(field);
-    if (IsPlain(column, ColumnType::kLong)) return ReadPlain(column, into);
-    const Value value = Get(field);
-    if (value.IsNull()) return false;
-    into = value.AsLong();
-    return true;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const {
+    return Guarded([&] {
+        const FieldColumn& column = ColumnOf(field);
+        if (IsPlain(column, ColumnType::kLong)) return ReadPlain(column, into);
+        const Value value = Get(field);
+        if (value.IsNull()) return false;
+        into = value.AsLong();
+        return true;
+    });
 }
 
-bool RowCursor::ReadSingle(FieldId field, float& into) const try {
-    const FieldColumn& column = ColumnOf(field);
-    if (IsPlain(column, ColumnType::kSingle)) return ReadPlain(column, into);
-    const Value value = Get(field);
-    if (value.IsNull()) return false;
-    into = value.AsSingle();
-    return true;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+bool RowCursor::ReadSingle(FieldId field, float& into) const {
+    return Guarded([&] {
+        const FieldColumn& column = ColumnOf(field);
+        if (IsPlain(column, ColumnType::kSingle)) return ReadPlain(column, into);
+        const Value value = Get(field);
+        if (value.IsNull()) return false;
+        into = value.AsSingle();
+        return true;
+    });
 }
 
-bool RowCursor::ReadDouble(FieldId field, double& into) const try {
-    const FieldColumn& column = ColumnOf(field);
-    if (IsPlain(column, ColumnType::kDouble)) return ReadPlain(column, into);
-    const Value value = Get(field);
-    if (value.IsNull()) return false;
-    into = value.AsDouble();
-    return true;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+bool RowCursor::ReadDouble(FieldId field, double& into) const {
+    return Guarded([&] {
+        const FieldColumn& column = ColumnOf(field);
+        if (IsPlain(column, ColumnType::kDouble)) return ReadPlain(column, into);
+        const Value value = Get(field);
+        if (value.IsNull()) return false;
+        into = value.AsDouble();
+        return true;
+    });
 }
 
-bool RowCursor::ReadText(FieldId field, std::u16string& into) const try {
-    const std::size_t column = ColumnOf(field).column;
-    if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
-    const Value& value = values_.values[column];
-    if (value.IsNull()) return false;
-    into = value.AsText();
-    return true;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+bool RowCursor::ReadText(FieldId field, std::u16string& into) const {
+    return Guarded([&] {
+        const std::size_t column = ColumnOf(field).column;
+        if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
+        const Value& value = values_.values[column];
+        if (value.IsNull()) return false;
+        into = value.AsText();
+        return true;
+    });
 }
 
-bool RowCursor::ReadText(FieldId field, std::string& into) const try {
-    const std::size_t column = ColumnOf(field).column;
-    if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
-    const Value& value = values_.values[column];
-    if (value.IsNull()) return false;
-    ToUtf8(value.AsText(), into);
-    return true;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+bool RowCursor::ReadText(FieldId field, std::string& into) const {
+    return Guarded([&] {
+        const std::size_t column = ColumnOf(field).column;
+        if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
+        const Value& value = values_.values[column];
+        if (value.IsNull()) return false;
+        ToUtf8(value.AsText(), into);
+        return true;
+    });
 }
 
-std::unique_ptr<ValueReader> RowCursor::OpenReader(FieldId field, std::uint64_t from) const try {
-    RequireOpen();
-    const std::size_t place = ColumnOf(field).column;
-    const Column& column = table_->Def().columns[place];
-    if (!IsLongValue(column.type)) {
-        throw Error(ErrorKind::kTypeMismatch,
-                    "The field '" + column.name + "' is no memo and no OLE field.");
-    }
-    std::unique_ptr<LongValueReader> reader;
-    if (IsInEdit(place)) {
-        const Value& value = values_.values[place];
-        if (!value.IsNull()) reader = std::make_unique<LongValueReader>(file_, value);
-    } else if (const auto bytes = table_->ColumnBytes(CurrentView(), place)) {
-        reader = std::make_unique<LongValueReader>(file_, column, *bytes);
-    }
-    if (reader) reader->Skip(from);
-    return reader;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+std::unique_ptr<ValueReader> RowCursor::OpenReader(FieldId field, std::uint64_t from) const {
+    return Guarded([&] {
+        RequireOpen();
+        const std::size_t place = ColumnOf(field).column;
+        const Column& column = table_->Def().columns[place];
+        if (!IsLongValue(column.type)) {
+            throw Error(ErrorKind::kTypeMismatch,
+                        "The field '" + column.name + "' is no memo and no OLE field.");
+        }
+        std::unique_ptr<LongValueReader> reader;
+        if (IsInEdit(place)) {
+            const Value& value = values_.values[place];
+            if (!value.IsNull()) reader = std::make_unique<LongValueReader>(file_, value);
+        } else if (const auto bytes = table_->ColumnBytes(CurrentView(), place)) {
+            reader = std::make_unique<LongValueReader>(file_, column, *bytes);
+        }
+        if (reader) reader->Skip(from);
+        return reader;
+    });
 }
 
 void RowCursor::RequireWritable() const {
@@ -327,13 +326,13 @@ void RowCursor::PrepareValues() {
     written_.assign(count, false);
 }
 
-void RowCursor::AddNew() try {
-    RequireWritable();
-    PrepareValues();
-    FillDefaults();
-    edit_ = EditKind::kAdd;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::AddNew() {
+    return Guarded([&] {
+        RequireWritable();
+        PrepareValues();
+        FillDefaults();
+        edit_ = EditKind::kAdd;
+    });
 }
 
 // The number of an auto-number field shows at once; it is given out when the record is written.
@@ -352,14 +351,14 @@ void RowCursor::FillDefaults() {
     }
 }
 
-void RowCursor::Edit() try {
-    RequireWritable();
-    RequireCurrent();
-    static_cast<void>(CurrentView());
-    PrepareValues();
-    edit_ = EditKind::kEdit;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::Edit() {
+    return Guarded([&] {
+        RequireWritable();
+        RequireCurrent();
+        static_cast<void>(CurrentView());
+        PrepareValues();
+        edit_ = EditKind::kEdit;
+    });
 }
 
 void RowCursor::RequireEdit() const {
@@ -368,15 +367,15 @@ void RowCursor::RequireEdit() const {
     throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
 }
 
-void RowCursor::Set(FieldId field, const Value& value) try {
-    RequireEdit();
-    const std::size_t column = ColumnOf(field).column;
-    values_.values[column] =
-        ConvertForColumn(table_->Def().columns[column], value, table_->Def().version);
-    values_.given[column] = true;
-    written_[column] = true;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::Set(FieldId field, const Value& value) {
+    return Guarded([&] {
+        RequireEdit();
+        const std::size_t column = ColumnOf(field).column;
+        values_.values[column] =
+            ConvertForColumn(table_->Def().columns[column], value, table_->Def().version);
+        values_.given[column] = true;
+        written_[column] = true;
+    });
 }
 
 template <typename Held, typename Piece>
@@ -402,42 +401,38 @@ void RowCursor::AppendTo(FieldId field, ColumnType type, Piece piece) {
     held.insert(held.end(), piece.begin(), piece.end());
 }
 
-void RowCursor::Append(FieldId field, std::u16string_view text) try {
-    AppendTo<std::u16string>(field, ColumnType::kMemo, text);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::Append(FieldId field, std::u16string_view text) {
+    return Guarded([&] { AppendTo<std::u16string>(field, ColumnType::kMemo, text); });
 }
 
-void RowCursor::Append(FieldId field, std::span<const std::byte> bytes) try {
-    AppendTo<Binary>(field, ColumnType::kOle, bytes);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::Append(FieldId field, std::span<const std::byte> bytes) {
+    return Guarded([&] { AppendTo<Binary>(field, ColumnType::kOle, bytes); });
 }
 
-void RowCursor::Update() try {
-    RequireWritable();
-    RequireEdit();
-    if (edit_ == EditKind::kEdit) RequireCurrent();
-    RowId row = row_;
-    if (edit_ == EditKind::kAdd) MakeRoomForRow();
-    {
-        Operation operation(table_->Pages());
-        if (edit_ == EditKind::kAdd) {
-            row = table_->Insert(operation, values_);
-        } else {
-            table_->Update(operation, row_, values_);
+void RowCursor::Update() {
+    return Guarded([&] {
+        RequireWritable();
+        RequireEdit();
+        if (edit_ == EditKind::kEdit) RequireCurrent();
+        RowId row = row_;
+        if (edit_ == EditKind::kAdd) MakeRoomForRow();
+        {
+            Operation operation(table_->Pages());
+            if (edit_ == EditKind::kAdd) {
+                row = table_->Insert(operation, values_);
+            } else {
+                table_->Update(operation, row_, values_);
+            }
+            operation.Commit();
         }
-        operation.Commit();
-    }
-    const EditKind kind = edit_;
-    DropEdit();
-    if (kind == EditKind::kAdd) {
-        RowAdded(row);
-    } else {
-        CurrentChanged();
-    }
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+        const EditKind kind = edit_;
+        DropEdit();
+        if (kind == EditKind::kAdd) {
+            RowAdded(row);
+        } else {
+            CurrentChanged();
+        }
+    });
 }
 
 void RowCursor::CancelUpdate() {
@@ -445,20 +440,20 @@ void RowCursor::CancelUpdate() {
     DropEdit();
 }
 
-void RowCursor::Delete() try {
-    RequireWritable();
-    DropEdit();
-    RequireCurrent();
-    std::vector<TableRow> deleted;
-    {
-        Operation operation(table_->Pages());
-        table_->Delete(operation, row_, deleted);
-        file_->MakeRoomForDeleted(deleted.size());
-        operation.Commit();
-    }
-    for (const TableRow& place : deleted) file_->SignalDeleted(*place.table, place.row);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void RowCursor::Delete() {
+    return Guarded([&] {
+        RequireWritable();
+        DropEdit();
+        RequireCurrent();
+        std::vector<TableRow> deleted;
+        {
+            Operation operation(table_->Pages());
+            table_->Delete(operation, row_, deleted);
+            file_->MakeRoomForDeleted(deleted.size());
+            operation.Commit();
+        }
+        for (const TableRow& place : deleted) file_->SignalDeleted(*place.table, place.row);
+    });
 }
 
 }  // namespace jet

@@ -24,34 +24,35 @@ TableRecordset::TableRecordset(std::shared_ptr<OpenFile> file, Table& table, boo
     Arrive(GoFirst(), Place::kNowhere);
 }
 
-void TableRecordset::SetIndex(std::string_view name) try {
-    RequireOpen();
-    DropEdit();
-    SetSearchFailed(false);
-    if (name.empty()) {
-        index_ = nullptr;
-        indexName_.clear();
-    } else {
-        const LogicalIndex* found = Source().Def().FindIndex(WidenName(name));
-        if (found == nullptr) {
-            throw Error(ErrorKind::kNoSuchIndex, "The table '" + Source().Name() +
-                                                     "' has no index '" + std::string(name) + "'.");
+void TableRecordset::SetIndex(std::string_view name) {
+    return Guarded([&] {
+        RequireOpen();
+        DropEdit();
+        SetSearchFailed(false);
+        if (name.empty()) {
+            index_ = nullptr;
+            indexName_.clear();
+        } else {
+            const LogicalIndex* found = Source().Def().FindIndex(WidenName(name));
+            if (found == nullptr) {
+                throw Error(ErrorKind::kNoSuchIndex, "The table '" + Source().Name() +
+                                                         "' has no index '" + std::string(name) +
+                                                         "'.");
+            }
+            index_ = Source().Indexes()[found->real].get();
+            indexName_ = found->name;
         }
-        index_ = Source().Indexes()[found->real].get();
-        indexName_ = found->name;
-    }
-    Arrive(GoFirst(), Place::kNowhere);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+        Arrive(GoFirst(), Place::kNowhere);
+    });
 }
 
-std::int32_t TableRecordset::RecordCount() const try {
-    RequireOpen();
-    const std::uint32_t count = Source().Counters().RowCount();
-    constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(count, kMost));
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+std::int32_t TableRecordset::RecordCount() const {
+    return Guarded([&] {
+        RequireOpen();
+        const std::uint32_t count = Source().Counters().RowCount();
+        constexpr std::uint32_t kMost = std::numeric_limits<std::int32_t>::max();
+        return static_cast<std::int32_t>(std::min(count, kMost));
+    });
 }
 
 bool TableRecordset::Search(Comparison comparison, Bytes key) {
@@ -75,21 +76,21 @@ bool TableRecordset::Search(Comparison comparison, Bytes key) {
     return entry.has_value();
 }
 
-bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) try {
-    RequireOpen();
-    DropEdit();
-    RequireIndex();
-    index_->MakeSearchKey(key, searchKey_);
-    noMatch_ = !Search(comparison, searchKey_) ||
-               (comparison == Comparison::kEqual && !BeginsWith(found_.key, searchKey_));
-    SetSearchFailed(noMatch_);
-    if (noMatch_) return false;
-    std::swap(entry_, found_);
-    hint_ = {};
-    Arrive(entry_.row, Place::kNowhere);
-    return true;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) {
+    return Guarded([&] {
+        RequireOpen();
+        DropEdit();
+        RequireIndex();
+        index_->MakeSearchKey(key, searchKey_);
+        noMatch_ = !Search(comparison, searchKey_) ||
+                   (comparison == Comparison::kEqual && !BeginsWith(found_.key, searchKey_));
+        SetSearchFailed(noMatch_);
+        if (noMatch_) return false;
+        std::swap(entry_, found_);
+        hint_ = {};
+        Arrive(entry_.row, Place::kNowhere);
+        return true;
+    });
 }
 
 void TableRecordset::RequireIndex() const {
@@ -99,12 +100,12 @@ void TableRecordset::RequireIndex() const {
     }
 }
 
-void TableRecordset::MakeKey(std::span<const Value> key, std::vector<std::byte>& into) const try {
-    RequireOpen();
-    RequireIndex();
-    index_->MakeSearchKey(key, into);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void TableRecordset::MakeKey(std::span<const Value> key, std::vector<std::byte>& into) const {
+    return Guarded([&] {
+        RequireOpen();
+        RequireIndex();
+        index_->MakeSearchKey(key, into);
+    });
 }
 
 int TableRecordset::CompareToKey(std::span<const std::byte> key) const {

@@ -1,6 +1,5 @@
 #include "jet/transaction.h"
 
-#include <new>
 #include <utility>
 
 #include "os/out_of_memory.h"
@@ -22,15 +21,15 @@ Transaction::~Transaction() {
     Rollback();
 }
 
-void Transaction::Commit() try {
-    if (!file_) {
-        throw Error(ErrorKind::kNoTransaction, "The transaction has ended already.");
-    }
-    const std::shared_ptr<OpenFile> file = std::exchange(file_, nullptr);
-    file->RequireOpen();
-    file->CommitTransaction();
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void Transaction::Commit() {
+    return Guarded([&] {
+        if (!file_) {
+            throw Error(ErrorKind::kNoTransaction, "The transaction has ended already.");
+        }
+        const std::shared_ptr<OpenFile> file = std::exchange(file_, nullptr);
+        file->RequireOpen();
+        file->CommitTransaction();
+    });
 }
 
 void Transaction::Rollback() noexcept {

@@ -1,7 +1,6 @@
 #include "recordset/value_reader.h"
 
 #include <algorithm>
-#include <new>
 
 #include "jet/error.h"
 #include "os/out_of_memory.h"
@@ -80,32 +79,33 @@ void LongValueReader::Skip(std::uint64_t units) {
     }
 }
 
-std::size_t LongValueReader::Read(std::span<std::byte> into) try {
-    RequireUnchanged();
-    if (form_ != Form::kBytes) ThrowOtherKind();
-    return stored_ ? cursor_.Read(into) : Take(bytes_, at_, into);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+std::size_t LongValueReader::Read(std::span<std::byte> into) {
+    return Guarded([&] {
+        RequireUnchanged();
+        if (form_ != Form::kBytes) ThrowOtherKind();
+        return stored_ ? cursor_.Read(into) : Take(bytes_, at_, into);
+    });
 }
 
-std::size_t LongValueReader::Read(std::span<char16_t> into) try {
-    RequireUnchanged();
-    if (form_ == Form::kBytes) ThrowOtherKind();
-    if (form_ == Form::kText) return Take(text_, at_, into);
-    std::size_t done = 0;
-    while (done < into.size()) {
-        const std::size_t wanted = std::min(piece_.size(), (into.size() - done) * UnitSize());
-        // An odd byte at the end is no character.
-        const std::size_t units = cursor_.Read(MutableBytes(piece_).first(wanted)) / UnitSize();
-        if (units == 0) break;
-        for (std::size_t i = 0; i < units; ++i) {
-            into[done++] = form_ == Form::kCodePage ? CodePageCharacter(piece_[i])
-                                                    : static_cast<char16_t>(ReadU16(piece_, 2 * i));
+std::size_t LongValueReader::Read(std::span<char16_t> into) {
+    return Guarded([&] {
+        RequireUnchanged();
+        if (form_ == Form::kBytes) ThrowOtherKind();
+        if (form_ == Form::kText) return Take(text_, at_, into);
+        std::size_t done = 0;
+        while (done < into.size()) {
+            const std::size_t wanted = std::min(piece_.size(), (into.size() - done) * UnitSize());
+            // An odd byte at the end is no character.
+            const std::size_t units = cursor_.Read(MutableBytes(piece_).first(wanted)) / UnitSize();
+            if (units == 0) break;
+            for (std::size_t i = 0; i < units; ++i) {
+                into[done++] = form_ == Form::kCodePage
+                                   ? CodePageCharacter(piece_[i])
+                                   : static_cast<char16_t>(ReadU16(piece_, 2 * i));
+            }
         }
-    }
-    return done;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+        return done;
+    });
 }
 
 }  // namespace jet

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <new>
 #include <optional>
 
 #include "jet/error.h"
@@ -72,11 +71,11 @@ std::optional<Guid> ReadGuid(std::string_view text) {
 
 }  // namespace
 
-void ToUtf8(std::u16string_view text, std::string& into) try {
-    into.clear();
-    AppendUtf8(text, into);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+void ToUtf8(std::u16string_view text, std::string& into) {
+    return Guarded([&] {
+        into.clear();
+        AppendUtf8(text, into);
+    });
 }
 
 std::string ToUtf8(std::u16string_view text) {
@@ -85,10 +84,8 @@ std::string ToUtf8(std::u16string_view text) {
     return utf8;
 }
 
-std::u16string ToUtf16(std::string_view utf8) try {
-    return WidenName(utf8);
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+std::u16string ToUtf16(std::string_view utf8) {
+    return Guarded([&] { return WidenName(utf8); });
 }
 
 // Before the first day the time counts the other way: -1.25 is six o'clock of the day -1.
@@ -130,19 +127,19 @@ CalendarTime ToCalendar(Date date) {
     return time;
 }
 
-std::string GuidText(const Guid& guid) try {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    std::string text = "{";
-    for (std::size_t i = 0; i < kTextOrder.size(); ++i) {
-        if (HyphenFollows(i)) text.push_back('-');
-        const auto byte = static_cast<unsigned>(guid.bytes[kTextOrder[i]]);
-        text.push_back(kDigits[byte >> 4]);
-        text.push_back(kDigits[byte & 0xF]);
-    }
-    text.push_back('}');
-    return text;
-} catch (const std::bad_alloc&) {
-    ThrowOutOfMemory();
+std::string GuidText(const Guid& guid) {
+    return Guarded([&] {
+        constexpr std::string_view kDigits = "0123456789ABCDEF";
+        std::string text = "{";
+        for (std::size_t i = 0; i < kTextOrder.size(); ++i) {
+            if (HyphenFollows(i)) text.push_back('-');
+            const auto byte = static_cast<unsigned>(guid.bytes[kTextOrder[i]]);
+            text.push_back(kDigits[byte >> 4]);
+            text.push_back(kDigits[byte & 0xF]);
+        }
+        text.push_back('}');
+        return text;
+    });
 }
 
 Guid ParseGuid(std::string_view text) {
