@@ -12,11 +12,13 @@
 #include <string>
 
 #include "check/page_source.h"
+#include "index/index_cursor.h"
 #include "jet/error.h"
 #include "page/header.h"
 #include "parts/dump_values.h"
 #include "parts/page_words.h"
 #include "recordset/open_file.h"
+#include "table/row_cursor.h"
 #include "values/text.h"
 
 namespace {
@@ -97,13 +99,15 @@ int ShowTable(const char* path, const std::string& name) {
                     column.autoNumber ? ", auto-number" : "");
     }
     ShowIndexes(definition);
-    for (auto id = table->Rows().First(); id; id = table->Rows().After(*id)) {
+    jet::RowCursor rows(table->Rows());
+    for (bool on = rows.SeekToFirst(); on; on = rows.Next()) {
+        const jet::RowId id = rows.Row();
         jet::StoredRow stored;
-        if (!table->Rows().Find(*id, stored)) {
+        if (!table->Rows().Find(id, stored)) {
             continue;
         }
         const jet::RowView view = table->View(stored.bytes);
-        std::printf("row %u.%u:", id->page.value, unsigned{id->slot});
+        std::printf("row %u.%u:", id.page.value, unsigned{id.slot});
         for (std::size_t i = 0; i < definition.columns.size(); ++i) {
             std::printf("%s %s=%s", i == 0 ? "" : ",", definition.columns[i].name.c_str(),
                         DumpValue(table->ReadValue(view, i)).c_str());
@@ -131,7 +135,9 @@ int ShowIndex(const char* path, const std::string& name) {
     }
     const jet::TableIndex& tree = *table->Indexes()[index->real];
     std::printf("index %s: root page %u\n", name.c_str(), tree.Real().root.value);
-    for (auto entry = tree.Tree().First(); entry; entry = tree.Tree().After(*entry)) {
+    jet::IndexCursor cursor(tree.Tree());
+    for (bool on = cursor.SeekToFirst(); on; on = cursor.Next()) {
+        const jet::IndexEntry* const entry = &cursor.Entry();
         std::printf("row %u.%u: key %s", entry->row.page.value, unsigned{entry->row.slot},
                     HexWords(entry->key).c_str());
         jet::StoredRow stored;

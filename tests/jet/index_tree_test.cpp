@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 
+#include "index/index_cursor.h"
 #include "jet/error.h"
 #include "page/bytes.h"
 #include "page/pager.h"
@@ -244,26 +245,41 @@ protected:
                 beyond = entry;
             }
         }
-        ASSERT_EQ(tree.FirstNotBelow(search), notBelow);
-        ASSERT_EQ(tree.FirstBeyond(search), beyond);
-        ASSERT_EQ(tree.LastBelow(search), below);
-        ASSERT_EQ(tree.LastNotBeyond(search), notBeyond);
+        const auto found = [&](SeekTo to) -> std::optional<IndexEntry> {
+            IndexCursor cursor(tree);
+            if (!cursor.Seek(search, to)) return std::nullopt;
+            return cursor.Entry();
+        };
+        ASSERT_EQ(found(SeekTo::kNotBelow), notBelow);
+        ASSERT_EQ(found(SeekTo::kBeyond), beyond);
+        ASSERT_EQ(found(SeekTo::kBelow), below);
+        ASSERT_EQ(found(SeekTo::kNotBeyond), notBeyond);
+        if (notBelow && !beginsWith(notBelow->key)) notBelow.reset();
+        ASSERT_EQ(found(SeekTo::kBeginning), notBelow);
     }
 
     void VerifyWalk() {
         const IndexTree tree = Tree();
-        auto forward = tree.First();
-        for (const auto& [bytes, entry] : model_) {
-            ASSERT_EQ(forward, entry);
-            forward = tree.After(entry);
+        IndexCursor cursor(tree);
+        // On its leaf, and from a position that is known by its entry only.
+        for (const bool aside : {false, true}) {
+            bool on = cursor.SeekToFirst();
+            for (const auto& [bytes, entry] : model_) {
+                ASSERT_TRUE(on);
+                ASSERT_EQ(cursor.Entry(), entry);
+                if (aside) cursor.SeekToEntry(entry);
+                on = cursor.Next();
+            }
+            ASSERT_FALSE(on);
+            on = cursor.SeekToLast();
+            for (auto place = model_.rbegin(); place != model_.rend(); ++place) {
+                ASSERT_TRUE(on);
+                ASSERT_EQ(cursor.Entry(), place->second);
+                if (aside) cursor.SeekToEntry(place->second);
+                on = cursor.Prev();
+            }
+            ASSERT_FALSE(on);
         }
-        ASSERT_FALSE(forward);
-        auto backward = tree.Last();
-        for (auto place = model_.rbegin(); place != model_.rend(); ++place) {
-            ASSERT_EQ(backward, place->second);
-            backward = tree.Before(place->second);
-        }
-        ASSERT_FALSE(backward);
     }
 
     std::unique_ptr<FileSystem> files_ = MakeMemoryFileSystem();
@@ -307,8 +323,11 @@ TEST_P(IndexTreeTest, RandomChanges_EqualASetAfterEveryStep) {
         EraseAny();
     }
     Verify();
-    EXPECT_FALSE(Tree().First());
-    EXPECT_FALSE(Tree().Last());
+    const IndexTree empty = Tree();
+    IndexCursor cursor(empty);
+    EXPECT_FALSE(cursor.SeekToFirst());
+    EXPECT_FALSE(cursor.SeekToLast());
+    EXPECT_FALSE(cursor.Valid());
 }
 
 TEST_P(IndexTreeTest, Ascending_LeavesFullLeaves) {
@@ -394,9 +413,9 @@ TEST_P(IndexTreeTest, RootWithoutTail_TakesEntriesAboveItsLastChild) {
         const RowId row{PageNumber{9}, last};
         IndexTree tree = Tree();
         (void)tree.Insert(key, row);
-        const auto found = Tree().FirstNotBelow(key);
-        ASSERT_TRUE(found);
-        EXPECT_EQ(found->row, row);
+        IndexCursor cursor(tree);
+        ASSERT_TRUE(cursor.Seek(key, SeekTo::kNotBelow));
+        EXPECT_EQ(cursor.Entry().row, row);
     }
 }
 
@@ -427,14 +446,14 @@ TEST_P(IndexTreeTest, Noise_NeverHangsOrCrashes) {
             }
         };
         survive([&] {
-            for (auto entry = Tree().First(); entry; entry = Tree().After(*entry)) {
-                ++steps;
-            }
+            const IndexTree tree = Tree();
+            IndexCursor cursor(tree);
+            for (bool on = cursor.SeekToFirst(); on; on = cursor.Next()) ++steps;
         });
         survive([&] {
-            for (auto entry = Tree().Last(); entry; entry = Tree().Before(*entry)) {
-                ++steps;
-            }
+            const IndexTree tree = Tree();
+            IndexCursor cursor(tree);
+            for (bool on = cursor.SeekToLast(); on; on = cursor.Prev()) ++steps;
         });
         survive([&] {
             const IndexEntry entry = RandomEntry();

@@ -11,6 +11,7 @@
 #include "jet/file.h"
 #include "page/bytes.h"
 #include "sample_table.h"
+#include "table/row_cursor.h"
 
 namespace jet {
 namespace {
@@ -65,10 +66,12 @@ TEST_P(TableTest, Walk_SkipsTargetsAndFollowsPointers) {
     StoredRow stored;
     std::u16string text;
     int moved = 0;
-    for (auto row = table->Rows().First(); row; row = table->Rows().After(*row)) {
+    RowCursor cursor(table->Rows());
+    EXPECT_FALSE(cursor.Valid());
+    for (bool on = cursor.SeekToFirst(); on; on = cursor.Next()) {
         const auto i = walked.size();
-        walked.push_back(*row);
-        ASSERT_TRUE(table->Rows().Find(*row, stored));
+        walked.push_back(cursor.Row());
+        ASSERT_TRUE(table->Rows().Find(cursor.Row(), stored));
         moved += stored.target.Data().empty() ? 0 : 1;
         ASSERT_TRUE(table->ReadText(table->View(stored.bytes), 0, text));
         EXPECT_EQ(text.size() > 100, i % 2 == 0);
@@ -76,9 +79,7 @@ TEST_P(TableTest, Walk_SkipsTargetsAndFollowsPointers) {
     EXPECT_EQ(walked, rows);
     EXPECT_GT(moved, 100);
     std::vector<RowId> backward;
-    for (auto row = table->Rows().Last(); row; row = table->Rows().Before(*row)) {
-        backward.push_back(*row);
-    }
+    for (bool on = cursor.SeekToLast(); on; on = cursor.Prev()) backward.push_back(cursor.Row());
     std::reverse(backward.begin(), backward.end());
     EXPECT_EQ(backward, rows);
     for (const RowId row : rows) table->Delete(*operation_, row, deleted_);

@@ -7,6 +7,7 @@
 #include "catalog/table_maker.h"
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "table/row_cursor.h"
 #include "values/text.h"
 
 namespace jet {
@@ -45,9 +46,10 @@ std::int32_t NumberOf(const Value& value) {
 template <typename Visit>
 void ForEachRow(Table& table, Visit visit) {
     StoredRow stored;
-    for (auto row = table.Rows().First(); row; row = table.Rows().After(*row)) {
-        if (!table.Rows().Find(*row, stored)) continue;
-        if (!visit(*row, table.View(stored.bytes))) return;
+    RowCursor cursor(table.Rows());
+    for (bool on = cursor.SeekToFirst(); on; on = cursor.Next()) {
+        if (!table.Rows().Find(cursor.Row(), stored)) continue;
+        if (!visit(cursor.Row(), table.View(stored.bytes))) return;
     }
 }
 

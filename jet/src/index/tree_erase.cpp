@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "index/index_cursor.h"
 #include "index/tree_change.h"
 #include "jet/error.h"
 
@@ -10,18 +11,20 @@ namespace jet {
 // where a key records the places of accents, so an entry of this row whose key agrees in its
 // greater part is the one that is meant.
 Key TreeChange::StoredEntry(Bytes key, RowId row, const IndexTree& tree) const {
-    const auto place = tree.FirstNotBelow(EntryBytes(key, row));
-    if (place && place->row == row && Equal(place->key, key)) {
+    IndexCursor cursor(tree);
+    if (cursor.Seek(EntryBytes(key, row), SeekTo::kNotBelow) && cursor.Entry().row == row &&
+        Equal(cursor.Entry().key, key)) {
         return EntryBytes(key, row);
     }
-    for (auto entry = tree.FirstNotBelow(key.first(key.size() / 2)); entry;
-         entry = tree.After(*entry)) {
-        const std::size_t common = std::min(entry->key.size(), key.size() / 2);
-        if (!Equal(Bytes(entry->key).first(common), key.first(key.size() / 2))) {
+    const Bytes half = key.first(key.size() / 2);
+    for (bool on = cursor.Seek(half, SeekTo::kBeginning); on; on = cursor.Next()) {
+        const IndexEntry& entry = cursor.Entry();
+        const std::size_t common = std::min(entry.key.size(), half.size());
+        if (!Equal(Bytes(entry.key).first(common), half)) {
             break;
         }
-        if (entry->row == row) {
-            return EntryBytes(entry->key, row);
+        if (entry.row == row) {
+            return EntryBytes(entry.key, row);
         }
     }
     Damaged("lacks the entry of a row");
@@ -46,9 +49,10 @@ void TreeChange::Erase(Bytes key, RowId row, const IndexTree& tree) {
         return;
     }
     if (greatest) {
-        const auto before = tree.Before(EntryFromBytes(entry));
-        if (before) {
-            ReplaceGreatest(entry, EntryBytes(before->key, before->row));
+        IndexCursor cursor(tree);
+        cursor.SeekToEntry(EntryFromBytes(entry));
+        if (cursor.Prev()) {
+            ReplaceGreatest(entry, EntryBytes(cursor.Entry().key, cursor.Entry().row));
         }
     }
     RaiseOnlyChild();

@@ -5,6 +5,7 @@
 #include "jet/error.h"
 #include "query/candidates.h"
 #include "query/row_condition.h"
+#include "table/row_cursor.h"
 #include "values/text.h"
 
 namespace jet {
@@ -55,7 +56,8 @@ void ForEachCandidate(Table& table, const Query& query, Visit visit) {
         for (const RowId row : *rows) visit(row);
         return;
     }
-    for (auto row = table.Rows().First(); row; row = table.Rows().After(*row)) visit(*row);
+    RowCursor cursor(table.Rows());
+    for (bool on = cursor.SeekToFirst(); on; on = cursor.Next()) visit(cursor.Row());
 }
 
 std::vector<RowId> Select(Table& table, const Query& query) {
@@ -85,7 +87,7 @@ std::vector<RowId> Select(Table& table, const Query& query) {
 
 QueryRecordset::QueryRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system,
                                const Query& query)
-    : RowCursor(std::move(file), table, system, ColumnsOf(table, query)),
+    : BaseRecordset(std::move(file), table, system, ColumnsOf(table, query)),
       rows_(Select(table, query)) {
     Arrive(GoTo(0), Place::kNowhere);
 }
@@ -143,7 +145,7 @@ std::optional<RowId> QueryRecordset::GoPrevious() {
 
 void QueryRecordset::RowDeleted(const Table& table, RowId row) {
     if (&table != &Source()) return;
-    RowCursor::RowDeleted(table, row);
+    BaseRecordset::RowDeleted(table, row);
     const auto found = std::find(rows_.begin(), rows_.end(), row);
     if (found == rows_.end()) return;
     if (static_cast<std::size_t>(found - rows_.begin()) < at_) --at_;
@@ -176,7 +178,7 @@ std::size_t QueryRecordset::KeepSurvivors(std::size_t place,
 
 void QueryRecordset::TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept {
     const bool wasOn = Where() == Place::kOn;
-    RowCursor::TransactionRolledBack(deleted);
+    BaseRecordset::TransactionRolledBack(deleted);
     const std::size_t next = wasOn && Where() == Place::kGone ? at_ + 1 : at_;
     if (!rowsBefore_) {
         at_ = KeepSurvivors(next, deleted);

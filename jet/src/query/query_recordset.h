@@ -2,11 +2,11 @@
 #pragma once
 
 #include "jet/query.h"
-#include "recordset/row_cursor.h"
+#include "recordset/base_recordset.h"
 
 namespace jet {
 
-class QueryRecordset : public RowCursor {
+class QueryRecordset : public BaseRecordset {
 public:
     QueryRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system, const Query& query);
 

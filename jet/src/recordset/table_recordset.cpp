@@ -13,14 +13,26 @@ namespace jet {
 
 namespace {
 
-bool BeginsWith(const Key& key, const Key& start) {
-    return key.size() >= start.size() && std::equal(start.begin(), start.end(), key.begin());
+SeekTo WayOf(Comparison comparison) {
+    switch (comparison) {
+        case Comparison::kEqual:
+            return SeekTo::kBeginning;
+        case Comparison::kGreaterOrEqual:
+            return SeekTo::kNotBelow;
+        case Comparison::kGreater:
+            return SeekTo::kBeyond;
+        case Comparison::kLess:
+            return SeekTo::kBelow;
+        case Comparison::kLessOrEqual:
+            return SeekTo::kNotBeyond;
+    }
+    return SeekTo::kBeginning;  // unreachable: every comparison is listed
 }
 
 }  // namespace
 
 TableRecordset::TableRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system)
-    : RowCursor(std::move(file), table, system, {}) {
+    : BaseRecordset(std::move(file), table, system, {}), rows_(table.Rows()) {
     Arrive(GoFirst(), Place::kNowhere);
 }
 
@@ -41,6 +53,7 @@ void TableRecordset::SetIndex(std::string_view name) {
             }
             index_ = Source().Indexes()[found->real].get();
             indexName_ = found->name;
+            entries_ = IndexCursor(index_->Tree());
         }
         Arrive(GoFirst(), Place::kNowhere);
     });
@@ -55,40 +68,16 @@ std::int32_t TableRecordset::RecordCount() const {
     });
 }
 
-bool TableRecordset::Search(Comparison comparison, Bytes key) {
-    const IndexTree& tree = index_->Tree();
-    std::optional<IndexEntry> entry;
-    switch (comparison) {
-        case Comparison::kEqual:
-        case Comparison::kGreaterOrEqual:
-            return tree.FirstNotBelow(key, found_);
-        case Comparison::kGreater:
-            entry = tree.FirstBeyond(key);
-            break;
-        case Comparison::kLess:
-            entry = tree.LastBelow(key);
-            break;
-        case Comparison::kLessOrEqual:
-            entry = tree.LastNotBeyond(key);
-            break;
-    }
-    if (entry) found_ = std::move(*entry);
-    return entry.has_value();
-}
-
 bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) {
     return Guarded([&] {
         RequireOpen();
         DropEdit();
         RequireIndex();
         index_->MakeSearchKey(key, searchKey_);
-        noMatch_ = !Search(comparison, searchKey_) ||
-                   (comparison == Comparison::kEqual && !BeginsWith(found_.key, searchKey_));
+        noMatch_ = !entries_.Seek(searchKey_, WayOf(comparison));
         SetSearchFailed(noMatch_);
         if (noMatch_) return false;
-        std::swap(entry_, found_);
-        hint_ = {};
-        Arrive(entry_.row, Place::kNowhere);
+        Arrive(entries_.Entry().row, Place::kNowhere);
         return true;
     });
 }
@@ -114,40 +103,40 @@ int TableRecordset::CompareToKey(std::span<const std::byte> key) const {
     if (Where() != Place::kOn) {
         throw Error(ErrorKind::kNoCurrentRecord, "There is no current record.");
     }
-    const std::size_t common = std::min(key.size(), entry_.key.size());
-    const int order = std::memcmp(entry_.key.data(), key.data(), common);
+    const Key& own = entries_.Entry().key;
+    const std::size_t common = std::min(key.size(), own.size());
+    const int order = std::memcmp(own.data(), key.data(), common);
     return order != 0 || common == key.size() ? order : -1;
 }
 
-std::optional<RowId> TableRecordset::GoTo(std::optional<IndexEntry> entry) {
-    if (!entry) return std::nullopt;
-    entry_ = std::move(*entry);
-    hint_ = {};
-    return entry_.row;
+// The row that a verb of the index's cursor led to.
+std::optional<RowId> TableRecordset::EntryRow(bool found) const {
+    return found ? std::optional(entries_.Entry().row) : std::nullopt;
+}
+
+std::optional<RowId> TableRecordset::StoredRowOf(bool found) const {
+    return found ? std::optional(rows_.Row()) : std::nullopt;
 }
 
 std::optional<RowId> TableRecordset::GoFirst() {
-    return index_ == nullptr ? Source().Rows().First() : GoTo(index_->Tree().First());
+    return index_ == nullptr ? StoredRowOf(rows_.SeekToFirst()) : EntryRow(entries_.SeekToFirst());
 }
 
 std::optional<RowId> TableRecordset::GoLast() {
-    return index_ == nullptr ? Source().Rows().Last() : GoTo(index_->Tree().Last());
+    return index_ == nullptr ? StoredRowOf(rows_.SeekToLast()) : EntryRow(entries_.SeekToLast());
 }
 
 std::optional<RowId> TableRecordset::GoNext() {
-    if (index_ == nullptr) return Source().Rows().After(Row());
-    if (!index_->Tree().Next(entry_, hint_, found_)) return std::nullopt;
-    std::swap(entry_, found_);
-    return entry_.row;
+    return index_ == nullptr ? StoredRowOf(rows_.Next()) : EntryRow(entries_.Next());
 }
 
 std::optional<RowId> TableRecordset::GoPrevious() {
-    return index_ == nullptr ? Source().Rows().Before(Row()) : GoTo(index_->Tree().Before(entry_));
+    return index_ == nullptr ? StoredRowOf(rows_.Prev()) : EntryRow(entries_.Prev());
 }
 
 // The record stays the current one, at the place that its new values give it in the index.
 // The change is done by now, so nothing here may fail it: without memory for the new key the
-// position keeps the old one, which leads to the same neighbours as before the change.
+// position keeps the old one, which leads to the same neighbors as before the change.
 void TableRecordset::CurrentChanged() {
     if (index_ == nullptr || index_->Obstacle()) return;
     try {
@@ -155,8 +144,7 @@ void TableRecordset::CurrentChanged() {
         TableIndex::RowKey key;
         index_->MakeRowKey([&](std::size_t column) { return Source().ReadValue(view, column); },
                            key);
-        if (key.entered) entry_.key = std::move(key.key);
-        hint_ = {};
+        if (key.entered) entries_.SeekToEntry({std::move(key.key), Row()});
     } catch (const Error&) {
         return;
     } catch (const std::bad_alloc&) {

@@ -1,11 +1,13 @@
 // The record set of a whole table, in stored order or in that of an index.
 #pragma once
 
-#include "recordset/row_cursor.h"
+#include "index/index_cursor.h"
+#include "recordset/base_recordset.h"
+#include "table/row_cursor.h"
 
 namespace jet {
 
-class TableRecordset : public RowCursor {
+class TableRecordset : public BaseRecordset {
 public:
     TableRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system);
 
@@ -32,15 +34,14 @@ protected:
 
 private:
     void RequireIndex() const;
-    std::optional<RowId> GoTo(std::optional<IndexEntry> entry);
-    // Finds the entry that a search leads to; `found_` then holds it.
-    bool Search(Comparison comparison, Bytes key);
+    [[nodiscard]] std::optional<RowId> EntryRow(bool found) const;
+    [[nodiscard]] std::optional<RowId> StoredRowOf(bool found) const;
 
     const TableIndex* index_ = nullptr;
     std::string indexName_;
-    IndexEntry entry_;  // the current place in the index
-    LeafHint hint_;     // of the last step
-    IndexEntry found_;  // what a search or a step leads to, before it is the current place
+    // The current place: in stored order while no index is set, else in the index.
+    RowCursor rows_;
+    IndexCursor entries_;
     Key searchKey_;
     bool noMatch_ = false;
 };

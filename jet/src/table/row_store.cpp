@@ -16,10 +16,6 @@ constexpr int kMostHops = 8;
     ThrowDamaged("The file is damaged: a row that was moved cannot be found.");
 }
 
-bool IsVisible(SlotKind kind) {
-    return kind == SlotKind::kRow || kind == SlotKind::kPointer;
-}
-
 }  // namespace
 
 RowStore::RowStore(Pager& pager, PageNumber table, RowId ownedMap, RowId freeMap)
@@ -44,7 +40,7 @@ bool RowStore::Find(RowId row, StoredRow& into) const {
     const Bytes page = into.home.Data();
     if (!IsOurs(page) || row.slot >= SlotCount(page, format)) return false;
     Slot slot = ReadSlot(page, format, row.slot);
-    if (!IsVisible(slot.kind)) return false;
+    if (!IsRowSlot(slot.kind)) return false;
     into.bytes = Slice(page, slot.start, slot.length);
     for (int hops = 0; slot.kind == SlotKind::kPointer; ++hops) {
         if (hops == kMostHops) ThrowMissing();
@@ -182,95 +178,6 @@ void RowStore::RemoveSlot(RowId row) {
 void RowStore::EnterFree(PageNumber page) {
     if (!free_.Contains(page)) free_.Add(page);
     roomHint_ = std::min(roomHint_, page);
-}
-
-const PageRef& RowStore::WalkPage(PageNumber page) {
-    if (walkPage_.Data().empty() || walkPage_.Number() != page ||
-        walkChange_ != pager_->ChangeCount()) {
-        walkPage_ = pager_->Page(page);
-        walkChange_ = pager_->ChangeCount();
-    }
-    return walkPage_;
-}
-
-// The first row of the page from slot `from` on.
-std::optional<RowId> RowStore::SlotAfter(PageNumber page, std::uint32_t from) {
-    const Format& format = pager_->FileFormat();
-    const Bytes bytes = WalkPage(page).Data();
-    if (!IsOurs(bytes)) return std::nullopt;
-    const std::uint32_t count = SlotCount(bytes, format);
-    for (std::uint32_t slot = from; slot < count; ++slot) {
-        if (IsVisible(ReadSlotKind(bytes, format, slot))) {
-            return RowId{page, static_cast<std::uint8_t>(slot)};
-        }
-    }
-    return std::nullopt;
-}
-
-// The last row of the page before slot `end`.
-std::optional<RowId> RowStore::SlotBefore(PageNumber page, std::uint32_t end) {
-    const Format& format = pager_->FileFormat();
-    const Bytes bytes = WalkPage(page).Data();
-    if (!IsOurs(bytes)) return std::nullopt;
-    for (std::uint32_t slot = std::min(end, SlotCount(bytes, format)); slot-- > 0;) {
-        if (IsVisible(ReadSlotKind(bytes, format, slot))) {
-            return RowId{page, static_cast<std::uint8_t>(slot)};
-        }
-    }
-    return std::nullopt;
-}
-
-std::optional<RowId> RowStore::FirstOfPages(PageNumber from) {
-    for (auto page = owned_.NextFrom(from); page;
-         page = owned_.NextFrom(PageNumber{page->value + 1})) {
-        if (!IsOurs(WalkPage(*page).Data())) {
-            ThrowDamaged("The file is damaged: a page of a table belongs to something else.");
-        }
-        if (const auto row = SlotAfter(*page, 0)) return row;
-    }
-    return std::nullopt;
-}
-
-std::optional<RowId> RowStore::First() {
-    return FirstOfPages(PageNumber{0});
-}
-
-std::optional<RowId> RowStore::After(RowId row) {
-    if (row.page.value < pager_->PageCount()) {
-        if (const auto next = SlotAfter(row.page, row.slot + 1U)) return next;
-    }
-    return FirstOfPages(PageNumber{row.page.value + 1});
-}
-
-// A map cannot be walked backward, so its members are kept while nothing changes.
-const std::vector<PageNumber>& RowStore::OwnedPages() {
-    if (!ownedPagesKnown_ || ownedPagesChange_ != pager_->ChangeCount()) {
-        ownedPages_.clear();
-        owned_.ForEach(PageNumber{0}, [this](PageNumber page) {
-            ownedPages_.push_back(page);
-            return true;
-        });
-        ownedPagesChange_ = pager_->ChangeCount();
-        ownedPagesKnown_ = true;
-    }
-    return ownedPages_;
-}
-
-std::optional<RowId> RowStore::Before(RowId row) {
-    if (row.page.value < pager_->PageCount()) {
-        if (const auto previous = SlotBefore(row.page, row.slot)) return previous;
-    }
-    const std::vector<PageNumber>& pages = OwnedPages();
-    auto page = std::lower_bound(pages.begin(), pages.end(), row.page);
-    while (page != pages.begin()) {
-        --page;
-        if (const auto previous = SlotBefore(*page, kMostSlots + 1)) return previous;
-    }
-    return std::nullopt;
-}
-
-std::optional<RowId> RowStore::Last() {
-    return Before(RowId{PageNumber{pager_->PageCount()}, 0});
 }
 
 }  // namespace jet

@@ -21,6 +21,11 @@ struct StoredRow {
     Bytes bytes;
 };
 
+// Whether a slot stands for a row; the others are deleted, or hold the bytes of one.
+inline bool IsRowSlot(SlotKind kind) {
+    return kind == SlotKind::kRow || kind == SlotKind::kPointer;
+}
+
 class RowStore {
 public:
     RowStore(Pager& pager, PageNumber table, RowId ownedMap, RowId freeMap);
@@ -33,37 +38,24 @@ public:
     void Replace(RowId row, Bytes bytes);
     void Remove(RowId row);
 
-    // Walking in stored order. A place need not hold a row any more.
-    [[nodiscard]] std::optional<RowId> After(RowId row);
-    [[nodiscard]] std::optional<RowId> Before(RowId row);
-    [[nodiscard]] std::optional<RowId> First();
-    [[nodiscard]] std::optional<RowId> Last();
+    // What a cursor needs.
+    [[nodiscard]] Pager& Pages() const { return *pager_; }
+    [[nodiscard]] const UsageMap& OwnedPages() const { return owned_; }
+    [[nodiscard]] bool IsOurs(Bytes page) const;
 
 private:
-    [[nodiscard]] bool IsOurs(Bytes page) const;
     [[nodiscard]] RowId FollowPointer(Bytes slot) const;
     RowId Append(Bytes row, SlotKind kind, PageNumber except);
     PageNumber PageWithRoom(std::uint32_t length, PageNumber except);
     void Move(RowId row, Bytes bytes);
     void RemoveSlot(RowId row);
     void EnterFree(PageNumber page);
-    [[nodiscard]] std::optional<RowId> FirstOfPages(PageNumber from);
-    [[nodiscard]] std::optional<RowId> SlotAfter(PageNumber page, std::uint32_t from);
-    [[nodiscard]] std::optional<RowId> SlotBefore(PageNumber page, std::uint32_t end);
-    const PageRef& WalkPage(PageNumber page);
-    const std::vector<PageNumber>& OwnedPages();
 
     Pager* pager_;
     PageNumber table_;
     UsageMap owned_;
     UsageMap free_;
     PageNumber roomHint_;  // where the last row went; pages below it are full or unlisted
-    // The page of the walk stays pinned, so that a step within it is cheap.
-    PageRef walkPage_;
-    std::uint64_t walkChange_ = 0;
-    std::vector<PageNumber> ownedPages_;
-    std::uint64_t ownedPagesChange_ = 0;
-    bool ownedPagesKnown_ = false;
 };
 
 }  // namespace jet

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <set>
 
+#include "index/index_cursor.h"
 #include "parts/dump_values.h"
 #include "parts/page_words.h"
+#include "table/row_cursor.h"
 #include "values/collation.h"
 
 namespace {
@@ -72,21 +74,23 @@ private:
     }
 
     void DumpRows() {
-        for (auto id = table_.Rows().First(); id; id = table_.Rows().After(*id)) {
+        jet::RowCursor rows(table_.Rows());
+        for (bool on = rows.SeekToFirst(); on; on = rows.Next()) {
+            const jet::RowId id = rows.Row();
             jet::StoredRow stored;
-            if (!table_.Rows().Find(*id, stored)) {
+            if (!table_.Rows().Find(id, stored)) {
                 dump_.faults.push_back("a row of the scan cannot be found");
                 continue;
             }
             const jet::RowView view = table_.View(stored.bytes);
-            std::string line = R"({"k":"row","id":[)" + std::to_string(id->page.value) + "," +
-                               std::to_string(id->slot) + "],\"v\":[";
+            std::string line = R"({"k":"row","id":[)" + std::to_string(id.page.value) + "," +
+                               std::to_string(id.slot) + "],\"v\":[";
             for (std::size_t i = 0; i < table_.Def().columns.size(); ++i) {
                 if (i > 0) line += ',';
                 line += DumpValue(table_.ReadValue(view, i));
             }
             dump_.lines.push_back(line + "]}");
-            places_.emplace(*id, dump_.rows++);
+            places_.emplace(id, dump_.rows++);
         }
     }
 
@@ -95,7 +99,9 @@ private:
         const jet::TableIndex& index = *table_.Indexes()[i];
         std::vector<std::int64_t> order;
         std::set<RowId> seen;
-        for (auto entry = index.Tree().First(); entry; entry = index.Tree().After(*entry)) {
+        jet::IndexCursor cursor(index.Tree());
+        for (bool on = cursor.SeekToFirst(); on; on = cursor.Next()) {
+            const jet::IndexEntry* const entry = &cursor.Entry();
             const auto place = places_.find(entry->row);
             order.push_back(place == places_.end() ? -1 : static_cast<std::int64_t>(place->second));
             ++dump_.entries;
@@ -116,8 +122,9 @@ private:
 
     void CheckBackwards(const jet::TableIndex& index, const std::vector<std::int64_t>& order) {
         std::size_t left = order.size();
-        for (auto entry = index.Tree().Last(); entry && left > 0;
-             entry = index.Tree().Before(*entry)) {
+        jet::IndexCursor cursor(index.Tree());
+        for (bool on = cursor.SeekToLast(); on && left > 0; on = cursor.Prev()) {
+            const jet::IndexEntry* const entry = &cursor.Entry();
             --left;
             const auto place = places_.find(entry->row);
             const std::int64_t found =

@@ -13,9 +13,9 @@
 
 namespace jet {
 
-class RowCursor : public Recordset, public RowWatcher {
+class BaseRecordset : public Recordset, public RowWatcher {
 public:
-    ~RowCursor() override;
+    ~BaseRecordset() override;
 
     void Close() override;
     [[nodiscard]] const std::vector<ColumnSchema>& Fields() const override;
@@ -52,8 +52,8 @@ public:
 
 protected:
     // `columns` are the positions of the fields in the table; empty for all.
-    RowCursor(std::shared_ptr<OpenFile> file, Table& table, bool system,
-              const std::vector<std::size_t>& columns);
+    BaseRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system,
+                  const std::vector<std::size_t>& columns);
 
     enum class Place {
         kNowhere,  // there was no record to go to

@@ -1,4 +1,4 @@
-#include "recordset/row_cursor.h"
+#include "recordset/base_recordset.h"
 
 #include <algorithm>
 #include <bit>
@@ -29,8 +29,8 @@ std::vector<std::size_t> AllColumns(const Definition& definition) {
 
 }  // namespace
 
-RowCursor::RowCursor(std::shared_ptr<OpenFile> file, Table& table, bool system,
-                     const std::vector<std::size_t>& columns)
+BaseRecordset::BaseRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system,
+                             const std::vector<std::size_t>& columns)
     : file_(std::move(file)),
       table_(&table),
       readOnly_(system || file_->Pages().IsReadOnly()),
@@ -40,7 +40,7 @@ RowCursor::RowCursor(std::shared_ptr<OpenFile> file, Table& table, bool system,
     file_->Watch(*this);
 }
 
-std::vector<RowCursor::FieldColumn> RowCursor::FieldColumnsOf(
+std::vector<BaseRecordset::FieldColumn> BaseRecordset::FieldColumnsOf(
     const Definition& definition, const std::vector<std::size_t>& columns) {
     std::vector<FieldColumn> fields;
     for (const std::size_t column : columns) {
@@ -55,11 +55,11 @@ std::vector<RowCursor::FieldColumn> RowCursor::FieldColumnsOf(
     return fields;
 }
 
-RowCursor::~RowCursor() {
+BaseRecordset::~BaseRecordset() {
     file_->Unwatch(*this);
 }
 
-void RowCursor::Close() {
+void BaseRecordset::Close() {
     DropEdit();
     file_->Unwatch(*this);
     closed_ = true;
@@ -67,16 +67,16 @@ void RowCursor::Close() {
     stored_ = StoredRow();
 }
 
-const std::vector<ColumnSchema>& RowCursor::Fields() const {
+const std::vector<ColumnSchema>& BaseRecordset::Fields() const {
     RequireOpen();
     return fields_;
 }
 
-void RowCursor::ThrowClosed() {
+void BaseRecordset::ThrowClosed() {
     throw Error(ErrorKind::kClosed, "The record set has been closed.");
 }
 
-FieldId RowCursor::Field(std::string_view name) const {
+FieldId BaseRecordset::Field(std::string_view name) const {
     return Guarded([&] {
         RequireOpen();
         for (std::size_t i = 0; i < fields_.size(); ++i) {
@@ -85,30 +85,31 @@ FieldId RowCursor::Field(std::string_view name) const {
         const std::u16string wide = WidenName(name);
         for (std::size_t i = 0; i < columns_.size(); ++i) {
             const Column& column = table_->Def().columns[columns_[i].column];
-            if (SameName(column.wide, wide, table_->Def().version)) return FieldId{static_cast<int>(i)};
+            if (SameName(column.wide, wide, table_->Def().version))
+                return FieldId{static_cast<int>(i)};
         }
         throw Error(ErrorKind::kNoSuchField,
                     "The table '" + table_->Name() + "' has no field '" + std::string(name) + "'.");
     });
 }
 
-bool RowCursor::IsBof() const {
+bool BaseRecordset::IsBof() const {
     RequireOpen();
     return place_ == Place::kNowhere || place_ == Place::kBefore;
 }
 
-bool RowCursor::IsEof() const {
+bool BaseRecordset::IsEof() const {
     RequireOpen();
     return place_ == Place::kNowhere || place_ == Place::kBehind;
 }
 
-void RowCursor::Arrive(const std::optional<RowId>& row, Place otherwise) {
+void BaseRecordset::Arrive(const std::optional<RowId>& row, Place otherwise) {
     place_ = row ? Place::kOn : otherwise;
     if (row) row_ = *row;
     viewKnown_ = false;
 }
 
-void RowCursor::MoveFirst() {
+void BaseRecordset::MoveFirst() {
     return Guarded([&] {
         RequireOpen();
         DropEdit();
@@ -117,7 +118,7 @@ void RowCursor::MoveFirst() {
     });
 }
 
-void RowCursor::MoveLast() {
+void BaseRecordset::MoveLast() {
     return Guarded([&] {
         RequireOpen();
         DropEdit();
@@ -126,7 +127,7 @@ void RowCursor::MoveLast() {
     });
 }
 
-void RowCursor::MoveNext() {
+void BaseRecordset::MoveNext() {
     return Guarded([&] {
         RequireOpen();
         DropEdit();
@@ -136,7 +137,7 @@ void RowCursor::MoveNext() {
     });
 }
 
-void RowCursor::MovePrevious() {
+void BaseRecordset::MovePrevious() {
     return Guarded([&] {
         RequireOpen();
         DropEdit();
@@ -146,11 +147,11 @@ void RowCursor::MovePrevious() {
     });
 }
 
-void RowCursor::RowDeleted(const Table& table, RowId row) {
+void BaseRecordset::RowDeleted(const Table& table, RowId row) {
     if (&table == table_ && place_ == Place::kOn && row == row_) SetGone();
 }
 
-void RowCursor::TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept {
+void BaseRecordset::TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept {
     DropEdit();
     viewKnown_ = false;
     stored_ = StoredRow();
@@ -167,7 +168,7 @@ void RowCursor::TransactionRolledBack(std::span<const DeletedRow> deleted) noexc
 
 // A place that was freed may have been given to another row, so a row that was deleted counts as
 // gone although it is back.
-bool RowCursor::Survives(RowId row, std::span<const DeletedRow> deleted) const noexcept {
+bool BaseRecordset::Survives(RowId row, std::span<const DeletedRow> deleted) const noexcept {
     const DeletedRow sought{table_->Def().page, row};
     if (std::binary_search(deleted.begin(), deleted.end(), sought)) return false;
     try {
@@ -179,21 +180,21 @@ bool RowCursor::Survives(RowId row, std::span<const DeletedRow> deleted) const n
     }
 }
 
-void RowCursor::ThrowDropped() const {
+void BaseRecordset::ThrowDropped() const {
     throw Error(ErrorKind::kNoSuchTable,
                 "The table '" + table_->Name() + "' is not there: its creation was rolled back.");
 }
 
-void RowCursor::ThrowNoField() {
+void BaseRecordset::ThrowNoField() {
     throw Error(ErrorKind::kNoSuchField, "The record set has no such field.");
 }
 
-bool RowCursor::IsInEdit(std::size_t column) const {
+bool BaseRecordset::IsInEdit(std::size_t column) const {
     return edit_ == EditKind::kAdd || (edit_ == EditKind::kEdit && values_.given[column]);
 }
 
 // Finds the current record's bytes; they are looked at where they lie.
-const RowView& RowCursor::FindCurrentView() const {
+const RowView& BaseRecordset::FindCurrentView() const {
     if (place_ != Place::kOn) ThrowNoCurrent();
     const std::uint64_t change = table_->Pages().ChangeCount();
     // A page that changed may be another one in memory now.
@@ -209,7 +210,7 @@ const RowView& RowCursor::FindCurrentView() const {
     return view_;
 }
 
-Value RowCursor::Get(FieldId field) const {
+Value BaseRecordset::Get(FieldId field) const {
     return Guarded([&] {
         RequireOpen();
         const std::size_t column = ColumnOf(field).column;
@@ -219,7 +220,7 @@ Value RowCursor::Get(FieldId field) const {
 }
 
 template <typename Number>
-bool RowCursor::ReadPlain(const FieldColumn& field, Number& into) const {
+bool BaseRecordset::ReadPlain(const FieldColumn& field, Number& into) const {
     const RowView& row = CurrentView();
     if (!row.IsSet(field.number)) return false;
     const Bytes bytes = row.Fixed(field.offset, sizeof(Number));
@@ -231,7 +232,7 @@ bool RowCursor::ReadPlain(const FieldColumn& field, Number& into) const {
     return true;
 }
 
-bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const {
+bool BaseRecordset::ReadLong(FieldId field, std::int32_t& into) const {
     return Guarded([&] {
         const FieldColumn& column = ColumnOf(field);
         if (IsPlain(column, ColumnType::kLong)) return ReadPlain(column, into);
@@ -242,7 +243,7 @@ bool RowCursor::ReadLong(FieldId field, std::int32_t& into) const {
     });
 }
 
-bool RowCursor::ReadSingle(FieldId field, float& into) const {
+bool BaseRecordset::ReadSingle(FieldId field, float& into) const {
     return Guarded([&] {
         const FieldColumn& column = ColumnOf(field);
         if (IsPlain(column, ColumnType::kSingle)) return ReadPlain(column, into);
@@ -253,7 +254,7 @@ bool RowCursor::ReadSingle(FieldId field, float& into) const {
     });
 }
 
-bool RowCursor::ReadDouble(FieldId field, double& into) const {
+bool BaseRecordset::ReadDouble(FieldId field, double& into) const {
     return Guarded([&] {
         const FieldColumn& column = ColumnOf(field);
         if (IsPlain(column, ColumnType::kDouble)) return ReadPlain(column, into);
@@ -264,7 +265,7 @@ bool RowCursor::ReadDouble(FieldId field, double& into) const {
     });
 }
 
-bool RowCursor::ReadText(FieldId field, std::u16string& into) const {
+bool BaseRecordset::ReadText(FieldId field, std::u16string& into) const {
     return Guarded([&] {
         const std::size_t column = ColumnOf(field).column;
         if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
@@ -275,7 +276,7 @@ bool RowCursor::ReadText(FieldId field, std::u16string& into) const {
     });
 }
 
-bool RowCursor::ReadText(FieldId field, std::string& into) const {
+bool BaseRecordset::ReadText(FieldId field, std::string& into) const {
     return Guarded([&] {
         const std::size_t column = ColumnOf(field).column;
         if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
@@ -286,7 +287,7 @@ bool RowCursor::ReadText(FieldId field, std::string& into) const {
     });
 }
 
-std::unique_ptr<ValueReader> RowCursor::OpenReader(FieldId field, std::uint64_t from) const {
+std::unique_ptr<ValueReader> BaseRecordset::OpenReader(FieldId field, std::uint64_t from) const {
     return Guarded([&] {
         RequireOpen();
         const std::size_t place = ColumnOf(field).column;
@@ -307,18 +308,18 @@ std::unique_ptr<ValueReader> RowCursor::OpenReader(FieldId field, std::uint64_t 
     });
 }
 
-void RowCursor::RequireWritable() const {
+void BaseRecordset::RequireWritable() const {
     RequireOpen();
     if (!readOnly_) return;
     throw Error(ErrorKind::kReadOnly,
                 "The table '" + table_->Name() + "' is open for reading only.");
 }
 
-void RowCursor::RequireCurrent() const {
+void BaseRecordset::RequireCurrent() const {
     if (place_ != Place::kOn || searchFailed_) ThrowNoCurrent();
 }
 
-void RowCursor::PrepareValues() {
+void BaseRecordset::PrepareValues() {
     DropEdit();
     const std::size_t count = table_->Def().columns.size();
     values_.values.assign(count, Value());
@@ -326,7 +327,7 @@ void RowCursor::PrepareValues() {
     written_.assign(count, false);
 }
 
-void RowCursor::AddNew() {
+void BaseRecordset::AddNew() {
     return Guarded([&] {
         RequireWritable();
         PrepareValues();
@@ -336,7 +337,7 @@ void RowCursor::AddNew() {
 }
 
 // The number of an auto-number field shows at once; it is given out when the record is written.
-void RowCursor::FillDefaults() {
+void BaseRecordset::FillDefaults() {
     const auto& columns = table_->Def().columns;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         if (columns[i].type == ColumnType::kBoolean) values_.values[i] = false;
@@ -351,7 +352,7 @@ void RowCursor::FillDefaults() {
     }
 }
 
-void RowCursor::Edit() {
+void BaseRecordset::Edit() {
     return Guarded([&] {
         RequireWritable();
         RequireCurrent();
@@ -361,13 +362,13 @@ void RowCursor::Edit() {
     });
 }
 
-void RowCursor::RequireEdit() const {
+void BaseRecordset::RequireEdit() const {
     RequireOpen();
     if (edit_ != EditKind::kNone) return;
     throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
 }
 
-void RowCursor::Set(FieldId field, const Value& value) {
+void BaseRecordset::Set(FieldId field, const Value& value) {
     return Guarded([&] {
         RequireEdit();
         const std::size_t column = ColumnOf(field).column;
@@ -379,7 +380,7 @@ void RowCursor::Set(FieldId field, const Value& value) {
 }
 
 template <typename Held, typename Piece>
-void RowCursor::AppendTo(FieldId field, ColumnType type, Piece piece) {
+void BaseRecordset::AppendTo(FieldId field, ColumnType type, Piece piece) {
     RequireEdit();
     const std::size_t place = ColumnOf(field).column;
     const Column& column = table_->Def().columns[place];
@@ -401,15 +402,15 @@ void RowCursor::AppendTo(FieldId field, ColumnType type, Piece piece) {
     held.insert(held.end(), piece.begin(), piece.end());
 }
 
-void RowCursor::Append(FieldId field, std::u16string_view text) {
+void BaseRecordset::Append(FieldId field, std::u16string_view text) {
     return Guarded([&] { AppendTo<std::u16string>(field, ColumnType::kMemo, text); });
 }
 
-void RowCursor::Append(FieldId field, std::span<const std::byte> bytes) {
+void BaseRecordset::Append(FieldId field, std::span<const std::byte> bytes) {
     return Guarded([&] { AppendTo<Binary>(field, ColumnType::kOle, bytes); });
 }
 
-void RowCursor::Update() {
+void BaseRecordset::Update() {
     return Guarded([&] {
         RequireWritable();
         RequireEdit();
@@ -435,12 +436,12 @@ void RowCursor::Update() {
     });
 }
 
-void RowCursor::CancelUpdate() {
+void BaseRecordset::CancelUpdate() {
     RequireOpen();
     DropEdit();
 }
 
-void RowCursor::Delete() {
+void BaseRecordset::Delete() {
     return Guarded([&] {
         RequireWritable();
         DropEdit();

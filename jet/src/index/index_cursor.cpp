@@ -1,0 +1,100 @@
+#include "index/index_cursor.h"
+
+#include <utility>
+
+#include "index/leaf_search.h"
+
+namespace jet {
+
+namespace {
+
+LeafSearch SearchOf(const IndexTree& tree) {
+    return {tree.Pages(), tree.Table(), tree.Root()};
+}
+
+}  // namespace
+
+// The entry is read aside first: a damaged page changes nothing of the position.
+bool IndexCursor::Arrive(LeafPlace& place) {
+    if (place.IsEnd()) return false;
+    LeafSearch::Read(place, found_);
+    std::swap(entry_, found_);
+    valid_ = true;
+    leaf_ = std::move(place.page);
+    at_ = place.at;
+    change_ = tree_->Pages().ChangeCount();
+    return true;
+}
+
+bool IndexCursor::Arrive(std::optional<LeafPlace> place) {
+    return place && Arrive(*place);
+}
+
+bool IndexCursor::IsOnLeaf() const {
+    return !leaf_.Data().empty() && change_ == tree_->Pages().ChangeCount();
+}
+
+// The position as a place on its leaf, which is known. The pin goes with it.
+LeafPlace IndexCursor::TakePlace() {
+    return SearchOf(*tree_).PlaceOn(std::move(leaf_), at_);
+}
+
+// Whether a place on another leaf brings the walk further. Links of a damaged file may not.
+bool IndexCursor::IsAbove(const LeafPlace& place) const {
+    if (place.IsEnd()) return true;
+    Key entry;
+    place.leaf.Read(place.at, entry);
+    const Key position = EntryBytes(entry_.key, entry_.row);
+    return !EntryBound{position, EntryBound::Rule::kAbove}.Passes(entry);
+}
+
+bool IndexCursor::SeekToFirst() {
+    return Seek({}, SeekTo::kNotBelow);
+}
+
+bool IndexCursor::SeekToLast() {
+    const LeafSearch search = SearchOf(*tree_);
+    return Arrive(search.Before(search.End()));
+}
+
+bool IndexCursor::Seek(Bytes search, SeekTo to) {
+    using Rule = EntryBound::Rule;
+    const LeafSearch tree = SearchOf(*tree_);
+    if (to == SeekTo::kBelow || to == SeekTo::kNotBeyond) {
+        return Arrive(
+            tree.LastPassed({search, to == SeekTo::kBelow ? Rule::kNotBelow : Rule::kBeyond}));
+    }
+    LeafPlace place = tree.Find({search, to == SeekTo::kBeyond ? Rule::kBeyond : Rule::kNotBelow});
+    if (to == SeekTo::kBeginning && !place.IsEnd() && !place.leaf.BeginsWith(place.at, search)) {
+        return false;
+    }
+    return Arrive(place);
+}
+
+bool IndexCursor::Next() {
+    const LeafSearch tree = SearchOf(*tree_);
+    if (IsOnLeaf()) {
+        LeafPlace place = TakePlace();
+        std::uint32_t hops = 0;
+        tree.Advance(place, hops);
+        if (hops == 0 || IsAbove(place)) return Arrive(place);
+    }
+    const Key position = EntryBytes(entry_.key, entry_.row);
+    LeafPlace place = tree.Find({position, EntryBound::Rule::kAbove});
+    return Arrive(place);
+}
+
+bool IndexCursor::Prev() {
+    const LeafSearch tree = SearchOf(*tree_);
+    if (IsOnLeaf() && at_ != 0) return Arrive(tree.Before(TakePlace()));
+    const Key position = EntryBytes(entry_.key, entry_.row);
+    return Arrive(tree.LastPassed({position, EntryBound::Rule::kNotBelow}));
+}
+
+void IndexCursor::SeekToEntry(IndexEntry entry) noexcept {
+    entry_ = std::move(entry);
+    valid_ = true;
+    leaf_ = PageRef();
+}
+
+}  // namespace jet
