@@ -55,7 +55,7 @@ protected:
         const Bytes before = Bytes(file_).subspan(kPage.value * pageSize_, pageSize_);
         Contents after(before.begin(), before.end());
         after[500] ^= std::byte{1};
-        LogRecordWriter record(log, LogRecordKind::kOperation, 1, kPages);
+        LogRecordWriter record(log, LogRecordKind::kCommit, 1, kPages);
         for (int i = 0; i < entries; ++i) {
             record.AddPage(
                 {.page = kPage, .before = before, .after = after, .firstDifference = 500},
@@ -103,7 +103,7 @@ TEST_P(LogContents, AnyContradiction_PutsTheLogAside) {
         return [=](Contents& log) { WriteU32(log, at, value); };
     };
     const std::vector<Mutation> contradictions = {
-        set32(kKindAt, 3),             // a kind that there is not
+        set32(kKindAt, 4),             // a kind that there is not
         set32(kPagesAt, kPages - 1),   // a file that shrinks
         set32(kPagesAt, 0xFFFFFFFF),   // a file larger than the format allows
         set32(kEntryAt, kPages),       // a page that the file has not

@@ -39,6 +39,9 @@ struct Query;
 struct Recovery {
     bool applied = false;            // operations of an interrupted run were brought in
     std::uint64_t operations = 0;    // how many
+    // At the end of its log: of operations and transactions that were cut off, and of transactions
+    // that had not been committed.
+    std::uint64_t discardedBytes = 0;
     bool foreignLogIgnored = false;  // a log lay there that does not belong to this file
     // Where it was set aside, when it may hold changes that the file lacks: an older copy has been
     // put in the file's place, say.

@@ -61,27 +61,32 @@ void Journal::Resume(const LogPosition& position) {
     RequireFile();
 }
 
+std::uint64_t Journal::StartBuffer(std::uint32_t pagesAfter, const Start& start) {
+    buffer_.clear();
+    if (!IsEmpty()) {
+        if (logged_.size() < pagesAfter) {
+            logged_.resize(std::max<std::size_t>(pagesAfter, logged_.size() * 2), false);
+        }
+        return checksum_;
+    }
+    logged_.assign(pagesAfter, false);
+    operation_ = 0;
+    return AppendLogHeader(buffer_, {.pageSize = pageSize_,
+                                     .pageCount = start.pageCount,
+                                     .salt = NewSalt(),
+                                     .commitCounter = start.commitCounter});
+}
+
+LogBase Journal::BaseOf(const PageChange& change) const {
+    if (change.fresh) return LogBase::kZero;
+    return Has(change.page) ? LogBase::kInLog : LogBase::kImage;
+}
+
 void Journal::Append(std::span<const PageChange> changes, std::uint32_t pagesAfter,
                      const Start& start) {
-    buffer_.clear();
-    std::uint64_t seed = checksum_;
-    if (IsEmpty()) {
-        seed = AppendLogHeader(buffer_, {.pageSize = pageSize_,
-                                         .pageCount = start.pageCount,
-                                         .salt = NewSalt(),
-                                         .commitCounter = start.commitCounter});
-        operation_ = 0;
-        logged_.assign(pagesAfter, false);
-    } else if (logged_.size() < pagesAfter) {
-        logged_.resize(std::max<std::size_t>(pagesAfter, logged_.size() * 2), false);
-    }
-    LogRecordWriter record(buffer_, LogRecordKind::kOperation, operation_ + 1, pagesAfter);
-    for (const PageChange& change : changes) {
-        const LogBase base = change.fresh       ? LogBase::kZero
-                             : Has(change.page) ? LogBase::kInLog
-                                                : LogBase::kImage;
-        record.AddPage(change, base);
-    }
+    const std::uint64_t seed = StartBuffer(pagesAfter, start);
+    LogRecordWriter record(buffer_, LogRecordKind::kCommit, operation_ + 1, pagesAfter);
+    for (const PageChange& change : changes) record.AddPage(change, BaseOf(change));
     const std::uint64_t checksum = record.Finish(seed);
     const bool first = IsEmpty();
     WriteBuffer();
@@ -89,6 +94,44 @@ void Journal::Append(std::span<const PageChange> changes, std::uint32_t pagesAft
     checksum_ = checksum;
     ++operation_;
     for (const PageChange& change : changes) logged_[change.page.value] = true;
+    beforeParts_.reset();
+    loggedByParts_ = {};
+}
+
+void Journal::AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
+                         const Start& start, std::span<std::uint64_t> places) {
+    loggedByParts_.reserve(loggedByParts_.size() + changes.size());
+    const Good before{end_, checksum_};
+    const std::uint64_t seed = StartBuffer(pagesAfter, start);
+    LogRecordWriter record(buffer_, LogRecordKind::kPart, operation_ + 1, pagesAfter);
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        places[i] = end_ + record.AddWholePage(changes[i], BaseOf(changes[i]));
+    }
+    const std::uint64_t checksum = record.Finish(seed);
+    const bool first = IsEmpty();
+    WriteBuffer();
+    if (first) lastCounter_ = start.commitCounter;
+    checksum_ = checksum;
+    if (!beforeParts_) beforeParts_ = before;
+    for (const PageChange& change : changes) {
+        if (!Has(change.page)) loggedByParts_.push_back(change.page.value);
+        logged_[change.page.value] = true;
+    }
+}
+
+void Journal::DropParts() noexcept {
+    if (!beforeParts_) return;
+    end_ = beforeParts_->end;
+    checksum_ = beforeParts_->checksum;
+    beforeParts_.reset();
+    for (const std::uint32_t page : loggedByParts_) logged_[page] = false;
+    loggedByParts_ = {};
+    CutQuietly();
+}
+
+void Journal::ReadPage(std::uint64_t place, MutableBytes into) {
+    RequireFile();
+    file_->Read(place, into);
 }
 
 // Appends the buffer to the good part. When it fails, the file is cut to the good part at once or,
@@ -102,22 +145,28 @@ void Journal::WriteBuffer() {
     try {
         file_->Write(end_, buffer_);
     } catch (...) {
-        cutFirst_ = true;
-        try {
-            file_->Truncate(end_);
-            cutFirst_ = false;
-        } catch (...) {
-            // The next write begins with it.
-        }
+        CutQuietly();
         throw;
     }
     end_ += buffer_.size();
 }
 
-std::uint16_t Journal::Mark() {
+void Journal::CutQuietly() noexcept {
+    cutFirst_ = true;
+    try {
+        if (!file_) return;
+        file_->Truncate(end_);
+        cutFirst_ = false;
+    } catch (...) {
+        // The next write begins with it.
+        return;
+    }
+}
+
+std::uint16_t Journal::WriteCheckpoint() {
     const std::uint16_t counter = NextCommitCounter(lastCounter_);
     buffer_.clear();
-    LogRecordWriter record(buffer_, LogRecordKind::kMark, operation_, counter);
+    LogRecordWriter record(buffer_, LogRecordKind::kCheckpoint, operation_, counter);
     const std::uint64_t checksum = record.Finish(checksum_);
     WriteBuffer();
     checksum_ = checksum;
@@ -175,13 +224,7 @@ void Journal::Empty() noexcept {
     end_ = 0;
     flushFailed_ = false;
     logged_.clear();
-    try {
-        file_->Truncate(0);
-        cutFirst_ = false;
-    } catch (...) {
-        // Its contents are in the data file; the next operation begins with this.
-        cutFirst_ = true;
-    }
+    CutQuietly();
 }
 
 void Journal::Remove() noexcept {

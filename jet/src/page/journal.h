@@ -1,20 +1,21 @@
 // The journal: every committed operation in a log file beside the data file, so that neither the
 // end of the process nor a power cut leaves half of one behind.
 //
-// 1. Committing. An operation is one record in the log (log_format.h), written by one write. After
-//    it the operation is done: the process may be killed, the log lies with the operating system.
-//    The data file itself is not touched; changed pages stay in memory.
-// 2. Making durable. A mark is appended and the log flushed; then the changed pages, and the header
-//    page with a raised commit counter, are written to the data file and that is flushed; then the
-//    log is emptied. Two flushes, none when the log is empty.
+// 1. Committing. An operation or a transaction is one record in the log (log_format.h), written by
+//    one write. After it the operation is done: the process may be killed, the log lies with the
+//    operating system. The data file itself is not touched; changed pages stay in memory. A
+//    transaction that grows large writes pages in parts before, which count when it is committed.
+// 2. Checkpoint. A checkpoint record is appended and the log flushed; then the changed pages, and the
+//    header page with a raised commit counter, are written to the data file and that is flushed;
+//    then the log is emptied. Two flushes, none when the log is empty.
 // 3. Opening. A log that is found is replayed in memory, and then step 2 is done.
 //
 // Why emptying needs no flush of its own: what a power cut can bring back is the old log, whole or
 // in part. Whole, replaying it is harmless, since the data file holds its end state already. In
 // part - its beginning, followed by new records or by nothing - it would undo things. So a log
 // counts only if the data file's commit counter is the one that the log began with (then step 2
-// never completed, and no log was ever emptied) or one of a mark that is still readable (then the
-// log is whole up to that mark at least, for it was flushed before the data file got that value).
+// never completed, and no log was ever emptied) or one of a checkpoint record that is still readable (then the
+// log is whole up to that record at least, for it was flushed before the data file got that value).
 // Every attempt at step 2 uses another counter value.
 //
 // Why a log never gets into a file that it does not belong to: the counter, the file's size and the
@@ -25,6 +26,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -56,8 +58,19 @@ public:
     // begins with it belongs to. When it throws, the operation is not in the log. kDiskFull, kIo.
     void Append(std::span<const PageChange> changes, std::uint32_t pagesAfter, const Start& start);
 
+    // A part of a transaction that goes on: whole pages. Gives where the bytes of each lie in the log,
+    // in the order of `changes`. When it throws, nothing is in the log. kDiskFull, kIo.
+    void AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
+                    const Start& start, std::span<std::uint64_t> places);
+    // Whether there are parts that no commit has followed.
+    [[nodiscard]] bool HasParts() const { return beforeParts_.has_value(); }
+    // Removes them: the transaction has been rolled back.
+    void DropParts() noexcept;
+    // The bytes of a page that lie there. kIo.
+    void ReadPage(std::uint64_t place, MutableBytes into);
+
     // Step 2. The value that the data file's commit counter takes this time.
-    std::uint16_t Mark();
+    std::uint16_t WriteCheckpoint();
     void Flush();
     // Carries the log's place in its folder through a power cut, unless the first Flush has done
     // so. May fail; that flush then does it.
@@ -76,6 +89,15 @@ public:
     [[nodiscard]] std::uint64_t Size() const { return end_; }
 
 private:
+    struct Good {
+        std::uint64_t end = 0;       // length of the good part
+        std::uint64_t checksum = 0;  // of its last record
+    };
+
+    // Puts the header of a log that begins into the buffer, and gives the seed of the next record.
+    std::uint64_t StartBuffer(std::uint32_t pagesAfter, const Start& start);
+    [[nodiscard]] LogBase BaseOf(const PageChange& change) const;
+    void CutQuietly() noexcept;
     void RequireFile();
     void FlushPlace();
     std::unique_ptr<File> OpenLog();
@@ -92,11 +114,13 @@ private:
     std::uint64_t end_ = 0;       // length of the good part
     std::uint64_t checksum_ = 0;  // of its last record
     std::uint64_t operation_ = 0;
-    std::uint16_t lastCounter_ = 0;  // of the log's beginning or its last mark
+    std::uint16_t lastCounter_ = 0;  // of the log's beginning or its last checkpoint
     bool placeFlushed_ = false;      // a power cut cannot take the file out of its folder
     bool cutFirst_ = false;          // there may be bytes past the good part
     bool flushFailed_ = false;       // what was written may never have reached the disk
     std::vector<bool> logged_;       // pages whose former bytes are in the log
+    std::optional<Good> beforeParts_;
+    std::vector<std::uint32_t> loggedByParts_;
     std::vector<std::byte> buffer_;
 };
 

@@ -66,6 +66,7 @@ std::uint64_t AppendLogHeader(std::vector<std::byte>& out, const LogHeader& head
     WriteU32(bytes, 12, header.pageCount);
     WriteU64(bytes, 16, header.salt);
     WriteU16(bytes, 24, header.commitCounter);
+    WriteU16(bytes, 26, header.version);
     const std::uint64_t checksum = Checksum(bytes.first(kLogHeaderSize - kLogChecksumSize), 0);
     WriteU64(bytes, kLogHeaderSize - kLogChecksumSize, checksum);
     return checksum;
@@ -83,7 +84,8 @@ std::optional<CheckedLogHeader> ParseLogHeader(Bytes bytes) {
     result.header = {.pageSize = ReadU32(bytes, 8),
                      .pageCount = ReadU32(bytes, 12),
                      .salt = ReadU64(bytes, 16),
-                     .commitCounter = ReadU16(bytes, 24)};
+                     .commitCounter = ReadU16(bytes, 24),
+                     .version = ReadU16(bytes, 26)};
     return result;
 }
 
@@ -96,12 +98,26 @@ LogRecordWriter::LogRecordWriter(std::vector<std::byte>& out, LogRecordKind kind
     WriteU32(head, 16, value);
 }
 
-void LogRecordWriter::AddPage(const PageChange& change, LogBase base) {
+std::size_t LogRecordWriter::StartEntry(const PageChange& change, LogBase base) {
     const std::size_t head = out_.size();
     Extend(out_, kLogEntryHead);
     if (base == LogBase::kImage) {
         out_.insert(out_.end(), change.before.begin(), change.before.end());
     }
+    return head;
+}
+
+void LogRecordWriter::EndEntry(std::size_t head, const PageChange& change, LogBase base,
+                               std::uint16_t ranges) {
+    const MutableBytes entry = MutableBytes(out_).subspan(head, kLogEntryHead);
+    WriteU32(entry, 0, change.page.value);
+    WriteU16(entry, 4, static_cast<std::uint16_t>(base));
+    WriteU16(entry, 6, ranges);
+    ++entries_;
+}
+
+void LogRecordWriter::AddPage(const PageChange& change, LogBase base) {
+    const std::size_t head = StartEntry(change, base);
     std::uint16_t ranges = 0;
     std::size_t at = change.firstDifference;
     while (at < change.after.size()) {
@@ -110,11 +126,14 @@ void LogRecordWriter::AddPage(const PageChange& change, LogBase base) {
         ++ranges;
         at = FirstDifference(change.before, change.after, end);
     }
-    const MutableBytes entry = MutableBytes(out_).subspan(head, kLogEntryHead);
-    WriteU32(entry, 0, change.page.value);
-    WriteU16(entry, 4, static_cast<std::uint16_t>(base));
-    WriteU16(entry, 6, ranges);
-    ++entries_;
+    EndEntry(head, change, base, ranges);
+}
+
+std::size_t LogRecordWriter::AddWholePage(const PageChange& change, LogBase base) {
+    const std::size_t head = StartEntry(change, base);
+    AddRange(change, 0, change.after.size());
+    EndEntry(head, change, base, 1);
+    return out_.size() - change.after.size();
 }
 
 void LogRecordWriter::AddRange(const PageChange& change, std::size_t begin, std::size_t end) {

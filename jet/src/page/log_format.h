@@ -10,15 +10,16 @@
 //   12  4  pages of the data file when the log began
 //   16  8  salt, another one for each log
 //   24  2  the data file's commit counter when the log began
-//   26  30 zeros
+//   26  2  version of this format, 1
+//   28  28 zeros
 //   56  8  checksum of the 56 bytes before
 //
 //   record
 //   0   4  length of the whole record
-//   4   4  kind: 1 an operation, 2 a mark
-//   8   8  number of the operation in this log, from 1 (mark: of the last one)
-//   16  4  operation: pages of the data file after it; mark: commit counter
-//   20  4  operation: number of page entries
+//   4   4  kind: 1 a commit, 2 a checkpoint, 3 a part of the transaction that the next commit ends
+//   8   8  number of the transaction in this log, from 1 (checkpoint: of the last one)
+//   16  4  commit, part: pages of the data file after it; checkpoint: commit counter
+//   20  4  commit, part: number of page entries
 //   24     page entries
 //   end 8  checksum of everything before, seeded with the checksum before
 //
@@ -29,8 +30,11 @@
 //   8      base 1: the page as it was
 //          each range: u16 offset, u16 length, the new bytes
 //
-// A mark says: from here on everything above may be in the data file, and once all of it is, the
-// file's commit counter has this value.
+// A transaction is one commit record, written by one write. One that outgrows the memory that it may
+// take writes whole pages in parts before it; parts that no commit follows count for nothing.
+//
+// A checkpoint record says: from here on everything above may be in the data file, and once all of
+// it is, the file's commit counter has this value.
 #pragma once
 
 #include <cstdint>
@@ -46,8 +50,9 @@ inline constexpr std::size_t kLogRecordHead = 24;
 inline constexpr std::size_t kLogChecksumSize = 8;
 inline constexpr std::size_t kLogEntryHead = 8;
 inline constexpr std::uint32_t kLargestLogRecord = 1U << 30;
+inline constexpr std::uint16_t kLogVersion = 1;
 
-enum class LogRecordKind : std::uint32_t { kOperation = 1, kMark = 2 };
+enum class LogRecordKind : std::uint32_t { kCommit = 1, kCheckpoint = 2, kPart = 3 };
 enum class LogBase : std::uint16_t { kInLog = 0, kImage = 1, kZero = 2 };
 
 struct LogHeader {
@@ -55,6 +60,7 @@ struct LogHeader {
     std::uint32_t pageCount = 0;
     std::uint64_t salt = 0;
     std::uint16_t commitCounter = 0;
+    std::uint16_t version = kLogVersion;
 };
 
 // Writes the 64 bytes at the end of `out` and gives their checksum, the seed of the first record.
@@ -84,10 +90,15 @@ public:
     LogRecordWriter(std::vector<std::byte>& out, LogRecordKind kind, std::uint64_t operation,
                     std::uint32_t value);
     void AddPage(const PageChange& change, LogBase base);
+    // Adds all bytes of the page as it is now, and gives their place in `out`.
+    std::size_t AddWholePage(const PageChange& change, LogBase base);
     // Completes the record and gives its checksum. kRecordTooLarge.
     std::uint64_t Finish(std::uint64_t seed);
 
 private:
+    // The entry's head, to be completed by EndEntry, and the former bytes.
+    std::size_t StartEntry(const PageChange& change, LogBase base);
+    void EndEntry(std::size_t head, const PageChange& change, LogBase base, std::uint16_t ranges);
     void AddRange(const PageChange& change, std::size_t begin, std::size_t end);
 
     std::vector<std::byte>& out_;

@@ -22,9 +22,11 @@ public:
     // Steps to the next record; false at the end of the good part.
     bool Next();
     [[nodiscard]] LogRecordKind Kind() const;
-    [[nodiscard]] std::uint32_t Value() const;  // pages after the operation, or the counter
+    [[nodiscard]] std::uint32_t Value() const;  // pages after the commit, or the counter
     [[nodiscard]] std::uint32_t EntryCount() const;
     [[nodiscard]] Bytes Entries() const;
+    // Where in the log they begin.
+    [[nodiscard]] std::uint64_t EntriesAt() const { return end_ - record_.size() + kLogRecordHead; }
 
     // The good part so far.
     [[nodiscard]] std::uint64_t End() const { return end_; }

@@ -14,9 +14,14 @@ LogReplay::LogReplay(File& dataFile, const Format& format, std::uint16_t commitC
       dataSize_(dataFile.Size()) {}
 
 LogReplay::Finding LogReplay::Read(File& log) {
+    log_ = &log;
     LogReader reader(log);
     if (reader.IsUnknown()) return Finding::kForeign;
-    if (!reader.HasHeader()) return Finding::kNothing;
+    if (!reader.HasHeader()) {
+        discardedBytes_ = log.Size();
+        return Finding::kNothing;
+    }
+    FindCommittedEnd(reader);
     header_ = reader.Header();
     pageCount_ = header_.pageCount;
     position_.lastCounter = header_.commitCounter;
@@ -25,7 +30,7 @@ LogReplay::Finding LogReplay::Read(File& log) {
         std::uint64_t{header_.pageCount} * format_.pageSize > dataSize_) {
         return Finding::kForeign;
     }
-    while (reader.Next()) {
+    while (reader.End() < committedEnd_ && reader.Next()) {
         if (!Apply(reader)) return Finding::kForeign;
     }
     position_.end = reader.End();
@@ -34,20 +39,36 @@ LogReplay::Finding LogReplay::Read(File& log) {
     return Belongs() ? Finding::kPending : Finding::kForeign;
 }
 
-// False when a record, though whole, makes no sense.
-bool LogReplay::Apply(const LogReader& reader) {
-    if (reader.Kind() == LogRecordKind::kMark) {
-        position_.lastCounter = static_cast<std::uint16_t>(reader.Value());
-        counterFits_ = counterFits_ || position_.lastCounter == commitCounter_;
-        return true;
+// Parts count only when a commit follows them.
+void LogReplay::FindCommittedEnd(LogReader reader) {
+    committedEnd_ = reader.End();
+    while (reader.Next()) {
+        if (reader.Kind() != LogRecordKind::kPart) committedEnd_ = reader.End();
     }
-    return reader.Kind() == LogRecordKind::kOperation && ApplyOperation(reader);
+    discardedBytes_ = log_->Size() - committedEnd_;
 }
 
-bool LogReplay::ApplyOperation(const LogReader& reader) {
+// False when a record, though whole, makes no sense.
+bool LogReplay::Apply(const LogReader& reader) {
+    switch (reader.Kind()) {
+        case LogRecordKind::kCheckpoint:
+            position_.lastCounter = static_cast<std::uint16_t>(reader.Value());
+            counterFits_ = counterFits_ || position_.lastCounter == commitCounter_;
+            return true;
+        case LogRecordKind::kCommit:
+            ++position_.operations;
+            return ApplyPages(reader);
+        case LogRecordKind::kPart:
+            return ApplyPages(reader);
+    }
+    return false;
+}
+
+bool LogReplay::ApplyPages(const LogReader& reader) {
     if (reader.Value() < pageCount_ || reader.Value() > LargestPageCount(format_)) return false;
     pageCount_ = reader.Value();
-    Bytes rest = reader.Entries();
+    const Bytes entries = reader.Entries();
+    Bytes rest = entries;
     const auto take = [&rest](std::size_t size) {
         const Bytes taken = rest.first(std::min(size, rest.size()));
         rest = rest.subspan(taken.size());
@@ -63,14 +84,14 @@ bool LogReplay::ApplyOperation(const LogReader& reader) {
         for (std::uint32_t range = ReadU16(head, 6); range > 0; --range) {
             const Bytes place = take(4);
             if (place.size() < 4) return false;
+            const std::uint64_t at = reader.EntriesAt() + (entries.size() - rest.size());
             const Bytes bytes = take(ReadU16(place, 2));
             if (bytes.size() < ReadU16(place, 2) ||
-                !ApplyRange(*page, format_.pageSize, ReadU16(place, 0), bytes)) {
+                !ApplyRange(*page, ReadU16(place, 0), bytes, at)) {
                 return false;
             }
         }
     }
-    ++position_.operations;
     return rest.empty();
 }
 
@@ -93,46 +114,73 @@ LogReplay::LoggedPage* LogReplay::StartPage(PageNumber page, LogBase base, Bytes
         static_cast<std::size_t>(std::min<std::uint64_t>(there, format_.pageSize)));
     if (there > 0) dataFile_.Read(offset, logged.inFile);
     logged.known.resize(logged.inFile.size());
-    for (std::size_t i = 0; i < logged.inFile.size(); ++i) {
-        const std::byte before = fresh ? std::byte{0} : image[i];
+    if (page.value == 0) {
         // The counter on the header page is no content; it is judged by itself.
-        const bool counter = page.value == 0 && i / 2 == CommitCounterOffset(format_) / 2;
-        logged.known[i] = logged.inFile[i] == before || counter ? 1 : 0;
+        const std::size_t counter = CommitCounterOffset(format_);
+        logged.known[counter] = logged.known[counter + 1] = 1;
     }
+    const std::vector<std::byte> zeros(fresh ? logged.inFile.size() : 0);
+    Explain(logged, 0, fresh ? Bytes(zeros) : image);
     if (position_.logged.size() <= page.value) position_.logged.resize(page.value + 1);
     position_.logged[page.value] = true;
     return &logged;
 }
 
-bool LogReplay::ApplyRange(LoggedPage& page, std::size_t pageSize, std::size_t offset,
-                           Bytes bytes) {
-    if (offset + bytes.size() > pageSize) return false;
-    page.image.resize(pageSize);
-    std::copy(bytes.begin(), bytes.end(), page.image.begin() + static_cast<std::ptrdiff_t>(offset));
+// Notes which bytes of the page in the file are these.
+void LogReplay::Explain(LoggedPage& page, std::size_t offset, Bytes bytes) {
     const std::size_t end = std::min(offset + bytes.size(), page.inFile.size());
     for (std::size_t i = offset; i < end; ++i) {
         if (page.inFile[i] == bytes[i - offset]) page.known[i] = 1;
     }
+    if (std::find(page.known.begin(), page.known.end(), 0) == page.known.end()) {
+        page.inFile = {};
+        page.known = {};
+    }
+}
+
+bool LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes,
+                           std::uint64_t place) {
+    if (offset + bytes.size() > format_.pageSize) return false;
+    Explain(page, offset, bytes);
+    if (bytes.size() == format_.pageSize) {
+        page.place = place;
+        page.image = {};
+        return true;
+    }
+    if (page.place != 0) {
+        page.image.resize(format_.pageSize);
+        log_->Read(page.place, page.image);
+        page.place = 0;
+    }
+    page.image.resize(format_.pageSize);
+    std::copy(bytes.begin(), bytes.end(), page.image.begin() + static_cast<std::ptrdiff_t>(offset));
     return true;
 }
 
 bool LogReplay::Belongs() const {
     if (!counterFits_ || dataSize_ > std::uint64_t{pageCount_} * format_.pageSize) return false;
-    return std::all_of(pages_.begin(), pages_.end(), [](const auto& entry) {
-        const auto& known = entry.second.known;
-        return std::find(known.begin(), known.end(), 0) == known.end();
-    });
+    return std::all_of(pages_.begin(), pages_.end(),
+                       [](const auto& entry) { return entry.second.known.empty(); });
+}
+
+void LogReplay::CopyPage(const LoggedPage& page, MutableBytes into) const {
+    if (page.place != 0) {
+        log_->Read(page.place, into);
+    } else if (page.image.empty()) {
+        std::fill(into.begin(), into.end(), std::byte{0});
+    } else {
+        std::copy(page.image.begin(), page.image.end(), into.begin());
+    }
 }
 
 bool LogReplay::IsInFile() const {
     if (dataSize_ != std::uint64_t{pageCount_} * format_.pageSize) return false;
-    return std::all_of(pages_.begin(), pages_.end(), [](const auto& entry) {
-        const LoggedPage& page = entry.second;
-        if (page.image.empty()) {
-            return std::all_of(page.inFile.begin(), page.inFile.end(),
-                               [](std::byte b) { return b == std::byte{0}; });
-        }
-        return page.image == page.inFile;
+    std::vector<std::byte> logged(format_.pageSize);
+    std::vector<std::byte> inFile(format_.pageSize);
+    return std::all_of(pages_.begin(), pages_.end(), [&](const auto& entry) {
+        CopyPage(entry.second, logged);
+        dataFile_.Read(std::uint64_t{entry.first} * format_.pageSize, inFile);
+        return logged == inFile;
     });
 }
 

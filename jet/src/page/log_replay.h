@@ -1,5 +1,6 @@
 // Replays a log in memory: what the data file's pages are after it, and whether it belongs to the
-// data file at all.
+// data file at all. Pages that lie whole in the log stay there, so that a large transaction takes
+// little memory.
 #pragma once
 
 #include <cstdint>
@@ -18,16 +19,17 @@ struct LogPosition {
     std::uint64_t end = 0;
     std::uint64_t checksum = 0;
     std::uint64_t operations = 0;
-    std::uint16_t lastCounter = 0;  // of the log's beginning or its last mark
+    std::uint16_t lastCounter = 0;  // of the log's beginning or its last checkpoint
     std::vector<bool> logged;       // by page
 };
 
 class LogReplay {
 public:
     struct LoggedPage {
-        std::vector<std::byte> image;     // after the last operation; empty: all zeros
-        std::vector<std::byte> inFile;    // as much of the page as the data file has
-        std::vector<std::uint8_t> known;  // bytes of inFile that the log explains
+        std::uint64_t place = 0;          // in the log, where all of it lies there; else 0
+        std::vector<std::byte> image;     // after the last commit, otherwise; empty: all zeros
+        std::vector<std::byte> inFile;    // as much of the page as the data file has, and
+        std::vector<std::uint8_t> known;  // which bytes of it the log explains; empty once all are
     };
 
     enum class Finding {
@@ -38,7 +40,7 @@ public:
 
     LogReplay(File& dataFile, const Format& format, std::uint16_t commitCounter);
 
-    // kIo when either file cannot be read.
+    // kIo when either file cannot be read. The log is read again by IsInFile.
     Finding Read(File& log);
 
     [[nodiscard]] std::uint32_t PageCount() const { return pageCount_; }
@@ -46,21 +48,29 @@ public:
     [[nodiscard]] const std::map<std::uint32_t, LoggedPage>& Pages() const { return pages_; }
     // True when the data file holds all of it already.
     [[nodiscard]] bool IsInFile() const;
+    // Bytes at the log's end that belong to nothing that was committed.
+    [[nodiscard]] std::uint64_t DiscardedBytes() const { return discardedBytes_; }
 
 private:
+    void FindCommittedEnd(LogReader reader);
     bool Apply(const LogReader& reader);
-    bool ApplyOperation(const LogReader& reader);
+    bool ApplyPages(const LogReader& reader);
     LoggedPage* StartPage(PageNumber page, LogBase base, Bytes image);
-    static bool ApplyRange(LoggedPage& page, std::size_t pageSize, std::size_t offset, Bytes bytes);
+    bool ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place);
+    static void Explain(LoggedPage& page, std::size_t offset, Bytes bytes);
+    void CopyPage(const LoggedPage& page, MutableBytes into) const;
     [[nodiscard]] bool Belongs() const;
 
     File& dataFile_;
+    File* log_ = nullptr;
     const Format& format_;
     std::uint16_t commitCounter_;
     std::uint64_t dataSize_;
     LogHeader header_;
     bool counterFits_ = false;
     std::uint32_t pageCount_ = 0;
+    std::uint64_t committedEnd_ = 0;
+    std::uint64_t discardedBytes_ = 0;
     LogPosition position_;
     std::map<std::uint32_t, LoggedPage> pages_;
 };

@@ -15,6 +15,8 @@ namespace {
 
 // The fewest pages that a cache is worth having for.
 constexpr std::size_t kSmallestCache = 32;
+// Pages that a transaction moves to the log at once.
+constexpr std::size_t kPagesOfPart = 128;
 constexpr std::uint32_t kReadAheadPages = 16;
 // Neighbouring pages go to the file in pieces of this size.
 constexpr std::size_t kWriteBytes = 256U << 10;
@@ -46,12 +48,18 @@ void Pager::Impl::Start(std::uint32_t pages, std::uint16_t commitCounter) {
 void Pager::Impl::Recover(const LogReplay& replay) {
     pageCount = replay.PageCount();
     for (const auto& [number, page] : replay.Pages()) {
+        if (page.place != 0) {
+            inLog_.Reserve(pageCount, 1);
+            inLog_.Enter(number, page.place);
+            continue;
+        }
         Frame& frame = cache_.Insert(number);
         std::memset(frame.bytes.get(), 0, format.pageSize);
         std::copy(page.image.begin(), page.image.end(), frame.bytes.get());
         frame.dirty = true;
         ++dirtyCount_;
     }
+    inLog_.Keep();
     journal_.Resume(replay.Position());
     MakeDurable();
 }
@@ -71,9 +79,9 @@ Frame& Pager::Impl::Fetch(PageNumber page) {
 // How many pages to read at once: one, unless pages are asked for in the order of the file.
 std::uint32_t Pager::Impl::ReadAhead(PageNumber page) const {
     std::uint32_t pages = 1;
-    if (page.value != nextInRow_) return pages;
+    if (page.value != nextInRow_ || inLog_.Find(page.value) != 0) return pages;
     while (pages < kReadAheadPages && page.value + pages < filePageCount &&
-           cache_.Find(page.value + pages) == nullptr) {
+           cache_.Find(page.value + pages) == nullptr && inLog_.Find(page.value + pages) == 0) {
         ++pages;
     }
     return pages;
@@ -96,11 +104,27 @@ Frame& Pager::Impl::Load(PageNumber page) {
     return frame;
 }
 
+// A page that is not in memory.
+void Pager::Impl::ReadStored(PageNumber page, MutableBytes into) {
+    if (const std::uint64_t place = inLog_.Find(page.value)) {
+        journal_.ReadPage(place, into);
+    } else {
+        file->Read(std::uint64_t{page.value} * format.pageSize, into);
+    }
+}
+
+void Pager::Impl::CopyPage(PageNumber page, MutableBytes into) {
+    if (const Frame* frame = cache_.Find(page.value)) {
+        std::copy_n(frame->bytes.get(), format.pageSize, into.begin());
+    } else {
+        ReadStored(page, into);
+    }
+}
+
 Frame& Pager::Impl::LoadAlone(PageNumber page) {
     Frame& frame = cache_.Insert(page.value);
     try {
-        file->Read(std::uint64_t{page.value} * format.pageSize,
-                   {frame.bytes.get(), format.pageSize});
+        ReadStored(page, {frame.bytes.get(), format.pageSize});
     } catch (...) {
         cache_.Drop(frame);
         throw;
@@ -117,8 +141,8 @@ void Pager::Impl::RequireOperation() const {
     if (!inOperation_) throw std::logic_error("no operation is open");
 }
 
-void Pager::Impl::CheckpointWhenDue() {
-    if (dirtyCount_ * format.pageSize > mostDirtyBytes_ || journal_.Size() > largestLog_) {
+void Pager::Impl::CheckpointWhenDue(std::size_t mostDirtyBytes) {
+    if (dirtyCount_ * format.pageSize > mostDirtyBytes || journal_.Size() > largestLog_) {
         MakeDurable();
     }
 }
@@ -128,7 +152,8 @@ void Pager::Impl::BeginTransaction() {
     if (inTransaction_) {
         throw Error(ErrorKind::kTransactionOpen, "A transaction is open already.");
     }
-    CheckpointWhenDue();
+    // Pages that are in memory only cannot be moved to the log by the transaction.
+    CheckpointWhenDue(mostDirtyBytes_ / 4);
     inTransaction_ = true;
     pagesBefore_ = pageCount;
 }
@@ -136,8 +161,10 @@ void Pager::Impl::BeginTransaction() {
 void Pager::Impl::BeginOperation() {
     RequireWritable();
     if (inOperation_) throw std::logic_error("operations do not nest");
-    if (!inTransaction_) {
-        CheckpointWhenDue();
+    if (inTransaction_) {
+        SpillWhenDue();
+    } else {
+        CheckpointWhenDue(mostDirtyBytes_);
         pagesBefore_ = pageCount;
     }
     inOperation_ = true;
@@ -175,26 +202,28 @@ void Pager::Impl::Append() {
     ++pageCount;
 }
 
+PageChange Pager::Impl::ChangeOf(const UndoImage& image) const {
+    const Bytes before = changed_.Before(image);
+    const Bytes after(image.frame->bytes.get(), format.pageSize);
+    return {.page = PageNumber{image.frame->number},
+            .fresh = image.fresh,
+            .before = before,
+            .after = after,
+            .firstDifference = FirstDifference(before, after, 0)};
+}
+
 void Pager::Impl::CollectChanges() {
     changes_.clear();
     for (const UndoImage& image : changed_.From(0)) {
-        const Bytes before = changed_.Before(image);
-        const Bytes after(image.frame->bytes.get(), format.pageSize);
-        const std::size_t difference = FirstDifference(before, after, 0);
-        if (image.fresh || difference < format.pageSize) {
-            changes_.push_back({.page = PageNumber{image.frame->number},
-                                .fresh = image.fresh,
-                                .before = before,
-                                .after = after,
-                                .firstDifference = difference});
-        }
+        const PageChange change = ChangeOf(image);
+        if (change.fresh || change.firstDifference < format.pageSize) changes_.push_back(change);
     }
 }
 
 // The moment of commitment.
 void Pager::Impl::WriteToLog() {
     CollectChanges();
-    if (changes_.empty()) return;
+    if (changes_.empty() && !journal_.HasParts()) return;
     journal_.Append(changes_, pageCount, {filePageCount, fileCounter});
     // Done: nothing from here on fails.
     for (const PageChange& change : changes_) {
@@ -202,7 +231,47 @@ void Pager::Impl::WriteToLog() {
         dirtyCount_ += frame.dirty ? 0 : 1;
         frame.dirty = true;
     }
+    inLog_.Keep();
     ++changeCount;
+}
+
+void Pager::Impl::SpillWhenDue() {
+    const std::size_t most = mostDirtyBytes_ / 4 / format.pageSize;
+    if (changed_.Size() < keptAtSpill_ + most) return;
+    Spill();
+    keptAtSpill_ = changed_.Size();
+    cache_.Shrink();
+}
+
+// Moves the pages of the open transaction to the log, from where they are read when they are needed
+// again. Those that were changed before, and are in neither file, stay: a rollback needs them.
+void Pager::Impl::Spill() {
+    std::vector<const UndoImage*> images;
+    images.reserve(changed_.Size());
+    for (const UndoImage& image : changed_.From(0)) {
+        if (!image.frame->dirty) images.push_back(&image);
+    }
+    inLog_.Reserve(pageCount, images.size());
+    try {
+        for (std::size_t at = 0; at < images.size(); at += kPagesOfPart) {
+            SpillPart(std::span(images).subspan(at, std::min(kPagesOfPart, images.size() - at)));
+        }
+    } catch (...) {
+        changed_.RemoveSettled();
+        throw;
+    }
+    changed_.RemoveSettled();
+}
+
+void Pager::Impl::SpillPart(std::span<const UndoImage* const> images) {
+    changes_.clear();
+    for (const UndoImage* image : images) changes_.push_back(ChangeOf(*image));
+    std::vector<std::uint64_t> places(images.size());
+    journal_.AppendPart(changes_, pageCount, {filePageCount, fileCounter}, places);
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        inLog_.Enter(images[i]->frame->number, places[i]);
+        images[i]->frame->inTransaction = false;
+    }
 }
 
 void Pager::Impl::CommitOperation() {
@@ -236,6 +305,12 @@ void Pager::Impl::CommitTransaction() {
 
 void Pager::Impl::RollbackTransaction() noexcept {
     UndoFrom(0);
+    // What is in memory of the pages that were moved to the log is of the transaction.
+    inLog_.Undo([this](std::uint32_t page) {
+        if (Frame* frame = cache_.Find(page)) cache_.Drop(*frame);
+    });
+    journal_.DropParts();
+    keptAtSpill_ = 0;
     pageCount = pagesBefore_;
     inTransaction_ = false;
 }
@@ -268,29 +343,38 @@ void Pager::Impl::EndOperation() noexcept {
 void Pager::Impl::ForgetChanges() noexcept {
     for (const UndoImage& image : changed_.From(0)) image.frame->inTransaction = false;
     changed_.CutTo(0);
+    keptAtSpill_ = 0;
 }
 
-void Pager::Impl::WriteDirtyPages() {
-    std::vector<Frame*> dirty;
-    cache_.ForEach([&](Frame& frame) {
-        if (frame.dirty) dirty.push_back(&frame);
+// The pages that are newer than the data file, in its order.
+std::vector<std::uint32_t> Pager::Impl::PagesBeyondFile() {
+    std::vector<std::uint32_t> pages;
+    cache_.ForEach([&](const Frame& frame) {
+        if (frame.dirty) pages.push_back(frame.number);
     });
-    std::sort(dirty.begin(), dirty.end(),
-              [](const Frame* a, const Frame* b) { return a->number < b->number; });
-    const auto fresh = std::find_if(dirty.begin(), dirty.end(), [this](const Frame* frame) {
-        return frame->number >= filePageCount;
+    inLog_.ForEach([&](std::uint32_t page) {
+        const Frame* frame = cache_.Find(page);
+        if (frame == nullptr || !frame->dirty) pages.push_back(page);
     });
-    WriteNewPages({fresh, dirty.end()});
-    WritePages({dirty.begin(), fresh});
+    std::sort(pages.begin(), pages.end());
+    return pages;
+}
+
+void Pager::Impl::WriteChangedPages() {
+    const std::vector<std::uint32_t> pages = PagesBeyondFile();
+    const auto fresh = std::lower_bound(pages.begin(), pages.end(), filePageCount);
+    WriteNewPages({fresh, pages.end()});
+    WritePages({pages.begin(), fresh});
     // A page stays dirty until the flush succeeded: after a failed one everything is written anew.
     file->Flush();
-    for (Frame* frame : dirty) frame->dirty = false;
+    cache_.ForEach([](Frame& frame) { frame.dirty = false; });
+    inLog_.Clear();
     dirtyCount_ = 0;
 }
 
 // They come first: a disk that has no room for them refuses before anything in the file is
 // overwritten, so the file alone is still complete.
-void Pager::Impl::WriteNewPages(std::span<Frame* const> pages) {
+void Pager::Impl::WriteNewPages(std::span<const std::uint32_t> pages) {
     if (pages.empty()) return;
     const std::uint64_t size = file->Size();
     try {
@@ -305,29 +389,29 @@ void Pager::Impl::WriteNewPages(std::span<Frame* const> pages) {
     }
 }
 
-void Pager::Impl::WritePages(std::span<Frame* const> pages) {
+void Pager::Impl::WritePages(std::span<const std::uint32_t> pages) {
     const std::size_t longest = kWriteBytes / format.pageSize;
     for (std::size_t begin = 0; begin < pages.size();) {
         std::size_t end = begin + 1;
-        while (end < pages.size() && end - begin < longest &&
-               pages[end]->number == pages[end - 1]->number + 1) {
+        while (end < pages.size() && end - begin < longest && pages[end] == pages[end - 1] + 1) {
             ++end;
         }
-        WriteRun(pages.subspan(begin, end - begin));
+        WriteRun(pages[begin], end - begin);
         begin = end;
     }
 }
 
-void Pager::Impl::WriteRun(std::span<Frame* const> run) {
-    const std::uint64_t offset = std::uint64_t{run.front()->number} * format.pageSize;
-    if (run.size() == 1) {
-        file->Write(offset, {run.front()->bytes.get(), format.pageSize});
+void Pager::Impl::WriteRun(std::uint32_t first, std::size_t count) {
+    const std::uint64_t offset = std::uint64_t{first} * format.pageSize;
+    const Frame* frame = cache_.Find(first);
+    if (count == 1 && frame != nullptr) {
+        file->Write(offset, {frame->bytes.get(), format.pageSize});
         return;
     }
-    std::vector<std::byte> bytes;
-    bytes.reserve(run.size() * format.pageSize);
-    for (const Frame* frame : run) {
-        bytes.insert(bytes.end(), frame->bytes.get(), frame->bytes.get() + format.pageSize);
+    std::vector<std::byte> bytes(count * format.pageSize);
+    for (std::size_t i = 0; i < count; ++i) {
+        CopyPage(PageNumber{first + static_cast<std::uint32_t>(i)},
+                 MutableBytes(bytes).subspan(i * format.pageSize, format.pageSize));
     }
     file->Write(offset, bytes);
 }
@@ -342,13 +426,13 @@ void Pager::Impl::MakeDurable() {
     if (PutBackIfRemoved()) return;
     RequireUntouched();
     Frame& headerPage = Fetch(PageNumber{0});
-    const std::uint16_t counter = journal_.Mark();
+    const std::uint16_t counter = journal_.WriteCheckpoint();
     journal_.Flush();
     WriteCommitCounter({headerPage.bytes.get(), format.pageSize}, format, counter);
     dirtyCount_ += headerPage.dirty ? 0 : 1;
     headerPage.dirty = true;
     writeFailed_ = true;
-    WriteDirtyPages();
+    WriteChangedPages();
     writeFailed_ = false;
     filePageCount = pageCount;
     fileCounter = counter;

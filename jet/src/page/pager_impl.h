@@ -8,6 +8,7 @@
 #include "page/frame_cache.h"
 #include "page/journal.h"
 #include "page/pager.h"
+#include "page/pages_in_log.h"
 #include "page/undo_images.h"
 
 namespace jet {
@@ -65,7 +66,11 @@ private:
     [[nodiscard]] std::uint32_t ReadAhead(PageNumber page) const;
     void RequireWritable() const;
     void RequireOperation() const;
-    void CheckpointWhenDue();
+    void CheckpointWhenDue(std::size_t mostDirtyBytes);
+    void SpillWhenDue();
+    void Spill();
+    void SpillPart(std::span<const UndoImage* const> images);
+    [[nodiscard]] PageChange ChangeOf(const UndoImage& image) const;
     void EndOperation() noexcept;
     void ForgetChanges() noexcept;
     void UndoFrom(std::size_t first) noexcept;
@@ -76,10 +81,13 @@ private:
     void PutBack();
     void KeepBeside();
     std::unique_ptr<File> WriteAnew(const std::filesystem::path& to, std::uint16_t counter);
-    void WriteDirtyPages();
-    void WriteNewPages(std::span<Frame* const> pages);
-    void WritePages(std::span<Frame* const> pages);
-    void WriteRun(std::span<Frame* const> run);
+    void ReadStored(PageNumber page, MutableBytes into);
+    void CopyPage(PageNumber page, MutableBytes into);
+    [[nodiscard]] std::vector<std::uint32_t> PagesBeyondFile();
+    void WriteChangedPages();
+    void WriteNewPages(std::span<const std::uint32_t> pages);
+    void WritePages(std::span<const std::uint32_t> pages);
+    void WriteRun(std::uint32_t first, std::size_t count);
 
     std::size_t mostDirtyBytes_;
     std::uint64_t largestLog_;
@@ -95,6 +103,8 @@ private:
     std::size_t firstOfOperation_ = 0;        // those from here on, by the operation
     UndoImages savepoint_;  // pages that the operation changed after the transaction had done so
     std::vector<PageChange> changes_;
+    PagesInLog inLog_;
+    std::size_t keptAtSpill_ = 0;  // pages that could not be moved to the log
     std::size_t dirtyCount_ = 0;
     // An attempt to write the file failed, so that its counter may be any that was tried.
     bool writeFailed_ = false;

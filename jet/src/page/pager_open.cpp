@@ -94,6 +94,7 @@ void RemoveOutlived(FileSystem& files, const std::filesystem::path& log, std::ui
 
 struct FoundLog {
     LogReplay::Finding finding = LogReplay::Finding::kNothing;
+    std::unique_ptr<File> file;
     std::unique_ptr<LogReplay> replay;
 };
 
@@ -101,9 +102,8 @@ FoundLog LookForLog(FileSystem& files, const std::filesystem::path& log, File& d
                     const Format& format, std::uint16_t counter) {
     FoundLog found;
     if (!files.Exists(log)) return found;
-    std::unique_ptr<File> file;
     try {
-        file = files.Open(log, OpenMode::kReadOnly);
+        found.file = files.Open(log, OpenMode::kReadOnly);
     } catch (const Error& error) {
         // A folder, a pipe or a link that leads nowhere holds no changes.
         if (error.Kind() != ErrorKind::kNotADatabase && error.Kind() != ErrorKind::kFileNotFound) {
@@ -114,7 +114,7 @@ FoundLog LookForLog(FileSystem& files, const std::filesystem::path& log, File& d
         return found;
     }
     found.replay = std::make_unique<LogReplay>(dataFile, format, counter);
-    found.finding = found.replay->Read(*file);
+    found.finding = found.replay->Read(*found.file);
     return found;
 }
 
@@ -161,6 +161,9 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
     const std::uint16_t counter = ReadCounterOf(*file, format);
     const FoundLog found = LookForLog(files, log, *file, format, counter);
     const bool pending = found.finding == Finding::kPending;
+    if (found.replay && found.finding != Finding::kForeign) {
+        recovery.discardedBytes = found.replay->DiscardedBytes();
+    }
     const std::uint64_t size = file->Size();
     CheckLength(pending ? std::uint64_t{found.replay->PageCount()} * format.pageSize : size,
                 format);

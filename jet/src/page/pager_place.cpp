@@ -64,6 +64,7 @@ void Pager::Impl::PutBack() {
     WriteCommitCounter({Fetch(PageNumber{0}).bytes.get(), format.pageSize}, format, counter);
     cache_.ForEach([](Frame& frame) { frame.dirty = false; });
     dirtyCount_ = 0;
+    inLog_.Clear();
     filePageCount = pageCount;
     fileCounter = counter;
     writeFailed_ = false;
@@ -103,12 +104,7 @@ std::unique_ptr<File> Pager::Impl::WriteAnew(const std::filesystem::path& to,
         copy->Truncate(0);
         std::vector<std::byte> page(format.pageSize);
         for (std::uint32_t number = 0; number < pageCount; ++number) {
-            const Frame* frame = cache_.Find(number);
-            if (frame != nullptr) {
-                std::copy_n(frame->bytes.get(), format.pageSize, page.begin());
-            } else {
-                file->Read(std::uint64_t{number} * format.pageSize, page);
-            }
+            CopyPage(PageNumber{number}, page);
             if (number == 0) WriteCommitCounter(page, format, counter);
             copy->Write(std::uint64_t{number} * format.pageSize, page);
         }

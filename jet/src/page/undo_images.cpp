@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace jet {
 
@@ -30,6 +31,14 @@ void UndoImages::Add(Frame& frame, bool fresh) {
 
 void UndoImages::Restore(const UndoImage& image) const noexcept {
     std::memcpy(image.frame->bytes.get(), image.before.get(), pageSize_);
+}
+
+void UndoImages::RemoveSettled() noexcept {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < size_; ++i) {
+        if (images_[i].frame->inTransaction) std::swap(images_[kept++], images_[i]);
+    }
+    CutTo(kept);
 }
 
 void UndoImages::CutTo(std::size_t size) noexcept {

@@ -33,6 +33,8 @@ public:
     void Add(Frame& frame, bool fresh);
     // Puts the bytes of a page back that is not fresh.
     void Restore(const UndoImage& image) const noexcept;
+    // Forgets the images of pages that are no longer of the transaction.
+    void RemoveSettled() noexcept;
     // Forgets all images from this one on. Some of their memory is kept for the next ones.
     void CutTo(std::size_t size) noexcept;
 
