@@ -32,10 +32,16 @@ std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Ve
 
 std::unique_ptr<Database> Database::Create(const std::filesystem::path& path, Version version,
                                            const OpenOptions& options, FileSystem& files) {
+    return Impl::Create(path, version, options, files, nullptr);
+}
+
+std::unique_ptr<Database> Database::Impl::Create(const std::filesystem::path& path, Version version,
+                                                 const OpenOptions& options, FileSystem& files,
+                                                 File* like) {
     return Guarded([&] {
         OpenOptions forWriting = options;
         forWriting.readOnly = false;
-        std::unique_ptr<Pager> pager = Pager::Create(files, path, version, forWriting);
+        std::unique_ptr<Pager> pager = Pager::Create(files, path, version, forWriting, like);
         try {
             {
                 Operation operation(*pager);

@@ -153,14 +153,9 @@ int ShowIndex(const char* path, const std::string& name) {
 }
 
 int ShowPage(const char* path, const std::string& number) {
-    const auto file = jet::HostFileSystem().Open(path, jet::OpenMode::kReadOnly);
-    std::vector<std::byte> head(jet::kHeaderPrefix);
-    if (file->Size() < head.size()) {
-        throw jet::Error(jet::ErrorKind::kNotADatabase, "The file is not a database.");
-    }
-    file->Read(0, head);
-    const jet::Format& format = jet::FormatOf(jet::ReadFileHeader(head).version);
-    const jet::FilePages pages(*file, format.pageSize);
+    const jet::InspectedFile inspected = jet::OpenForInspection(path, jet::HostFileSystem());
+    const jet::Format& format = jet::FormatOf(inspected.header.version);
+    const jet::FilePages pages(inspected);
     char* end = nullptr;
     const unsigned long page = std::strtoul(number.c_str(), &end, 10);
     if (number.empty() || *end != '\0' || page >= pages.PageCount()) {

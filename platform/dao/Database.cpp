@@ -44,20 +44,8 @@ jet::IndexSchema ToSchema(const IndexDefinition& definition) {
     return index;
 }
 
-// Several readers do not disturb each other; writing is needed only where a run that ended early
-// left something to be brought in.
-std::unique_ptr<jet::Database> OpenForReading(const std::filesystem::path& path) {
-    try {
-        return jet::Database::Open(path, {.exclusive = false, .readOnly = true});
-    } catch (const jet::Error& error) {
-        if (error.Kind() != jet::ErrorKind::kReadOnly) {
-            throw;
-        }
-        return jet::Database::Open(path, {.exclusive = false, .readOnly = false});
-    }
-}
-
 std::unique_ptr<jet::Database> OpenFile(const std::filesystem::path& path, OpenMode mode) {
+    const jet::OpenOptions reading{.exclusive = false, .readOnly = true};
     switch (mode) {
         case OpenMode::kExclusive:
             return jet::Database::Open(path, {.exclusive = true, .readOnly = false});
@@ -65,12 +53,12 @@ std::unique_ptr<jet::Database> OpenFile(const std::filesystem::path& path, OpenM
             try {
                 return jet::Database::Open(path, {.exclusive = false, .readOnly = false});
             } catch (const jet::Error&) {
-                return jet::Database::Open(path, {.exclusive = false, .readOnly = true});
+                return jet::Database::Open(path, reading);
             }
         case OpenMode::kReading:
             break;
     }
-    return OpenForReading(path);
+    return jet::Database::Open(path, reading);
 }
 
 }  // namespace
@@ -151,8 +139,12 @@ int Database::RecoveredOperations() const {
 }
 
 QString Database::KeptLog() const {
-    const std::filesystem::path log = database_->OpeningRecovery().keptLog.filename();
-    return platform::ShownPath(platform::FromNativePath(log.string().c_str()));
+    QStringList names;
+    for (const std::filesystem::path& log : database_->OpeningRecovery().keptLogs) {
+        const std::string name = log.filename().string();
+        names << platform::ShownPath(platform::FromNativePath(name.c_str()));
+    }
+    return names.join(QStringLiteral("\", \""));
 }
 
 std::uint64_t Database::PendingOperations() const {

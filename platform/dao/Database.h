@@ -80,7 +80,8 @@ public:
     void AppendTable(const TableDefinition& table);
     // Operations of an interrupted run that opening brought in.
     [[nodiscard]] int RecoveredOperations() const;
-    // The name of a log that opening set aside although it may hold changes that the file lacks.
+    // The names of logs beside the file that hold changes which it lacks; empty when there are
+    // none.
     [[nodiscard]] QString KeptLog() const;
     // Operations that MakeDurable has not brought into the file.
     [[nodiscard]] std::uint64_t PendingOperations() const;

@@ -215,7 +215,7 @@ TEST(LogFound, ThatIsNoFile_IsSetAsideWithoutAWord) {
     ASSERT_EQ(::mkfifo(log.c_str(), 0600), 0);
     const auto besidePipe = Database::Open(path);
     EXPECT_TRUE(besidePipe->OpeningRecovery().foreignLogIgnored);
-    EXPECT_TRUE(besidePipe->OpeningRecovery().keptLog.empty());
+    EXPECT_TRUE(besidePipe->OpeningRecovery().keptLogs.empty());
     besidePipe->Close();
     fs::create_symlink("nowhere", log);
     const auto besideLink = Database::Open(path);
@@ -236,7 +236,7 @@ TEST(LogFound, BesideAnOlderCopy_IsKeptAndNamed) {
     Overwrite(left, older);
     fs::copy_file(path.string() + "-log", left.string() + "-log");
     const auto restored = Database::Open(left);
-    EXPECT_EQ(restored->OpeningRecovery().keptLog.filename(), "left.mdb-log-old");
+    EXPECT_EQ(restored->OpeningRecovery().keptLogs.front().filename(), "left.mdb-log-old");
     EXPECT_FALSE(restored->HasTable("Zones"));
     EXPECT_FALSE(restored->HasTable("Costs"));
     restored->Close();

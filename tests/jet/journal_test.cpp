@@ -12,6 +12,8 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/checksum.h"
+#include "page/log_format.h"
 #include "page/pager.h"
 #include "page/pager_impl.h"
 #include "support/fault_file_system.h"
@@ -457,14 +459,18 @@ TEST_P(JournalTest, Open_WithPendingLog_BringsItInAndSaysSo) {
     EXPECT_TRUE(files_.Contents(kLog).empty());
 }
 
-TEST_P(JournalTest, Open_ReadOnlyWithPendingLog_IsRefusedAndTouchesNothing) {
+TEST_P(JournalTest, Open_ReadOnlyWithPendingLog_ShowsItAndTouchesNothing) {
     const Pair pair = LeaveLog(files_, 5);
     Recovery recovery;
-    try {
-        Pager::Open(files_, kFile, {.exclusive = false, .readOnly = true}, recovery);
-        FAIL() << "opened without what the log holds";
-    } catch (const Error& error) {
-        EXPECT_EQ(error.Kind(), ErrorKind::kReadOnly);
+    {
+        const auto reader =
+            Pager::Open(files_, kFile, {.exclusive = false, .readOnly = true}, recovery);
+        const auto beside =
+            Pager::Open(files_, kFile, {.exclusive = false, .readOnly = true}, recovery);
+        EXPECT_TRUE(recovery.applied);
+        EXPECT_EQ(recovery.operations, 2U);
+        EXPECT_EQ(Take(*reader), pair.state);
+        EXPECT_EQ(Take(*beside), pair.state);
     }
     EXPECT_EQ(files_.Contents(kFile), pair.file);
     EXPECT_EQ(files_.Contents(kLog), pair.log);
@@ -566,14 +572,91 @@ TEST_P(JournalTest, BeginningOfALog_ThatIsInTheFileAsAWhole_IsNotReplayed) {
     ExpectForeign(files_.Contents(kFile), log);
 }
 
-TEST_P(JournalTest, LogSetAside_ThatTheFileHasOutlived_GoesAtTheNextOpening) {
-    files_.SetContents(kLog, BeginningOfAnEmptiedLog(files_));
-    const auto contents = files_.Contents(kFile);
-    OpenFile(files_)->Close();
-    EXPECT_EQ(files_.Names().size(), 2U);
-    OpenFile(files_)->Close();
-    EXPECT_EQ(files_.Names(), std::vector<std::string>{kFile});
-    EXPECT_EQ(files_.Contents(kFile), contents);
+TEST_P(JournalTest, LogSetAside_IsReportedUntilItIsRemoved) {
+    const std::vector<std::byte> beginning = BeginningOfAnEmptiedLog(files_);
+    files_.SetContents(kLog, beginning);
+    const std::filesystem::path kept = std::string(kLog) + "-old";
+    for (int opening = 0; opening < 3; ++opening) {
+        Recovery recovery;
+        OpenFile(files_, &recovery)->Close();
+        EXPECT_EQ(recovery.keptLogs, std::vector{kept}) << opening;
+        EXPECT_EQ(files_.Contents(kept.string()), beginning) << opening;
+    }
+    files_.Remove(kept);
+    Recovery recovery;
+    OpenFile(files_, &recovery)->Close();
+    EXPECT_TRUE(recovery.keptLogs.empty());
+}
+
+// Another program counts up its own counter, whichever of them that is.
+TEST_P(JournalTest, Log_BesideAFileThatAnotherProgramCommittedTo_IsKeptAndReported) {
+    const Pair pair = LeaveLog(files_, 5);
+    const std::size_t counters = CommitCounterOffset(FormatOf(GetParam()));
+    for (const std::size_t slot : {std::size_t{0}, std::size_t{1}, std::size_t{255}}) {
+        for (const int commits : {1, 5, 1000}) {
+            auto file = pair.file;
+            const std::size_t at = counters + 2 * slot;
+            WriteU16(file, at, static_cast<std::uint16_t>(ReadU16(file, at) + commits));
+            ExpectForeign(file, pair.log);
+        }
+    }
+}
+
+TEST_P(JournalTest, MakeDurable_AfterAnotherProgramCommitted_IsRefusedAndLosesNothing) {
+    const std::size_t counters = CommitCounterOffset(FormatOf(GetParam()));
+    for (const std::size_t slot : {std::size_t{0}, std::size_t{1}, std::size_t{255}}) {
+        const auto files = files_.Copy();
+        std::vector<std::byte> foreign;
+        {
+            const auto pager = OpenFile(*files);
+            std::mt19937 draw(5);
+            ChangeSomething(*pager, draw);
+            foreign = files->Contents(kFile);
+            const std::size_t at = counters + 2 * slot;
+            WriteU16(foreign, at, static_cast<std::uint16_t>(ReadU16(foreign, at) + 1));
+            const auto file = files->Open(kFile, OpenMode::kReadWrite);
+            file->Write(0, foreign);
+            EXPECT_THROW(pager->MakeDurable(), Error) << slot;
+            EXPECT_THROW(pager->Close(), Error) << slot;
+        }
+        EXPECT_EQ(files->Contents(kFile), foreign) << slot;
+        Recovery recovery;
+        OpenFile(*files, &recovery)->Close();
+        EXPECT_EQ(recovery.keptLogs.size(), 1U) << slot;
+        EXPECT_EQ(files->Contents(kFile), foreign) << slot;
+    }
+}
+
+TEST_P(JournalTest, Log_OfALaterVersion_IsRefusedAndStays) {
+    Pair pair = LeaveLog(files_, 5);
+    WriteU16(pair.log, 26, kLogVersion + 1);
+    WriteU64(pair.log, kLogHeaderSize - kLogChecksumSize,
+             Checksum(Bytes(pair.log).first(kLogHeaderSize - kLogChecksumSize), 0));
+    files_.SetContents(kLog, pair.log);
+    for (const bool readOnly : {false, true}) {
+        Recovery recovery;
+        try {
+            OpenOptions options;
+            options.readOnly = readOnly;
+            Pager::Open(files_, kFile, options, recovery);
+            FAIL() << "nobody knows what that log says";
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::kUnsupportedVersion);
+        }
+        EXPECT_EQ(files_.Contents(kFile), pair.file);
+        EXPECT_EQ(files_.Contents(kLog), pair.log);
+    }
+}
+
+TEST_P(JournalTest, CutTail_IsReported) {
+    Pair pair = LeaveLog(files_, 5);
+    pair.log.insert(pair.log.end(), 100, std::byte{0x55});
+    files_.SetContents(kLog, pair.log);
+    Recovery recovery;
+    const auto pager = OpenFile(files_, &recovery);
+    EXPECT_EQ(recovery.operations, 2U);
+    EXPECT_EQ(recovery.discardedBytes, 100U);
+    EXPECT_EQ(Take(*pager), pair.state);
 }
 
 TEST_P(JournalTest, LogSetAside_OfALaterStateOfTheFile_Stays) {

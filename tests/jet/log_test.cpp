@@ -51,7 +51,8 @@ protected:
             log, {.pageSize = static_cast<std::uint32_t>(pageSize_),
                   .pageCount = kPages,
                   .salt = 7,
-                  .commitCounter = ReadCommitCounter(firstPage, FormatOf(GetParam()))});
+                  .commitCounter = ReadCommitCounter(firstPage, FormatOf(GetParam())),
+                  .otherCounters = OtherCounters(firstPage, FormatOf(GetParam()))});
         const Bytes before = Bytes(file_).subspan(kPage.value * pageSize_, pageSize_);
         Contents after(before.begin(), before.end());
         after[500] ^= std::byte{1};

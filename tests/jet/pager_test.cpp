@@ -191,7 +191,7 @@ TEST_P(PagerTest, LogsThatDoNotBelong_ArePutAsideUnderNamesThatAreFree) {
     for (const char* name : {"-old", "-old2", "-old3"}) {
         EXPECT_TRUE(files_->Exists(std::string("a file.mdb-log") + name)) << name;
     }
-    // After the hundredth name the last one serves again.
+    // Beyond that one that holds nothing gives its name.
     for (int round = 0; round < 100; ++round) {
         files_->Open("a file.mdb-log", OpenMode::kCreateNew)
             ->Write(0, std::vector<std::byte>(700, std::byte{8}));

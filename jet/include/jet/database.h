@@ -37,15 +37,16 @@ struct Query;
 
 // What opening found to do before the file could be used.
 struct Recovery {
-    bool applied = false;            // operations of an interrupted run were brought in
-    std::uint64_t operations = 0;    // how many
+    bool applied = false;          // operations of an interrupted run were recovered
+    std::uint64_t operations = 0;  // how many
     // At the end of its log: of operations and transactions that were cut off, and of transactions
     // that had not been committed.
     std::uint64_t discardedBytes = 0;
     bool foreignLogIgnored = false;  // a log lay there that does not belong to this file
-    // Where it was set aside, when it may hold changes that the file lacks: an older copy has been
-    // put in the file's place, say.
-    std::filesystem::path keptLog;
+    // Logs beside the file that hold changes which it lacks: an older copy has been put in the
+    // file's place, say, or another program has written to it. They are kept, and named at every
+    // opening, until a person removes them.
+    std::vector<std::filesystem::path> keptLogs;
 };
 
 class Database {

@@ -60,6 +60,17 @@ public:
 
     [[nodiscard]] virtual std::unique_ptr<File> Open(const std::filesystem::path& path,
                                                      OpenMode mode) = 0;
+    // The same for a file beside a data file; never through a link (kNotADatabase).
+    [[nodiscard]] virtual std::unique_ptr<File> OpenBeside(const std::filesystem::path& path,
+                                                           OpenMode mode) {
+        return Open(path, mode);
+    }
+    // Makes a file with the access rights and the group of `model`, and never through a link.
+    // Errors of OpenMode::kCreateNew.
+    [[nodiscard]] virtual std::unique_ptr<File> CreateLike(const std::filesystem::path& path,
+                                                           File& /*model*/) {
+        return Open(path, OpenMode::kCreateNew);
+    }
     [[nodiscard]] virtual bool Exists(const std::filesystem::path& path) = 0;
     virtual void Remove(const std::filesystem::path& path) = 0;
     // Gives the file its new name at one stroke; a file that had it is replaced.

@@ -21,7 +21,7 @@ using Logger = std::function<void(LogLevel level, std::string_view sentence)>;
 struct OpenOptions {
     // Nobody else can open the file. Openings for reading with `exclusive = false` share it.
     bool exclusive = true;
-    // Never writes, not even the recovery of a log: such a file is then refused with kReadOnly.
+    // Never writes. What a log holds that waits to be recovered is shown from memory.
     bool readOnly = false;
 
     // Memory for pages that are as in the file; those that were changed are kept besides.

@@ -233,27 +233,40 @@ private:
     bool pagesLost_ = false;
 };
 
+void NoteLog(const FoundLog& log, Findings& findings) {
+    if (log.finding == LogReplay::Finding::kPending) {
+        findings.Note({}, "log-pending",
+                      "A log lies beside the file with " +
+                          std::to_string(log.replay->Position().operations) +
+                          " operations of an interrupted run. The file is checked as opening it "
+                          "recovers it.");
+    } else if (log.finding == LogReplay::Finding::kForeign) {
+        findings.Note({}, "log-foreign",
+                      "A log lies beside the file that does not belong to its present state. The "
+                      "file is checked without it.");
+    }
+}
+
 }  // namespace
 
 CheckReport CheckFile(const std::filesystem::path& path, FileSystem& files) {
     return Guarded([&] {
-        const auto [file, header] = OpenForInspection(path, files);
+        const InspectedFile inspected = OpenForInspection(path, files);
+        const FileHeader& header = inspected.header;
+        File* const file = inspected.file.get();
         const std::uint32_t pageSize = FormatOf(header.version).pageSize;
         CheckReport report;
         Findings findings(report);
-        if (file->Size() % pageSize != 0) {
+        const bool pending = inspected.log.finding == LogReplay::Finding::kPending;
+        if (!pending && file->Size() % pageSize != 0) {
             findings.Error({}, "file-length", "The file ends in the middle of a page.");
         }
-        if (file->Size() / pageSize < kSmallestPageCount) {
+        if (!pending && file->Size() / pageSize < kSmallestPageCount) {
             findings.Error({}, "file-length", "The file is shorter than an empty database.");
             return report;
         }
-        if (files.Exists(LogPath(path))) {
-            findings.Note({}, "log-pending",
-                          "A log lies beside the file; opening the database brings in what an "
-                          "interrupted run left there. The file is checked without it.");
-        }
-        const FilePages pages(*file, pageSize);
+        NoteLog(inspected.log, findings);
+        const FilePages pages(inspected);
         FileCheck(pages, header, report).Run();
         return report;
     });

@@ -4,11 +4,13 @@
 
 #include "check/findings.h"
 #include "jet/error.h"
+#include "page/pager_impl.h"
 
 namespace jet {
 
 InspectedFile OpenForInspection(const std::filesystem::path& path, FileSystem& files) {
-    InspectedFile opened{files.Open(path, OpenMode::kReadOnly), {}};
+    const std::filesystem::path resolved = files.Resolve(path);
+    InspectedFile opened{files.Open(resolved, OpenMode::kReadOnly), {}, {}};
     if (!opened.file->TryLock(false)) {
         throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
     }
@@ -18,6 +20,11 @@ InspectedFile OpenForInspection(const std::filesystem::path& path, FileSystem& f
     }
     opened.file->Read(0, head);
     opened.header = ReadFileHeader(head);
+    const Format& format = FormatOf(opened.header.version);
+    std::vector<std::byte> headerPage(format.pageSize);
+    if (opened.file->Size() < headerPage.size()) return opened;
+    opened.file->Read(0, headerPage);
+    opened.log = LookForLog(files, LogPath(resolved), *opened.file, format, headerPage);
     return opened;
 }
 
@@ -30,13 +37,23 @@ std::vector<std::byte> PageSource::Read(std::uint32_t page) const {
     return bytes;
 }
 
-FilePages::FilePages(File& file, std::uint32_t pageSize)
-    : file_(file),
-      pageSize_(pageSize),
-      pageCount_(static_cast<std::uint32_t>(file.Size() / pageSize)) {}
+FilePages::FilePages(const InspectedFile& inspected)
+    : file_(*inspected.file),
+      replay_(inspected.log.finding == LogReplay::Finding::kPending ? inspected.log.replay.get()
+                                                                    : nullptr),
+      pageSize_(FormatOf(inspected.header.version).pageSize),
+      pageCount_(replay_ != nullptr ? replay_->PageCount()
+                                    : static_cast<std::uint32_t>(file_.Size() / pageSize_)) {}
 
 void FilePages::ReadInto(std::uint32_t page, std::vector<std::byte>& into) const {
     into.resize(pageSize_);
+    if (replay_ != nullptr) {
+        const auto logged = replay_->Pages().find(page);
+        if (logged != replay_->Pages().end()) {
+            replay_->CopyPage(logged->second, into);
+            return;
+        }
+    }
     file_.Read(std::uint64_t{page} * pageSize_, into);
 }
 

@@ -6,19 +6,23 @@
 #include <vector>
 
 #include "jet/file.h"
+#include "page/found_log.h"
 #include "page/header.h"
 #include "page/pager.h"
 #include "page/types.h"
 
 namespace jet {
 
-// A file that is only looked at, whatever state it is in, and nobody else may change meanwhile.
+// A file that is only looked at, whatever state it is in, and nobody else may change meanwhile; and
+// the log beside it, whose pages take the place of the file's when it belongs to it.
 struct InspectedFile {
     std::unique_ptr<File> file;
     FileHeader header;
+    FoundLog log;
 };
 
-// Throws kFileInUse, kNotADatabase and whatever else reading the header throws.
+// The name may be a link. Throws kFileInUse, kNotADatabase and whatever else reading the header
+// throws.
 InspectedFile OpenForInspection(const std::filesystem::path& path, FileSystem& files);
 
 class PageSource {
@@ -38,13 +42,15 @@ protected:
 
 class FilePages : public PageSource {
 public:
-    FilePages(File& file, std::uint32_t pageSize);
+    // Refers to it.
+    explicit FilePages(const InspectedFile& inspected);
     [[nodiscard]] std::uint32_t PageCount() const override { return pageCount_; }
 
 private:
     void ReadInto(std::uint32_t page, std::vector<std::byte>& into) const override;
 
     File& file_;
+    const LogReplay* replay_;  // null where the file alone counts
     std::uint32_t pageSize_;
     std::uint32_t pageCount_;
 };

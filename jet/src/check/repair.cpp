@@ -23,6 +23,7 @@
 #include "page/bytes.h"
 #include "page/header.h"
 #include "page/pager_impl.h"
+#include "recordset/open_file.h"
 
 namespace jet {
 
@@ -377,16 +378,18 @@ private:
 RepairReport RepairFile(const std::filesystem::path& source, const std::filesystem::path& target,
                         FileSystem& files) {
     return Guarded([&] {
-        const auto [file, header] = OpenForInspection(source, files);
-        const FilePages pages(*file, FormatOf(header.version).pageSize);
-        auto database = Database::Create(target, header.version, files);
+        const InspectedFile inspected = OpenForInspection(source, files);
+        const FileHeader& header = inspected.header;
+        const FilePages pages(inspected);
+        auto database =
+            Database::Impl::Create(target, header.version, {}, files, inspected.file.get());
         try {
             RepairReport report = Repair(pages, header, *database).Run();
             database->Close();
-            if (files.Exists(LogPath(source))) {
+            if (inspected.log.finding == LogReplay::Finding::kForeign) {
                 report.losses.push_back(
-                    "A log lies beside the file; what an interrupted run left there is not carried "
-                    "over. Opening the file, where that is possible, brings it in.");
+                    "A log lies beside the file that does not belong to its present state; what it "
+                    "holds is not carried over.");
             }
             return report;
         } catch (...) {

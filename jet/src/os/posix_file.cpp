@@ -30,6 +30,20 @@ public:
 
     void Take(int descriptor) { descriptor_ = descriptor; }
 
+    // Gives the file, which is new, the access rights and the group of another one. Where the group
+    // cannot be given, its members get nothing.
+    void Resemble(const PosixFile& model) const {
+        struct stat wanted {};
+        struct stat mine {};
+        if (::fstat(model.descriptor_, &wanted) != 0 || ::fstat(descriptor_, &mine) != 0) return;
+        mode_t mode = (wanted.st_mode & 0777) | S_IRUSR | S_IWUSR;
+        if (mine.st_gid != wanted.st_gid &&
+            ::fchown(descriptor_, static_cast<uid_t>(-1), wanted.st_gid) != 0) {
+            mode &= ~static_cast<mode_t>(S_IRWXG);
+        }
+        static_cast<void>(::fchmod(descriptor_, mode));
+    }
+
     void Read(std::uint64_t offset, std::span<std::byte> into) override {
         while (!into.empty()) {
             const ssize_t got = Retrying([&] {
@@ -79,6 +93,7 @@ public:
     // The lock belongs to this opening, not to the process: another handle on the same file, in
     // this process too, neither shares it nor drops it by closing.
     bool TryLock(bool exclusive) override {
+        if (IsHeldByRecordLock(exclusive)) return false;
         const int how = (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB;
         if (Retrying([&] { return ::flock(descriptor_, how); }) == 0) return true;
         if (errno == EWOULDBLOCK) return false;
@@ -102,6 +117,20 @@ public:
     }
 
 private:
+    // Some programs lock ranges of a file, which the lock of a whole file does not conflict with.
+    [[nodiscard]] bool IsHeldByRecordLock(bool exclusive) const {
+#if defined(F_OFD_GETLK)
+        constexpr int kQuestion = F_OFD_GETLK;
+#else
+        constexpr int kQuestion = F_GETLK;
+#endif
+        struct flock lock {};
+        lock.l_type = static_cast<short>(exclusive ? F_WRLCK : F_RDLCK);
+        lock.l_whence = SEEK_SET;
+        // Where the file system cannot answer, no program can have locked anything.
+        return ::fcntl(descriptor_, kQuestion, &lock) == 0 && lock.l_type != F_UNLCK;
+    }
+
     int descriptor_ = -1;
 };
 
@@ -124,11 +153,31 @@ int FlagsOf(OpenMode mode) {
 class PosixFileSystem final : public FileSystem {
 public:
     std::unique_ptr<File> Open(const std::filesystem::path& path, OpenMode mode) override {
+        return OpenWith(path, mode, 0, 0666);
+    }
+
+    std::unique_ptr<File> OpenBeside(const std::filesystem::path& path, OpenMode mode) override {
+        return OpenWith(path, mode, O_NOFOLLOW, 0600);
+    }
+
+    std::unique_ptr<File> CreateLike(const std::filesystem::path& path, File& model) override {
+        auto file = OpenWith(path, OpenMode::kCreateNew, O_NOFOLLOW, 0600);
+        if (const auto* other = dynamic_cast<const PosixFile*>(&model)) file->Resemble(*other);
+        return file;
+    }
+
+    std::unique_ptr<PosixFile> OpenWith(const std::filesystem::path& path, OpenMode mode, int flags,
+                                        mode_t rights) const {
         // Made first: without memory for it the descriptor would never be closed.
         auto file = std::make_unique<PosixFile>();
-        const int descriptor = Retrying([&] { return ::open(path.c_str(), FlagsOf(mode), 0666); });
+        const int descriptor =
+            Retrying([&] { return ::open(path.c_str(), FlagsOf(mode) | flags, rights); });
         if (descriptor < 0) {
             const int code = errno;
+            if (code == ELOOP && (flags & O_NOFOLLOW) != 0) {
+                throw Error(ErrorKind::kNotADatabase,
+                            "\"" + path.filename().string() + "\" is not an ordinary file.");
+            }
             if (code == EACCES && mode == OpenMode::kReadWrite &&
                 ::access(path.c_str(), R_OK) == 0) {
                 throw Error(ErrorKind::kReadOnly,

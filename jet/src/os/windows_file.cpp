@@ -158,15 +158,29 @@ bool IsReadOnlyFile(const std::filesystem::path& path) {
 
 class WindowsFileSystem final : public FileSystem {
 public:
+    // Nobody else opens what is open for writing; readers share.
     std::unique_ptr<File> Open(const std::filesystem::path& path, OpenMode mode) override {
+        return OpenShared(path, mode, mode == OpenMode::kReadOnly ? FILE_SHARE_READ : 0);
+    }
+
+    // They are renamed and removed while they are open.
+    std::unique_ptr<File> OpenBeside(const std::filesystem::path& path, OpenMode mode) override {
+        return OpenShared(path, mode, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                          FILE_FLAG_OPEN_REPARSE_POINT);
+    }
+    std::unique_ptr<File> CreateLike(const std::filesystem::path& path, File&) override {
+        return OpenBeside(path, OpenMode::kCreateNew);
+    }
+
+    static std::unique_ptr<File> OpenShared(const std::filesystem::path& path, OpenMode mode,
+                                            DWORD share, DWORD flags = 0) {
         const bool reading = mode == OpenMode::kReadOnly;
         const DWORD access = GENERIC_READ | (reading ? 0 : static_cast<DWORD>(GENERIC_WRITE));
         DWORD creation = OPEN_EXISTING;
         if (mode == OpenMode::kCreateNew) creation = CREATE_NEW;
         if (mode == OpenMode::kCreateOrOpen) creation = OPEN_ALWAYS;
-        const HANDLE handle = ::CreateFileW(path.c_str(), access,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                            nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+        const HANDLE handle = ::CreateFileW(path.c_str(), access, share, nullptr, creation,
+                                            FILE_ATTRIBUTE_NORMAL | flags, nullptr);
         if (handle == INVALID_HANDLE_VALUE) {
             const DWORD code = ::GetLastError();
             if (code == ERROR_ACCESS_DENIED && !reading && IsReadOnlyFile(path)) {

@@ -10,6 +10,7 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/checksum.h"
 
 namespace jet {
 
@@ -184,6 +185,10 @@ std::uint16_t ReadCommitCounter(Bytes page, const Format& format) {
 
 void WriteCommitCounter(MutableBytes page, const Format& format, std::uint16_t value) {
     WriteU16(page, CommitCounterOffset(format), value);
+}
+
+std::uint64_t OtherCounters(Bytes page, const Format& format) {
+    return Checksum(page.subspan(CommitCounterOffset(format) + 2), 0);
 }
 
 std::uint16_t NextCommitCounter(std::uint16_t value) {

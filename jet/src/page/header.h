@@ -65,6 +65,9 @@ void WriteGlobalMapsPage(MutableBytes page, const Format& format);
 std::uint16_t ReadCommitCounter(Bytes page, const Format& format);
 void WriteCommitCounter(MutableBytes page, const Format& format, std::uint16_t value);
 std::uint16_t NextCommitCounter(std::uint16_t value);
+// All other counters as one number. They belong to programs that share the file, and are raised
+// when one of them commits.
+std::uint64_t OtherCounters(Bytes page, const Format& format);
 std::uint32_t CommitCounterOffset(const Format& format);
 
 }  // namespace jet

@@ -42,7 +42,10 @@ void Journal::RequireFile() {
 
 std::unique_ptr<File> Journal::OpenLog() {
     try {
-        return files_.Open(path_, OpenMode::kCreateOrOpen);
+        if (end_ > 0) return files_.OpenBeside(path_, OpenMode::kReadWrite);
+        // What lies there holds nothing. A file of our own making is nobody's link.
+        if (files_.Exists(path_)) files_.Remove(path_);
+        return files_.CreateLike(path_, *dataFile_);
     } catch (const Error& error) {
         if (error.Kind() == ErrorKind::kDiskFull) throw;
         throw Error(error.Kind(), std::string("No change can be stored, because the log of the ") +
@@ -74,7 +77,8 @@ std::uint64_t Journal::StartBuffer(std::uint32_t pagesAfter, const Start& start)
     return AppendLogHeader(buffer_, {.pageSize = pageSize_,
                                      .pageCount = start.pageCount,
                                      .salt = NewSalt(),
-                                     .commitCounter = start.commitCounter});
+                                     .commitCounter = start.commitCounter,
+                                     .otherCounters = start.otherCounters});
 }
 
 LogBase Journal::BaseOf(const PageChange& change) const {

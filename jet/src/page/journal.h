@@ -5,7 +5,8 @@
 //    one write. After it the operation is done: the process may be killed, the log lies with the
 //    operating system. The data file itself is not touched; changed pages stay in memory. A
 //    transaction that grows large writes pages in parts before, which count when it is committed.
-// 2. Checkpoint. A checkpoint record is appended and the log flushed; then the changed pages, and the
+// 2. Checkpoint. A checkpoint record is appended and the log flushed; then the changed pages, and
+// the
 //    header page with a raised commit counter, are written to the data file and that is flushed;
 //    then the log is emptied. Two flushes, none when the log is empty.
 // 3. Opening. A log that is found is replayed in memory, and then step 2 is done.
@@ -14,9 +15,9 @@
 // in part. Whole, replaying it is harmless, since the data file holds its end state already. In
 // part - its beginning, followed by new records or by nothing - it would undo things. So a log
 // counts only if the data file's commit counter is the one that the log began with (then step 2
-// never completed, and no log was ever emptied) or one of a checkpoint record that is still readable (then the
-// log is whole up to that record at least, for it was flushed before the data file got that value).
-// Every attempt at step 2 uses another counter value.
+// never completed, and no log was ever emptied) or one of a checkpoint record that is still
+// readable (then the log is whole up to that record at least, for it was flushed before the data
+// file got that value). Every attempt at step 2 uses another counter value.
 //
 // Why a log never gets into a file that it does not belong to: the counter, the file's size and the
 // bytes of every page that the log touches must all fit. Each byte must be the one that the log
@@ -43,14 +44,19 @@ public:
     struct Start {
         std::uint32_t pageCount = 0;
         std::uint16_t commitCounter = 0;
+        std::uint64_t otherCounters = 0;
     };
 
-    Journal(FileSystem& files, std::filesystem::path path, std::uint32_t pageSize)
-        : files_(files), path_(std::move(path)), pageSize_(pageSize) {}
+    // `dataFile` is the one that a new log file takes its access rights from.
+    Journal(FileSystem& files, std::filesystem::path path, std::uint32_t pageSize,
+            const std::unique_ptr<File>& dataFile)
+        : files_(files), path_(std::move(path)), pageSize_(pageSize), dataFile_(dataFile) {}
 
     // Makes the (empty) log file. May fail; the first operation then tries again, and fails if it
     // has to.
     void Prepare() noexcept;
+    // Reads pages from a log that was replayed, and leaves it as it is.
+    void ReadOnly(std::unique_ptr<File> log) { file_ = std::move(log); }
     // Goes on with a log that was replayed.
     void Resume(const LogPosition& position);
 
@@ -58,8 +64,8 @@ public:
     // begins with it belongs to. When it throws, the operation is not in the log. kDiskFull, kIo.
     void Append(std::span<const PageChange> changes, std::uint32_t pagesAfter, const Start& start);
 
-    // A part of a transaction that goes on: whole pages. Gives where the bytes of each lie in the log,
-    // in the order of `changes`. When it throws, nothing is in the log. kDiskFull, kIo.
+    // A part of a transaction that goes on: whole pages. Gives where the bytes of each lie in the
+    // log, in the order of `changes`. When it throws, nothing is in the log. kDiskFull, kIo.
     void AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
                     const Start& start, std::span<std::uint64_t> places);
     // Whether there are parts that no commit has followed.
@@ -110,6 +116,7 @@ private:
     FileSystem& files_;
     std::filesystem::path path_;
     std::uint32_t pageSize_;
+    const std::unique_ptr<File>& dataFile_;
     std::unique_ptr<File> file_;
     std::uint64_t end_ = 0;       // length of the good part
     std::uint64_t checksum_ = 0;  // of its last record

@@ -67,6 +67,7 @@ std::uint64_t AppendLogHeader(std::vector<std::byte>& out, const LogHeader& head
     WriteU64(bytes, 16, header.salt);
     WriteU16(bytes, 24, header.commitCounter);
     WriteU16(bytes, 26, header.version);
+    WriteU64(bytes, 28, header.otherCounters);
     const std::uint64_t checksum = Checksum(bytes.first(kLogHeaderSize - kLogChecksumSize), 0);
     WriteU64(bytes, kLogHeaderSize - kLogChecksumSize, checksum);
     return checksum;
@@ -85,7 +86,8 @@ std::optional<CheckedLogHeader> ParseLogHeader(Bytes bytes) {
                      .pageCount = ReadU32(bytes, 12),
                      .salt = ReadU64(bytes, 16),
                      .commitCounter = ReadU16(bytes, 24),
-                     .version = ReadU16(bytes, 26)};
+                     .version = ReadU16(bytes, 26),
+                     .otherCounters = ReadU64(bytes, 28)};
     return result;
 }
 

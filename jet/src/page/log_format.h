@@ -11,7 +11,8 @@
 //   16  8  salt, another one for each log
 //   24  2  the data file's commit counter when the log began
 //   26  2  version of this format, 1
-//   28  28 zeros
+//   28  8  the other counters of page 0, as one number
+//   36  20 zeros
 //   56  8  checksum of the 56 bytes before
 //
 //   record
@@ -30,8 +31,8 @@
 //   8      base 1: the page as it was
 //          each range: u16 offset, u16 length, the new bytes
 //
-// A transaction is one commit record, written by one write. One that outgrows the memory that it may
-// take writes whole pages in parts before it; parts that no commit follows count for nothing.
+// A transaction is one commit record, written by one write. One that outgrows the memory that it
+// may take writes whole pages in parts before it; parts that no commit follows count for nothing.
 //
 // A checkpoint record says: from here on everything above may be in the data file, and once all of
 // it is, the file's commit counter has this value.
@@ -61,6 +62,7 @@ struct LogHeader {
     std::uint64_t salt = 0;
     std::uint16_t commitCounter = 0;
     std::uint16_t version = kLogVersion;
+    std::uint64_t otherCounters = 0;
 };
 
 // Writes the 64 bytes at the end of `out` and gives their checksum, the seed of the first record.

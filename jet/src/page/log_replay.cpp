@@ -2,15 +2,17 @@
 
 #include <algorithm>
 
+#include "jet/error.h"
 #include "page/bytes.h"
 #include "page/header.h"
 
 namespace jet {
 
-LogReplay::LogReplay(File& dataFile, const Format& format, std::uint16_t commitCounter)
+LogReplay::LogReplay(File& dataFile, const Format& format, Bytes headerPage)
     : dataFile_(dataFile),
       format_(format),
-      commitCounter_(commitCounter),
+      commitCounter_(ReadCommitCounter(headerPage, format)),
+      otherCounters_(OtherCounters(headerPage, format)),
       dataSize_(dataFile.Size()) {}
 
 LogReplay::Finding LogReplay::Read(File& log) {
@@ -21,11 +23,17 @@ LogReplay::Finding LogReplay::Read(File& log) {
         discardedBytes_ = log.Size();
         return Finding::kNothing;
     }
-    FindCommittedEnd(reader);
     header_ = reader.Header();
+    if (header_.version > kLogVersion) {
+        throw Error(ErrorKind::kUnsupportedVersion,
+                    "The last changes of the file are in a log beside it that a later version of "
+                    "this program has written.");
+    }
+    FindCommittedEnd(reader);
     pageCount_ = header_.pageCount;
     position_.lastCounter = header_.commitCounter;
     counterFits_ = header_.commitCounter == commitCounter_;
+    const bool othersFit = header_.version == 0 || header_.otherCounters == otherCounters_;
     if (header_.pageSize != format_.pageSize ||
         std::uint64_t{header_.pageCount} * format_.pageSize > dataSize_) {
         return Finding::kForeign;
@@ -36,7 +44,7 @@ LogReplay::Finding LogReplay::Read(File& log) {
     position_.end = reader.End();
     position_.checksum = reader.LastChecksum();
     if (position_.operations == 0) return Finding::kNothing;
-    return Belongs() ? Finding::kPending : Finding::kForeign;
+    return othersFit && Belongs() ? Finding::kPending : Finding::kForeign;
 }
 
 // Parts count only when a commit follows them.
@@ -138,8 +146,7 @@ void LogReplay::Explain(LoggedPage& page, std::size_t offset, Bytes bytes) {
     }
 }
 
-bool LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes,
-                           std::uint64_t place) {
+bool LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place) {
     if (offset + bytes.size() > format_.pageSize) return false;
     Explain(page, offset, bytes);
     if (bytes.size() == format_.pageSize) {

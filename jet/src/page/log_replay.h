@@ -38,9 +38,11 @@ public:
         kPending,  // belongs to the file
     };
 
-    LogReplay(File& dataFile, const Format& format, std::uint16_t commitCounter);
+    // `headerPage` is page 0 of the data file.
+    LogReplay(File& dataFile, const Format& format, Bytes headerPage);
 
-    // kIo when either file cannot be read. The log is read again by IsInFile.
+    // kUnsupportedVersion for a log of a later version; kIo when either file cannot be read. The
+    // log is read again by IsInFile.
     Finding Read(File& log);
 
     [[nodiscard]] std::uint32_t PageCount() const { return pageCount_; }
@@ -48,6 +50,7 @@ public:
     [[nodiscard]] const std::map<std::uint32_t, LoggedPage>& Pages() const { return pages_; }
     // True when the data file holds all of it already.
     [[nodiscard]] bool IsInFile() const;
+    void CopyPage(const LoggedPage& page, MutableBytes into) const;
     // Bytes at the log's end that belong to nothing that was committed.
     [[nodiscard]] std::uint64_t DiscardedBytes() const { return discardedBytes_; }
 
@@ -58,13 +61,13 @@ private:
     LoggedPage* StartPage(PageNumber page, LogBase base, Bytes image);
     bool ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place);
     static void Explain(LoggedPage& page, std::size_t offset, Bytes bytes);
-    void CopyPage(const LoggedPage& page, MutableBytes into) const;
     [[nodiscard]] bool Belongs() const;
 
     File& dataFile_;
     File* log_ = nullptr;
     const Format& format_;
     std::uint16_t commitCounter_;
+    std::uint64_t otherCounters_;
     std::uint64_t dataSize_;
     LogHeader header_;
     bool counterFits_ = false;

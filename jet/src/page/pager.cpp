@@ -37,15 +37,27 @@ Pager::Impl::Impl(FileSystem& fileSystem, std::filesystem::path filePath,
              std::max(kSmallestCache, options.cacheBytes / fileFormat.pageSize)),
       changed_(fileFormat.pageSize),
       savepoint_(fileFormat.pageSize),
-      journal_(fileSystem, LogPath(path), fileFormat.pageSize) {}
+      journal_(fileSystem, LogPath(path), fileFormat.pageSize, file) {}
 
-void Pager::Impl::Start(std::uint32_t pages, std::uint16_t commitCounter) {
+void Pager::Impl::Start(std::uint32_t pages, Bytes headerPage) {
     pageCount = pages;
     filePageCount = pages;
-    fileCounter = commitCounter;
+    fileCounter = ReadCommitCounter(headerPage, format);
+    otherCounters = OtherCounters(headerPage, format);
 }
 
 void Pager::Impl::Recover(const LogReplay& replay) {
+    TakePages(replay);
+    journal_.Resume(replay.Position());
+    MakeDurable();
+}
+
+void Pager::Impl::Overlay(const LogReplay& replay, std::unique_ptr<File> log) {
+    TakePages(replay);
+    journal_.ReadOnly(std::move(log));
+}
+
+void Pager::Impl::TakePages(const LogReplay& replay) {
     pageCount = replay.PageCount();
     for (const auto& [number, page] : replay.Pages()) {
         if (page.place != 0) {
@@ -60,8 +72,6 @@ void Pager::Impl::Recover(const LogReplay& replay) {
         ++dirtyCount_;
     }
     inLog_.Keep();
-    journal_.Resume(replay.Position());
-    MakeDurable();
 }
 
 Frame& Pager::Impl::Fetch(PageNumber page) {
@@ -224,7 +234,7 @@ void Pager::Impl::CollectChanges() {
 void Pager::Impl::WriteToLog() {
     CollectChanges();
     if (changes_.empty() && !journal_.HasParts()) return;
-    journal_.Append(changes_, pageCount, {filePageCount, fileCounter});
+    journal_.Append(changes_, pageCount, {filePageCount, fileCounter, otherCounters});
     // Done: nothing from here on fails.
     for (const PageChange& change : changes_) {
         Frame& frame = *cache_.Find(change.page.value);
@@ -267,7 +277,7 @@ void Pager::Impl::SpillPart(std::span<const UndoImage* const> images) {
     changes_.clear();
     for (const UndoImage* image : images) changes_.push_back(ChangeOf(*image));
     std::vector<std::uint64_t> places(images.size());
-    journal_.AppendPart(changes_, pageCount, {filePageCount, fileCounter}, places);
+    journal_.AppendPart(changes_, pageCount, {filePageCount, fileCounter, otherCounters}, places);
     for (std::size_t i = 0; i < images.size(); ++i) {
         inLog_.Enter(images[i]->frame->number, places[i]);
         images[i]->frame->inTransaction = false;
@@ -444,7 +454,9 @@ void Pager::Impl::Close() {
     if (!file) return;
     if (inTransaction_) RollbackTransaction();
     try {
-        if (!readOnly) {
+        if (readOnly) {
+            journal_.Release();
+        } else {
             MakeDurable();
             journal_.Remove();
         }

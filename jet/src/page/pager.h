@@ -84,9 +84,11 @@ public:
     static std::unique_ptr<Pager> Open(FileSystem& files, const std::filesystem::path& path,
                                        const OpenOptions& options, Recovery& recovery);
     // Makes a file of two pages, the header and the global maps; the caller adds the system tables
-    // from page 2 on. Nothing is in the file before MakeDurable.
+    // from page 2 on. Nothing is in the file before MakeDurable. It gets the
+    // access rights of `like`, where there is one.
     static std::unique_ptr<Pager> Create(FileSystem& files, const std::filesystem::path& path,
-                                         Version version, const OpenOptions& options = {});
+                                         Version version, const OpenOptions& options = {},
+                                         File* like = nullptr);
 
     explicit Pager(std::unique_ptr<Impl> impl);
     ~Pager();  // closes; errors are lost

@@ -19,9 +19,11 @@ public:
          const Format& format, const OpenOptions& options);
 
     // Takes the file as it is on the disk.
-    void Start(std::uint32_t pages, std::uint16_t commitCounter);
+    void Start(std::uint32_t pages, Bytes headerPage);
     // Brings in what a log holds beyond the file.
     void Recover(const LogReplay& replay);
+    // Shows it, and writes nothing.
+    void Overlay(const LogReplay& replay, std::unique_ptr<File> log);
 
     // The page's frame, read from the file when it is not in memory.
     Frame& Fetch(PageNumber page);
@@ -57,10 +59,12 @@ public:
     // The data file as the last MakeDurable left it.
     std::uint32_t filePageCount = 0;
     std::uint16_t fileCounter = 0;
-    PageNumber lowestFree;  // no page below it is free
-    PageNumber mapRowPage;  // lately had room for a usage map; 0 when none is known
+    std::uint64_t otherCounters = 0;  // which nothing here changes
+    PageNumber lowestFree;            // no page below it is free
+    PageNumber mapRowPage;            // lately had room for a usage map; 0 when none is known
 
 private:
+    void TakePages(const LogReplay& replay);
     Frame& Load(PageNumber page);
     Frame& LoadAlone(PageNumber page);
     [[nodiscard]] std::uint32_t ReadAhead(PageNumber page) const;

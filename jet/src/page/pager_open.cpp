@@ -7,8 +7,8 @@
 #include "jet/error.h"
 #include "page/bytes.h"
 #include "page/checksum.h"
-#include "page/log_reader.h"
-#include "page/log_replay.h"
+#include "page/found_log.h"
+#include "page/kept_logs.h"
 #include "page/pager_impl.h"
 
 namespace jet {
@@ -35,11 +35,29 @@ FileHeader ReadHeaderOf(File& file) {
     return ReadFileHeader(prefix);
 }
 
-std::uint16_t ReadCounterOf(File& file, const Format& format) {
+std::vector<std::byte> ReadHeaderPage(File& file, const Format& format) {
     std::vector<std::byte> page(format.pageSize);
     if (file.Size() < page.size()) ThrowDamaged("The file is damaged: it has been cut off.");
     file.Read(0, page);
-    return ReadCommitCounter(page, format);
+    return page;
+}
+
+// Other programs note in a lock file who works with a database. One that nobody holds was left by a
+// program that ended over it.
+void RequireNoLockFile(FileSystem& files, const std::filesystem::path& dataFile) {
+    for (const char* ending : {".ldb", ".LDB", ".laccdb"}) {
+        std::filesystem::path path = dataFile;
+        path.replace_extension(ending);
+        if (!files.Exists(path)) continue;
+        std::unique_ptr<File> file;
+        try {
+            file = files.Open(path, OpenMode::kReadOnly);
+        } catch (const Error& error) {
+            if (error.Kind() == ErrorKind::kFileInUse) throw;
+            continue;
+        }
+        RequireLock(*file, true);
+    }
 }
 
 void CheckLength(std::uint64_t size, const Format& format) {
@@ -50,72 +68,6 @@ void CheckLength(std::uint64_t size, const Format& format) {
     if (pages > LargestPageCount(format)) {
         ThrowDamaged("The file is damaged: it is longer than its format allows.");
     }
-}
-
-// A log that does not belong here may belong to another copy of the file, so it is kept, under a
-// name that no opening looks for.
-std::filesystem::path SetAside(FileSystem& files, const std::filesystem::path& log) {
-    std::filesystem::path aside = log;
-    aside += "-old";
-    for (int number = 2; files.Exists(aside) && number < 100; ++number) {
-        aside = log;
-        aside += "-old" + std::to_string(number);
-    }
-    files.Rename(log, aside);
-    return aside;
-}
-
-enum class LogAge { kUnknown, kOutlived, kOther };
-
-// A power cut just after a log was emptied can bring its beginning back, which does not fit the
-// file any more. Such a log began some commits before the file's present one: all that was in it is
-// in the file.
-LogAge AgeOf(FileSystem& files, const std::filesystem::path& log, std::uint16_t counter) {
-    constexpr std::uint16_t kRecentCommits = 1024;
-    try {
-        const auto file = files.Open(log, OpenMode::kReadOnly);
-        const LogReader reader(*file);
-        if (!reader.HasHeader()) return LogAge::kUnknown;
-        const auto since = static_cast<std::uint16_t>(counter - reader.Header().commitCounter);
-        return since > 0 && since <= kRecentCommits ? LogAge::kOutlived : LogAge::kOther;
-    } catch (const Error&) {
-        return LogAge::kUnknown;
-    }
-}
-
-// The opening after the power cut sets such a log aside, the next one removes it.
-void RemoveOutlived(FileSystem& files, const std::filesystem::path& log, std::uint16_t counter) {
-    std::filesystem::path aside = log;
-    aside += "-old";
-    if (files.Exists(aside) && AgeOf(files, aside, counter) == LogAge::kOutlived) {
-        RemoveQuietly(files, aside);
-    }
-}
-
-struct FoundLog {
-    LogReplay::Finding finding = LogReplay::Finding::kNothing;
-    std::unique_ptr<File> file;
-    std::unique_ptr<LogReplay> replay;
-};
-
-FoundLog LookForLog(FileSystem& files, const std::filesystem::path& log, File& dataFile,
-                    const Format& format, std::uint16_t counter) {
-    FoundLog found;
-    if (!files.Exists(log)) return found;
-    try {
-        found.file = files.Open(log, OpenMode::kReadOnly);
-    } catch (const Error& error) {
-        // A folder, a pipe or a link that leads nowhere holds no changes.
-        if (error.Kind() != ErrorKind::kNotADatabase && error.Kind() != ErrorKind::kFileNotFound) {
-            throw Error(error.Kind(), std::string("The last changes of the file are in a log ") +
-                                          "beside it, which cannot be read. " + error.what());
-        }
-        found.finding = LogReplay::Finding::kForeign;
-        return found;
-    }
-    found.replay = std::make_unique<LogReplay>(dataFile, format, counter);
-    found.finding = found.replay->Read(*found.file);
-    return found;
 }
 
 }  // namespace
@@ -156,10 +108,11 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
     auto file =
         OpenLocked(files, resolved, options.readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite,
                    options.exclusive || !options.readOnly);
+    if (options.exclusive || !options.readOnly) RequireNoLockFile(files, resolved);
     const FileHeader header = ReadHeaderOf(*file);
     const Format& format = FormatOf(header.version);
-    const std::uint16_t counter = ReadCounterOf(*file, format);
-    const FoundLog found = LookForLog(files, log, *file, format, counter);
+    const std::vector<std::byte> headerPage = ReadHeaderPage(*file, format);
+    FoundLog found = LookForLog(files, log, *file, format, headerPage);
     const bool pending = found.finding == Finding::kPending;
     if (found.replay && found.finding != Finding::kForeign) {
         recovery.discardedBytes = found.replay->DiscardedBytes();
@@ -168,35 +121,36 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
     CheckLength(pending ? std::uint64_t{found.replay->PageCount()} * format.pageSize : size,
                 format);
     recovery.foreignLogIgnored = found.finding == Finding::kForeign;
-    if (options.readOnly && pending && !found.replay->IsInFile()) {
-        throw Error(ErrorKind::kReadOnly,
-                    "The file was not closed properly; it must be opened for writing once.");
+    if (pending) {
+        recovery.applied = !found.replay->IsInFile();
+        recovery.operations = found.replay->Position().operations;
     }
 
     auto impl = std::make_unique<Impl>(files, resolved, std::move(file), format, options);
     impl->header = header;
-    impl->Start(static_cast<std::uint32_t>(size / format.pageSize), counter);
-    if (!options.readOnly) {
-        if (recovery.foreignLogIgnored) {
-            const bool matters = AgeOf(files, log, counter) == LogAge::kOther;
-            const std::filesystem::path aside = SetAside(files, log);
-            if (matters) recovery.keptLog = aside;
-        } else {
-            RemoveOutlived(files, log, counter);
+    impl->Start(static_cast<std::uint32_t>(size / format.pageSize), headerPage);
+    if (options.readOnly) {
+        if (pending) impl->Overlay(*found.replay, std::move(found.file));
+        recovery.keptLogs = KeptLogs(files, log);
+        if (recovery.foreignLogIgnored && HoldsOperations(files, log)) {
+            recovery.keptLogs.push_back(log);
         }
+        return std::make_unique<Pager>(std::move(impl));
+    }
+    if (recovery.foreignLogIgnored) SetAside(files, log);
+    recovery.keptLogs = KeptLogs(files, log);
+    if (pending) {
+        impl->Recover(*found.replay);
+    } else {
         impl->Log().Prepare();
-        if (pending) {
-            recovery.applied = !found.replay->IsInFile();
-            recovery.operations = found.replay->Position().operations;
-            impl->Recover(*found.replay);
-        }
     }
     return std::make_unique<Pager>(std::move(impl));
 }
 
 std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::path& path,
-                                     Version version, const OpenOptions& options) {
-    auto file = files.Open(path, OpenMode::kCreateNew);
+                                     Version version, const OpenOptions& options, File* like) {
+    auto file =
+        like == nullptr ? files.Open(path, OpenMode::kCreateNew) : files.CreateLike(path, *like);
     std::unique_ptr<Pager> pager;
     try {
         RequireLock(*file, true);
@@ -225,6 +179,7 @@ void Pager::StartFile(Version version) {
     const PageRef first = Page(PageNumber{0});
     impl_->header = ReadFileHeader(first.Data());
     impl_->fileCounter = ReadCommitCounter(first.Data(), FileFormat());
+    impl_->otherCounters = OtherCounters(first.Data(), FileFormat());
     operation.Commit();
 }
 

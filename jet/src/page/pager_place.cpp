@@ -25,14 +25,17 @@ std::filesystem::path KeptPath(const std::filesystem::path& path) {
 
 }  // namespace
 
-// Pages of two states of a file make no file. The counter on the header page tells one from the
-// next; after an attempt that failed it may be any that was tried.
+// Pages of two states of a file make no file. The counters on the header page tell one from the
+// next; after an attempt that failed the first may be any that was tried.
 void Pager::Impl::RequireUntouched() {
-    if (writeFailed_ || filePageCount == 0) return;
+    if (filePageCount == 0) return;
     if (file->Size() >= std::uint64_t{filePageCount} * format.pageSize) {
         std::vector<std::byte> first(format.pageSize);
         file->Read(0, first);
-        if (ReadCommitCounter(first, format) == fileCounter) return;
+        if ((writeFailed_ || ReadCommitCounter(first, format) == fileCounter) &&
+            OtherCounters(first, format) == otherCounters) {
+            return;
+        }
     }
     throw Error(ErrorKind::kFileInUse,
                 "The file " + Quoted(path) +
@@ -98,10 +101,11 @@ std::unique_ptr<File> Pager::Impl::WriteAnew(const std::filesystem::path& to,
                                              std::uint16_t counter) {
     std::filesystem::path unfinished = LogPath(path);
     unfinished += "-new";
-    auto copy = files.Open(unfinished, OpenMode::kCreateOrOpen);
+    // One that a process left which ended over it.
+    if (files.Exists(unfinished)) files.Remove(unfinished);
+    auto copy = files.CreateLike(unfinished, *file);
     try {
         if (!copy->TryLock(true)) throw Error(ErrorKind::kFileInUse, "The file is in use.");
-        copy->Truncate(0);
         std::vector<std::byte> page(format.pageSize);
         for (std::uint32_t number = 0; number < pageCount; ++number) {
             CopyPage(PageNumber{number}, page);

@@ -1,5 +1,5 @@
-// Where the newest bytes of pages lie that are neither in the data file nor, for certain, in memory:
-// in the log, whole.
+// Where the newest bytes of pages lie that are neither in the data file nor, for certain, in
+// memory: in the log, whole.
 #pragma once
 
 #include <cstddef>

@@ -52,9 +52,10 @@ void OpenFile::LogRecovery() const {
     if (recovery_.foreignLogIgnored) {
         Log(LogLevel::kWarning, "A log that does not belong to the file was ignored.");
     }
-    if (!recovery_.keptLog.empty()) {
-        const std::u8string name = recovery_.keptLog.filename().u8string();
-        Log(LogLevel::kWarning, "It was kept as ", std::string(name.begin(), name.end()));
+    for (const std::filesystem::path& kept : recovery_.keptLogs) {
+        const std::u8string name = kept.filename().u8string();
+        Log(LogLevel::kWarning, "A log with changes that the file lacks is kept as ",
+            std::string(name.begin(), name.end()));
     }
 }
 

@@ -87,6 +87,10 @@ private:
 class Database::Impl {
 public:
     explicit Impl(std::shared_ptr<OpenFile> opened) : file(std::move(opened)) {}
+    // Database::Create, with the access rights of `like`, where there is one.
+    static std::unique_ptr<Database> Create(const std::filesystem::path& path, Version version,
+                                            const OpenOptions& options, FileSystem& files,
+                                            File* like);
     std::shared_ptr<OpenFile> file;
 };
 
