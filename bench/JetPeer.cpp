@@ -1,3 +1,5 @@
+#include <optional>
+
 #include "bench/Peer.h"
 #include "jet/database.h"
 #include "jet/recordset.h"
@@ -63,6 +65,12 @@ public:
     void Close() override {
         if (database_) database_->Close();
         database_.reset();
+    }
+
+    void Begin() override { transaction_.emplace(database_->Begin()); }
+    void Commit() override {
+        transaction_->Commit();
+        transaction_.reset();
     }
 
     void Insert(const std::vector<Row>& rows) override {
@@ -197,6 +205,7 @@ private:
 
     bool jet3_;
     std::unique_ptr<jet::Database> database_;
+    std::optional<jet::Transaction> transaction_;
 };
 
 }  // namespace

@@ -50,6 +50,10 @@ public:
     virtual void Open(const std::filesystem::path& path) = 0;
     virtual void Close() = 0;
 
+    // Everything between them is one transaction. Outside of one each change is one by itself.
+    virtual void Begin() {}
+    virtual void Commit() {}
+
     virtual void Insert(const std::vector<Row>& rows) = 0;
     virtual void Insert(const std::vector<Note>& notes) = 0;
     // Reads every field of every row; what it gives keeps the work from being left out.

@@ -66,6 +66,9 @@ public:
         database_ = nullptr;
     }
 
+    void Begin() override { Run("BEGIN"); }
+    void Commit() override { Run("COMMIT"); }
+
     void Insert(const std::vector<Row>& rows) override {
         Statement insert(database_, "INSERT INTO Numbers VALUES (?,?,?,?,?,?,?,?)");
         for (const Row& row : rows) {
