@@ -49,8 +49,8 @@ std::unique_ptr<Database> Database::Impl::Create(const std::filesystem::path& pa
                 operation.Commit();
             }
             pager->MakeDurable();
-            auto file = std::make_shared<OpenFile>(std::move(pager), Recovery{}, options.logger);
-            return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(file))));
+            auto opened = std::make_shared<OpenFile>(std::move(pager), Recovery{}, options.logger);
+            return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(opened))));
         } catch (...) {
             if (pager) pager->Abandon();
             RemoveQuietly(files, path);

@@ -396,7 +396,10 @@ def cells_while_walking(walk, session):
     choose_worksheet(walk, "NVC Table (Impacts)")
     walk.find("filler", "Net Value Change")
     walk.listen(EVENTS)
-    if not walk.told_last("1", "Tab") or not walk.told_last("Resource, row 1", "Tab"):
+    # Arriving marks the current cell and opens no editor; F2 does.
+    if (not walk.told_last("1", "Tab")
+            or not walk.told_last("Net value change, dollars per acre", "Tab")
+            or not walk.told_last("Resource, row 1", "F2")):
         walk.offenders.append(f"{where}: its editor is not told last: {walk.heard}")
     table = walk.find("table")
     headers = (table.get_column_header(0).get_name(), table.get_row_header(3).get_name())

@@ -381,6 +381,8 @@ RepairReport RepairFile(const std::filesystem::path& source, const std::filesyst
         const InspectedFile inspected = OpenForInspection(source, files);
         const FileHeader& header = inspected.header;
         const FilePages pages(inspected);
+        // Named before anything can fail: without memory no name could be made.
+        const std::filesystem::path log = LogPath(target);
         auto database =
             Database::Impl::Create(target, header.version, {}, files, inspected.file.get());
         try {
@@ -395,6 +397,7 @@ RepairReport RepairFile(const std::filesystem::path& source, const std::filesyst
         } catch (...) {
             database.reset();
             RemoveQuietly(files, target);
+            RemoveQuietly(files, log);
             throw;
         }
     });
