@@ -121,7 +121,7 @@ void frmTabs::PlaceFile() {
                          room >= fontMetrics().averageCharWidth() * kLeastOfFile);
     lblFile_->setGeometry(left, 0, room, height());
     const bool whole = fontMetrics().horizontalAdvance(path_) <= room;
-    const QString shown = whole ? path_ : PrepDatafile::FileTitleFromPath(path_);
+    const QString shown = whole ? path_ : PrepDatafile::CurrentFileName();
     lblFile_->setText(fontMetrics().elidedText(shown, Qt::ElideRight, room));
 }
 
