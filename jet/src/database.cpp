@@ -50,7 +50,8 @@ std::unique_ptr<Database> Database::Impl::Create(const std::filesystem::path& pa
             }
             pager->MakeDurable();
             auto opened = std::make_shared<OpenFile>(std::move(pager), Recovery{}, options.logger);
-            return std::unique_ptr<Database>(new Database(std::make_unique<Impl>(std::move(opened))));
+            return std::unique_ptr<Database>(
+                new Database(std::make_unique<Impl>(std::move(opened))));
         } catch (...) {
             if (pager) pager->Abandon();
             RemoveQuietly(files, path);

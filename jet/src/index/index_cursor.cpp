@@ -48,17 +48,38 @@ bool IndexCursor::IsAbove(const LeafPlace& place) const {
     return !EntryBound{position, EntryBound::Rule::kAbove}.Passes(entry);
 }
 
+// A walk that comes to another leaf must stand farther than where it came to the former one.
+// Entries and links of a damaged file can lead in a circle.
+void IndexCursor::RequireProgress(const LeafPlace& place, bool forward) {
+    if (place.IsEnd()) return;
+    Key entry;
+    place.leaf.Read(place.at, entry);
+    if (!turn_.empty()) {
+        const auto rule = forward ? EntryBound::Rule::kAbove : EntryBound::Rule::kNotBelow;
+        const bool isAbove = !EntryBound{turn_, rule}.Passes(entry);
+        if (isAbove != forward) SearchOf(*tree_).Damaged("has entries out of order");
+    }
+    turn_ = std::move(entry);
+}
+
+void IndexCursor::Face(bool forward) {
+    if (forward_ != forward) turn_.clear();
+    forward_ = forward;
+}
+
 bool IndexCursor::SeekToFirst() {
     return Seek({}, SeekTo::kNotBelow);
 }
 
 bool IndexCursor::SeekToLast() {
+    turn_.clear();
     const LeafSearch search = SearchOf(*tree_);
     return Arrive(search.Before(search.End()));
 }
 
 bool IndexCursor::Seek(Bytes search, SeekTo to) {
     using Rule = EntryBound::Rule;
+    turn_.clear();
     const LeafSearch tree = SearchOf(*tree_);
     if (to == SeekTo::kBelow || to == SeekTo::kNotBeyond) {
         return Arrive(
@@ -72,28 +93,38 @@ bool IndexCursor::Seek(Bytes search, SeekTo to) {
 }
 
 bool IndexCursor::Next() {
+    Face(true);
     const LeafSearch tree = SearchOf(*tree_);
     if (IsOnLeaf()) {
         LeafPlace place = TakePlace();
         std::uint32_t hops = 0;
         tree.Advance(place, hops);
-        if (hops == 0 || IsAbove(place)) return Arrive(place);
+        if (hops == 0) return Arrive(place);
+        if (IsAbove(place)) {
+            RequireProgress(place, true);
+            return Arrive(place);
+        }
     }
     const Key position = EntryBytes(entry_.key, entry_.row);
     LeafPlace place = tree.Find({position, EntryBound::Rule::kAbove});
+    RequireProgress(place, true);
     return Arrive(place);
 }
 
 bool IndexCursor::Prev() {
+    Face(false);
     const LeafSearch tree = SearchOf(*tree_);
     if (IsOnLeaf() && at_ != 0) return Arrive(tree.Before(TakePlace()));
     const Key position = EntryBytes(entry_.key, entry_.row);
-    return Arrive(tree.LastPassed({position, EntryBound::Rule::kNotBelow}));
+    std::optional<LeafPlace> place = tree.LastPassed({position, EntryBound::Rule::kNotBelow});
+    if (place) RequireProgress(*place, false);
+    return Arrive(std::move(place));
 }
 
 void IndexCursor::SeekToEntry(IndexEntry entry) noexcept {
     entry_ = std::move(entry);
     valid_ = true;
+    turn_.clear();
     leaf_ = PageRef();
 }
 

@@ -49,6 +49,9 @@ private:
     [[nodiscard]] bool IsOnLeaf() const;
     [[nodiscard]] LeafPlace TakePlace();
     [[nodiscard]] bool IsAbove(const LeafPlace& place) const;
+    // A walk in the other direction begins anew.
+    void Face(bool forward);
+    void RequireProgress(const LeafPlace& place, bool forward);
 
     const IndexTree* tree_ = nullptr;
     bool valid_ = false;
@@ -57,6 +60,10 @@ private:
     PageRef leaf_;
     std::size_t at_ = 0;
     std::uint64_t change_ = 0;
+    // The entry at which the walk in one direction came to its latest leaf; empty before that. It
+    // must go on beyond it, so that a damaged file ends the walk.
+    Key turn_;
+    bool forward_ = true;
 };
 
 }  // namespace jet

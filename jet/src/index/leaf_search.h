@@ -96,6 +96,11 @@ public:
         return {std::move(page), leaf, at};
     }
 
+    [[noreturn]] void Damaged(const char* what) const {
+        throw Error(ErrorKind::kDamaged,
+                    "The index with root page " + std::to_string(root_.value) + " " + what + ".");
+    }
+
 private:
     [[nodiscard]] LeafPlace Open(PageNumber number) const {
         PageRef page = pager_.Page(number);
@@ -140,11 +145,6 @@ private:
             Damaged("has a node without children");
         }
         return node.Child(node.Before(at));
-    }
-
-    [[noreturn]] void Damaged(const char* what) const {
-        throw Error(ErrorKind::kDamaged,
-                    "The index with root page " + std::to_string(root_.value) + " " + what + ".");
     }
 
     Pager& pager_;
