@@ -20,21 +20,13 @@
 #include "jet/recordset.h"
 #include "sample_table.h"
 #include "support/jet_files.h"
+#include "support/sanitizers.h"
 
 namespace jet {
 namespace {
 
 // Seconds for one file; the sanitizers make everything several times slower.
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TARN_SANITIZED
-#endif
-#endif
-#if defined(TARN_SANITIZED) || defined(__SANITIZE_ADDRESS__)
-constexpr double kPatience = 8;
-#else
-constexpr double kPatience = 1;
-#endif
+constexpr double kPatience = support::kIsSanitized ? 8 : 1;
 constexpr char kFile[] = "a file.mdb";
 using Contents = std::vector<std::byte>;
 // The rows of each table, or -1 for a table that says that it cannot be read.

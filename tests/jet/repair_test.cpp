@@ -108,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Damage{"var-offset", 1}, Damage{"overflow-dangling", 0},
                       Damage{"overflow-orphan", 0}, Damage{"tdef-length", 0},
                       Damage{"tdef-cut", 256}, Damage{"row-count", 0}, Damage{"autonumber-low", 0},
-                      Damage{"column-type", 0}, Damage{"catalog-missing", 0}),
+                      Damage{"column-type", 0}, Damage{"catalogue-missing", 0}),
     [](const auto& instance) {
         std::string name = instance.param.kind;
         std::replace(name.begin(), name.end(), '-', '_');
