@@ -106,7 +106,7 @@ def with_pkg_config(folder, prefix, compiler):
     run(compiler, "-std=c++20", *STRICT, source, *flags, "-o", folder / "zones")
     expect(run(folder / "zones", folder=folder), "11 characters\n")
     expect(run(*ask, "--modversion", "jet").strip(), version())
-    flags = run(*ask, "--cflags", "--libs", "jet_c").split()
+    flags = shlex.split(run(*ask, "--cflags", "--libs", "jet_c"))
     program = folder / "consumer/asks_version.c"
     run("cc", "-std=c99", "-Wall", "-Wextra", "-Wpedantic", "-Wstrict-prototypes", "-Werror", program,
         *flags, "-o", folder / "asks_version")
