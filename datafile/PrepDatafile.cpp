@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/u13Folders.h"
+#include "base/u91Trace.h"
 #include "datafile/DatafileHost.h"
 #include "datafile/FieldNames.h"
 #include "datafile/PrepDatatables.h"
@@ -15,8 +17,6 @@
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
 #include "platform/system/NativePath.h"
-#include "shell/u13Folders.h"
-#include "shell/u91Trace.h"
 
 using PrepDatatables::dbDatafile;
 using PrepDatatables::tblProperties;

@@ -3,10 +3,10 @@
 #include <array>
 #include <utility>
 
+#include "base/u91Trace.h"
 #include "datafile/FieldNames.h"
 #include "datafile/PrepDatafile.h"
 #include "platform/FirstError.h"
-#include "shell/u91Trace.h"
 
 namespace PrepDatatables {
 

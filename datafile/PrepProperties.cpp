@@ -1,8 +1,8 @@
 #include "datafile/PrepProperties.h"
 
+#include "base/u91Trace.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/u14libProperties.h"
-#include "shell/u91Trace.h"
 
 using PrepDatatables::tblProperties;
 

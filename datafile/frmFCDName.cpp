@@ -6,15 +6,15 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "base/UIMode.h"
+#include "base/u13Folders.h"
+#include "base/u91Trace.h"
 #include "datafile/UnitBox.h"
 #include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/dialogs/RunModal.h"
 #include "platform/system/Host.h"
-#include "shell/UIMode.h"
-#include "shell/u13Folders.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

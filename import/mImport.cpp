@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 
+#include "base/u91Trace.h"
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
@@ -15,7 +16,6 @@
 #include "platform/dialogs/CommonDialog.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
-#include "shell/u91Trace.h"
 
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;

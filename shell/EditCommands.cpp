@@ -6,9 +6,9 @@
 
 #include <functional>
 
+#include "base/u91Trace.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/system/Host.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

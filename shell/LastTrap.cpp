@@ -2,13 +2,13 @@
 
 #include <QTimer>
 
+#include "base/UIMode.h"
+#include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
 #include "platform/dialogs/MsgBox.h"
-#include "shell/UIMode.h"
 #include "shell/frm0_Prep.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include <QSize>
 
+#include "base/u91Trace.h"
 #include "datafile/DatafileHost.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
@@ -14,7 +15,6 @@
 #include "shell/frm0Start.h"
 #include "shell/frm0_Prep.h"
 #include "shell/frmTabs.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

@@ -4,15 +4,15 @@
 
 #include <memory>
 
+#include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "platform/system/Host.h"
-#include "shell/Worksheet.h"
 #include "shell/frm0_Prep.h"
-#include "shell/frm1Intro.h"
 #include "shell/frmTabs.h"
-#include "shell/u91Trace.h"
+#include "worksheets/Worksheet.h"
 #include "worksheets/cost/frm6SuppressAcre.h"
 #include "worksheets/goals/frm2RMAs.h"
+#include "worksheets/intro/frm1Intro.h"
 #include "worksheets/nvc/frm5NVCTable.h"
 #include "worksheets/resources/frm3SRMaster.h"
 #include "worksheets/zones/frm4FMZs.h"

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 
+#include "base/u91Trace.h"
 #include "platform/EventTrap.h"
 #include "platform/controls/FLabel.h"
 #include "platform/controls/FontScale.h"
@@ -19,7 +20,6 @@
 #include "shell/Scenery.h"
 #include "shell/a1Prep.h"
 #include "shell/frm0_Prep.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <QMenuBar>
 
+#include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
@@ -18,7 +19,6 @@
 #include "shell/frm0Start.h"
 #include "shell/frm0_Prep.h"
 #include "shell/frmTabs.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <optional>
 
+#include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepProperties.h"
 #include "platform/EventTrap.h"
@@ -22,7 +23,6 @@
 #include "shell/a3PrepForms.h"
 #include "shell/frm0Start.h"
 #include "shell/frmTabs.h"
-#include "shell/u91Trace.h"
 
 using platform::EventTrap::Attempt;
 using platform::EventTrap::Run;

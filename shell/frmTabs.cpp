@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QShortcut>
 
+#include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/EventTrap.h"
@@ -14,7 +15,6 @@
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
 #include "shell/a3PrepForms.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

@@ -28,7 +28,8 @@ TREE = COPY / "tree"
 BUILD = TREE / "build"
 MOST_UNNOTICED = 5.0
 # The test programs that can notice a mistake in a folder, the quickest first.
-NOTICED_BY = {"datafile": ("datafile", "import", "worksheets", "gui"),
+NOTICED_BY = {"base": ("base", "datafile", "shell", "gui"),
+              "datafile": ("datafile", "import", "worksheets", "gui"),
               "import": ("import", "worksheets", "gui"),
               "worksheets": ("worksheets", "gui"),
               "shell": ("shell", "datafile", "gui")}

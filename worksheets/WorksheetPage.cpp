@@ -10,12 +10,12 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "base/u91Trace.h"
 #include "platform/EventTrap.h"
 #include "platform/controls/FontScale.h"
 #include "platform/controls/ScrolledPage.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/help/HelpViewer.h"
-#include "shell/u91Trace.h"
 #include "worksheets/ChoiceBox.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <functional>
 #include <utility>
 
-#include "shell/Worksheet.h"
+#include "worksheets/Worksheet.h"
 #include "worksheets/undo/UndoHistory.h"
 
 class ChoiceBox;

@@ -12,9 +12,9 @@
 
 #include <memory>
 
+#include "base/UIMode.h"
 #include "datafile/frmFCDName.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "shell/UIMode.h"
 #include "support/Answers.h"
 #include "support/BuiltProgramFolder.h"
 

@@ -8,10 +8,10 @@
 
 #include "MadeFiles.h"
 #include "RunningProgram.h"
+#include "base/u91Trace.h"
 #include "datafile/PrepProperties.h"
 #include "platform/controls/FLabel.h"
 #include "shell/ProgramTexts.h"
-#include "shell/u91Trace.h"
 #include "support/Keyboard.h"
 
 namespace {

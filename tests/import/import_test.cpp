@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QFile>
 #include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 
 #include <algorithm>
@@ -19,7 +18,6 @@
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
-#include "import/ImportProgressBox.h"
 #include "import/mImport.h"
 #include "platform/system/Host.h"
 #include "support/Answers.h"
@@ -557,32 +555,6 @@ TEST_F(ImportTest, LargeFile_ImportsWithProgress) {
     EXPECT_EQ(progress.total, 300);
     EXPECT_EQ(tblFMZList->RecordCount(), 300);
     EXPECT_EQ(ValueRows(), 4200);
-}
-
-TEST_F(ImportTest, ProgressBox_LongImport_ShowsAndHoldsInputOff) {
-    QWidget frame;
-    frame.setObjectName(QStringLiteral("frame"));
-    frame.show();
-    QString shown;
-    {
-        ImportProgressBox progress(&frame);
-        progress.SetDelay(0);
-        progress.ZoneStarted(12, 300);
-        const QWidget* box = QApplication::activeModalWidget();
-        ASSERT_NE(box, nullptr);
-        shown = box->findChild<QLabel*>(QStringLiteral("lblProgress"))->text();
-        EXPECT_FALSE(const_cast<QWidget*>(box)->close()) << "an import is not broken off";
-        EXPECT_TRUE(box->isVisible());
-    }
-    EXPECT_EQ(shown, QStringLiteral("Copying zone 12 of 300"));
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-}
-
-TEST_F(ImportTest, ProgressBox_ShortImport_ShowsNothing) {
-    ImportProgressBox progress(nullptr);
-    progress.ZoneStarted(1, 2);
-    progress.ZoneStarted(2, 2);
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
 TEST_F(ImportTest, GetBRAMPath_WithoutRegardToCase_IsTheCostsFolder) {

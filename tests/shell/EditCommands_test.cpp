@@ -7,8 +7,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-#include "LogFolder.h"
 #include "platform/controls/vsFlexGrid.h"
+#include "support/LogFolder.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
-#include "shell/LogFolder.h"
 #include "support/Answers.h"
+#include "support/LogFolder.h"
 
 namespace {
 

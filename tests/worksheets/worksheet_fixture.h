@@ -12,15 +12,15 @@
 #include <memory>
 #include <vector>
 
+#include "base/UIMode.h"
 #include "datafile/data_file_fixture.h"
 #include "platform/EventTrap.h"
 #include "platform/controls/ClipboardShortcuts.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "shell/UIMode.h"
-#include "shell/Worksheet.h"
 #include "support/Answers.h"
 #include "support/Corpus.h"
 #include "support/print.h"
+#include "worksheets/Worksheet.h"
 
 // The worksheet manager as the forms see it.
 class FrameHost : public WorksheetHost {

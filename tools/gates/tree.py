@@ -5,7 +5,7 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
-FOLDERS = ["jet", "platform", "shell", "datafile", "worksheets", "import", "tools", "tests",
+FOLDERS = ["jet", "platform", "base", "shell", "datafile", "worksheets", "import", "tools", "tests",
            "season", "review", "jetsql", "fuzz", "bench"]
 CODE = {".h", ".cpp"}
 

@@ -3,12 +3,12 @@
 #include <QCoreApplication>
 #include <QStringList>
 
+#include "base/u91Trace.h"
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
-#include "shell/u91Trace.h"
 
 using PrepDatatables::tblSuppressionPerAcreCost;
 using ZoneKeys::kCostClasses;

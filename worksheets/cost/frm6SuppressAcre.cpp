@@ -7,11 +7,11 @@
 #include <tuple>
 #include <utility>
 
+#include "base/UIMode.h"
+#include "base/u91Trace.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "shell/UIMode.h"
-#include "shell/u91Trace.h"
 #include "worksheets/ChoiceBox.h"
 #include "worksheets/ChoicesRow.h"
 #include "worksheets/GridParts.h"

@@ -11,11 +11,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/UIMode.h"
+#include "base/u91Trace.h"
+#include "base/u92Utilities.h"
 #include "platform/EventTrap.h"
 #include "platform/text/Numbers.h"
-#include "shell/UIMode.h"
-#include "shell/u91Trace.h"
-#include "shell/u92Utilities.h"
 #include "worksheets/TextBox.h"
 #include "worksheets/goals/AreaList.h"
 #include "worksheets/goals/LineBreaks.h"

@@ -3,11 +3,11 @@
 #include <QCoreApplication>
 #include <QStringList>
 
+#include "base/u91Trace.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
-#include "shell/u91Trace.h"
 #include "worksheets/nvc/RoundSignificant.h"
 
 using PrepDatatables::tblNVCPerAcre;

@@ -6,13 +6,13 @@
 
 #include <algorithm>
 
+#include "base/UIMode.h"
+#include "base/u91Trace.h"
 #include "platform/EventTrap.h"
 #include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "shell/UIMode.h"
-#include "shell/u91Trace.h"
 #include "worksheets/ChoiceBox.h"
 #include "worksheets/ChoicesRow.h"
 #include "worksheets/GridParts.h"

@@ -1,7 +1,7 @@
 #include "worksheets/resources/SRDataSource.h"
 
+#include "base/u91Trace.h"
 #include "datafile/PrepProperties.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

@@ -11,15 +11,15 @@
 #include <array>
 #include <utility>
 
+#include "base/UIMode.h"
+#include "base/u91Trace.h"
+#include "base/u92Utilities.h"
 #include "datafile/PrepDatafile.h"
 #include "platform/EventTrap.h"
 #include "platform/FirstError.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/RunModal.h"
 #include "platform/text/Numbers.h"
-#include "shell/UIMode.h"
-#include "shell/u91Trace.h"
-#include "shell/u92Utilities.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/MissingRows.h"
 #include "worksheets/NoteLine.h"

@@ -8,6 +8,7 @@
 
 #include <optional>
 
+#include "base/u91Trace.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/ScrolledPage.h"
@@ -15,7 +16,6 @@
 #include "platform/help/HelpViewer.h"
 #include "platform/system/Host.h"
 #include "platform/text/Numbers.h"
-#include "shell/u91Trace.h"
 #include "worksheets/MomentLabel.h"
 #include "worksheets/TextBox.h"
 #include "worksheets/WorksheetPage.h"

@@ -7,11 +7,11 @@
 #include <set>
 #include <utility>
 
+#include "base/u91Trace.h"
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
-#include "shell/u91Trace.h"
 
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;

@@ -8,18 +8,18 @@
 
 #include <algorithm>
 
+#include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
-#include "import/ImportProgressBox.h"
 #include "import/mImport.h"
 #include "platform/EventTrap.h"
 #include "platform/FirstError.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
-#include "shell/u91Trace.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/MissingRows.h"
 #include "worksheets/NoteLine.h"
 #include "worksheets/zones/ImportNote.h"
+#include "worksheets/zones/ImportProgressBox.h"
 
 using platform::EventTrap::Trapped;
 

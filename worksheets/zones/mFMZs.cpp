@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/u91Trace.h"
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/ZoneKeys.h"
-#include "shell/u91Trace.h"
 
 using PrepDatatables::tblFMZList;
 

@@ -1,8 +1,8 @@
-#include "shell/u13Folders.h"
+#include "base/u13Folders.h"
 
 #include <gtest/gtest.h>
 
-#include "LogFolder.h"
+#include "support/LogFolder.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "shell/u91Trace.h"
+#include "base/u91Trace.h"
 
 #include <QDateTime>
 #include <QStringList>

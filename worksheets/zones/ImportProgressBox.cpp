@@ -1,4 +1,4 @@
-#include "import/ImportProgressBox.h"
+#include "worksheets/zones/ImportProgressBox.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "shell/frm1Intro.h"
+#include "worksheets/intro/frm1Intro.h"
 
 #include <QLabel>
 #include <QScrollArea>
@@ -6,9 +6,9 @@
 
 #include <algorithm>
 
+#include "base/u91Trace.h"
 #include "platform/controls/FLabel.h"
 #include "platform/controls/SSPanel.h"
-#include "shell/u91Trace.h"
 
 namespace {
 

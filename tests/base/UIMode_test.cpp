@@ -1,4 +1,4 @@
-#include "shell/UIMode.h"
+#include "base/UIMode.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "shell/u13Folders.h"
+#include "base/u13Folders.h"
 
+#include "base/u91Trace.h"
 #include "platform/RuntimeError.h"
 #include "platform/system/Host.h"
-#include "shell/u91Trace.h"
 
 namespace u13Folders {
 

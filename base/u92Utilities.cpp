@@ -1,7 +1,7 @@
-#include "shell/u92Utilities.h"
+#include "base/u92Utilities.h"
 
+#include "base/u91Trace.h"
 #include "platform/dialogs/MsgBox.h"
-#include "shell/u91Trace.h"
 
 namespace u92Utilities {
 

@@ -1,11 +1,11 @@
-#include "shell/u91Trace.h"
+#include "base/u91Trace.h"
 
 #include <gtest/gtest.h>
 
 #include <QDateTime>
 
-#include "LogFolder.h"
 #include "platform/RuntimeError.h"
+#include "support/LogFolder.h"
 
 namespace {
 
