@@ -45,7 +45,7 @@ std::unique_ptr<Database> Database::Impl::Create(const std::filesystem::path& pa
         try {
             {
                 Operation operation(*pager);
-                CreateSystemTables(operation, *pager);
+                CreateSystemTables(operation);
                 operation.Commit();
             }
             pager->MakeDurable();

@@ -82,7 +82,7 @@ TEST_P(CatalogTest, EntryWithoutADefinition_FailsOnlyForThatTable) {
     Pager& pager = database_->Internals().file->Pages();
     {
         Operation operation(pager);
-        WriteU16(pager.Change(page), 0, 0x0101);
+        WriteU16(operation.Change(page), 0, 0x0101);
         operation.Commit();
     }
     EXPECT_EQ(database_->TableNames().size(), 2U);

@@ -9,6 +9,7 @@
 #include "page/bytes.h"
 #include "page/header.h"
 #include "page/map_row.h"
+#include "page/operation.h"
 #include "page/pager.h"
 #include "page/usage_map.h"
 #include "sample_table.h"
@@ -21,13 +22,13 @@ protected:
     DamagedMap()
         : pager_(Pager::Create(*files_, "maps.mdb", GetParam())),
           operation_(std::in_place, *pager_),
-          noMap_(pager_->Allocate()),
-          map_(UsageMap::Create(*pager_)) {}
+          noMap_(operation_->Allocate()),
+          map_(UsageMap::Create(*operation_)) {}
 
     [[nodiscard]] const Format& FileFormat() const { return pager_->FileFormat(); }
     [[nodiscard]] std::uint32_t PerRange() const { return PagesOfMapPage(FileFormat()); }
     MutableBytes RowBytes(RowId row) {
-        const MutableBytes page = pager_->Change(row.page);
+        const MutableBytes page = operation_->Change(row.page);
         const RowExtent extent = FindMapRow(page, FileFormat(), row.slot);
         return Slice(page, extent.start, extent.length);
     }
@@ -51,17 +52,17 @@ INSTANTIATE_TEST_SUITE_P(Versions, DamagedMap, testing::Values(Version::kJet3, V
                          [](const auto& tested) { return VersionName(tested.param); });
 
 TEST_P(DamagedMap, StartBeyondAllPages_IsDamage) {
-    map_.Add(PageNumber{3});
+    map_.Add(*operation_, PageNumber{3});
     WriteU32(RowBytes(map_.Row()), 1, 0x01000000);
     EXPECT_EQ(ErrorOf([&] { (void)map_.Contains(PageNumber{3}); }), ErrorKind::kDamaged);
-    EXPECT_EQ(ErrorOf([&] { map_.Add(PageNumber{3}); }), ErrorKind::kDamaged);
+    EXPECT_EQ(ErrorOf([&] { map_.Add(*operation_, PageNumber{3}); }), ErrorKind::kDamaged);
 }
 
 TEST_P(DamagedMap, ReferenceToAnotherPage_IsDamageAndThePageStays) {
     Refer(map_.Row(), noMap_);
     EXPECT_EQ(ErrorOf([&] { (void)map_.Contains(PageNumber{3}); }), ErrorKind::kDamaged);
     EXPECT_EQ(ErrorOf([&] { (void)map_.NextFrom(PageNumber{0}); }), ErrorKind::kDamaged);
-    EXPECT_EQ(ErrorOf([&] { map_.Add(PageNumber{3}); }), ErrorKind::kDamaged);
+    EXPECT_EQ(ErrorOf([&] { map_.Add(*operation_, PageNumber{3}); }), ErrorKind::kDamaged);
     for (const std::byte byte : pager_->Page(noMap_).Data()) ASSERT_EQ(byte, std::byte{0});
 }
 
@@ -70,25 +71,26 @@ TEST_P(DamagedMap, RangesBehindTheRow_HaveNoPages) {
     EXPECT_FALSE(map_.Contains(PageNumber{3}));
     EXPECT_FALSE(map_.Contains(PageNumber{40 * PerRange() + 3}));
     EXPECT_EQ(map_.NextFrom(PageNumber{40 * PerRange()}), std::nullopt);
-    map_.Remove(PageNumber{40 * PerRange() + 3});
+    map_.Remove(*operation_, PageNumber{40 * PerRange() + 3});
 }
 
 TEST_P(DamagedMap, RangeBehindTheRow_LengthensItAsLongAsThePageHasRoom) {
     Refer(map_.Row(), {});
-    map_.Add(PageNumber{3});
+    map_.Add(*operation_, PageNumber{3});
     const std::size_t before = RowBytes(map_.Row()).size();
-    map_.Add(PageNumber{40 * PerRange() + 3});
+    map_.Add(*operation_, PageNumber{40 * PerRange() + 3});
     EXPECT_EQ(RowBytes(map_.Row()).size(), 1 + 4 * 41U);
     EXPECT_GT(RowBytes(map_.Row()).size(), before);
     EXPECT_TRUE(map_.Contains(PageNumber{3}));
     // The file does not reach so far, so whatever the map says of it means nothing.
     EXPECT_FALSE(map_.Contains(PageNumber{40 * PerRange() + 3}));
-    EXPECT_EQ(ErrorOf([&] { map_.Add(PageNumber{1020 * PerRange()}); }), ErrorKind::kFileTooLarge);
+    EXPECT_EQ(ErrorOf([&] { map_.Add(*operation_, PageNumber{1020 * PerRange()}); }),
+              ErrorKind::kFileTooLarge);
     EXPECT_TRUE(map_.Contains(PageNumber{3}));
 }
 
 TEST_P(DamagedMap, Visit_EndsWhenItIsToldTo) {
-    for (const std::uint32_t page : {3U, 5U, 9U}) map_.Add(PageNumber{page});
+    for (const std::uint32_t page : {3U, 5U, 9U}) map_.Add(*operation_, PageNumber{page});
     std::vector<std::uint32_t> seen;
     map_.ForEach(PageNumber{0}, [&](PageNumber page) {
         seen.push_back(page.value);
@@ -100,10 +102,10 @@ TEST_P(DamagedMap, Visit_EndsWhenItIsToldTo) {
 TEST_P(DamagedMap, FreePagesOfAnUnknownKind_AreNotGivenOut) {
     const std::uint32_t pages = pager_->PageCount();
     Refer(global_, noMap_);
-    EXPECT_EQ(ErrorOf([&] { (void)pager_->Allocate(); }), ErrorKind::kDamaged);
-    EXPECT_EQ(ErrorOf([&] { pager_->Free(noMap_); }), ErrorKind::kDamaged);
+    EXPECT_EQ(ErrorOf([&] { (void)operation_->Allocate(); }), ErrorKind::kDamaged);
+    EXPECT_EQ(ErrorOf([&] { operation_->Free(noMap_); }), ErrorKind::kDamaged);
     Refer(global_, {});
-    EXPECT_EQ(ErrorOf([&] { pager_->Free(noMap_); }), ErrorKind::kDamaged);
+    EXPECT_EQ(ErrorOf([&] { operation_->Free(noMap_); }), ErrorKind::kDamaged);
     EXPECT_EQ(pager_->PageCount(), pages);
 }
 
@@ -115,7 +117,7 @@ TEST_P(DamagedMap, FreePagesAtTheLargestSize_AreNotGivenOut) {
     for (const auto& [start, kind] :
          {std::pair{largest - 8, ErrorKind::kFileTooLarge}, {largest, ErrorKind::kDamaged}}) {
         WriteU32(row, 1, start);
-        EXPECT_EQ(ErrorOf([&] { (void)pager_->Allocate(); }), kind) << start;
+        EXPECT_EQ(ErrorOf([&] { (void)operation_->Allocate(); }), kind) << start;
     }
 }
 

@@ -152,9 +152,9 @@ TEST_P(DefinitionTest, AnyBytesChanged_AreReadOrRefused) {
 TEST_P(DefinitionTest, ChainThatBitesItsTail_IsDamage) {
     const auto files = MakeMemoryFileSystem();
     const auto pager = Pager::Create(*files, "definition.mdb", GetParam());
-    const Operation operation(*pager);
-    const PageNumber page = pager->Allocate();
-    const MutableBytes bytes = pager->Change(page);
+    Operation operation(*pager);
+    const PageNumber page = operation.Allocate();
+    const MutableBytes bytes = operation.Change(page);
     WriteU16(bytes, 0, 0x0102);
     WriteU32(bytes, 4, page.value);
     WriteU32(bytes, 8, 100000);

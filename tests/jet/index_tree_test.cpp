@@ -13,6 +13,7 @@
 #include "index/index_cursor.h"
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/operation.h"
 #include "page/pager.h"
 
 namespace jet {
@@ -159,10 +160,10 @@ protected:
         pager_ = Pager::Create(*files_, "an index.mdb", std::get<0>(GetParam()));
         Operation operation(*pager_);
         for (int i = 0; i < 4; ++i) {
-            (void)pager_->Allocate();
+            (void)operation.Allocate();
         }
-        map_ = std::make_unique<UsageMap>(UsageMap::Create(*pager_));
-        root_ = IndexTree::Create(*pager_, kTable, *map_);
+        map_ = std::make_unique<UsageMap>(UsageMap::Create(operation));
+        root_ = IndexTree::Create(operation, kTable, *map_);
         operation.Commit();
     }
 
@@ -189,7 +190,7 @@ protected:
 
     void Insert(const IndexEntry& entry) {
         Operation operation(*pager_);
-        const bool isNew = Tree().Insert(entry.key, entry.row);
+        const bool isNew = Tree().Insert(operation, entry.key, entry.row);
         operation.Commit();
         const bool had = std::any_of(model_.begin(), model_.end(), [&](const auto& other) {
             return other.second.key == entry.key;
@@ -200,7 +201,7 @@ protected:
 
     void Erase(const IndexEntry& entry) {
         Operation operation(*pager_);
-        Tree().Erase(entry.key, entry.row);
+        Tree().Erase(operation, entry.key, entry.row);
         operation.Commit();
         model_.erase(Bytewise(entry));
     }
@@ -369,17 +370,21 @@ TEST_P(IndexTreeTest, Errors_LeaveTheTreeAsItWas) {
     const IndexEntry entry = RandomEntry();
     Insert(entry);
     const auto attempt = [&](auto change) {
-        const Operation operation(*pager_);
+        Operation operation(*pager_);
         IndexTree tree = Tree();
-        change(tree);
+        change(operation, tree);
     };
-    EXPECT_THROW(attempt([&](IndexTree& tree) { tree.Insert(entry.key, entry.row); }), Error);
-    EXPECT_THROW(attempt([&](IndexTree& tree) {
-                     tree.Erase(entry.key, {PageNumber{7}, 7});
+    EXPECT_THROW(attempt([&](Operation& operation, IndexTree& tree) {
+                     tree.Insert(operation, entry.key, entry.row);
                  }),
                  Error);
-    EXPECT_THROW(attempt([&](IndexTree& tree) {
-                     tree.Insert(Key(pager_->FileFormat().entryCapacity / 3, std::byte{1}),
+    EXPECT_THROW(attempt([&](Operation& operation, IndexTree& tree) {
+                     tree.Erase(operation, entry.key, {PageNumber{7}, 7});
+                 }),
+                 Error);
+    EXPECT_THROW(attempt([&](Operation& operation, IndexTree& tree) {
+                     tree.Insert(operation,
+                                 Key(pager_->FileFormat().entryCapacity / 3, std::byte{1}),
                                  entry.row);
                  }),
                  Error);
@@ -404,15 +409,15 @@ TEST_P(IndexTreeTest, RootWithoutTail_TakesEntriesAboveItsLastChild) {
     if (ReadU8(pager_->Page(root_).Data(), 0) != 3) {
         GTEST_SKIP() << "So few keys of this shape exist that they do not fill a leaf.";
     }
-    const Operation operation(*pager_);
+    Operation operation(*pager_);
     const std::size_t tailAt = std::get<0>(GetParam()) == Version::kJet3 ? 0x10 : 0x14;
-    WriteU32(pager_->Change(root_), tailAt, 0);
+    WriteU32(operation.Change(root_), tailAt, 0);
     for (unsigned char last = 0; last < 3; ++last) {
         Key key(12, std::byte{0xFF});
         key.back() = std::byte{last};
         const RowId row{PageNumber{9}, last};
         IndexTree tree = Tree();
-        (void)tree.Insert(key, row);
+        (void)tree.Insert(operation, key, row);
         IndexCursor cursor(tree);
         ASSERT_TRUE(cursor.Seek(key, SeekTo::kNotBelow));
         EXPECT_EQ(cursor.Entry().row, row);
@@ -433,7 +438,7 @@ TEST_P(IndexTreeTest, Noise_NeverHangsOrCrashes) {
         for (int i = 0; i < 4; ++i) {
             auto page = pages.begin();
             std::advance(page, static_cast<std::ptrdiff_t>(random_() % pages.size()));
-            const MutableBytes bytes = pager_->Change(PageNumber{*page});
+            const MutableBytes bytes = operation.Change(PageNumber{*page});
             bytes[random_() % (i % 2 == 0 ? 64 : bytes.size())] =
                 static_cast<std::byte>(random_() & 0xFF);
         }
@@ -457,9 +462,11 @@ TEST_P(IndexTreeTest, Noise_NeverHangsOrCrashes) {
         });
         survive([&] {
             const IndexEntry entry = RandomEntry();
-            (void)Tree().Insert(entry.key, entry.row);
+            (void)Tree().Insert(operation, entry.key, entry.row);
         });
-        survive([&] { Tree().Erase(model_.begin()->second.key, model_.begin()->second.row); });
+        survive([&] {
+            Tree().Erase(operation, model_.begin()->second.key, model_.begin()->second.row);
+        });
         EXPECT_GT(steps, 0);
     }
 }

@@ -14,6 +14,7 @@
 #include "page/bytes.h"
 #include "page/checksum.h"
 #include "page/log_format.h"
+#include "page/operation.h"
 #include "page/pager.h"
 #include "page/pager_impl.h"
 #include "support/fault_file_system.h"
@@ -52,16 +53,16 @@ void ChangeSomething(Pager& pager, std::mt19937& draw) {
     const int changes = 1 + static_cast<int>(draw() % 3);
     for (int i = 0; i < changes; ++i) {
         const PageNumber page{2 + static_cast<std::uint32_t>(draw() % 4)};
-        const MutableBytes bytes = pager.Change(page);
+        const MutableBytes bytes = operation.Change(page);
         const std::size_t at = draw() % (bytes.size() - 40);
         for (std::size_t k = 0; k < 1 + draw() % 40; ++k) {
             bytes[at + k] = static_cast<std::byte>(draw());
         }
     }
     if (draw() % 2 == 0) {
-        const PageNumber page = pager.Allocate();
-        pager.Change(page)[draw() % 1000] = std::byte{0x5A};
-        if (draw() % 3 == 0) pager.Free(page);
+        const PageNumber page = operation.Allocate();
+        operation.Change(page)[draw() % 1000] = std::byte{0x5A};
+        if (draw() % 3 == 0) operation.Free(page);
     }
     operation.Commit();
 }
@@ -71,7 +72,7 @@ protected:
     JournalTest() {
         auto pager = Pager::Create(files_, kFile, GetParam());
         Operation operation(*pager);
-        for (int i = 0; i < 4; ++i) pager->Allocate();
+        for (int i = 0; i < 4; ++i) operation.Allocate();
         operation.Commit();
         pager->Close();
     }
@@ -329,7 +330,7 @@ TEST_P(JournalTest, MakeDurable_TakesTwoFlushesAndNoneWithoutChange) {
     pager->MakeDurable();
     {
         Operation operation(*pager);
-        pager->Change(PageNumber{3});
+        operation.Change(PageNumber{3});
         operation.Commit();
     }
     pager->MakeDurable();
@@ -497,7 +498,7 @@ TEST_P(JournalTest, Log_OfAnotherFile_IsSetAside) {
     {
         auto pager = Pager::Create(other, kFile, GetParam());
         Operation operation(*pager);
-        for (int i = 0; i < 4; ++i) pager->Change(pager->Allocate())[50] = std::byte{9};
+        for (int i = 0; i < 4; ++i) operation.Change(operation.Allocate())[50] = std::byte{9};
         operation.Commit();
         pager->Close();
     }
@@ -555,7 +556,7 @@ std::vector<std::byte> BeginningOfAnEmptiedLog(FaultFileSystem& files) {
         const auto pager = OpenFile(files);
         for (const std::byte value : {std::byte{1}, std::byte{2}, std::byte{1}}) {
             Operation operation(*pager);
-            pager->Change(PageNumber{3})[700] = value;
+            operation.Change(PageNumber{3})[700] = value;
             operation.Commit();
             if (value == std::byte{2}) firstEnd = files.Contents(kLog).size();
         }

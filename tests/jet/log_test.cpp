@@ -9,6 +9,7 @@
 #include "page/bytes.h"
 #include "page/header.h"
 #include "page/log_format.h"
+#include "page/operation.h"
 #include "page/pager.h"
 #include "support/fault_file_system.h"
 
@@ -35,7 +36,7 @@ protected:
         auto pager = Pager::Create(files_, kFile, GetParam());
         {
             Operation operation(*pager);
-            for (int i = 0; i < 4; ++i) pager->Allocate();
+            for (int i = 0; i < 4; ++i) operation.Allocate();
             operation.Commit();
         }
         pager->Close();

@@ -18,15 +18,15 @@ protected:
         : files_(MakeMemoryFileSystem()),
           pager_(Pager::Create(*files_, "values.mdb", GetParam())),
           operation_(std::in_place, *pager_) {
-        owned_ = UsageMap::Create(*pager_).Row();
-        free_ = UsageMap::Create(*pager_).Row();
+        owned_ = UsageMap::Create(*operation_).Row();
+        free_ = UsageMap::Create(*operation_).Row();
     }
 
     [[nodiscard]] const Format& FileFormat() const { return pager_->FileFormat(); }
     LongValueStore Store() { return {*pager_, owned_, free_}; }
     std::vector<std::byte> Write(std::size_t size, std::byte fill = std::byte{7}) {
         std::vector<std::byte> inRow;
-        Store().Write(std::vector<std::byte>(size, fill), size, inRow);
+        Store().Write(*operation_, std::vector<std::byte>(size, fill), size, inRow);
         return inRow;
     }
     std::vector<std::byte> Read(Bytes inRow) {
@@ -78,7 +78,7 @@ TEST_P(LongValueTest, Release_GivesEveryPageBack) {
     std::vector<std::vector<std::byte>> values;
     for (std::size_t size = 1; size < 40000; size += 777) values.push_back(Write(size));
     EXPECT_GT(PagesOf(owned_), 0);
-    for (const auto& value : values) Store().Release(value);
+    for (const auto& value : values) Store().Release(*operation_, value);
     EXPECT_EQ(PagesOf(owned_), 0);
     EXPECT_EQ(PagesOf(free_), 0);
 }
@@ -86,8 +86,8 @@ TEST_P(LongValueTest, Release_GivesEveryPageBack) {
 TEST_P(LongValueTest, ReleasingTwice_IsDamage) {
     const auto first = Write(500);
     const auto second = Write(500);
-    Store().Release(first);
-    EXPECT_EQ(ErrorOf([&] { Store().Release(first); }), ErrorKind::kDamaged);
+    Store().Release(*operation_, first);
+    EXPECT_EQ(ErrorOf([&] { Store().Release(*operation_, first); }), ErrorKind::kDamaged);
     EXPECT_EQ(Read(second).size(), 500U);
 }
 
@@ -103,13 +103,13 @@ TEST_P(LongValueTest, EmptyInRowPart_IsAnEmptyValue) {
 TEST_P(LongValueTest, ChainThatBitesItsTail_IsDamage) {
     const auto inRow = Write(std::size_t{FileFormat().longValueChunk} * 3);
     const RowId first = ReadLongValueHead(inRow)->first;
-    const MutableBytes page = pager_->Change(first.page);
+    const MutableBytes page = operation_->Change(first.page);
     const Slot slot = ReadSlot(page, FileFormat(), first.slot);
     WriteU32(page, slot.start, first.Packed());
     auto longer = inRow;
     WriteU32(longer, 0, 3 * 2048 * 40);
     EXPECT_EQ(ErrorOf([&] { Read(longer); }), ErrorKind::kDamaged);
-    EXPECT_EQ(ErrorOf([&] { Store().Release(inRow); }), ErrorKind::kDamaged);
+    EXPECT_EQ(ErrorOf([&] { Store().Release(*operation_, inRow); }), ErrorKind::kDamaged);
 }
 
 TEST_P(LongValueTest, HeadsThatMakeNoSense_AreDamage) {
@@ -138,21 +138,22 @@ TEST_P(LongValueTest, PiecesThatWereDeletedOrCutOff_AreDamage) {
     auto longer = chained;
     WriteU32(longer, 0, static_cast<std::uint32_t>(FileFormat().longValueChunk) * 2 + 1);
     EXPECT_EQ(ErrorOf([&] { Read(longer); }), ErrorKind::kDamaged);
-    ResizeRow(pager_->Change(first.page), FileFormat(), first.slot, 4);
+    ResizeRow(operation_->Change(first.page), FileFormat(), first.slot, 4);
     EXPECT_EQ(ErrorOf([&] { Read(chained); }), ErrorKind::kDamaged);
     EXPECT_EQ(Read(whole).size(), 500U);
-    DeleteRow(pager_->Change(row.page), FileFormat(), row.slot);
+    DeleteRow(operation_->Change(row.page), FileFormat(), row.slot);
     EXPECT_EQ(ErrorOf([&] { Read(whole); }), ErrorKind::kDamaged);
 }
 
 TEST_P(LongValueTest, WithoutAMapOfRoom_EveryValueHasItsPage) {
     LongValueStore store(*pager_, owned_, {});
     std::vector<std::vector<std::byte>> values(3);
-    for (auto& inRow : values) store.Write(std::vector<std::byte>(200, std::byte{7}), 200, inRow);
+    for (auto& inRow : values)
+        store.Write(*operation_, std::vector<std::byte>(200, std::byte{7}), 200, inRow);
     EXPECT_EQ(PagesOf(owned_), 3);
     for (const auto& inRow : values) {
         EXPECT_EQ(Read(inRow), std::vector<std::byte>(200, std::byte{7}));
-        store.Release(inRow);
+        store.Release(*operation_, inRow);
     }
     EXPECT_EQ(PagesOf(owned_), 0);
     EXPECT_EQ(PagesOf(free_), 0);
@@ -160,8 +161,8 @@ TEST_P(LongValueTest, WithoutAMapOfRoom_EveryValueHasItsPage) {
 
 TEST_P(LongValueTest, ReleaseOfWhatLiesInTheRow_ChangesNothing) {
     Write(500);
-    Store().Release(Write(5));
-    Store().Release({});
+    Store().Release(*operation_, Write(5));
+    Store().Release(*operation_, {});
     EXPECT_EQ(PagesOf(owned_), 1);
 }
 

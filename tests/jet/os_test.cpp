@@ -10,6 +10,7 @@
 #include "jet/error.h"
 #include "jet/file.h"
 #include "page/bytes.h"
+#include "page/operation.h"
 #include "page/pager.h"
 #include "support/child_process.h"
 #include "support/command.h"
@@ -59,7 +60,7 @@ std::uint32_t NumberIn(const std::string& line) {
 void MakeFile(const std::filesystem::path& path) {
     const auto pager = Pager::Create(HostFileSystem(), path, Version::kJet4);
     Operation operation(*pager);
-    for (int i = 0; i < 4; ++i) pager->Allocate();
+    for (int i = 0; i < 4; ++i) operation.Allocate();
     operation.Commit();
     pager->Close();
 }

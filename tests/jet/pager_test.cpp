@@ -6,14 +6,15 @@
 #include <algorithm>
 #include <memory>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/operation.h"
 #include "page/pager_impl.h"
 #include "page/usage_map.h"
+#include "sample_table.h"
 
 namespace jet {
 namespace {
@@ -23,7 +24,7 @@ protected:
     std::unique_ptr<Pager> MakeFile() {
         auto pager = Pager::Create(*files_, "a file.mdb", GetParam());
         Operation operation(*pager);
-        for (int i = 0; i < 4; ++i) EXPECT_TRUE(pager->Allocate());
+        for (int i = 0; i < 4; ++i) EXPECT_TRUE(operation.Allocate());
         operation.Commit();
         return pager;
     }
@@ -43,8 +44,8 @@ INSTANTIATE_TEST_SUITE_P(Versions, PagerTest, ::testing::Values(Version::kJet3, 
 
 TEST_P(PagerTest, Create_GivesPagesInOrderFromTwo) {
     auto pager = Pager::Create(*files_, "a file.mdb", GetParam());
-    const Operation operation(*pager);
-    for (std::uint32_t page = 2; page < 20; ++page) EXPECT_EQ(pager->Allocate().value, page);
+    Operation operation(*pager);
+    for (std::uint32_t page = 2; page < 20; ++page) EXPECT_EQ(operation.Allocate().value, page);
     EXPECT_EQ(pager->PageCount(), 20U);
 }
 
@@ -52,24 +53,24 @@ TEST_P(PagerTest, Operation_WithoutCommit_PutsEverythingBack) {
     auto pager = MakeFile();
     const std::uint64_t before = pager->ChangeCount();
     {
-        const Operation operation(*pager);
-        pager->Change(PageNumber{3})[100] = std::byte{7};
-        pager->Allocate();
+        Operation operation(*pager);
+        operation.Change(PageNumber{3})[100] = std::byte{7};
+        operation.Allocate();
         EXPECT_EQ(pager->PageCount(), 7U);
         EXPECT_EQ(pager->Page(PageNumber{3}).Data()[100], std::byte{7});
     }
     EXPECT_EQ(pager->PageCount(), 6U);
     EXPECT_EQ(pager->Page(PageNumber{3}).Data()[100], std::byte{0});
     EXPECT_NE(pager->ChangeCount(), before);
-    const Operation operation(*pager);
-    EXPECT_EQ(pager->Allocate().value, 6U);
+    Operation operation(*pager);
+    EXPECT_EQ(operation.Allocate().value, 6U);
 }
 
 TEST_P(PagerTest, Commit_ThenClose_IsThereAfterReopening) {
     auto pager = MakeFile();
     {
         Operation operation(*pager);
-        pager->Change(PageNumber{5})[10] = std::byte{42};
+        operation.Change(PageNumber{5})[10] = std::byte{42};
         operation.Commit();
     }
     pager->Close();
@@ -82,11 +83,11 @@ TEST_P(PagerTest, Commit_ThenClose_IsThereAfterReopening) {
 TEST_P(PagerTest, Free_ThenAllocate_GivesTheSamePageZeroed) {
     auto pager = MakeFile();
     Operation operation(*pager);
-    const MutableBytes bytes = pager->Change(PageNumber{4});
+    const MutableBytes bytes = operation.Change(PageNumber{4});
     std::fill(bytes.begin(), bytes.end(), std::byte{0xAA});
-    pager->Free(PageNumber{4});
-    EXPECT_THROW(pager->Free(PageNumber{4}), Error);
-    EXPECT_EQ(pager->Allocate().value, 4U);
+    operation.Free(PageNumber{4});
+    EXPECT_THROW(operation.Free(PageNumber{4}), Error);
+    EXPECT_EQ(operation.Allocate().value, 4U);
     const Bytes again = pager->Page(PageNumber{4}).Data();
     EXPECT_TRUE(std::all_of(again.begin(), again.end(), [](auto b) { return b == std::byte{0}; }));
     operation.Commit();
@@ -99,7 +100,7 @@ TEST_P(PagerTest, Allocate_FarPastTheFirstMap_StaysExact) {
     for (int round = 0; previous < last; ++round) {
         Operation operation(*pager);
         for (int i = 0; i < 1000; ++i) {
-            const PageNumber page = pager->Allocate();
+            const PageNumber page = operation.Allocate();
             ASSERT_GT(page.value, previous);
             previous = page.value;
         }
@@ -107,14 +108,15 @@ TEST_P(PagerTest, Allocate_FarPastTheFirstMap_StaysExact) {
     }
     {
         Operation operation(*pager);
-        for (const std::uint32_t page : {17U, 5000U, 69000U}) pager->Free(PageNumber{page});
+        for (const std::uint32_t page : {17U, 5000U, 69000U}) operation.Free(PageNumber{page});
         operation.Commit();
     }
     pager->Close();
     pager = Reopen();
     Operation operation(*pager);
-    for (const std::uint32_t page : {17U, 5000U, 69000U}) EXPECT_EQ(pager->Allocate().value, page);
-    EXPECT_EQ(pager->Allocate().value, previous + 1);
+    for (const std::uint32_t page : {17U, 5000U, 69000U})
+        EXPECT_EQ(operation.Allocate().value, page);
+    EXPECT_EQ(operation.Allocate().value, previous + 1);
     operation.Commit();
 }
 
@@ -132,19 +134,19 @@ TEST_P(PagerTest, Open_WhileOpen_IsRefused) {
 TEST_P(PagerTest, UsageMap_KeepsAnySetOfPages) {
     auto pager = MakeFile();
     Operation operation(*pager);
-    UsageMap map = UsageMap::Create(*pager);
-    UsageMap neighbour = UsageMap::Create(*pager);
-    neighbour.Add(PageNumber{11});
+    UsageMap map = UsageMap::Create(operation);
+    UsageMap neighbour = UsageMap::Create(operation);
+    neighbour.Add(operation, PageNumber{11});
     EXPECT_EQ(map.Row().page, neighbour.Row().page);
-    while (pager->Allocate().value < 60000) {
+    while (operation.Allocate().value < 60000) {
     }
     std::set<std::uint32_t> model;
     std::uint32_t step = 1;
     for (std::uint32_t page = 900; page < 60000; page += step++) {
-        map.Add(PageNumber{page});
+        map.Add(operation, PageNumber{page});
         model.insert(page);
         if (page % 3 == 0) {
-            map.Remove(PageNumber{page});
+            map.Remove(operation, PageNumber{page});
             model.erase(page);
         }
         ASSERT_EQ(map.Contains(PageNumber{page}), model.contains(page));
@@ -157,22 +159,37 @@ TEST_P(PagerTest, UsageMap_KeepsAnySetOfPages) {
     operation.Commit();
 }
 
-TEST_P(PagerTest, MisusedOperations_AreTold) {
+template <typename Pages>
+concept ChangesPages = requires(Pages& pages) {
+    pages.Change(PageNumber{3});
+}
+|| requires(Pages& pages) {
+    pages.Allocate();
+}
+|| requires(Pages& pages) {
+    pages.Free(PageNumber{3});
+};
+static_assert(ChangesPages<Operation> && !ChangesPages<Pager>);
+
+TEST_P(PagerTest, MisusedOperations_AreRefused) {
     const auto pager = MakeFile();
-    EXPECT_THROW(pager->Change(PageNumber{3}), std::logic_error);
-    EXPECT_THROW(pager->Allocate(), std::logic_error);
     {
-        const Operation operation(*pager);
-        EXPECT_THROW(const Operation second(*pager), std::logic_error);
-        pager->Change(PageNumber{3})[0] = std::byte{1};
-        EXPECT_THROW(pager->MakeDurable(), std::logic_error);
+        Operation operation(*pager);
+        EXPECT_EQ(ErrorOf([&] { const Operation second(*pager); }), ErrorKind::kTransactionOpen);
+        operation.Change(PageNumber{3})[0] = std::byte{1};
+        EXPECT_EQ(ErrorOf([&] { pager->MakeDurable(); }), ErrorKind::kTransactionOpen);
+        operation.Commit();
+        EXPECT_EQ(ErrorOf([&] { operation.Change(PageNumber{3}); }), ErrorKind::kNoTransaction);
+        EXPECT_EQ(ErrorOf([&] { operation.Allocate(); }), ErrorKind::kNoTransaction);
+        EXPECT_EQ(ErrorOf([&] { operation.Free(PageNumber{3}); }), ErrorKind::kNoTransaction);
+        EXPECT_EQ(ErrorOf([&] { operation.Commit(); }), ErrorKind::kNoTransaction);
     }
     pager->Close();
     pager->Close();
     pager->MakeDurable();
     pager->Abandon();
     try {
-        const Operation operation(*pager);
+        Operation operation(*pager);
         ADD_FAILURE() << "an operation on a closed file";
     } catch (const Error& error) {
         EXPECT_EQ(error.Kind(), ErrorKind::kClosed);

@@ -53,7 +53,7 @@ void Relate(Database& database, const char16_t* parent, const char16_t* parentIn
     Operation operation(file.Pages());
     for (std::size_t side = 0; side < (self ? 1U : 2U); ++side) {
         SortIndexNames(definitions[side]);
-        WriteDefinition(file.Pages(), definitions[side]);
+        WriteDefinition(operation, definitions[side]);
     }
     operation.Commit();
 }
@@ -231,7 +231,7 @@ TEST_P(RelationsTest, APartnerThatIsNotThere_MakesTheTableReadOnly) {
                   [](const LogicalIndex& index) { return index.role == IndexRole::kRelation; });
     {
         Operation operation(file.Pages());
-        WriteDefinition(file.Pages(), units);
+        WriteDefinition(operation, units);
         operation.Commit();
     }
     Reopen();

@@ -26,8 +26,8 @@ protected:
     Definition MakeDefinition(const TableSchema& schema) {
         Definition definition = DefinitionOf(schema, GetParam());
         PlaceColumns(definition, pager_->Header());
-        definition.page = pager_->Allocate();
-        MakeTablePages(*pager_, definition);
+        definition.page = operation_->Allocate();
+        MakeTablePages(*operation_, definition);
         return definition;
     }
     std::unique_ptr<Table> MakeTable(const TableSchema& schema) {
@@ -136,7 +136,7 @@ TEST_P(TableTest, PointersThatMakeNoSense_AreDamage) {
     schema.columns = {{.name = "Number"}};
     const auto table = MakeTable(schema);
     const RowId row = table->Insert(*operation_, Row(*table, {1}));
-    const MutableBytes page = pager_->Change(row.page);
+    const MutableBytes page = operation_->Change(row.page);
     SetSlotKind(page, pager_->FileFormat(), row.slot, SlotKind::kPointer);
     StoredRow stored;
     for (const std::uint32_t target : {row.Packed(), 0U, 0xFFFFFF00U, 0x100U, row.Packed() + 5}) {

@@ -220,8 +220,8 @@ void Catalog::CreateTable(const TableSchema& schema) {
         dropped_.reserve(dropped_.size() + created_.size() + 1);
     }
     Operation operation(*pager_);
-    definition.page = pager_->Allocate();
-    MakeTablePages(*pager_, definition);
+    definition.page = operation.Allocate();
+    MakeTablePages(operation, definition);
     SystemRow row =
         ObjectRow(objects_, definition.page.value, kTablesId, name, ObjectType::kTable, owner, 0);
     if (!properties.empty()) row.Set(u"LvProp", properties);

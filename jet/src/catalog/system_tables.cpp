@@ -88,9 +88,10 @@ void PlanIndexes(Definition& definition, std::span<const IndexPlan> indexes, std
     SortIndexNames(definition);
 }
 
-Definition MakeSystemTable(Pager& pager, PageNumber page, std::span<const ColumnPlan> columns,
+Definition MakeSystemTable(Operation& operation, PageNumber page,
+                           std::span<const ColumnPlan> columns,
                            std::span<const IndexPlan> indexes) {
-    const Format& format = pager.FileFormat();
+    const Format& format = operation.FileFormat();
     const bool jet3 = format.version == Version::kJet3;
     Definition definition;
     definition.page = page;
@@ -108,9 +109,9 @@ Definition MakeSystemTable(Pager& pager, PageNumber page, std::span<const Column
         column.length = jet3 ? kTextBytesJet3 : kTextBytesJet4;
         definition.columns.push_back(column);
     }
-    PlaceColumns(definition, pager.Header());
+    PlaceColumns(definition, operation.Pages().Header());
     PlanIndexes(definition, indexes, format.indexFlagAlways);
-    MakeTablePages(pager, definition);
+    MakeTablePages(operation, definition);
     return definition;
 }
 
@@ -222,15 +223,16 @@ SystemRow PermissionRow(const Table& permissions, std::uint32_t object, const Bi
     return row;
 }
 
-void CreateSystemTables(Operation& operation, Pager& pager) {
+void CreateSystemTables(Operation& operation) {
+    Pager& pager = operation.Pages();
     std::array<PageNumber, 4> pages;
-    for (PageNumber& page : pages) page = pager.Allocate();
+    for (PageNumber& page : pages) page = operation.Allocate();
     Table objects(pager, "MSysObjects",
-                  MakeSystemTable(pager, pages[0], kObjectColumns, kObjectIndexes));
+                  MakeSystemTable(operation, pages[0], kObjectColumns, kObjectIndexes));
     Table permissions(pager, "MSysACEs",
-                      MakeSystemTable(pager, pages[1], kPermissionColumns, kPermissionIndexes));
-    MakeSystemTable(pager, pages[2], kQueryColumns, kQueryIndexes);
-    MakeSystemTable(pager, pages[3], kRelationColumns, kRelationIndexes);
+                      MakeSystemTable(operation, pages[1], kPermissionColumns, kPermissionIndexes));
+    MakeSystemTable(operation, pages[2], kQueryColumns, kQueryIndexes);
+    MakeSystemTable(operation, pages[3], kRelationColumns, kRelationIndexes);
     const SecurityId mask =
         pager.FileFormat().version == Version::kJet3 ? SecurityId{} : kNewFileMask;
     FillObjects(operation, objects, mask);

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "jet/value.h"
+#include "page/operation.h"
 #include "page/pager.h"
 #include "table/table.h"
 
@@ -49,7 +50,7 @@ SystemRow ObjectRow(const Table& objects, std::uint32_t id, std::uint32_t parent
 SystemRow PermissionRow(const Table& permissions, std::uint32_t object, const Binary& owner,
                         std::uint32_t mask, bool inheritable);
 
-// Fills a file that has only the header and the global maps. Needs an open Operation.
-void CreateSystemTables(Operation& operation, Pager& pager);
+// Fills a file that has only the header and the global maps.
+void CreateSystemTables(Operation& operation);
 
 }  // namespace jet

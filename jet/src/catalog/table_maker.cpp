@@ -53,25 +53,25 @@ void PlaceColumns(Definition& definition, const FileHeader& header) {
     definition.FinishShape();
 }
 
-void MakeTablePages(Pager& pager, Definition& definition) {
-    definition.ownedMap = UsageMap::Create(pager).Row();
-    definition.freeMap = UsageMap::Create(pager).Row();
+void MakeTablePages(Operation& operation, Definition& definition) {
+    definition.ownedMap = UsageMap::Create(operation).Row();
+    definition.freeMap = UsageMap::Create(operation).Row();
     for (const Column& column : definition.columns) {
         if (!IsLongValue(column.type)) continue;
         LongValueMaps maps;
         maps.column = column.number;
-        maps.owned = UsageMap::Create(pager).Row();
-        maps.free = UsageMap::Create(pager).Row();
+        maps.owned = UsageMap::Create(operation).Row();
+        maps.free = UsageMap::Create(operation).Row();
         definition.longValueMaps.push_back(maps);
     }
     for (RealIndex& index : definition.realIndexes) {
-        index.map = UsageMap::Create(pager).Row();
+        index.map = UsageMap::Create(operation).Row();
     }
     for (RealIndex& index : definition.realIndexes) {
-        UsageMap map(pager, index.map);
-        index.root = IndexTree::Create(pager, definition.page, map);
+        UsageMap map(operation.Pages(), index.map);
+        index.root = IndexTree::Create(operation, definition.page, map);
     }
-    WriteDefinition(pager, definition);
+    WriteDefinition(operation, definition);
 }
 
 void SortIndexNames(Definition& definition) {

@@ -35,8 +35,8 @@ bool IndexTree::HasKey(Bytes key, RowId except) const {
     return false;
 }
 
-bool IndexTree::Insert(Bytes key, RowId row) {
-    TreeChange change(*pager_, table_, root_, pages_);
+bool IndexTree::Insert(Operation& operation, Bytes key, RowId row) {
+    TreeChange change(operation, table_, root_, pages_);
     if (const auto isNew = change.InsertInPlace(key, row, *this)) {
         return *isNew;
     }
@@ -45,17 +45,17 @@ bool IndexTree::Insert(Bytes key, RowId row) {
     return isNew;
 }
 
-void IndexTree::Erase(Bytes key, RowId row) {
-    TreeChange change(*pager_, table_, root_, pages_);
+void IndexTree::Erase(Operation& operation, Bytes key, RowId row) {
+    TreeChange change(operation, table_, root_, pages_);
     if (!change.EraseInPlace(key, row)) {
         change.Erase(key, row, *this);
     }
 }
 
-PageNumber IndexTree::Create(Pager& pager, PageNumber table, UsageMap& pages) {
-    const PageNumber root = pager.Allocate();
-    IndexPageContent().Encode(pager.Change(root), pager.FileFormat(), table);
-    pages.Add(root);
+PageNumber IndexTree::Create(Operation& operation, PageNumber table, UsageMap& pages) {
+    const PageNumber root = operation.Allocate();
+    IndexPageContent().Encode(operation.Change(root), operation.FileFormat(), table);
+    pages.Add(operation, root);
     return root;
 }
 

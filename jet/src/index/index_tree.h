@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "page/operation.h"
 #include "page/pager.h"
 #include "page/types.h"
 #include "page/usage_map.h"
@@ -33,15 +34,14 @@ public:
     // True when an entry with exactly this key exists, other than that of `except`.
     [[nodiscard]] bool HasKey(Bytes key, RowId except = {}) const;
 
-    // Changing; needs an open Operation. kDamaged when the tree contradicts itself or the entry to
+    // Changing. kDamaged when the tree contradicts itself or the entry to
     // be erased is missing; kRecordTooLarge for a key that no page can hold. True when no other
     // entry has the same key (the caller keeps the statistics).
-    bool Insert(Bytes key, RowId row);
-    void Erase(Bytes key, RowId row);
+    bool Insert(Operation& operation, Bytes key, RowId row);
+    void Erase(Operation& operation, Bytes key, RowId row);
 
-    // Makes an empty tree: allocates the root page and enters it in `pages`. Needs an open
-    // Operation.
-    static PageNumber Create(Pager& pager, PageNumber table, UsageMap& pages);
+    // Makes an empty tree: allocates the root page and enters it in `pages`.
+    static PageNumber Create(Operation& operation, PageNumber table, UsageMap& pages);
 
 private:
     Pager* pager_;

@@ -19,18 +19,18 @@ IndexPageContent TreeChange::Load(PageNumber page) const {
 }
 
 void TreeChange::Save(PageNumber page, const IndexPageContent& content) {
-    content.Encode(pager_.Change(page), format_, table_);
+    content.Encode(operation_.Change(page), format_, table_);
 }
 
 PageNumber TreeChange::AddPage() {
-    const PageNumber page = pager_.Allocate();
-    pages_.Add(page);
+    const PageNumber page = operation_.Allocate();
+    pages_.Add(operation_, page);
     return page;
 }
 
 void TreeChange::RemovePage(PageNumber page) {
-    pages_.Remove(page);
-    pager_.Free(page);
+    pages_.Remove(operation_, page);
+    operation_.Free(page);
 }
 
 void TreeChange::SetNext(PageNumber page, PageNumber next) {

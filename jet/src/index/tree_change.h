@@ -17,8 +17,13 @@ namespace jet {
 
 class TreeChange {
 public:
-    TreeChange(Pager& pager, PageNumber table, PageNumber root, UsageMap& pages)
-        : pager_(pager), format_(pager.FileFormat()), table_(table), root_(root), pages_(pages) {}
+    TreeChange(Operation& operation, PageNumber table, PageNumber root, UsageMap& pages)
+        : operation_(operation),
+          pager_(operation.Pages()),
+          format_(operation.FileFormat()),
+          table_(table),
+          root_(root),
+          pages_(pages) {}
 
     // kRecordTooLarge, kDamaged.
     void Insert(Bytes key, RowId row);
@@ -73,6 +78,7 @@ private:
 
     [[noreturn]] void Damaged(const char* what) const;
 
+    Operation& operation_;
     Pager& pager_;
     const Format& format_;
     PageNumber table_;

@@ -67,7 +67,7 @@ std::optional<bool> TreeChange::InsertInPlace(Bytes key, RowId row, const IndexT
     }
     const std::optional<bool> told = IsNew(leaf, at, key);
     const bool isNew = told ? *told : !tree.HasKey(key);
-    InsertStored(pager_.Change(number), format_, leaf.End(), at, stored);
+    InsertStored(operation_.Change(number), format_, leaf.End(), at, stored);
     return isNew;
 }
 
@@ -83,7 +83,7 @@ bool TreeChange::EraseInPlace(Bytes key, RowId row) {
     // The greatest entry of a leaf stands in a node too, and an empty leaf has to go.
     if (end == leaf.End() && number != root_) return false;
     if (!Holds(leaf, at, entry)) return false;
-    EraseStored(pager_.Change(number), format_, leaf.End(), at, end);
+    EraseStored(operation_.Change(number), format_, leaf.End(), at, end);
     return true;
 }
 

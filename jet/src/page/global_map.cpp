@@ -31,7 +31,7 @@ void CheckTaken(std::uint32_t page, const Format& format) {
 }  // namespace
 
 MutableBytes GlobalMap::ChangeRow() {
-    const MutableBytes page = pager_->Change(row_.page);
+    const MutableBytes page = operation_->Change(row_.page);
     const RowExtent extent = FindMapRow(page, pager_->FileFormat(), row_.slot);
     return Slice(page, extent.start, extent.length);
 }
@@ -59,7 +59,7 @@ PageNumber GlobalMap::TakeInline(PageNumber from) {
         bit = *found;
     } else {
         const auto longer = static_cast<std::uint32_t>(row.size()) + 4;
-        if (!LengthenMapRow(pager_->Change(row_.page), format, row_.slot, longer,
+        if (!LengthenMapRow(operation_->Change(row_.page), format, row_.slot, longer,
                             std::byte{0xFF})) {
             ConvertToReferences();
             return TakeReferenced(from);
@@ -93,7 +93,7 @@ PageNumber GlobalMap::TakeReferenced(PageNumber from) {
         if (!bit) continue;
         const std::uint32_t page = first + static_cast<std::uint32_t>(*bit);
         CheckTaken(page, format);
-        ClearBit(pager_->Change(mapPage).subspan(kMapPageHead), *bit);
+        ClearBit(operation_->Change(mapPage).subspan(kMapPageHead), *bit);
         return PageNumber{page};
     }
     throw Error(ErrorKind::kFileTooLarge,
@@ -115,8 +115,8 @@ void GlobalMap::ConvertToReferences() {
 // Makes `page` the map page of a range in which every page from `usedBelow` on is free.
 PageNumber GlobalMap::MakeMapPage(PageNumber page, std::uint32_t range, std::uint32_t usedBelow) {
     const std::uint32_t perRange = PagesOfMapPage(pager_->FileFormat());
-    pager_->Extend(page);
-    const MutableBytes map = pager_->Change(page);
+    operation_->Extend(page);
+    const MutableBytes map = operation_->Change(page);
     std::fill(map.begin(), map.end(), std::byte{0});
     WriteU16(map, 0, kMapPageType);
     const MutableBytes bits = map.subspan(kMapPageHead);
@@ -138,7 +138,7 @@ void GlobalMap::GiveBack(PageNumber page) {
         const std::uint32_t perRange = PagesOfMapPage(pager_->FileFormat());
         const PageNumber mapPage{ReadU32(row, 1 + 4 * std::size_t{page.value / perRange})};
         if (!mapPage || !IsMapPage(pager_->Page(mapPage).Data())) ThrowUnknown();
-        bits = pager_->Change(mapPage).subspan(kMapPageHead);
+        bits = operation_->Change(mapPage).subspan(kMapPageHead);
         bit = page.value % perRange;
     }
     if (bit / 8 >= bits.size() || TestBit(bits, bit)) {

@@ -5,6 +5,7 @@
 // stand for pages that somebody reserved; they are never taken.
 #pragma once
 
+#include "page/operation.h"
 #include "page/pager.h"
 #include "page/types.h"
 
@@ -12,7 +13,8 @@ namespace jet {
 
 class GlobalMap {
 public:
-    GlobalMap(Pager& pager, RowId row) : pager_(&pager), row_(row) {}
+    GlobalMap(Operation& operation, RowId row)
+        : operation_(&operation), pager_(&operation.Pages()), row_(row) {}
 
     // The lowest free page from `from` on, marked as used. It may lie past the end of the file.
     // kFileTooLarge at the format's size limit.
@@ -27,6 +29,7 @@ private:
     MutableBytes ChangeRow();
     PageNumber MakeMapPage(PageNumber page, std::uint32_t range, std::uint32_t usedBelow);
 
+    Operation* operation_;
     Pager* pager_;
     RowId row_;
 };

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <stdexcept>
 
 #include "jet/error.h"
 #include "page/bytes.h"
-#include "page/global_map.h"
 #include "page/pager_impl.h"
 
 namespace jet {
@@ -20,6 +18,11 @@ constexpr std::size_t kPagesOfPart = 128;
 constexpr std::uint32_t kReadAheadPages = 16;
 // Neighbouring pages go to the file in pieces of this size.
 constexpr std::size_t kWriteBytes = 256U << 10;
+
+// Only a file system or a logger that calls back gets here.
+[[noreturn]] void ThrowOperationOpen() {
+    throw Error(ErrorKind::kTransactionOpen, "A change is being made; it has to end first.");
+}
 
 }  // namespace
 
@@ -147,10 +150,6 @@ void Pager::Impl::RequireWritable() const {
     if (readOnly) throw Error(ErrorKind::kReadOnly, "The file is open for reading only.");
 }
 
-void Pager::Impl::RequireOperation() const {
-    if (!inOperation_) throw std::logic_error("no operation is open");
-}
-
 void Pager::Impl::CheckpointWhenDue(std::size_t mostDirtyBytes) {
     if (dirtyCount_ * format.pageSize > mostDirtyBytes || journal_.Size() > largestLog_) {
         MakeDurable();
@@ -170,7 +169,7 @@ void Pager::Impl::BeginTransaction() {
 
 void Pager::Impl::BeginOperation() {
     RequireWritable();
-    if (inOperation_) throw std::logic_error("operations do not nest");
+    if (inOperation_) ThrowOperationOpen();
     if (inTransaction_) {
         SpillWhenDue();
     } else {
@@ -183,7 +182,6 @@ void Pager::Impl::BeginOperation() {
 }
 
 MutableBytes Pager::Impl::Change(PageNumber page) {
-    RequireOperation();
     Frame& frame = Fetch(page);
     if (!frame.changing) {
         (frame.inTransaction ? savepoint_ : changed_).Add(frame, false);
@@ -194,7 +192,6 @@ MutableBytes Pager::Impl::Change(PageNumber page) {
 }
 
 void Pager::Impl::Append() {
-    RequireOperation();
     if (pageCount >= LargestPageCount(format)) {
         throw Error(ErrorKind::kFileTooLarge,
                     "The file has reached the largest size that its format allows.");
@@ -285,7 +282,6 @@ void Pager::Impl::SpillPart(std::span<const UndoImage* const> images) {
 }
 
 void Pager::Impl::CommitOperation() {
-    RequireOperation();
     if (inTransaction_) {
         ++changeCount;
     } else {
@@ -427,7 +423,7 @@ void Pager::Impl::WriteRun(std::uint32_t first, std::size_t count) {
 }
 
 void Pager::Impl::MakeDurable() {
-    if (inOperation_) throw std::logic_error("an operation is open");
+    if (inOperation_) ThrowOperationOpen();
     if (inTransaction_) {
         throw Error(ErrorKind::kTransactionOpen,
                     "What a transaction has changed so far cannot be made durable: it is open.");
@@ -480,19 +476,6 @@ void Pager::Impl::Abandon() noexcept {
     }
 }
 
-Operation::Operation(Pager& pager) : pager_(pager) {
-    pager_.Internals().BeginOperation();
-}
-
-Operation::~Operation() {
-    if (!committed_) pager_.Internals().RollbackOperation();
-}
-
-void Operation::Commit() {
-    pager_.Internals().CommitOperation();
-    committed_ = true;
-}
-
 Pager::Pager(std::unique_ptr<Impl> impl)
     : impl_(std::move(impl)), format_(&impl_->format), changeCount_(&impl_->changeCount) {}
 
@@ -519,39 +502,6 @@ bool Pager::IsReadOnly() const {
 
 PageRef Pager::Page(PageNumber page) {
     return {impl_->Fetch(page), impl_->format.pageSize};
-}
-
-MutableBytes Pager::Change(PageNumber page) {
-    return impl_->Change(page);
-}
-
-void Pager::Extend(PageNumber page) {
-    // Writers reserve a few pages past the end; a map that skips many is no map of this file.
-    constexpr std::uint32_t kMostReserved = 4096;
-    if (page.value >= impl_->pageCount + kMostReserved) {
-        ThrowDamaged("The file is damaged: its map of free pages does not fit its length.");
-    }
-    while (impl_->pageCount <= page.value) impl_->Append();
-}
-
-PageNumber Pager::Allocate() {
-    GlobalMap map(*this, impl_->header.freePages);
-    const PageNumber page = map.Take(impl_->lowestFree);
-    impl_->lowestFree = PageNumber{page.value + 1};
-    if (page.value < impl_->pageCount) {
-        const MutableBytes bytes = Change(page);
-        std::fill(bytes.begin(), bytes.end(), std::byte{0});
-    } else {
-        Extend(page);
-    }
-    return page;
-}
-
-void Pager::Free(PageNumber page) {
-    const MutableBytes bytes = Change(page);
-    GlobalMap(*this, impl_->header.freePages).GiveBack(page);
-    std::fill_n(bytes.begin(), 4, std::byte{0});
-    impl_->lowestFree = std::min(impl_->lowestFree, page);
 }
 
 void Pager::BeginTransaction() {

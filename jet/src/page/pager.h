@@ -2,11 +2,9 @@
 // operations.
 //
 // Reading: Page(n) pins page n and gives its bytes; the pin keeps them in the cache.
-// Changing: everything happens inside an Operation. Change(n) gives the page's bytes for writing
-// and remembers how they were; Allocate and Free keep the global map. An Operation that ends
-// without Commit puts every page back as it was. Commitment: an operation outside a transaction is
-// one by itself; inside one it is a savepoint, and CommitTransaction is the moment of commitment.
-// Either hands the differences to the journal, in one write.
+// Changing: only through an Operation (operation.h). One outside a transaction is a transaction by
+// itself; inside one it is a savepoint, and CommitTransaction is the moment of commitment. Either
+// hands the differences to the journal, in one write.
 //
 // Changed pages stay in the cache, and out of the file, until MakeDurable. See journal.h for what
 // happens between.
@@ -57,24 +55,6 @@ private:
     Bytes data_;
 };
 
-class Pager;
-
-class Operation {
-public:
-    // Operations do not nest. Errors: kReadOnly, kClosed, and those of MakeDurable when so much has
-    // changed since the last one that it is due; not within a transaction.
-    explicit Operation(Pager& pager);
-    Operation(const Operation&) = delete;
-    Operation& operator=(const Operation&) = delete;
-    ~Operation();  // rolls back unless committed
-    // Errors: kDiskFull, kIo; the operation is then undone when it goes.
-    void Commit();
-
-private:
-    Pager& pager_;
-    bool committed_ = false;
-};
-
 class Pager {
 public:
     class Impl;
@@ -100,12 +80,6 @@ public:
 
     // kDamaged for a page past the end of the file.
     [[nodiscard]] PageRef Page(PageNumber page);
-    // The bytes stay valid until the operation ends. Needs an open Operation.
-    MutableBytes Change(PageNumber page);
-    // A zeroed page, marked as used in the global map. Needs an open Operation. kFileTooLarge.
-    PageNumber Allocate();
-    // Marks the page as free in the global map and clears its first bytes. Needs an open Operation.
-    void Free(PageNumber page);
     // Raised by every operation that changed something, and when one is undone; lets cached
     // positions notice changes.
     [[nodiscard]] std::uint64_t ChangeCount() const { return *changeCount_; }
@@ -132,10 +106,6 @@ public:
     [[nodiscard]] Impl& Internals() { return *impl_; }
 
 private:
-    friend class GlobalMap;
-    friend class Operation;
-    // Lengthens the file with zeroed pages until it has this one.
-    void Extend(PageNumber page);
     void StartFile(Version version);
 
     std::unique_ptr<Impl> impl_;

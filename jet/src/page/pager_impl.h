@@ -69,7 +69,6 @@ private:
     Frame& LoadAlone(PageNumber page);
     [[nodiscard]] std::uint32_t ReadAhead(PageNumber page) const;
     void RequireWritable() const;
-    void RequireOperation() const;
     void CheckpointWhenDue(std::size_t mostDirtyBytes);
     void SpillWhenDue();
     void Spill();

@@ -9,6 +9,7 @@
 #include "page/checksum.h"
 #include "page/found_log.h"
 #include "page/kept_logs.h"
+#include "page/operation.h"
 #include "page/pager_impl.h"
 
 namespace jet {
@@ -173,9 +174,9 @@ std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::p
 // The header page and the global maps.
 void Pager::StartFile(Version version) {
     Operation operation(*this);
-    Extend(PageNumber{1});
-    WriteFileHeader(Change(PageNumber{0}), version);
-    WriteGlobalMapsPage(Change(PageNumber{1}), FileFormat());
+    operation.Extend(PageNumber{1});
+    WriteFileHeader(operation.Change(PageNumber{0}), version);
+    WriteGlobalMapsPage(operation.Change(PageNumber{1}), FileFormat());
     const PageRef first = Page(PageNumber{0});
     impl_->header = ReadFileHeader(first.Data());
     impl_->fileCounter = ReadCommitCounter(first.Data(), FileFormat());

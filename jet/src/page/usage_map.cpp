@@ -105,68 +105,68 @@ void RewriteInline(MutableBytes row, std::uint32_t start, const std::vector<Page
     }
 }
 
-MutableBytes ChangeRow(Pager& pager, RowId row) {
-    const MutableBytes page = pager.Change(row.page);
-    const RowExtent extent = FindMapRow(page, pager.FileFormat(), row.slot);
+MutableBytes ChangeRow(Operation& operation, RowId row) {
+    const MutableBytes page = operation.Change(row.page);
+    const RowExtent extent = FindMapRow(page, operation.FileFormat(), row.slot);
     return Slice(page, extent.start, extent.length);
 }
 
 // Sets the page's bit in a reference map, with a new map page where the range has none.
-void AddReferenced(Pager& pager, RowId row, PageNumber page) {
-    const Format& format = pager.FileFormat();
+void AddReferenced(Operation& operation, RowId row, PageNumber page) {
+    const Format& format = operation.FileFormat();
     const std::uint32_t range = page.value / PagesOfMapPage(format);
     const std::uint32_t bit = page.value % PagesOfMapPage(format);
-    MutableBytes bytes = ChangeRow(pager, row);
+    MutableBytes bytes = ChangeRow(operation, row);
     if (bytes.size() < 1 + 4 * (range + 1)) {
-        if (!LengthenMapRow(pager.Change(row.page), format, row.slot, 1 + 4 * (range + 1),
+        if (!LengthenMapRow(operation.Change(row.page), format, row.slot, 1 + 4 * (range + 1),
                             std::byte{0})) {
             throw Error(ErrorKind::kFileTooLarge, "A table has no room to grow any further.");
         }
-        bytes = ChangeRow(pager, row);
+        bytes = ChangeRow(operation, row);
     }
     PageNumber mapPage{ReadU32(bytes, 1 + 4 * range)};
     if (!mapPage) {
-        mapPage = pager.Allocate();
-        WriteU16(pager.Change(mapPage), 0, kMapPageType);
+        mapPage = operation.Allocate();
+        WriteU16(operation.Change(mapPage), 0, kMapPageType);
         // Allocating may have moved the row.
-        WriteU32(ChangeRow(pager, row), 1 + 4 * range, mapPage.value);
+        WriteU32(ChangeRow(operation, row), 1 + 4 * range, mapPage.value);
     }
-    const MutableBytes target = pager.Change(mapPage);
+    const MutableBytes target = operation.Change(mapPage);
     if (!IsMapPage(target)) ThrowDamaged("The file is damaged: a usage-map page is missing.");
     SetBit(target.subspan(kMapPageHead), bit);
 }
 
-void ConvertToReferences(Pager& pager, RowId row, const std::vector<PageNumber>& members) {
-    const MutableBytes bytes = ChangeRow(pager, row);
+void ConvertToReferences(Operation& operation, RowId row, const std::vector<PageNumber>& members) {
+    const MutableBytes bytes = ChangeRow(operation, row);
     std::fill(bytes.begin(), bytes.end(), std::byte{0});
     WriteU8(bytes, 0, kReferenceMap);
-    for (const PageNumber member : members) AddReferenced(pager, row, member);
+    for (const PageNumber member : members) AddReferenced(operation, row, member);
 }
 
 // Lets an inline map reach a page outside it: by another start where the members are close
 // together, else by a longer row, else as a reference map.
-void AddBeyond(Pager& pager, const UsageMap& map, PageNumber page) {
+void AddBeyond(Operation& operation, const UsageMap& map, PageNumber page) {
     const RowId row = map.Row();
     std::vector<PageNumber> members = Members(map);
     members.insert(std::lower_bound(members.begin(), members.end(), page), page);
     const std::uint32_t last = members.back().value;
-    const auto length = static_cast<std::uint32_t>(ChangeRow(pager, row).size());
+    const auto length = static_cast<std::uint32_t>(ChangeRow(operation, row).size());
     const std::uint32_t coverage = 8 * (length - kInlineMapHead);
     const std::uint32_t near = members.front().value & ~7U;
     const std::uint32_t start = last < coverage ? 0 : near;
     if (last - start < coverage) {
-        RewriteInline(ChangeRow(pager, row), start, members);
+        RewriteInline(ChangeRow(operation, row), start, members);
         return;
     }
-    const std::uint32_t oldStart = ReadU32(ChangeRow(pager, row), 1);
+    const std::uint32_t oldStart = ReadU32(ChangeRow(operation, row), 1);
     const std::uint32_t grownStart = std::min(oldStart, near);
     const std::uint32_t steps = (last - grownStart - coverage) / 32 + 1;
-    if (LengthenMapRow(pager.Change(row.page), pager.FileFormat(), row.slot, length + 4 * steps,
-                       std::byte{0})) {
-        RewriteInline(ChangeRow(pager, row), grownStart, members);
+    if (LengthenMapRow(operation.Change(row.page), operation.FileFormat(), row.slot,
+                       length + 4 * steps, std::byte{0})) {
+        RewriteInline(ChangeRow(operation, row), grownStart, members);
         return;
     }
-    ConvertToReferences(pager, row, members);
+    ConvertToReferences(operation, row, members);
 }
 
 }  // namespace
@@ -195,7 +195,7 @@ void UsageMap::ForEach(PageNumber from, const std::function<bool(PageNumber)>& v
     while (page && visit(*page)) page = NextFrom(PageNumber{page->value + 1});
 }
 
-void UsageMap::Add(PageNumber page) {
+void UsageMap::Add(Operation& operation, PageNumber page) {
     bool isInline = false;
     {
         const PageRef holder = pager_->Page(row_.page);
@@ -203,28 +203,28 @@ void UsageMap::Add(PageNumber page) {
         isInline = map.IsInline();
         if (isInline && map.Covers(page.value)) {
             const std::uint32_t bit = page.value - map.Start();
-            SetBit(ChangeRow(*pager_, row_).subspan(kInlineMapHead), bit);
+            SetBit(ChangeRow(operation, row_).subspan(kInlineMapHead), bit);
             return;
         }
     }
     if (isInline) {
-        AddBeyond(*pager_, *this, page);
+        AddBeyond(operation, *this, page);
     } else {
-        AddReferenced(*pager_, row_, page);
+        AddReferenced(operation, row_, page);
     }
 }
 
-void UsageMap::Remove(PageNumber page) {
+void UsageMap::Remove(Operation& operation, PageNumber page) {
     if (!Contains(page)) return;
     const PageRef holder = pager_->Page(row_.page);
     const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
     if (map.IsInline()) {
-        ClearBit(ChangeRow(*pager_, row_).subspan(kInlineMapHead), page.value - map.Start());
+        ClearBit(ChangeRow(operation, row_).subspan(kInlineMapHead), page.value - map.Start());
         return;
     }
     const std::uint32_t perRange = PagesOfMapPage(pager_->FileFormat());
     const PageNumber mapPage{map.MapPageOf(page.value / perRange)};
-    ClearBit(pager_->Change(mapPage).subspan(kMapPageHead), page.value % perRange);
+    ClearBit(operation.Change(mapPage).subspan(kMapPageHead), page.value % perRange);
 }
 
 namespace {
@@ -247,18 +247,19 @@ bool TakesMapRows(Pager& pager, PageNumber page) {
 
 }  // namespace
 
-UsageMap UsageMap::Create(Pager& pager) {
+UsageMap UsageMap::Create(Operation& operation) {
+    Pager& pager = operation.Pages();
     const Format& format = pager.FileFormat();
     for (const PageNumber page : {pager.Internals().mapRowPage, FirstMapRowPage(pager)}) {
         if (!TakesMapRows(pager, page)) continue;
         const std::uint16_t slot = ReadU16(pager.Page(page).Data(), format.rowCountAt);
-        if (AppendMapRow(pager.Change(page), format, format.initialMapRow)) {
+        if (AppendMapRow(operation.Change(page), format, format.initialMapRow)) {
             return {pager, RowId{page, static_cast<std::uint8_t>(slot)}};
         }
     }
-    const PageNumber page = pager.Allocate();
-    StartMapRowPage(pager.Change(page), format);
-    AppendMapRow(pager.Change(page), format, format.initialMapRow);
+    const PageNumber page = operation.Allocate();
+    StartMapRowPage(operation.Change(page), format);
+    AppendMapRow(operation.Change(page), format, format.initialMapRow);
     pager.Internals().mapRowPage = page;
     return {pager, RowId{page, 0}};
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 
+#include "page/operation.h"
 #include "page/pager.h"
 #include "page/types.h"
 
@@ -18,12 +19,11 @@ public:
     // The members in rising order from `from` on; stops when `visit` gives false.
     void ForEach(PageNumber from, const std::function<bool(PageNumber)>& visit) const;
     [[nodiscard]] std::optional<PageNumber> NextFrom(PageNumber from) const;
-    // Both need an open Operation.
-    void Add(PageNumber page);
-    void Remove(PageNumber page);
+    void Add(Operation& operation, PageNumber page);
+    void Remove(Operation& operation, PageNumber page);
 
-    // Makes an empty map on a usage-map page with room. Needs an open Operation.
-    static UsageMap Create(Pager& pager);
+    // Makes an empty map on a usage-map page with room.
+    static UsageMap Create(Operation& operation);
 
 private:
     Pager* pager_;

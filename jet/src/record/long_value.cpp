@@ -160,7 +160,8 @@ LongValueStore::LongValueStore(Pager& pager, RowId ownedMap, RowId freeMap)
     if (freeMap) free_.emplace(pager, freeMap);
 }
 
-void LongValueStore::Write(Bytes value, std::size_t plainLength, std::vector<std::byte>& inRow) {
+void LongValueStore::Write(Operation& operation, Bytes value, std::size_t plainLength,
+                           std::vector<std::byte>& inRow) {
     const Format& format = pager_->FileFormat();
     if (plainLength <= format.longValueInRow) {
         AppendHead(value.size(), LongValueForm::kInline, {}, inRow);
@@ -168,7 +169,7 @@ void LongValueStore::Write(Bytes value, std::size_t plainLength, std::vector<std
         return;
     }
     if (plainLength <= format.longValueOnePage) {
-        AppendHead(value.size(), LongValueForm::kRow, Append(value), inRow);
+        AppendHead(value.size(), LongValueForm::kRow, Append(operation, value), inRow);
         return;
     }
     // The last part is written first, so that each row can name the next one.
@@ -181,39 +182,39 @@ void LongValueStore::Write(Bytes value, std::size_t plainLength, std::vector<std
         WriteU32(row, 0, next.Packed());
         row.insert(row.end(), value.begin() + static_cast<std::ptrdiff_t>(start),
                    value.begin() + static_cast<std::ptrdiff_t>(end));
-        next = Append(row);
+        next = Append(operation, row);
         end = start;
     }
     AppendHead(value.size(), LongValueForm::kChain, next, inRow);
 }
 
-void LongValueStore::Release(Bytes inRow) {
+void LongValueStore::Release(Operation& operation, Bytes inRow) {
     const auto head = ReadLongValueHead(inRow);
     if (!head || head->form == LongValueForm::kInline) return;
     if (head->form == LongValueForm::kRow) {
-        ReleaseRow(head->first);
+        ReleaseRow(operation, head->first);
         return;
     }
     RowId row = head->first;
     while (row) {
         const RowId next = RowId::FromPacked(ReadU32(ReadRow(*pager_, row).bytes, 0));
-        ReleaseRow(row);
+        ReleaseRow(operation, row);
         // A released row cannot be read again, so a chain that bites its tail ends here too.
         row = next;
     }
 }
 
-RowId LongValueStore::Append(Bytes row) {
-    const PageNumber page = PageWithRoom(static_cast<std::uint32_t>(row.size()));
-    const MutableBytes bytes = pager_->Change(page);
+RowId LongValueStore::Append(Operation& operation, Bytes row) {
+    const PageNumber page = PageWithRoom(operation, static_cast<std::uint32_t>(row.size()));
+    const MutableBytes bytes = operation.Change(page);
     const std::uint8_t slot = AppendRow(bytes, pager_->FileFormat(), row, SlotKind::kRow);
     const bool isFull = PageRoom(bytes, pager_->FileFormat()) <= kPointerSize &&
                         PossibleRoom(bytes, pager_->FileFormat()) <= kPointerSize;
-    if (free_ && isFull) free_->Remove(page);
+    if (free_ && isFull) free_->Remove(operation, page);
     return {page, slot};
 }
 
-PageNumber LongValueStore::PageWithRoom(std::uint32_t length) {
+PageNumber LongValueStore::PageWithRoom(Operation& operation, std::uint32_t length) {
     const Format& format = pager_->FileFormat();
     std::optional<PageNumber> page = free_ ? free_->NextFrom(PageNumber{0}) : std::nullopt;
     // A whole page is asked for by the parts of a chain; searching the others would be in vain.
@@ -223,33 +224,33 @@ PageNumber LongValueStore::PageWithRoom(std::uint32_t length) {
             ThrowBadValue();
         }
         if (HasRoomFor(candidate.Data(), format, length)) return *page;
-        free_->Remove(*page);
+        free_->Remove(operation, *page);
         page = free_->NextFrom(PageNumber{page->value + 1});
     }
-    const PageNumber fresh = pager_->Allocate();
-    StartDataPage(pager_->Change(fresh), format, kLongValueOwner);
-    owned_.Add(fresh);
-    EnterFree(fresh);
+    const PageNumber fresh = operation.Allocate();
+    StartDataPage(operation.Change(fresh), format, kLongValueOwner);
+    owned_.Add(operation, fresh);
+    EnterFree(operation, fresh);
     return fresh;
 }
 
-void LongValueStore::EnterFree(PageNumber page) {
-    if (free_ && !free_->Contains(page)) free_->Add(page);
+void LongValueStore::EnterFree(Operation& operation, PageNumber page) {
+    if (free_ && !free_->Contains(page)) free_->Add(operation, page);
 }
 
-void LongValueStore::ReleaseRow(RowId row) {
+void LongValueStore::ReleaseRow(Operation& operation, RowId row) {
     const Format& format = pager_->FileFormat();
     if (!owned_.Contains(row.page)) ThrowBadValue();
-    const MutableBytes page = pager_->Change(row.page);
+    const MutableBytes page = operation.Change(row.page);
     if (ReadSlot(page, format, row.slot).kind == SlotKind::kDeleted) ThrowBadValue();
     DeleteRow(page, format, row.slot);
     if (HasLiveSlots(page, format)) {
-        EnterFree(row.page);
+        EnterFree(operation, row.page);
         return;
     }
-    if (free_) free_->Remove(row.page);
-    owned_.Remove(row.page);
-    pager_->Free(row.page);
+    if (free_) free_->Remove(operation, row.page);
+    owned_.Remove(operation, row.page);
+    operation.Free(row.page);
 }
 
 }  // namespace jet

@@ -17,6 +17,7 @@
 #include <optional>
 #include <vector>
 
+#include "page/operation.h"
 #include "page/pager.h"
 #include "page/types.h"
 #include "page/usage_map.h"
@@ -72,16 +73,17 @@ public:
     LongValueStore(Pager& pager, RowId ownedMap, RowId freeMap);
 
     // Stores the value and appends its part in the row. `plainLength` is the size before any
-    // compression and decides about the form. Needs an open Operation.
-    void Write(Bytes value, std::size_t plainLength, std::vector<std::byte>& inRow);
-    // Gives back everything outside the row. Needs an open Operation.
-    void Release(Bytes inRow);
+    // compression and decides about the form.
+    void Write(Operation& operation, Bytes value, std::size_t plainLength,
+               std::vector<std::byte>& inRow);
+    // Gives back everything outside the row.
+    void Release(Operation& operation, Bytes inRow);
 
 private:
-    RowId Append(Bytes row);
-    PageNumber PageWithRoom(std::uint32_t length);
-    void EnterFree(PageNumber page);
-    void ReleaseRow(RowId row);
+    RowId Append(Operation& operation, Bytes row);
+    PageNumber PageWithRoom(Operation& operation, std::uint32_t length);
+    void EnterFree(Operation& operation, PageNumber page);
+    void ReleaseRow(Operation& operation, RowId row);
 
     Pager* pager_;
     UsageMap owned_;

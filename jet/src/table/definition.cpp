@@ -345,23 +345,23 @@ std::uint32_t DefinitionCounters::LastAutoNumber() const {
     return ReadU32(pager_->Page(page_).Data(), LayoutOf(pager_->FileFormat()).lastAutoNumber);
 }
 
-void DefinitionCounters::AddRows(std::int32_t more) {
+void DefinitionCounters::AddRows(Operation& operation, std::int32_t more) {
     const std::size_t at = LayoutOf(pager_->FileFormat()).rowCount;
-    const MutableBytes page = pager_->Change(page_);
+    const MutableBytes page = operation.Change(page_);
     const std::uint32_t count = ReadU32(page, at);
     // A count that was wrong before must not wrap around.
     const bool below = more < 0 && count < static_cast<std::uint32_t>(-more);
     WriteU32(page, at, below ? 0 : count + static_cast<std::uint32_t>(more));
 }
 
-void DefinitionCounters::SetLastAutoNumber(std::uint32_t value) {
-    WriteU32(pager_->Change(page_), LayoutOf(pager_->FileFormat()).lastAutoNumber, value);
+void DefinitionCounters::SetLastAutoNumber(Operation& operation, std::uint32_t value) {
+    WriteU32(operation.Change(page_), LayoutOf(pager_->FileFormat()).lastAutoNumber, value);
 }
 
-void DefinitionCounters::AddDistinctKey(std::size_t realIndex) {
+void DefinitionCounters::AddDistinctKey(Operation& operation, std::size_t realIndex) {
     const Format& format = pager_->FileFormat();
     const std::size_t at = format.tdefHeaderSize + realIndex * format.indexStatisticsSize + 4;
-    const MutableBytes page = pager_->Change(page_);
+    const MutableBytes page = operation.Change(page_);
     WriteU32(page, at, ReadU32(page, at) + 1);
 }
 

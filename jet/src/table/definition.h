@@ -34,6 +34,7 @@
 #include <string_view>
 #include <vector>
 
+#include "page/operation.h"
 #include "page/pager.h"
 #include "record/row.h"
 #include "values/column.h"
@@ -117,8 +118,8 @@ std::vector<std::byte> JoinDefinition(Pager& pager, PageNumber page,
 
 // The string of bytes for a definition.
 std::vector<std::byte> BuildDefinition(const Definition& definition);
-// Writes it to the first page and as many new ones as it takes. Needs an open Operation.
-void WriteDefinition(Pager& pager, const Definition& definition);
+// Writes it to the first page and as many new ones as it takes.
+void WriteDefinition(Operation& operation, const Definition& definition);
 
 // The numbers that change with the rows. They lie on the definition's first page.
 class DefinitionCounters {
@@ -126,10 +127,9 @@ public:
     DefinitionCounters(Pager& pager, PageNumber page) : pager_(&pager), page_(page) {}
     [[nodiscard]] std::uint32_t RowCount() const;
     [[nodiscard]] std::uint32_t LastAutoNumber() const;
-    // These need an open Operation.
-    void AddRows(std::int32_t more);
-    void SetLastAutoNumber(std::uint32_t value);
-    void AddDistinctKey(std::size_t realIndex);
+    void AddRows(Operation& operation, std::int32_t more);
+    void SetLastAutoNumber(Operation& operation, std::uint32_t value);
+    void AddDistinctKey(Operation& operation, std::size_t realIndex);
 
 private:
     Pager* pager_;

@@ -179,8 +179,8 @@ std::vector<std::byte> BuildDefinition(const Definition& definition) {
     return bytes;
 }
 
-void WriteDefinition(Pager& pager, const Definition& definition) {
-    const Format& format = pager.FileFormat();
+void WriteDefinition(Operation& operation, const Definition& definition) {
+    const Format& format = operation.FileFormat();
     const std::vector<std::byte> joined = BuildDefinition(definition);
     PageNumber page = definition.page;
     std::size_t written = 0;
@@ -188,12 +188,12 @@ void WriteDefinition(Pager& pager, const Definition& definition) {
         const bool first = written == 0;
         const std::size_t head = first ? 0 : kDefinitionPageHead;
         const std::size_t size = std::min(joined.size() - written, format.pageSize - head);
-        const MutableBytes bytes = pager.Change(page);
+        const MutableBytes bytes = operation.Change(page);
         std::fill(bytes.begin(), bytes.end(), std::byte{0});
         std::copy_n(joined.begin() + static_cast<std::ptrdiff_t>(written), size,
                     bytes.begin() + static_cast<std::ptrdiff_t>(head));
         written += size;
-        const PageNumber next = written < joined.size() ? pager.Allocate() : PageNumber{};
+        const PageNumber next = written < joined.size() ? operation.Allocate() : PageNumber{};
         const std::size_t room = format.pageSize - head - size;
         WriteU16(bytes, 0, kDefinitionPageType);
         if (format.version == Version::kJet3) {

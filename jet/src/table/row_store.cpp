@@ -55,16 +55,16 @@ bool RowStore::Find(RowId row, StoredRow& into) const {
     return true;
 }
 
-RowId RowStore::Insert(Bytes row) {
-    return Append(row, SlotKind::kRow, PageNumber{});
+RowId RowStore::Insert(Operation& operation, Bytes row) {
+    return Append(operation, row, SlotKind::kRow, PageNumber{});
 }
 
-RowId RowStore::Append(Bytes row, SlotKind kind, PageNumber except) {
-    const PageNumber page = PageWithRoom(static_cast<std::uint32_t>(row.size()), except);
-    return {page, AppendRow(pager_->Change(page), pager_->FileFormat(), row, kind)};
+RowId RowStore::Append(Operation& operation, Bytes row, SlotKind kind, PageNumber except) {
+    const PageNumber page = PageWithRoom(operation, static_cast<std::uint32_t>(row.size()), except);
+    return {page, AppendRow(operation.Change(page), pager_->FileFormat(), row, kind)};
 }
 
-PageNumber RowStore::PageWithRoom(std::uint32_t length, PageNumber except) {
+PageNumber RowStore::PageWithRoom(Operation& operation, std::uint32_t length, PageNumber except) {
     const Format& format = pager_->FileFormat();
     std::optional<PageNumber> page = free_.NextFrom(roomHint_);
     bool fromStart = !roomHint_;
@@ -84,25 +84,25 @@ PageNumber RowStore::PageWithRoom(std::uint32_t length, PageNumber except) {
                 roomHint_ = *page;
                 return *page;
             }
-            free_.Remove(*page);
+            free_.Remove(operation, *page);
         }
         page = free_.NextFrom(PageNumber{page->value + 1});
     }
-    const PageNumber fresh = pager_->Allocate();
-    StartDataPage(pager_->Change(fresh), format, table_.value);
-    owned_.Add(fresh);
-    free_.Add(fresh);
+    const PageNumber fresh = operation.Allocate();
+    StartDataPage(operation.Change(fresh), format, table_.value);
+    owned_.Add(operation, fresh);
+    free_.Add(operation, fresh);
     roomHint_ = fresh;
     return fresh;
 }
 
-void RowStore::Replace(RowId row, Bytes bytes) {
+void RowStore::Replace(Operation& operation, RowId row, Bytes bytes) {
     const Format& format = pager_->FileFormat();
-    const MutableBytes home = pager_->Change(row.page);
+    const MutableBytes home = operation.Change(row.page);
     const Slot slot = ReadSlot(home, format, row.slot);
     RowId place = row;
     if (slot.kind == SlotKind::kPointer) place = FollowPointer(SlotBytes(home, format, row.slot));
-    const MutableBytes page = pager_->Change(place.page);
+    const MutableBytes page = operation.Change(place.page);
     if (!IsOurs(page)) ThrowMissing();
     const Slot old = ReadSlot(page, format, place.slot);
     if (old.kind == SlotKind::kDeleted) ThrowMissing();
@@ -110,73 +110,73 @@ void RowStore::Replace(RowId row, Bytes bytes) {
     const bool fits = old.kind != SlotKind::kPointer &&
                       CanResize(page, format, place.slot, static_cast<std::uint32_t>(bytes.size()));
     if (!fits) {
-        Move(row, bytes);
+        Move(operation, row, bytes);
         return;
     }
     ResizeRow(page, format, place.slot, static_cast<std::uint32_t>(bytes.size()));
     const Slot resized = ReadSlot(page, format, place.slot);
     std::copy(bytes.begin(), bytes.end(), page.begin() + resized.start);
-    if (bytes.size() < old.length) EnterFree(place.page);
+    if (bytes.size() < old.length) EnterFree(operation, place.page);
 }
 
 // Puts the bytes on another page and makes the row's slot a pointer to them.
-void RowStore::Move(RowId row, Bytes bytes) {
+void RowStore::Move(Operation& operation, RowId row, Bytes bytes) {
     const Format& format = pager_->FileFormat();
-    const MutableBytes home = pager_->Change(row.page);
+    const MutableBytes home = operation.Change(row.page);
     if (ReadSlot(home, format, row.slot).kind == SlotKind::kPointer) {
         RowId old = FollowPointer(SlotBytes(home, format, row.slot));
         for (int hops = 0; old; ++hops) {
-            const MutableBytes page = pager_->Change(old.page);
+            const MutableBytes page = operation.Change(old.page);
             if (hops == kMostHops || !IsOurs(page)) ThrowMissing();
             const Slot slot = ReadSlot(page, format, old.slot);
             const RowId next = slot.kind == SlotKind::kPointer
                                    ? FollowPointer(SlotBytes(page, format, old.slot))
                                    : RowId{};
-            RemoveSlot(old);
+            RemoveSlot(operation, old);
             old = next;
         }
     }
-    const RowId target = Append(bytes, SlotKind::kTarget, row.page);
+    const RowId target = Append(operation, bytes, SlotKind::kTarget, row.page);
     ResizeRow(home, format, row.slot, kPointerSize);
     const Slot slot = ReadSlot(home, format, row.slot);
     WriteU32(home, slot.start, target.Packed());
     SetSlotKind(home, format, row.slot, SlotKind::kPointer);
-    EnterFree(row.page);
+    EnterFree(operation, row.page);
 }
 
-void RowStore::Remove(RowId row) {
+void RowStore::Remove(Operation& operation, RowId row) {
     const Format& format = pager_->FileFormat();
     RowId place = row;
     for (int hops = 0; place; ++hops) {
-        const MutableBytes page = pager_->Change(place.page);
+        const MutableBytes page = operation.Change(place.page);
         if (hops > kMostHops || !IsOurs(page)) ThrowMissing();
         const Slot slot = ReadSlot(page, format, place.slot);
         if (slot.kind == SlotKind::kDeleted) ThrowMissing();
         const RowId next = slot.kind == SlotKind::kPointer
                                ? FollowPointer(SlotBytes(page, format, place.slot))
                                : RowId{};
-        RemoveSlot(place);
+        RemoveSlot(operation, place);
         place = next;
     }
 }
 
 // A page whose last row has gone is given back to the file.
-void RowStore::RemoveSlot(RowId row) {
+void RowStore::RemoveSlot(Operation& operation, RowId row) {
     const Format& format = pager_->FileFormat();
-    const MutableBytes page = pager_->Change(row.page);
+    const MutableBytes page = operation.Change(row.page);
     DeleteRow(page, format, row.slot);
     if (HasLiveSlots(page, format)) {
-        EnterFree(row.page);
+        EnterFree(operation, row.page);
         return;
     }
-    free_.Remove(row.page);
-    owned_.Remove(row.page);
-    pager_->Free(row.page);
+    free_.Remove(operation, row.page);
+    owned_.Remove(operation, row.page);
+    operation.Free(row.page);
     if (roomHint_ == row.page) roomHint_ = PageNumber{};
 }
 
-void RowStore::EnterFree(PageNumber page) {
-    if (!free_.Contains(page)) free_.Add(page);
+void RowStore::EnterFree(Operation& operation, PageNumber page) {
+    if (!free_.Contains(page)) free_.Add(operation, page);
     roomHint_ = std::min(roomHint_, page);
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "page/operation.h"
 #include "page/pager.h"
 #include "page/types.h"
 #include "page/usage_map.h"
@@ -33,10 +34,9 @@ public:
     // False when no row is there (any more). kDamaged when a pointer leads nowhere.
     bool Find(RowId row, StoredRow& into) const;
 
-    // These need an open Operation.
-    RowId Insert(Bytes row);
-    void Replace(RowId row, Bytes bytes);
-    void Remove(RowId row);
+    RowId Insert(Operation& operation, Bytes row);
+    void Replace(Operation& operation, RowId row, Bytes bytes);
+    void Remove(Operation& operation, RowId row);
 
     // What a cursor needs.
     [[nodiscard]] Pager& Pages() const { return *pager_; }
@@ -45,11 +45,11 @@ public:
 
 private:
     [[nodiscard]] RowId FollowPointer(Bytes slot) const;
-    RowId Append(Bytes row, SlotKind kind, PageNumber except);
-    PageNumber PageWithRoom(std::uint32_t length, PageNumber except);
-    void Move(RowId row, Bytes bytes);
-    void RemoveSlot(RowId row);
-    void EnterFree(PageNumber page);
+    RowId Append(Operation& operation, Bytes row, SlotKind kind, PageNumber except);
+    PageNumber PageWithRoom(Operation& operation, std::uint32_t length, PageNumber except);
+    void Move(Operation& operation, RowId row, Bytes bytes);
+    void RemoveSlot(Operation& operation, RowId row);
+    void EnterFree(Operation& operation, PageNumber page);
 
     Pager* pager_;
     PageNumber table_;

@@ -123,11 +123,12 @@ void Table::RequireIndex(const TableIndex& index) const {
 }
 
 // The tree says in passing whether the key was there before, so a unique index is searched once.
-void Table::EnterKey(std::size_t index, const TableIndex::RowKey& key, RowId id) {
+void Table::EnterKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key,
+                     RowId id) {
     if (!key.entered) return;
     TableIndex& entered = *indexes_[index];
-    if (entered.Tree().Insert(key.key, id)) {
-        Counters().AddDistinctKey(index);
+    if (entered.Tree().Insert(operation, key.key, id)) {
+        Counters().AddDistinctKey(operation, index);
     } else if (entered.IsUnique() && !key.allNull) {
         throw Error(ErrorKind::kDuplicateKey,
                     "The change would create a second record with the same values in the index '" +
@@ -135,17 +136,18 @@ void Table::EnterKey(std::size_t index, const TableIndex::RowKey& key, RowId id)
     }
 }
 
-void Table::EraseKey(std::size_t index, const TableIndex::RowKey& key, RowId id) {
-    if (key.entered) indexes_[index]->Tree().Erase(key.key, id);
+void Table::EraseKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key,
+                     RowId id) {
+    if (key.entered) indexes_[index]->Tree().Erase(operation, key.key, id);
 }
 
-void Table::RaiseAutoNumber(std::int32_t value) {
+void Table::RaiseAutoNumber(Operation& operation, std::int32_t value) {
     if (value > static_cast<std::int32_t>(Counters().LastAutoNumber())) {
-        Counters().SetLastAutoNumber(static_cast<std::uint32_t>(value));
+        Counters().SetLastAutoNumber(operation, static_cast<std::uint32_t>(value));
     }
 }
 
-RowValues Table::WithAutoNumbers(const RowValues& row) {
+RowValues Table::WithAutoNumbers(Operation& operation, const RowValues& row) {
     RowValues numbered = row;
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
         const Column& column = definition_.columns[i];
@@ -156,16 +158,17 @@ RowValues Table::WithAutoNumbers(const RowValues& row) {
             if (missing) numbered.values[i] = RandomGuid();
         } else if (missing) {
             const std::uint32_t next = Counters().LastAutoNumber() + 1;
-            Counters().SetLastAutoNumber(next);
+            Counters().SetLastAutoNumber(operation, next);
             numbered.values[i] = static_cast<std::int32_t>(next);
         } else {
-            RaiseAutoNumber(row.values[i].AsLong());
+            RaiseAutoNumber(operation, row.values[i].AsLong());
         }
     }
     return numbered;
 }
 
-void Table::BuildLongValue(const Column& column, const Value& value, std::vector<std::byte>& into) {
+void Table::BuildLongValue(Operation& operation, const Column& column, const Value& value,
+                           std::vector<std::byte>& into) {
     const LongValueMaps* maps = definition_.FindLongValueMaps(column.number);
     if (maps == nullptr || !maps->owned) {
         throw Error(ErrorKind::kUnsupported, "The field '" + column.name +
@@ -183,7 +186,8 @@ void Table::BuildLongValue(const Column& column, const Value& value, std::vector
         plainLength = bytes->size();
         longValue_.assign(bytes->begin(), bytes->end());
     }
-    LongValueStore(*pager_, maps->owned, maps->free).Write(longValue_, plainLength, into);
+    LongValueStore(*pager_, maps->owned, maps->free)
+        .Write(operation, longValue_, plainLength, into);
 }
 
 std::optional<Bytes> Table::OldBytes(const RowView* old, std::size_t column) const {
@@ -215,7 +219,7 @@ void Table::BuildFixedPart(const RowValues& row, const RowView* old) {
     }
 }
 
-void Table::BuildVariablePart(const RowValues& row, const RowView* old) {
+void Table::BuildVariablePart(Operation& operation, const RowValues& row, const RowView* old) {
     for (const std::size_t i : variableOrder_) {
         const Column& column = definition_.columns[i];
         std::vector<std::byte>& into = builder_.StartVariable(column.variableIndex);
@@ -226,7 +230,7 @@ void Table::BuildVariablePart(const RowValues& row, const RowView* old) {
         } else if (row.values[i].IsNull()) {
             continue;
         } else if (IsLongValue(column.type)) {
-            BuildLongValue(column, row.values[i], into);
+            BuildLongValue(operation, column, row.values[i], into);
         } else {
             EncodeValue(column, row.values[i], definition_.version, into);
         }
@@ -235,14 +239,15 @@ void Table::BuildVariablePart(const RowValues& row, const RowView* old) {
 }
 
 // Columns that are not given keep the bytes of the old row, the heads of long values included.
-Bytes Table::BuildRow(const RowValues& row, const RowView* old) {
+Bytes Table::BuildRow(Operation& operation, const RowValues& row, const RowView* old) {
     builder_.Start(pager_->FileFormat(), definition_.shape);
     BuildFixedPart(row, old);
-    BuildVariablePart(row, old);
+    BuildVariablePart(operation, row, old);
     return builder_.Finish();
 }
 
-void Table::ReleaseLongValues(const RowView& old, const RowValues* replacedBy) {
+void Table::ReleaseLongValues(Operation& operation, const RowView& old,
+                              const RowValues* replacedBy) {
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
         const Column& column = definition_.columns[i];
         if (!IsLongValue(column.type) || (replacedBy != nullptr && !replacedBy->given[i])) continue;
@@ -253,7 +258,7 @@ void Table::ReleaseLongValues(const RowView& old, const RowValues* replacedBy) {
         if (maps == nullptr || !maps->owned) {
             ThrowDamaged("The file is damaged: the pages of a long value are not listed.");
         }
-        LongValueStore(*pager_, maps->owned, maps->free).Release(*bytes);
+        LongValueStore(*pager_, maps->owned, maps->free).Release(operation, *bytes);
     }
 }
 
@@ -266,10 +271,10 @@ RowView Table::TakeOldRow(RowId id) {
     return View(oldRow_);
 }
 
-RowId Table::Insert(Operation& /*operation*/, const RowValues& given) {
+RowId Table::Insert(Operation& operation, const RowValues& given) {
     RequireWritable();
     RowValues numbered;
-    if (hasAutoColumn_) numbered = WithAutoNumbers(given);
+    if (hasAutoColumn_) numbered = WithAutoNumbers(operation, given);
     const RowValues& row = hasAutoColumn_ ? numbered : given;
     const auto value = [&row](std::size_t column) {
         return row.given[column] ? row.values[column] : Value();
@@ -280,11 +285,11 @@ RowId Table::Insert(Operation& /*operation*/, const RowValues& given) {
         indexes_[i]->MakeRowKey(value, newKeys_[i]);
         RequireNoNull(*indexes_[i], newKeys_[i]);
     }
-    const RowId id = rows_.Insert(BuildRow(row, nullptr));
+    const RowId id = rows_.Insert(operation, BuildRow(operation, row, nullptr));
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
-        EnterKey(i, newKeys_[i], id);
+        EnterKey(operation, i, newKeys_[i], id);
     }
-    Counters().AddRows(1);
+    Counters().AddRows(operation, 1);
     relations_.RequireParents(row, true, value);
     return id;
 }
@@ -310,16 +315,17 @@ std::vector<std::size_t> Table::ChangedIndexes(const RowValues& row, const Colum
     return changed;
 }
 
-void Table::Update(Operation& /*operation*/, RowId id, const RowValues& row) {
+void Table::Update(Operation& operation, RowId id, const RowValues& row) {
     std::vector<RowChange> cascade;
-    UpdateOne(id, row, cascade);
+    UpdateOne(operation, id, row, cascade);
     for (std::size_t i = 0; i < cascade.size(); ++i) {
         const RowChange change = std::move(cascade[i]);
-        change.place.table->UpdateOne(change.place.row, change.values, cascade);
+        change.place.table->UpdateOne(operation, change.place.row, change.values, cascade);
     }
 }
 
-void Table::UpdateOne(RowId id, const RowValues& row, std::vector<RowChange>& cascade) {
+void Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
+                      std::vector<RowChange>& cascade) {
     RequireWritable();
     const RowView old = TakeOldRow(id);
     const auto readOld = [&](std::size_t column) { return ReadValue(old, column); };
@@ -331,21 +337,21 @@ void Table::UpdateOne(RowId id, const RowValues& row, std::vector<RowChange>& ca
     rules_.Check(row, false, newValue);
     const std::vector<std::size_t> changed = ChangedIndexes(row, oldValue, newValue);
     relations_.CascadeUpdate(row, oldValue, newValue, cascade);
-    rows_.Replace(id, BuildRow(row, &old));
-    ReleaseLongValues(old, &row);
+    rows_.Replace(operation, id, BuildRow(operation, row, &old));
+    ReleaseLongValues(operation, old, &row);
     for (const std::size_t i : changed) {
-        EraseKey(i, oldKeys_[i], id);
-        EnterKey(i, newKeys_[i], id);
+        EraseKey(operation, i, oldKeys_[i], id);
+        EnterKey(operation, i, newKeys_[i], id);
     }
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
         if (definition_.columns[i].autoNumber && row.given[i]) {
-            RaiseAutoNumber(row.values[i].AsLong());
+            RaiseAutoNumber(operation, row.values[i].AsLong());
         }
     }
     relations_.RequireParents(row, false, newValue);
 }
 
-void Table::Delete(Operation& /*operation*/, RowId id, std::vector<TableRow>& deleted) {
+void Table::Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted) {
     StoredRow stored;
     deleted.assign(1, {this, id});
     for (std::size_t i = 0; i < deleted.size();) {
@@ -356,12 +362,12 @@ void Table::Delete(Operation& /*operation*/, RowId id, std::vector<TableRow>& de
             continue;
         }
         stored = StoredRow();
-        next.table->DeleteOne(next.row, deleted);
+        next.table->DeleteOne(operation, next.row, deleted);
         ++i;
     }
 }
 
-void Table::DeleteOne(RowId id, std::vector<TableRow>& cascade) {
+void Table::DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade) {
     RequireWritable();
     for (const auto& index : indexes_) RequireIndex(*index);
     const RowView old = TakeOldRow(id);
@@ -369,11 +375,11 @@ void Table::DeleteOne(RowId id, std::vector<TableRow>& cascade) {
     relations_.CascadeDelete(id, value, cascade);
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
         indexes_[i]->MakeRowKey(value, oldKeys_[i]);
-        EraseKey(i, oldKeys_[i], id);
+        EraseKey(operation, i, oldKeys_[i], id);
     }
-    ReleaseLongValues(old, nullptr);
-    rows_.Remove(id);
-    Counters().AddRows(-1);
+    ReleaseLongValues(operation, old, nullptr);
+    rows_.Remove(operation, id);
+    Counters().AddRows(operation, -1);
 }
 
 }  // namespace jet

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "jet/value.h"
+#include "page/operation.h"
 #include "page/pager.h"
 #include "record/row.h"
 #include "table/definition.h"
@@ -63,18 +64,20 @@ public:
 private:
     void RequireWritable() const;
     void RequireIndex(const TableIndex& index) const;
-    void UpdateOne(RowId id, const RowValues& row, std::vector<RowChange>& cascade);
-    void DeleteOne(RowId id, std::vector<TableRow>& cascade);
+    void UpdateOne(Operation& operation, RowId id, const RowValues& row,
+                   std::vector<RowChange>& cascade);
+    void DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade);
     // kDuplicateKey; the entry that was made goes with the operation.
-    void EnterKey(std::size_t index, const TableIndex::RowKey& key, RowId id);
-    void EraseKey(std::size_t index, const TableIndex::RowKey& key, RowId id);
-    Bytes BuildRow(const RowValues& row, const RowView* old);
-    void BuildLongValue(const Column& column, const Value& value, std::vector<std::byte>& into);
-    void ReleaseLongValues(const RowView& old, const RowValues* replacedBy);
-    RowValues WithAutoNumbers(const RowValues& row);
-    void RaiseAutoNumber(std::int32_t value);
+    void EnterKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
+    void EraseKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
+    Bytes BuildRow(Operation& operation, const RowValues& row, const RowView* old);
+    void BuildLongValue(Operation& operation, const Column& column, const Value& value,
+                        std::vector<std::byte>& into);
+    void ReleaseLongValues(Operation& operation, const RowView& old, const RowValues* replacedBy);
+    RowValues WithAutoNumbers(Operation& operation, const RowValues& row);
+    void RaiseAutoNumber(Operation& operation, std::int32_t value);
     void BuildFixedPart(const RowValues& row, const RowView* old);
-    void BuildVariablePart(const RowValues& row, const RowView* old);
+    void BuildVariablePart(Operation& operation, const RowValues& row, const RowView* old);
     template <typename Text>
     bool ReadTextInto(const RowView& row, std::size_t column, Text& into) const;
     std::optional<Bytes> OldBytes(const RowView* old, std::size_t column) const;

@@ -4,6 +4,7 @@
 
 #include "jet/file.h"
 #include "page/bytes.h"
+#include "page/operation.h"
 #include "page/pager.h"
 
 namespace {
@@ -15,8 +16,8 @@ namespace {
         {
             jet::Operation operation(pager);
             // Two pages far apart must always agree.
-            jet::WriteU32(pager.Change(jet::PageNumber{3}), 100, number);
-            jet::WriteU32(pager.Change(jet::PageNumber{5}), 3000, number);
+            jet::WriteU32(operation.Change(jet::PageNumber{3}), 100, number);
+            jet::WriteU32(operation.Change(jet::PageNumber{5}), 3000, number);
             operation.Commit();
         }
         std::printf("%lu\n", static_cast<unsigned long>(number));
