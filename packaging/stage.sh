@@ -6,7 +6,7 @@ stage_program() {
     cp -r "$out/build/TARNPrep/." "$1/"
     rm -f "$1"/*.LOG "$1"/Costs/*-log
     strip "$1/tarnprep" "$1/fcdtool"
-    strip --strip-unneeded "$1/libtarnhelp.so"
+    strip --strip-unneeded "$1/libtarnhelp.so" "$1/libtarnpdf.so"
 }
 
 # stage_tools FOLDER

@@ -14,7 +14,7 @@ build="make cmake ninja-build g++ qt6-base-dev qt6-tools-dev qt6-documentation-t
  libqt6sql6-sqlite libxlsxwriter-dev libgtest-dev libgmock-dev zlib1g-dev libsqlite3-dev xvfb fonts-dejavu-core python3"
 package="dpkg-dev fakeroot"
 test="ccache clang clang-tidy clang-format libclang-rt-14-dev mdbtools shellcheck
- pkg-config
+ pkg-config poppler-utils
  desktop-file-utils appstream shared-mime-info man-db librsvg2-bin
  at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi python3-openpyxl xdotool $package"
 coverage="llvm"

@@ -44,7 +44,8 @@ trap 'rm -rf "$work"' EXIT
 mkdir "$work/debian"
 printf 'Source: tarnprep\n\nPackage: tarnprep\nArchitecture: any\n' >"$work/debian/control"
 libraries=$(cd "$work" && dpkg-shlibdeps -O -l/nonexistent "$stage/usr/lib/tarnprep/tarnprep" \
-    "$stage/usr/lib/tarnprep/libtarnhelp.so" "$stage/usr/bin/jetdoctor" \
+    "$stage/usr/lib/tarnprep/libtarnhelp.so" "$stage/usr/lib/tarnprep/libtarnpdf.so" \
+    "$stage/usr/bin/jetdoctor" \
     "$stage/usr/bin/jetdump" "$stage/usr/bin/fcdtool" 2>/dev/null |
     sed -n 's/^shlibs:Depends=//p')
 

@@ -2,14 +2,17 @@
 #include <chrono>
 #include <cstdlib>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
+#include "reportpdf/library.h"
 #include "review/check.h"
 #include "review/html.h"
 #include "review/report.h"
 #include "season/text.h"
 #include "tools/fcdtool/command.h"
 #include "tools/fcdtool/files.h"
+#include "tools/fcdtool/late_library.h"
 #include "tools/fcdtool/output.h"
 
 namespace fcdtool {
@@ -31,13 +34,55 @@ std::string Today() {
            two(static_cast<unsigned>(day.month())) + "-" + two(static_cast<unsigned>(day.day()));
 }
 
+// The countries of North America and some of their neighbours, by the locale that messages or paper
+// are set to.
+bool UsesLetter() {
+    for (const char* const name : {"LC_ALL", "LC_PAPER", "LANG"}) {
+        const char* const value = std::getenv(name);
+        if (value != nullptr && *value != '\0') {
+            const std::string locale(value);
+            for (const char* const country : {"_US", "_CA", "_MX", "_PR", "_PH", "_CL", "_CO"}) {
+                if (locale.find(country) != std::string::npos) {
+                    return true;
+                }
+            }
+            return false;
+        }
+    }
+    return false;
+}
+
+// "A4" or "Letter"; where it is not asked for, Letter in the countries that print on it.
+bool IsLetter(const Arguments& arguments) {
+    const std::string paper = season::Folded(arguments.Value("--paper"));
+    if (!arguments.Has("--paper")) {
+        return UsesLetter();
+    }
+    if (paper != "a4" && paper != "letter") {
+        throw UsageError("--paper takes A4 or Letter.");
+    }
+    return paper == "letter";
+}
+
+std::string PdfOf(const review::Document& report, bool isLetter) {
+    const auto make =
+        reinterpret_cast<reportpdf::MakePdf>(LateSymbol(reportpdf::kLibrary, reportpdf::kMakePdf));
+    std::string result;
+    if (!make(report, isLetter, result)) {
+        throw std::runtime_error(result);
+    }
+    return result;
+}
+
 int RunReport(const Arguments& arguments) {
     const std::string file = arguments.Exactly(1, "one data file").front();
     const std::string target = arguments.Required("--to");
     const std::string folded = season::Folded(target);
-    if (!folded.ends_with(".html") && !folded.ends_with(".htm")) {
-        throw UsageError("--to takes a name that ends in .html.");
+    const bool toPdf = folded.ends_with(".pdf");
+    if (!toPdf && !folded.ends_with(".html") && !folded.ends_with(".htm")) {
+        throw UsageError("--to takes a name that ends in .pdf or .html.");
     }
+    const bool isLetter = IsLetter(arguments);
     const season::Season season = ReadFile(file);
     std::vector<std::string> sources{file};
     std::optional<season::Season> previous;
@@ -51,7 +96,7 @@ int RunReport(const Arguments& arguments) {
                           .previous = older,
                           .findings = review::Check({season, older, nullptr}),
                           .date = Today()});
-    SaveFile(target, sources, review::HtmlOf(report));
+    SaveFile(target, sources, toPdf ? PdfOf(report, isLetter) : review::HtmlOf(report));
     return kNothing;
 }
 
@@ -60,13 +105,15 @@ int RunReport(const Arguments& arguments) {
 const Command& ReportCommand() {
     static const Command command{
         "report",
-        "FILE --to OUT.html [--previous OLD]",
+        "FILE --to OUT.pdf|OUT.html [--previous OLD] [--paper A4|Letter]",
         "Writes a report to read, print and hand in.",
         "Goals, resources, and a page for each zone with its tables and charts, and the findings\n"
         "of check. One file that needs nothing else; a file that is there is replaced.\n\n"
-        "  --to OUT.html     the report\n"
-        "  --previous OLD    adds the differences from last year's file",
-        {{"--to", true}, {"--previous", true}},
+        "  --to OUT.pdf      the report as PDF, with bookmarks\n"
+        "  --to OUT.html     the report as a page for browsers\n"
+        "  --previous OLD    adds the differences from last year's file\n"
+        "  --paper A4|Letter the paper of the PDF; the one that is usual in your country",
+        {{"--to", true}, {"--previous", true}, {"--paper", true}},
         RunReport};
     return command;
 }

@@ -9,7 +9,7 @@ SHELL_BASE = {"u91Trace", "UIMode", "u13Folders", "u92Utilities"}
 FACES = {"worksheets/Worksheet.h", "datafile/DatafileHost.h"}
 # Three stacks on the engine: entering a season, what is said of it afterwards, and SQL.
 ORDERS = [["jet", "platform", "base", "datafile", "import", "worksheets", "shell"],
-          ["jet", "season", "review"],
+          ["jet", "season", "review", "reportpdf"],
           ["jet", "jetsql"]]
 WITHOUT_QT = {"jet", "season", "review", "jetsql"}
 # The folders inside the engine, from the bottom up.
