@@ -1,16 +1,17 @@
 #!/usr/bin/env python3
-"""Plants small mistakes in the source, one at a time, and names those that no test notices.
+"""Plants small mistakes in the source and names those that no test notices.
 
-A copy of the tree is built into build-mutation. Each mistake (a negated condition, a neighboring
-comparison, another field, a number off by one, a dropped statement, ...) is made in it alone, the
-test programs are built anew, and those of the layers that can notice it are run until one fails.
+A copy of the tree is built into build-mutation with all chosen mistakes in it, each behind a switch:
+TARN_MISTAKE=17 in the environment turns the seventeenth on. So one build serves them all, and each costs
+only the tests that are run until one fails. What cannot stand behind a switch (a constant that the compiler
+needs, a declaration) is left out of the choice.
 
-Usage: tools/mutation.py [--count N] [--seed N] [--wrap COMMAND] [--most MINUTES] FOLDER...
-  FOLDER  datafile, import, worksheets, shell: where mistakes are made
-  --count how many, spread over the folders' lines (200)
+Usage: tools/mutation.py [--count N] [--seed N] [--wrap COMMAND] [--again FILE] FOLDER...
+  FOLDER  base, datafile, import, worksheets, shell: where mistakes are made
+  --count how many, as many in each folder (200)
   --seed  another choice of them (1)
   --wrap  a command before each build and each run, such as "nice"
-  --most  stops after so many minutes
+  --again the output of an earlier run: only what it calls UNNOTICED is planted, found by its text
 Exit status 1 when 5 percent or more went unnoticed."""
 import argparse
 import os
@@ -19,13 +20,14 @@ import re
 import shutil
 import subprocess
 import sys
-import time
+from itertools import zip_longest
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 COPY = ROOT / "build-mutation"
 TREE = COPY / "tree"
 BUILD = TREE / "build"
+OUTPUT = COPY / "output"
 MOST_UNNOTICED = 5.0
 # The test programs that can notice a mistake in a folder, the quickest first.
 NOTICED_BY = {"base": ("base", "datafile", "shell", "gui"),
@@ -36,32 +38,67 @@ NOTICED_BY = {"base": ("base", "datafile", "shell", "gui"),
 # Where things stand in a window is judged by its picture.
 LOOKS = ("Layout.cpp", "Scenery.cpp", "frm0Start.cpp")
 # Hard tests that run long and notice nothing that the others would not.
-LEFT_OUT = "-*Crash*:*FailingDisk*:*RandomUse*:*random*:*Random*:*Fonts*"
+LEFT_OUT = "-*Crash*:*FailingDisk*:*RandomUse*:*random*:*Random*:*Fonts*:*Walk*"
+
+# "a == Compared<Equal>(17) << b" reads as "a == (Compared<Equal>(17) << b)", whatever a and b are, so the
+# operands need not be found in the text.
+SWITCHES = """#pragma once
+#pragma GCC diagnostic ignored "-Wconversion"
+#pragma GCC diagnostic ignored "-Wsign-conversion"
+#pragma GCC diagnostic ignored "-Wsign-compare"
+#pragma GCC diagnostic ignored "-Wparentheses"
+#pragma GCC diagnostic ignored "-Wshadow"
+#pragma GCC diagnostic ignored "-Wextra"
+#include <cstdlib>
+inline int Mistake(int number) {
+    static const int planted = std::getenv("TARN_MISTAKE") ? std::atoi(std::getenv("TARN_MISTAKE")) : 0;
+    return number == planted ? 1 : 0;
+}
+template <class Right> struct ComparedTo { const Right& right; bool planted; };
+struct Compared { int number; };
+template <class Right> ComparedTo<Right> operator<<(Compared compared, const Right& right) {
+    return {right, Mistake(compared.number) != 0};
+}
+#define TARN_COMPARED(OP, OTHER)                                             \\
+    template <class Left, class Right>                                       \\
+    bool operator OP(const Left& left, const ComparedTo<Right>& compared) {  \\
+        return compared.planted ? left OTHER compared.right : left OP compared.right; \\
+    }
+TARN_COMPARED(==, !=) TARN_COMPARED(!=, ==) TARN_COMPARED(<, <=)
+TARN_COMPARED(<=, <) TARN_COMPARED(>, >=) TARN_COMPARED(>=, >)
+"""
 
 NEIGHBORS = {"==": "!=", "!=": "==", "<": "<=", "<=": "<", ">": ">=", ">=": ">", "&&": "||",
-             "||": "&&", " + 1": " + 2", " - 1": " - 2", "++": "--", "true": "false",
-             "false": "true"}
-COMPARISON = re.compile(r"(?<= )(==|!=|<=|>=|<|>|&&|\|\|)(?= )")
-OTHERS = re.compile(r" \+ 1\b| - 1\b|\+\+(?=\w)|\btrue\b|\bfalse\b")
+             "||": "&&"}
+COMPARISON = re.compile(r"(?<= )(==|!=|<=|>=|<|>)(?= )")
+JUNCTION = re.compile(r" (&&|\|\|) ")
+ONE_MORE = re.compile(r"(?<= [+-] )1\b")
+STEP = re.compile(r"(?<!\w)(\+\+|--)([A-Za-z_][\w.>-]*)")
+TRUTH = re.compile(r"\b(true|false)\b")
 CONDITION = re.compile(r"^(\s*(?:\} else )?(?:if|while) \()(?!const |auto )(.*)(\) \{)$")
 NUMBER = re.compile(r"(?<![\w.\"'])(\d+)(?![\w.\"'])")
 FIELD = re.compile(r"FieldNames::(k\w+)")
-STATEMENT = re.compile(r"^\s+(?!return\b|throw\b|case\b|using\b|const\b|auto\b|delete\b|#)"
-                       r"[A-Za-z_][\w:.>()\-*]*(?:->|\.|::|\()?.*\);$|^\s+[a-z]\w*_?(?:->\w+|\.\w+)? ="
-                       r" .*;$|^\s+(?:\+\+|--)\w+;$")
-COMMENT = re.compile(r"^\s*//|^\s*#|static_assert|EXPECT")
+STATEMENT = re.compile(r"^(\s+)((?!return\b|throw\b|case\b|using\b|const\b|auto\b|delete\b|#)"
+                       r"[A-Za-z_][\w:.>()\-*]*(?:->|\.|::|\()?.*\);|[a-z]\w*_?(?:->\w+|\.\w+)? ="
+                       r" .*;|(?:\+\+|--)\w+;)$")
+# A guard that lives to the end of its block, or a variable: it cannot be left out behind a switch.
+DECLARATION = re.compile(r"^\s+static |^\s+[\w:]+(?:<.*>)?[&*]? [\w]+(?:[({;]| =)")
+COMMENT = re.compile(r"^\s*//|^\s*#|static_assert|EXPECT|constexpr|^\s*case |template|noexcept")
 
 
 class Mistake:
-    """One line of a file, as it is and as it would be."""
+    """A place in a line, its text behind a switch, and how the line would be with the mistake."""
 
-    def __init__(self, path, number, lines, kind):
-        self.path, self.number, self.kind = path, number, kind
-        self.original, self.line = lines
+    def __init__(self, kind, place, switched, shown):
+        self.kind, self.place, self.switched, self.shown = kind, place, switched, shown
+        self.folder = self.path = self.number = self.line = None
 
     def __str__(self):
-        shown = self.original if self.kind == "dropped" else self.line
-        return f"{self.path.relative_to(TREE)}:{self.number + 1}: {self.kind}: {shown.strip()}"
+        name = self.path.relative_to(TREE)
+        return f"{name}:{self.number + 1}: {self.kind}: {self.line.strip()} | {self.shown.strip()}"
+
+    def key(self):
+        return str(self).split(": ", 1)[1]
 
 
 def in_text(line, at):
@@ -69,26 +106,77 @@ def in_text(line, at):
     return line[:at].count('"') % 2 == 1 or "//" in line[:at]
 
 
-def replaced(line, found, text):
-    return line[:found.start()] + text + line[found.end():]
+def operand_end(line, at, step, stops):
+    """Where an operand ends that begins at a place and goes on in a direction, or None beyond the line."""
+    depth, opens, closes = 0, "([{", ")]}"
+    if step < 0:
+        opens, closes = closes, opens
+    while 0 <= at < len(line):
+        if line[at] in opens:
+            depth += 1
+        elif line[at] in closes and depth == 0:
+            return at
+        elif line[at] in closes:
+            depth -= 1
+        elif depth == 0 and (line[at] in ",;?" or line[at:at + 2] in stops
+                             or line[at:at + 3] == " = "):
+            return at
+        at += step
+    return None
 
 
-def mistakes_in_line(line, fields):
-    """Each as (kind, line)."""
-    if found := CONDITION.match(line):
-        yield "negated", f"{found[1]}!({found[2]}){found[3]}"
-    for pattern in (COMPARISON, OTHERS):
+def junctions(line):
+    """Conditions joined by and, or: both operands have to stand on the line."""
+    for found in JUNCTION.finditer(line):
+        stops = ("||",) if found[1] == "&&" else ()
+        left = operand_end(line, found.start() - 1, -1, stops)
+        right = operand_end(line, found.end(), 1, stops)
+        start = line.find("return ", 0, found.start()) + 7 if left is None else left + 1
+        if right is None or (left is None and start < 7) or in_text(line, found.start()):
+            continue
+        if left is not None and line[left] in " |":
+            start = left + 3 if line[left] == " " else left + 2
+        a, b = line[start:found.start()].strip(), line[found.end():right].strip()
+        other = NEIGHBORS[found[1]]
+        yield "neighbor", (start, right), f"(Mistake(@) ? ({a}) {other} ({b}) : ({a}) {found[1]} ({b}))", \
+            f"{line[:found.start()]} {other} {line[found.end():]}"
+
+
+def other_truth(found):
+    return ("(!Mistake(@))", "false") if found[1] == "true" else ("(Mistake(@) != 0)", "true")
+
+
+def exchanged(line):
+    """What one pattern finds and one text replaces."""
+    for pattern, kind, texts in (
+            (COMPARISON, "neighbor", lambda f: (f"{f[1]} Compared{{@}} <<", NEIGHBORS[f[1]])),
+            (ONE_MORE, "off by one", lambda f: ("(1 + Mistake(@))", "2")),
+            (STEP, "neighbor", lambda f: (f"(Mistake(@) ? {'++' if f[1] == '--' else '--'}{f[2]} : {f[0]})",
+                                          f"{'++' if f[1] == '--' else '--'}{f[2]}")),
+            (TRUTH, "neighbor", other_truth),
+            (NUMBER, "off by one", lambda f: (f"({f[1]} + Mistake(@))", str(int(f[1]) + 1)))):
         for found in pattern.finditer(line):
-            if not in_text(line, found.start()) and "template" not in line:
-                yield "neighbor", replaced(line, found, NEIGHBORS[found[0]])
-    for found in NUMBER.finditer(line):
-        if not in_text(line, found.start()):
-            yield "off by one", replaced(line, found, str(int(found[1]) + 1))
+            if pattern is NUMBER and re.search(r" [+-] $", line[:found.start()]) and found[1] == "1":
+                continue
+            if not in_text(line, found.start()):
+                switched, shown = texts(found)
+                yield kind, found.span(), switched, line[:found.start()] + shown + line[found.end():]
+
+
+def mistakes_in_line(line, fields, starts):
+    """Each as (kind, place, text behind the switch, changed line)."""
+    if found := CONDITION.match(line):
+        yield "negated", found.span(2), f"Mistake(@) != static_cast<int>(static_cast<bool>({found[2]}))", \
+            f"{found[1]}!({found[2]}){found[3]}"
+    yield from exchanged(line)
+    yield from junctions(line)
     for found in FIELD.finditer(line):
         for other in sorted(fields - {found[1]})[:1]:
-            yield "other field", replaced(line, found, f"FieldNames::{other}")
-    if STATEMENT.match(line) and line.count("(") == line.count(")"):
-        yield "dropped", re.match(r"\s*", line)[0] + ";"
+            yield "other field", found.span(), f"(Mistake(@) ? FieldNames::{other} : {found[0]})", \
+                line[:found.start()] + f"FieldNames::{other}" + line[found.end():]
+    found = STATEMENT.match(line)
+    if found and starts and not DECLARATION.match(line) and line.count("(") == line.count(")"):
+        yield "dropped", found.span(2), f"if (!Mistake(@)) {{ {found[2]} }}", found[1] + ";"
 
 
 def all_mistakes(folders):
@@ -103,14 +191,16 @@ def all_mistakes(folders):
                 starts = number > 0 and re.search(r"[;{}:]\s*$|^\s*$|^\s*//", lines[number - 1])
                 if COMMENT.search(line):
                     continue
-                for kind, changed in mistakes_in_line(line, fields):
-                    if kind != "dropped" or starts:
-                        yield folder, Mistake(path, number, (line, changed), kind)
+                for parts in mistakes_in_line(line, fields, starts):
+                    mistake = Mistake(*parts)
+                    mistake.folder, mistake.path, mistake.number, mistake.line = folder, path, number, line
+                    yield mistake
 
 
 def run(command, wrap, **options):
-    return subprocess.run(wrap + command, check=False, stdout=subprocess.DEVNULL,
-                          stderr=subprocess.DEVNULL, **options).returncode
+    with open(OUTPUT, "w", encoding="utf-8") as output:
+        return subprocess.run(wrap + command, check=False, stdout=output, stderr=output,
+                              **options).returncode
 
 
 def copy_tree():
@@ -123,52 +213,89 @@ def copy_tree():
         if not target.exists() or target.read_bytes() != text:
             target.parent.mkdir(parents=True, exist_ok=True)
             shutil.copy(ROOT / name, target)
+    header = COPY / "switches.h"
+    if not header.exists() or header.read_text(encoding="utf-8") != SWITCHES:
+        header.write_text(SWITCHES, encoding="utf-8")
+
+
+def plant(chosen):
+    """Writes every file with its mistakes; one that overlaps another on its line is left out."""
+    lines_of, taken, planted = {}, {}, []
+    for mistake in chosen:
+        places = taken.setdefault((mistake.path, mistake.number), [])
+        if any(mistake.place[0] < end and start < mistake.place[1] for start, end in places):
+            continue
+        places.append(mistake.place)
+        planted.append(mistake)
+    for number, mistake in sorted(enumerate(planted, 1), key=lambda p: -p[1].place[0]):
+        lines = lines_of.setdefault(mistake.path,
+                                    (ROOT / mistake.path.relative_to(TREE)).read_text(encoding="utf-8").split("\n"))
+        line, (start, end) = lines[mistake.number], mistake.place
+        lines[mistake.number] = line[:start] + mistake.switched.replace("@", str(number)) + line[end:]
+    for path, lines in lines_of.items():
+        switches = f'#include "{COPY / "switches.h"}"\n'
+        path.write_text(switches + "\n".join(lines), encoding="utf-8")
+    return planted
 
 
 def build(programs, wrap):
-    return run(["ninja", "-C", str(BUILD)] + [f"{name}_tests" for name in programs], wrap)
+    return run(["ninja", "-k", "0", "-C", str(BUILD)] + [f"{name}_tests" for name in programs], wrap)
 
 
-def prepare(programs, wrap):
-    copy_tree()
+def refused_lines():
+    """The lines that the compiler could not take, as (path, number)."""
+    found = re.findall(r"^(/[^:\n]+\.cpp):(\d+):\d+: (?:fatal )?error", OUTPUT.read_text(encoding="utf-8"), re.M)
+    return {(Path(path), int(number) - 2) for path, number in found}
+
+
+def build_with(chosen, count, programs, wrap):
+    """Plants the first of the choice that compile, and builds."""
     status = run(["cmake", "-S", str(TREE), "-B", str(BUILD), "-G", "Ninja", "-DTARN_GATES=OFF",
                   "-DCMAKE_BUILD_TYPE=None"], wrap)
-    if status or build(programs, wrap):
-        sys.exit(f"{BUILD} cannot be built")
-    for name in programs:
-        if test(name, wrap):
-            sys.exit(f"{name}_tests fail as they are")
+    if status:
+        sys.exit(f"{BUILD} cannot be configured")
+    refused = set()
+    for _ in range(12):
+        copy_tree()
+        planted = plant([each for each in chosen if (each.path, each.number) not in refused][:count])
+        if not build(programs, wrap):
+            return planted
+        more = refused_lines()
+        if not more - refused:
+            break
+        refused |= more
+    sys.exit(f"{BUILD} cannot be built, see {OUTPUT}")
 
 
-def test(name, wrap):
+def test(name, number, wrap):
     environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "TARN_DAMAGE": "1",
-                   "TARN_KILLS": "1", "TARN_CUTS": "1"}
+                   "TARN_KILLS": "1", "TARN_CUTS": "1", "TARN_MISTAKE": str(number)}
     try:
         return run([str(BUILD / f"bin/{name}_tests"), "--gtest_brief=1", "--gtest_fail_fast",
-                    f"--gtest_filter={LEFT_OUT}"], wrap, env=environment, timeout=600)
+                    f"--gtest_filter={LEFT_OUT}"], wrap, env=environment, timeout=300)
     except subprocess.TimeoutExpired:
         return 1  # it hangs, which is noticed
 
 
-def outcome(folder, wrap):
-    """What becomes of the mistake that is in the tree now."""
+def outcome(folder, number, wrap):
+    """What becomes of the mistake of that number."""
     for program in NOTICED_BY[folder]:
-        if build([program], wrap):
-            return "noticed by the compiler"
-        if test(program, wrap):
-            return f"noticed by {program}"
+        if test(program, number, wrap):
+            failed = re.search(r"\[  FAILED  \] ([\w./]+)", OUTPUT.read_text(encoding="utf-8", errors="replace"))
+            return f"noticed by {program}, {failed[1] if failed else 'which ended or hung'}"
     return "UNNOTICED"
 
 
-def try_mistake(folder, mistake, wrap):
-    text = mistake.path.read_text(encoding="utf-8")
-    lines = text.split("\n")
-    lines[mistake.number] = mistake.line
-    mistake.path.write_text("\n".join(lines), encoding="utf-8")
-    try:
-        return outcome(folder, wrap)
-    finally:
-        mistake.path.write_text(text, encoding="utf-8")
+def choice(arguments):
+    """The mistakes in the order in which they are tried."""
+    found = list(all_mistakes(arguments.folders))
+    if arguments.again:
+        text = Path(arguments.again).read_text(encoding="utf-8")
+        wanted = {line.split(": ", 2)[2] for line in text.split("\n") if line.startswith("UNNOTICED")}
+        return [mistake for mistake in found if mistake.key() in wanted]
+    random.Random(arguments.seed).shuffle(found)
+    turns = [[each for each in found if each.folder == folder] for folder in arguments.folders]
+    return [each for turn in zip_longest(*turns) for each in turn if each]
 
 
 def main():
@@ -177,24 +304,23 @@ def main():
     parser.add_argument("--count", type=int, default=200)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--wrap", default="")
-    parser.add_argument("--most", type=float, default=1e9)
+    parser.add_argument("--again")
     arguments = parser.parse_args()
     wrap = arguments.wrap.split()
     programs = sorted({name for folder in arguments.folders for name in NOTICED_BY[folder]})
-    prepare(programs, wrap)
-    end = time.monotonic() + 60 * arguments.most
-    found = list(all_mistakes(arguments.folders))
-    random.Random(arguments.seed).shuffle(found)
-    tried = unnoticed = 0
-    for folder, mistake in found:
-        if tried == arguments.count or time.monotonic() > end:
-            break
-        result = try_mistake(folder, mistake, wrap)
-        tried += 1
+    TREE.mkdir(parents=True, exist_ok=True)
+    copy_tree()
+    planted = build_with(choice(arguments), arguments.count, programs, wrap)
+    for name in programs:
+        if test(name, 0, wrap):
+            sys.exit(f"{name}_tests fail without a mistake, see {OUTPUT}")
+    unnoticed = 0
+    for number, mistake in enumerate(planted, 1):
+        result = outcome(mistake.folder, number, wrap)
         unnoticed += result == "UNNOTICED"
         print(f"{result}: {mistake}", flush=True)
-    share = 100 * unnoticed / max(tried, 1)
-    print(f"{unnoticed} of {tried} mistakes unnoticed ({share:.1f} percent)")
+    share = 100 * unnoticed / max(len(planted), 1)
+    print(f"{unnoticed} of {len(planted)} mistakes unnoticed ({share:.1f} percent)")
     return 1 if share >= MOST_UNNOTICED else 0
 
 
