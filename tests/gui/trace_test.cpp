@@ -1,7 +1,11 @@
-// Every procedure of the shell, the data file and the import writes its entry: a session in which
-// each of them runs, and the list of their names.
+// Every procedure writes its entry: sessions in which each of them runs, and the lists of their
+// names.
 
 #include <QFileDialog>
+#include <QRadioButton>
+
+#include <algorithm>
+#include <utility>
 
 #include "MadeFiles.h"
 #include "RunningProgram.h"
@@ -47,6 +51,59 @@ const QStringList kProcedures{
     " Start mImport.OpenBRAMTables ", "    Copy FMZ ", "   mImport.BRAM_CopyAAC",
     "   mImport.BRAM_CopyNVC", "   BRAM_BlankNVCRecords", "   BRAM_Close"};
 
+// The same for the worksheets.
+const QStringList kWorksheetProcedures{
+    // management goals
+    "   Load frm2RMAs", "   frm2RMAs.Setup", "   frm2RMAs.LoadList", "   frm2RMAs.ShowItem",
+    "   Update ", "   lstRMAs_Click ", "   frm2RMAs.txtHeading_GotFocus",
+    "   frm2RMAs.txtHeading_Change", "   frm2RMAs.txtBody_Change", "   cmdAdd_Click",
+    "   cmdDelete_Click", "   u92Utilities.ConfirmDelete", "   Unloaded frm2RMAs",
+    // suppression resources
+    "   Load frm3SRMaster", "   Setup", "   frm3SRMaster.FormatGrid", "   frm3SRMaster.LoadGrid",
+    "   frm3SRMaster.grdMasterList_EnterCell", "   frm3SRMaster.grdMasterList_BeforeEdit",
+    "   frm3SRMaster.grdMasterList_AfterEdit", "   MoveRow", "   frm3SRMaster.txtSource_Change",
+    "   frm3SRMaster.SRDataSource Get", "   frm3SRMaster.SRDataSource Let",
+    "   frm3SRMaster.SRDataSource Save", "   frm3SRMaster.SaveChanges", "   UpdateTable",
+    "   frm3SRMaster.SaveRow", "   Unloaded frm3SRMaster",
+    // its dialog
+    "   Load frm3SRMasterAdd", "   frm3SRMasterAdd.txtResourceName_GotFocus",
+    "   frm3SRMasterAdd.txtResourceName_Change", "   frm3SRMasterAdd.txtShortName_GotFocus",
+    "   frm3SRMasterAdd.txtShortName_Change", "   frm3SRMasterAdd.optTime_Click",
+    "   frm3SRMasterAdd.optItem_Click", "   frm3SRMasterAdd.txtUnits_GotFocus",
+    "   frm3SRMasterAdd.txtUnits_Change", "   frm3SRMasterAdd.txtCost_GotFocus",
+    "   frm3SRMasterAdd.txtCost_KeyPress", "   frm3SRMasterAdd.txtCost_Change",
+    "   frm3SRMasterAdd.txtPosition_GotFocus", "   frm3SRMasterAdd.txtPosition_KeyPress",
+    "   frm3SRMasterAdd.EnableOK", "   cmdOK_Click", "   cmdCancel_Click",
+    "   Unloaded frm3SRMasterAdd",
+    // zones
+    "   Load frm4FMZs", "   frm4FMZs.Setup", "   frm4FMZs.SetupGrid", "   frm4FMZs.FMZ_LoadGrid",
+    "   frm4FMZs.cmdAdd_Click", "   FMZ_CreateRecord 1", "   FMZ_Update", "   FMZ_UpdateRecord 1",
+    "   frm4FMZs.grdFMZs_EnterCell", "   frm4FMZs.grdFMZs_BeforeEdit",
+    "   frm4FMZs.cmdImport_Click", "   Unloaded frm4FMZs",
+    // net value change
+    "   Load frm5NVCTable", "   frm5NVCTable.Setup", "   frm5NVCTable.SetupGrid", "   LoadFMZs",
+    "   LoadRepLocs", "   cboFMZs_Click North", "   cboRepLocs_Click 2",
+    "   c34NVCTable.Initialize", "   c34NVCTable.NVCCellValue", "   c34NVCTable.SaveChanges",
+    "   ShowNVCTable", "   ShowTotals", "   frm5NVCTable.grdNVC_EnterCell",
+    "   frm5NVCTable.grdNVC_BeforeEdit", "   frm5NVCTable.grdNVC_KeyPressEdit",
+    "   frm5NVCTable.grdNVC_KeyUpEdit", "   frm5NVCTable.SaveChanges", "   Unloaded frm5NVCTable",
+    // cost per acre
+    "   Load frmSuppressAcre", "   frmSuppressAcre.Setup", "   frmSuppressAcre.FormatCostGrid",
+    "   frmCostPerAcre.cboFMZs_Click", "   frmSuppressAcre.DisplayData",
+    "   frmSuppressAcre.ShowNextLowerBound", "   frmSuppressAcre.grdCosts_EnterCell",
+    "   frmSuppressAcre.grdCosts_BeforeEdit", "   frmSuppressAcre.grdCosts_ChangeEdit",
+    "   frmSuppressAcre.grdCosts_AfterEdit 2, 1", "   frmSuppressAcre.SaveChanges",
+    "   c35AACTable.Initialize ", "   c35AACTable.TopSize", "   c35AACTable.Cost",
+    "   c35AACTable.SaveChanges", "   Unloaded frm6SuppressAcre"};
+
+void ExpectEach(const QStringList& procedures, const QStringList& trace) {
+    for (const QString& procedure : procedures) {
+        EXPECT_TRUE(std::any_of(trace.begin(), trace.end(), [&procedure](const QString& entry) {
+            return entry.startsWith(procedure);
+        })) << procedure.toStdString();
+    }
+}
+
 class Trace : public RunningProgram {
 protected:
     static void Type(QWidget& dialog, const char* box, const char* text) {
@@ -86,6 +143,86 @@ protected:
         Click(QStringLiteral("cmdImport"));
         EXPECT_EQ(Text(answers.Texts()), "");
     }
+    // Into what has the keyboard.
+    void Keys(const char* text) {
+        for (const char* key = text; *key != 0; ++key) {
+            QTest::keyClick(frame_->windowHandle(), *key);
+        }
+    }
+    void StepKey(const char* control, Qt::Key key) {
+        Get(QLatin1String(control)).setFocus();
+        RunningProgram::Press(key);
+    }
+    void EditZones() {
+        ClickTab(4);
+        Click(QStringLiteral("cmdAdd"));
+        Keys("North");
+        RunningProgram::Press(Qt::Key_Tab);
+        Keys("2");
+        Click(QStringLiteral("cmdAdd"));
+        Keys("South");
+        support::Answers answers({QMessageBox::Yes});
+        answers.Then([](QWidget& dialog) { QMetaObject::invokeMethod(&dialog, "reject"); });
+        Click(QStringLiteral("cmdImport"));
+    }
+    void EditGoals() {
+        ClickTab(2);
+        Click(QStringLiteral("cmdAdd"));
+        Keys("Ridge");
+        RunningProgram::Press(Qt::Key_Tab);
+        Keys("Keep");
+        Click(QStringLiteral("cmdAdd"));
+        const support::Answers answers({QMessageBox::Yes});
+        Click(QStringLiteral("cmdDelete"));
+    }
+    static void FillIn(QWidget& dialog) {
+        Type(dialog, "txtResourceName", "Engine");
+        dialog.findChild<QRadioButton*>("optItem")->click();
+        dialog.findChild<QRadioButton*>("optTime")->click();
+        for (const auto& [box, text] :
+             {std::pair("txtShortName", "E"), std::pair("txtUnits", "day"),
+              std::pair("txtCost", "5"), std::pair("txtPosition", "1")}) {
+            dialog.findChild<QWidget*>(QLatin1String(box))->setFocus();
+            Type(dialog, box, text);
+        }
+        Press(dialog, "cmdOK");
+    }
+    void EditResources() {
+        ClickTab(3);
+        support::Answers answers({QMessageBox::Yes});
+        for (int added = 0; added < 2; ++added) {
+            answers.Then(FillIn);
+            Click(QStringLiteral("cmdAdd"));
+        }
+        answers.Then([](QWidget& dialog) { Press(dialog, "cmdCancel"); });
+        Click(QStringLiteral("cmdAdd"));
+        Get<vsFlexGrid>(QStringLiteral("grdMasterList")).setFocus();
+        RunningProgram::Press(Qt::Key_Home);
+        Keys("2");
+        RunningProgram::Press(Qt::Key_Return);
+        Get(QStringLiteral("txtSource")).setFocus();
+        Keys("2026");
+        Click(QStringLiteral("cmdDelete"));
+    }
+    void EditValues() {
+        ClickTab(5);
+        StepKey("cboRepLocs", Qt::Key_Down);
+        Get<vsFlexGrid>(QStringLiteral("grdNVC")).setFocus();
+        RunningProgram::Press(Qt::Key_Right);
+        Keys("-1");
+        StepKey("cboFMZs", Qt::Key_Down);
+    }
+    void EditCosts() {
+        ClickTab(6);
+        auto& grid = Get<vsFlexGrid>(QStringLiteral("grdCosts"));
+        grid.setFocus();
+        grid.Select(2, 1);
+        Keys("10");
+        RunningProgram::Press(Qt::Key_Return);
+        grid.Select(2, 2);
+        Keys("500");
+        RunningProgram::Press(Qt::Key_Return);
+    }
 };
 
 TEST_F(Trace, WholeSession_HasTheEntryOfEveryProcedure) {
@@ -123,11 +260,18 @@ TEST_F(Trace, WholeSession_HasTheEntryOfEveryProcedure) {
     Choose(QStringLiteral("mnuExit"));
 
     const QStringList trace = withFile + folder_.Trace();
-    for (const QString& procedure : kProcedures) {
-        EXPECT_TRUE(std::any_of(trace.begin(), trace.end(), [&procedure](const QString& entry) {
-            return entry.startsWith(procedure);
-        })) << procedure.toStdString();
-    }
+    ExpectEach(kProcedures, trace);
+}
+
+TEST_F(Trace, EveryWorksheet_HasTheEntryOfEveryProcedure) {
+    RunWithFile();
+    EditZones();
+    EditGoals();
+    EditResources();
+    EditValues();
+    EditCosts();
+    ClickTab(1);
+    ExpectEach(kWorksheetProcedures, folder_.Trace());
 }
 
 }  // namespace

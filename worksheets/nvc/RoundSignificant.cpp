@@ -2,9 +2,11 @@
 
 #include <cmath>
 
+#include "base/u91Trace.h"
 #include "platform/text/Numbers.h"
 
 double RoundSignificant(double number, int digits) {
+    u91Trace::Procedure(QStringLiteral("RoundSignificant"));
     const double magnitude = std::fabs(number);
     double power = 1;
     while (power < magnitude) {
