@@ -5,7 +5,6 @@
 #include "jet/query.h"
 #include "jet/recordset.h"
 #include "os/out_of_memory.h"
-#include "page/pager_impl.h"
 #include "query/bind.h"
 #include "query/query_recordset.h"
 #include "recordset/open_file.h"
@@ -97,19 +96,19 @@ void Database::MakeDurable() {
 }
 
 void Database::SecureLog() noexcept {
-    if (impl_->file) impl_->file->Pages().Internals().Log().SecurePlace();
+    if (impl_->file) impl_->file->Pages().SecureLog();
 }
 
 std::uint64_t Database::PendingOperations() const {
-    return impl_->file->Pages().Internals().Log().Operations();
+    return impl_->file->Pages().PendingOperations();
 }
 
 bool Database::WasMoved() const {
-    return impl_->file->Pages().Internals().movedAway;
+    return impl_->file->Pages().WasMoved();
 }
 
 bool Database::WasPutBack() const {
-    return impl_->file->Pages().Internals().putBack;
+    return impl_->file->Pages().WasPutBack();
 }
 
 Version Database::FileVersion() const {

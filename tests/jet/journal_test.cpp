@@ -16,7 +16,6 @@
 #include "page/log_format.h"
 #include "page/operation.h"
 #include "page/pager.h"
-#include "page/pager_impl.h"
 #include "support/fault_file_system.h"
 #include "support/fault_runs.h"
 
@@ -426,8 +425,8 @@ TEST_P(JournalTest, SecurePlace_FlushesTheFolderOnce_InsteadOfTheFirstMakeDurabl
         const auto pager = OpenFile(*files);
         if (secured) {
             files->Arm(Fault::kNone, 0);
-            pager->Internals().Log().SecurePlace();
-            pager->Internals().Log().SecurePlace();
+            pager->SecureLog();
+            pager->SecureLog();
             EXPECT_EQ(files->Steps(), 1);
         }
         std::mt19937 draw(1);
@@ -442,9 +441,9 @@ TEST_P(JournalTest, SecurePlace_FlushesTheFolderOnce_InsteadOfTheFirstMakeDurabl
 TEST_P(JournalTest, SecurePlace_ThatFails_IsTriedAgain) {
     const auto pager = OpenFile(files_);
     files_.Arm(Fault::kFail, 1);
-    pager->Internals().Log().SecurePlace();
+    pager->SecureLog();
     files_.Arm(Fault::kNone, 0);
-    pager->Internals().Log().SecurePlace();
+    pager->SecureLog();
     EXPECT_EQ(files_.Steps(), 1);
 }
 

@@ -12,7 +12,6 @@
 #include "jet/error.h"
 #include "page/bytes.h"
 #include "page/operation.h"
-#include "page/pager_impl.h"
 #include "page/usage_map.h"
 #include "sample_table.h"
 

@@ -17,7 +17,6 @@
 #include "os/out_of_memory.h"
 #include "page/bytes.h"
 #include "page/header.h"
-#include "page/pager_impl.h"
 #include "recordset/open_file.h"
 
 namespace jet {

@@ -4,7 +4,7 @@
 
 #include "check/findings.h"
 #include "jet/error.h"
-#include "page/pager_impl.h"
+#include "page/data_file.h"
 
 namespace jet {
 

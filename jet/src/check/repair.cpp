@@ -21,8 +21,8 @@
 #include "jet/recordset.h"
 #include "os/out_of_memory.h"
 #include "page/bytes.h"
+#include "page/data_file.h"
 #include "page/header.h"
-#include "page/pager_impl.h"
 #include "recordset/open_file.h"
 
 namespace jet {

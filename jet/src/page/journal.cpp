@@ -42,10 +42,10 @@ void Journal::RequireFile() {
 
 std::unique_ptr<File> Journal::OpenLog() {
     try {
-        if (end_ > 0) return files_.OpenBeside(path_, OpenMode::kReadWrite);
+        if (end_ > 0) return dataFile_.Files().OpenBeside(path_, OpenMode::kReadWrite);
         // What lies there holds nothing. A file of our own making is nobody's link.
-        if (files_.Exists(path_)) files_.Remove(path_);
-        return files_.CreateLike(path_, *dataFile_);
+        if (dataFile_.Files().Exists(path_)) dataFile_.Files().Remove(path_);
+        return dataFile_.Files().CreateLike(path_, dataFile_.Model());
     } catch (const Error& error) {
         if (error.Kind() == ErrorKind::kDiskFull) throw;
         throw Error(error.Kind(), std::string("No change can be stored, because the log of the ") +
@@ -64,7 +64,7 @@ void Journal::Resume(const LogPosition& position) {
     RequireFile();
 }
 
-std::uint64_t Journal::StartBuffer(std::uint32_t pagesAfter, const Start& start) {
+std::uint64_t Journal::StartBuffer(std::uint32_t pagesAfter) {
     buffer_.clear();
     if (!IsEmpty()) {
         if (logged_.size() < pagesAfter) {
@@ -74,7 +74,8 @@ std::uint64_t Journal::StartBuffer(std::uint32_t pagesAfter, const Start& start)
     }
     logged_.assign(pagesAfter, false);
     operation_ = 0;
-    return AppendLogHeader(buffer_, {.pageSize = pageSize_,
+    const FileState& start = dataFile_.State();
+    return AppendLogHeader(buffer_, {.pageSize = dataFile_.PageFormat().pageSize,
                                      .pageCount = start.pageCount,
                                      .salt = NewSalt(),
                                      .commitCounter = start.commitCounter,
@@ -86,15 +87,14 @@ LogBase Journal::BaseOf(const PageChange& change) const {
     return Has(change.page) ? LogBase::kInLog : LogBase::kImage;
 }
 
-void Journal::Append(std::span<const PageChange> changes, std::uint32_t pagesAfter,
-                     const Start& start) {
-    const std::uint64_t seed = StartBuffer(pagesAfter, start);
+void Journal::Append(std::span<const PageChange> changes, std::uint32_t pagesAfter) {
+    const std::uint64_t seed = StartBuffer(pagesAfter);
     LogRecordWriter record(buffer_, LogRecordKind::kCommit, operation_ + 1, pagesAfter);
     for (const PageChange& change : changes) record.AddPage(change, BaseOf(change));
     const std::uint64_t checksum = record.Finish(seed);
     const bool first = IsEmpty();
     WriteBuffer();
-    if (first) lastCounter_ = start.commitCounter;
+    if (first) lastCounter_ = dataFile_.State().commitCounter;
     checksum_ = checksum;
     ++operation_;
     for (const PageChange& change : changes) logged_[change.page.value] = true;
@@ -103,10 +103,10 @@ void Journal::Append(std::span<const PageChange> changes, std::uint32_t pagesAft
 }
 
 void Journal::AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
-                         const Start& start, std::span<std::uint64_t> places) {
+                         std::span<std::uint64_t> places) {
     loggedByParts_.reserve(loggedByParts_.size() + changes.size());
     const Good before{end_, checksum_};
-    const std::uint64_t seed = StartBuffer(pagesAfter, start);
+    const std::uint64_t seed = StartBuffer(pagesAfter);
     LogRecordWriter record(buffer_, LogRecordKind::kPart, operation_ + 1, pagesAfter);
     for (std::size_t i = 0; i < changes.size(); ++i) {
         places[i] = end_ + record.AddWholePage(changes[i], BaseOf(changes[i]));
@@ -114,7 +114,7 @@ void Journal::AppendPart(std::span<const PageChange> changes, std::uint32_t page
     const std::uint64_t checksum = record.Finish(seed);
     const bool first = IsEmpty();
     WriteBuffer();
-    if (first) lastCounter_ = start.commitCounter;
+    if (first) lastCounter_ = dataFile_.State().commitCounter;
     checksum_ = checksum;
     if (!beforeParts_) beforeParts_ = before;
     for (const PageChange& change : changes) {
@@ -201,7 +201,7 @@ void Journal::SecurePlace() noexcept {
 
 // Not when the log is made: every opening would wait for the disk.
 void Journal::FlushPlace() {
-    if (!placeFlushed_) files_.FlushFolder(path_.parent_path());
+    if (!placeFlushed_) dataFile_.Files().FlushFolder(path_.parent_path());
     placeFlushed_ = true;
 }
 
@@ -234,7 +234,7 @@ void Journal::Empty() noexcept {
 void Journal::Remove() noexcept {
     file_.reset();
     try {
-        files_.Remove(path_);
+        dataFile_.Files().Remove(path_);
     } catch (...) {
         // What stays behind is empty, or replays to what the data file holds already.
     }

@@ -32,6 +32,7 @@
 #include <vector>
 
 #include "jet/file.h"
+#include "page/data_file.h"
 #include "page/header.h"
 #include "page/log_format.h"
 #include "page/log_replay.h"
@@ -40,17 +41,10 @@ namespace jet {
 
 class Journal {
 public:
-    // The state of the data file that a log begins with.
-    struct Start {
-        std::uint32_t pageCount = 0;
-        std::uint16_t commitCounter = 0;
-        std::uint64_t otherCounters = 0;
-    };
-
-    // `dataFile` is the one that a new log file takes its access rights from.
-    Journal(FileSystem& files, std::filesystem::path path, std::uint32_t pageSize,
-            const std::unique_ptr<File>& dataFile)
-        : files_(files), path_(std::move(path)), pageSize_(pageSize), dataFile_(dataFile) {}
+    // A new log takes its access rights, and the state that it begins with, from the data file,
+    // which must outlive it.
+    explicit Journal(const DataFile& dataFile)
+        : dataFile_(dataFile), path_(LogPath(dataFile.Path())) {}
 
     // Makes the (empty) log file. May fail; the first operation then tries again, and fails if it
     // has to.
@@ -60,14 +54,14 @@ public:
     // Goes on with a log that was replayed.
     void Resume(const LogPosition& position);
 
-    // The moment of commitment: writes the record of an operation. `start` is what a log that
-    // begins with it belongs to. When it throws, the operation is not in the log. kDiskFull, kIo.
-    void Append(std::span<const PageChange> changes, std::uint32_t pagesAfter, const Start& start);
+    // The moment of commitment: writes the record of an operation. When it throws, the operation is
+    // not in the log. kDiskFull, kIo.
+    void Append(std::span<const PageChange> changes, std::uint32_t pagesAfter);
 
     // A part of a transaction that goes on: whole pages. Gives where the bytes of each lie in the
     // log, in the order of `changes`. When it throws, nothing is in the log. kDiskFull, kIo.
     void AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
-                    const Start& start, std::span<std::uint64_t> places);
+                    std::span<std::uint64_t> places);
     // Whether there are parts that no commit has followed.
     [[nodiscard]] bool HasParts() const { return beforeParts_.has_value(); }
     // Removes them: the transaction has been rolled back.
@@ -101,7 +95,7 @@ private:
     };
 
     // Puts the header of a log that begins into the buffer, and gives the seed of the next record.
-    std::uint64_t StartBuffer(std::uint32_t pagesAfter, const Start& start);
+    std::uint64_t StartBuffer(std::uint32_t pagesAfter);
     [[nodiscard]] LogBase BaseOf(const PageChange& change) const;
     void CutQuietly() noexcept;
     void RequireFile();
@@ -113,10 +107,8 @@ private:
         return page.value < logged_.size() && logged_[page.value];
     }
 
-    FileSystem& files_;
+    const DataFile& dataFile_;
     std::filesystem::path path_;
-    std::uint32_t pageSize_;
-    const std::unique_ptr<File>& dataFile_;
     std::unique_ptr<File> file_;
     std::uint64_t end_ = 0;       // length of the good part
     std::uint64_t checksum_ = 0;  // of its last record

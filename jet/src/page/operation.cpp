@@ -5,21 +5,20 @@
 #include "jet/error.h"
 #include "page/bytes.h"
 #include "page/global_map.h"
-#include "page/pager_impl.h"
 
 namespace jet {
 
 Operation::Operation(Pager& pager) : pager_(pager) {
-    pager_.Internals().BeginOperation();
+    pager_.BeginOperation();
 }
 
 Operation::~Operation() {
-    if (!committed_) pager_.Internals().RollbackOperation();
+    if (!committed_) pager_.changes_.RollbackOperation();
 }
 
 void Operation::Commit() {
     RequireOpen();
-    pager_.Internals().CommitOperation();
+    pager_.changes_.CommitOperation();
     committed_ = true;
 }
 
@@ -27,28 +26,30 @@ void Operation::RequireOpen() const {
     if (committed_) throw Error(ErrorKind::kNoTransaction, "The operation has ended already.");
 }
 
+PageNumber& Operation::MapRowPage() {
+    return pager_.changes_.mapRowPage;
+}
+
 MutableBytes Operation::Change(PageNumber page) {
     RequireOpen();
-    return pager_.Internals().Change(page);
+    return pager_.changes_.Change(page);
 }
 
 void Operation::Extend(PageNumber page) {
     RequireOpen();
-    Pager::Impl& pages = pager_.Internals();
     // Writers reserve a few pages past the end; a map that skips many is no map of this file.
     constexpr std::uint32_t kMostReserved = 4096;
-    if (page.value >= pages.pageCount + kMostReserved) {
+    if (page.value >= pager_.PageCount() + kMostReserved) {
         ThrowDamaged("The file is damaged: its map of free pages does not fit its length.");
     }
-    while (pages.pageCount <= page.value) pages.Append();
+    while (pager_.PageCount() <= page.value) pager_.changes_.Append();
 }
 
 PageNumber Operation::Allocate() {
-    Pager::Impl& pages = pager_.Internals();
-    GlobalMap map(*this, pages.header.freePages);
-    const PageNumber page = map.Take(pages.lowestFree);
-    pages.lowestFree = PageNumber{page.value + 1};
-    if (page.value < pages.pageCount) {
+    GlobalMap map(*this, pager_.Header().freePages);
+    const PageNumber page = map.Take(pager_.changes_.lowestFree);
+    pager_.changes_.lowestFree = PageNumber{page.value + 1};
+    if (page.value < pager_.PageCount()) {
         const MutableBytes bytes = Change(page);
         std::fill(bytes.begin(), bytes.end(), std::byte{0});
     } else {
@@ -58,11 +59,10 @@ PageNumber Operation::Allocate() {
 }
 
 void Operation::Free(PageNumber page) {
-    Pager::Impl& pages = pager_.Internals();
     const MutableBytes bytes = Change(page);
-    GlobalMap(*this, pages.header.freePages).GiveBack(page);
+    GlobalMap(*this, pager_.Header().freePages).GiveBack(page);
     std::fill_n(bytes.begin(), 4, std::byte{0});
-    pages.lowestFree = std::min(pages.lowestFree, page);
+    pager_.changes_.lowestFree = std::min(pager_.changes_.lowestFree, page);
 }
 
 }  // namespace jet

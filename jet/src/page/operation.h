@@ -34,6 +34,9 @@ public:
     // Lengthens the file with zeroed pages until it has this one. kFileTooLarge.
     void Extend(PageNumber page);
 
+    // The page that lately had room for a usage map; 0 when none is known.
+    [[nodiscard]] PageNumber& MapRowPage();
+
     // Errors: kDiskFull, kIo; the operation is then undone when it goes.
     void Commit();
 

@@ -1,33 +1,17 @@
 // Opening and creating: the checks, the lock, and what an interrupted run left behind.
 #include <algorithm>
-#include <span>
-#include <string>
 #include <vector>
 
 #include "jet/error.h"
 #include "page/bytes.h"
-#include "page/checksum.h"
 #include "page/found_log.h"
 #include "page/kept_logs.h"
 #include "page/operation.h"
-#include "page/pager_impl.h"
+#include "page/pager.h"
 
 namespace jet {
 
 namespace {
-
-void RequireLock(File& file, bool exclusive) {
-    if (!file.TryLock(exclusive)) {
-        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
-    }
-}
-
-std::unique_ptr<File> OpenLocked(FileSystem& files, const std::filesystem::path& path,
-                                 OpenMode mode, bool exclusive) {
-    auto file = files.Open(path, mode);
-    RequireLock(*file, exclusive);
-    return file;
-}
 
 FileHeader ReadHeaderOf(File& file) {
     std::vector<std::byte> prefix(
@@ -43,24 +27,6 @@ std::vector<std::byte> ReadHeaderPage(File& file, const Format& format) {
     return page;
 }
 
-// Other programs note in a lock file who works with a database. One that nobody holds was left by a
-// program that ended over it.
-void RequireNoLockFile(FileSystem& files, const std::filesystem::path& dataFile) {
-    for (const char* ending : {".ldb", ".LDB", ".laccdb"}) {
-        std::filesystem::path path = dataFile;
-        path.replace_extension(ending);
-        if (!files.Exists(path)) continue;
-        std::unique_ptr<File> file;
-        try {
-            file = files.Open(path, OpenMode::kReadOnly);
-        } catch (const Error& error) {
-            if (error.Kind() == ErrorKind::kFileInUse) throw;
-            continue;
-        }
-        RequireLock(*file, true);
-    }
-}
-
 void CheckLength(std::uint64_t size, const Format& format) {
     const std::uint64_t pages = size / format.pageSize;
     if (size % format.pageSize != 0 || pages < kSmallestPageCount) {
@@ -73,43 +39,13 @@ void CheckLength(std::uint64_t size, const Format& format) {
 
 }  // namespace
 
-void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) noexcept {
-    try {
-        files.Remove(path);
-    } catch (...) {
-        // An empty or unfinished file stays; the failure before this one is told.
-    }
-}
-
-// A name that has no room for the ending is cut, and a number made of the whole of it tells it from
-// its like.
-std::filesystem::path LogPath(const std::filesystem::path& dataFile) {
-    constexpr std::size_t kLongestName = 255;
-    constexpr std::size_t kRoomForEndings = 11;  // "-log-old99"
-    constexpr std::size_t kKept = 100;
-    const std::u8string name = dataFile.filename().u8string();
-    std::filesystem::path log = dataFile;
-    if (name.size() + kRoomForEndings > kLongestName) {
-        std::size_t end = kKept;
-        while (end > 0 && (name[end] & 0xC0U) == 0x80U) --end;
-        const std::uint64_t number = Checksum(std::as_bytes(std::span(name)), 0);
-        log.replace_filename(name.substr(0, end));
-        log += "-" + std::to_string(number);
-    }
-    log += "-log";
-    return log;
-}
-
 std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::path& path,
                                    const OpenOptions& options, Recovery& recovery) {
     using Finding = LogReplay::Finding;
     recovery = {};
     const std::filesystem::path resolved = files.Resolve(path);
     const std::filesystem::path log = LogPath(resolved);
-    auto file =
-        OpenLocked(files, resolved, options.readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite,
-                   options.exclusive || !options.readOnly);
-    if (options.exclusive || !options.readOnly) RequireNoLockFile(files, resolved);
+    auto file = OpenLocked(files, resolved, options);
     const FileHeader header = ReadHeaderOf(*file);
     const Format& format = FormatOf(header.version);
     const std::vector<std::byte> headerPage = ReadHeaderPage(*file, format);
@@ -127,25 +63,41 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
         recovery.operations = found.replay->Position().operations;
     }
 
-    auto impl = std::make_unique<Impl>(files, resolved, std::move(file), format, options);
-    impl->header = header;
-    impl->Start(static_cast<std::uint32_t>(size / format.pageSize), headerPage);
-    if (options.readOnly) {
-        if (pending) impl->Overlay(*found.replay, std::move(found.file));
+    std::unique_ptr<Pager> pager(new Pager(files, resolved, std::move(file), format, options));
+    try {
+        pager->Start(header, headerPage, std::move(found), recovery);
+    } catch (...) {
+        // Nothing is tried again, and no log is removed, by closing.
+        pager->Release();
+        throw;
+    }
+    return pager;
+}
+
+void Pager::Start(const FileHeader& header, Bytes headerPage, FoundLog found, Recovery& recovery) {
+    const bool pending = found.finding == LogReplay::Finding::kPending;
+    FileSystem& files = file_.Files();
+    const std::filesystem::path log = LogPath(file_.Path());
+    header_ = header;
+    file_.TakeState(headerPage, static_cast<std::uint32_t>(file_.Size() / format_.pageSize));
+    cache_.SetPageCount(file_.State().pageCount);
+    if (pending) cache_.Take(*found.replay);
+    if (file_.IsReadOnly()) {
+        if (pending) journal_.ReadOnly(std::move(found.file));
         recovery.keptLogs = KeptLogs(files, log);
         if (recovery.foreignLogIgnored && HoldsOperations(files, log)) {
             recovery.keptLogs.push_back(log);
         }
-        return std::make_unique<Pager>(std::move(impl));
+        return;
     }
     if (recovery.foreignLogIgnored) SetAside(files, log);
     recovery.keptLogs = KeptLogs(files, log);
     if (pending) {
-        impl->Recover(*found.replay);
+        journal_.Resume(found.replay->Position());
+        MakeDurable();
     } else {
-        impl->Log().Prepare();
+        journal_.Prepare();
     }
-    return std::make_unique<Pager>(std::move(impl));
 }
 
 std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::path& path,
@@ -158,9 +110,8 @@ std::unique_ptr<Pager> Pager::Create(FileSystem& files, const std::filesystem::p
         const std::filesystem::path resolved = files.Resolve(path);
         const Format& format = FormatOf(version);
         if (files.Exists(LogPath(resolved))) SetAside(files, LogPath(resolved));
-        pager = std::make_unique<Pager>(
-            std::make_unique<Impl>(files, resolved, std::move(file), format, options));
-        pager->impl_->Log().Prepare();
+        pager.reset(new Pager(files, resolved, std::move(file), format, options));
+        pager->journal_.Prepare();
         pager->StartFile(version);
     } catch (...) {
         if (pager) pager->Abandon();
@@ -178,9 +129,8 @@ void Pager::StartFile(Version version) {
     WriteFileHeader(operation.Change(PageNumber{0}), version);
     WriteGlobalMapsPage(operation.Change(PageNumber{1}), FileFormat());
     const PageRef first = Page(PageNumber{0});
-    impl_->header = ReadFileHeader(first.Data());
-    impl_->fileCounter = ReadCommitCounter(first.Data(), FileFormat());
-    impl_->otherCounters = OtherCounters(first.Data(), FileFormat());
+    header_ = ReadFileHeader(first.Data());
+    file_.TakeState(first.Data(), 0);
     operation.Commit();
 }
 

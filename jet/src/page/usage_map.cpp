@@ -7,7 +7,6 @@
 #include "page/bits.h"
 #include "page/bytes.h"
 #include "page/map_row.h"
-#include "page/pager_impl.h"
 
 namespace jet {
 
@@ -250,7 +249,7 @@ bool TakesMapRows(Pager& pager, PageNumber page) {
 UsageMap UsageMap::Create(Operation& operation) {
     Pager& pager = operation.Pages();
     const Format& format = pager.FileFormat();
-    for (const PageNumber page : {pager.Internals().mapRowPage, FirstMapRowPage(pager)}) {
+    for (const PageNumber page : {operation.MapRowPage(), FirstMapRowPage(pager)}) {
         if (!TakesMapRows(pager, page)) continue;
         const std::uint16_t slot = ReadU16(pager.Page(page).Data(), format.rowCountAt);
         if (AppendMapRow(operation.Change(page), format, format.initialMapRow)) {
@@ -260,7 +259,7 @@ UsageMap UsageMap::Create(Operation& operation) {
     const PageNumber page = operation.Allocate();
     StartMapRowPage(operation.Change(page), format);
     AppendMapRow(operation.Change(page), format, format.initialMapRow);
-    pager.Internals().mapRowPage = page;
+    operation.MapRowPage() = page;
     return {pager, RowId{page, 0}};
 }
 

@@ -1,0 +1,203 @@
+#include "page/changes.h"
+
+#include <algorithm>
+
+#include "jet/error.h"
+#include "page/bytes.h"
+
+namespace jet {
+
+namespace {
+
+// Pages that a transaction moves to the log at once.
+constexpr std::size_t kPagesOfPart = 128;
+
+}  // namespace
+
+Changes::Changes(PageCache& pages, Journal& journal, const Format& format, std::size_t spillBytes)
+    : pages_(pages),
+      journal_(journal),
+      format_(format),
+      spillPages_(spillBytes / format.pageSize),
+      changed_(format.pageSize),
+      savepoint_(format.pageSize) {}
+
+void Changes::BeginTransaction() noexcept {
+    inTransaction_ = true;
+    pagesBefore_ = pages_.PageCount();
+}
+
+void Changes::BeginOperation() {
+    if (!inTransaction_) {
+        pagesBefore_ = pages_.PageCount();
+    } else if (changed_.Size() >= keptAtSpill_ + spillPages_) {
+        Spill();
+    }
+    inOperation_ = true;
+    pagesBeforeOperation_ = pages_.PageCount();
+    firstOfOperation_ = changed_.Size();
+}
+
+MutableBytes Changes::Change(PageNumber page) {
+    Frame& frame = pages_.Fetch(page);
+    if (!frame.changing) {
+        (frame.inTransaction ? savepoint_ : changed_).Add(frame, false);
+        frame.inTransaction = true;
+        frame.changing = true;
+    }
+    return pages_.BytesOf(frame);
+}
+
+void Changes::Append() {
+    if (pages_.PageCount() >= LargestPageCount(format_)) {
+        throw Error(ErrorKind::kFileTooLarge,
+                    "The file has reached the largest size that its format allows.");
+    }
+    Frame& frame = pages_.AddZeroed();
+    try {
+        changed_.Add(frame, true);
+    } catch (...) {
+        pages_.Drop(frame);
+        throw;
+    }
+    frame.inTransaction = true;
+    frame.changing = true;
+    pages_.SetPageCount(pages_.PageCount() + 1);
+}
+
+PageChange Changes::ChangeOf(const UndoImage& image) const {
+    const Bytes before = changed_.Before(image);
+    const Bytes after = pages_.BytesOf(*image.frame);
+    return {.page = PageNumber{image.frame->number},
+            .fresh = image.fresh,
+            .before = before,
+            .after = after,
+            .firstDifference = FirstDifference(before, after, 0)};
+}
+
+void Changes::CollectChanges() {
+    differences_.clear();
+    for (const UndoImage& image : changed_.From(0)) {
+        const PageChange change = ChangeOf(image);
+        if (change.fresh || change.firstDifference < format_.pageSize) {
+            differences_.push_back(change);
+        }
+    }
+}
+
+// The moment of commitment.
+void Changes::WriteToLog() {
+    CollectChanges();
+    if (differences_.empty() && !journal_.HasParts()) return;
+    journal_.Append(differences_, pages_.PageCount());
+    // Done: nothing from here on fails.
+    for (const PageChange& change : differences_) pages_.MarkDirty(*pages_.Find(change.page.value));
+    pages_.InLog().Keep();
+    ++count_;
+}
+
+// Moves the pages of the open transaction to the log, from where they are read when they are needed
+// again. Those that were changed before, and are in neither file, stay: a rollback needs them.
+void Changes::Spill() {
+    std::vector<const UndoImage*> images;
+    images.reserve(changed_.Size());
+    for (const UndoImage& image : changed_.From(0)) {
+        if (!image.frame->dirty) images.push_back(&image);
+    }
+    pages_.InLog().Reserve(pages_.PageCount(), images.size());
+    try {
+        for (std::size_t at = 0; at < images.size(); at += kPagesOfPart) {
+            SpillPart(std::span(images).subspan(at, std::min(kPagesOfPart, images.size() - at)));
+        }
+    } catch (...) {
+        changed_.RemoveSettled();
+        throw;
+    }
+    changed_.RemoveSettled();
+    keptAtSpill_ = changed_.Size();
+    pages_.Shrink();
+}
+
+void Changes::SpillPart(std::span<const UndoImage* const> images) {
+    differences_.clear();
+    for (const UndoImage* image : images) differences_.push_back(ChangeOf(*image));
+    std::vector<std::uint64_t> places(images.size());
+    journal_.AppendPart(differences_, pages_.PageCount(), places);
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        pages_.InLog().Enter(images[i]->frame->number, places[i]);
+        images[i]->frame->inTransaction = false;
+    }
+}
+
+void Changes::CommitOperation() {
+    if (inTransaction_) {
+        ++count_;
+    } else {
+        WriteToLog();
+    }
+    EndOperation();
+}
+
+void Changes::RollbackOperation() noexcept {
+    for (const UndoImage& image : savepoint_.From(0)) savepoint_.Restore(image);
+    if (savepoint_.Size() > 0) ++count_;
+    UndoFrom(firstOfOperation_);
+    pages_.SetPageCount(pagesBeforeOperation_);
+    EndOperation();
+}
+
+void Changes::CommitTransaction() {
+    try {
+        WriteToLog();
+    } catch (...) {
+        RollbackTransaction();
+        throw;
+    }
+    inTransaction_ = false;
+    ForgetImages();
+}
+
+void Changes::RollbackTransaction() noexcept {
+    UndoFrom(0);
+    // What is in memory of the pages that were moved to the log is of the transaction.
+    pages_.InLog().Undo([this](std::uint32_t page) {
+        if (Frame* frame = pages_.Find(page)) pages_.Drop(*frame);
+    });
+    journal_.DropParts();
+    keptAtSpill_ = 0;
+    pages_.SetPageCount(pagesBefore_);
+    inTransaction_ = false;
+}
+
+// Puts the pages back that were changed from this one on.
+void Changes::UndoFrom(std::size_t first) noexcept {
+    for (const UndoImage& image : changed_.From(first)) {
+        if (image.fresh) {
+            pages_.Drop(*image.frame);
+        } else {
+            changed_.Restore(image);
+            image.frame->inTransaction = false;
+            image.frame->changing = false;
+        }
+    }
+    if (changed_.Size() > first) ++count_;
+    changed_.CutTo(first);
+    lowestFree = {};
+    mapRowPage = {};
+}
+
+void Changes::EndOperation() noexcept {
+    for (const UndoImage& image : changed_.From(firstOfOperation_)) image.frame->changing = false;
+    for (const UndoImage& image : savepoint_.From(0)) image.frame->changing = false;
+    savepoint_.CutTo(0);
+    inOperation_ = false;
+    if (!inTransaction_) ForgetImages();
+}
+
+void Changes::ForgetImages() noexcept {
+    for (const UndoImage& image : changed_.From(0)) image.frame->inTransaction = false;
+    changed_.CutTo(0);
+    keptAtSpill_ = 0;
+}
+
+}  // namespace jet

@@ -1,0 +1,76 @@
+// What is being changed: the open transaction and the open operation, with images of their pages to
+// undo them.
+//
+// Outside a transaction an operation is one by itself. Inside one, it is a savepoint. Either hands
+// the differences to the journal, in one write; a transaction that has grown large moves pages to
+// the log before.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "page/journal.h"
+#include "page/page_cache.h"
+#include "page/types.h"
+#include "page/undo_images.h"
+
+namespace jet {
+
+class Changes {
+public:
+    // A transaction spills when it has changed about so many bytes. The others must outlive it.
+    Changes(PageCache& pages, Journal& journal, const Format& format, std::size_t spillBytes);
+
+    void BeginTransaction() noexcept;
+    // Errors: kDiskFull, kIo; the transaction is then undone.
+    void CommitTransaction();
+    void RollbackTransaction() noexcept;
+    [[nodiscard]] bool InTransaction() const { return inTransaction_; }
+
+    // Errors, within a transaction: kDiskFull, kIo.
+    void BeginOperation();
+    // The page's bytes for writing; they stay valid until the operation ends.
+    MutableBytes Change(PageNumber page);
+    // Lengthens the file by a page of zeros. kFileTooLarge.
+    void Append();
+    // Errors, outside a transaction: kDiskFull, kIo; the operation then goes on, to be undone.
+    void CommitOperation();
+    void RollbackOperation() noexcept;
+    [[nodiscard]] bool InOperation() const { return inOperation_; }
+
+    // Raised by every operation that changed something, and when one is undone.
+    [[nodiscard]] const std::uint64_t& Count() const { return count_; }
+
+    // Where the last operations found room; forgotten when one is undone.
+    PageNumber lowestFree;  // no page below it is free
+    PageNumber mapRowPage;  // lately had room for a usage map; 0 when none is known
+
+private:
+    [[nodiscard]] PageChange ChangeOf(const UndoImage& image) const;
+    void CollectChanges();
+    void WriteToLog();
+    void Spill();
+    void SpillPart(std::span<const UndoImage* const> images);
+    void UndoFrom(std::size_t first) noexcept;
+    void EndOperation() noexcept;
+    void ForgetImages() noexcept;
+
+    PageCache& pages_;
+    Journal& journal_;
+    const Format& format_;
+    std::size_t spillPages_;
+    bool inTransaction_ = false;
+    bool inOperation_ = false;
+    std::uint32_t pagesBefore_ = 0;           // the transaction, or the operation outside of one
+    std::uint32_t pagesBeforeOperation_ = 0;  // the operation
+    UndoImages changed_;                      // all pages since pagesBefore_ was noted
+    std::size_t firstOfOperation_ = 0;        // those from here on, by the operation
+    UndoImages savepoint_;  // pages that the operation changed after the transaction had done so
+    std::vector<PageChange> differences_;
+    std::size_t keptAtSpill_ = 0;  // pages that could not be moved to the log
+    std::uint64_t count_ = 0;
+};
+
+}  // namespace jet
