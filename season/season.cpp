@@ -39,6 +39,19 @@ std::string Season::NvcName(std::int32_t number) const {
     return *found->name;
 }
 
+std::size_t CountRows(const Season& season) {
+    std::size_t rows = season.properties.size() + season.goals.size() + season.resources.size() +
+                       season.nvcResources.size() + season.zones.size() + season.strayCosts.size() +
+                       season.strayNvc.size();
+    for (const Zone& zone : season.zones) {
+        rows += zone.classes.size();
+        for (const Location& location : zone.locations) {
+            rows += location.rows.size();
+        }
+    }
+    return rows;
+}
+
 int LiveCount(const Zone& zone) {
     return std::clamp<int>(Amount(zone.rlCount), 0, kMostLocations);
 }

@@ -110,6 +110,8 @@ struct Season {
     [[nodiscard]] std::string NvcName(std::int32_t number) const;
 };
 
+// How many records there are.
+std::size_t CountRows(const Season& season);
 // How many of a zone's locations count: 1 to `rlCount`, 99 at most.
 int LiveCount(const Zone& zone);
 // Null where no row is stored.

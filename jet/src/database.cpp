@@ -66,6 +66,10 @@ void Database::DiscardLog(const std::filesystem::path& path, FileSystem& files) 
     });
 }
 
+std::filesystem::path Database::LogOf(const std::filesystem::path& path, FileSystem& files) {
+    return Guarded([&] { return LogPath(files.Resolve(path)); });
+}
+
 Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 
 Database::~Database() {

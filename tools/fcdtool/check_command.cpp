@@ -74,7 +74,7 @@ int RunCheck(const Arguments& arguments) {
             const season::Season season = season::Read(PathOf(file));
             const review::Subject subject{season, previous ? &*previous : nullptr, nullptr};
             anything |= SayFindings(file, review::Check(subject, ignored), arguments.Has("--json"));
-            progress.Step(CountRows(season));
+            progress.Step(season::CountRows(season));
             ++read;
         } catch (const season::Refused& refused) {
             Tell(file + ": " + refused.what());

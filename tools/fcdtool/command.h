@@ -28,6 +28,7 @@ const Command& DiffCommand();
 const Command& ExportCommand();
 const Command& NewYearCommand();
 const Command& ReportCommand();
+const Command& RollupCommand();
 
 // In the order of the help.
 std::vector<const Command*> Commands();

@@ -3,7 +3,8 @@
 namespace fcdtool {
 
 std::vector<const Command*> Commands() {
-    return {&CheckCommand(), &DiffCommand(), &ReportCommand(), &ExportCommand(), &NewYearCommand()};
+    return {&CheckCommand(),  &DiffCommand(),    &ReportCommand(),
+            &ExportCommand(), &NewYearCommand(), &RollupCommand()};
 }
 
 }  // namespace fcdtool

@@ -19,19 +19,6 @@ season::Season ReadFile(const std::string& file) {
     }
 }
 
-std::size_t CountRows(const season::Season& season) {
-    std::size_t rows = season.properties.size() + season.goals.size() + season.resources.size() +
-                       season.nvcResources.size() + season.zones.size() + season.strayCosts.size() +
-                       season.strayNvc.size();
-    for (const season::Zone& zone : season.zones) {
-        rows += zone.classes.size();
-        for (const season::Location& location : zone.locations) {
-            rows += location.rows.size();
-        }
-    }
-    return rows;
-}
-
 void RequireOther(const std::string& file, const std::vector<std::string>& sources) {
     for (const std::string& source : sources) {
         std::error_code absent;

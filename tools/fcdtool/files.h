@@ -14,8 +14,6 @@ namespace fcdtool {
 std::filesystem::path PathOf(const std::string& word);
 // Reads a data file; what refuses it names the file. Throws season::Refused.
 season::Season ReadFile(const std::string& file);
-// How many records were read.
-std::size_t CountRows(const season::Season& season);
 
 // Throws std::runtime_error when `file` is one of those that are read, by whatever name.
 void RequireOther(const std::string& file, const std::vector<std::string>& sources);

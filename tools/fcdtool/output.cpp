@@ -47,6 +47,10 @@ Progress::Progress(std::size_t total, std::string_view what)
     : total_(total), what_(what), begun_(Now()), isVisible_(total > 1 && ErrorsGoToTerminal()) {}
 
 Progress::~Progress() {
+    Hide();
+}
+
+void Progress::Hide() {
     if (shown_ > 0) {
         std::fputs(kEmptyLine, stderr);
     }

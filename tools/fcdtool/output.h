@@ -22,6 +22,8 @@ public:
     Progress& operator=(const Progress&) = delete;
     ~Progress();  // takes the line away
     void Step(std::size_t rows);
+    // Takes the line away until the next step, so that another one can be written.
+    void Hide();
 
 private:
     void Show();

@@ -1,5 +1,7 @@
 #include "tools/fcdtool/terminal.h"
 
+#include <csignal>
+
 #ifdef _WIN32
 #include <io.h>
 #else
@@ -7,6 +9,31 @@
 #endif
 
 namespace fcdtool {
+
+namespace {
+
+volatile std::sig_atomic_t endWasRequested = 0;
+
+void NoteRequest(int signal) {
+    endWasRequested = 1;
+    std::signal(signal, SIG_DFL);
+}
+
+}  // namespace
+
+EndRequests::EndRequests() {
+    std::signal(SIGINT, NoteRequest);
+    std::signal(SIGTERM, NoteRequest);
+}
+
+EndRequests::~EndRequests() {
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+}
+
+bool EndRequests::Came() {
+    return endWasRequested != 0;
+}
 
 bool ErrorsGoToTerminal() {
     constexpr int kErrors = 2;

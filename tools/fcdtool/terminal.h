@@ -5,4 +5,15 @@ namespace fcdtool {
 
 bool ErrorsGoToTerminal();
 
+// While one lives, a request to end the program (Ctrl+C, or another program's) only sets a flag; a
+// second one ends it at once.
+class EndRequests {
+public:
+    EndRequests();
+    EndRequests(const EndRequests&) = delete;
+    EndRequests& operator=(const EndRequests&) = delete;
+    ~EndRequests();
+    [[nodiscard]] static bool Came();
+};
+
 }  // namespace fcdtool

@@ -10,13 +10,14 @@ FACES = {"worksheets/Worksheet.h", "datafile/DatafileHost.h"}
 # Three stacks on the engine: entering a season, what is said of it afterwards, and SQL.
 ORDERS = [["jet", "platform", "base", "datafile", "import", "worksheets", "shell"],
           ["jet", "season", "review", "reportpdf"],
+          ["jet", "season", "rollup"],
           ["jet", "jetsql"]]
-WITHOUT_QT = {"jet", "season", "review", "jetsql"}
+WITHOUT_QT = {"jet", "season", "review", "rollup", "jetsql"}
 # The folders inside the engine, from the bottom up.
 ENGINE = ["os", "page", "values", "record", "index", "table", "catalog", "recordset", "query",
           "check", "capi"]
 FREE = {"tools", "tests", "fuzz", "bench"}
-MAY_USE_JET = {"jet", "platform", "season", "jetsql"} | FREE
+MAY_USE_JET = {"jet", "platform", "season", "rollup", "jetsql"} | FREE
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
@@ -68,7 +69,7 @@ def offence(path, quote, included):
         return "includes a file that is not there" if quote == '"' else None
     other = layer(found)
     if other == "jet" and own not in MAY_USE_JET:
-        return "only platform, season, jetsql, tools and tests include the engine"
+        return "only platform, season, rollup, jetsql, tools and tests include the engine"
     if own != "jet" and found.startswith("jet/src/") and own not in FREE:
         return "the engine's private side"
     if own == other == "jet":

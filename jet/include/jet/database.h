@@ -68,6 +68,9 @@ public:
     // Removes the log beside a file that is not open: for one that has just been copied over
     // another, whose last changes are not its own.
     static void DiscardLog(const std::filesystem::path& path, FileSystem& files = HostFileSystem());
+    // Where the log of a file lies when there is one.
+    static std::filesystem::path LogOf(const std::filesystem::path& path,
+                                       FileSystem& files = HostFileSystem());
 
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
