@@ -5,8 +5,8 @@ stage_program() {
     mkdir -p "$1"
     cp -r "$out/build/TARNPrep/." "$1/"
     rm -f "$1"/*.LOG "$1"/Costs/*-log
-    strip "$1/tarnprep" "$1/fcdtool"
-    strip --strip-unneeded "$1/libtarnhelp.so" "$1/libtarnpdf.so"
+    strip "$1/tarnprep" "$1/tarnreview" "$1/fcdtool"
+    strip --strip-unneeded "$1/libtarnhelp.so" "$1/libtarnplots.so" "$1/libtarnpdf.so"
 }
 
 # stage_tools FOLDER
@@ -18,7 +18,7 @@ stage_tools() {
     done
 }
 
-# stage_icons FOLDER: the icon in the usual sizes, for the program and for its files.
+# stage_icons FOLDER: the icons in the usual sizes, for the programs and for their files.
 stage_icons() {
     for side in 16 24 32 48 64 128 256; do
         for picture in apps/tarnprep mimetypes/application-x-tarn-prep; do
@@ -26,7 +26,10 @@ stage_icons() {
             rsvg-convert -w "$side" -h "$side" "$root/packaging/icons/tarnprep.svg" \
                 -o "$1/${side}x${side}/$picture.png"
         done
+        rsvg-convert -w "$side" -h "$side" "$root/packaging/icons/tarnreview.svg" \
+            -o "$1/${side}x${side}/apps/tarnreview.png"
     done
     mkdir -p "$1/scalable/apps"
-    cp "$root/packaging/icons/tarnprep.svg" "$1/scalable/apps/"
+    cp "$root/packaging/icons/tarnprep.svg" "$root/packaging/icons/tarnreview.svg" \
+        "$1/scalable/apps/"
 }

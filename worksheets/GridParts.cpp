@@ -49,10 +49,14 @@ void KeepPlace(QWidget& control) {
     control.setSizePolicy(policy);
 }
 
-void AddFramed(QVBoxLayout& body, vsFlexGrid& grid) {
+void AddFramed(QVBoxLayout& body, vsFlexGrid& grid, QWidget* beside) {
     auto* line = new QHBoxLayout;
     line->addWidget(&grid, kMostOfTheRoom);
-    line->addStretch(1);
+    if (beside != nullptr) {
+        line->addWidget(beside, 1);
+    } else {
+        line->addStretch(1);
+    }
     body.addLayout(line, kMostOfTheRoom);
     const auto fit = [&grid] { FitFrame(grid); };
     for (QHeaderView* header : {grid.horizontalHeader(), grid.verticalHeader()}) {

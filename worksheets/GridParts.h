@@ -15,6 +15,7 @@ void Show(vsFlexGrid& grid, int row, int col);
 void KeepPlace(QWidget& control);
 // Puts a grid into a page, with most of the room. Its frame ends where its rows and columns end:
 // what stands below it stands at its end, and what lies beside it is plain.
-void AddFramed(QVBoxLayout& body, vsFlexGrid& grid);
+// `beside` takes the room to its right.
+void AddFramed(QVBoxLayout& body, vsFlexGrid& grid, QWidget* beside = nullptr);
 
 }  // namespace GridParts

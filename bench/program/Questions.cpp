@@ -84,6 +84,10 @@ std::string OurProgram() {
     return ProgramFolder() / "tarnprep";
 }
 
+std::string ReviewProgram() {
+    return ProgramFolder() / "tarnreview";
+}
+
 std::string SampleFile() {
     for (const auto& entry : fs::directory_iterator(ProgramFolder() / "Costs")) {
         if (entry.path().filename().string().starts_with("UMFOR")) return entry.path();

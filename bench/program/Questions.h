@@ -16,6 +16,7 @@ namespace program_bench {
 // opens are this run's own.
 std::string BareWindow();
 std::string OurProgram();
+std::string ReviewProgram();  // TARN Review in the same copy
 std::string SampleFile();
 std::string FileWithZones(int zones);  // each with one location; made when first asked for
 

@@ -15,11 +15,17 @@ stage_icons "$stage/usr/share/icons/hicolor"
 install -D -m 755 "$root/packaging/deb/tarnprep" "$stage/usr/bin/tarnprep"
 install -D -m 644 "$root/packaging/tarnprep.desktop" \
     "$stage/usr/share/applications/tarnprep.desktop"
+install -D -m 755 "$root/packaging/deb/tarnprep" "$stage/usr/bin/tarnreview"
+install -D -m 644 "$root/packaging/tarnreview.desktop" \
+    "$stage/usr/share/applications/tarnreview.desktop"
 install -D -m 644 "$root/packaging/tarnprep-mime.xml" \
     "$stage/usr/share/mime/packages/tarnprep.xml"
 install -D -m 644 "$root/packaging/tarnprep.metainfo.xml" \
     "$stage/usr/share/metainfo/org.tarnprep.tarnprep.metainfo.xml"
-install -D -m 644 "$root/LICENSE" "$stage/usr/share/doc/tarnprep/copyright"
+mkdir -p "$stage/usr/share/doc/tarnprep"
+cat "$root/LICENSE" >"$stage/usr/share/doc/tarnprep/copyright"
+printf '\nOn Debian systems the GNU General Public License, version 3, is in\n%s\n' \
+    /usr/share/common-licenses/GPL-3 >>"$stage/usr/share/doc/tarnprep/copyright"
 mkdir -p "$stage/usr/share/man/man1"
 for page in "$root"/packaging/man/*.1; do
     gzip -9n <"$page" >"$stage/usr/share/man/man1/$(basename "$page").gz"
@@ -36,7 +42,8 @@ install -D -m 644 "$root/packaging/completion/fcdtool" \
 printf '%s\n' "$version" >"$stage/usr/lib/tarnprep/VERSION"
 find "$stage" -type d -exec chmod 755 {} +
 find "$stage/usr/lib/tarnprep" "$stage/usr/share" -type f -exec chmod 644 {} +
-chmod 755 "$stage/usr/lib/tarnprep/tarnprep" "$stage/usr/lib/tarnprep/fcdtool" "$stage"/usr/bin/*
+chmod 755 "$stage/usr/lib/tarnprep/tarnprep" "$stage/usr/lib/tarnprep/tarnreview" \
+    "$stage/usr/lib/tarnprep/fcdtool" "$stage"/usr/bin/*
 
 # What the program and the tools are linked with, as Debian's own tool finds it.
 work=$(mktemp -d)
@@ -45,6 +52,7 @@ mkdir "$work/debian"
 printf 'Source: tarnprep\n\nPackage: tarnprep\nArchitecture: any\n' >"$work/debian/control"
 libraries=$(cd "$work" && dpkg-shlibdeps -O -l/nonexistent "$stage/usr/lib/tarnprep/tarnprep" \
     "$stage/usr/lib/tarnprep/libtarnhelp.so" "$stage/usr/lib/tarnprep/libtarnpdf.so" \
+    "$stage/usr/lib/tarnprep/libtarnplots.so" "$stage/usr/lib/tarnprep/tarnreview" \
     "$stage/usr/bin/jetdoctor" \
     "$stage/usr/bin/jetdump" "$stage/usr/bin/fcdtool" 2>/dev/null |
     sed -n 's/^shlibs:Depends=//p')

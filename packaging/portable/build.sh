@@ -15,7 +15,9 @@ stage_icons "$stage/share/icons/hicolor"
 mkdir -p "$stage/share/man/man1" "$stage/share/bash-completion/completions" "$stage/lib"
 cp "$root"/packaging/man/*.1 "$stage/share/man/man1/"
 cp "$root/packaging/completion/fcdtool" "$stage/share/bash-completion/completions/"
-cp "$root/packaging/tarnprep.desktop" "$root/packaging/tarnprep-mime.xml" "$stage/share/"
+cp "$root/packaging/tarnprep.desktop" "$root/packaging/tarnreview.desktop" \
+    "$root/packaging/tarnprep-mime.xml" "$stage/share/"
+cp "$root/plots/LICENSE" "$stage/LICENSE.charts"
 cp "$root/LICENSE" "$root/packaging/portable/README.txt" "$root/packaging/portable/install" \
     "$root/packaging/portable/uninstall" "$stage/"
 
@@ -43,7 +45,7 @@ printf '[Paths]\nPrefix = .\nPlugins = plugins\n' >"$stage/qt.conf"
 
 # The C library and what belongs to it stay the system's own.
 own='^(ld-linux.*|libc|libm|libdl|libpthread|librt|libresolv|libnss_.*)\.so'
-find "$stage" -type f \( -name tarnprep -o -name fcdtool -o -name '*.so' \) -exec ldd {} + |
+find "$stage" -type f \( -name tarnprep -o -name tarnreview -o -name fcdtool -o -name '*.so' \) -exec ldd {} + |
     awk '$2 == "=>" && $3 ~ /^\// { print $3 }' | sort -u | while read -r library; do
     if ! basename "$library" | grep -Eq "$own"; then
         cp -L "$library" "$stage/lib/"

@@ -12,6 +12,11 @@
 namespace platform {
 namespace {
 
+QString& UsualTitle() {
+    static QString title = kApplicationTitle;
+    return title;
+}
+
 QMessageBox::Icon ToIcon(MsgIcon icon) {
     switch (icon) {
         case MsgIcon::kStop:
@@ -95,12 +100,16 @@ void NameButtons(QMessageBox& box) {
 
 }  // namespace
 
+void SetMsgBoxTitle(const QString& title) {
+    UsualTitle() = title;
+}
+
 MsgAnswer MsgBox(const QString& text, const MsgOptions& options) {
     const PointerPause pause;
     const QPointer<QWidget> parent = ActiveWindow();
     QMessageBox box(parent);
     box.setObjectName(QStringLiteral("MsgBox"));
-    box.setWindowTitle(options.title.isEmpty() ? kApplicationTitle : options.title);
+    box.setWindowTitle(options.title.isEmpty() ? UsualTitle() : options.title);
     // Data texts may look like markup; as plain text they are shown as they are.
     box.setTextFormat(Qt::PlainText);
     box.setText(text);

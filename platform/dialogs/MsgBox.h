@@ -7,6 +7,8 @@ namespace platform {
 
 // The application's title, as message boxes show it.
 inline const QString kApplicationTitle = QStringLiteral("TARN Prep");
+// Another program of the same parts sets its own.
+void SetMsgBoxTitle(const QString& title);
 
 enum class MsgIcon { kNone, kStop, kQuestion, kExclamation, kInformation };
 enum class MsgButtons { kOk, kYesNo };

@@ -4,7 +4,7 @@ import re
 
 import tree
 
-FOLDERS = ("shell/", "datafile/", "import/", "worksheets/")
+FOLDERS = ("shell/", "datafile/", "import/", "worksheets/", "tarnreview/")
 # Handlers have the names of what they handle: cmdAdd_Click, MDIForm_Resize.
 HANDLER = re.compile(r"\b[A-Za-z]\w*_[A-Z]\w*\s*\(")
 TRAPS = ("Trapped(", "EventTrap::Run(")

@@ -7,9 +7,11 @@ import tree
 SHELL_BASE = {"u91Trace", "UIMode", "u13Folders", "u92Utilities"}
 # Faces that include nothing themselves, through which a lower layer calls an upper one.
 FACES = {"worksheets/Worksheet.h", "datafile/DatafileHost.h"}
-# Three stacks on the engine: entering a season, what is said of it afterwards, and SQL.
+# Stacks on the engine: entering a season, what is said of it afterwards with its charts and its
+# window, and SQL.
 ORDERS = [["jet", "platform", "base", "datafile", "import", "worksheets", "shell"],
-          ["jet", "season", "review", "reportpdf"],
+          ["jet", "season", "review", "reportpdf", "plots", "tarnreview"],
+          ["platform", "plots", "tarnreview"],
           ["jet", "season", "rollup"],
           ["jet", "jetsql"]]
 WITHOUT_QT = {"jet", "season", "review", "rollup", "jetsql"}

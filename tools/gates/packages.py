@@ -14,15 +14,17 @@ from pathlib import Path
 import tree
 
 PACKAGING = tree.ROOT / "packaging"
-PROGRAM_FILES = ["tarnprep", "libtarnhelp.so", "fcdtool", "FCD.new", "fcdname.dat", "TARNPlus.hlp", "Costs"]
+PROGRAM_FILES = ["tarnprep", "tarnreview", "libtarnhelp.so", "libtarnplots.so", "fcdtool", "FCD.new", "fcdname.dat", "TARNPlus.hlp", "Costs"]
 PORTABLE_FILES = PROGRAM_FILES + [
     "jetdoctor", "jetdump", "share/bash-completion/completions/fcdtool", "install", "uninstall", "qt.conf", "lib/libQt6Core.so.6",
     "lib/libQt6Help.so.6", "lib/libxcb-icccm.so.4", "lib/libxkbcommon-x11.so.0",
-    "lib/libfontconfig.so.1", "lib/libxlsxwriter.so.4", "plugins/platforms/libqxcb.so", "plugins/sqldrivers/libqsqlite.so",
+    "lib/libfontconfig.so.1", "lib/libxlsxwriter.so.4", "lib/libQCustomPlotQt6.so.2.1", "LICENSE.charts", "plugins/platforms/libqxcb.so", "plugins/sqldrivers/libqsqlite.so",
     "plugins/printsupport/libcupsprintersupport.so", "fonts/DejaVuSans.ttf"]
 DEB_FILES = ["usr/bin/tarnprep", "usr/bin/jetdoctor", "usr/bin/fcdtool", "usr/lib/tarnprep/FCD.new",
              "usr/share/applications/tarnprep.desktop", "usr/share/mime/packages/tarnprep.xml",
              "usr/share/man/man1/tarnprep.1.gz",
+             "usr/bin/tarnreview", "usr/lib/tarnprep/libtarnplots.so",
+             "usr/share/applications/tarnreview.desktop", "usr/share/man/man1/tarnreview.1.gz",
              "usr/share/man/man1/fcdtool.1.gz",
              "usr/share/bash-completion/completions/fcdtool"]
 
@@ -56,7 +58,7 @@ def portable(folder, out):
     for name in PORTABLE_FILES:
         require((program / name).exists(), f"the portable archive lacks {name}")
     missing = "".join(run("ldd", program / part, LD_LIBRARY_PATH="").stdout
-                      for part in ["tarnprep", "libtarnhelp.so", "fcdtool"])
+                      for part in ["tarnprep", "tarnreview", "libtarnhelp.so", "libtarnplots.so", "fcdtool"])
     require("not found" not in missing, "the portable program finds all libraries")
     outside = [line for line in missing.splitlines()
                if "libQt6" in line and str(program) not in line]
@@ -97,7 +99,7 @@ def deb(out):
     for name in DEB_FILES:
         require(re.search(rf" \./{re.escape(name)}$", names, re.M), f"the package lacks {name}")
     control = run("dpkg-deb", "--field", package, "Depends").stdout
-    for name in ["libqt6widgets6", "libqt6help6", "libqt6sql6-sqlite", "libxlsxwriter4"]:
+    for name in ["libqt6widgets6", "libqt6help6", "libqt6sql6-sqlite", "libxlsxwriter4", "libqcustomplot2.1-qt6"]:
         require(name in control, f"the package does not depend on {name}")
 
 
@@ -108,8 +110,10 @@ class Launcher:
         self.pattern = folder / "pattern"
         (self.pattern / "Costs").mkdir(parents=True)
         (self.pattern / "Costs/Sample.fcd").write_text("sample")
-        for name in ["libtarnhelp.so", "fcdtool", "FCD.new", "fcdname.dat", "TARNPlus.hlp"]:
+        for name in ["libtarnhelp.so", "libtarnplots.so", "tarnreview", "fcdtool", "FCD.new", "fcdname.dat", "TARNPlus.hlp"]:
             (self.pattern / name).write_text(name)
+        (self.pattern / "tarnreview").write_text('#!/bin/sh\necho "review|$*"\n')
+        (self.pattern / "tarnreview").chmod(0o755)
         self.release("1")
         self.script = folder / "launcher"
         text = (PACKAGING / "deb/tarnprep").read_text()
@@ -141,6 +145,11 @@ def launcher(folder):
     require(second.stdout == "2|\n", f"launcher: after an upgrade: {second}")
     require((program / "Costs/Mine.fcd").exists(), "launcher: an upgrade keeps the user's files")
     require(not (program / "Costs/Sample.fcd").exists(), "launcher: deleted samples stay deleted")
+    review = started.script.with_name("tarnreview")
+    review.symlink_to(started.script)
+    started.script = review
+    third = started.start("One.fcd")
+    require(third.stdout == "review|One.fcd\n", f"launcher: the other program: {third}")
     refused = started.start(TARNPREP_HOME="/dev/null/folder")
     require(refused.returncode == 1 and "cannot be written" in refused.stderr,
             f"launcher: says why it cannot start: {refused}")

@@ -47,6 +47,8 @@ def main():
     found = {
         "packaging/tarnprep.desktop":
             complaints("desktop-file-validate", PACKAGING / "tarnprep.desktop"),
+        "packaging/tarnreview.desktop":
+            complaints("desktop-file-validate", PACKAGING / "tarnreview.desktop"),
         "packaging/tarnprep.metainfo.xml":
             complaints("appstreamcli", "validate", "--no-net", PACKAGING / "tarnprep.metainfo.xml"),
         "packaging/tarnprep-mime.xml": mime_type(PACKAGING / "tarnprep-mime.xml"),

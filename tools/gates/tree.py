@@ -6,7 +6,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 FOLDERS = ["jet", "platform", "base", "shell", "datafile", "worksheets", "import", "tools", "tests",
-           "season", "review", "jetsql", "fuzz", "bench"]
+           "season", "review", "plots", "tarnreview", "jetsql", "fuzz", "bench"]
 CODE = {".h", ".cpp"}
 
 

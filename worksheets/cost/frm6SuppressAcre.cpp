@@ -6,17 +6,20 @@
 #include <memory>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "base/UIMode.h"
 #include "base/u91Trace.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/vsFlexGrid.h"
+#include "platform/plots/PlotLibrary.h"
 #include "worksheets/ChoiceBox.h"
 #include "worksheets/ChoicesRow.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/MissingRows.h"
 #include "worksheets/NoteLine.h"
+#include "worksheets/PlotBeside.h"
 #include "worksheets/zones/mFMZs.h"
 
 using platform::EventTrap::Trapped;
@@ -69,7 +72,9 @@ void frm6SuppressAcre::Build() {
     AddStepKeys(*cboFMZs_, Qt::ALT | Qt::Key_PageUp, Qt::ALT | Qt::Key_PageDown);
     grdCosts_ = new vsFlexGrid(this);
     PageParts::Name(*grdCosts_, "grdCosts", tr("Suppression cost per acre by fire size"));
-    GridParts::AddFramed(Body(), *grdCosts_);
+    plot_ = new PlotBeside(
+        *grdCosts_, "pltCost", [this](LivePlot& plot) { ShowPlot(plot); }, this);
+    GridParts::AddFramed(Body(), *grdCosts_, plot_);
     auto* lblNote = new NoteLine(*grdCosts_, this);
     GridParts::KeepPlace(*lblNote);
     Body().addWidget(lblNote);
@@ -158,6 +163,21 @@ void frm6SuppressAcre::DisplayData() {
         ShowNextLowerBound(index + kHeaderRows, table_.Value(index, kTo));
     }
     grdCosts_->Refresh();
+    plot_->Refresh();
+}
+
+void frm6SuppressAcre::ShowPlot(LivePlot& plot) const {
+    const c35AACTable* const table = table_.Table();
+    if (table == nullptr) {
+        plot.ShowNothing();
+        return;
+    }
+    std::vector<LivePlot::SizeClass> classes;
+    for (int index = 1; index <= kCostClasses; ++index) {
+        const c35AACTable::SizeClass& one = table->Class(index);
+        classes.push_back({double(one.topSize), double(one.cost)});
+    }
+    plot.ShowCosts(cboFMZs_->itemText(zoneIndex_), classes);
 }
 
 void frm6SuppressAcre::ShowNextLowerBound(int row, float top) {
@@ -183,6 +203,7 @@ void frm6SuppressAcre::EndOpenEdit() {
 }
 
 void frm6SuppressAcre::ActionDone(const QString& name, const CostGridTable::Changes& changes) {
+    plot_->Refresh();
     if (changes.empty()) {
         return;
     }
@@ -234,6 +255,7 @@ void frm6SuppressAcre::grdCosts_BeforeEdit() {
 void frm6SuppressAcre::grdCosts_ChangeEdit() {
     u91Trace::Procedure(QStringLiteral("frmSuppressAcre.grdCosts_ChangeEdit"));
     grdCosts_->OfferEdit();
+    plot_->Refresh();
 }
 
 void frm6SuppressAcre::grdCosts_AfterEdit(int row, int col) {
@@ -242,6 +264,7 @@ void frm6SuppressAcre::grdCosts_AfterEdit(int row, int col) {
     if (col == kTo && row + 1 < kRows) {
         ShowNextLowerBound(row + 1, table_.Value(ClassOfRow(row), kTo));
     }
+    plot_->Refresh();
 }
 
 void frm6SuppressAcre::Unload() {

@@ -10,6 +10,8 @@
 #include "worksheets/WorksheetPage.h"
 #include "worksheets/cost/CostGridTable.h"
 
+class LivePlot;
+class PlotBeside;
 class vsFlexGrid;
 
 class frm6SuppressAcre : public WorksheetPage {
@@ -37,6 +39,7 @@ private:
     void FormatCostGrid();
     void DisplayData();
     void ShowNextLowerBound(int row, float top);
+    void ShowPlot(LivePlot& plot) const;
 
     void ActionDone(const QString& name, const CostGridTable::Changes& changes);
     void PutBack(std::int32_t zoneKey, const CostGridTable::Changes& changes, CellState state);
@@ -52,5 +55,6 @@ private:
     CostGridTable table_;
     ChoiceBox* cboFMZs_ = nullptr;
     vsFlexGrid* grdCosts_ = nullptr;
+    PlotBeside* plot_ = nullptr;
     int zoneIndex_ = -1;
 };

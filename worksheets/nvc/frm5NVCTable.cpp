@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
 
 #include "base/UIMode.h"
 #include "base/u91Trace.h"
@@ -13,11 +14,13 @@
 #include "platform/RuntimeError.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/vsFlexGrid.h"
+#include "platform/plots/PlotLibrary.h"
 #include "worksheets/ChoiceBox.h"
 #include "worksheets/ChoicesRow.h"
 #include "worksheets/GridParts.h"
 #include "worksheets/MissingRows.h"
 #include "worksheets/NoteLine.h"
+#include "worksheets/PlotBeside.h"
 #include "worksheets/nvc/ColumnTotals.h"
 #include "worksheets/nvc/NVCTotals.h"
 #include "worksheets/zones/mFMZs.h"
@@ -77,7 +80,9 @@ void frm5NVCTable::BuildChoices() {
 void frm5NVCTable::BuildTable() {
     grdNVC_ = new vsFlexGrid(this);
     PageParts::Name(*grdNVC_, "grdNVC", tr("Net value change, dollars per acre"));
-    GridParts::AddFramed(Body(), *grdNVC_);
+    plot_ = new PlotBeside(
+        *grdNVC_, "pltNVC", [this](LivePlot& plot) { ShowPlot(plot); }, this);
+    GridParts::AddFramed(Body(), *grdNVC_, plot_);
     BuildTotals();
     BuildNotes();
     Body().addStretch(1);
@@ -289,6 +294,7 @@ void frm5NVCTable::cboFMZs_Click() {
     } else {
         // The table that was shown before stays, but it is not this zone's.
         table_.StopTyping();
+        plot_->Refresh();
     }
 }
 
@@ -311,6 +317,7 @@ void frm5NVCTable::ShowNVCTable() {
     for (int level = 1; level <= kFilLevels; ++level) {
         ShowTotal(level, table_.LoadedTotal(level));
     }
+    plot_->Refresh();
 }
 
 void frm5NVCTable::ShowTotals() {
@@ -318,6 +325,20 @@ void frm5NVCTable::ShowTotals() {
     for (int level = 1; level <= kFilLevels; ++level) {
         ShowTotal(level, table_.ShownTotal(level));
     }
+    plot_->Refresh();
+}
+
+// The totals as the panels show them; a zone without locations has none.
+void frm5NVCTable::ShowPlot(LivePlot& plot) const {
+    if (table_.Table() == nullptr || locationIndex_ < 0) {
+        plot.ShowNothing();
+        return;
+    }
+    std::array<double, kFilLevels> totals{};
+    for (int level = 1; level <= kFilLevels; ++level) {
+        totals[static_cast<std::size_t>(level - 1)] = table_.ShownTotal(level);
+    }
+    plot.ShowTotals(ShownTable(), totals);
 }
 
 void frm5NVCTable::ShowTotal(int level, double total) {

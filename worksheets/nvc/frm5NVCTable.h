@@ -12,6 +12,8 @@
 #include "worksheets/nvc/NVCGridTable.h"
 
 class ColumnTotals;
+class LivePlot;
+class PlotBeside;
 class QLabel;
 class vsFlexGrid;
 
@@ -48,6 +50,7 @@ private:
     void ShowNVCTable();
     void ShowTotals();
     void ShowTotal(int level, double total);
+    void ShowPlot(LivePlot& plot) const;
 
     void ActionDone(const QString& name, const NVCGridTable::Changes& changes);
     void PutBack(const Place& place, const NVCGridTable::Changes& changes, CellState state);
@@ -70,6 +73,7 @@ private:
     ChoiceBox* cboRepLocs_ = nullptr;
     QLabel* lblNoRepLocs_ = nullptr;
     vsFlexGrid* grdNVC_ = nullptr;
+    PlotBeside* plot_ = nullptr;
     ColumnTotals* totals_ = nullptr;
     QLabel* lblMinus_ = nullptr;
     // What the boxes chose last; location -1: none.

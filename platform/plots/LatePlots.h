@@ -1,0 +1,15 @@
+// The library of the charts, loaded late: a worksheet is drawn first, and then its chart comes.
+#pragma once
+
+#include <functional>
+
+class PlotLibrary;
+class QWidget;
+
+namespace platform {
+
+// Calls `ready` from the event loop once, when the window of `context` has been drawn; never when
+// the library is not there or `context` goes before. `ready` runs under the program's last trap.
+void WhenPlotsAreLoaded(QWidget& context, std::function<void(PlotLibrary&)> ready);
+
+}  // namespace platform

@@ -1,0 +1,77 @@
+// Cost per acre over fire size, in steps; both axes are logarithmic.
+#include "plots/Chart.h"
+#include "plots/Scale.h"
+#include "plots/Ticks.h"
+
+#include <algorithm>
+
+namespace plots {
+
+namespace {
+
+constexpr double kStepWidth = 3;
+
+void ShapeAxis(QCPAxis& axis, const Scale& scale, const QSharedPointer<QCPAxisTickerLog>& ticker,
+               const QString& label) {
+    axis.setScaleType(QCPAxis::stLogarithmic);
+    ticker->setSubTickCount(8);
+    axis.setTicker(ticker);
+    axis.setRange(scale.least, scale.most);
+    axis.setLabel(label);
+}
+
+QCPItemLine* AddLine(Chart& chart, QCPAxisRect& axes, QPointF from, QPointF to) {
+    auto* line = new QCPItemLine(&chart);
+    for (const auto& [position, at] : {std::pair(line->start, from), std::pair(line->end, to)}) {
+        position->setAxisRect(&axes);
+        position->setAxes(axes.axis(QCPAxis::atBottom), axes.axis(QCPAxis::atLeft));
+        position->setCoords(at);
+    }
+    line->setPen(QPen(chart.Colours().text, 1));
+    return line;
+}
+
+void DrawSteps(Chart& chart, QCPAxisRect& axes, const review::CostChart& content,
+               const Scale& acres, const Scale& costs) {
+    double before = 0;
+    for (const review::CostChart::Step& step : content.steps) {
+        const double left = std::clamp(step.from, acres.least, acres.most);
+        const double right = step.to > 0 ? step.to : acres.most;
+        if (before > 0) {
+            AddLine(chart, axes, {left, before}, {left, step.cost});
+        }
+        AddLine(chart, axes, {left, step.cost}, {right, step.cost})
+            ->setPen(QPen(chart.Colours().text, kStepWidth,
+                          step.to > 0 ? Qt::SolidLine : Qt::DashLine, Qt::FlatCap));
+        chart.AddText(axes, QPointF(std::sqrt(left * right), step.cost * 1.03), Dollars(step.cost),
+                      Qt::AlignHCenter | Qt::AlignBottom, chart.Colours().text);
+        chart.AddSpot(axes, QRectF(QPointF(left, costs.most), QPointF(right, costs.least)));
+        before = step.cost;
+    }
+}
+
+}  // namespace
+
+void Draw(Chart& chart, const review::CostChart& content) {
+    const QFontMetrics metrics(chart.font());
+    chart.SetLeast(
+        {22 * metrics.horizontalAdvance(QStringLiteral("00")) / 2 + 40, 11 * metrics.height()});
+    if (content.steps.empty()) {
+        chart.AddNothing(Describe(content));
+        return;
+    }
+    QCPAxisRect& axes = chart.AddAxes(0, 0);
+    const Scale acres = AcresOf(content);
+    const Scale costs = CostsOf(content);
+    ShapeAxis(*axes.axis(QCPAxis::atBottom), acres,
+              QSharedPointer<AcreTicks<QCPAxisTickerLog>>::create(),
+              QStringLiteral("Fire size in acres"));
+    ShapeAxis(*axes.axis(QCPAxis::atLeft), costs,
+              QSharedPointer<DollarTicks<QCPAxisTickerLog>>::create(),
+              QStringLiteral("Dollars per acre"));
+    // The last mark's label stands half outside.
+    axes.setMinimumMargins(QMargins(0, metrics.height() / 2, metrics.averageCharWidth() * 4, 0));
+    DrawSteps(chart, axes, content, acres, costs);
+}
+
+}  // namespace plots

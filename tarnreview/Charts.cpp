@@ -1,0 +1,42 @@
+#include "tarnreview/Charts.h"
+
+#include <QCoreApplication>
+#include <QPluginLoader>
+#include <QWidget>
+
+#include "platform/system/Host.h"
+
+namespace {
+
+ChartLibrary* Library() {
+    static QPluginLoader loader(
+        platform::JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("libtarnplots")));
+    return qobject_cast<ChartLibrary*>(loader.instance());
+}
+
+}  // namespace
+
+namespace Charts {
+
+ChartView* Make(QWidget& parent, const char* name, const QString& accessibleName) {
+    ChartLibrary* const library = Library();
+    if (library == nullptr) {
+        return nullptr;
+    }
+    ChartView& chart = library->MakeChart(parent);
+    chart.Widget().setObjectName(QString::fromLatin1(name));
+    chart.Show(std::monostate(), accessibleName, {});
+    return &chart;
+}
+
+QImage Picture(const ChartContent& content, int width, const ChartLook& look) {
+    ChartLibrary* const library = Library();
+    return library != nullptr ? library->Picture(content, width, look) : QImage();
+}
+
+int HeightOf(const ChartContent& content, int width) {
+    ChartLibrary* const library = Library();
+    return library != nullptr ? library->HeightOf(content, width) : 0;
+}
+
+}  // namespace Charts

@@ -1,0 +1,32 @@
+// What differs from last year's file, line by line, and the largest changes as a chart.
+#pragma once
+
+#include <QWidget>
+
+#include "plots/ChartLibrary.h"
+#include "tarnreview/TextTable.h"
+
+class QLabel;
+class ReviewCase;
+class vsFlexGrid;
+
+class ComparePage : public QWidget {
+    Q_OBJECT
+
+public:
+    ComparePage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent);
+    ~ComparePage() override;
+
+    // After a file, or last year's, has been read.
+    void ShowFile();
+
+private:
+    void MarkDifference(int row);
+
+    const ReviewCase& case_;
+    TextTable differences_;
+    QLabel* lblCompared_ = nullptr;
+    vsFlexGrid* grdDifferences_ = nullptr;
+    ChartView* pltChange_ = nullptr;
+    QStringList changes_;  // the places of the chart's bars
+};

@@ -1,0 +1,56 @@
+#include "tarnreview/Failures.h"
+
+#include <QDateTime>
+
+#include "platform/EventTrap.h"
+#include "platform/RuntimeError.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/system/Host.h"
+#include "platform/system/TextFile.h"
+
+namespace {
+
+using platform::EventTrap::Report;
+
+// A folder that cannot be written is no second error.
+void Log(const Report& report) {
+    const QDateTime now = QDateTime::currentDateTime();
+    try {
+        platform::WriteLines(
+            platform::JoinPath(platform::ProgramFolder(), QStringLiteral("ERROR.LOG")),
+            platform::TextMode::kAppend,
+            {QString(), QStringLiteral("* * * ERROR * * *"),
+             now.toString(QStringLiteral("MM/dd/yyyy")),
+             now.toString(QStringLiteral("hh:mm:ss")) +
+                 QStringLiteral("   TARN Review, %1: Error %2, %3")
+                     .arg(report.handler)
+                     .arg(report.number)
+                     .arg(report.Sentence()),
+             QString()});
+    } catch (const platform::RuntimeError&) {
+        return;
+    }
+}
+
+void Tell(const Report& report) {
+    Log(report);
+    platform::MsgOptions options;
+    options.icon = platform::MsgIcon::kExclamation;
+    options.details = QStringLiteral("Error %1 in %2").arg(report.number).arg(report.handler);
+    platform::MsgBox(report.Sentence(), options);
+}
+
+}  // namespace
+
+namespace Failures {
+
+void Install() {
+    platform::EventTrap::Hooks hooks;
+    hooks.report = Tell;
+    hooks.remember = []() -> std::function<void()> {
+        return [pointer = platform::MousePointer()] { platform::SetMousePointer(pointer); };
+    };
+    platform::EventTrap::Install(std::move(hooks));
+}
+
+}  // namespace Failures

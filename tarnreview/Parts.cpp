@@ -1,0 +1,76 @@
+#include "tarnreview/Parts.h"
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+
+#include <algorithm>
+
+#include "platform/controls/vsFlexGrid.h"
+#include "platform/system/Host.h"
+#include "tarnreview/TextTable.h"
+
+namespace Parts {
+
+namespace {
+
+constexpr int kLookedAt = 300;  // rows whose texts decide how wide a column is
+constexpr int kAir = 16;        // pixels
+
+}  // namespace
+
+void Name(QWidget& control, const char* name, const QString& accessibleName) {
+    control.setObjectName(QString::fromLatin1(name));
+    control.setAccessibleName(accessibleName);
+}
+
+QPushButton* Button(QWidget* parent, const char* name, const QString& caption, const QString& tip) {
+    auto* button = new QPushButton(caption, parent);
+    QString heard = caption;
+    heard.remove(QLatin1Char('&')).remove(QStringLiteral("..."));
+    Name(*button, name, heard);
+    button->setToolTip(tip);
+    button->setAccessibleDescription(tip);
+    return button;
+}
+
+QLabel* Words(QWidget* parent, const char* name, const QString& accessibleName) {
+    auto* label = new QLabel(parent);
+    Name(*label, name, accessibleName);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+vsFlexGrid* List(QWidget* parent, const char* name, const QString& accessibleName,
+                 const QStringList& headings, TextTable& table) {
+    auto* grid = new vsFlexGrid(parent);
+    Name(*grid, name, accessibleName);
+    grid->SetFixedRows(1);
+    grid->SetCols(static_cast<int>(headings.size()));
+    for (int col = 0; col < headings.size(); ++col) {
+        grid->SetTextMatrix(0, col, headings[col]);
+        grid->SetColAlignment(col, Qt::AlignLeft | Qt::AlignVCenter);
+        grid->SetFixedAlignment(col, Qt::AlignLeft | Qt::AlignVCenter);
+    }
+    grid->SetTable(&table);
+    grid->horizontalHeader()->setStretchLastSection(true);
+    return grid;
+}
+
+void ShowRows(vsFlexGrid& grid, const TextTable& table, int most) {
+    const QFontMetrics metrics(grid.font());
+    const int rows = std::min(table.RowCount(), kLookedAt);
+    for (int col = 0; col < grid.Cols(); ++col) {
+        int width = metrics.horizontalAdvance(grid.TextMatrix(0, col));
+        for (int row = 1; row <= rows; ++row) {
+            width = std::max(width, metrics.horizontalAdvance(table.Text(row, col)));
+        }
+        const int limit = most * metrics.averageCharWidth();
+        grid.SetColWidth(col, platform::ToTwips(std::min(width, limit) + kAir));
+    }
+    grid.Refresh();
+}
+
+}  // namespace Parts

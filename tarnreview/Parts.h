@@ -1,0 +1,33 @@
+// Small steps that the pages of the window share.
+#pragma once
+
+#include <QString>
+
+#include <string>
+#include <vector>
+
+class QLabel;
+class QPushButton;
+class QWidget;
+class TextTable;
+class vsFlexGrid;
+
+namespace Parts {
+
+inline QString Text(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// Names a control for the program and for people who hear the screen.
+void Name(QWidget& control, const char* name, const QString& accessibleName);
+QPushButton* Button(QWidget* parent, const char* name, const QString& caption, const QString& tip);
+// Plain text that wraps and can be copied.
+QLabel* Words(QWidget* parent, const char* name, const QString& accessibleName);
+
+// A grid to read: headings, and the room that each column's texts need, the last one the rest.
+vsFlexGrid* List(QWidget* parent, const char* name, const QString& accessibleName,
+                 const QStringList& headings, TextTable& table);
+// After the rows of its table have changed. `most`: no column but the last gets more characters.
+void ShowRows(vsFlexGrid& grid, const TextTable& table, int most);
+
+}  // namespace Parts

@@ -1,0 +1,72 @@
+#include "tarnreview/SaveAs.h"
+
+#include <QDate>
+#include <QSaveFile>
+#include <QStringList>
+
+#include <stdexcept>
+
+#include "platform/system/NativePath.h"
+#include "review/html.h"
+#include "review/plain_tables.h"
+#include "review/workbook.h"
+#include "season/text.h"
+#include "tarnreview/ReviewCase.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void RequireOther(const fs::path& path, const season::Season* source) {
+    std::error_code absent;
+    if (source != nullptr && fs::equivalent(path, source->path, absent)) {
+        throw std::runtime_error("This is the data file that is looked at. Choose another name.");
+    }
+}
+
+void SaveText(const fs::path& path, const std::string& text) {
+    QSaveFile file(platform::FromNativePath(path.c_str()));
+    const auto size = static_cast<qint64>(text.size());
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size ||
+        !file.commit()) {
+        throw std::runtime_error("The file cannot be written: " + file.errorString().toStdString());
+    }
+}
+
+void SaveWorkbook(const fs::path& path, const season::Season& season) {
+    try {
+        review::WriteWorkbook(season, path);
+    } catch (const fs::filesystem_error&) {
+        throw std::runtime_error("The file cannot be written.");
+    }
+}
+
+}  // namespace
+
+namespace SaveAs {
+
+std::string Today() {
+    return QDate::currentDate().toString(Qt::ISODate).toStdString();
+}
+
+QStringList Filters() {
+    return {QObject::tr("Report as a web page (*.html)"), QObject::tr("Workbook (*.xlsx)"),
+            QObject::tr("All figures as JSON (*.json)")};
+}
+
+void Save(const ReviewCase& reviewed, const fs::path& path) {
+    RequireOther(path, reviewed.Season());
+    RequireOther(path, reviewed.Previous());
+    const std::string ending = season::Folded(path.extension().string());
+    if (ending == ".html" || ending == ".htm") {
+        SaveText(path, review::HtmlOf(reviewed.Report(Today())));
+    } else if (ending == ".xlsx") {
+        SaveWorkbook(path, *reviewed.Season());
+    } else if (ending == ".json") {
+        SaveText(path, review::JsonOfTables(review::PlainTables(*reviewed.Season())));
+    } else {
+        throw std::runtime_error("The name must end in .html, .xlsx or .json.");
+    }
+}
+
+}  // namespace SaveAs

@@ -1,0 +1,23 @@
+// Saving what is looked at: as a report, a workbook or plain figures. Each is a new file, complete
+// or not there, and never the data file itself.
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+#include <string>
+
+class ReviewCase;
+
+namespace SaveAs {
+
+// The date as reports show it: "2026-04-15".
+std::string Today();
+
+// The kinds that a file can be saved as, for a file dialog.
+QStringList Filters();
+
+// Saves by the ending of the name. Throws std::runtime_error with a sentence.
+void Save(const ReviewCase& reviewed, const std::filesystem::path& path);
+
+}  // namespace SaveAs

@@ -1,0 +1,22 @@
+// Asks where to save, with Qt's own file dialog.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class QWidget;
+
+namespace SaveDialog {
+
+struct Request {
+    QString title;
+    QString folder;
+    QString name;
+    QStringList filters;     // "Report (*.html)"; the first ending is added to a bare name
+    bool mayReplace = true;  // a file that is there, after a question
+};
+
+// The chosen path, or an empty text when the user cancelled.
+QString Ask(QWidget* parent, const Request& request);
+
+}  // namespace SaveDialog

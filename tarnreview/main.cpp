@@ -1,0 +1,73 @@
+// TARN Review: what was entered for a season, looked at.
+#include <QApplication>
+
+#include <cstdio>
+#include <cstring>
+
+#include "platform/controls/ButtonMnemonics.h"
+#include "platform/controls/LegibleStyle.h"
+#include "platform/dialogs/MsgBox.h"
+#include "platform/help/HelpViewer.h"
+#include "platform/system/Host.h"
+#include "platform/system/NativePath.h"
+#include "platform/system/OwnFonts.h"
+#include "platform/system/StartHelpers.h"
+#include "tarnreview/Failures.h"
+#include "tarnreview/ReviewIcon.h"
+#include "tarnreview/frmReview.h"
+
+namespace {
+
+constexpr const char* kHelp =
+    "usage: tarnreview [FILE]\n\n"
+    "Shows what seems wrong or missing in a TARN Prep data file, its charts, its report and what\n"
+    "differs from last year's. Data files are only read. F1 in the window tells more.\n";
+
+// True when the command line asked for words, not for a window.
+bool Answered(int argc, char* argv[]) {
+    const char* const word = argc == 2 ? argv[1] : "";
+    if (std::strcmp(word, "--help") == 0 || std::strcmp(word, "-h") == 0) {
+        std::fputs(kHelp, stdout);
+        return true;
+    }
+    if (std::strcmp(word, "--version") == 0) {
+        std::puts("tarnreview " TARN_VERSION);
+        return true;
+    }
+    return false;
+}
+
+// One path, which may hold blanks.
+QString PathOf(int argc, char* argv[]) {
+    QStringList words;
+    for (int i = 1; i < argc; ++i) {
+        words += platform::FromNativePath(argv[i]);
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    if (Answered(argc, argv)) {
+        return 0;
+    }
+    const QString path = PathOf(argc, argv);
+    int programNameOnly = 1;
+    platform::Beside fonts(platform::ReadFonts);
+    QApplication application(programNameOnly, argv);
+    const platform::Beside bus(platform::ConnectToSessionBus);
+    QGuiApplication::setDesktopFileName(QStringLiteral("tarnreview"));
+    QApplication::setStyle(new LegibleStyle);
+    QApplication::setWindowIcon(ReviewIcon());
+    platform::SetMsgBoxTitle(QStringLiteral("TARN Review"));
+    platform::InstallImmediateMnemonics();
+    platform::HelpViewer::SetHelpFile(
+        platform::FindFile(platform::ProgramFolder(), QStringLiteral("TARNPlus.hlp")));
+    Failures::Install();
+    fonts.Wait();
+    platform::BringFontsWhereThereAreNone();
+    frmReview window(path);
+    window.show();
+    return QApplication::exec();
+}

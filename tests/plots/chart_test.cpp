@@ -1,0 +1,162 @@
+// The charts in a window: every figure is found where it is drawn, told with its place, and reached
+// with the keys.
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QTest>
+
+#include <cmath>
+
+#include "plots/Chart.h"
+#include "plots/LivePlots.h"
+#include "review/report_charts.h"
+#include "support/made_season.h"
+
+namespace {
+
+class ChartTest : public testing::Test {
+protected:
+    void Show(const ChartContent& content, const QString& place) {
+        chart_.resize(900, 700);
+        chart_.OnTell([this](const QString& words) { told_ = words; });
+        chart_.Show(content, QStringLiteral("A title"), place);
+        chart_.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&chart_));
+        chart_.replot();
+    }
+    // Every figure that any point of the chart tells.
+    QStringList Pointed() {
+        QStringList all;
+        for (int y = 0; y < chart_.height(); y += 3) {
+            for (int x = 0; x < chart_.width(); x += 3) {
+                const plots::Figure* const figure = chart_.FigureAt(QPointF(x, y));
+                if (figure != nullptr && !all.contains(figure->words)) {
+                    all += figure->words;
+                }
+            }
+        }
+        return all;
+    }
+    void ExpectAllAreFound(const ChartContent& content, const QString& place) {
+        Show(content, place);
+        QStringList expected;
+        for (const plots::Figure& figure : plots::FiguresOf(content, place)) {
+            expected += figure.words;
+        }
+        QStringList found = Pointed();
+        expected.sort();
+        found.sort();
+        EXPECT_EQ(found.join('\n').toStdString(), expected.join('\n').toStdString());
+    }
+
+    const season::Season season_ = tarn_test::SoundSeason(2, 5);
+    plots::Chart chart_{nullptr};
+    QString told_;
+};
+
+TEST_F(ChartTest, Totals_TellEveryFigureUnderThePointer) {
+    ExpectAllAreFound(review::TotalsChartOf(season_.zones[0]), "Zone 1");
+}
+
+TEST_F(ChartTest, HeatMap_TellsEveryFigureUnderThePointer) {
+    ExpectAllAreFound(review::HeatMapOf(season_, season_.zones[0], 2, 100), "Zone 1, location 2");
+}
+
+TEST_F(ChartTest, CostSteps_TellEveryFigureUnderThePointer) {
+    ExpectAllAreFound(review::CostChartOf(season_.zones[0]), "Zone 1");
+}
+
+TEST_F(ChartTest, Bars_TellEveryFigureUnderThePointer) {
+    review::BarChart bars;
+    bars.bars = {{"Dozer", 2350, "$2,350"}, {"Loss", -20, "-$20"}, {"Nothing", 0, "$0"}};
+    ExpectAllAreFound(bars, {});
+}
+
+TEST_F(ChartTest, ThePointer_TellsTheFigureAndItsEnd) {
+    Show(review::HeatMapOf(season_, season_.zones[0], 2, 100), "Zone 1, location 2");
+    QTest::mouseMove(&chart_, QPoint(chart_.width() / 2, chart_.height() / 2));
+    QTRY_VERIFY_WITH_TIMEOUT(told_.startsWith("Zone 1, location 2, Value "), 5000);
+    EXPECT_TRUE(told_.endsWith(" dollars per acre"));
+    QTest::mouseMove(&chart_, QPoint(1, 1));
+    QTRY_VERIFY_WITH_TIMEOUT(told_.isEmpty(), 5000);
+}
+
+TEST_F(ChartTest, Keys_GoThroughTheFigures) {
+    Show(review::HeatMapOf(season_, season_.zones[0], 2, 100), "Z");
+    chart_.activateWindow();
+    chart_.setFocus();
+    QTest::keyClick(&chart_, Qt::Key_Right);
+    EXPECT_TRUE(told_.startsWith("Z, Value 1, FIL 1: "));
+    QTest::keyClick(&chart_, Qt::Key_Right);
+    QTest::keyClick(&chart_, Qt::Key_Down);
+    EXPECT_TRUE(told_.startsWith("Z, Value 2, FIL 2: "));
+    EXPECT_EQ(chart_.accessibleDescription(), told_);
+    QTest::keyClick(&chart_, Qt::Key_Up);
+    QTest::keyClick(&chart_, Qt::Key_Up);
+    EXPECT_TRUE(told_.startsWith("Z, Value 1, FIL 2: ")) << "the first row has none above it";
+}
+
+TEST_F(ChartTest, AMark_ChangesThePicture) {
+    Show(review::HeatMapOf(season_, season_.zones[0], 2, 100), "Z");
+    const QImage before = chart_.grab().toImage();
+    chart_.Mark(ChartSpot{3, 2});
+    chart_.replot();
+    EXPECT_NE(chart_.grab().toImage(), before);
+    chart_.Mark(std::nullopt);
+    chart_.replot();
+    EXPECT_EQ(chart_.grab().toImage(), before);
+}
+
+// Where two colours would be one gray, the hatching still tells losses from gains.
+TEST_F(ChartTest, LossAndGain_DifferWithoutColours) {
+    EXPECT_NE(chart_.Fill(-1).style(), chart_.Fill(1).style());
+}
+
+TEST_F(ChartTest, ADarkPalette_TurnsTheGroundDark) {
+    Show(review::CostChartOf(season_.zones[0]), "Z");
+    QPalette dark;
+    dark.setColor(QPalette::Base, QColor(20, 20, 20));
+    dark.setColor(QPalette::Text, Qt::white);
+    chart_.setPalette(dark);
+    chart_.replot();
+    EXPECT_EQ(chart_.grab().toImage().pixelColor(2, 2), QColor(20, 20, 20));
+    EXPECT_GT(chart_.Colours().loss.lightness(), 100);
+}
+
+TEST_F(ChartTest, IsNamedAndDescribed) {
+    const auto content = review::TotalsChartOf(season_.zones[0]);
+    Show(content, "Zone 1");
+    EXPECT_EQ(chart_.accessibleName(), "A title");
+    EXPECT_EQ(chart_.accessibleDescription().toStdString(), content.words.alternative);
+}
+
+TEST_F(ChartTest, OfNumbersWithoutEnd_IsDrawnAllTheSame) {
+    constexpr double kInfinite = std::numeric_limits<double>::infinity();
+    review::HeatMap map;
+    map.rows = {"Forage"};
+    map.values = {{kInfinite, -kInfinite, std::nan(""), 3e38, -3e38, 0}};
+    map.largest = 3e38;
+    ExpectAllAreFound(map, "Z");
+    review::TotalsChart totals;
+    totals.panels.push_back({"Location 1", {kInfinite, -kInfinite, std::nan(""), 3e38, 0, -1}});
+    ExpectAllAreFound(totals, "Z");
+    review::BarChart bars;
+    bars.bars = {{"Endless", kInfinite, "infinite"}, {"None", std::nan(""), "no number"}};
+    ExpectAllAreFound(bars, "Z");
+}
+
+TEST(LivePlot, FollowsWhatItIsShown) {
+    QWidget parent;
+    LivePlot& plot = plots::MakeLivePlot(parent);
+    plot.ShowTotals("Wet Prairie, location 2", {1, 2, 3, 4, 5, -6});
+    EXPECT_EQ(plot.Widget().accessibleDescription().toStdString(),
+              "Totals from FIL 1 to 6: $1, $2, $3, $4, $5, -$6.");
+    plot.ShowCosts("Wet Prairie", {{10, 100}, {0, 50}, {0, 0}});
+    EXPECT_EQ(plot.Widget().accessibleDescription().toStdString(),
+              "Cost per acre by fire size: up to 10.00 acres $100; above 10.00 acres $50.");
+    plot.ShowNothing();
+    EXPECT_EQ(plot.Widget().accessibleDescription(), QString());
+}
+
+}  // namespace
