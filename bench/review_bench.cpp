@@ -73,6 +73,7 @@ int main(int argc, char** argv) {
     Measure("diff", "diff " + two, 300);
     Measure("diff --html", "diff " + two + " --html " + Quoted(folder.Path() / "d.html"), 0);
     Measure("report, HTML", "report " + one + to("r.html"), 1000);
+    Measure("report, PDF", "report " + one + to("r.pdf"), 3000);
     Measure("export, JSON", "export " + one + to("e.json"), 0);
     Measure("export, XLSX", "export " + one + to("e.xlsx"), 0);
 }

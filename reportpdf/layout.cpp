@@ -154,15 +154,31 @@ void Layout::DrawContents(Sheet& sheet, std::size_t firstLine, std::size_t lines
     }
 }
 
-double Layout::HeightToKeep(const review::Section& section) const {
-    const double heading = LineHeight(StyleOf(section)) * 2 + kGap;
-    if (section.blocks.empty()) {
-        return heading + 3 * LineHeight(kText);
+const TableShape& Layout::ShapeOf(const review::Section& section, std::size_t index) {
+    const review::Table& table = std::get<review::Table>(section.blocks[index]);
+    const TableShape*& shape = shapeOf_[&table];
+    if (shape == nullptr) {
+        shape = &shapes_.emplace_back(table, MapFor(section, index), width_);
     }
-    if (std::holds_alternative<review::Paragraph>(section.blocks.front())) {
+    return *shape;
+}
+
+// A heading never stands at the end of a page without what it is the heading of.
+double Layout::HeightToKeep(const review::Section& section) {
+    const double heading = LineHeight(StyleOf(section)) * 2 + 3 * kGap;
+    if (section.blocks.empty() ||
+        std::holds_alternative<review::Paragraph>(section.blocks.front())) {
         return heading + 2 * LineHeight(kText);
     }
+    if (std::holds_alternative<review::Table>(section.blocks.front())) {
+        const TableShape& shape = ShapeOf(section, 0);
+        return heading + (StaysTogether(shape) ? shape.Height() : shape.CaptionHeight() + 40);
+    }
     return heading + 80;
+}
+
+bool Layout::StaysTogether(const TableShape& shape) const {
+    return shape.Rows() <= kShort && shape.Height() <= bottom_ - kHead - 60;
 }
 
 void Layout::PlaceHeading(const review::Section& section) {
@@ -210,10 +226,8 @@ std::size_t Layout::PlaceBlock(const review::Section& section, std::size_t index
     const review::Block& block = section.blocks[index];
     if (const auto* const paragraph = std::get_if<review::Paragraph>(&block)) {
         Place(*paragraph);
-    } else if (const auto* const table = std::get_if<review::Table>(&block)) {
-        const review::HeatMap* const map = MapFor(section, index);
-        PlaceTable(*table, map);
-        return map != nullptr ? 2 : 1;
+    } else if (std::holds_alternative<review::Table>(block)) {
+        return PlaceTableOf(section, index);
     } else if (const auto* const map = std::get_if<review::HeatMap>(&block)) {
         PlaceMap(*map);
     } else if (const auto* const costs = std::get_if<review::CostChart>(&block)) {
@@ -238,17 +252,47 @@ void Layout::Place(const review::Paragraph& paragraph) {
     y_ += kGap;
 }
 
-void Layout::PlaceTable(const review::Table& table, const review::HeatMap* map) {
-    const TableShape& shape = shapes_.emplace_back(table, map, width_);
+std::size_t Layout::PlaceTableOf(const review::Section& section, std::size_t index) {
+    const TableShape& shape = ShapeOf(section, index);
+    const review::CostChart* const chart =
+        index + 1 < section.blocks.size()
+            ? std::get_if<review::CostChart>(&section.blocks[index + 1])
+            : nullptr;
+    if (chart != nullptr && StaysTogether(shape) && shape.Width() <= width_ * 0.45) {
+        PlaceBeside(shape, *chart);
+        return 2;
+    }
+    PlaceTable(shape);
+    return MapFor(section, index) != nullptr ? 2 : 1;
+}
+
+void Layout::PlaceBeside(const TableShape& shape, const review::CostChart& chart) {
+    constexpr double kBetween = 18;
+    const double left = left_ + shape.Width() + kBetween;
+    const double room = width_ - shape.Width() - kBetween;
+    const review::Extent extent = ExtentOf(chart, 1);
+    const double scale = room / extent.width;
+    const double height =
+        std::max(shape.Height(), LineHeight(kCaption) + 2 + extent.height * scale);
+    Need(height);
+    Put([=, this, &shape, pieces = shape.PiecesFor(bottom_ - kHead), y = y_](Sheet& sheet) {
+        shape.Draw(sheet, left_, y, pieces.data(), pieces.data() + pieces.size(), false);
+    });
+    Put([=, &chart, y = y_](Sheet& sheet) {
+        const QString caption = Elided(CleanLine(chart.words.caption), kCaption, room);
+        sheet.Text(left, y + LineHeight(kCaption) * 0.8, caption, kCaption);
+        SheetCanvas canvas(sheet, {left, y + LineHeight(kCaption) + 2}, scale);
+        Draw(canvas, chart, 0, 1);
+    });
+    y_ += height + kGap;
+}
+
+void Layout::PlaceTable(const TableShape& shape) {
     const double page = bottom_ - kHead;
     const std::vector<TableShape::Piece> pieces =
         shape.PiecesFor(page - shape.LegendHeight() - kGap);
-    double all = shape.CaptionHeight() + shape.LegendHeight();
-    for (const TableShape::Piece& piece : pieces) {
-        all += piece.height;
-    }
-    if (pieces.size() <= kShort && all <= page) {
-        Need(all);
+    if (StaysTogether(shape)) {
+        Need(shape.Height());
     }
     for (std::size_t first = 0; first < pieces.size();) {
         Need(shape.CaptionHeight() + pieces[first].height + shape.LegendHeight());
@@ -311,7 +355,7 @@ void Layout::PlaceMap(const review::HeatMap& map) {
             cells.push_back(review::NumberCell(review::ValueText(static_cast<float>(value))));
         }
     }
-    PlaceTable(table, &map);
+    PlaceTable(shapes_.emplace_back(table, &map, width_));
 }
 
 }  // namespace reportpdf

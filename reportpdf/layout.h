@@ -5,6 +5,7 @@
 #include <QString>
 #include <deque>
 #include <functional>
+#include <map>
 #include <vector>
 
 #include "reportpdf/sheet.h"
@@ -39,11 +40,17 @@ private:
     void DrawContents(Sheet& sheet, std::size_t firstLine, std::size_t lines, double top) const;
     void PlaceSection(const review::Section& section);
     void PlaceHeading(const review::Section& section);
-    [[nodiscard]] double HeightToKeep(const review::Section& section) const;
+    [[nodiscard]] double HeightToKeep(const review::Section& section);
+    // The shape of a table that is the section's block of this index, with the map behind it.
+    const TableShape& ShapeOf(const review::Section& section, std::size_t index);
     // Places a block, and with it the one behind it where both are one; gives how many it placed.
     std::size_t PlaceBlock(const review::Section& section, std::size_t index);
+    [[nodiscard]] bool StaysTogether(const TableShape& shape) const;
     void Place(const review::Paragraph& paragraph);
-    void PlaceTable(const review::Table& table, const review::HeatMap* map);
+    std::size_t PlaceTableOf(const review::Section& section, std::size_t index);
+    void PlaceTable(const TableShape& shape);
+    // A narrow table and the chart of its figures, side by side.
+    void PlaceBeside(const TableShape& shape, const review::CostChart& chart);
     template <typename Chart>
     void PlaceChart(const Chart& chart);
     void PlaceMap(const review::HeatMap& map);
@@ -60,6 +67,7 @@ private:
     std::vector<int> pageOfSection_;
     std::vector<std::size_t> contents_;  // the sections that are listed
     std::deque<TableShape> shapes_;
+    std::map<const review::Table*, const TableShape*> shapeOf_;
     std::deque<review::Table> mapTables_;
 };
 

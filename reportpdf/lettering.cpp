@@ -1,7 +1,6 @@
 #include "reportpdf/lettering.h"
 
 #include <QFont>
-#include <QFontDatabase>
 #include <QGlyphRun>
 #include <QPainter>
 #include <QRawFont>
@@ -56,7 +55,10 @@ public:
             widths_[all[i].unicode()] = static_cast<float>(advances[i].x() / kMeasured);
         }
     }
-    [[nodiscard]] bool IsUsable() const { return raw_.isValid() && glyphs_['0'] != 0; }
+    // Where no font is installed, Qt draws the same box for each letter.
+    [[nodiscard]] bool IsUsable() const {
+        return raw_.isValid() && glyphs_['0'] != 0 && glyphs_['0'] != glyphs_['1'];
+    }
     [[nodiscard]] bool HasAll(const QString& line) const {
         for (const QChar unit : line) {
             if (unit.unicode() >= kTableEnd || glyphs_[unit.unicode()] == 0) {
@@ -104,6 +106,18 @@ QString Clean(std::string_view text) {
     return line;
 }
 
+// How many units of a word that is too wide fit, at least one letter.
+qsizetype FittingUnits(const QString& word, Style style, double limit) {
+    qsizetype fits = 1;
+    qsizetype tooMany = word.size();
+    while (tooMany - fits > 1) {
+        const qsizetype tried = (fits + tooMany) / 2;
+        (WidthOf(word.left(tried), style) <= limit ? fits : tooMany) = tried;
+    }
+    // No letter of two units is torn.
+    return word[fits - 1].isHighSurrogate() ? fits + 1 : fits;
+}
+
 // Takes whole words until the width is full. What is wider than a line is broken anywhere.
 void Break(const QString& line, Style style, double width, std::vector<QString>& lines) {
     const double limit = width + 1e-6;
@@ -123,12 +137,7 @@ void Break(const QString& line, Style style, double width, std::vector<QString>&
         }
         taken = word;
         while (taken.size() > 1 && WidthOf(taken, style) > limit) {
-            qsizetype fits = taken.size();
-            while (fits > 1 && WidthOf(taken.left(fits), style) > limit) {
-                fits = fits > 64 ? fits / 2 : fits - 1;
-            }
-            // No letter of two units is torn.
-            fits += taken[fits - 1].isHighSurrogate() && fits < taken.size() ? 1 : 0;
+            const qsizetype fits = FittingUnits(taken, style, limit);
             lines.push_back(taken.left(fits));
             taken = taken.mid(fits);
         }

@@ -5,7 +5,7 @@
 #include <map>
 #include <numeric>
 
-#include "review/tables.h"
+#include "review/figures.h"
 
 namespace reportpdf {
 
@@ -38,10 +38,15 @@ QColor ShadeColour(int shade, bool isLoss) {
 }  // namespace
 
 TableShape::TableShape(const review::Table& table, const review::HeatMap* map, double width)
-    : table_(table), map_(map), size_(kUsualSize) {
+    : table_(table), map_(map), size_(kUsualSize), pageWidth_(width) {
     MeasureColumns(width);
     while (width_ > width && size_ > kLeastSize) {
         size_ -= 0.5;
+        MeasureColumns(width);
+    }
+    // Figures of dozens of digits, which nobody typed on purpose.
+    if (width_ > width) {
+        breaksFigures_ = true;
         MeasureColumns(width);
     }
     if (map_ != nullptr) {
@@ -77,9 +82,10 @@ void TableShape::MeasureColumns(double width) {
                 const double whole = WidthOf(TextOf(cell), style) + 2 * kPadding;
                 natural[column] = std::max(natural[column], whole);
                 const double word =
-                    cell.isNumber
+                    cell.isNumber && !breaksFigures_
                         ? whole
-                        : std::min(WidestWord(cell.text, style), width / 4) + 2 * kPadding;
+                        : std::min(WidestWord(cell.text, style),
+                                   width / (breaksFigures_ ? 10 : 4)) + 2 * kPadding;
                 least[column] = std::max(least[column], word);
             }
             column += static_cast<std::size_t>(cell.columns);
@@ -91,6 +97,10 @@ void TableShape::MeasureColumns(double width) {
     }
     for (const auto& row : table_.totals) {
         look(row, true);
+    }
+    if (map_ != nullptr && columns > 0) {
+        // Long names leave the figures their room.
+        natural[0] = std::max(least[0], std::min(natural[0], width * 0.36));
     }
     const double all = std::accumulate(natural.begin(), natural.end(), 0.0);
     const double atLeast = std::accumulate(least.begin(), least.end(), 0.0);
@@ -138,7 +148,7 @@ std::size_t TableShape::LineCount(const std::vector<Cell>& row, bool isBold) con
     std::size_t column = 0;
     for (const Cell& cell : row) {
         const bool fits =
-            cell.isNumber || (cell.text.find('\n') == std::string::npos &&
+            (cell.isNumber && !breaksFigures_) || (cell.text.find('\n') == std::string::npos &&
                               WidthOf(TextOf(cell), StyleOf(cell, isBold)) <=
                                   Span(column, cell.columns) - 2 * kPadding + 1e-6);
         if (!fits) {
@@ -156,6 +166,14 @@ double TableShape::RowHeight(std::size_t lines) const {
 double TableShape::CaptionHeight() const {
     return static_cast<double>(captionLines_.size()) * LineHeight(kCaption) + 3 +
            RowHeight(headLines_);
+}
+
+double TableShape::Height() const {
+    double height = CaptionHeight() + LegendHeight();
+    for (const std::size_t lines : lineCounts_) {
+        height += RowHeight(lines);
+    }
+    return height;
 }
 
 double TableShape::LegendHeight() const {
@@ -185,7 +203,7 @@ void TableShape::DrawRow(Sheet& sheet, double left, double top, const std::vecto
     for (const Cell& cell : row) {
         const double width = Span(column, cell.columns);
         const Style style = StyleOf(cell, isBold);
-        if (cell.isNumber) {
+        if (cell.isNumber && !breaksFigures_) {
             if (piece.firstLine == 0) {
                 sheet.TextToRight(x + width - kPadding, base, TextOf(cell), style);
             }
@@ -252,15 +270,15 @@ void TableShape::DrawLegend(Sheet& sheet, double left, double top) const {
         x += 4;
     };
     write(QStringLiteral("Heat map: "));
-    write(CleanLine(review::ValueText(static_cast<float>(-map_->largest))));
+    write(CleanLine(review::ShortFigure(-map_->largest)));
     scale(true);
     write(QStringLiteral("0"));
     const double begin = x;
     scale(false);
     sheet.DashedBoxes({{begin + 1, top + 5, x - begin - 6, kBox - 2}}, QColor(0x1a, 0x3a, 0x7a));
-    write(CleanLine(review::ValueText(static_cast<float>(map_->largest))));
-    write(QStringLiteral("  losses brown, gains blue with a dashed border; a digit more is a shade "
-                         "more"));
+    write(CleanLine(review::ShortFigure(map_->largest)));
+    const QString note = QStringLiteral("  gains have a dashed border; a digit more is a shade more");
+    write(Elided(note, kSmall, left + std::max(width_, pageWidth_) - x));
 }
 
 double TableShape::Draw(Sheet& sheet, double left, double top, const Piece* first,

@@ -23,6 +23,9 @@ public:
     };
     [[nodiscard]] std::vector<Piece> PiecesFor(double most) const;
     [[nodiscard]] double CaptionHeight() const;  // the head's row included
+    [[nodiscard]] double Height() const;         // of all, where it is not divided
+    [[nodiscard]] double Width() const { return width_; }
+    [[nodiscard]] std::size_t Rows() const { return lineCounts_.size(); }
     [[nodiscard]] double LegendHeight() const;
     // Draws these pieces under the caption and the head; gives where they end.
     double Draw(Sheet& sheet, double left, double top, const Piece* first, const Piece* last,
@@ -47,9 +50,11 @@ private:
     const review::Table& table_;
     const review::HeatMap* map_;
     double size_;
+    bool breaksFigures_ = false;
     std::vector<double> widths_;
     std::vector<std::size_t> lineCounts_;
     std::size_t headLines_ = 1;
+    double pageWidth_;
     double width_ = 0;
     std::vector<QString> captionLines_;
 };

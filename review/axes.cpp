@@ -11,7 +11,7 @@ double RoundUp(double amount) {
         return 0;
     }
     const double power = std::pow(10, std::floor(std::log10(amount)));
-    for (const double step : {1.0, 2.0, 5.0}) {
+    for (const double step : {1.0, 1.5, 2.0, 3.0, 4.0, 5.0, 6.0, 8.0}) {
         if (amount <= step * power) {
             return step * power;
         }

@@ -11,15 +11,27 @@ namespace review {
 
 namespace {
 
-constexpr double kCostWidth = 640;
-constexpr double kCostHeight = 260;
-constexpr double kCostLeft = 76;
-constexpr double kCostRight = kCostWidth - 35;
+constexpr double kCostWidth = 460;
+constexpr double kCostHeight = 240;
+constexpr double kCostLeft = 74;
+constexpr double kCostRight = kCostWidth - 30;
 constexpr double kCostTop = 20;
-constexpr double kCostBottom = 215;
+constexpr double kCostBottom = 197;
 
 std::string PowerText(double power) {
-    return power >= 1 ? Fixed(power, 0) : Figure(static_cast<float>(power));
+    constexpr double kMost = 1e9;
+    return power >= kMost ? ShortFigure(power)
+           : power >= 1   ? Fixed(power, 0)
+                          : Figure(static_cast<float>(power));
+}
+
+// Long figures have no room in charts.
+std::string ShortDollars(double dollars) {
+    constexpr double kMost = 1e6;
+    if (std::abs(dollars) < kMost) {
+        return DollarsText(dollars);
+    }
+    return (dollars < 0 ? "-$" : "$") + ShortFigure(std::abs(dollars));
 }
 
 // About as wide as these words are.
@@ -32,10 +44,12 @@ class StepWords {
 public:
     explicit StepWords(Canvas& canvas) : canvas_(canvas) {}
     void Add(double middle, double line, double cost) {
-        const std::string words = DollarsText(cost);
-        const double left = middle - RoughWidth(words) / 2;
+        const std::string words = ShortDollars(cost);
+        // Not across the axis, where the first step is narrow.
+        const double left = std::max(middle - RoughWidth(words) / 2, kCostLeft + 3);
         const bool isTaken = left < takenTo_ && std::abs(line - takenAt_) < kHigh;
-        canvas_.Words(middle, isTaken ? line + kHigh : line - 5, words, Anchor::kMiddle, {});
+        canvas_.Words(left + RoughWidth(words) / 2, isTaken ? line + kHigh : line - 5, words,
+                      Anchor::kMiddle, {});
         if (!isTaken) {
             takenTo_ = left + RoughWidth(words);
             takenAt_ = line;
@@ -111,12 +125,12 @@ void Draw(Canvas& canvas, const CostChart& chart, std::size_t, std::size_t) {
 namespace {
 
 constexpr double kPanelWidth = 180;
-constexpr double kPanelHeight = 150;
+constexpr double kPanelHeight = 135;
 constexpr std::size_t kPanelsInARow = 4;
 
 void DrawPanel(Canvas& canvas, const TotalsChart::Panel& panel, const TotalsScale& scale,
                double left, double top) {
-    constexpr double kHigh = 105;
+    constexpr double kHigh = 90;
     constexpr double kBar = 16;
     constexpr double kScale = 48;
     const double bottom = top + 18 + kHigh;
@@ -128,7 +142,7 @@ void DrawPanel(Canvas& canvas, const TotalsChart::Panel& panel, const TotalsScal
         canvas.Line(left + kScale, place(mark), left + kScale + 6 * (kBar + 4), place(mark),
                     mark == 0 ? Stroke::kAxis : Stroke::kGrid);
         if (mark == 0 || std::abs(place(mark) - place(0)) > 12) {
-            canvas.Words(left + kScale - 4, place(mark) + 4, DollarsText(mark), Anchor::kEnd,
+            canvas.Words(left + kScale - 4, place(mark) + 4, ShortDollars(mark), Anchor::kEnd,
                          {.size = 10});
         }
     }

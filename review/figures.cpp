@@ -123,6 +123,27 @@ std::string Fixed(double number, int decimals) {
     return FixedOf(number, decimals);
 }
 
+std::string ShortFigure(double number) {
+    constexpr double kMillion = 1e6;
+    constexpr double kMost = 1e12;
+    const double amount = std::abs(number);
+    if (!(amount >= kMillion) || std::isinf(number)) {
+        return Figure(number);
+    }
+    const auto rounded = [](double part) {
+        std::array<char, 64> buffer{};
+        const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), part,
+                                       std::chars_format::general, 3);
+        return std::string(buffer.data(), end.ptr);
+    };
+    const std::string sign = number < 0 ? "-" : "";
+    if (amount < kMost) {
+        return sign + Figure(std::stod(rounded(amount / kMillion))) + "M";
+    }
+    const double power = std::floor(std::log10(amount));
+    return sign + rounded(amount / std::pow(10, power)) + "e" + Fixed(power, 0);
+}
+
 std::string Counted(std::size_t number, std::string_view word) {
     return std::to_string(number) + " " + std::string(word) + (number == 1 ? "" : "s");
 }

@@ -21,6 +21,9 @@ std::string Figure(const season::Single& number);  // null counts as 0
 std::string Fixed(float number, int decimals);
 std::string Fixed(double number, int decimals);
 
+// Rounded to three digits where it is long: "1,250", "1.25M", "3e38".
+std::string ShortFigure(double number);
+
 // "1 zone", "3 zones"
 std::string Counted(std::size_t number, std::string_view word);
 

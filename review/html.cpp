@@ -19,12 +19,14 @@ dl { display: grid; grid-template-columns: max-content 1fr; gap: .15em 1em; marg
 dt { font-weight: bold; }
 dd { margin: 0; }
 p { white-space: pre-line; margin: .4em 0; }
+p, h1, h2, h3, dd, caption, figcaption, a { overflow-wrap: anywhere; }
+.wide { overflow-x: auto; }
 nav ul { columns: 2; padding-left: 1.2em; }
 table { border-collapse: collapse; margin: .6em 0 1em; font-variant-numeric: tabular-nums; }
 caption { text-align: left; font-weight: bold; padding: .2em 0; }
 th, td { border: 1px solid #888; padding: .15em .5em; text-align: left; vertical-align: top; }
 thead th { background: #e8e8e8; }
-tbody th { font-weight: normal; }
+tbody th { font-weight: normal; min-width: 6em; overflow-wrap: anywhere; }
 tfoot th, tfoot td { font-weight: bold; border-top: 2px solid #444; }
 .n { text-align: right; white-space: nowrap; }
 .c { background: #ffe9b8; outline: 2px solid #8a5a00; outline-offset: -2px; }
@@ -35,6 +37,11 @@ figcaption { font-weight: bold; margin-bottom: .3em; }
 svg { max-width: 100%; height: auto; }
 summary { font-size: 1.1em; font-weight: bold; cursor: pointer; margin: .6em 0; }
 .hidden { position: absolute; width: 1px; height: 1px; overflow: hidden; clip-path: inset(50%); }
+@media (max-width: 40rem) {
+  body { font-size: 10pt; padding: .7rem; }
+  nav ul { columns: 1; }
+  th, td { padding: .1em .25em; }
+}
 @page { margin: 18mm 15mm; @bottom-right { content: counter(page) " / " counter(pages); } }
 @media print {
   body { max-width: none; padding: 0; font-size: 9.5pt; }
@@ -44,6 +51,7 @@ summary { font-size: 1.1em; font-weight: bold; cursor: pointer; margin: .6em 0; 
   thead { display: table-header-group; }
   tfoot { display: table-row-group; }
   tr, figure, .whole { break-inside: avoid; }
+  .wide { overflow: visible; }
 }
 )";
 
@@ -156,15 +164,17 @@ private:
     void Write(const Table& table) {
         // A short table is never torn between two pages.
         constexpr std::size_t kShort = 25;
-        out_ += std::string("<table") + (table.rows.size() <= kShort ? " class=\"whole\"" : "") +
-                ">\n<caption>" + HtmlText(table.caption) + "</caption>\n<thead>\n<tr>";
+        // A wide table is moved sideways by itself on a small screen.
+        out_ += std::string("<div class=\"wide\">\n<table") +
+                (table.rows.size() <= kShort ? " class=\"whole\"" : "") + ">\n<caption>" +
+                HtmlText(table.caption) + "</caption>\n<thead>\n<tr>";
         for (const Cell& cell : table.head) {
             WriteCell(cell, "col");
         }
         out_ += "</tr>\n</thead>\n";
         WriteRows("tbody", table.rows);
         WriteRows("tfoot", table.totals);
-        out_ += "</table>\n";
+        out_ += "</table>\n</div>\n";
     }
 
     template <typename Chart>

@@ -45,10 +45,11 @@ const char* NameOf(Anchor anchor) {
 // What is drawn, in pixels from the top left.
 class Picture : public Canvas {
 public:
-    Picture(Extent extent, const ChartWords& words)
-        : text_("<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" viewBox=\"0 0 " +
-                At(extent.width) + " " + At(extent.height) + "\" width=\"" + At(extent.width) +
-                "\" height=\"" + At(extent.height) +
+    // `left` is where the picture begins, below 0 where words need that room.
+    Picture(Extent extent, const ChartWords& words, double left = 0)
+        : text_("<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" viewBox=\"" + At(left) +
+                " 0 " + At(extent.width) + " " + At(extent.height) + "\" width=\"" +
+                At(extent.width) + "\" height=\"" + At(extent.height) +
                 "\" font-family=\"Liberation Sans, Arial, sans-serif\" font-size=\"11\">\n<title>" +
                 HtmlText(words.alternative) + "</title>\n") {}
 
@@ -115,6 +116,17 @@ std::string SquareAt(std::size_t row, std::size_t level, int margin) {
            std::to_string(kCellHeight - 2 * margin) + "h-" + width + "z";
 }
 
+// At least as wide as these words are.
+double RoughWidth(std::string_view words) {
+    double width = 0;
+    for (const char letter : words) {
+        const bool isWide = letter == 'W' || letter == 'M' || letter == '@' || letter == '%';
+        const bool isCapital = letter >= 'A' && letter <= 'Z';
+        width += isWide ? 11 : isCapital ? 8 : 6.5;
+    }
+    return width;
+}
+
 // A report has thousands of maps: squares of one colour are one path, texts share their look.
 class MapParts {
 public:
@@ -158,9 +170,13 @@ private:
 }  // namespace
 
 std::string SvgOf(const HeatMap& chart) {
-    Picture picture({kCellsLeft + 6 * kCellWidth + 2,
+    double left = 0;
+    for (const std::string& name : chart.rows) {
+        left = std::min(left, kCellsLeft - 12 - RoughWidth(name));
+    }
+    Picture picture({kCellsLeft + 6 * kCellWidth + 2 - left,
                      kCellsTop + kCellHeight * static_cast<double>(chart.rows.size()) + 2},
-                    chart.words);
+                    chart.words, left);
     for (int fil = 1; fil <= 6; ++fil) {
         picture.Words(kCellsLeft + kCellWidth * (fil - 0.5), 13, "FIL " + std::to_string(fil),
                       Anchor::kMiddle, {.isBold = true});
