@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "jet/convert.h"
 #include "jetsql/Values.h"
 
 namespace jetsql {
@@ -156,7 +157,7 @@ std::optional<Value> EqualValue(ColumnType type, sqlite3_value* value, bool& isE
     if (type == ColumnType::kText || type == ColumnType::kGuid) {
         if (sqlite3_value_type(value) != SQLITE_TEXT) return std::nullopt;
         if (type == ColumnType::kText) {
-            std::u16string text = ToUtf16(Text(value));
+            std::u16string text = jet::ToUtf16(Text(value));
             return HasOneKey(text) ? std::optional<Value>(std::move(text)) : std::nullopt;
         }
         const std::optional<jet::Guid> guid = GuidOf(Text(value));
@@ -193,22 +194,27 @@ KeyRange MakeKeyRange(const jet::TableSchema& table, const Plan& plan, sqlite3_v
     const jet::IndexSchema& index = table.indexes[plan.index];
     std::vector<Value> leading;
     bool isWhole = true;  // all columns so far have one value each
+    const auto narrow = [&](ColumnType type, sqlite3_value* value, Bound side) {
+        std::optional<Value> bound = BoundValue(type, value, side, range.empty);
+        if (!isWhole || !bound) return;
+        const bool ascending = index.columns[leading.size()].ascending;
+        std::vector<Value>& end = (side == Bound::kAbove) == ascending ? range.lower : range.upper;
+        end = leading;
+        end.push_back(std::move(*bound));
+    };
     for (const Condition& condition : plan.conditions) {
         const ColumnType type = table.columns[condition.column].type;
         sqlite3_value* value = values[condition.argument];
-        if (condition.bound == Bound::kEqual) {
+        if (condition.bound != Bound::kEqual) {
+            narrow(type, value, condition.bound);
+        } else if (HasExactEquality(type)) {
             std::optional<Value> equal = EqualValue(type, value, range.empty);
             isWhole = isWhole && equal.has_value();
             if (isWhole) leading.push_back(std::move(*equal));
-            continue;
+        } else {
+            narrow(type, value, Bound::kAbove);
+            narrow(type, value, Bound::kBelow);
         }
-        std::optional<Value> bound = BoundValue(type, value, condition.bound, range.empty);
-        if (!isWhole || !bound) continue;
-        const bool ascending = index.columns[leading.size()].ascending;
-        std::vector<Value>& end =
-            (condition.bound == Bound::kAbove) == ascending ? range.lower : range.upper;
-        end = leading;
-        end.push_back(std::move(*bound));
     }
     if (range.lower.empty()) range.lower = leading;
     if (range.upper.empty()) range.upper = leading;

@@ -57,7 +57,8 @@ void AddConditions(Plan& plan, const jet::TableSchema& table, const jet::IndexSc
         const Condition* equal = Find(conditions, position, Bound::kEqual);
         if (equal != nullptr && HasSameEquality(type)) {
             plan.conditions.push_back(*equal);
-            continue;
+            if (HasExactEquality(type)) continue;
+            return;
         }
         if (HasSameRange(type)) {
             for (const Bound bound : {Bound::kAbove, Bound::kBelow}) {
@@ -70,13 +71,16 @@ void AddConditions(Plan& plan, const jet::TableSchema& table, const jet::IndexSc
     }
 }
 
-std::size_t Equalities(const Plan& plan) {
+// The leading columns that have one value each.
+std::size_t Equalities(const Plan& plan, const jet::TableSchema& table) {
     return static_cast<std::size_t>(
-        std::ranges::count(plan.conditions, Bound::kEqual, &Condition::bound));
+        std::ranges::count_if(plan.conditions, [&table](const Condition& condition) {
+            return condition.bound == Bound::kEqual &&
+                   HasExactEquality(table.columns[condition.column].type);
+        }));
 }
 
-void Estimate(Plan& plan, const jet::IndexSchema& index, double rows) {
-    const std::size_t equal = Equalities(plan);
+void Estimate(Plan& plan, const jet::IndexSchema& index, std::size_t equal, double rows) {
     const bool one = (index.unique || index.primary) && equal == index.columns.size();
     double found = rows * std::pow(kEqualShare, static_cast<double>(equal)) *
                    std::pow(kBoundShare, static_cast<double>(plan.conditions.size() - equal));
@@ -92,14 +96,15 @@ Plan PlanFor(const jet::TableSchema& table, int position, double rows,
     Plan plan;
     plan.index = position;
     AddConditions(plan, table, index, conditions);
+    const std::size_t equal = Equalities(plan, table);
     // An index may leave out records without any value; a condition on its first column rules these
     // out in any case.
     const std::optional<bool> direction = !index.ignoreNulls || !plan.conditions.empty()
-                                              ? Direction(table, index, Equalities(plan), order)
+                                              ? Direction(table, index, equal, order)
                                               : std::nullopt;
     plan.ordered = direction.has_value();
     plan.backwards = direction.value_or(false);
-    Estimate(plan, index, rows);
+    Estimate(plan, index, equal, rows);
     return plan;
 }
 
@@ -126,8 +131,11 @@ bool HasSameOrder(ColumnType type) {
 }
 
 bool HasSameEquality(ColumnType type) {
-    return HasSameRange(type) ? type != ColumnType::kDate
-                              : type == ColumnType::kText || type == ColumnType::kGuid;
+    return HasSameRange(type) || type == ColumnType::kText || type == ColumnType::kGuid;
+}
+
+bool HasExactEquality(ColumnType type) {
+    return HasSameEquality(type) && type != ColumnType::kDate;
 }
 
 Plan MakePlan(const jet::TableSchema& table, double rows, const std::vector<Condition>& conditions,

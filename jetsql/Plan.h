@@ -48,6 +48,9 @@ struct Plan {
 [[nodiscard]] bool HasSameRange(jet::ColumnType type);
 [[nodiscard]] bool HasSameOrder(jet::ColumnType type);
 [[nodiscard]] bool HasSameEquality(jet::ColumnType type);
+// Whether equal values are one key of an index. Dates are compared as texts to the second, so that
+// an equal one lies somewhere in a range.
+[[nodiscard]] bool HasExactEquality(jet::ColumnType type);
 
 // The best plan for these conditions and this order; `rows` is the number of records.
 [[nodiscard]] Plan MakePlan(const jet::TableSchema& table, double rows,

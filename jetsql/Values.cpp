@@ -1,13 +1,14 @@
 #include "jetsql/Values.h"
 
 #include <array>
-#include <chrono>
+#include <cctype>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <type_traits>
 #include <variant>
+
+#include "jet/convert.h"
 
 namespace jetsql {
 
@@ -16,16 +17,7 @@ namespace {
 using jet::ColumnType;
 
 constexpr std::int64_t kSecondsOfDay = 86400;
-constexpr double kMostDays = 2958466;  // the end of the year 9999
 constexpr double kTenThousand = 10000;
-constexpr char32_t kReplacement = 0xFFFD;
-// The order in which the bytes of a GUID are stored, as its text shows them.
-constexpr std::array<int, 16> kGuidOrder{3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
-
-std::chrono::sys_days DayZero() {
-    using namespace std::chrono;
-    return sys_days{year{1899} / December / 30};
-}
 
 const char* DeclaredType(ColumnType type) {
     switch (type) {
@@ -92,9 +84,9 @@ void Give(sqlite3_context* context, const jet::Value& value) {
             } else if constexpr (std::is_same_v<Held, jet::Date>) {
                 GiveText(context, DateText(held.days));
             } else if constexpr (std::is_same_v<Held, std::u16string>) {
-                GiveText(context, ToUtf8(held));
+                GiveText(context, jet::ToUtf8(held));
             } else if constexpr (std::is_same_v<Held, jet::Guid>) {
-                GiveText(context, GuidText(held));
+                GiveText(context, LowerGuidText(held));
             } else if constexpr (std::is_same_v<Held, jet::Decimal>) {
                 sqlite3_result_double(context, DecimalNumber(held));
             } else {
@@ -102,32 +94,6 @@ void Give(sqlite3_context* context, const jet::Value& value) {
             }
         },
         value.Get());
-}
-
-void AppendCharacter(std::string& text, char32_t character) {
-    const auto add = [&](char32_t byte) { text += static_cast<char>(byte); };
-    if (character < 0x80) {
-        add(character);
-    } else if (character < 0x800) {
-        add(0xC0 | character >> 6);
-        add(0x80 | (character & 0x3F));
-    } else if (character < 0x10000) {
-        add(0xE0 | character >> 12);
-        add(0x80 | (character >> 6 & 0x3F));
-        add(0x80 | (character & 0x3F));
-    } else {
-        add(0xF0 | character >> 18);
-        add(0x80 | (character >> 12 & 0x3F));
-        add(0x80 | (character >> 6 & 0x3F));
-        add(0x80 | (character & 0x3F));
-    }
-}
-
-bool IsLead(char16_t unit) {
-    return unit >= 0xD800 && unit < 0xDC00;
-}
-bool IsTrail(char16_t unit) {
-    return unit >= 0xDC00 && unit < 0xE000;
 }
 
 }  // namespace
@@ -188,96 +154,48 @@ std::string Declaration(const jet::TableSchema& table, std::string_view name, bo
 }
 
 std::string DateText(double days) {
-    using namespace std::chrono;
-    if (!std::isfinite(days) || std::abs(days) > kMostDays) return {};
-    const double day = std::trunc(days);
-    const double fraction = std::abs(days - day);
-    const auto second =
-        static_cast<std::int64_t>(std::floor(fraction * double{kSecondsOfDay} + 0.5));
-    const sys_days date = DayZero() + std::chrono::days{static_cast<int>(day)} +
-                          std::chrono::days{static_cast<int>(second / kSecondsOfDay)};
-    const year_month_day calendar{date};
-    const std::int64_t time = second % kSecondsOfDay;
-    std::array<char, 32> text{};
-    const int length = std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d",
-                                     int{calendar.year()}, unsigned{calendar.month()},
-                                     unsigned{calendar.day()}, static_cast<int>(time / 3600),
-                                     static_cast<int>(time / 60 % 60), static_cast<int>(time % 60));
-    return {text.data(), static_cast<std::size_t>(length)};
+    try {
+        const double day = std::trunc(days);
+        const double seconds = std::floor(std::abs(days - day) * double{kSecondsOfDay} + 0.5);
+        // Midnight of the next day, where rounding comes to that.
+        const bool isNext = seconds == double{kSecondsOfDay};
+        const double whole = isNext ? day + 1 : day;
+        const double fraction = isNext ? 0 : seconds / double{kSecondsOfDay};
+        const jet::CalendarTime time =
+            jet::ToCalendar({whole < 0 ? whole - fraction : whole + fraction});
+        std::array<char, 64> text{};
+        const int length =
+            std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.year,
+                          time.month, time.day, time.hour, time.minute, time.second);
+        return {text.data(), static_cast<std::size_t>(length)};
+    } catch (const jet::Error&) {
+        return {};  // no day of the calendar
+    }
 }
 
 std::optional<double> DaysOf(int year, int month, int day) {
-    const std::chrono::year_month_day date{std::chrono::year{year},
-                                           std::chrono::month{static_cast<unsigned>(month)},
-                                           std::chrono::day{static_cast<unsigned>(day)}};
-    if (!date.ok()) return std::nullopt;
-    return (std::chrono::sys_days{date} - DayZero()).count();
+    try {
+        return jet::ToDate({.year = year, .month = month, .day = day, .hour = 0}).days;
+    } catch (const jet::Error&) {
+        return std::nullopt;
+    }
 }
 
-std::string GuidText(const jet::Guid& guid) {
-    constexpr std::string_view kDigits = "0123456789abcdef";
-    std::string text = "{";
-    for (std::size_t at = 0; at < kGuidOrder.size(); ++at) {
-        if (at == 4 || at == 6 || at == 8 || at == 10) text += '-';
-        const auto byte =
-            std::to_integer<unsigned>(guid.bytes[static_cast<std::size_t>(kGuidOrder[at])]);
-        text += kDigits[byte >> 4U];
-        text += kDigits[byte & 15U];
+std::string LowerGuidText(const jet::Guid& guid) {
+    std::string text = jet::GuidText(guid);
+    for (char& digit : text) {
+        digit = static_cast<char>(std::tolower(static_cast<unsigned char>(digit)));
     }
-    return text + '}';
+    return text;
 }
 
 std::optional<jet::Guid> GuidOf(std::string_view text) {
-    jet::Guid guid;
-    std::size_t at = 1;
-    for (const int place : kGuidOrder) {
-        if (at < text.size() && text[at] == '-') ++at;
-        unsigned byte = 0;
-        if (at + 2 > text.size() ||
-            std::sscanf(std::string(text.substr(at, 2)).c_str(), "%2x", &byte) != 1) {
-            return std::nullopt;
-        }
-        guid.bytes[static_cast<std::size_t>(place)] = static_cast<std::byte>(byte);
-        at += 2;
+    try {
+        const jet::Guid guid = jet::ParseGuid(text);
+        return LowerGuidText(guid) == text ? std::optional(guid) : std::nullopt;
+    } catch (const jet::Error&) {
+        return std::nullopt;
     }
-    if (GuidText(guid) != text) return std::nullopt;
-    return guid;
-}
-
-std::string ToUtf8(std::u16string_view text) {
-    std::string converted;
-    converted.reserve(text.size());
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char16_t unit = text[at];
-        if (IsLead(unit) && at + 1 < text.size() && IsTrail(text[at + 1])) {
-            AppendCharacter(converted,
-                            0x10000 + ((unit - 0xD800U) << 10U) + (text[at + 1] - 0xDC00U));
-            ++at;
-        } else {
-            AppendCharacter(converted, IsLead(unit) || IsTrail(unit) ? kReplacement : unit);
-        }
-    }
-    return converted;
-}
-
-std::u16string ToUtf16(std::string_view text) {
-    std::u16string converted;
-    for (std::size_t at = 0; at < text.size();) {
-        const auto first = static_cast<unsigned char>(text[at]);
-        const std::size_t more = first < 0xC0 ? 0 : first < 0xE0 ? 1 : first < 0xF0 ? 2 : 3;
-        char32_t character = more == 0 ? first : first & (0x3FU >> more);
-        for (std::size_t next = 1; next <= more && at + next < text.size(); ++next) {
-            character = character << 6U | (static_cast<unsigned char>(text[at + next]) & 0x3FU);
-        }
-        at += more + 1;
-        if (character < 0x10000) {
-            converted += static_cast<char16_t>(character);
-        } else {
-            converted += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10U));
-            converted += static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FFU));
-        }
-    }
-    return converted;
 }
 
 }  // namespace jetsql

@@ -29,11 +29,8 @@ std::string Declaration(const jet::TableSchema& table, std::string_view name, bo
 std::string DateText(double days);
 // Days since 1899-12-30; nothing for what is no day of the calendar.
 std::optional<double> DaysOf(int year, int month, int day);
-std::string GuidText(const jet::Guid& guid);
-// Nothing for what is no GUID in the text that GuidText gives.
+std::string LowerGuidText(const jet::Guid& guid);
+// Nothing for what is no GUID in the text that LowerGuidText gives.
 std::optional<jet::Guid> GuidOf(std::string_view text);
-// An unpaired surrogate becomes U+FFFD.
-std::string ToUtf8(std::u16string_view text);
-std::u16string ToUtf16(std::string_view text);
 
 }  // namespace jetsql

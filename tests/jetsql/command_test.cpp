@@ -158,6 +158,51 @@ TEST_F(JetSql, ConditionsOnAnIndex_AreSeeks) {
     EXPECT_EQ(plan("ORDER BY Name"), "several steps");
 }
 
+TEST_F(JetSql, EqualityOnADate_IsASeekThatFindsEachRowOfThatSecond) {
+    {
+        const auto data = jet::Database::Create(folder_ / "d.mdb", jet::Version::kJet4);
+        jet::TableSchema days;
+        days.name = "Days";
+        days.columns = {{.name = "Day", .type = jet::ColumnType::kDate},
+                        {.name = "Place", .type = jet::ColumnType::kLong}};
+        days.indexes = {{.name = "ByDay", .columns = {{"Day"}, {"Place"}}}};
+        data->CreateTable(days);
+        const auto records = data->OpenTable("Days");
+        int place = 0;
+        for (const double day :
+             {-1.25, 0.0, 0.99999999, 36525.9, 36526.75, 36526.7500001, 36527.1}) {
+            records->AddNew();
+            records->Set("Day", jet::Date{day});
+            records->Set("Place", ++place);
+            records->Update();
+        }
+        data->Close();
+    }
+    Connection connection;
+    connection.LoadExtension((support::BuildFolder() / "bin/libjetsql").string());
+    ASSERT_EQ(connection.Execute("CREATE VIRTUAL TABLE days USING jet('" +
+                                 (folder_ / "d.mdb").string() + "', 'Days')"),
+              SQLITE_OK);
+    const auto places = [&connection](const std::string& condition) {
+        std::string found;
+        for (const auto& row : connection.Query("SELECT Place FROM days WHERE " + condition)) {
+            found += row.front() + ";";
+        }
+        return found;
+    };
+    for (const std::string day : {"2000-01-01 18:00:00", "1899-12-31 00:00:00",
+                                  "1899-12-29 06:00:00", "2000-01-01", "no day"}) {
+        const std::string condition = "Day = '" + day + "'";
+        EXPECT_EQ(places(condition), places("+" + condition)) << day;
+        EXPECT_EQ(places(condition + " AND Place > 5"), places("+" + condition + " AND Place > 5"));
+    }
+    EXPECT_NE(places("Day = '2000-01-01 18:00:00'"), "");
+    const auto plan =
+        connection.Query("EXPLAIN QUERY PLAN SELECT * FROM days WHERE Day = '2000-01-01'");
+    ASSERT_EQ(plan.size(), 1U);
+    EXPECT_NE(plan[0].back().find("seek ByDay (Day=?)"), std::string::npos);
+}
+
 TEST_F(JetSql, FileThatChangesMeanwhile_IsAnError) {
     MakeFile("a.mdb");
     Connection connection;
