@@ -77,7 +77,7 @@ public:
     virtual void Finish() = 0;
 };
 
-// Opens a destination for a run, alone: "sqlite:FILE" or a plain path. What it lacks is made.
+// Opens a destination for a run, alone; see ParseDestination for its name. What it lacks is made.
 // Throws DestinationError.
 std::unique_ptr<Destination> OpenDestination(const std::string& name, const Waiting& waiting);
 

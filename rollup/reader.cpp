@@ -79,6 +79,11 @@ void ReadInto(FileRead& file, const std::filesystem::path& path, const std::stri
 
 }  // namespace
 
+std::string FileIdOf(const std::filesystem::path& path) {
+    season::HeldFile held(path);
+    return HashOf(held).substr(0, kFileIdDigits);
+}
+
 std::string PathText(const std::filesystem::path& path) {
     const std::u8string stored = path.u8string();
     const std::string bytes(stored.begin(), stored.end());

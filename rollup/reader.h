@@ -14,6 +14,9 @@ std::string PathText(const std::filesystem::path& path);
 // The way back.
 std::filesystem::path PathOfText(const std::string& text);
 
+// What names the contents of a data file in a roll-up. Throws season::Refused.
+std::string FileIdOf(const std::filesystem::path& path);
+
 // What was found at a path.
 struct FileRead {
     FileRow row;  // its status is kRead or kRefused

@@ -83,10 +83,11 @@ FROM years WHERE previous_year < year)";
 
 // The distance from the median of the logarithms of all amounts of one sign, resource and FIL, in
 // deviations that are comparable to a standard deviation.
-constexpr std::string_view kOutliers = R"(
+constexpr std::string_view kDistances = R"(
 WITH amounts AS (
     SELECT file_id, unit, state, year, zone, zone_name, location, resource, resource_name, fil,
-           value, value < 0 AS loss, LOG10(ABS(value)) AS x
+           value, value < 0 AS loss, LOG10(ABS(value)) AS x,
+           COUNT(*) OVER (PARTITION BY resource, fil, value < 0, file_id) AS own
     FROM nvc_values WHERE value <> 0),
 ranked AS (
     SELECT resource, fil, loss, x,
@@ -108,15 +109,19 @@ spreads AS (
     FROM distances WHERE 2 * place BETWEEN n AND n + 2
     GROUP BY resource, fil, loss)
 SELECT a.file_id, a.unit, a.state, a.year, a.zone, a.zone_name, a.location, a.resource,
-       a.resource_name, a.fil, a.value, ABS(a.x - m.median) / s.deviation AS distance
+       a.resource_name, a.fil, a.value, m.n - a.own AS others,
+       ABS(a.x - m.median) / s.deviation AS distance
 FROM amounts a
 JOIN middles m ON m.resource = a.resource AND m.fil = a.fil AND m.loss = a.loss
 JOIN spreads s ON s.resource = a.resource AND s.fil = a.fil AND s.loss = a.loss
-WHERE m.n > 20 AND s.deviation > 0 AND ABS(a.x - m.median) > 5 * s.deviation)";
+WHERE s.deviation > 0)";
+
+constexpr std::string_view kOutliers = R"(
+SELECT * FROM nvc_distances WHERE others >= 20 AND distance > 5)";
 
 constexpr std::array kViews{
     View{"nvc_values", kValues}, View{"nvc_totals", kTotals}, View{"cost_classes", kCostClasses},
-    View{"nvc_changes", kChanges}, View{"nvc_outliers", kOutliers}};
+    View{"nvc_changes", kChanges}, View{"nvc_distances", kDistances}, View{"nvc_outliers", kOutliers}};
 
 }  // namespace
 

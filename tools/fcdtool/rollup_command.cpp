@@ -92,6 +92,8 @@ const Command& RollupCommand() {
         "tried again the next time.\n\n"
         "  --to DEST         where the figures go:\n"
         "                    sqlite:FILE            a file of SQLite\n"
+        "                    postgresql:CONNECTION  a database of PostgreSQL, as libpq names it\n"
+        "                    csv:DIR                a folder of compressed CSV files by year\n"
         "  --jobs N          so many files are read at once; else as many as there are cores\n"
         "  --prune           also removes what came from files that are gone",
         {{"--to", true}, {"--jobs", true}, {"--prune"}},
