@@ -5,6 +5,7 @@
 #include "review/check.h"
 #include "review/rules.h"
 #include "season/data_file.h"
+#include "tools/fcdtool/against.h"
 #include "tools/fcdtool/command.h"
 #include "tools/fcdtool/files.h"
 #include "tools/fcdtool/output.h"
@@ -42,13 +43,12 @@ std::string Help() {
         "named with the reason, and the others go on.\n\n"
         "  --json            one JSON object a line\n"
         "  --previous OLD    also names zones whose figures are those of last year's file\n"
+        "  --against ROLLUP  also names values that are far from those of other files; ROLLUP is\n"
+        "                    what rollup --to takes\n"
         "  --ignore RULE,... leaves these rules out\n\n"
         "Rules:\n";
     constexpr std::size_t kWidth = 24;
     for (const review::Rule& rule : review::Rules()) {
-        if (rule.look == review::Outlier) {
-            continue;  // it needs the figures of other files, which nothing here gives it
-        }
         std::string name(rule.name);
         name.resize(kWidth, ' ');
         help += "  " + name + std::string(rule.summary) + "\n";
@@ -66,13 +66,15 @@ int RunCheck(const Arguments& arguments) {
     if (arguments.Has("--previous")) {
         previous = ReadFile(arguments.Required("--previous"));
     }
+    const auto elsewhere = ReadAgainst(arguments);
     bool anything = false;
     std::size_t read = 0;
     Progress progress(arguments.Rest().size(), "files");
     for (const std::string& file : arguments.Rest()) {
         try {
             const season::Season season = season::Read(PathOf(file));
-            const review::Subject subject{season, previous ? &*previous : nullptr, nullptr};
+            const auto others = elsewhere ? std::make_unique<Others>(*elsewhere, file) : nullptr;
+            const review::Subject subject{season, previous ? &*previous : nullptr, others.get()};
             anything |= SayFindings(file, review::Check(subject, ignored), arguments.Has("--json"));
             progress.Step(season::CountRows(season));
             ++read;
@@ -91,12 +93,13 @@ int RunCheck(const Arguments& arguments) {
 
 const Command& CheckCommand() {
     static const std::string help = Help();
-    static const Command command{"check",
-                                 "FILE... [--json] [--previous OLD] [--ignore RULE,...]",
-                                 "Finds what seems wrong or missing in data files.",
-                                 help,
-                                 {{"--json"}, {"--previous", true}, {"--ignore", true}},
-                                 RunCheck};
+    static const Command command{
+        "check",
+        "FILE... [--json] [--previous OLD] [--against ROLLUP] [--ignore RULE,...]",
+        "Finds what seems wrong or missing in data files.",
+        help,
+        {{"--json"}, {"--previous", true}, {"--against", true}, {"--ignore", true}},
+        RunCheck};
     return command;
 }
 

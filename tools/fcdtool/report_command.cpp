@@ -10,6 +10,7 @@
 #include "review/html.h"
 #include "review/report.h"
 #include "season/text.h"
+#include "tools/fcdtool/against.h"
 #include "tools/fcdtool/command.h"
 #include "tools/fcdtool/files.h"
 #include "tools/fcdtool/late_library.h"
@@ -91,10 +92,12 @@ int RunReport(const Arguments& arguments) {
         previous = ReadFile(sources.back());
     }
     const season::Season* const older = previous ? &*previous : nullptr;
+    const auto elsewhere = ReadAgainst(arguments);
+    const auto others = elsewhere ? std::make_unique<Others>(*elsewhere, file) : nullptr;
     const review::Document report =
         review::ReportOf({.season = season,
                           .previous = older,
-                          .findings = review::Check({season, older, nullptr}),
+                          .findings = review::Check({season, older, others.get()}),
                           .date = Today()});
     SaveFile(target, sources, toPdf ? PdfOf(report, isLetter) : review::HtmlOf(report));
     return kNothing;
@@ -105,15 +108,17 @@ int RunReport(const Arguments& arguments) {
 const Command& ReportCommand() {
     static const Command command{
         "report",
-        "FILE --to OUT.pdf|OUT.html [--previous OLD] [--paper A4|Letter]",
+        "FILE --to OUT.pdf|OUT.html [--previous OLD] [--against ROLLUP] [--paper A4|Letter]",
         "Writes a report to read, print and hand in.",
         "Goals, resources, and a page for each zone with its tables and charts, and the findings\n"
         "of check. One file that needs nothing else; a file that is there is replaced.\n\n"
         "  --to OUT.pdf      the report as PDF, with bookmarks\n"
         "  --to OUT.html     the report as a page for browsers\n"
         "  --previous OLD    adds the differences from last year's file\n"
+        "  --against ROLLUP  adds values that are far from those of other files; ROLLUP is what\n"
+        "                    rollup --to takes\n"
         "  --paper A4|Letter the paper of the PDF; the one that is usual in your country",
-        {{"--to", true}, {"--previous", true}, {"--paper", true}},
+        {{"--to", true}, {"--previous", true}, {"--against", true}, {"--paper", true}},
         RunReport};
     return command;
 }
