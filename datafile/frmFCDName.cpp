@@ -70,6 +70,7 @@ void frmFCDName::SetupGrid() {
     grdUnits_->SetColWidth(kNameColumn, kNameWidth);
     grdUnits_->SetColWidth(kIDColumn, kCodeWidth);
     grdUnits_->SetColWidth(kStateColumn, kCodeWidth);
+    grdUnits_->SetColFills(kNameColumn);
     ShowUnits({});
 }
 

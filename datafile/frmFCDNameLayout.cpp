@@ -140,8 +140,8 @@ void frmFCDName::LayOutControls() {
     columns->setSpacing(kWideSpace);
     columns->addLayout(LayOutQuestions(), 1);
     Panel3D1_->setLayout(LayOutFinder());
-    // Large letters take what room there is for questions and names alike; names scroll in it.
-    columns->addWidget(Panel3D1_, platform::FontScale(font()) > 1 ? 1 : 0);
+    // What room there is goes to questions and names alike; long names then need not be cut.
+    columns->addWidget(Panel3D1_, 1);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -6,13 +6,12 @@
 #include <QItemSelectionModel>
 #include <QPainter>
 #include <QToolTip>
+#include <algorithm>
 
+#include "platform/controls/FlexGridModel.h"
 #include "platform/controls/FlexGridPaint.h"
-#include "platform/text/Numbers.h"
 
 namespace {
-
-constexpr int kLongestCode = 4;  // characters
 
 bool IsOneCell(const QAbstractItemView& view) {
     const QItemSelection selection = view.selectionModel()->selection();
@@ -31,61 +30,52 @@ int TextRoom(const QStyleOptionViewItem& cell) {
     return cell.rect.width() - 2 * margin - 1;
 }
 
+bool IsCut(const QStyleOptionViewItem& cell) {
+    return cell.fontMetrics.horizontalAdvance(cell.text) > TextRoom(cell);
+}
+
+QString FiguresForRoom(const QStyleOptionViewItem& cell) {
+    const int one = std::max(cell.fontMetrics.horizontalAdvance(u'#'), 1);
+    return QString(std::clamp(TextRoom(cell) / one, 1, 4), u'#');
+}
+
 }  // namespace
 
 FlexGridDelegate::FlexGridDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
 
-// The current cell is framed, so that it is told from the other cells of a selected block; where
-// the keyboard is elsewhere and it is all that is selected, the frame is all that shows.
+// The current cell is framed in the text's colour, which is plain to see on any palette and without
+// colours; where the keyboard is elsewhere and it is all that is selected, the frame is all that
+// shows.
 void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              const QModelIndex& index) const {
     const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
     const bool current = view != nullptr && view->currentIndex() == index;
     QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
     if (current && !view->hasFocus() && IsOneCell(*view)) {
         cell.state &= ~QStyle::State_Selected;
         // The table has coloured the selected cell already.
         painter->fillRect(cell.rect, cell.palette.brush(QPalette::Base));
     }
+    const bool selected = (cell.state & QStyle::State_Selected) != 0;
     const bool marked = IsMarked(index);
-    if (marked && (cell.state & QStyle::State_Selected) == 0) {
+    if (marked && !selected) {
         cell.backgroundBrush = FlexGridPaint::MarkGround(cell.palette);
         painter->fillRect(cell.rect, cell.backgroundBrush);
     }
-    QStyledItemDelegate::paint(painter, cell, index);
-    if (marked) {
-        QPalette palette = cell.palette;
-        if ((cell.state & QStyle::State_Selected) != 0) {
-            palette.setColor(QPalette::Text, palette.color(QPalette::HighlightedText));
-        }
-        FlexGridPaint::DrawMark(*painter, cell.rect, palette);
+    if (IsCut(cell) && index.data(FlexGridModel::kFigureRole).toBool()) {
+        cell.text = FiguresForRoom(cell);
     }
-    painter->save();
+    cell.state &= ~QStyle::State_HasFocus;
+    cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+    if (marked) {
+        FlexGridPaint::DrawMark(*painter, cell.rect, cell.palette, selected);
+    }
     FlexGridPaint::DrawEdges(
         *painter, cell.rect,
         FlexGridPaint::LineColor(cell.palette, QPalette::Base, QPalette::Text));
-    painter->restore();
-    if (!current) {
-        return;
-    }
-    const bool selected = (cell.state & QStyle::State_Selected) != 0;
-    painter->save();
-    painter->setPen(
-        QPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Highlight), 1,
-             selected ? Qt::DotLine : Qt::SolidLine));
-    painter->drawRect(cell.rect.adjusted(0, 0, -2, -2));
-    painter->restore();
-}
-
-// A number or a code cut short would be another one: it is set smaller instead.
-void FlexGridDelegate::initStyleOption(QStyleOptionViewItem* option,
-                                       const QModelIndex& index) const {
-    QStyledItemDelegate::initStyleOption(option, index);
-    const QString text = index.data(Qt::EditRole).toString();
-    if (text.size() <= kLongestCode || platform::IsPlainNumber(text)) {
-        const int room = TextRoom(*option);
-        option->font = FlexGridPaint::FittingFont(option->font, {option->text}, room);
-        option->fontMetrics = QFontMetrics(option->font);
+    if (current) {
+        FlexGridPaint::DrawCurrent(*painter, cell.rect, cell.palette, view->hasFocus());
     }
 }
 
@@ -97,12 +87,17 @@ bool FlexGridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     const QString note = index.data(Qt::AccessibleDescriptionRole).toString();
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
+    QStringList lines;
+    if (IsCut(cell)) {
+        lines += cell.text.toHtmlEscaped();
+    }
     if (!note.isEmpty()) {
-        QToolTip::showText(event->globalPos(), note.toHtmlEscaped(), view);
-    } else if (cell.fontMetrics.horizontalAdvance(cell.text) > TextRoom(cell)) {
-        QToolTip::showText(event->globalPos(), cell.text.toHtmlEscaped(), view);
-    } else {
+        lines += note.toHtmlEscaped();
+    }
+    if (lines.isEmpty()) {
         QToolTip::hideText();
+    } else {
+        QToolTip::showText(event->globalPos(), lines.join(QStringLiteral("<br>")), view);
     }
     return true;
 }

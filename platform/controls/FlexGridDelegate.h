@@ -1,4 +1,5 @@
-// How a grid's cells are drawn: texts that do not fit are cut and shown whole in a tool tip.
+// How a grid's cells are drawn. Of a text that does not fit the beginning shows, with an ellipsis;
+// a figure, which would be another one then, shows as ####. The tool tip shows both whole.
 #pragma once
 
 #include <QStyledItemDelegate>
@@ -7,13 +8,13 @@ class FlexGridDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
 public:
+    // What a cell needs beside its text; pixels.
+    static constexpr int kMargins = 10;
+
     explicit FlexGridDelegate(QObject* parent);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 };

@@ -67,7 +67,7 @@ FlexGridEditor::FlexGridEditor(QWidget* parent)
     : QLineEdit(parent), limit_(new FlexGridLimit(this)) {
     setValidator(limit_);
     setFrame(false);
-    setTextMargins(1, 0, 0, 0);  // where the cell shows it
+    setTextMargins(1, 0, 1, 0);  // where the cell shows it
     connect(this, &QLineEdit::textEdited, this, &FlexGridEditor::OnTextEdited);
 }
 
@@ -101,6 +101,28 @@ void FlexGridEditor::PutCaret(int position) {
     deselect();
     setCursorPosition(position);
     caret_ = true;
+}
+
+int FlexGridEditor::RoomForText() const {
+    constexpr int kBesideText = 8;  // the box's own margins and the caret
+    return fontMetrics().horizontalAdvance(text()) + kBesideText;
+}
+
+// It grows away from the side on which the text begins to show.
+void FlexGridEditor::LieOver(const QRect& cell, const QRect& room) {
+    const int missing =
+        std::clamp(RoomForText() - cell.width(), 0, std::max(room.width() - cell.width(), 0));
+    const int roomLeft = std::max(cell.left() - room.left(), 0);
+    const int roomRight = std::max(room.right() - cell.right(), 0);
+    const bool toLeft = (alignment() & Qt::AlignRight) != 0;
+    const int left = std::min(toLeft ? missing : std::max(missing - roomRight, 0), roomLeft);
+    const QRect place = cell.adjusted(-left, 0, std::min(missing - left, roomRight), 0);
+    own_ = cell.translated(-place.topLeft());
+    setGeometry(place);
+}
+
+bool FlexGridEditor::IsMine(const QMouseEvent& event) const {
+    return caret_ && own_.contains(event.pos());
 }
 
 void FlexGridEditor::SetNote(const QString& note) {
@@ -161,7 +183,7 @@ void FlexGridEditor::focusOutEvent(QFocusEvent* event) {
 
 // What is left alone here goes on to the grid below.
 void FlexGridEditor::mousePressEvent(QMouseEvent* event) {
-    if (!caret_ || event->button() != Qt::LeftButton) {
+    if (!IsMine(*event) || event->button() != Qt::LeftButton) {
         event->ignore();
         return;
     }
@@ -187,7 +209,7 @@ void FlexGridEditor::mouseReleaseEvent(QMouseEvent* event) {
 // A line edit would select one word here, and take the next click for the third of a row: what is
 // typed then would run into the rest of the old number.
 void FlexGridEditor::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (!caret_ || event->button() != Qt::LeftButton) {
+    if (!IsMine(*event) || event->button() != Qt::LeftButton) {
         event->ignore();
         return;
     }
@@ -215,10 +237,9 @@ void FlexGridEditor::dropEvent(QDropEvent* event) {
 void FlexGridEditor::paintEvent(QPaintEvent* event) {
     QLineEdit::paintEvent(event);
     QPainter painter(this);
-    painter.setPen(palette().color(QPalette::Highlight));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    FlexGridPaint::DrawCurrent(painter, rect().adjusted(0, 0, 1, 1), palette(), true);
     if (!accessibleDescription().isEmpty()) {
-        FlexGridPaint::DrawMark(painter, rect(), palette());
+        FlexGridPaint::DrawMark(painter, rect().adjusted(2, 2, -1, -1), palette(), false);
     }
 }
 

@@ -29,6 +29,11 @@ public:
     void PutCaret(int position);
     void SelectWhole();
     [[nodiscard]] bool HasCaret() const { return caret_; }
+    // The width with which the whole text shows; pixels.
+    [[nodiscard]] int RoomForText() const;
+    // Lies over `cell`, and over its neighbours as far as `room` when the text needs it. The mouse
+    // in that part is the grid's: a click there is meant for the neighbour.
+    void LieOver(const QRect& cell, const QRect& room);
     // What is said about the text that is being typed; empty when all is well.
     void SetNote(const QString& note);
     // Whether a key that was pressed here is still down, so that its release will follow.
@@ -57,9 +62,11 @@ protected:
 private:
     void OnTextEdited();
     void SetMaxLength(const QString& text, int longest);
+    [[nodiscard]] bool IsMine(const QMouseEvent& event) const;
 
     std::function<bool(QKeyEvent*)> taker_;
     QSet<int> down_;
     FlexGridLimit* limit_ = nullptr;
     bool caret_ = false;
+    QRect own_;  // the part that lies over the edited cell
 };

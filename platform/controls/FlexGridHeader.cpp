@@ -16,7 +16,6 @@ namespace {
 
 constexpr int kPadding = 4;
 constexpr int kMargin = kPadding / 2;
-constexpr double kStillReadable = 0.8;  // of the font's size
 
 QStringList Lines(QString text) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
@@ -214,12 +213,12 @@ int FlexGridHeader::TextRoom(const Block& block) const {
     return width - 2 * kMargin - 1;
 }
 
-// A heading that would have to be set in small letters is broken into more lines instead.
+// A heading that is wider than its columns is broken into more lines.
 QStringList FlexGridHeader::BlockLines(const Block& block) const {
     QStringList lines;
     const int room = TextRoom(block);
     for (const QString& line : Lines(model_.Text(block.top, block.left))) {
-        if (fontMetrics().horizontalAdvance(line) * kStillReadable <= room) {
+        if (fontMetrics().horizontalAdvance(line) <= room) {
             lines += line;
         } else {
             lines += BrokenAtBlanks(line, fontMetrics(), room);
@@ -228,13 +227,9 @@ QStringList FlexGridHeader::BlockLines(const Block& block) const {
     return lines;
 }
 
-QFont FlexGridHeader::FittingFont(const Block& block) const {
-    return FlexGridPaint::FittingFont(font(), BlockLines(block), TextRoom(block));
-}
-
 QStringList FlexGridHeader::ShownLines(const Block& block) const {
     QStringList shown;
-    const QFontMetrics metrics(FittingFont(block));
+    const QFontMetrics metrics = fontMetrics();
     for (const QString& line : BlockLines(block)) {
         shown += metrics.elidedText(line, Qt::ElideRight, TextRoom(block) + 1);
     }
@@ -252,7 +247,7 @@ void FlexGridHeader::PaintBlock(QPainter& painter, const Block& block) const {
         painter, option.rect,
         FlexGridPaint::LineColor(palette(), QPalette::Button, QPalette::ButtonText));
     const Qt::Alignment alignment = model_.Column(block.left).fixedAlignment;
-    painter.setFont(FittingFont(block));
+    painter.setFont(font());
     style()->drawItemText(&painter, option.rect.adjusted(kMargin, 0, -kMargin, 0),
                           static_cast<int>(alignment), palette(), isEnabled(),
                           ShownLines(block).join(u'\n'), QPalette::ButtonText);

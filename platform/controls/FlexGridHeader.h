@@ -43,7 +43,6 @@ private:
     [[nodiscard]] int TextRoom(const Block& block) const;
     [[nodiscard]] QStringList BlockLines(const Block& block) const;
     [[nodiscard]] std::vector<int> RowHeights() const;
-    [[nodiscard]] QFont FittingFont(const Block& block) const;
     [[nodiscard]] QStringList ShownLines(const Block& block) const;
     void PaintBlock(QPainter& painter, const Block& block) const;
 

@@ -294,6 +294,9 @@ QVariant FlexGridModel::data(const QModelIndex& index, int role) const {
         }
         case Qt::AccessibleDescriptionRole:
             return Note(row, index.column());
+        case kFigureRole:
+            return Column(index.column()).number ||
+                   platform::IsPlainNumber(Text(row, index.column()));
         default:
             return {};
     }

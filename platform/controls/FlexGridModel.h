@@ -22,6 +22,9 @@ struct FlexGridColumn {
     Qt::Alignment fixedAlignment = Qt::AlignCenter;
     QString format;
     bool number = false;
+    bool byUser = false;     // the user set the width
+    int given = 0;           // pixels that something outside the grid needs
+    int room = 0;            // pixels that the longest figure needs
     QString accessibleName;  // of a column without a heading
 };
 
@@ -29,6 +32,9 @@ class FlexGridModel : public QAbstractTableModel {
     Q_OBJECT
 
 public:
+    // Whether a cell shows a figure, of which a part would be another figure.
+    static constexpr int kFigureRole = Qt::UserRole;
+
     explicit FlexGridModel(QObject* parent);
 
     [[nodiscard]] int Rows() const { return static_cast<int>(rows_.size()); }

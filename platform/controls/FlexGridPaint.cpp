@@ -1,21 +1,26 @@
 #include "platform/controls/FlexGridPaint.h"
 
-#include <QFontInfo>
-#include <QFontMetrics>
 #include <QPainter>
 #include <QPolygon>
-#include <algorithm>
+#include <QRegion>
 
 namespace FlexGridPaint {
 namespace {
 
-constexpr double kSmallestScale = 0.4;
-constexpr int kMiddle = 128;    // of the lightness
-constexpr int kCorner = 6;      // pixels
-constexpr double kStep = 0.25;  // points
+constexpr int kMiddle = 128;  // of the lightness
+constexpr int kCorner = 6;    // pixels
+constexpr int kThick = 2;
 
 int Mix(int ground, int text) {
     return (3 * ground + text) / 4;
+}
+
+// Filled rather than drawn with a pen, whose lines are not as thick on every screen.
+void DrawRing(QPainter& painter, const QRect& rect, int thick, const QColor& color) {
+    const QRect inner = rect.adjusted(thick, thick, -thick, -thick);
+    for (const QRect& side : QRegion(rect).subtracted(inner)) {
+        painter.fillRect(side, color);
+    }
 }
 
 }  // namespace
@@ -25,22 +30,6 @@ QColor LineColor(const QPalette& palette, QPalette::ColorRole ground, QPalette::
     const QColor above = palette.color(text);
     return {Mix(below.red(), above.red()), Mix(below.green(), above.green()),
             Mix(below.blue(), above.blue())};
-}
-
-QFont FittingFont(const QFont& font, const QStringList& lines, int room) {
-    const auto fits = [&](const QFont& candidate) {
-        const QFontMetrics metrics(candidate);
-        return std::all_of(lines.begin(), lines.end(), [&](const QString& line) {
-            return metrics.horizontalAdvance(line) <= room;
-        });
-    };
-    QFont fitting = font;
-    const double full = QFontInfo(font).pointSizeF();
-    for (double size = full - kStep; !fits(fitting) && size >= full * kSmallestScale;
-         size -= kStep) {
-        fitting.setPointSizeF(size);
-    }
-    return fitting;
 }
 
 void DrawEdges(QPainter& painter, const QRect& rect, const QColor& color) {
@@ -56,8 +45,8 @@ QColor MarkGround(const QPalette& palette) {
 }
 
 // The frame has the text's colour, which stands out from the ground whatever the palette.
-void DrawMark(QPainter& painter, const QRect& rect, const QPalette& palette) {
-    const QColor color = palette.color(QPalette::Text);
+void DrawMark(QPainter& painter, const QRect& rect, const QPalette& palette, bool selected) {
+    const QColor color = palette.color(selected ? QPalette::HighlightedText : QPalette::Text);
     const QRect frame = rect.adjusted(1, 1, -2, -2);
     painter.save();
     painter.setPen(QPen(color, 1, Qt::DashLine));
@@ -69,6 +58,16 @@ void DrawMark(QPainter& painter, const QRect& rect, const QPalette& palette) {
     painter.setBrush(color);
     painter.drawPolygon(corner);
     painter.restore();
+}
+
+// The thin line within has the ground's colour, so that the frame stands out from a selected cell
+// too, whatever colour that has.
+void DrawCurrent(QPainter& painter, const QRect& rect, const QPalette& palette, bool keyboard) {
+    const int thick = keyboard ? kThick : 1;
+    const QRect outer = rect.adjusted(0, 0, -1, -1);
+    DrawRing(painter, outer, thick, palette.color(QPalette::Text));
+    DrawRing(painter, outer.adjusted(thick, thick, -thick, -thick), 1,
+             palette.color(QPalette::Base));
 }
 
 }  // namespace FlexGridPaint

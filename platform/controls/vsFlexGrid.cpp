@@ -1,7 +1,6 @@
 // The grid's shape, cells and columns. Editing and keys are in the files beside this one.
 #include "platform/controls/vsFlexGrid.h"
 
-#include <QEvent>
 #include <QHeaderView>
 #include <QScrollBar>
 #include <algorithm>
@@ -9,12 +8,9 @@
 #include "platform/RuntimeError.h"
 #include "platform/controls/FlexGridDelegate.h"
 #include "platform/controls/vsFlexGridImpl.h"
-#include "platform/system/Host.h"
 #include "platform/text/Numbers.h"
 
 namespace {
-
-constexpr int kCellPadding = 4;
 
 [[noreturn]] void ThrowSubscript() {
     throw platform::RuntimeError(platform::kSubscriptOutOfRange,
@@ -41,18 +37,21 @@ vsFlexGrid::vsFlexGrid(QWidget* parent) : QTableView(parent), impl_(std::make_un
     setVerticalScrollMode(ScrollPerPixel);
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    ApplyRowHeight();
+    ApplyFont();
     connect(impl_->header, &FlexGridHeader::Clicked, this, [this] {
         impl_->mouseRow = 0;
         emit Click();
     });
-    connect(impl_->header, &QHeaderView::sectionResized, this, [this](int col, int, int pixels) {
-        if (!impl_->sizing && !ColHidden(col)) {
-            impl_->model->Column(col).twips = platform::ToTwips(pixels);
-        }
-        PlaceEditor();
-        emit ColumnResized(col);
-    });
+    connect(impl_->header, &QHeaderView::sectionResized, this,
+            [this](int col, int, int pixels) { OnColumnResized(col, pixels); });
+    connect(impl_->model, &QAbstractItemModel::rowsInserted, this,
+            [this](const QModelIndex&, int first, int last) {
+                FitFigures(first + FixedRows(), last + FixedRows());
+            });
+    connect(impl_->model, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& last) {
+                FitFigures(first.row() + FixedRows(), last.row() + FixedRows());
+            });
     ConnectEditor();
 }
 
@@ -123,6 +122,7 @@ void vsFlexGrid::SetTextMatrix(int row, int col, const QString& text) {
         Editing() && impl_->edited.row() == row - FixedRows() && impl_->edited.column() == col;
     if (isEdited && impl_->editor->text() != text) {
         impl_->editor->Load(text, Longest(col));
+        PlaceEditor();
     }
 }
 
@@ -167,17 +167,6 @@ QString vsFlexGrid::CellName(int row, int col) const {
 
 void vsFlexGrid::SetRowNameColumn(int col) {
     impl_->model->SetRowNameColumn(col);
-}
-
-int vsFlexGrid::ColWidth(int col) const {
-    CheckCol(col);
-    return impl_->model->Column(col).twips;
-}
-
-void vsFlexGrid::SetColWidth(int col, int twips) {
-    CheckCol(col);
-    impl_->model->Column(col).twips = std::max(twips, 0);
-    ApplyColumn(col);
 }
 
 bool vsFlexGrid::ColHidden(int col) const {
@@ -297,22 +286,6 @@ void vsFlexGrid::Select(int row, int col) {
     MoveTo(row, col, false);
 }
 
-void vsFlexGrid::changeEvent(QEvent* event) {
-    QTableView::changeEvent(event);
-    if (event->type() == QEvent::FontChange && impl_ != nullptr) {
-        ApplyRowHeight();
-    }
-}
-
-QSize vsFlexGrid::minimumSizeHint() const {
-    constexpr int kLeastRows = 2;
-    const int headings =
-        horizontalHeader()->isVisibleTo(this) ? horizontalHeader()->sizeHint().height() : 0;
-    const int rows = kLeastRows * verticalHeader()->defaultSectionSize();
-    const QSize least = QTableView::minimumSizeHint();
-    return {least.width(), std::max(least.height(), headings + rows + 2 * frameWidth())};
-}
-
 void vsFlexGrid::updateGeometries() {
     QTableView::updateGeometries();
     PlaceEditor();
@@ -348,24 +321,4 @@ void vsFlexGrid::EnsureCurrent() {
     } else if (!impl_->anchor.isValid()) {
         impl_->anchor = currentIndex();
     }
-}
-
-void vsFlexGrid::ApplyColumn(int col) {
-    const FlexGridColumn& column = impl_->model->Column(col);
-    impl_->sizing = true;
-    setColumnHidden(col, column.hidden);
-    // Twips need not be whole pixels: the nearest are shown, the twips are kept.
-    constexpr int kHalf = platform::kTwipsPerPixel / 2;
-    if (!column.hidden) {
-        setColumnWidth(col, platform::ToPixels(column.twips + kHalf));
-    }
-    impl_->sizing = false;
-}
-
-void vsFlexGrid::ApplyRowHeight() {
-    const int height = fontMetrics().height() + 2 * kCellPadding;
-    verticalHeader()->setMinimumSectionSize(1);
-    verticalHeader()->setDefaultSectionSize(height);
-    verticalScrollBar()->setSingleStep(height);
-    horizontalScrollBar()->setSingleStep(2 * height);
 }

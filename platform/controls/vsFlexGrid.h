@@ -43,6 +43,7 @@
 #include <QStringList>
 #include <QTableView>
 #include <functional>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -99,8 +100,19 @@ public:
     void SetRowNameColumn(int col);
 
     // Columns.
+    // Widths hold for fonts of up to 10 points and grow with larger ones; a column of numbers also
+    // grows until its longest figure shows whole, unless the user has set its width. ColWidth is
+    // what was set.
     Q_INVOKABLE int ColWidth(int col) const;
     void SetColWidth(int col, int twips);
+    // What something outside the grid, such as a total below the column, needs at least; pixels.
+    void SetColRoom(int col, int pixels);
+    // Lets the column take what room the others leave, unless the user has set its width.
+    void SetColFills(int col);
+    // The widths, in twips, of the columns that the user has resized: to be kept while the form is
+    // unloaded and set again after the columns have been set up.
+    [[nodiscard]] std::map<int, int> WidthsByUser() const;
+    void SetWidthsByUser(const std::map<int, int>& widths);
     Q_INVOKABLE bool ColHidden(int col) const;
     void SetColHidden(int col, bool hidden);
     void SetColAlignment(int col, Qt::Alignment alignment);
@@ -131,6 +143,8 @@ public:
     void EditCell();
     void FinishEdit();
     [[nodiscard]] bool Editing() const;
+    // Whether something was typed into, pasted into or cut from the open editor.
+    [[nodiscard]] bool EditIsChanged() const;
     [[nodiscard]] QString EditText() const;
     void SetEditText(const QString& text);
     [[nodiscard]] QString EditSelText() const;
@@ -180,6 +194,7 @@ signals:
     // The table refused a text; the sentence says why and names the cell.
     void Refused(int row, int col, const QString& sentence);
     void ColumnResized(int col);
+    void WidthSetByUser();
     void Click();  // a mouse click on any cell; Row and Col tell which (header cells leave them)
 
 protected:
@@ -194,6 +209,7 @@ protected:
     void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
+    void resizeEvent(QResizeEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
 protected slots:
@@ -207,7 +223,13 @@ private:
     void CheckCol(int col) const;
     void EnsureCurrent();
     void ApplyColumn(int col);
-    void ApplyRowHeight();
+    void ApplyFont();
+    void OnColumnResized(int col, int pixels);
+    [[nodiscard]] int PixelsOf(int col) const;
+    void FillRoom();
+    [[nodiscard]] int RoomLeft() const;
+    void FitFigures(int first, int last);
+    [[nodiscard]] int RoomOfFigure(int row, int col) const;
     void ConnectEditor();
 
     bool MoveTo(int row, int col, bool extend);

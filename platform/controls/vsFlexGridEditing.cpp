@@ -109,6 +109,10 @@ bool vsFlexGrid::Editing() const {
     return impl_->edited.isValid();
 }
 
+bool vsFlexGrid::EditIsChanged() const {
+    return Editing() && impl_->edit.IsChanged();
+}
+
 QString vsFlexGrid::EditText() const {
     return Editing() ? impl_->editor->text() : QString();
 }
@@ -134,7 +138,8 @@ void vsFlexGrid::SetEditMaxLength(int characters) {
 void vsFlexGrid::PlaceEditor() {
     if (impl_ != nullptr && Editing()) {
         // Inside the grid lines.
-        impl_->editor->setGeometry(visualRect(impl_->edited).adjusted(0, 0, -1, -1));
+        impl_->editor->LieOver(visualRect(impl_->edited).adjusted(0, 0, -1, -1),
+                               viewport()->rect());
     }
 }
 
@@ -145,6 +150,7 @@ void vsFlexGrid::OnEdited() {
     if (impl_->edit.Change()) {
         BeginAction(tr("Typing"));
     }
+    PlaceEditor();
     emit ChangeEdit();
     TellNote();
     if (Editing() && !impl_->editor->KeyIsDown()) {

@@ -33,8 +33,11 @@ public:
     bool pressed = false;           // the left mouse button went down in a cell
     int quiet = 0;                  // the program is changing rows: no EnterCell
     bool sizing = false;            // the program is setting widths
-    bool inAction = false;          // the table has been told of an action that has not ended
-    bool offering = false;          // the table is being offered a text
+    double scale = 1;               // of sizes that are given in twips
+    int digitWidth = 8;
+    int fills = -1;         // the column that takes what room is left
+    bool inAction = false;  // the table has been told of an action that has not ended
+    bool offering = false;  // the table is being offered a text
 
     struct Notes {
         QString told;                        // what became of the last action, if not as typed

@@ -91,11 +91,14 @@ GridTable::Answer vsFlexGrid::OfferEdit() {
     return answer;
 }
 
-// The row is the grid's. Other cells may show something else afterwards.
+// The row is the grid's. What else shows something new afterwards, the table's owner announces.
 GridTable::Answer vsFlexGrid::Offer(int row, int col, const QString& text) {
     const QScopedValueRollback offering(impl_->offering, true);
+    const QPersistentModelIndex cell = impl_->model->index(row - FixedRows(), col);
     const GridTable::Answer answer = Table()->Offer(impl_->model->TableRow(row), col, text);
-    viewport()->update();
+    if (cell.isValid()) {
+        impl_->model->RowsChanged(cell.row() + FixedRows(), cell.row() + FixedRows());
+    }
     return answer;
 }
 

@@ -8,8 +8,9 @@
 
 namespace platform {
 
-// The leading number of a text. This is the one rule by which a number that was typed or pasted is
-// read, in every grid and dialog; what is stored is what it gives.
+// The leading number of a text. This is the one rule by which a number that was typed is read in
+// every grid and dialog (CDbl below tells of the two that are refused instead where they are no
+// number as a whole); what is stored is what it gives.
 //
 // Blanks, tabs and line ends are passed over wherever they stand. Then a sign, digits, one decimal
 // point with digits behind it, and an exponent (E or D) are taken as far as they go; whatever
@@ -55,7 +56,8 @@ double Val(const QString& text);
 bool IsPlainNumber(const QString& text);
 
 // The whole text as a number, thousands separators and a currency sign allowed; kTypeMismatch when
-// it is not one.
+// it is not one. For the two texts that are taken whole or refused with a sentence: the place of a
+// resource, and a cost that is pasted into the dialog that adds one.
 double CDbl(const QString& text);
 float CSng(const QString& text);
 // The nearest whole number, halves to the even neighbour; kOverflow outside 32 bits.

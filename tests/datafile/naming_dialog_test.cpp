@@ -370,4 +370,19 @@ TEST(NamingDialog, Load_WithoutUnitNames_SaysSoAndEnds) {
     EXPECT_TRUE(UIMode::NotBusy());
 }
 
+TEST_F(NamingDialogTest, NamesTakeTheRoomThatIsFree) {
+    const auto used = [this] {
+        int width = 0;
+        for (int col = 0; col < 3; ++col) {
+            width += Grid()->columnWidth(col);
+        }
+        return width;
+    };
+    EXPECT_EQ(used(), Grid()->viewport()->width());
+    dialog_->resize(dialog_->width() + 300, dialog_->height());
+    EXPECT_EQ(used(), Grid()->viewport()->width());
+    EXPECT_GT(Grid()->columnWidth(0), 216 + 100);
+    EXPECT_EQ(Grid()->ColWidth(0), 3240);
+}
+
 }  // namespace

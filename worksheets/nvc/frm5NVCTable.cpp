@@ -345,6 +345,7 @@ void frm5NVCTable::ShowTotal(int level, double total) {
     SSPanel& panel = totals_->Panel(level);
     panel.SetCaption(NVCTotals::Text(total));
     panel.setToolTip(panel.Caption());
+    grdNVC_->SetColRoom(level, panel.sizeHint().width());
 }
 
 void frm5NVCTable::grdNVC_EnterCell() {
