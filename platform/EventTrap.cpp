@@ -52,7 +52,8 @@ void ReportTo(const Report& report) noexcept {
 }  // namespace
 
 QString Report::Sentence() const {
-    return subject.isEmpty() ? description : subject + QStringLiteral(": ") + description;
+    const bool isNamed = subject.isEmpty() || description.startsWith(subject);
+    return isNamed ? description : subject + QStringLiteral(": ") + description;
 }
 
 void Install(Hooks newHooks) {

@@ -10,7 +10,11 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include <map>
+#include <utility>
+
 #include "base/u91Trace.h"
+#include "datafile/PrepDatatables.h"
 #include "platform/EventTrap.h"
 #include "platform/controls/FontScale.h"
 #include "platform/controls/ScrolledPage.h"
@@ -25,6 +29,16 @@ constexpr int kSpacing = 8;
 constexpr int kColumnWidth = 980;  // beyond it, lines are too long to read and boxes to oversee
 constexpr int kMostOfTheRoom = 1000;
 constexpr double kTitleScale = 1.35;
+
+// By column, in twips; forgotten with the file.
+std::map<int, int>& WidthsInFile(const QString& worksheetID) {
+    static std::map<QString, std::map<int, int>> widths;
+    static int opening = 0;
+    if (std::exchange(opening, PrepDatatables::Openings()) != PrepDatatables::Openings()) {
+        widths.clear();
+    }
+    return widths[worksheetID];
+}
 
 }  // namespace
 
@@ -86,19 +100,29 @@ void WorksheetPage::AddStepKeys(ChoiceBox& box, const QKeySequence& previous,
     add(next, 1);
 }
 
+void WorksheetPage::KeepWidths(vsFlexGrid& grid) {
+    const QString id = QString::fromLatin1(identity_.id);
+    grid.SetWidthsByUser(WidthsInFile(id));
+    connect(&grid, &vsFlexGrid::WidthSetByUser, this,
+            [id, &grid] { WidthsInFile(id) = grid.WidthsByUser(); });
+}
+
 undo::History& WorksheetPage::History() const {
     return undo::HistoryOf(QString::fromLatin1(identity_.id));
 }
 
 void WorksheetPage::Undo() {
     u91Trace::Procedure(QStringLiteral("WorksheetPage.Undo"));
-    EndOpenEdit();
+    const int done = History().Done();
+    if (EndOpenEdit() && History().Done() == done) {
+        return;
+    }
     History().Undo(*this);
 }
 
 void WorksheetPage::Redo() {
     u91Trace::Procedure(QStringLiteral("WorksheetPage.Redo"));
-    EndOpenEdit();
+    (void)EndOpenEdit();
     History().Redo(*this);
 }
 

@@ -17,6 +17,7 @@ class QHBoxLayout;
 class QKeySequence;
 class QLabel;
 class QVBoxLayout;
+class vsFlexGrid;
 
 class WorksheetPage : public QWidget, public Worksheet {
     Q_OBJECT
@@ -26,6 +27,7 @@ public:
 
     // What Ctrl+Z, and Ctrl+Y and Ctrl+Shift+Z, do wherever the keyboard is on the worksheet. An
     // edit that is open is ended first: what was changed in it is the action that is taken back.
+    // Where typing led to what was there before, or was refused, that is all that is taken back.
     void Undo();
     void Redo();
 
@@ -51,6 +53,10 @@ protected:
     // The page's title.
     void AddTitle(const QString& text);
 
+    // Gives a grid's columns, which have just been set up, the widths that the user gave them while
+    // this file was open, also on an earlier form, and keeps what the user sets from now on.
+    void KeepWidths(vsFlexGrid& grid);
+
     // The actions that were done on this worksheet since the file was opened.
     [[nodiscard]] undo::History& History() const;
     // Adds an action that has just been done (worksheets/undo/UndoHistory.h says what its two steps
@@ -65,8 +71,8 @@ protected:
     // While the box has it, `next` opens its list, as keys of a box do.
     void AddStepKeys(ChoiceBox& box, const QKeySequence& previous, const QKeySequence& next);
     // Ends an edit that is still open in a cell or a text box, as leaving it would: what was
-    // changed is added to the history.
-    virtual void EndOpenEdit() {}
+    // changed is added to the history. True when something was typed into it.
+    virtual bool EndOpenEdit() { return false; }
 
     void changeEvent(QEvent* event) override;
 

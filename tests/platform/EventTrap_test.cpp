@@ -72,6 +72,13 @@ TEST_F(EventTrapTest, Error_SaysWhatItIsAbout_AsWhoStandsNearestSaidIt) {
     EXPECT_EQ(reports_[0].description, "Disk full");
 }
 
+TEST(EventTrapReport, Sentence_NamesItsSubjectOnce) {
+    const platform::EventTrap::Report plain{"f", 3026, "Disk full", "North"};
+    EXPECT_EQ(plain.Sentence(), "North: Disk full");
+    const platform::EventTrap::Report named{"f", 6, "North cannot have 200 locations.", "North"};
+    EXPECT_EQ(named.Sentence(), "North cannot have 200 locations.");
+}
+
 TEST_F(EventTrapTest, Concerning_WithoutAnError_AsksForNoName) {
     EXPECT_EQ(platform::Concerning([]() -> QString { throw std::logic_error("asked"); },
                                    [] { return 7; }),

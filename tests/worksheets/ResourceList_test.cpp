@@ -263,7 +263,12 @@ TEST_F(ResourceListTest, Save_RowWithoutARecord_DoesNotKeepTheOthersFromBeingSav
     ResourceRecords::Delete(list_.At(1).key);
     Type(1, ResourceList::kName, QStringLiteral("gone"));
     Type(2, ResourceList::kName, QStringLiteral("kept"));
-    EXPECT_THROW(list_.Save(), platform::RuntimeError);
+    try {
+        list_.Save();
+        ADD_FAILURE() << "saved a row that has no record";
+    } catch (const platform::RuntimeError& error) {
+        EXPECT_EQ(error.Subject(), QStringLiteral("gone"));
+    }
     EXPECT_EQ(Stored(), QStringLiteral("kept2"));
 }
 

@@ -55,13 +55,15 @@ public:
     std::function<void()> before;
 
 protected:
-    void EndOpenEdit() override {
-        if (box_->isModified()) {
+    bool EndOpenEdit() override {
+        const bool typed = box_->isModified();
+        if (typed) {
             box_->setModified(false);
             const int by = box_->text().toInt() - number;
             number += by;
             Add(by);
         }
+        return typed;
     }
 
 private:

@@ -136,7 +136,12 @@ TEST_F(ZoneListTest, Save_RefusedRow_DoesNotKeepTheOthersFromBeingSaved) {
     Add(QStringLiteral("B"));
     Type(1, ZoneList::kLocations, QStringLiteral("150"));
     Type(2, ZoneList::kName, QStringLiteral("Renamed"));
-    EXPECT_THROW(list_.Save(), platform::RuntimeError);
+    try {
+        list_.Save();
+        ADD_FAILURE() << "saved locations among those of another zone";
+    } catch (const platform::RuntimeError& error) {
+        EXPECT_EQ(error.Subject(), QStringLiteral("A"));
+    }
     EXPECT_EQ(Stored()[0].locations, 1) << "its locations would lie among those of B";
     EXPECT_EQ(Stored()[1].name, QStringLiteral("Renamed"));
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), 28);

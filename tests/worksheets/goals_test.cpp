@@ -221,6 +221,7 @@ TEST_F(GoalsTest, TextThatCannotBeSaved_StaysWithItsArea) {
     List().setFocus();
     Press(Qt::Key_Down);
     ASSERT_EQ(errors_.size(), 1U);
+    EXPECT_EQ(errors_[0].subject, QStringLiteral("North"));
     EXPECT_EQ(List().currentRow(), 0) << "back to the area in the boxes";
     EXPECT_EQ(BodyBox().toPlainText(), QStringLiteral("typed n"));
     EXPECT_EQ(Body(2), QStringLiteral("s"));

@@ -402,6 +402,22 @@ TEST_F(NVCTest, OpenEdit_IsTakenBackFirst) {
     EXPECT_EQ(Total(1), QStringLiteral("$10"));
 }
 
+// Typing that ends where it began is all that is taken back, not the action before it as well.
+TEST_F(NVCTest, OpenEditThatChangesNothing_IsTakenBackAlone) {
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    Enter(grid, 1, 1, QStringLiteral("10"));
+    ClickCell(grid, 2, 1);
+    Type(QStringLiteral("0"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_FALSE(grid.Editing());
+    EXPECT_EQ(grid.TextMatrix(1, 1), QStringLiteral("10"));
+    // An editor into which nothing was typed is in nobody's way.
+    ClickCell(grid, 3, 1);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(1, 1), QStringLiteral("0"));
+}
+
 TEST_F(NVCTest, ActionOfAnotherLocation_IsShownWhenItIsTakenBack) {
     Load<frm5NVCTable>();
     vsFlexGrid& grid = Grid("grdNVC");

@@ -1,4 +1,5 @@
 // The list of suppression resources and the dialog that adds one.
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
@@ -537,6 +538,20 @@ TEST_F(ResourcesTest, RandomMovesAddsAndDeletes_LeaveOneToNInTheFileAsOnTheScree
     Leave();
     EXPECT_EQ(StoredNames(), expected);
     EXPECT_TRUE(errors_.empty());
+}
+
+TEST_F(ResourcesTest, WidthsSetByHand_StayWhileTheFileIsOpen) {
+    Load<frm3SRMaster>();
+    Grid("grdMasterList").horizontalHeader()->resizeSection(1, 300);
+    Leave();
+    Load<frm3SRMaster>();
+    EXPECT_EQ(Grid("grdMasterList").columnWidth(1), 300);
+    EXPECT_EQ(Grid("grdMasterList").columnWidth(2), 100);
+    Leave();
+    PrepDatafile::CloseDatafile();
+    OpenFile(NewFile(QStringLiteral("OTHER.FCD")));
+    Load<frm3SRMaster>();
+    EXPECT_EQ(Grid("grdMasterList").columnWidth(1), 240);
 }
 
 }  // namespace

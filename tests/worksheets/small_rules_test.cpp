@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/print.h"
+#include "worksheets/Subjects.h"
 #include "worksheets/goals/LineBreaks.h"
 #include "worksheets/nvc/NVCTotals.h"
 #include "worksheets/resources/KeyFilters.h"
@@ -69,6 +70,13 @@ TEST(NVCTotals, Losses_ShowTheMinusSignFirst) {
 TEST(NVCTotals, SumBeyondTheSingles_IsSaidSo) {
     const std::vector<float> huge(2, std::numeric_limits<float>::max());
     EXPECT_EQ(NVCTotals::Text(NVCTotals::Loaded(huge)), QStringLiteral("too large"));
+}
+
+TEST(SubjectsTest, NamesTheFirstAndCountsTheRest) {
+    EXPECT_EQ(Subjects::Of({"North"}), "North");
+    EXPECT_EQ(Subjects::Of({"North", " ", "South"}), "North, (no name), South");
+    EXPECT_EQ(Subjects::Of({"A", "B", "C", "D", "E"}), "A, B, C and 2 more");
+    EXPECT_EQ(Subjects::Of({}), QString());
 }
 
 }  // namespace

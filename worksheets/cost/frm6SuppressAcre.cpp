@@ -20,6 +20,7 @@
 #include "worksheets/MissingRows.h"
 #include "worksheets/NoteLine.h"
 #include "worksheets/PlotBeside.h"
+#include "worksheets/Subjects.h"
 #include "worksheets/zones/mFMZs.h"
 
 using platform::EventTrap::Trapped;
@@ -133,6 +134,7 @@ void frm6SuppressAcre::FormatCostGrid() {
             col, isSize ? vsFlexGrid::DataType::kSingle : vsFlexGrid::DataType::kCurrency);
         grdCosts_->SetColFormat(col, isSize ? QStringLiteral("#,#.00") : QStringLiteral("$#,#"));
     }
+    KeepWidths(*grdCosts_);
 }
 
 // A table that cannot be saved stays on the grid; the box then goes back to its zone.
@@ -192,14 +194,16 @@ void frm6SuppressAcre::SaveChanges() {
     grdCosts_->FinishEdit();
     if (c35AACTable* table = table_.Table()) {
         MissingRows::Told("frmSuppressAcre.SaveChanges", [this, table] {
-            platform::Concerning([this] { return cboFMZs_->itemText(zoneIndex_); },
+            platform::Concerning([this] { return Subjects::Shown(cboFMZs_->itemText(zoneIndex_)); },
                                  [table] { table->SaveChanges(); });
         });
     }
 }
 
-void frm6SuppressAcre::EndOpenEdit() {
+bool frm6SuppressAcre::EndOpenEdit() {
+    const bool typed = grdCosts_->EditIsChanged();
     grdCosts_->FinishEdit();
+    return typed;
 }
 
 void frm6SuppressAcre::ActionDone(const QString& name, const CostGridTable::Changes& changes) {

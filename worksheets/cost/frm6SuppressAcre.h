@@ -29,7 +29,7 @@ public:
     void SaveChanges();
 
 protected:
-    void EndOpenEdit() override;
+    bool EndOpenEdit() override;
 
 private:
     using CellState = float undo::CellChange<float>::*;

@@ -5,6 +5,8 @@
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
+#include "platform/RuntimeError.h"
+#include "worksheets/Subjects.h"
 
 using PrepDatatables::tblManagementGoals;
 
@@ -13,6 +15,31 @@ namespace {
 void SetTexts(const QString& heading, const QString& body) {
     tblManagementGoals->SetField(FieldNames::kManagementArea, heading);
     tblManagementGoals->SetField(FieldNames::kExplanation, body);
+}
+
+void Store(const GoalList::Goal& goal, const QString& body) {
+    auto transaction = PrepDatatables::Begin();
+    tblManagementGoals->Seek("=", {goal.key});
+    tblManagementGoals->Edit();
+    SetTexts(goal.heading, body);
+    tblManagementGoals->Update();
+    transaction.Commit();
+}
+
+void Remove(const GoalList::Goal& goal) {
+    auto transaction = PrepDatatables::Begin();
+    tblManagementGoals->Seek("=", {goal.key});
+    tblManagementGoals->Delete();
+    transaction.Commit();
+}
+
+void PutBack(const GoalList::Goal& goal) {
+    auto transaction = PrepDatatables::Begin();
+    tblManagementGoals->AddNew();
+    tblManagementGoals->SetField(FieldNames::kKey, goal.key);
+    SetTexts(goal.heading, goal.body.value_or(QString()));
+    tblManagementGoals->Update();
+    transaction.Commit();
 }
 
 QString StoredBody(std::int32_t key) {
@@ -65,13 +92,8 @@ void GoalList::Save(int row) {
     if (!entry.changed) {
         return;
     }
-    auto transaction = PrepDatatables::Begin();
-    const QString body = Body(row);
-    tblManagementGoals->Seek("=", {entry.goal.key});
-    tblManagementGoals->Edit();
-    SetTexts(entry.goal.heading, body);
-    tblManagementGoals->Update();
-    transaction.Commit();
+    platform::Concerning([&entry] { return Subjects::Shown(entry.goal.heading); },
+                         [&] { Store(entry.goal, Body(row)); });
     entry.changed = false;
     entry.goal.body.reset();
 }
@@ -90,22 +112,18 @@ int GoalList::Add() {
 
 GoalList::Goal GoalList::Delete(int row) {
     Goal goal = At(row).goal;
-    goal.body = Body(row);
-    auto transaction = PrepDatatables::Begin();
-    tblManagementGoals->Seek("=", {goal.key});
-    tblManagementGoals->Delete();
-    transaction.Commit();
+    platform::Concerning([&goal] { return Subjects::Shown(goal.heading); },
+                         [&] {
+                             goal.body = Body(row);
+                             Remove(goal);
+                         });
     entries_.erase(entries_.begin() + row);
     return goal;
 }
 
 int GoalList::Restore(const Goal& goal) {
-    auto transaction = PrepDatatables::Begin();
-    tblManagementGoals->AddNew();
-    tblManagementGoals->SetField(FieldNames::kKey, goal.key);
-    SetTexts(goal.heading, goal.body.value_or(QString()));
-    tblManagementGoals->Update();
-    transaction.Commit();
+    platform::Concerning([&goal] { return Subjects::Shown(goal.heading); },
+                         [&goal] { PutBack(goal); });
     const auto after = std::find_if(entries_.begin(), entries_.end(),
                                     [&goal](const Entry& one) { return one.goal.key > goal.key; });
     const auto place = entries_.insert(

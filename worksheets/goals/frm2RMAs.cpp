@@ -224,6 +224,12 @@ void frm2RMAs::EndTyping() {
     Did<frm2RMAs>(tr("Typing"), put(typed->before), put(after));
 }
 
+bool frm2RMAs::EndOpenEdit() {
+    const bool typed = typing_.has_value();
+    EndTyping();
+    return typed;
+}
+
 // A long text is taken out of its box when it is needed, not with every key.
 void frm2RMAs::TakeBody() {
     if (std::exchange(bodyChanged_, false)) {

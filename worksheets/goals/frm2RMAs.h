@@ -34,7 +34,7 @@ public:
     void Update();
 
 protected:
-    void EndOpenEdit() override { EndTyping(); }
+    bool EndOpenEdit() override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

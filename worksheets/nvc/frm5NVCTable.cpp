@@ -21,6 +21,7 @@
 #include "worksheets/MissingRows.h"
 #include "worksheets/NoteLine.h"
 #include "worksheets/PlotBeside.h"
+#include "worksheets/Subjects.h"
 #include "worksheets/nvc/ColumnTotals.h"
 #include "worksheets/nvc/NVCTotals.h"
 #include "worksheets/zones/mFMZs.h"
@@ -168,6 +169,7 @@ void frm5NVCTable::SetupGrid() {
         grdNVC_->SetColDataType(level, vsFlexGrid::DataType::kCurrency);
         grdNVC_->SetColFormat(level, QStringLiteral("#.00"));
     }
+    KeepWidths(*grdNVC_);
 }
 
 void frm5NVCTable::SaveChanges() {
@@ -188,11 +190,14 @@ void frm5NVCTable::SaveChanges() {
 }
 
 QString frm5NVCTable::ShownTable() const {
-    return tr("%1, location %2").arg(cboFMZs_->itemText(zoneIndex_)).arg(locationIndex_ + 1);
+    const QString zone = Subjects::Shown(cboFMZs_->itemText(zoneIndex_));
+    return tr("%1, location %2").arg(zone).arg(locationIndex_ + 1);
 }
 
-void frm5NVCTable::EndOpenEdit() {
+bool frm5NVCTable::EndOpenEdit() {
+    const bool typed = grdNVC_->EditIsChanged();
     grdNVC_->FinishEdit();
+    return typed;
 }
 
 void frm5NVCTable::ActionDone(const QString& name, const NVCGridTable::Changes& changes) {

@@ -32,7 +32,7 @@ public:
     void SaveChanges();
 
 protected:
-    void EndOpenEdit() override;
+    bool EndOpenEdit() override;
 
 private:
     struct Place {

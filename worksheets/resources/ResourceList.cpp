@@ -9,6 +9,7 @@
 #include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
+#include "worksheets/Subjects.h"
 #include "worksheets/resources/RowOrder.h"
 
 namespace {
@@ -233,24 +234,45 @@ void ResourceList::InFile(const QString& actionName, const std::function<void()>
 }
 
 void ResourceList::Insert(const QString& actionName, Resource resource, int row) {
-    InFile(actionName, [&] {
-        resource.key = ResourceRecords::Add(resource);
-        rows_.insert(rows_.begin() + (row - 1), std::move(resource));
-    });
+    platform::Concerning([name = resource.longName] { return Subjects::Shown(name); },
+                         [&] {
+                             InFile(actionName, [&] {
+                                 resource.key = ResourceRecords::Add(resource);
+                                 rows_.insert(rows_.begin() + (row - 1), std::move(resource));
+                             });
+                         });
 }
 
 bool ResourceList::Delete(const QString& actionName, int row) {
     if (!ResourceRecords::Exists(At(row).key)) {
         return false;
     }
-    InFile(actionName, [&] {
-        ResourceRecords::Delete(At(row).key);
-        rows_.erase(rows_.begin() + (row - 1));
-    });
+    platform::Concerning([name = At(row).longName] { return Subjects::Shown(name); },
+                         [&] {
+                             InFile(actionName, [&] {
+                                 ResourceRecords::Delete(At(row).key);
+                                 rows_.erase(rows_.begin() + (row - 1));
+                             });
+                         });
     return true;
 }
 
+QStringList ResourceList::ChangedNames() const {
+    QStringList names;
+    for (const Resource& resource : rows_) {
+        if (unsaved_.count(resource.key) > 0) {
+            names += resource.longName;
+        }
+    }
+    return names;
+}
+
 void ResourceList::Save(const std::function<void(int row)>& saveRow) {
+    platform::Concerning([this] { return Subjects::Of(ChangedNames()); },
+                         [&] { SaveAll(saveRow); });
+}
+
+void ResourceList::SaveAll(const std::function<void(int row)>& saveRow) {
     auto transaction = PrepDatatables::Begin();
     platform::FirstError missing;
     saved_.clear();
@@ -274,7 +296,8 @@ void ResourceList::Save(const std::function<void(int row)>& saveRow) {
 void ResourceList::SaveRow(int row) {
     const Resource& resource = At(row);
     if (unsaved_.count(resource.key) > 0) {
-        ResourceRecords::Save(resource);
+        platform::Concerning([&resource] { return Subjects::Shown(resource.longName); },
+                             [&resource] { ResourceRecords::Save(resource); });
         saved_.push_back(resource.key);
     }
 }
@@ -282,17 +305,25 @@ void ResourceList::SaveRow(int row) {
 void ResourceList::Carry(const Change& change) {
     auto transaction = PrepDatatables::Begin();
     for (const Change::Step& step : change.steps) {
-        if (!step.after) {
-            ResourceRecords::Delete(step.Key());
-        } else if (!step.before) {
-            ResourceRecords::Restore(step.after->row);
-        } else if (step.before->row != step.after->row) {
-            ResourceRecords::Save(step.after->row);
-        }
+        platform::Concerning(
+            [&step] {
+                return Subjects::Shown((step.after ? step.after : step.before)->row.longName);
+            },
+            [&step] { CarryStep(step); });
     }
     transaction.Commit();
     rows_ = change.AppliedTo(rows_);
     for (const Change::Step& step : change.steps) {
         unsaved_.erase(step.Key());
+    }
+}
+
+void ResourceList::CarryStep(const Change::Step& step) {
+    if (!step.after) {
+        ResourceRecords::Delete(step.Key());
+    } else if (!step.before) {
+        ResourceRecords::Restore(step.after->row);
+    } else if (step.before->row != step.after->row) {
+        ResourceRecords::Save(step.after->row);
     }
 }

@@ -90,6 +90,9 @@ private:
     void CarryOutMoves();
     void NumberRows();
     void Carry(const Change& change);
+    static void CarryStep(const Change::Step& step);
+    void SaveAll(const std::function<void(int row)>& saveRow);
+    [[nodiscard]] QStringList ChangedNames() const;
 
     std::vector<Resource> rows_;
     std::unordered_set<std::int32_t> unsaved_;

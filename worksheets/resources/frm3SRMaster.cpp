@@ -160,6 +160,7 @@ void frm3SRMaster::FormatGrid() {
     grdMasterList_->SetColFormat(kCost, QStringLiteral("$#,0"));
     grdMasterList_->SetColHidden(kKey, true);
     grdMasterList_->SetRowNameColumn(kName);
+    KeepWidths(*grdMasterList_);
 }
 
 void frm3SRMaster::LoadGrid() {
@@ -184,6 +185,8 @@ void frm3SRMaster::Listen() {
 void frm3SRMaster::DoneInList(const QString& name,
                               const std::shared_ptr<ResourceList::Change>& change) {
     EnableDelete();
+    // A number that was typed numbers the whole list.
+    grdMasterList_->RowsChanged(1, resources_.RowCount());
     Did<frm3SRMaster>(
         name,
         [change](frm3SRMaster& form) {
@@ -206,9 +209,11 @@ void frm3SRMaster::ShowChange(const ResourceList::Change& change) {
     }
 }
 
-void frm3SRMaster::EndOpenEdit() {
+bool frm3SRMaster::EndOpenEdit() {
+    const bool typed = grdMasterList_->EditIsChanged() || sourceBefore_.has_value();
     grdMasterList_->FinishEdit();
     EndTypingSource();
+    return typed;
 }
 
 void frm3SRMaster::grdMasterList_EnterCell() {

@@ -34,7 +34,7 @@ public:
     void UpdateTable();
 
 protected:
-    void EndOpenEdit() override;
+    bool EndOpenEdit() override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -56,6 +56,8 @@ public:
 
     [[nodiscard]] bool CanUndo() const { return stack_.canUndo(); }
     [[nodiscard]] bool CanRedo() const { return stack_.canRedo(); }
+    // How many actions are done and can be taken back.
+    [[nodiscard]] int Done() const { return stack_.index(); }
     // The name of the action that Undo would take back, or Redo repeat; empty when there is none.
     [[nodiscard]] QString UndoName() const { return stack_.undoText(); }
     [[nodiscard]] QString RedoName() const { return stack_.redoText(); }

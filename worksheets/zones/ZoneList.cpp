@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 #include "datafile/PrepDatatables.h"
 #include "platform/FirstError.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
+#include "worksheets/Subjects.h"
 
 namespace {
 
@@ -41,8 +44,7 @@ QStringList ZoneList::ChangedNames() const {
     QStringList names;
     for (const Zone& zone : zones_) {
         if (unsaved_.count(zone.key) > 0) {
-            names += zone.name.isEmpty() ? QCoreApplication::translate("ZoneList", "(no name)")
-                                         : zone.name;
+            names += Subjects::Shown(zone.name);
         }
     }
     return names;
@@ -74,7 +76,11 @@ GridTable::Answer ZoneList::Offer(int row, int col, const QString& typed) {
 // A number below 1 becomes 1: each zone has a location.
 GridTable::Answer ZoneList::OfferLocations(Zone& zone, const QString& typed) {
     try {
-        const std::int32_t locations = platform::CLng(platform::Val(typed));
+        const double wanted = platform::Val(typed);
+        if (std::abs(wanted) > std::numeric_limits<std::int32_t>::max()) {
+            return {Answer::Kind::kRefused, platform::TooLarge(typed)};
+        }
+        const std::int32_t locations = platform::CLng(wanted);
         ZoneRecords::RequireSensible(zone.name, locations);
         unsaved_[zone.key].lowered = locations < 1 && locations != zone.locations;
         zone.locations = locations == zone.locations ? locations : std::max(locations, 1);
@@ -99,15 +105,25 @@ void ZoneList::EndAction() {
 }
 
 void ZoneList::Add(const QString& actionName) {
-    auto transaction = PrepDatatables::Begin();
-    const std::int32_t key = ZoneRecords::Create(QString(), 1);
-    transaction.Commit();
+    const std::int32_t key =
+        platform::Concerning([] { return QCoreApplication::translate("ZoneList", "New zone"); },
+                             [] {
+                                 auto transaction = PrepDatatables::Begin();
+                                 const std::int32_t created = ZoneRecords::Create(QString(), 1);
+                                 transaction.Commit();
+                                 return created;
+                             });
     BeginAction(actionName);
     zones_.push_back({.key = key, .name = QString(), .locations = 1});
     EndAction();
 }
 
 void ZoneList::Save(const std::function<void(int row)>& saveRow) {
+    platform::Concerning([this] { return Subjects::Of(ChangedNames()); },
+                         [&] { SaveAll(saveRow); });
+}
+
+void ZoneList::SaveAll(const std::function<void(int row)>& saveRow) {
     auto transaction = PrepDatatables::Begin();
     platform::FirstError refused;
     platform::FirstError missing;
@@ -137,7 +153,9 @@ void ZoneList::SaveRow(int row) {
     if (unsaved == unsaved_.end()) {
         return;
     }
-    zone.locations = ZoneRecords::Change(zone, unsaved->second.lowered);
+    zone.locations =
+        platform::Concerning([&zone] { return Subjects::Shown(zone.name); },
+                             [&] { return ZoneRecords::Change(zone, unsaved->second.lowered); });
     saved_.push_back(zone.key);
 }
 
@@ -152,13 +170,21 @@ void ZoneList::Carry(Change& change, const undo::ListChange<Zone>& list) {
 void ZoneList::CarryToFile(Change& change, const undo::ListChange<Zone>& list) {
     auto transaction = PrepDatatables::Begin();
     for (const auto& step : list.steps) {
-        if (!step.after) {
-            change.removed[step.Key()] = ZoneRecords::Remove(step.before->row);
-        } else if (!step.before) {
-            ZoneRecords::Restore(step.after->row, change.removed[step.Key()]);
-        } else {
-            ZoneRecords::PutBack(step.after->row);
-        }
+        platform::Concerning(
+            [&step] {
+                return Subjects::Shown(step.after ? step.after->row.name : step.before->row.name);
+            },
+            [&] { CarryStep(change, step); });
     }
     transaction.Commit();
+}
+
+void ZoneList::CarryStep(Change& change, const undo::ListChange<Zone>::Step& step) {
+    if (!step.after) {
+        change.removed[step.Key()] = ZoneRecords::Remove(step.before->row);
+    } else if (!step.before) {
+        ZoneRecords::Restore(step.after->row, change.removed[step.Key()]);
+    } else {
+        ZoneRecords::PutBack(step.after->row);
+    }
 }

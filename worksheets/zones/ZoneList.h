@@ -81,6 +81,8 @@ private:
     Answer OfferLocations(Zone& zone, const QString& typed);
     void Carry(Change& change, const undo::ListChange<Zone>& list);
     static void CarryToFile(Change& change, const undo::ListChange<Zone>& list);
+    static void CarryStep(Change& change, const undo::ListChange<Zone>::Step& step);
+    void SaveAll(const std::function<void(int row)>& saveRow);
 
     std::vector<Zone> zones_;
     std::unordered_map<std::int32_t, Unsaved> unsaved_;

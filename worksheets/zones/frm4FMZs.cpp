@@ -100,6 +100,7 @@ void frm4FMZs::SetupGrid() {
     grdFMZs_->SetColAlignment(kLocations, Qt::AlignCenter);
     grdFMZs_->SetColDataType(kLocations, vsFlexGrid::DataType::kLong);
     grdFMZs_->SetColFormat(kLocations, QStringLiteral("#"));
+    KeepWidths(*grdFMZs_);
 }
 
 void frm4FMZs::FMZ_LoadGrid() {
@@ -126,8 +127,10 @@ void frm4FMZs::FMZ_UpdateRecord(int row) {
     zones_.SaveRow(row);
 }
 
-void frm4FMZs::EndOpenEdit() {
+bool frm4FMZs::EndOpenEdit() {
+    const bool typed = grdFMZs_->EditIsChanged();
     grdFMZs_->FinishEdit();
+    return typed;
 }
 
 // What an action did is known by the zones' keys: the form that takes it back may be another one.

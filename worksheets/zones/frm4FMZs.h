@@ -29,7 +29,7 @@ public:
     void FMZ_Update();
 
 protected:
-    void EndOpenEdit() override;
+    bool EndOpenEdit() override;
 
 private:
     void Build();
