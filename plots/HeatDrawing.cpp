@@ -1,5 +1,6 @@
 // The values of a location: a cell for each, the stronger its colour, the larger the amount.
 #include "plots/Chart.h"
+#include "review/canvas.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,14 +12,13 @@ namespace {
 constexpr int kLevels = 6;
 constexpr double kStrongest = 0.85;
 constexpr double kHalf = 0.5;
-constexpr double kBend = 0.45;
 
 QColor Shade(const Ink& ink, double value, double largest) {
     if (!std::isfinite(value) || largest <= 0) {
         return ink.ground;
     }
-    // Small amounts count as well: what is ten times as much is seen, and what is a tenth too.
-    const double part = kStrongest * std::pow(std::min(1.0, std::abs(value) / largest), kBend);
+    // In the same steps as in the report.
+    const double part = kStrongest * review::ShadeOf(value, largest) / review::kDarkestShade;
     const QColor& end = value < 0 ? ink.loss : ink.gain;
     return QColor::fromRgbF(
         float(ink.ground.redF() + (end.redF() - ink.ground.redF()) * part),

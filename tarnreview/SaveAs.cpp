@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "platform/system/NativePath.h"
+#include "reportpdf/report_pages.h"
 #include "review/html.h"
 #include "review/plain_tables.h"
 #include "review/workbook.h"
@@ -50,22 +51,25 @@ std::string Today() {
 }
 
 QStringList Filters() {
-    return {QObject::tr("Report as a web page (*.html)"), QObject::tr("Workbook (*.xlsx)"),
-            QObject::tr("All figures as JSON (*.json)")};
+    return {QObject::tr("Report (*.pdf)"), QObject::tr("Report as a web page (*.html)"),
+            QObject::tr("Workbook (*.xlsx)"), QObject::tr("All figures as JSON (*.json)")};
 }
 
 void Save(const ReviewCase& reviewed, const fs::path& path) {
     RequireOther(path, reviewed.Season());
     RequireOther(path, reviewed.Previous());
     const std::string ending = season::Folded(path.extension().string());
-    if (ending == ".html" || ending == ".htm") {
+    if (ending == ".pdf") {
+        reportpdf::WritePdf(reviewed.Report(Today()), platform::FromNativePath(path.c_str()),
+                            reportpdf::UsualPaper());
+    } else if (ending == ".html" || ending == ".htm") {
         SaveText(path, review::HtmlOf(reviewed.Report(Today())));
     } else if (ending == ".xlsx") {
         SaveWorkbook(path, *reviewed.Season());
     } else if (ending == ".json") {
         SaveText(path, review::JsonOfTables(review::PlainTables(*reviewed.Season())));
     } else {
-        throw std::runtime_error("The name must end in .html, .xlsx or .json.");
+        throw std::runtime_error("The name must end in .pdf, .html, .xlsx or .json.");
     }
 }
 

@@ -146,7 +146,7 @@ void frmReview::ShowFile() {
     findings_->ShowFile();
     report_->ShowFile();
     compare_->ShowFile();
-    for (QPushButton* button : {cmdPrevious_, cmdSave_, cmdNewYear_}) {
+    for (QPushButton* button : {cmdPrevious_, cmdPrint_, cmdSave_, cmdNewYear_}) {
         button->setEnabled(true);
     }
 }

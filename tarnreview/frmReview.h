@@ -47,6 +47,7 @@ private:
 
     void cmdOpen_Click();
     void cmdPrevious_Click();
+    void cmdPrint_Click();
     void cmdSave_Click();
     void cmdNewYear_Click();
     void OpenPrevious(const std::filesystem::path& path);
@@ -67,6 +68,7 @@ private:
     QPushButton* cmdOpen_ = nullptr;
     QPushButton* cmdRecent_ = nullptr;
     QPushButton* cmdPrevious_ = nullptr;
+    QPushButton* cmdPrint_ = nullptr;
     QPushButton* cmdSave_ = nullptr;
     QPushButton* cmdNewYear_ = nullptr;
     QMenu* mnuRecent_ = nullptr;

@@ -19,6 +19,7 @@
 #include "tarnreview/FlowLayout.h"
 #include "tarnreview/Notice.h"
 #include "tarnreview/Parts.h"
+#include "tarnreview/PrintReport.h"
 #include "tarnreview/RecentFiles.h"
 #include "tarnreview/SaveAs.h"
 #include "tarnreview/SaveDialog.h"
@@ -66,6 +67,9 @@ void frmReview::BuildButtons() {
     cmdPrevious_ =
         add("cmdPrevious", tr("&Last Year..."), tr("Choose the file to compare with (Ctrl+L)"),
             &frmReview::cmdPrevious_Click);
+    cmdPrint_ =
+        add("cmdPrint", tr("&Print..."), tr("Look at the report's pages and print (Ctrl+P)"),
+            &frmReview::cmdPrint_Click);
     cmdSave_ = add("cmdSave", tr("&Save..."),
                    tr("Save the report, or all figures for other programs (Ctrl+S)"),
                    &frmReview::cmdSave_Click);
@@ -73,7 +77,7 @@ void frmReview::BuildButtons() {
         add("cmdNewYear", tr("&New Year..."), tr("Begin next year's file from this one (Ctrl+N)"),
             &frmReview::cmdNewYear_Click);
     add("cmdHelp", tr("&Help"), tr("Read about this window (F1)"), &frmReview::Help);
-    for (QPushButton* button : {cmdPrevious_, cmdSave_, cmdNewYear_}) {
+    for (QPushButton* button : {cmdPrevious_, cmdPrint_, cmdSave_, cmdNewYear_}) {
         button->setEnabled(false);
     }
 }
@@ -88,6 +92,7 @@ void frmReview::AddKeys() {
     };
     press(Qt::CTRL | Qt::Key_O, cmdOpen_);
     press(Qt::CTRL | Qt::Key_L, cmdPrevious_);
+    press(Qt::CTRL | Qt::Key_P, cmdPrint_);
     press(Qt::CTRL | Qt::Key_S, cmdSave_);
     press(Qt::CTRL | Qt::Key_N, cmdNewYear_);
     add(Qt::Key_F5, "frmReview.ReadAgain", [this] { ReadAgain(); });
@@ -141,6 +146,13 @@ void frmReview::cmdPrevious_Click() {
     if (!path.isEmpty()) {
         OpenPrevious(platform::ToNativePath(path));
     }
+}
+
+void frmReview::cmdPrint_Click() {
+    const QString name = tr("%1 report")
+                             .arg(platform::ShownPath(platform::FromNativePath(
+                                 case_.Season()->path.filename().c_str())));
+    PrintReport::Preview(this, case_.Report(SaveAs::Today()), name);
 }
 
 void frmReview::cmdSave_Click() {

@@ -4,6 +4,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMimeData>
+#include <QPrintPreviewWidget>
 #include <QTextEdit>
 
 #include <fstream>
@@ -171,8 +172,23 @@ TEST_F(ReviewWindow, Save_WritesTheReportAndNeverTheDataFile) {
         answers.Then([&](QWidget& dialog) { TypeName(dialog, folder_.CostsPath("figures.txt")); });
         Press(Qt::Key_S, Qt::ControlModifier);
     }
-    EXPECT_TRUE(QFile::exists(folder_.CostsPath("figures.txt.html")));
+    EXPECT_TRUE(support::Bytes(folder_.CostsPath("figures.txt.pdf")).startsWith("%PDF"));
     EXPECT_EQ(BytesOf(file), before);
+}
+
+TEST_F(ReviewWindow, Print_ShowsThePagesFirst) {
+    Run(Write("UMFOR26.fcd", SoundSeason()));
+    support::Answers answers;
+    bool shown = false;
+    answers.Then([&shown](QWidget& dialog) {
+        auto* const preview = dialog.findChild<QPrintPreviewWidget*>();
+        ASSERT_NE(preview, nullptr);
+        shown = QTest::qWaitFor([preview] { return preview->pageCount() >= 4; });
+        static_cast<QDialog&>(dialog).reject();
+    });
+    Press(Qt::Key_P, Qt::ControlModifier);
+    EXPECT_TRUE(shown);
+    EXPECT_TRUE(answers.Messages().empty());
 }
 
 TEST_F(ReviewWindow, NewYear_MakesTheFileWithoutTheZonesThatWereCleared) {
