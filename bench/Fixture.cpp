@@ -1,13 +1,24 @@
 #include "bench/Fixture.h"
 
 #include <cstdlib>
+#include <sstream>
 
 namespace bench {
 
+namespace {
+
+std::vector<std::size_t> Sizes() {
+    const char* wanted = std::getenv("TARN_BENCH_ROWS");
+    std::istringstream words(wanted != nullptr ? wanted : "1000 100000 1000000");
+    std::vector<std::size_t> sizes;
+    for (std::size_t rows = 0; words >> rows;) sizes.push_back(rows);
+    return sizes;
+}
+
+}  // namespace
+
 int Register(const char* question, Task task, bool writers) {
-    std::vector<std::size_t> sizes{1000, 100000};
-    if (std::getenv("TARN_BENCH_LARGE") != nullptr) sizes.push_back(1000000);
-    for (const std::size_t rows : sizes) {
+    for (const std::size_t rows : Sizes()) {
         for (const char* peer : {"jet4", "jet3", "sqlite", "mdb"}) {
             const std::string name = peer;
             if (writers && name == "mdb") continue;

@@ -97,8 +97,9 @@ public:
     }
 
     double Scan(Shape shape) override {
-        return shape == Shape::kNumbers ? ScanNumbers() : ScanTexts();
+        return shape == Shape::kNumbers ? ScanNumbers() : ScanTexts<std::string>();
     }
+    double ScanWide() override { return ScanTexts<std::u16string>(); }
 
     double Seek(const std::vector<Row>& rows) override {
         const auto records = Numbers();
@@ -142,13 +143,10 @@ public:
         }
     }
     void UpdateOneField(const std::vector<Note>& notes, int round) override {
-        const auto records = Texts();
-        for (const Note& note : notes) {
-            records->Seek(Comparison::kEqual, {Value(note.key)});
-            records->Edit();
-            records->Set(FieldId{1}, NewName(note, round));
-            records->Update();
-        }
+        UpdateText(notes, FieldId{1}, round, NewName);
+    }
+    void UpdateMemo(const std::vector<Note>& notes, int round) override {
+        UpdateText(notes, FieldId{2}, round, NewBody);
     }
     void Delete(const std::vector<Note>& notes) override {
         const auto records = Texts();
@@ -173,6 +171,17 @@ private:
         return records;
     }
 
+    void UpdateText(const std::vector<Note>& notes, FieldId field, int round,
+                    std::u16string (*newText)(const Note&, int)) {
+        const auto records = Texts();
+        for (const Note& note : notes) {
+            records->Seek(Comparison::kEqual, {Value(note.key)});
+            records->Edit();
+            records->Set(field, newText(note, round));
+            records->Update();
+        }
+    }
+
     double ScanNumbers() {
         const auto records = database_->OpenTable("Numbers");
         double sum = 0;
@@ -190,9 +199,10 @@ private:
         }
         return sum;
     }
+    template <typename Text>
     double ScanTexts() {
         const auto records = database_->OpenTable("Texts");
-        std::string text;
+        Text text;
         double sum = 0;
         for (; !records->IsEof(); records->MoveNext()) {
             for (int field = 1; field < 3; ++field) {

@@ -39,18 +39,22 @@ public:
         file_ = nullptr;
     }
     // Filling the file is the engine's work here.
+    void Begin() override { maker_->Begin(); }
+    void Commit() override { maker_->Commit(); }
     void Insert(const std::vector<Row>& rows) override { maker_->Insert(rows); }
     void Insert(const std::vector<Note>& notes) override { maker_->Insert(notes); }
 
     double Scan(Shape shape) override {
         return Walk(shape == Shape::kNumbers ? "Numbers" : "Texts", SIZE_MAX);
     }
+    double ScanWide() override { return Unable(); }
     double FirstRow() override { return Walk("Numbers", 1); }
 
     double Seek(const std::vector<Row>&) override { return Unable(); }
     double Seek(const std::vector<Note>&) override { return Unable(); }
     void UpdateOneField(const std::vector<Row>&, int) override { Unable(); }
     void UpdateOneField(const std::vector<Note>&, int) override { Unable(); }
+    void UpdateMemo(const std::vector<Note>&, int) override { Unable(); }
     void Delete(const std::vector<Row>&) override { Unable(); }
     void Delete(const std::vector<Note>&) override { Unable(); }
 

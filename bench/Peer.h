@@ -32,6 +32,12 @@ inline std::u16string NewName(const Note& note, int round) {
     return note.name + static_cast<char16_t>(u'a' + round % 26);
 }
 
+inline std::u16string NewBody(const Note& note, int round) {
+    const std::size_t length =
+        20 + (note.body.size() + 97 * (static_cast<std::size_t>(round) + 1)) % 300;
+    return std::u16string(length, static_cast<char16_t>(u'a' + round % 26));
+}
+
 enum class Shape { kNumbers, kTexts };
 
 template <typename T>
@@ -58,6 +64,8 @@ public:
     virtual void Insert(const std::vector<Note>& notes) = 0;
     // Reads every field of every row; what it gives keeps the work from being left out.
     virtual double Scan(Shape shape) = 0;
+    // The texts, as UTF-16.
+    virtual double ScanWide() = 0;
     // Finds each row by its full key and reads one field.
     virtual double Seek(const std::vector<Row>& rows) = 0;
     virtual double Seek(const std::vector<Note>& notes) = 0;
@@ -65,11 +73,23 @@ public:
     // change a row need not be written.
     virtual void UpdateOneField(const std::vector<Row>& rows, int round) = 0;
     virtual void UpdateOneField(const std::vector<Note>& notes, int round) = 0;
+    // Gives each row a memo of another length.
+    virtual void UpdateMemo(const std::vector<Note>& notes, int round) = 0;
     virtual void Delete(const std::vector<Row>& rows) = 0;
     virtual void Delete(const std::vector<Note>& notes) = 0;
     // The first field of the first row.
     virtual double FirstRow() = 0;
 };
+
+// Whether each row is changed by itself, or all in one transaction.
+enum class Bounds { kEach, kWhole };
+
+template <typename Work>
+void Within(Bounds bounds, Peer& peer, Work work) {
+    if (bounds == Bounds::kWhole) peer.Begin();
+    work();
+    if (bounds == Bounds::kWhole) peer.Commit();
+}
 
 std::unique_ptr<Peer> MakeJetPeer(bool jet3);
 std::unique_ptr<Peer> MakeSqlitePeer();

@@ -110,6 +110,15 @@ public:
         }
         return sum;
     }
+    double ScanWide() override {
+        Statement scan(database_, "SELECT * FROM Texts");
+        std::u16string text;
+        double sum = 0;
+        while (scan.Step()) {
+            for (int i = 1; i < 3; ++i) sum += static_cast<double>(ReadText(scan, i, text));
+        }
+        return sum;
+    }
     double Seek(const std::vector<Row>& rows) override {
         Statement seek(database_,
                        "SELECT FIL3 FROM Numbers WHERE FMZRLKey = ? AND ResourceNumber = ?");
@@ -154,14 +163,10 @@ public:
         }
     }
     void UpdateOneField(const std::vector<Note>& notes, int round) override {
-        Statement update(database_, "UPDATE Texts SET Name = ? WHERE Key = ?");
-        for (const Note& note : notes) {
-            const std::u16string name = NewName(note, round);
-            update.Bind(1, name);
-            update.Bind(2, note.key);
-            update.Step();
-            update.Reset();
-        }
+        UpdateText(notes, "UPDATE Texts SET Name = ? WHERE Key = ?", round, NewName);
+    }
+    void UpdateMemo(const std::vector<Note>& notes, int round) override {
+        UpdateText(notes, "UPDATE Texts SET Body = ? WHERE Key = ?", round, NewBody);
     }
     void Delete(const std::vector<Note>& notes) override {
         Statement erase(database_, "DELETE FROM Texts WHERE Key = ?");
@@ -178,6 +183,17 @@ public:
     }
 
 private:
+    void UpdateText(const std::vector<Note>& notes, const char* sql, int round,
+                    std::u16string (*newText)(const Note&, int)) {
+        Statement update(database_, sql);
+        for (const Note& note : notes) {
+            const std::u16string text = newText(note, round);
+            update.Bind(1, text);
+            update.Bind(2, note.key);
+            update.Step();
+            update.Reset();
+        }
+    }
     static std::size_t ReadText(const Statement& row, int column, std::u16string& into) {
         const auto* text = static_cast<const char16_t*>(sqlite3_column_text16(row.Get(), column));
         into.assign(text, static_cast<std::size_t>(sqlite3_column_bytes16(row.Get(), column)) /

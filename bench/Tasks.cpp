@@ -21,21 +21,24 @@ using Path = std::filesystem::path;
 
 constexpr std::size_t kMostProbes = 100000;
 
-template <typename T>
+template <typename T, Bounds bounds>
 void InsertAll(Peer& peer, const std::vector<std::size_t>& numbers, double& seconds) {
+    const bool whole = bounds == Bounds::kWhole;
+    if (whole) Timed(seconds, [&] { peer.Begin(); });
     InBatches<T>(numbers,
                  [&](const std::vector<T>& batch) { Timed(seconds, [&] { peer.Insert(batch); }); });
+    if (whole) Timed(seconds, [&] { peer.Commit(); });
 }
 
-template <typename T>
+template <typename T, Bounds bounds = Bounds::kEach>
 std::size_t InsertOrdered(Peer& peer, const Path& /*file*/, std::size_t rows, double& seconds) {
-    InsertAll<T>(peer, InOrder(rows), seconds);
+    InsertAll<T, bounds>(peer, InOrder(rows), seconds);
     return rows;
 }
 
-template <typename T>
+template <typename T, Bounds bounds = Bounds::kEach>
 std::size_t InsertRandom(Peer& peer, const Path& /*file*/, std::size_t rows, double& seconds) {
-    InsertAll<T>(peer, Shuffled(rows), seconds);
+    InsertAll<T, bounds>(peer, Shuffled(rows), seconds);
     return rows;
 }
 
@@ -52,18 +55,30 @@ std::size_t Seek(Peer& peer, const Path& /*file*/, std::size_t rows, double& sec
     return probes.size();
 }
 
-template <typename T>
-std::size_t Update(Peer& peer, const Path& /*file*/, std::size_t rows, double& seconds) {
+// Lets `change` loose on rows picked at random.
+template <typename T, Bounds bounds, typename Change>
+std::size_t ChangeProbes(Peer& peer, std::size_t rows, double& seconds, const Change& change) {
     const auto probes = Sample<T>(rows, kMostProbes);
-    Timed(seconds, [&] { peer.UpdateOneField(probes, 0); });
+    Timed(seconds, [&] { Within(bounds, peer, [&] { change(probes); }); });
     return probes.size();
 }
 
-template <typename T>
+template <typename T, Bounds bounds = Bounds::kEach>
+std::size_t Update(Peer& peer, const Path& /*file*/, std::size_t rows, double& seconds) {
+    return ChangeProbes<T, bounds>(
+        peer, rows, seconds, [&](const std::vector<T>& probes) { peer.UpdateOneField(probes, 0); });
+}
+
+template <Bounds bounds = Bounds::kEach>
+std::size_t UpdateMemos(Peer& peer, const Path& /*file*/, std::size_t rows, double& seconds) {
+    return ChangeProbes<Note, bounds>(
+        peer, rows, seconds, [&](const std::vector<Note>& probes) { peer.UpdateMemo(probes, 0); });
+}
+
+template <typename T, Bounds bounds = Bounds::kEach>
 std::size_t Delete(Peer& peer, const Path& /*file*/, std::size_t rows, double& seconds) {
-    const auto probes = Sample<T>(rows, kMostProbes);
-    Timed(seconds, [&] { peer.Delete(probes); });
-    return probes.size();
+    return ChangeProbes<T, bounds>(peer, rows, seconds,
+                                   [&](const std::vector<T>& probes) { peer.Delete(probes); });
 }
 
 std::size_t OpenFirstRow(Peer& peer, const Path& file, std::size_t /*rows*/, double& seconds) {
@@ -76,7 +91,9 @@ std::size_t OpenFirstRow(Peer& peer, const Path& file, std::size_t /*rows*/, dou
 
 template <typename T>
 void Fill(Peer& peer, std::size_t rows) {
+    peer.Begin();
     InBatches<T>(InOrder(rows), [&](const std::vector<T>& batch) { peer.Insert(batch); });
+    peer.Commit();
 }
 
 int Run(const Task& task, const std::string& peerName, const Path& file, std::size_t rows) {
@@ -101,6 +118,7 @@ __attribute__((noinline)) void Timed(double& seconds, const std::function<void()
 const std::vector<Task>& Tasks() {
     constexpr Shape kNumbers = Shape::kNumbers;
     constexpr Shape kTexts = Shape::kTexts;
+    constexpr Bounds kWhole = Bounds::kWhole;
     static const std::vector<Task> kTasks = {
         {"insert_ordered", kNumbers, false, true, false, InsertOrdered<Row>},
         {"insert_random", kNumbers, false, true, false, InsertRandom<Row>},
@@ -114,7 +132,17 @@ const std::vector<Task>& Tasks() {
         {"scan_texts", kTexts, true, false, false, Scan<Note>},
         {"seek_texts", kTexts, true, true, false, Seek<Note>},
         {"update_texts", kTexts, true, true, false, Update<Note>},
+        {"update_memos", kTexts, true, true, false, UpdateMemos<>},
         {"delete_texts", kTexts, true, true, false, Delete<Note>},
+        {"whole_insert_ordered", kNumbers, false, true, false, InsertOrdered<Row, kWhole>},
+        {"whole_insert_random", kNumbers, false, true, false, InsertRandom<Row, kWhole>},
+        {"whole_update_one_field", kNumbers, true, true, false, Update<Row, kWhole>},
+        {"whole_delete", kNumbers, true, true, false, Delete<Row, kWhole>},
+        {"whole_insert_texts", kTexts, false, true, false, InsertOrdered<Note, kWhole>},
+        {"whole_insert_random_texts", kTexts, false, true, false, InsertRandom<Note, kWhole>},
+        {"whole_update_texts", kTexts, true, true, false, Update<Note, kWhole>},
+        {"whole_update_memos", kTexts, true, true, false, UpdateMemos<kWhole>},
+        {"whole_delete_texts", kTexts, true, true, false, Delete<Note, kWhole>},
     };
     return kTasks;
 }

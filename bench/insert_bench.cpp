@@ -7,12 +7,12 @@ namespace {
 
 template <typename T>
 void InKeyOrder(benchmark::State& state, const std::string& peer, std::size_t rows) {
-    RunInserts<T>(state, peer, InOrder(rows));
+    RunInserts<T>(state, peer, InOrder(rows), Bounds::kEach);
 }
 
 template <typename T>
 void AtRandom(benchmark::State& state, const std::string& peer, std::size_t rows) {
-    RunInserts<T>(state, peer, Shuffled(rows));
+    RunInserts<T>(state, peer, Shuffled(rows), Bounds::kEach);
 }
 
 const int kOrdered = Register("insert", &InKeyOrder<Row>, true);

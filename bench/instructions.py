@@ -11,7 +11,10 @@ import sys
 import tempfile
 
 TASKS = ["scan", "seek_random", "insert_ordered", "insert_random", "update_one_field", "delete",
-         "scan_texts", "seek_texts", "insert_texts", "update_texts", "delete_texts"]
+         "scan_texts", "seek_texts", "insert_texts", "update_texts", "update_memos", "delete_texts",
+         "whole_insert_ordered", "whole_insert_random", "whole_update_one_field", "whole_delete",
+         "whole_insert_texts", "whole_insert_random_texts", "whole_update_texts",
+         "whole_update_memos", "whole_delete_texts"]
 
 
 def count(program, task, peer, rows):

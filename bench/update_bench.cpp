@@ -13,8 +13,16 @@ void Run(benchmark::State& state, const std::string& peer, std::size_t rows) {
     });
 }
 
+void RunMemos(benchmark::State& state, const std::string& peer, std::size_t rows) {
+    int round = 0;
+    RunProbes<Note>(state, peer, rows, [&round](Peer& open, const std::vector<Note>& probes) {
+        open.UpdateMemo(probes, round++);
+    });
+}
+
 const int kNumbers = Register("update", &Run<Row>, true);
 const int kTexts = Register("update_texts", &Run<Note>, true);
+const int kMemos = Register("update_memos", &RunMemos, true);
 
 }  // namespace
 
