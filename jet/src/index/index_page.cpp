@@ -1,6 +1,7 @@
 #include "index/index_page.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <string>
@@ -172,9 +173,20 @@ std::size_t IndexPage::LastBitFar(std::size_t to) const {
     return bits == 0 ? 0 : to - static_cast<std::size_t>(std::countl_zero(bits));
 }
 
-// The last set bit of all, or 0. What a page has free is passed over in long steps.
+// The last set bit of all, or 0. It is where the free bytes begin, as a rule; else what a page has
+// free is passed over in long steps.
 std::size_t IndexPage::LastBit() const {
+    static constexpr std::array<std::byte, kJet4Format.entryBitmapSize> kNone{};
     const Bytes bitmap = page_.subspan(format_->entryBitmapAt, format_->entryBitmapSize);
+    if (const std::uint32_t free = FreeField(); free < format_->entryCapacity) {
+        const std::size_t told = format_->entryCapacity - free;
+        const std::size_t byte = told / 8;
+        const std::size_t above = bitmap.size() - byte - 1;
+        if (std::to_integer<unsigned>(bitmap[byte]) >> told % 8 == 1 &&
+            std::memcmp(bitmap.data() + byte + 1, kNone.data(), above) == 0) {
+            return told;
+        }
+    }
     constexpr std::size_t kStep = 32;
     std::size_t end = bitmap.size();
     while (end > kStep && (ReadU64(bitmap, end - 8) | ReadU64(bitmap, end - 16) |

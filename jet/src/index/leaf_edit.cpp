@@ -18,65 +18,77 @@ void WriteFree(MutableBytes page, const Format& format, std::size_t used) {
     WriteU16(page, kFreeAt, static_cast<std::uint16_t>(format.entryCapacity - used));
 }
 
-// The bitmap of a page, taken out as words so that its bits can be moved many at a time.
+// The words of a page's bitmap from that of one bit to that of another, taken out so that bits can
+// be moved many at a time.
 class Ends {
 public:
-    Ends(MutableBytes page, const Format& format)
-        : bitmap_(page.subspan(format.entryBitmapAt, format.entryBitmapSize)) {
-        std::array<std::byte, sizeof words_> bytes{};
-        std::copy(bitmap_.begin(), bitmap_.end(), bytes.begin());
-        for (std::size_t i = 0; i < words_.size(); ++i) words_[i] = ReadU64(bytes, 8 * i);
+    Ends(MutableBytes page, const Format& format, std::size_t first, std::size_t last)
+        : firstBit_(first % kWordBits), count_(last / kWordBits - first / kWordBits + 1) {
+        const MutableBytes bitmap = page.subspan(format.entryBitmapAt, format.entryBitmapSize);
+        const std::size_t begin = first / kWordBits * kWordBytes;
+        bytes_ = bitmap.subspan(begin, std::min(count_ * kWordBytes, bitmap.size() - begin));
+        for (std::size_t i = 0; i < count_; ++i) words_[i] = Load(i * kWordBytes);
     }
 
-    // Moves the bits above `at` by `distance`, and puts an end where the new entry ends.
-    void MoveUp(std::size_t at, std::size_t distance) {
+    // Moves the bits above the first one up by `distance`, and puts an end where the new entry
+    // ends.
+    void MoveUp(std::size_t distance) {
         const std::size_t far = distance / kWordBits;
         const std::size_t near = distance % kWordBits;
-        const Words above = Above(at);
-        for (std::size_t i = at / kWordBits; i < words_.size(); ++i) {
-            std::uint64_t moved = i >= far ? above[i - far] << near : 0;
-            if (near != 0 && i > far) moved |= above[i - far - 1] >> (kWordBits - near);
-            words_[i] = (words_[i] & ~above[i]) | moved;
+        const std::uint64_t below = words_[0] & ~Above(firstBit_);
+        words_[0] &= Above(firstBit_);
+        for (std::size_t i = count_; i-- > 0;) {
+            std::uint64_t moved = i >= far ? words_[i - far] << near : 0;
+            if (near != 0 && i > far) moved |= words_[i - far - 1] >> (kWordBits - near);
+            words_[i] = moved;
         }
-        const std::size_t end = at + distance;
+        words_[0] |= below;
+        const std::size_t end = firstBit_ + distance;
         words_[end / kWordBits] |= std::uint64_t{1} << end % kWordBits;
     }
 
-    // Moves the bits above `at + distance` down; those between go.
-    void MoveDown(std::size_t at, std::size_t distance) {
+    // Moves those that are farther above it than `distance` down by that; those between go.
+    void MoveDown(std::size_t distance) {
         const std::size_t far = distance / kWordBits;
         const std::size_t near = distance % kWordBits;
-        const Words above = Above(at);
-        const Words kept = Above(at + distance);
-        const auto word = [&kept](std::size_t i) { return i < kept.size() ? kept[i] : 0; };
-        for (std::size_t i = at / kWordBits; i < words_.size(); ++i) {
+        const std::uint64_t below = words_[0] & ~Above(firstBit_);
+        const std::size_t end = firstBit_ + distance;
+        std::fill_n(words_.begin(), end / kWordBits, 0);
+        words_[end / kWordBits] &= Above(end % kWordBits);
+        const auto word = [this](std::size_t i) { return i < count_ ? words_[i] : 0; };
+        for (std::size_t i = 0; i < count_; ++i) {
             std::uint64_t moved = word(i + far) >> near;
             if (near != 0) moved |= word(i + far + 1) << (kWordBits - near);
-            words_[i] = (words_[i] & ~above[i]) | moved;
+            words_[i] = moved;
         }
+        words_[0] |= below;
     }
 
     void Store() {
         std::array<std::byte, sizeof words_> bytes{};
-        for (std::size_t i = 0; i < words_.size(); ++i) WriteU64(bytes, 8 * i, words_[i]);
-        std::copy_n(bytes.begin(), bitmap_.size(), bitmap_.begin());
+        for (std::size_t i = 0; i < count_; ++i) WriteU64(bytes, i * kWordBytes, words_[i]);
+        std::copy_n(bytes.begin(), bytes_.size(), bytes_.begin());
     }
 
 private:
-    using Words = std::array<std::uint64_t, (kJet4Format.entryBitmapSize + 7) / 8>;
+    static constexpr std::size_t kWordBytes = kWordBits / 8;
 
-    // The bits above number `at` alone.
-    [[nodiscard]] Words Above(std::size_t at) const {
-        Words above = words_;
-        const std::size_t word = at / kWordBits;
-        std::fill_n(above.begin(), std::min(word, above.size()), 0);
-        // Twice, since moving by the whole width at once is undefined.
-        if (word < above.size()) above[word] &= ~std::uint64_t{0} << at % kWordBits << 1;
-        return above;
+    // The bits of a word above number `bit`. Twice, since moving by the whole width at once is
+    // undefined.
+    static std::uint64_t Above(std::size_t bit) { return ~std::uint64_t{0} << bit << 1; }
+
+    // The last word reaches beyond the bitmap.
+    [[nodiscard]] std::uint64_t Load(std::size_t at) const {
+        if (at + kWordBytes <= bytes_.size()) return ReadU64(bytes_, at);
+        std::array<std::byte, kWordBytes> bytes{};
+        std::copy(bytes_.begin() + static_cast<std::ptrdiff_t>(at), bytes_.end(), bytes.begin());
+        return ReadU64(bytes, 0);
     }
 
-    MutableBytes bitmap_;
-    Words words_{};
+    MutableBytes bytes_;
+    std::size_t firstBit_;
+    std::size_t count_;
+    std::array<std::uint64_t, (kJet4Format.entryBitmapSize + 7) / 8> words_;
 };
 
 }  // namespace
@@ -86,8 +98,8 @@ void InsertStored(MutableBytes page, const Format& format, std::size_t used, std
     std::byte* area = &page[format.entryAreaAt];
     std::memmove(area + at + stored.size(), area + at, used - at);
     std::memcpy(area + at, stored.data(), stored.size());
-    Ends ends(page, format);
-    ends.MoveUp(at, stored.size());
+    Ends ends(page, format, at, used + stored.size());
+    ends.MoveUp(stored.size());
     ends.Store();
     WriteFree(page, format, used + stored.size());
 }
@@ -97,8 +109,8 @@ void EraseStored(MutableBytes page, const Format& format, std::size_t used, std:
     std::byte* area = &page[format.entryAreaAt];
     std::memmove(area + at, area + end, used - end);
     std::memset(area + used - (end - at), 0, end - at);
-    Ends ends(page, format);
-    ends.MoveDown(at, end - at);
+    Ends ends(page, format, at, used);
+    ends.MoveDown(end - at);
     ends.Store();
     WriteFree(page, format, used - (end - at));
 }

@@ -12,6 +12,7 @@
 
 #include "index/index_page.h"
 #include "index/index_tree.h"
+#include "index/leaf_search.h"
 
 namespace jet {
 
@@ -44,8 +45,16 @@ private:
     };
     using Path = std::vector<Step>;
 
-    // The leaf where an entry belongs; none below a node that has to be mended first.
-    [[nodiscard]] PageNumber FindLeaf(Bytes entry) const;
+    // The place of an entry, and where a node repeats it as the greatest one below.
+    struct LeafWay {
+        LeafPlace leaf;
+        PageNumber repeatedOn;
+        std::size_t repeatedAt = 0;
+    };
+
+    // None below a node that has to be mended first.
+    [[nodiscard]] std::optional<LeafWay> FindLeaf(Bytes entry) const;
+    bool RepeatInstead(PageNumber number, std::size_t at, const Key& old, const Key& greatest);
     [[nodiscard]] IndexPageContent Load(PageNumber page) const;
     void Save(PageNumber page, const IndexPageContent& content);
     PageNumber AddPage();

@@ -31,30 +31,36 @@ std::optional<bool> IsNew(const IndexPage& leaf, std::size_t at, Bytes key) {
 
 }  // namespace
 
-PageNumber TreeChange::FindLeaf(Bytes entry) const {
+std::optional<TreeChange::LeafWay> TreeChange::FindLeaf(Bytes entry) const {
     PageNumber number = root_;
+    PageNumber repeatedOn;
+    std::size_t repeatedAt = 0;
     for (int depth = 0; depth < kDeepestTree; ++depth) {
-        const PageRef page = pager_.Page(number);
+        PageRef page = pager_.Page(number);
         const IndexPage stored(page.Data(), format_, number, table_);
-        if (stored.IsLeaf()) {
-            return stored.FreeField() == format_.entryCapacity - stored.End() ? number
-                                                                              : PageNumber{};
-        }
         const std::size_t at = stored.Find({entry, EntryBound::Rule::kNotBelow});
+        if (stored.IsLeaf()) {
+            if (stored.FreeField() != format_.entryCapacity - stored.End()) break;
+            return LeafWay{{std::move(page), stored, at}, repeatedOn, repeatedAt};
+        }
+        if (Holds(stored, at, entry)) {
+            // Only a damaged tree repeats it twice.
+            if (repeatedOn) break;
+            repeatedOn = number;
+            repeatedAt = at;
+        }
         number = at == stored.End() ? stored.Tail() : stored.Child(at);
         if (!number) break;
     }
-    return {};
+    return std::nullopt;
 }
 
 std::optional<bool> TreeChange::InsertInPlace(Bytes key, RowId row, const IndexTree& tree) {
     if (!IsKeySize(key.size(), format_)) return std::nullopt;
     const Key entry = EntryBytes(key, row);
-    const PageNumber number = FindLeaf(entry);
-    if (!number) return std::nullopt;
-    const PageRef page = pager_.Page(number);
-    const IndexPage leaf(page.Data(), format_, number, table_);
-    const std::size_t at = leaf.Find({entry, EntryBound::Rule::kNotBelow});
+    const auto way = FindLeaf(entry);
+    if (!way) return std::nullopt;
+    const auto& [page, leaf, at] = way->leaf;
     const std::size_t prefix = at == 0 ? 0 : leaf.PrefixSize();
     if (at == 0 && leaf.PrefixSize() != 0) return std::nullopt;
     if (prefix != 0 && !StartsWith(entry, page.Data().subspan(format_.entryAreaAt, prefix))) {
@@ -67,23 +73,38 @@ std::optional<bool> TreeChange::InsertInPlace(Bytes key, RowId row, const IndexT
     }
     const std::optional<bool> told = IsNew(leaf, at, key);
     const bool isNew = told ? *told : !tree.HasKey(key);
-    InsertStored(operation_.Change(number), format_, leaf.End(), at, stored);
+    InsertStored(operation_.Change(page.Number()), format_, leaf.End(), at, stored);
     return isNew;
 }
 
 bool TreeChange::EraseInPlace(Bytes key, RowId row) {
     const Key entry = EntryBytes(key, row);
-    const PageNumber number = FindLeaf(entry);
-    if (!number) return false;
-    const PageRef page = pager_.Page(number);
-    const IndexPage leaf(page.Data(), format_, number, table_);
-    const std::size_t at = leaf.Find({entry, EntryBound::Rule::kNotBelow});
-    if (at == leaf.End() || (at == 0 && leaf.PrefixSize() != 0)) return false;
+    const auto way = FindLeaf(entry);
+    if (!way) return false;
+    const auto& [page, leaf, at] = way->leaf;
+    if (!Holds(leaf, at, entry) || (at == 0 && leaf.PrefixSize() != 0)) return false;
     const std::size_t end = leaf.After(at);
-    // The greatest entry of a leaf stands in a node too, and an empty leaf has to go.
-    if (end == leaf.End() && number != root_) return false;
-    if (!Holds(leaf, at, entry)) return false;
-    EraseStored(operation_.Change(number), format_, leaf.End(), at, end);
+    // An empty leaf has to go.
+    if (at == 0 && end == leaf.End() && page.Number() != root_) return false;
+    if (way->repeatedOn) {
+        if (at == 0 || end != leaf.End()) return false;
+        Key greatest;
+        leaf.Read(leaf.Before(at), greatest);
+        if (!RepeatInstead(way->repeatedOn, way->repeatedAt, entry, greatest)) return false;
+    }
+    EraseStored(operation_.Change(page.Number()), format_, leaf.End(), at, end);
+    return true;
+}
+
+// The greatest entry of a leaf stands in a node too. Another one of the same size takes its place.
+bool TreeChange::RepeatInstead(PageNumber number, std::size_t at, const Key& old,
+                               const Key& greatest) {
+    if (old.size() != greatest.size()) return false;
+    const PageRef page = pager_.Page(number);
+    const IndexPage node(page.Data(), format_, number, table_);
+    if (node.PrefixSize() != 0) return false;
+    const MutableBytes area = operation_.Change(number).subspan(format_.entryAreaAt);
+    std::copy(greatest.begin(), greatest.end(), area.begin() + static_cast<std::ptrdiff_t>(at));
     return true;
 }
 
