@@ -21,6 +21,17 @@ TEST(ConvertText, EveryLengthOfCharacter_ComesBack) {
     EXPECT_EQ(reused, "");
 }
 
+TEST(ConvertText, OneLetterBeyondAscii_AtAnyPlace_ComesBack) {
+    for (std::size_t place = 0; place < 40; ++place) {
+        std::u16string text(40, u'x');
+        text[place] = u'\u00E4';
+        std::string utf8(40, 'x');
+        utf8.replace(place, 1, "\xC3\xA4");
+        EXPECT_EQ(ToUtf8(text), utf8);
+        EXPECT_EQ(ToUtf16(utf8), text);
+    }
+}
+
 TEST(ConvertText, WhatIsNoCharacter_IsReplaced) {
     const std::u16string halves = {0xD800, u'a', 0xDC00};
     EXPECT_EQ(ToUtf8(halves),

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace jet {
 
@@ -23,6 +24,13 @@ constexpr std::array<char16_t, 256> kCharacters = [] {
     return characters;
 }();
 
+std::optional<std::byte> CodePageByte(char16_t unit) {
+    if (unit < kFirst || (unit > 0x9F && unit <= 0xFF)) return static_cast<std::byte>(unit);
+    const auto* const found = std::find(kUpper.begin(), kUpper.end(), unit);
+    if (found == kUpper.end()) return std::nullopt;
+    return static_cast<std::byte>(kFirst + (found - kUpper.begin()));
+}
+
 }  // namespace
 
 char16_t CodePageCharacter(std::byte byte) {
@@ -43,24 +51,20 @@ std::u16string DecodeCodePage(std::string_view bytes) {
 }
 
 std::string EncodeCodePage(std::u16string_view text, bool* complete) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for (const char16_t unit : text) {
-        if (unit < kFirst || (unit > 0x9F && unit <= 0xFF)) {
-            bytes.push_back(static_cast<char>(unit));
-            continue;
-        }
-        const auto* const found = std::find(kUpper.begin(), kUpper.end(), unit);
-        if (found != kUpper.end()) {
-            bytes.push_back(static_cast<char>(kFirst + (found - kUpper.begin())));
-            continue;
-        }
-        bytes.push_back('?');
-        if (complete != nullptr) {
-            *complete = false;
-        }
-    }
+    std::string bytes(text.size(), '\0');
+    std::transform(text.begin(), text.end(), bytes.begin(), [&](char16_t unit) {
+        const auto byte = CodePageByte(unit);
+        if (!byte && complete != nullptr) *complete = false;
+        return byte ? static_cast<char>(*byte) : '?';
+    });
     return bytes;
+}
+
+void EncodeCodePage(std::u16string_view text, std::vector<std::byte>& into) {
+    const std::size_t before = into.size();
+    into.resize(before + text.size());
+    std::transform(text.begin(), text.end(), into.begin() + static_cast<std::ptrdiff_t>(before),
+                   [](char16_t unit) { return CodePageByte(unit).value_or(std::byte{'?'}); });
 }
 
 }  // namespace jet

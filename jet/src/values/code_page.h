@@ -6,6 +6,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "page/types.h"
 
@@ -17,5 +18,7 @@ std::u16string DecodeCodePage(std::string_view bytes);
 void DecodeCodePage(Bytes bytes, std::u16string& into);
 // Characters outside the code page become question marks; `complete`, when given, then turns false.
 std::string EncodeCodePage(std::u16string_view text, bool* complete = nullptr);
+// The same behind what is there.
+void EncodeCodePage(std::u16string_view text, std::vector<std::byte>& into);
 
 }  // namespace jet

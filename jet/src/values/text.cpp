@@ -1,8 +1,10 @@
 #include "values/text.h"
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <span>
 
 #include "values/code_page.h"
 
@@ -19,8 +21,10 @@ bool IsCompressed(Bytes stored) {
 }
 
 char16_t UnitAt(Bytes stored, std::size_t at) {
-    return static_cast<char16_t>(static_cast<unsigned>(stored[at]) |
-                                 static_cast<unsigned>(stored[at + 1]) << 8);
+    std::uint16_t unit = 0;
+    std::memcpy(&unit, stored.data() + at, sizeof unit);
+    if constexpr (std::endian::native != std::endian::little) unit = __builtin_bswap16(unit);
+    return static_cast<char16_t>(unit);
 }
 
 void DecodePlain(Bytes stored, std::u16string& into) {
@@ -67,6 +71,7 @@ bool CanCompress(std::u16string_view text) {
 }
 
 void AppendCompressed(std::u16string_view text, std::vector<std::byte>& into) {
+    into.reserve(into.size() + 2 + text.size());
     into.push_back(std::byte{0xFF});
     into.push_back(std::byte{0xFE});
     bool narrow = true;
@@ -81,6 +86,11 @@ void AppendCompressed(std::u16string_view text, std::vector<std::byte>& into) {
 }
 
 void AppendPlain(std::u16string_view text, std::vector<std::byte>& into) {
+    if constexpr (std::endian::native == std::endian::little) {
+        const auto* bytes = reinterpret_cast<const std::byte*>(text.data());
+        into.insert(into.end(), bytes, bytes + 2 * text.size());
+        return;
+    }
     auto at = into.size();
     into.resize(at + 2 * text.size());
     for (const char16_t unit : text) {
@@ -150,19 +160,51 @@ char32_t NextCodePoint(const Unit& unit, std::size_t count, std::size_t& at) {
     return kReplacement;
 }
 
-// Appends units as UTF-8. Most texts are ASCII, which the first loop takes in one go.
+// Puts the characters that UTF-16 begins with, as long as they are ASCII, where `to` points, and
+// tells how many they are. Pieces of a fixed length are what a compiler makes a few instructions
+// of.
+std::size_t PutAscii(Bytes utf16, char* to) {
+    if constexpr (std::endian::native != std::endian::little) return 0;
+    constexpr std::size_t kPiece = 16;
+    std::array<std::uint16_t, kPiece> units;
+    std::array<char, kPiece> narrow;
+    std::size_t at = 0;
+    while (2 * (at + kPiece) <= utf16.size()) {
+        std::memcpy(units.data(), utf16.data() + 2 * at, sizeof units);
+        std::uint16_t all = 0;
+        for (const std::uint16_t unit : units) all |= unit;
+        if (all >= 0x80) break;
+        for (std::size_t i = 0; i < kPiece; ++i) narrow[i] = static_cast<char>(units[i]);
+        std::memcpy(to + at, narrow.data(), kPiece);
+        at += kPiece;
+    }
+    for (; 2 * at + 1 < utf16.size() && UnitAt(utf16, 2 * at) < 0x80; ++at) {
+        to[at] = static_cast<char>(UnitAt(utf16, 2 * at));
+    }
+    return at;
+}
+
+// Appends the units from `at` on as UTF-8.
 template <typename Unit>
-void AppendUnits(const Unit& unit, std::size_t count, std::string& into) {
+void AppendUnits(const Unit& unit, std::size_t at, std::size_t count, std::string& into) {
     constexpr std::size_t kMostBytes = 3;  // of one unit; a pair of them takes four
     const std::size_t before = into.size();
-    into.resize(before + count);
-    std::size_t at = 0;
-    for (; at < count && unit(at) < 0x80; ++at) into[before + at] = static_cast<char>(unit(at));
-    if (at == count) return;
-    into.resize(before + at + kMostBytes * (count - at));
-    char* to = into.data() + before + at;
+    into.resize(before + kMostBytes * (count - at));
+    char* to = into.data() + before;
     while (at < count) to = PutUtf8(NextCodePoint(unit, count, at), to);
     into.resize(static_cast<std::size_t>(to - into.data()));
+}
+
+// Most texts are ASCII and nothing else. `unit(i)` gives the unit i of the same text.
+template <typename Unit>
+void AppendUtf16(Bytes utf16, const Unit& unit, std::string& into) {
+    const std::size_t before = into.size();
+    const std::size_t count = utf16.size() / 2;
+    into.resize(before + count);
+    const std::size_t ascii = PutAscii(utf16, into.data() + before);
+    if (ascii == count) return;
+    into.resize(before + ascii);
+    AppendUnits(unit, ascii, count, into);
 }
 
 bool IsAscii(Bytes bytes) {
@@ -186,7 +228,7 @@ void AppendNarrow(Bytes bytes, const Character& character, std::string& into) {
         into.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
         return;
     }
-    AppendUnits([&](std::size_t at) { return character(bytes[at]); }, bytes.size(), into);
+    AppendUnits([&](std::size_t at) { return character(bytes[at]); }, 0, bytes.size(), into);
 }
 
 // The units of a compressed text that are no narrow run without surrogates are rare, so these take
@@ -223,8 +265,8 @@ void DecodeText(Bytes stored, Version version, std::string& into) {
     } else if (IsCompressed(stored)) {
         AppendCompressedUtf8(stored, into);
     } else {
-        AppendUnits([&](std::size_t at) { return UnitAt(stored, 2 * at); }, stored.size() / 2,
-                    into);
+        AppendUtf16(
+            stored, [&](std::size_t at) { return UnitAt(stored, 2 * at); }, into);
     }
 }
 
@@ -235,7 +277,7 @@ bool IsCompressedText(Bytes stored, Version version) {
 void EncodeText(std::u16string_view text, Version version, bool compress,
                 std::vector<std::byte>& into) {
     if (version == Version::kJet3) {
-        for (const char c : EncodeCodePage(text)) into.push_back(static_cast<std::byte>(c));
+        EncodeCodePage(text, into);
         return;
     }
     // Stored plainly, a text that begins with this unit would read as a compressed one.
@@ -278,7 +320,8 @@ std::string NarrowName(std::u16string_view name) {
 }
 
 void AppendUtf8(std::u16string_view text, std::string& into) {
-    AppendUnits([&](std::size_t at) { return text[at]; }, text.size(), into);
+    AppendUtf16(
+        std::as_bytes(std::span(text)), [&](std::size_t at) { return text[at]; }, into);
 }
 
 }  // namespace jet
