@@ -142,9 +142,30 @@ void ConvertToReferences(Operation& operation, RowId row, const std::vector<Page
     for (const PageNumber member : members) AddReferenced(operation, row, member);
 }
 
+// Lengthens an inline map whose members reach back too far for another start, the usual way for the
+// map of a table that grows. False, and nothing done, in any other case.
+bool AddBehind(Operation& operation, const UsageMap& map, PageNumber page) {
+    const RowId row = map.Row();
+    const MutableBytes bytes = ChangeRow(operation, row);
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    const std::uint32_t coverage = 8 * (length - kInlineMapHead);
+    const std::uint32_t start = ReadU32(bytes, 1);
+    const auto first = map.NextFrom(PageNumber{0});
+    const bool goesBack = first && first->value - first->value % 8 == start;
+    if (page.value < start + coverage || page.value < coverage || !goesBack) return false;
+    const std::uint32_t steps = (page.value - start - coverage) / 32 + 1;
+    if (!LengthenMapRow(operation.Change(row.page), operation.FileFormat(), row.slot,
+                        length + 4 * steps, std::byte{0})) {
+        return false;
+    }
+    SetBit(ChangeRow(operation, row).subspan(kInlineMapHead), page.value - start);
+    return true;
+}
+
 // Lets an inline map reach a page outside it: by another start where the members are close
 // together, else by a longer row, else as a reference map.
 void AddBeyond(Operation& operation, const UsageMap& map, PageNumber page) {
+    if (AddBehind(operation, map, page)) return;
     const RowId row = map.Row();
     std::vector<PageNumber> members = Members(map);
     members.insert(std::lower_bound(members.begin(), members.end(), page), page);
