@@ -166,6 +166,39 @@ TEST_P(LongValueTest, ReleaseOfWhatLiesInTheRow_ChangesNothing) {
     EXPECT_EQ(PagesOf(owned_), 1);
 }
 
+TEST_P(LongValueTest, Replace_WhereThePageHasRoom_KeepsThePlace) {
+    const auto neighbour = Write(300, std::byte{1});
+    const auto old = Write(300);
+    const auto last = Write(300, std::byte{2});
+    for (const std::size_t size : {std::size_t{100}, std::size_t{300}, std::size_t{500}}) {
+        std::vector<std::byte> inRow;
+        Store().Replace(*operation_, old, std::vector<std::byte>(size, std::byte{9}), size, inRow);
+        EXPECT_EQ(ReadLongValueHead(inRow)->first, ReadLongValueHead(old)->first) << size;
+        EXPECT_EQ(Read(inRow), std::vector<std::byte>(size, std::byte{9})) << size;
+        EXPECT_EQ(Read(neighbour), std::vector<std::byte>(300, std::byte{1})) << size;
+        EXPECT_EQ(Read(last), std::vector<std::byte>(300, std::byte{2})) << size;
+    }
+    EXPECT_EQ(PagesOf(owned_), 1);
+}
+
+TEST_P(LongValueTest, Replace_OfAnyForm_ByAnyForm_GivesTheOldOneBack) {
+    const std::size_t chunk = FileFormat().longValueChunk;
+    for (const std::size_t before : {std::size_t{0}, std::size_t{300}, chunk - 100, 3 * chunk}) {
+        for (const std::size_t after : {std::size_t{0}, std::size_t{300}, chunk - 100, 3 * chunk}) {
+            const auto filler = Write(300);
+            const auto old = Write(before);
+            std::vector<std::byte> inRow;
+            Store().Replace(*operation_, old, std::vector<std::byte>(after, std::byte{9}), after,
+                            inRow);
+            EXPECT_EQ(Read(inRow), std::vector<std::byte>(after, std::byte{9}));
+            EXPECT_EQ(Read(filler), std::vector<std::byte>(300, std::byte{7}));
+            Store().Release(*operation_, inRow);
+            Store().Release(*operation_, filler);
+            EXPECT_EQ(PagesOf(owned_), 0) << before << " " << after;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(BothVersions, LongValueTest,
                          testing::Values(Version::kJet3, Version::kJet4),
                          [](const auto& tested) { return VersionName(tested.param); });

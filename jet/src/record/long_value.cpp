@@ -168,7 +168,7 @@ void LongValueStore::Write(Operation& operation, Bytes value, std::size_t plainL
         inRow.insert(inRow.end(), value.begin(), value.end());
         return;
     }
-    if (plainLength <= format.longValueOnePage) {
+    if (FitsOnePage(plainLength)) {
         AppendHead(value.size(), LongValueForm::kRow, Append(operation, value), inRow);
         return;
     }
@@ -186,6 +186,38 @@ void LongValueStore::Write(Operation& operation, Bytes value, std::size_t plainL
         end = start;
     }
     AppendHead(value.size(), LongValueForm::kChain, next, inRow);
+}
+
+void LongValueStore::Replace(Operation& operation, Bytes old, Bytes value, std::size_t plainLength,
+                             std::vector<std::byte>& inRow) {
+    const auto head = ReadLongValueHead(old);
+    if (head && head->form == LongValueForm::kRow && FitsOnePage(plainLength) &&
+        Overwrite(operation, head->first, value)) {
+        AppendHead(value.size(), LongValueForm::kRow, head->first, inRow);
+        return;
+    }
+    Write(operation, value, plainLength, inRow);
+    Release(operation, old);
+}
+
+// Changes one page where writing anew and giving back would change two or three. False, and nothing
+// done, when the page has no room.
+bool LongValueStore::Overwrite(Operation& operation, RowId row, Bytes value) {
+    const Format& format = pager_->FileFormat();
+    const auto length = static_cast<std::uint32_t>(value.size());
+    std::uint32_t oldLength = 0;
+    {
+        const LongValueRow stored = ReadRow(*pager_, row);
+        if (!owned_.Contains(row.page)) ThrowBadValue();
+        if (!CanResize(stored.page.Data(), format, row.slot, length)) return false;
+        oldLength = static_cast<std::uint32_t>(stored.bytes.size());
+    }
+    const MutableBytes page = operation.Change(row.page);
+    ResizeRow(page, format, row.slot, length);
+    const Slot slot = ReadSlot(page, format, row.slot);
+    std::copy(value.begin(), value.end(), page.begin() + slot.start);
+    if (length < oldLength) EnterFree(operation, row.page);
+    return true;
 }
 
 void LongValueStore::Release(Operation& operation, Bytes inRow) {
@@ -216,14 +248,18 @@ RowId LongValueStore::Append(Operation& operation, Bytes row) {
 
 PageNumber LongValueStore::PageWithRoom(Operation& operation, std::uint32_t length) {
     const Format& format = pager_->FileFormat();
-    std::optional<PageNumber> page = free_ ? free_->NextFrom(PageNumber{0}) : std::nullopt;
+    std::optional<PageNumber> page = free_ ? free_->NextFrom(roomHint_) : std::nullopt;
+    if (free_ && !page && roomHint_) page = free_->NextFrom(PageNumber{0});
     // A whole page is asked for by the parts of a chain; searching the others would be in vain.
     while (page && length < format.longValueChunk) {
         const PageRef candidate = pager_->Page(*page);
         if (!IsDataPage(candidate.Data()) || PageOwner(candidate.Data()) != kLongValueOwner) {
             ThrowBadValue();
         }
-        if (HasRoomFor(candidate.Data(), format, length)) return *page;
+        if (HasRoomFor(candidate.Data(), format, length)) {
+            roomHint_ = *page;
+            return *page;
+        }
         free_->Remove(operation, *page);
         page = free_->NextFrom(PageNumber{page->value + 1});
     }
@@ -235,7 +271,9 @@ PageNumber LongValueStore::PageWithRoom(Operation& operation, std::uint32_t leng
 }
 
 void LongValueStore::EnterFree(Operation& operation, PageNumber page) {
-    if (free_ && !free_->Contains(page)) free_->Add(operation, page);
+    if (!free_) return;
+    if (!free_->Contains(page)) free_->Add(operation, page);
+    roomHint_ = std::min(roomHint_, page);
 }
 
 void LongValueStore::ReleaseRow(Operation& operation, RowId row) {

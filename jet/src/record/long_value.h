@@ -76,10 +76,19 @@ public:
     // compression and decides about the form.
     void Write(Operation& operation, Bytes value, std::size_t plainLength,
                std::vector<std::byte>& inRow);
+    // The same in the place of a value that is stored already; what that had outside the row is
+    // given back, or used again.
+    void Replace(Operation& operation, Bytes old, Bytes value, std::size_t plainLength,
+                 std::vector<std::byte>& inRow);
     // Gives back everything outside the row.
     void Release(Operation& operation, Bytes inRow);
 
 private:
+    [[nodiscard]] bool FitsOnePage(std::size_t plainLength) const {
+        const Format& format = pager_->FileFormat();
+        return plainLength > format.longValueInRow && plainLength <= format.longValueOnePage;
+    }
+    bool Overwrite(Operation& operation, RowId row, Bytes value);
     RowId Append(Operation& operation, Bytes row);
     PageNumber PageWithRoom(Operation& operation, std::uint32_t length);
     void EnterFree(Operation& operation, PageNumber page);
@@ -88,6 +97,7 @@ private:
     Pager* pager_;
     UsageMap owned_;
     std::optional<UsageMap> free_;
+    PageNumber roomHint_;  // pages below it are full or unlisted
 };
 
 }  // namespace jet

@@ -6,7 +6,6 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
-#include "record/long_value.h"
 #include "values/text.h"
 
 namespace jet {
@@ -51,6 +50,11 @@ Table::Table(Pager& pager, std::string name, Definition definition, TableFamily*
                   return definition_.columns[left].variableIndex <
                          definition_.columns[right].variableIndex;
               });
+    longValues_.resize(definition_.columns.size());
+    for (std::size_t i = 0; i < longValues_.size(); ++i) {
+        const LongValueMaps* maps = definition_.FindLongValueMaps(definition_.columns[i].number);
+        if (maps != nullptr && maps->owned) longValues_[i].emplace(pager, maps->owned, maps->free);
+    }
     newKeys_.resize(indexes_.size());
     oldKeys_.resize(indexes_.size());
 }
@@ -167,16 +171,18 @@ RowValues Table::WithAutoNumbers(Operation& operation, const RowValues& row) {
     return numbered;
 }
 
-void Table::BuildLongValue(Operation& operation, const Column& column, const Value& value,
-                           std::vector<std::byte>& into) {
-    const LongValueMaps* maps = definition_.FindLongValueMaps(column.number);
-    if (maps == nullptr || !maps->owned) {
-        throw Error(ErrorKind::kUnsupported, "The field '" + column.name +
+LongValueStore& Table::LongValuesOf(std::size_t column) {
+    if (!longValues_[column]) {
+        throw Error(ErrorKind::kUnsupported, "The field '" + definition_.columns[column].name +
                                                  "' has no list of its pages, so it is not "
                                                  "written to.");
     }
+    return *longValues_[column];
+}
+
+void Table::EncodeLongValue(const Value& value, std::size_t& plainLength) {
     longValue_.clear();
-    std::size_t plainLength = 0;
+    plainLength = 0;
     if (const auto* text = std::get_if<std::u16string>(&value.Get())) {
         plainLength = text->size() * pager_->FileFormat().bytesPerCharacter;
         EncodeText(*text, definition_.version, plainLength <= pager_->FileFormat().longValueInRow,
@@ -186,8 +192,18 @@ void Table::BuildLongValue(Operation& operation, const Column& column, const Val
         plainLength = bytes->size();
         longValue_.assign(bytes->begin(), bytes->end());
     }
-    LongValueStore(*pager_, maps->owned, maps->free)
-        .Write(operation, longValue_, plainLength, into);
+}
+
+void Table::BuildLongValue(Operation& operation, std::size_t column, const Value& value,
+                           const RowView* old, std::vector<std::byte>& into) {
+    LongValueStore& store = LongValuesOf(column);
+    std::size_t plainLength = 0;
+    EncodeLongValue(value, plainLength);
+    if (const auto stored = OldBytes(old, column)) {
+        store.Replace(operation, *stored, longValue_, plainLength, into);
+    } else {
+        store.Write(operation, longValue_, plainLength, into);
+    }
 }
 
 std::optional<Bytes> Table::OldBytes(const RowView* old, std::size_t column) const {
@@ -228,9 +244,10 @@ void Table::BuildVariablePart(Operation& operation, const RowValues& row, const 
             if (!bytes) continue;
             into.insert(into.end(), bytes->begin(), bytes->end());
         } else if (row.values[i].IsNull()) {
+            if (old != nullptr) ReleaseLongValue(operation, i, *old);
             continue;
         } else if (IsLongValue(column.type)) {
-            BuildLongValue(operation, column, row.values[i], into);
+            BuildLongValue(operation, i, row.values[i], old, into);
         } else {
             EncodeValue(column, row.values[i], definition_.version, into);
         }
@@ -246,20 +263,15 @@ Bytes Table::BuildRow(Operation& operation, const RowValues& row, const RowView*
     return builder_.Finish();
 }
 
-void Table::ReleaseLongValues(Operation& operation, const RowView& old,
-                              const RowValues* replacedBy) {
-    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
-        const Column& column = definition_.columns[i];
-        if (!IsLongValue(column.type) || (replacedBy != nullptr && !replacedBy->given[i])) continue;
-        const auto bytes = ColumnBytes(old, i);
-        const auto head = bytes ? ReadLongValueHead(*bytes) : std::nullopt;
-        if (!head || head->form == LongValueForm::kInline) continue;
-        const LongValueMaps* maps = definition_.FindLongValueMaps(column.number);
-        if (maps == nullptr || !maps->owned) {
-            ThrowDamaged("The file is damaged: the pages of a long value are not listed.");
-        }
-        LongValueStore(*pager_, maps->owned, maps->free).Release(operation, *bytes);
+void Table::ReleaseLongValue(Operation& operation, std::size_t column, const RowView& old) {
+    if (!IsLongValue(definition_.columns[column].type)) return;
+    const auto bytes = ColumnBytes(old, column);
+    const auto head = bytes ? ReadLongValueHead(*bytes) : std::nullopt;
+    if (!head || head->form == LongValueForm::kInline) return;
+    if (!longValues_[column]) {
+        ThrowDamaged("The file is damaged: the pages of a long value are not listed.");
     }
+    longValues_[column]->Release(operation, *bytes);
 }
 
 RowView Table::TakeOldRow(RowId id) {
@@ -315,16 +327,18 @@ std::vector<std::size_t> Table::ChangedIndexes(const RowValues& row, const Colum
     return changed;
 }
 
-void Table::Update(Operation& operation, RowId id, const RowValues& row) {
+bool Table::Update(Operation& operation, RowId id, const RowValues& row) {
     std::vector<RowChange> cascade;
-    UpdateOne(operation, id, row, cascade);
+    bool indexChanged = UpdateOne(operation, id, row, cascade);
     for (std::size_t i = 0; i < cascade.size(); ++i) {
         const RowChange change = std::move(cascade[i]);
-        change.place.table->UpdateOne(operation, change.place.row, change.values, cascade);
+        indexChanged |=
+            change.place.table->UpdateOne(operation, change.place.row, change.values, cascade);
     }
+    return indexChanged;
 }
 
-void Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
+bool Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
                       std::vector<RowChange>& cascade) {
     RequireWritable();
     const RowView old = TakeOldRow(id);
@@ -338,7 +352,6 @@ void Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
     const std::vector<std::size_t> changed = ChangedIndexes(row, oldValue, newValue);
     relations_.CascadeUpdate(row, oldValue, newValue, cascade);
     rows_.Replace(operation, id, BuildRow(operation, row, &old));
-    ReleaseLongValues(operation, old, &row);
     for (const std::size_t i : changed) {
         EraseKey(operation, i, oldKeys_[i], id);
         EnterKey(operation, i, newKeys_[i], id);
@@ -349,6 +362,7 @@ void Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
         }
     }
     relations_.RequireParents(row, false, newValue);
+    return !changed.empty();
 }
 
 void Table::Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted) {
@@ -377,7 +391,8 @@ void Table::DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cas
         indexes_[i]->MakeRowKey(value, oldKeys_[i]);
         EraseKey(operation, i, oldKeys_[i], id);
     }
-    ReleaseLongValues(operation, old, nullptr);
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i)
+        ReleaseLongValue(operation, i, old);
     rows_.Remove(operation, id);
     Counters().AddRows(operation, -1);
 }

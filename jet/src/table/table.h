@@ -12,6 +12,7 @@
 #include "jet/value.h"
 #include "page/operation.h"
 #include "page/pager.h"
+#include "record/long_value.h"
 #include "record/row.h"
 #include "table/definition.h"
 #include "table/relations.h"
@@ -58,22 +59,25 @@ public:
     // kUnsupported and those of the pager. Changes and deletions go on to other rows where a
     // relationship says so; `deleted` takes all rows that were deleted.
     RowId Insert(Operation& operation, const RowValues& row);
-    void Update(Operation& operation, RowId id, const RowValues& row);
+    // True when an index has other entries now.
+    bool Update(Operation& operation, RowId id, const RowValues& row);
     void Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted);
 
 private:
     void RequireWritable() const;
     void RequireIndex(const TableIndex& index) const;
-    void UpdateOne(Operation& operation, RowId id, const RowValues& row,
+    bool UpdateOne(Operation& operation, RowId id, const RowValues& row,
                    std::vector<RowChange>& cascade);
     void DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade);
     // kDuplicateKey; the entry that was made goes with the operation.
     void EnterKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
     void EraseKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
     Bytes BuildRow(Operation& operation, const RowValues& row, const RowView* old);
-    void BuildLongValue(Operation& operation, const Column& column, const Value& value,
-                        std::vector<std::byte>& into);
-    void ReleaseLongValues(Operation& operation, const RowView& old, const RowValues* replacedBy);
+    [[nodiscard]] LongValueStore& LongValuesOf(std::size_t column);
+    void EncodeLongValue(const Value& value, std::size_t& plainLength);
+    void BuildLongValue(Operation& operation, std::size_t column, const Value& value,
+                        const RowView* old, std::vector<std::byte>& into);
+    void ReleaseLongValue(Operation& operation, std::size_t column, const RowView& old);
     RowValues WithAutoNumbers(Operation& operation, const RowValues& row);
     void RaiseAutoNumber(Operation& operation, std::int32_t value);
     void BuildFixedPart(const RowValues& row, const RowView* old);
@@ -94,7 +98,8 @@ private:
     Relations relations_;
     RowStore rows_;
     std::vector<std::unique_ptr<TableIndex>> indexes_;
-    std::vector<std::size_t> variableOrder_;  // positions of the variable columns
+    std::vector<std::size_t> variableOrder_;                 // positions of the variable columns
+    std::vector<std::optional<LongValueStore>> longValues_;  // by column
     bool hasAutoColumn_ = false;
     bool dropped_ = false;
     // Memory that is used again from one row to the next.
