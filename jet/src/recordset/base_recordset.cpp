@@ -343,13 +343,17 @@ void BaseRecordset::FillDefaults() {
         if (columns[i].type == ColumnType::kBoolean) values_.values[i] = false;
         if (columns[i].autoNumber) {
             values_.values[i] = static_cast<std::int32_t>(table_->Counters().LastAutoNumber() + 1);
-            continue;
+        } else if (!columns[i].defaultValue.empty()) {
+            FillDefault(i);
         }
-        const auto value = LiteralDefault(columns[i], table_->Def().version);
-        if (!value) continue;
-        values_.values[i] = *value;
-        values_.given[i] = true;
     }
+}
+
+void BaseRecordset::FillDefault(std::size_t column) {
+    const auto value = LiteralDefault(table_->Def().columns[column], table_->Def().version);
+    if (!value) return;
+    values_.values[column] = *value;
+    values_.given[column] = true;
 }
 
 void BaseRecordset::Edit() {
@@ -416,13 +420,14 @@ void BaseRecordset::Update() {
         RequireEdit();
         if (edit_ == EditKind::kEdit) RequireCurrent();
         RowId row = row_;
+        bool indexChanged = false;
         if (edit_ == EditKind::kAdd) MakeRoomForRow();
         {
             Operation operation(table_->Pages());
             if (edit_ == EditKind::kAdd) {
                 row = table_->Insert(operation, values_);
             } else {
-                table_->Update(operation, row_, values_);
+                indexChanged = table_->Update(operation, row_, values_);
             }
             operation.Commit();
         }
@@ -430,7 +435,7 @@ void BaseRecordset::Update() {
         DropEdit();
         if (kind == EditKind::kAdd) {
             RowAdded(row);
-        } else {
+        } else if (indexChanged) {
             CurrentChanged();
         }
     });

@@ -143,6 +143,7 @@ private:
     void AppendTo(FieldId field, ColumnType type, Piece piece);
     void PrepareValues();
     void FillDefaults();
+    void FillDefault(std::size_t column);
 
     std::shared_ptr<OpenFile> file_;
     Table* table_;
