@@ -1,5 +1,6 @@
 #include "values/text.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -71,9 +72,15 @@ bool CanCompress(std::u16string_view text) {
 }
 
 void AppendCompressed(std::u16string_view text, std::vector<std::byte>& into) {
-    into.reserve(into.size() + 2 + text.size());
     into.push_back(std::byte{0xFF});
     into.push_back(std::byte{0xFE});
+    if (std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x100; })) {
+        const std::size_t before = into.size();
+        into.resize(before + text.size());
+        std::transform(text.begin(), text.end(), into.begin() + static_cast<std::ptrdiff_t>(before),
+                       [](char16_t unit) { return static_cast<std::byte>(unit); });
+        return;
+    }
     bool narrow = true;
     for (const char16_t unit : text) {
         if ((unit < 0x100) != narrow) {
