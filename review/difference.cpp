@@ -6,7 +6,6 @@
 
 #include "review/figures.h"
 #include "review/json.h"
-#include "review/wording.h"
 #include "season/text.h"
 
 namespace review {
@@ -287,7 +286,22 @@ void Comparison::Compare(const Location* older, const Location* newer, const Dif
 }
 
 std::string Escaped(std::string_view text) {
-    return OnOneLine(text, Backslash::kDoubled);
+    std::string line;
+    for (const char c : season::WellFormed(text)) {
+        const auto code = static_cast<unsigned char>(c);
+        if (c == '\\') {
+            line += "\\\\";
+        } else if (c == '\t') {
+            line += "\\t";
+        } else if (c == '\n') {
+            line += "\\n";
+        } else if (c == '\r') {
+            line += "\\r";
+        } else {
+            line += code < 0x20 || code == 0x7F ? '?' : c;
+        }
+    }
+    return line;
 }
 
 std::string JsonContent(const Content& content) {
@@ -318,27 +332,30 @@ std::string TextOf(const Content& content) {
 }
 
 std::string Difference::Place() const {
-    PlaceWords words;
+    std::string words;
+    const auto add = [&words](const std::string& part) {
+        words += (words.empty() ? "" : ", ") + part;
+    };
     for (const auto* const name : {&goal, &zone}) {
         if (*name) {
-            words.Add(season::IsBlank(**name) ? "(no name)" : **name);
+            add(season::IsBlank(**name) ? "(no name)" : **name);
         }
     }
     if (location) {
-        words.Add("location " + std::to_string(*location));
+        add("location " + std::to_string(*location));
     }
     if (resource) {
-        words.Add(season::IsBlank(*resource) ? "(no name)" : *resource);
+        add(season::IsBlank(*resource) ? "(no name)" : *resource);
     }
     if (sizeClass) {
-        words.Add("class " + std::to_string(*sizeClass));
+        add("class " + std::to_string(*sizeClass));
     }
     if (fil) {
-        words.Add("FIL " + std::to_string(*fil));
+        add("FIL " + std::to_string(*fil));
     } else if (field && (kind == Change::kChanged || what == "property")) {
-        words.Add(*field);
+        add(*field);
     }
-    return std::move(words).Text();
+    return words;
 }
 
 std::vector<Difference> Compare(const Season& older, const Season& newer, double tolerance) {

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "review/json.h"
-#include "review/wording.h"
 #include "season/text.h"
 
 namespace review {
@@ -15,28 +14,48 @@ std::string_view SeverityName(Severity severity) {
 }
 
 std::string Place::Words() const {
-    PlaceWords words;
+    std::string words;
+    const auto add = [&words](const std::string& part) {
+        words += (words.empty() ? "" : ", ") + part;
+    };
     if (zone) {
-        words.Add(season::IsBlank(*zone)
-                      ? "The zone with key " + std::to_string(zoneKey.value_or(0))
-                      : *zone);
+        add(season::IsBlank(*zone) ? "The zone with key " + std::to_string(zoneKey.value_or(0))
+                                   : *zone);
     }
     if (location) {
-        words.Add("location " + std::to_string(*location));
+        add("location " + std::to_string(*location));
     }
     if (resource) {
-        words.Add(*resource);
+        add(*resource);
     }
     if (fil) {
-        words.Add("FIL " + std::to_string(*fil));
+        add("FIL " + std::to_string(*fil));
     }
     if (sizeClass) {
-        words.Add("class " + std::to_string(*sizeClass));
+        add("class " + std::to_string(*sizeClass));
     }
     if (goal) {
-        words.Add(*goal);
+        add(*goal);
     }
-    return std::move(words).Text();
+    return words;
+}
+
+std::string OnOneLine(std::string_view text) {
+    std::string line;
+    for (const char c : season::WellFormed(text)) {
+        const auto code = static_cast<unsigned char>(c);
+        if (c == '\t') {
+            line += "\\t";
+        } else if (c == '\n') {
+            line += "\\n";
+        } else if (c == '\r') {
+            line += "\\r";
+        } else {
+            // Nothing that a file holds may steer a terminal.
+            line += code < 0x20 || code == 0x7F ? '?' : c;
+        }
+    }
+    return line;
 }
 
 std::string LineOf(const Finding& finding) {
