@@ -6,6 +6,7 @@
 
 #include "review/figures.h"
 #include "review/json.h"
+#include "review/wording.h"
 #include "season/text.h"
 
 namespace review {
@@ -286,22 +287,7 @@ void Comparison::Compare(const Location* older, const Location* newer, const Dif
 }
 
 std::string Escaped(std::string_view text) {
-    std::string line;
-    for (const char c : season::WellFormed(text)) {
-        const auto code = static_cast<unsigned char>(c);
-        if (c == '\\') {
-            line += "\\\\";
-        } else if (c == '\t') {
-            line += "\\t";
-        } else if (c == '\n') {
-            line += "\\n";
-        } else if (c == '\r') {
-            line += "\\r";
-        } else {
-            line += code < 0x20 || code == 0x7F ? '?' : c;
-        }
-    }
-    return line;
+    return OnOneLine(text, Backslash::kDoubled);
 }
 
 std::string JsonContent(const Content& content) {
@@ -332,30 +318,27 @@ std::string TextOf(const Content& content) {
 }
 
 std::string Difference::Place() const {
-    std::string words;
-    const auto add = [&words](const std::string& part) {
-        words += (words.empty() ? "" : ", ") + part;
-    };
+    PlaceWords words;
     for (const auto* const name : {&goal, &zone}) {
         if (*name) {
-            add(season::IsBlank(**name) ? "(no name)" : **name);
+            words.Add(season::IsBlank(**name) ? "(no name)" : **name);
         }
     }
     if (location) {
-        add("location " + std::to_string(*location));
+        words.Add("location " + std::to_string(*location));
     }
     if (resource) {
-        add(season::IsBlank(*resource) ? "(no name)" : *resource);
+        words.Add(season::IsBlank(*resource) ? "(no name)" : *resource);
     }
     if (sizeClass) {
-        add("class " + std::to_string(*sizeClass));
+        words.Add("class " + std::to_string(*sizeClass));
     }
     if (fil) {
-        add("FIL " + std::to_string(*fil));
+        words.Add("FIL " + std::to_string(*fil));
     } else if (field && (kind == Change::kChanged || what == "property")) {
-        add(*field);
+        words.Add(*field);
     }
-    return words;
+    return std::move(words).Text();
 }
 
 std::vector<Difference> Compare(const Season& older, const Season& newer, double tolerance) {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "review/json.h"
+#include "review/wording.h"
 #include "season/text.h"
 
 namespace review {
@@ -14,48 +15,28 @@ std::string_view SeverityName(Severity severity) {
 }
 
 std::string Place::Words() const {
-    std::string words;
-    const auto add = [&words](const std::string& part) {
-        words += (words.empty() ? "" : ", ") + part;
-    };
+    PlaceWords words;
     if (zone) {
-        add(season::IsBlank(*zone) ? "The zone with key " + std::to_string(zoneKey.value_or(0))
-                                   : *zone);
+        words.Add(season::IsBlank(*zone)
+                      ? "The zone with key " + std::to_string(zoneKey.value_or(0))
+                      : *zone);
     }
     if (location) {
-        add("location " + std::to_string(*location));
+        words.Add("location " + std::to_string(*location));
     }
     if (resource) {
-        add(*resource);
+        words.Add(*resource);
     }
     if (fil) {
-        add("FIL " + std::to_string(*fil));
+        words.Add("FIL " + std::to_string(*fil));
     }
     if (sizeClass) {
-        add("class " + std::to_string(*sizeClass));
+        words.Add("class " + std::to_string(*sizeClass));
     }
     if (goal) {
-        add(*goal);
+        words.Add(*goal);
     }
-    return words;
-}
-
-std::string OnOneLine(std::string_view text) {
-    std::string line;
-    for (const char c : season::WellFormed(text)) {
-        const auto code = static_cast<unsigned char>(c);
-        if (c == '\t') {
-            line += "\\t";
-        } else if (c == '\n') {
-            line += "\\n";
-        } else if (c == '\r') {
-            line += "\\r";
-        } else {
-            // Nothing that a file holds may steer a terminal.
-            line += code < 0x20 || code == 0x7F ? '?' : c;
-        }
-    }
-    return line;
+    return std::move(words).Text();
 }
 
 std::string LineOf(const Finding& finding) {

@@ -44,7 +44,4 @@ std::string LineOf(const Finding& finding);
 // A line for programs.
 std::string JsonOf(const Finding& finding, std::string_view file);
 
-// A text with what would break a line written as \t, \n, \r.
-std::string OnOneLine(std::string_view text);
-
 }  // namespace review

@@ -5,6 +5,8 @@
 #include <QCursor>
 #include <QGuiApplication>
 
+#include <cstdlib>
+
 #include "platform/system/Host.h"
 
 namespace {
@@ -18,6 +20,12 @@ protected:
                QGuiApplication::overrideCursor()->shape() == Qt::WaitCursor;
     }
 };
+
+// In a process of its own, in which nothing has touched it yet.
+TEST(UIModeDeathTest, ProgramStart_IsNotBusy) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::_Exit(UIMode::NotBusy() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
 
 TEST_F(UIModeTest, BusyOn_Nested_KeepsTheHourglassUntilTheLastOff) {
     UIMode::BusyOn();

@@ -44,6 +44,25 @@ TEST(UnitBox, Filtered_LettersWithAccents_AreDiscarded) {
     EXPECT_EQ(Filtered(Rule::kUnitID, QStringLiteral("gép ß1")), QStringLiteral("GP1"));
 }
 
+TEST(UnitBox, Entered_ByKeyOrMouse_SelectsItsFirstTwoCharacters) {
+    QWidget window;
+    QLineEdit other(&window);
+    UnitBox box(Rule::kYear, 4, &window);
+    box.move(0, 60);
+    box.SelectTwoOnFocus();
+    box.SetProgramText(QStringLiteral("202"));
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    other.setFocus();
+    box.setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(box.selectedText(), QStringLiteral("20"));
+    other.setFocus();
+    QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(box.width() - 4, box.height() / 2));
+    EXPECT_TRUE(box.hasFocus());
+    EXPECT_EQ(box.selectedText(), QStringLiteral("20"));
+}
+
 TEST(UnitBox, Typing_LowerCaseAndOthers_LeavesUpperCaseUpToTheLength) {
     UnitBox box(Rule::kUnitID, 3, nullptr);
     QTest::keyClicks(&box, QStringLiteral("g-p fx"));

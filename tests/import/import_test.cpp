@@ -516,6 +516,18 @@ TEST_F(ImportTest, OpenFileDialog_AsksInTheCostsFolderForTheUsualName) {
                                             "   GetBRAMPath"}));
 }
 
+TEST_F(ImportTest, NameOfNoFile_IsTakenFromTheDialogAndRefusedLikeAnyOtherFile) {
+    support::Answers answers;
+    answers.Then([](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+            ->setText(QStringLiteral("not there.mdb"));
+        QMetaObject::invokeMethod(&dialog, "accept");
+        dialog.close();  // had it not been taken
+    });
+    EXPECT_EQ(mImport::BRAM_CopyFMZs(nullptr), mImport::kNotABramFile);
+    EXPECT_EQ(answers.Texts(), QStringList(kNotBram));
+}
+
 TEST_F(ImportTest, ReadOnlyFile_IsImported) {
     const QString path = Made(QStringLiteral("basic.mdb"));
     ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner));

@@ -126,6 +126,15 @@ TEST_F(Export, ToAWorkbook_OpensInAnOffice) {
     EXPECT_THAT(Contents(folder_ / "out-Totals.csv"), HasSubstr("north\",1,1,-126.05,-455,"));
 }
 
+TEST_F(Export, ToAFolderThatHoldsAnotherKindOfFile_ChangesNothing) {
+    std::filesystem::create_directories(folder_ / "csv" / "NVCPerAcre.csv");
+    std::ofstream(folder_ / "csv" / "FMZList.csv") << "kept";
+    const auto run = Run(Quoted((folder_ / "csv").string() + "/"));
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(Contents(folder_ / "csv" / "FMZList.csv"), "kept");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_ / "csv"), {}), 2);
+}
+
 TEST_F(Export, ToWhatCannotBe_LeavesNothing) {
     EXPECT_EQ(Run(Quoted(folder_ / "out.pdf")).status, 2);
     EXPECT_EQ(Run(Quoted(folder_ / "none" / "out.json")).status, 2);

@@ -59,7 +59,7 @@ TEST_F(CsvRollUp, OfAFile_HasItsRowsByYear) {
     EXPECT_THAT(
         Text("nvc/year=2026"),
         HasSubstr("file_id,zone,location,resource,fil1,fil2,fil3,fil4,fil5,fil6,live\n" + id +
-                  ",1,1,1,7.099999904632568,,1.0000000200408773e+20,-28,-43.75,-63,"
+                  ",1,1,1,7.099999904632568,,100000002004087734272,-28,-43.75,-63,"
                   "true\n"));
     EXPECT_THAT(Text("files/year=2026"),
                 HasSubstr("file_id,path,sha256,bytes,format,jet,unit,state,unit_name,status,reason"

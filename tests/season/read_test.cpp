@@ -160,6 +160,34 @@ TEST_P(SeasonFile, Read_Always_LeavesFileAndFolderAlone) {
     EXPECT_EQ(std::filesystem::last_write_time(folder_.Path()), folderTime);
 }
 
+// What a program that was killed leaves: a file, and beside it a log with its last change.
+TEST_P(SeasonFile, Read_WithALogBeside_ReadsItAlongAndLeavesBoth) {
+    season::WriteNew(SoundSeason(), path_, GetParam());
+    const auto left = folder_ / "left" / "UMFOR26.fcd";
+    std::filesystem::create_directory(left.parent_path());
+    {
+        const auto database = jet::Database::Open(path_);
+        const auto zones = database->OpenTable("FMZList");
+        zones->MoveFirst();
+        zones->Edit();
+        zones->Set("Name", u"Changed at last");
+        zones->Update();
+        ASSERT_GT(database->PendingOperations(), 0U);
+        std::filesystem::copy_file(path_, left);
+        std::filesystem::copy_file(jet::Database::LogOf(path_), jet::Database::LogOf(left));
+    }
+    const auto log = jet::Database::LogOf(left);
+    const std::string before = Bytes(left) + Bytes(log);
+    const auto time = std::filesystem::last_write_time(left);
+    const auto logTime = std::filesystem::last_write_time(log);
+    const auto folderTime = std::filesystem::last_write_time(left.parent_path());
+    EXPECT_EQ(season::Read(left).zones[0].name, "Changed at last");
+    EXPECT_EQ(Bytes(left) + Bytes(log), before);
+    EXPECT_EQ(std::filesystem::last_write_time(left), time);
+    EXPECT_EQ(std::filesystem::last_write_time(log), logTime);
+    EXPECT_EQ(std::filesystem::last_write_time(left.parent_path()), folderTime);
+}
+
 TEST_P(SeasonFile, Read_WithoutATable_RefusesIt) {
     {
         const auto database = jet::Database::Create(path_, GetParam());

@@ -219,6 +219,38 @@ TEST_F(CostTest, ToCells_GiveTheNextClassItsFrom) {
     }
 }
 
+TEST_F(CostTest, To_OfAClass_RecomputesTheFromOfTheNextOneOnly) {
+    Load<frm6SuppressAcre>();
+    vsFlexGrid& grid = Grid("grdCosts");
+    Enter(grid, 3, 1, QStringLiteral("50"));
+    Enter(grid, 6, 1, QStringLiteral("900"));
+    grid.Select(4, 1);
+    folder_.ForgetTrace();
+    Type(QStringLiteral("70"));
+    EXPECT_EQ(grid.TextMatrix(5, 0), QString()) << "only when the cell is left";
+    EXPECT_EQ(Count(folder_.Trace(), QStringLiteral("frmSuppressAcre.ShowNextLowerBound")), 0);
+    Press(Qt::Key_Return);
+    EXPECT_EQ(Count(folder_.Trace(), QStringLiteral("frmSuppressAcre.ShowNextLowerBound")), 1);
+    const std::vector<const char*> from{"0", "", "51", "71", "", "901", "", "", ""};
+    for (int row = 2; row <= 10; ++row) {
+        EXPECT_EQ(grid.TextMatrix(row, 0).toStdString(), from[static_cast<std::size_t>(row) - 2]);
+    }
+}
+
+TEST_F(CostTest, SavedTwice_WritesOnce) {
+    Load<frm6SuppressAcre>();
+    Enter(Grid("grdCosts"), 2, 2, QStringLiteral("500"));
+    form_->Save();
+    EXPECT_EQ(Stored(first_, 1, "Cost"), 500);
+    // What a second save would overwrite.
+    tblSuppressionPerAcreCost->Edit();
+    tblSuppressionPerAcreCost->SetField(QStringLiteral("Cost"), 7);
+    tblSuppressionPerAcreCost->Update();
+    form_->Save();
+    EXPECT_EQ(Stored(first_, 1, "Cost"), 7);
+    EXPECT_TRUE(errors_.empty());
+}
+
 TEST_F(CostTest, LastClass_UpdatesNothingFurther) {
     Load<frm6SuppressAcre>();
     Enter(Grid("grdCosts"), 10, 1, QStringLiteral("10"));

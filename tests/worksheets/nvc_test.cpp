@@ -92,6 +92,40 @@ TEST_F(NVCTest, FilTotal_RoundsToThreeDigits) {
     EXPECT_TRUE(std::signbit(table.FilTotal(2)));
 }
 
+TEST_F(NVCTest, FilTotal_OfEachLevel_AddsItsOwnValues) {
+    c34NVCTable table;
+    table.Initialize(first_, 1);
+    for (int resource = 1; resource <= 14; ++resource) {
+        for (int level = 1; level <= 6; ++level) {
+            table.NVCCellValue(resource, level, static_cast<float>(2 * resource + 100 * level));
+        }
+    }
+    for (int level = 1; level <= 6; ++level) {
+        EXPECT_EQ(table.FilTotal(level), static_cast<float>(210 + 1400 * level));
+    }
+}
+
+TEST_F(NVCTest, SavedTwice_WritesOnce) {
+    Load<frm5NVCTable>();
+    Enter(Grid("grdNVC"), 1, 0, QStringLiteral("Mushrooms"));
+    Enter(Grid("grdNVC"), 4, 3, QStringLiteral("-12.5"));
+    form_->Save();
+    EXPECT_EQ(Stored(first_ * 100 + 1, 4, 3), -12.5F);
+    // What a second save would overwrite.
+    tblNVCPerAcre->Edit();
+    tblNVCPerAcre->SetField(QStringLiteral("Fil3"), 7);
+    tblNVCPerAcre->Update();
+    tblNVCResources->Seek("=", {1});
+    tblNVCResources->Edit();
+    tblNVCResources->SetField(QStringLiteral("ResourceName"), QStringLiteral("Berries"));
+    tblNVCResources->Update();
+    form_->Save();
+    EXPECT_EQ(Stored(first_ * 100 + 1, 4, 3), 7);
+    tblNVCResources->Seek("=", {1});
+    EXPECT_EQ(tblNVCResources->Text(QStringLiteral("ResourceName")), QStringLiteral("Berries"));
+    EXPECT_TRUE(errors_.empty());
+}
+
 TEST_F(NVCTest, ReadOnlyTable_IsNeverWritten) {
     c34NVCTable table;
     table.Initialize(first_, 1);
@@ -513,13 +547,16 @@ TEST_F(NVCTest, Totals_StandUnderTheirColumnsWhenResizedAndScrolled) {
     Load<frm5NVCTable>();
     vsFlexGrid& grid = Grid("grdNVC");
     const auto underItsColumn = [&](int level) {
-        auto& panel =
-            Find<SSPanel>(QStringLiteral("pnlAcreImpact_%1").arg(level).toLatin1().constData());
+        auto& panel = Find<SSPanel>(
+            level == 0 ? "pnlLabel"
+                       : QStringLiteral("pnlAcreImpact_%1").arg(level).toLatin1().constData());
         const int left = grid.viewport()->mapTo(&manager_.frame, QPoint(0, 0)).x() +
                          grid.columnViewportPosition(level);
         return panel.mapTo(&manager_.frame, QPoint(0, 0)).x() == left &&
                panel.width() == grid.columnWidth(level);
     };
+    EXPECT_TRUE(underItsColumn(0));
+    EXPECT_EQ(Find<SSPanel>("pnlLabel").Caption(), QStringLiteral("Gain or loss per acre"));
     EXPECT_TRUE(underItsColumn(1));
     EXPECT_TRUE(underItsColumn(6));
     grid.setColumnWidth(2, 300);

@@ -25,12 +25,21 @@ bool IsFolder(const std::string& target) {
 void SaveCsv(const std::string& folder, const std::vector<std::string>& sources,
              const season::Season& season) {
     std::error_code failed;
-    std::filesystem::create_directories(PathOf(folder), failed);
+    const bool isNew = std::filesystem::create_directories(PathOf(folder), failed);
     if (failed) {
         throw std::runtime_error(folder + ": The folder cannot be made.");
     }
+    std::vector<NewFile> files;
     for (const review::PlainTable& table : review::PlainTables(season)) {
-        SaveFile((PathOf(folder) / (table.name + ".csv")).string(), sources, review::CsvOf(table));
+        files.push_back({(PathOf(folder) / (table.name + ".csv")).string(), review::CsvOf(table)});
+    }
+    try {
+        SaveFiles(files, sources);
+    } catch (...) {
+        if (isNew) {
+            std::filesystem::remove(PathOf(folder), failed);
+        }
+        throw;
     }
 }
 

@@ -28,26 +28,65 @@ void RequireOther(const std::string& file, const std::vector<std::string>& sourc
     }
 }
 
-void SaveFile(const std::string& file, const std::vector<std::string>& sources,
-              std::string_view text) {
-    RequireOther(file, sources);
-    const std::filesystem::path path = PathOf(file);
-    std::filesystem::path part = path;
+namespace {
+
+std::filesystem::path PartOf(const std::string& file) {
+    std::filesystem::path part = PathOf(file);
     part += ".part";
-    std::error_code failed;
-    {
-        std::ofstream out(part, std::ios::binary | std::ios::trunc);
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        out.close();
-        if (out) {
-            std::filesystem::rename(part, path, failed);
-            if (!failed) {
-                return;
+    return part;
+}
+
+bool WritePart(const NewFile& file) {
+    std::ofstream out(PartOf(file.file), std::ios::binary | std::ios::trunc);
+    out.write(file.text.data(), static_cast<std::streamsize>(file.text.size()));
+    out.close();
+    return static_cast<bool>(out);
+}
+
+[[noreturn]] void ThrowCannotWrite(const std::string& file) {
+    throw std::runtime_error(file + ": The file cannot be written.");
+}
+
+// A file that is to be replaced by what is written, and nothing that could not be.
+void RequireReplaceable(const std::string& file, const std::vector<std::string>& sources) {
+    RequireOther(file, sources);
+    std::error_code absent;
+    if (std::filesystem::is_directory(PathOf(file), absent)) {
+        ThrowCannotWrite(file);
+    }
+}
+
+}  // namespace
+
+void SaveFiles(const std::vector<NewFile>& files, const std::vector<std::string>& sources) {
+    for (const NewFile& file : files) {
+        RequireReplaceable(file.file, sources);
+    }
+    try {
+        for (const NewFile& file : files) {
+            if (!WritePart(file)) {
+                ThrowCannotWrite(file.file);
             }
         }
+        for (const NewFile& file : files) {
+            std::error_code failed;
+            std::filesystem::rename(PartOf(file.file), PathOf(file.file), failed);
+            if (failed) {
+                ThrowCannotWrite(file.file);
+            }
+        }
+    } catch (...) {
+        for (const NewFile& file : files) {
+            std::error_code ignored;
+            std::filesystem::remove(PartOf(file.file), ignored);
+        }
+        throw;
     }
-    std::filesystem::remove(part, failed);
-    throw std::runtime_error(file + ": The file cannot be written.");
+}
+
+void SaveFile(const std::string& file, const std::vector<std::string>& sources,
+              std::string_view text) {
+    SaveFiles({{file, std::string(text)}}, sources);
 }
 
 }  // namespace fcdtool

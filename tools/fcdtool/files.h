@@ -21,5 +21,11 @@ void RequireOther(const std::string& file, const std::vector<std::string>& sourc
 // std::runtime_error, which names the file.
 void SaveFile(const std::string& file, const std::vector<std::string>& sources,
               std::string_view text);
+// The same for several: all of them are replaced, or, where one cannot be written, none.
+struct NewFile {
+    std::string file;
+    std::string text;
+};
+void SaveFiles(const std::vector<NewFile>& files, const std::vector<std::string>& sources);
 
 }  // namespace fcdtool
