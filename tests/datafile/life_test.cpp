@@ -175,6 +175,31 @@ TEST_F(LifeTest, OpenDatatables_FormatsOfOtherOrigin_AreTakenConvertedOrRefused)
     }
 }
 
+TEST_F(LifeTest, OpenDatatables_EachPageSpoilt_IsOpenOrRefusedUntouched) {
+    constexpr int kPage = 4096;
+    const QString path = NewFile();
+    const QByteArray whole = support::Bytes(path);
+    int damaged = 0;
+    for (qsizetype page = 1; page < whole.size() / kPage; ++page) {
+        SCOPED_TRACE(page);
+        QByteArray bytes = whole;
+        bytes.replace(page * kPage + 16, 64, QByteArray(64, 'U'));
+        support::WriteBytes(path, bytes);
+        const support::Answers answers;
+        const bool isOpen = PrepDatafile::OpenDatatables(path);
+        EXPECT_EQ(PrepDatafile::IsDatafileOpen(), isOpen);
+        if (isOpen) {
+            PrepDatafile::CloseDatafile();
+            continue;
+        }
+        EXPECT_EQ(support::Bytes(path), bytes);
+        ASSERT_EQ(answers.Texts(), QStringList(kNotPrepFile));
+        const QString reason = answers.Messages().front().informative;
+        damaged += reason.startsWith(QStringLiteral("The file is damaged: ")) ? 1 : 0;
+    }
+    EXPECT_GT(damaged, 0);
+}
+
 TEST_F(LifeTest, OpenDatatables_DamagedFile_IsRefusedUntouchedAndSaysWhatToDo) {
     if (!support::HasCorpus()) {
         GTEST_SKIP() << tarn_test::kNoCorpus;

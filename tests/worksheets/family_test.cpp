@@ -206,6 +206,22 @@ TEST_F(FamilyTest, WideWindow_LeavesPlainWhatNothingNeeds) {
     });
 }
 
+TEST_F(FamilyTest, WidenedColumn_WidensTheFrameOfItsGrid) {
+    ForEachForm([](QWidget& form) {
+        if (form.isWindow()) {
+            return;
+        }
+        form.resize(1900, 1000);
+        QApplication::processEvents();
+        for (auto* grid : form.findChildren<vsFlexGrid*>()) {
+            grid->setColumnWidth(1, grid->columnWidth(1) + 40);
+            EXPECT_TRUE(QTest::qWaitFor([grid] {
+                return grid->viewport()->width() == grid->horizontalHeader()->length();
+            })) << grid->objectName().toStdString();
+        }
+    });
+}
+
 TEST_F(FamilyTest, FormsWithATable_SayHowToCopyAllOfIt) {
     ForEachForm([](QWidget& form) {
         if (!form.isWindow()) {

@@ -214,6 +214,23 @@ TEST_F(NVCTest, Setup_ShowsTheFirstLocationOfTheFirstZone) {
     EXPECT_EQ(Count(trace, QStringLiteral("frm5NVCTable.SaveChanges")), 0);
 }
 
+TEST_F(NVCTest, LoadedTable_ItsTotalsAddAllResources) {
+    c34NVCTable table;
+    table.Initialize(first_, 1);
+    for (int resource = 1; resource <= 14; ++resource) {
+        for (int level = 1; level <= 6; ++level) {
+            table.NVCCellValue(resource, level, static_cast<float>(resource + 100 * level));
+        }
+    }
+    table.SaveChanges();
+    Load<frm5NVCTable>();
+    const std::vector<const char*> totals{"$1,505", "$2,905", "$4,305",
+                                          "$5,705", "$7,105", "$8,505"};
+    for (int level = 1; level <= 6; ++level) {
+        EXPECT_EQ(Total(level).toStdString(), totals[static_cast<std::size_t>(level) - 1]);
+    }
+}
+
 TEST_F(NVCTest, TypedValue_IsStoredAndTheTotalFollowsAtOnce) {
     Load<frm5NVCTable>();
     ClickCell(Grid("grdNVC"), 4, 3);
