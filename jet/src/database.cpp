@@ -5,6 +5,7 @@
 #include "jet/query.h"
 #include "jet/recordset.h"
 #include "os/out_of_memory.h"
+#include "page/data_file.h"
 #include "query/bind.h"
 #include "query/query_recordset.h"
 #include "recordset/open_file.h"
@@ -56,6 +57,13 @@ std::unique_ptr<Database> Database::Impl::Create(const std::filesystem::path& pa
             RemoveQuietly(files, path);
             throw;
         }
+    });
+}
+
+void Database::RequireFree(const std::filesystem::path& path, FileSystem& files) {
+    return Guarded([&] {
+        const std::filesystem::path resolved = files.Resolve(path);
+        if (files.Exists(resolved)) (void)OpenLocked(files, resolved, {});
     });
 }
 

@@ -73,16 +73,7 @@ std::unique_ptr<Database> Database::Open(const QString& path, OpenMode mode) {
 }
 
 void Database::RequireFree(const QString& path) {
-    Mapped([&] {
-        jet::FileSystem& files = jet::HostFileSystem();
-        if (!files.Exists(ToPath(path))) {
-            return;
-        }
-        if (!files.Open(ToPath(path), jet::OpenMode::kReadWrite)->TryLock(true)) {
-            throw jet::Error(jet::ErrorKind::kFileInUse,
-                             "The file is in use by another program or window.");
-        }
-    });
+    Mapped([&] { jet::Database::RequireFree(ToPath(path)); });
 }
 
 void Database::DiscardLog(const QString& path) {

@@ -90,11 +90,14 @@ TEST_F(SideFiles, LockFile_ThatIsHeld_RefusesTheFile) {
         } catch (const Error& error) {
             EXPECT_EQ(error.Kind(), ErrorKind::kFileInUse);
         }
+        EXPECT_THROW(Database::RequireFree(path_), Error);
         // Reading along is not working with it.
         Database::Open(path_, {.exclusive = false, .readOnly = true})->Close();
         ::close(holder);
     }
     Database::Open(path_)->Close();
+    Database::RequireFree(path_);
+    Database::RequireFree(folder_ / "none.mdb");
     EXPECT_EQ(Bytes(lock_), "somebody");
 }
 

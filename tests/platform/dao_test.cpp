@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "jet/database.h"
+#include "jet/file.h"
 #include "platform/dao/Convert.h"
 #include "platform/dao/Database.h"
 #include "platform/dao/Recordset.h"
@@ -163,6 +164,17 @@ TEST_F(DaoTest, Exclusive_HeldByOne_IsRefusedToTheNext) {
     EXPECT_EQ(
         NumberOf([&] { dao::Database::RequireFree(folder_.filePath(QStringLiteral("none.mdb"))); }),
         0);
+}
+
+TEST_F(DaoTest, RequireFree_WhereALockFileIsHeld_IsRefused) {
+    QString lock = path_;
+    lock.replace(QStringLiteral(".mdb"), QStringLiteral(".ldb"));
+    const std::filesystem::path lockPath = dao::ToPath(lock);
+    auto holder = jet::HostFileSystem().Open(lockPath, jet::OpenMode::kCreateNew);
+    ASSERT_TRUE(holder->TryLock(true));
+    EXPECT_EQ(NumberOf([&] { dao::Database::RequireFree(path_); }), 3045);
+    holder.reset();
+    EXPECT_EQ(NumberOf([&] { dao::Database::RequireFree(path_); }), 0);
 }
 
 TEST_F(DaoTest, Shared_TwoReaders_BothOpen) {

@@ -65,6 +65,11 @@ public:
                                             const OpenOptions& options,
                                             FileSystem& files = HostFileSystem());
 
+    // Whether the file could be opened for writing, as far as others decide it; without a word
+    // where there is no file. For those who are about to replace one. Errors: kFileInUse (also when
+    // a lock file NAME.ldb beside it is held), kReadOnly, kPermissionDenied, kIo.
+    static void RequireFree(const std::filesystem::path& path,
+                            FileSystem& files = HostFileSystem());
     // Removes the log beside a file that is not open: for one that has just been copied over
     // another, whose last changes are not its own.
     static void DiscardLog(const std::filesystem::path& path, FileSystem& files = HostFileSystem());
