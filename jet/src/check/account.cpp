@@ -4,14 +4,11 @@
 
 #include "page/bytes.h"
 #include "page/map_row.h"
+#include "page/slotted_page.h"
 
 namespace jet {
 
 namespace {
-
-constexpr std::uint16_t kDeletedSlot = 0x8000;
-constexpr std::uint16_t kOffsetMask = 0x1FFF;
-constexpr std::uint32_t kOwnerAt = 4;
 
 void ForEachBit(Bytes bits, std::uint64_t first, std::vector<std::uint32_t>& members) {
     for (std::size_t i = 0; i < bits.size(); ++i) {
@@ -67,23 +64,19 @@ std::vector<std::byte> PageAccount::MapRow(RowId row, bool global) const {
         throw Damage{"map-pointer", "A usage map is said to be " + name + ", which is not there."};
     }
     const auto page = context_.pages.Read(row.page.value);
-    const bool right = ReadU16(page, 0) == 0x0101 && ReadU32(page, kOwnerAt) == (global ? 1U : 0U);
+    const bool right = IsDataPage(page) && PageOwner(page) == (global ? 1U : 0U);
     if (!right || row.slot >= ReadU16(page, context_.format.rowCountAt)) {
         throw Damage{"map-pointer", "A usage map is said to be " + name + ", where none is."};
     }
-    const auto entry = [&](unsigned slot) {
-        return ReadU16(page, context_.format.rowDirectoryAt + 2 * slot);
-    };
-    if ((entry(row.slot) & kDeletedSlot) != 0) {
+    const SlotKind kind = ReadSlotKind(page, context_.format, row.slot);
+    if (kind == SlotKind::kDeleted || kind == SlotKind::kTarget) {
         throw Damage{"map-pointer", "The usage map in " + name + " was deleted."};
     }
-    const std::uint32_t start = entry(row.slot) & kOffsetMask;
-    const std::uint32_t end =
-        row.slot == 0 ? context_.format.pageSize : entry(row.slot - 1U) & kOffsetMask;
-    if (start >= end || end > page.size()) {
+    const std::optional<Slot> slot = FindSlot(page, context_.format, row.slot);
+    if (!slot || slot->length == 0) {
         throw Damage{"map-row", "The usage map in " + name + " has no bytes."};
     }
-    const Bytes bytes = Slice(page, start, end - start);
+    const Bytes bytes = Slice(page, slot->start, slot->length);
     return {bytes.begin(), bytes.end()};
 }
 

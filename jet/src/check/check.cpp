@@ -17,14 +17,12 @@
 #include "os/out_of_memory.h"
 #include "page/bytes.h"
 #include "page/header.h"
+#include "page/slotted_page.h"
 #include "recordset/open_file.h"
 
 namespace jet {
 
 namespace {
-
-constexpr std::uint16_t kDataPage = 0x0101;
-constexpr std::size_t kOwnerAt = 4;
 
 class FileCheck {
 public:
@@ -184,17 +182,16 @@ private:
     // The table that a data page with live rows names.
     std::string OwnerOfRows(std::uint32_t number) {
         const auto page = context_.pages.Read(number);
-        if (ReadU16(page, 0) != kDataPage) {
+        if (!IsDataPage(page)) {
             return {};
         }
-        const std::uint32_t owner = ReadU32(page, kOwnerAt);
+        const std::uint32_t owner = PageOwner(page);
         const auto table =
             std::find_if(tables_.begin(), tables_.end(),
                          [&](const TableLayout& candidate) { return candidate.page == owner; });
         const std::uint32_t count = ReadU16(page, context_.format.rowCountAt);
         for (std::uint32_t i = 0; table != tables_.end() && i < std::min(count, 255U); ++i) {
-            const std::uint16_t entry = ReadU16(page, context_.format.rowDirectoryAt + 2 * i);
-            if ((entry & 0xC000) != 0xC000) {
+            if (ReadSlotKind(page, context_.format, i) != SlotKind::kDeleted) {
                 return table->name;
             }
         }

@@ -11,9 +11,6 @@ namespace {
 
 constexpr std::uint32_t kLengthBits = 0x3FFFFFFF;
 constexpr unsigned kFormShift = 30;
-constexpr std::size_t kOwnerAt = 4;
-constexpr std::uint16_t kOffset = 0x1FFF;
-constexpr std::uint16_t kFlags = 0xC000;
 
 }  // namespace
 
@@ -89,17 +86,12 @@ std::vector<std::byte> LongValueCheck::Piece(const Column& column, RowId row, co
         throw Damage{code, sentence + ", which is past the end."};
     }
     const auto page = context_.pages.Read(row.page.value);
-    if (ReadU16(page, 0) != 0x0101 || ReadU32(page, kOwnerAt) != kLongValueOwner ||
+    if (!IsDataPage(page) || PageOwner(page) != kLongValueOwner ||
         row.slot >= ReadU16(page, context_.format.rowCountAt)) {
         throw Damage{code, sentence + ", where none is."};
     }
-    const auto entry = [&](unsigned slot) {
-        return ReadU16(page, context_.format.rowDirectoryAt + 2 * slot);
-    };
-    const std::uint32_t start = entry(row.slot) & kOffset;
-    const std::uint32_t end =
-        row.slot == 0 ? context_.format.pageSize : entry(row.slot - 1U) & kOffset;
-    if ((entry(row.slot) & kFlags) != 0 || start > end || end > page.size()) {
+    const std::optional<Slot> slot = FindSlot(page, context_.format, row.slot);
+    if (!slot || slot->kind != SlotKind::kRow) {
         throw Damage{code, sentence + ", which was deleted."};
     }
     if (pages_[column.number].count(row.page.value) == 0) {
@@ -110,7 +102,7 @@ std::vector<std::byte> LongValueCheck::Piece(const Column& column, RowId row, co
     if (!used_.insert(row).second) {
         throw Damage{"long-value-shared", sentence + ", which is in use already."};
     }
-    const Bytes bytes = Slice(Bytes(page), start, end - start);
+    const Bytes bytes = Slice(Bytes(page), slot->start, slot->length);
     return {bytes.begin(), bytes.end()};
 }
 

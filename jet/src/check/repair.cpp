@@ -23,16 +23,15 @@
 #include "page/bytes.h"
 #include "page/data_file.h"
 #include "page/header.h"
+#include "page/slotted_page.h"
 #include "recordset/open_file.h"
 
 namespace jet {
 
 namespace {
 
-constexpr std::uint16_t kDataPage = 0x0101;
 constexpr std::uint32_t kCatalogPage = 2;
 constexpr std::int32_t kDocument = -32757;  // holds nothing but properties of the file
-constexpr std::size_t kOwnerAt = 4;
 
 struct TableSource {
     TableLayout layout;
@@ -112,8 +111,8 @@ private:
         free_.insert(free.begin(), free.end());
         for (std::uint32_t page = 2; page < pages_.PageCount(); ++page) {
             const auto bytes = pages_.Read(page);
-            if (free_.count(page) == 0 && ReadU16(bytes, 0) == kDataPage) {
-                named_[ReadU32(bytes, kOwnerAt)].push_back(page);
+            if (free_.count(page) == 0 && IsDataPage(bytes)) {
+                named_[PageOwner(bytes)].push_back(page);
             }
         }
     }

@@ -3,6 +3,7 @@
 #include "check/row_parts.h"
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/slotted_page.h"
 
 namespace jet {
 
@@ -161,22 +162,17 @@ std::vector<std::byte> RowCheck::Follow(Bytes pointerRow) {
         (ReadU32(page, kOwnerAt) != table_.page && !IsLenient(target.page.value))) {
         throw Damage{code, "The row has moved to " + name + ", which is not there."};
     }
-    const auto entry = [&](unsigned slot) {
-        return ReadU16(page, context_.format.rowDirectoryAt + 2 * slot);
-    };
-    if ((entry(target.slot) & kDeleted) != kTarget) {
+    if (ReadSlotKind(page, context_.format, target.slot) != SlotKind::kTarget) {
         throw Damage{code, "The row has moved to " + name + ", which is no moved row."};
     }
     if (!reached_.insert(target).second) {
         throw Damage{"overflow-shared", "Another row has moved to " + name + " as well."};
     }
-    const std::uint32_t start = entry(target.slot) & kOffset;
-    const std::uint32_t end =
-        target.slot == 0 ? context_.format.pageSize : entry(target.slot - 1U) & kOffset;
-    if (start > end || end > page.size()) {
+    const std::optional<Slot> slot = FindSlot(page, context_.format, target.slot);
+    if (!slot) {
         throw Damage{code, "The row has moved to " + name + ", which has no bytes."};
     }
-    const Bytes row = Slice(Bytes(page), start, end - start);
+    const Bytes row = Slice(Bytes(page), slot->start, slot->length);
     return {row.begin(), row.end()};
 }
 

@@ -59,7 +59,7 @@ public:
 
     // For a repair: pages of the map count as the table's even when one of the two things that a
     // page says about itself, its type and its owner, is wrong.
-    // Pages that several maps have are told by their owner alone.
+    // Pages that several maps have are assigned by their owner alone.
     void BeLenient(std::set<std::uint32_t> contested) {
         lenient_ = true;
         contested_ = std::move(contested);

@@ -125,7 +125,7 @@ Key TreeCheck::VisitChildren(const Node& node, std::uint32_t page, int depth) {
     return greatest;
 }
 
-// Nodes below the root are linked with their neighbours under the same parent.
+// Nodes below the root are linked with their neighbors under the same parent.
 void TreeCheck::CheckNodeLinks(const Node& node) {
     std::vector<std::uint32_t> children = node.children;
     if (node.tail != 0) {
@@ -144,7 +144,7 @@ void TreeCheck::CheckNodeLinks(const Node& node) {
         if (previous != (i == 0 ? 0 : children[i - 1]) ||
             next != (i + 1 == children.size() ? 0 : children[i + 1])) {
             context_.findings.Warning(At(children[i]), "index-node-link",
-                                      Named("The node names a wrong neighbour."));
+                                      Named("The node names a wrong neighbor."));
         }
     }
 }
@@ -231,7 +231,7 @@ void TreeCheck::CheckLeafLinks() {
         const std::uint32_t next = i + 1 == leaves_.size() ? 0 : leaves_[i + 1].page;
         if (leaves_[i].previous != previous || leaves_[i].next != next) {
             context_.findings.Error(At(leaves_[i].page), "index-link",
-                                    Named("The leaf names a wrong neighbour."));
+                                    Named("The leaf names a wrong neighbor."));
         }
     }
 }

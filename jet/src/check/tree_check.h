@@ -13,7 +13,7 @@
 
 namespace jet {
 
-// Walks a tree from its root, reading pages in its own lenient way, and hands the entries on.
+// Scans a tree from its root, reading pages in its own lenient way, and hands the entries on.
 class TreeCheck {
 public:
     // Takes an entry, key and row pointer.

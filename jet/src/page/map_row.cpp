@@ -2,36 +2,17 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 #include "page/bytes.h"
+#include "page/slotted_page.h"
 
 namespace jet {
 
 namespace {
 
-constexpr std::uint16_t kOffsetMask = 0x1FFF;
-constexpr std::uint16_t kDeletedRow = 0xC000;
-constexpr std::uint32_t kMostRows = 255;
-
-std::uint32_t RowCount(Bytes page, const Format& format) {
-    if (ReadU16(page, 0) != kDataPageType)
-        ThrowDamaged("The file is damaged: a usage map is missing.");
-    const std::uint32_t count = ReadU16(page, format.rowCountAt);
-    if (count > kMostRows + 1) ThrowDamaged("The file is damaged: a page has too many rows.");
-    return count;
-}
-
-std::uint32_t SlotAt(const Format& format, std::uint32_t slot) {
-    return format.rowDirectoryAt + 2 * slot;
-}
-
-std::uint32_t RowStart(Bytes page, const Format& format, std::uint32_t slot) {
-    return ReadU16(page, SlotAt(format, slot)) & kOffsetMask;
-}
-
-// The end of a row; that of slot 0 is the page's end.
-std::uint32_t RowEnd(Bytes page, const Format& format, std::uint32_t slot) {
-    return slot == 0 ? format.pageSize : RowStart(page, format, slot - 1);
+[[noreturn]] void ThrowMissing() {
+    ThrowDamaged("The file is damaged: a usage map is missing.");
 }
 
 struct Directory {
@@ -42,13 +23,10 @@ struct Directory {
 
 Directory ReadDirectory(Bytes page, const Format& format) {
     Directory directory;
-    directory.count = RowCount(page, format);
-    directory.lowest = RowEnd(page, format, directory.count);
-    const std::uint32_t used = SlotAt(format, directory.count);
-    if (directory.lowest < used || directory.lowest > format.pageSize) {
-        ThrowDamaged("The file is damaged: the rows of a usage-map page overlap.");
-    }
-    directory.room = directory.lowest - used;
+    if (!IsDataPage(page)) ThrowMissing();
+    directory.count = SlotCount(page, format);
+    directory.lowest = SlotEnd(page, format, directory.count);
+    directory.room = PageRoom(page, format);
     return directory;
 }
 
@@ -69,36 +47,30 @@ void ShiftRows(MutableBytes page, const Format& format, std::uint32_t slot,
                std::uint32_t distance) {
     const Directory directory = ReadDirectory(page, format);
     for (std::uint32_t i = slot; i < directory.count; ++i) {
-        const std::uint16_t entry = ReadU16(page, SlotAt(format, i));
-        const std::uint32_t start = (entry & kOffsetMask) - distance;
-        WriteU16(page, SlotAt(format, i),
-                 static_cast<std::uint16_t>((entry & ~kOffsetMask) | (start & kOffsetMask)));
+        const std::uint16_t entry = ReadU16(page, SlotEntryAt(format, i));
+        const std::uint32_t start = (entry & kSlotOffsetMask) - distance;
+        WriteU16(
+            page, SlotEntryAt(format, i),
+            static_cast<std::uint16_t>((entry & ~kSlotOffsetMask) | (start & kSlotOffsetMask)));
     }
 }
 
 }  // namespace
 
 RowExtent FindMapRow(Bytes page, const Format& format, std::uint8_t slot) {
-    if (slot >= RowCount(page, format)) {
-        ThrowDamaged("The file is damaged: a usage map is missing.");
-    }
-    const std::uint16_t entry = ReadU16(page, SlotAt(format, slot));
-    const std::uint32_t start = entry & kOffsetMask;
-    const std::uint32_t end = RowEnd(page, format, slot);
-    if ((entry & kDeletedRow) != 0 || start >= end || end > format.pageSize ||
-        start < SlotAt(format, slot + 1U)) {
-        ThrowDamaged("The file is damaged: a usage map is missing.");
-    }
-    return {.start = start, .length = end - start};
+    if (!IsDataPage(page)) ThrowMissing();
+    const std::optional<Slot> row = FindSlot(page, format, slot);
+    if (!row || row->kind != SlotKind::kRow || row->length == 0) ThrowMissing();
+    return {.start = row->start, .length = row->length};
 }
 
 bool AppendMapRow(MutableBytes page, const Format& format, std::uint32_t length) {
     const Directory directory = ReadDirectory(page, format);
-    if (directory.room < length + 2 || directory.count >= kMostRows) return false;
+    if (directory.room < length + 2 || directory.count >= kMostSlots) return false;
     const std::uint32_t start = directory.lowest - length;
     const MutableBytes row = Slice(page, start, length);
     std::fill(row.begin(), row.end(), std::byte{0});
-    WriteU16(page, SlotAt(format, directory.count), static_cast<std::uint16_t>(start));
+    WriteU16(page, SlotEntryAt(format, directory.count), static_cast<std::uint16_t>(start));
     WriteU16(page, format.rowCountAt, static_cast<std::uint16_t>(directory.count + 1));
     WriteRoom(page, format);
     return true;
