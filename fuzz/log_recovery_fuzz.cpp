@@ -1,4 +1,4 @@
-// Opens a file with a log beside it, either of them tampered with. A log that is not brought in
+// Opens a file with a log beside it, either of them tampered with. A log that is not recovered
 // leaves the file as it is; one that is leaves the file as the log says and nothing else. Half of
 // the inputs have their checksums put right, so that what lies behind those is reached.
 #include <cstdlib>
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         applied = database->OpeningRecovery().applied;
         database->Close();
     } catch (const jet::Error&) {
-        // Damage above the pages shows after the log was brought in, so the file may have changed.
+        // Damage above the pages shows after the log was recovered, so the file may have changed.
     }
     if (opened && !applied && tarn_fuzz::Get(*files, tarn_fuzz::kFile).size() != file.size()) {
         std::abort();

@@ -41,7 +41,7 @@ void WalkTable(jet::Database& database, const std::string& name) {
         WalkInStoredOrder(*rows);
         for (const jet::IndexSchema& index : schema.indexes) WalkAlong(*rows, index.name);
     } catch (const jet::Error&) {
-        // Damage is told as an error.
+        // Damage is reported as an error.
     }
 }
 

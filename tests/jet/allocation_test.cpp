@@ -297,7 +297,7 @@ TEST_P(AllocationTest, Create_WithoutMemory_LeavesNoFile) {
     EXPECT_TRUE(CheckFile(other_, *files_).IsSound());
 }
 
-// Reads all fields of all records, with no memory to be had once the second walk is under way.
+// Reads all fields of all records, with no memory to be had once the second scan is under way.
 void WalkTwice(Recordset& rows) {
     std::u16string text;
     std::int64_t sum = 0;
@@ -346,7 +346,7 @@ TEST_P(AllocationTest, Open_WithoutMemory_LeavesTheFileAsItWas) {
     EXPECT_TRUE(CheckFile(file_, *files_).IsSound());
 }
 
-// What the process that ran out of memory leaves, the next one brings in.
+// What the process that ran out of memory leaves, the next one recovers.
 TEST_P(AllocationTest, OpenAfterCrashAndClose_WithoutMemory_LoseNothing) {
     const std::u16string before = Look(*database_);
     const auto data = Contents(file_);

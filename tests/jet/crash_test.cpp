@@ -1,6 +1,6 @@
 // Row operations through every kind of failure, in both formats: whatever step fails, is cut short
 // or is the last of the process or of the machine, the file that comes back passes the integrity
-// check and holds exactly the rows of a state that the caller was told of.
+// check and holds exactly the rows of a state that was acknowledged to the caller.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -142,10 +142,10 @@ void MakeChanges(FaultFileSystem& files, Progress& progress, int patience) {
         progress.underWay = true;
         persist([&] { change(*database); });
         progress.underWay = false;
-        ++progress.told;
-        if (progress.told % 3 == 0) {
+        ++progress.acknowledged;
+        if (progress.acknowledged % 3 == 0) {
             persist([&] { database->MakeDurable(); });
-            progress.durable = progress.told;
+            progress.durable = progress.acknowledged;
         }
     }
     persist([&] { database->Close(); });
@@ -179,8 +179,8 @@ protected:
         }
         const CheckReport report = CheckFile(kFile, files);
         EXPECT_TRUE(report.IsSound()) << where << "\n" << report.Text();
-        EXPECT_TRUE(tarn_test::IsStateToldOf(states_, found, progress, powerCut))
-            << where << ", told " << progress.told;
+        EXPECT_TRUE(tarn_test::IsAcknowledgedState(states_, found, progress, powerCut))
+            << where << ", acknowledged " << progress.acknowledged;
         ++filesLookedAt_;
     }
 
@@ -253,7 +253,7 @@ TEST_P(CrashTest, FullDisk_FromAnyStepOn_LosesNothingTold) {
             } catch (const Error& error) {
                 EXPECT_EQ(error.Kind(), ErrorKind::kDiskFull);
             }
-            // What the full disk ended was told to have failed.
+            // What the full disk ended was reported as failed.
             progress.underWay = false;
         },
         [this](FaultFileSystem& files, const Progress& progress, const std::string& where) {

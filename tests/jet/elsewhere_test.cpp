@@ -206,7 +206,7 @@ TEST(LogName, OfAVeryLongFileName_FitsAndIsFoundAgain) {
     }
 }
 
-// Only what may hold changes is told of.
+// Only what may hold changes is reported.
 TEST(LogFound, ThatIsNoFile_IsSetAsideWithoutAWord) {
     const TempFolder folder;
     const fs::path path = folder / "a file.mdb";

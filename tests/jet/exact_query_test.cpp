@@ -1,4 +1,4 @@
-// Conditions on numbers that doubles cannot tell apart, and values that are bound to a query.
+// Conditions on numbers that doubles cannot distinguish, and values that are bound to a query.
 #include <gtest/gtest.h>
 
 #include "jet/convert.h"

@@ -1,6 +1,6 @@
 // Whole operations through every kind of failure: for each step that changes a file, in turn, that
 // step fails, is cut short, or is the last thing that the process does; then the machine goes on or
-// loses its power. What comes back must be a state that the caller was told of.
+// loses its power. What comes back must be a state that was acknowledged to the caller.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -36,7 +36,7 @@ Snapshot Take(Pager& pager) {
         const PageRef ref = pager.Page(PageNumber{page});
         all.insert(all.end(), ref.Data().begin(), ref.Data().end());
     }
-    // The counter tells states of the file apart, it is none of their contents.
+    // The counter distinguishes states of the file, it is none of their contents.
     WriteCommitCounter(all, pager.FileFormat(), 0);
     return all;
 }
@@ -98,7 +98,8 @@ void PlayRun(FaultFileSystem& files, int patience, Progress& progress,
     const auto look = [&] {
         if (record != nullptr) record->push_back(Take(*pager));
         if (expected != nullptr && !files.HasStopped()) {
-            ASSERT_EQ(Take(*pager), (*expected)[progress.told]) << "after " << progress.told;
+            ASSERT_EQ(Take(*pager), (*expected)[progress.acknowledged])
+                << "after " << progress.acknowledged;
         }
     };
     persist([&] { pager = OpenFile(files); });
@@ -114,25 +115,25 @@ void PlayRun(FaultFileSystem& files, int patience, Progress& progress,
                     look();  // the operation left no trace
                     throw;
                 }
-                ++progress.told;
+                ++progress.acknowledged;
                 progress.underWay = false;
             });
             look();
         }
         persist([&] { pager->MakeDurable(); });
-        progress.durable = progress.told;
+        progress.durable = progress.acknowledged;
         look();
     }
     persist([&] { pager->Close(); });
 }
 
-// Opens what a run left and compares. The log must be gone or empty once the file is closed.
+// Opens what a run left and compares. The log must be removed or empty once the file is closed.
 void ExpectState(FaultFileSystem& files, const std::vector<Snapshot>& states,
                  const Progress& progress, bool powerCut, const std::string& where) {
     const auto pager = OpenFile(files);
     const Snapshot found = Take(*pager);
-    EXPECT_TRUE(tarn_test::IsStateToldOf(states, found, progress, powerCut))
-        << where << ", told " << progress.told << ", durable " << progress.durable;
+    EXPECT_TRUE(tarn_test::IsAcknowledgedState(states, found, progress, powerCut))
+        << where << ", acknowledged " << progress.acknowledged << ", durable " << progress.durable;
     pager->Close();
     EXPECT_TRUE(files.Contents(kLog).empty()) << where;
     // The emptying of a log can be undone in part; what comes back then is no use and put away.
@@ -304,7 +305,7 @@ TEST_P(FaultTest, AnyRead_Fails_NothingIsLostOrChanged) {
         }
         files->Restart();
         files->ArmReading(read);
-        Progress progress{.told = 1, .durable = 1};
+        Progress progress{.acknowledged = 1, .durable = 1};
         bool failed = false;
         try {
             OpenFile(*files)->Close();

@@ -211,7 +211,7 @@ void RunMuch(FaultFileSystem& files, Progress& progress, int patience) {
         transaction.Commit();
     });
     progress.underWay = false;
-    progress.told = 1;
+    progress.acknowledged = 1;
     persist([&] { database->MakeDurable(); });
     progress.durable = 1;
     persist([&] { database->Close(); });
@@ -238,7 +238,7 @@ TEST_P(LargeTransactionTest, AnyStep_IsTheLastOfTheProcessOrTheMachine) {
             }
             const std::string where = "step " + std::to_string(step);
             EXPECT_TRUE(
-                tarn_test::IsStateToldOf(states, Reopened(*files, where), progress, powerCut))
+                tarn_test::IsAcknowledgedState(states, Reopened(*files, where), progress, powerCut))
                 << where;
         }
     }
@@ -250,7 +250,8 @@ TEST_P(LargeTransactionTest, AnyStep_Fails_AllOrNone) {
         files_, {Fault::kFail, Fault::kFailHalfDone, Fault::kFailDone},
         [](FaultFileSystem& files, Progress& progress) { RunMuch(files, progress, 1); },
         [&](FaultFileSystem& files, const Progress& progress, const std::string& where) {
-            EXPECT_TRUE(tarn_test::IsStateToldOf(states, Reopened(files, where), progress, false))
+            EXPECT_TRUE(
+                tarn_test::IsAcknowledgedState(states, Reopened(files, where), progress, false))
                 << where;
         });
 }
@@ -268,7 +269,8 @@ TEST_P(LargeTransactionTest, FullDisk_AtAnyStep_AllOrNone) {
             progress.underWay = false;
         },
         [&](FaultFileSystem& files, const Progress& progress, const std::string& where) {
-            EXPECT_TRUE(tarn_test::IsStateToldOf(states, Reopened(files, where), progress, false))
+            EXPECT_TRUE(
+                tarn_test::IsAcknowledgedState(states, Reopened(files, where), progress, false))
                 << where;
         });
 }

@@ -67,7 +67,7 @@ protected:
         record.Finish(seed);
         return log;
     }
-    // Opens the file beside that log and tells whether the log counted.
+    // Opens the file beside that log and gives whether the log counted.
     [[nodiscard]] Recovery Open(const Contents& log) const {
         FaultFileSystem files;
         files.SetContents(kFile, file_);

@@ -1,4 +1,4 @@
-// The host's own files, and that a process which is killed loses nothing that it was told.
+// The host's own files, and that a process which is killed loses nothing that was acknowledged.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -320,23 +320,23 @@ TEST(Process, KilledAtAnyInstant_EverythingToldIsThereAndNothingIsHalf) {
     MakeFile(path);
     for (int round = 0; round < 40; ++round) {
         ChildProcess child(BuiltProgram("count_up"), path);
-        std::uint32_t told = 0;
+        std::uint32_t acknowledged = 0;
         // The number of acknowledgements waited for varies the instant, not a clock.
         for (int i = 0; i <= round * 7; ++i) {
             const auto line = child.ReadLine();
             ASSERT_TRUE(line);
-            told = NumberIn(*line);
+            acknowledged = NumberIn(*line);
         }
         child.Kill();
-        while (const auto line = child.ReadLine()) told = NumberIn(*line);
+        while (const auto line = child.ReadLine()) acknowledged = NumberIn(*line);
 
         Recovery recovery;
         const auto pager = OpenPager(path, recovery);
         EXPECT_FALSE(recovery.foreignLogIgnored);
         const std::uint32_t found = ReadU32(pager->Page(PageNumber{3}).Data(), 100);
         EXPECT_EQ(found, ReadU32(pager->Page(PageNumber{5}).Data(), 3000));
-        EXPECT_GE(found, told);
-        EXPECT_LE(found, told + 1);
+        EXPECT_GE(found, acknowledged);
+        EXPECT_LE(found, acknowledged + 1);
         pager->Close();
     }
 }

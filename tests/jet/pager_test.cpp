@@ -134,9 +134,9 @@ TEST_P(PagerTest, UsageMap_KeepsAnySetOfPages) {
     auto pager = MakeFile();
     Operation operation(*pager);
     UsageMap map = UsageMap::Create(operation);
-    UsageMap neighbour = UsageMap::Create(operation);
-    neighbour.Add(operation, PageNumber{11});
-    EXPECT_EQ(map.Row().page, neighbour.Row().page);
+    UsageMap neighbor = UsageMap::Create(operation);
+    neighbor.Add(operation, PageNumber{11});
+    EXPECT_EQ(map.Row().page, neighbor.Row().page);
     while (operation.Allocate().value < 60000) {
     }
     std::set<std::uint32_t> model;
@@ -153,8 +153,8 @@ TEST_P(PagerTest, UsageMap_KeepsAnySetOfPages) {
     std::set<std::uint32_t> found;
     map.ForEach({}, [&](PageNumber page) { return found.insert(page.value).second; });
     EXPECT_EQ(found, model);
-    EXPECT_EQ(neighbour.NextFrom({}), PageNumber{11});
-    EXPECT_EQ(neighbour.NextFrom(PageNumber{12}), std::nullopt);
+    EXPECT_EQ(neighbor.NextFrom({}), PageNumber{11});
+    EXPECT_EQ(neighbor.NextFrom(PageNumber{12}), std::nullopt);
     operation.Commit();
 }
 
@@ -218,7 +218,7 @@ TEST_P(PagerTest, LogsThatDoNotBelong_ArePutAsideUnderNamesThatAreFree) {
     for (int number = 4; number <= 100; ++number) {
         files_->Remove("a file.mdb-log-old" + std::to_string(number));
     }
-    // A log of a file that is gone does not become the log of a new one of its name.
+    // A log of a file that was removed does not become the log of a new one of its name.
     files_->Remove("a file.mdb");
     files_->Open("a file.mdb-log", OpenMode::kCreateNew)->Write(0, std::vector<std::byte>(9));
     MakeFile()->Close();

@@ -140,7 +140,7 @@ TEST_P(RepairDamagedFile, KeepsWhatCanBeReadAndLeavesTheFileAlone) {
     EXPECT_TRUE(check.findings.empty()) << check.Text();
 }
 
-// A definition that says less than the rows hold: what does not fit is left out and told.
+// A definition that says less than the rows hold: what does not fit is left out and reported.
 TEST(RepairFile, ValueThatTheDefinitionDoesNotAllow_IsLeftOutAndTheRowKept) {
     const auto files = MakeMemoryFileSystem();
     const auto database = Database::Create("a file.mdb", Version::kJet4, *files);

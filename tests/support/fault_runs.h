@@ -12,9 +12,9 @@ namespace tarn_test {
 
 // How far a run came: states of the file by number, 0 being the one before the run.
 struct Progress {
-    std::size_t told = 0;
+    std::size_t acknowledged = 0;
     std::size_t durable = 0;
-    bool underWay = false;  // state told + 1 was begun
+    bool underWay = false;  // state acknowledged + 1 was begun
 };
 
 // Takes a step; one that fails is tried again `patience` times. Throws what it threw last when the
@@ -31,13 +31,13 @@ inline void Persist(FaultFileSystem& files, int patience, const std::function<vo
     }
 }
 
-// Whether what was found is one of the states that may be there after a run: none older than the
-// caller was told of, or, after a power cut, than was made durable; none newer than was begun.
+// Whether what was found is one of the states that may be there after a run: none older than what
+// was acknowledged to the caller or, after a power cut, made durable; none newer than was begun.
 template <typename State>
-bool IsStateToldOf(const std::vector<State>& states, const State& found, const Progress& progress,
-                   bool powerCut) {
-    const std::size_t first = powerCut ? progress.durable : progress.told;
-    const std::size_t last = progress.told + (progress.underWay ? 1 : 0);
+bool IsAcknowledgedState(const std::vector<State>& states, const State& found,
+                         const Progress& progress, bool powerCut) {
+    const std::size_t first = powerCut ? progress.durable : progress.acknowledged;
+    const std::size_t last = progress.acknowledged + (progress.underWay ? 1 : 0);
     for (std::size_t i = first; i <= last; ++i) {
         if (states[i] == found) return true;
     }

@@ -1,10 +1,10 @@
 // The seam to the operating system: every read, write, flush, truncation and lock of the engine
-// goes through these two classes, and so does every fault that a test injects.
+// passes through these two classes, and so does every fault that a test injects.
 //
 // All functions throw jet::Error. Calls that name a file: kFileNotFound, kAlreadyExists, kReadOnly,
 // kPermissionDenied, kFileInUse, kDiskFull, kNotADatabase (a device or a pipe), kIo. Calls on an
 // open file: kDiskFull, kFileTooLarge, kReadOnly, kIo. A File closes itself, and gives up its lock,
-// when it goes. Offsets and sizes are bytes.
+// when it is destroyed. Offsets and sizes are bytes.
 #pragma once
 
 #include <cstddef>
@@ -34,7 +34,7 @@ public:
     virtual void Truncate(std::uint64_t size) = 0;
     // Returns when all that was written is on the medium.
     virtual void Flush() = 0;
-    // Takes the whole-file lock: it lasts until the File goes, dies with the process, and is not
+    // Takes the whole-file lock: it lasts as long as the File, dies with the process, and is not
     // lost when another handle on the file is closed. False when somebody else holds it.
     [[nodiscard]] virtual bool TryLock(bool exclusive) = 0;
     // Whether `path` still leads to this file; kRemoved when no name does. Systems that keep open

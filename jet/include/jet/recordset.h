@@ -1,8 +1,8 @@
 // A record set: one current record among the rows of a table or of a query's result.
 //
-// A table record set walks the rows in stored order, or in the order of the index that was set.
-// An index position is remembered as key and row, so it survives changes made through any other
-// record set of the same database.
+// A table record set moves through the rows in stored order, or in the order of the index that was
+// set. An index position is remembered as key and row, so it survives changes made through any
+// other record set of the same database.
 //
 // Positions. A record set opens on its first record (IsEof and IsBof both true when there is none).
 // - Moving past an end sets IsEof or IsBof; there is no current record there (kNoCurrentRecord).
@@ -90,7 +90,7 @@ public:
     }
     [[nodiscard]] virtual bool NoMatch() const = 0;
 
-    // The end of a walk through a range of the current index. MakeKey gives the bytes by which the
+    // The end of a scan of a range of the current index. MakeKey gives the bytes by which the
     // index orders records with these values in its leading columns; CompareToKey compares the
     // current record with them: below 0 when it stands before all such records, 0 when it is one
     // of them, above 0 behind them. Descending columns are turned round in both. Errors: those of

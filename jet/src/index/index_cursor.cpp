@@ -34,12 +34,12 @@ bool IndexCursor::IsOnLeaf() const {
     return !leaf_.Data().empty() && change_ == tree_->Pages().ChangeCount();
 }
 
-// The position as a place on its leaf, which is known. The pin goes with it.
+// The position as a place on its leaf, which is known. The pin is handed over with it.
 LeafPlace IndexCursor::TakePlace() {
     return SearchOf(*tree_).PlaceOn(std::move(leaf_), at_);
 }
 
-// Whether a place on another leaf brings the walk further. Links of a damaged file may not.
+// Whether a place on another leaf brings the cursor further. Links of a damaged file may not.
 bool IndexCursor::IsAbove(const LeafPlace& place) const {
     if (place.IsEnd()) return true;
     Key entry;
@@ -48,7 +48,7 @@ bool IndexCursor::IsAbove(const LeafPlace& place) const {
     return !EntryBound{position, EntryBound::Rule::kAbove}.Passes(entry);
 }
 
-// A walk that comes to another leaf must stand farther than where it came to the former one.
+// A cursor that moves to another leaf must stand farther than where it came to the former one.
 // Entries and links of a damaged file can lead in a circle.
 void IndexCursor::RequireProgress(const LeafPlace& place, bool forward) {
     if (place.IsEnd()) return;

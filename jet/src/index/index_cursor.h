@@ -1,5 +1,5 @@
 // A position in an index: the key and row of an entry. It survives splits, and deletions of
-// entries, its own included; the neighbors of an entry that is gone are those of its place.
+// entries, its own included; the neighbors of a removed entry are those of its place.
 //
 // Each verb says whether there is such an entry. Where there is none, and when it throws, the
 // cursor stays where it was. As long as no page changes, the leaf of the position stays pinned and
@@ -49,7 +49,7 @@ private:
     [[nodiscard]] bool IsOnLeaf() const;
     [[nodiscard]] LeafPlace TakePlace();
     [[nodiscard]] bool IsAbove(const LeafPlace& place) const;
-    // A walk in the other direction begins anew.
+    // Moving in the other direction begins anew.
     void Face(bool forward);
     void RequireProgress(const LeafPlace& place, bool forward);
 
@@ -60,8 +60,8 @@ private:
     PageRef leaf_;
     std::size_t at_ = 0;
     std::uint64_t change_ = 0;
-    // The entry at which the walk in one direction came to its latest leaf; empty before that. It
-    // must go on beyond it, so that a damaged file ends the walk.
+    // The entry at which moving in one direction came to its latest leaf; empty before that. It
+    // must go on beyond it, so that a damaged file ends the movement.
     Key turn_;
     bool forward_ = true;
 };

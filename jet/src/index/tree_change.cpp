@@ -206,7 +206,7 @@ void TreeChange::LinkNewRight(PageNumber left, IndexPageContent& leftContent, Pa
 }
 
 // Nodes are linked below one parent only: the last child of a node that was split loses its
-// neighbour.
+// neighbor.
 void TreeChange::CutLinkAfter(PageNumber child) {
     IndexPageContent content = Load(child);
     if (!content.IsLeaf() && content.next) {

@@ -29,7 +29,7 @@ public:
     // kRecordTooLarge, kDamaged.
     void Insert(Bytes key, RowId row);
     // The common case, without taking a page apart: the leaf has room and nothing above it changes.
-    // Tells whether no other entry has the key; nothing, and nothing done, in any other case.
+    // Gives whether no other entry has the key; nothing, and nothing done, in any other case.
     // `tree` is the tree itself, for looking around.
     std::optional<bool> InsertInPlace(Bytes key, RowId row, const IndexTree& tree);
     // False, and nothing done, in any other case.
@@ -68,7 +68,7 @@ private:
     [[nodiscard]] Path DescendToInsert(Bytes entry, IndexPageContent& content);
 
     // Saves what a page of the path is to hold, splitting it when it does not fit. True when it was
-    // split: the path is then out of date. `appended` tells that the last entry is the new one.
+    // split: the path is then out of date. `appended` says that the last entry is the new one.
     bool Store(Path path, IndexPageContent content, bool appended);
     void Split(Path path, IndexPageContent content, bool appended);
     void LowerRoot(Path& path, IndexPageContent& content);

@@ -18,7 +18,7 @@ bool Holds(const IndexPage& leaf, std::size_t at, Bytes entry) {
     return at != leaf.End() && leaf.SizeOf(at) == entry.size() && leaf.BeginsWith(at, entry);
 }
 
-// Whether the index has no other entry with this key, as far as the neighbours of its place tell:
+// Whether the index has no other entry with this key, as far as the neighbors of its place show:
 // not at the leaf's edge, nor where the key is the beginning of another one.
 std::optional<bool> IsNew(const IndexPage& leaf, std::size_t at, Bytes key) {
     if ((at == 0 && leaf.Previous()) || (at == leaf.End() && leaf.Next())) return std::nullopt;
@@ -71,8 +71,8 @@ std::optional<bool> TreeChange::InsertInPlace(Bytes key, RowId row, const IndexT
         Holds(leaf, at, entry)) {
         return std::nullopt;
     }
-    const std::optional<bool> told = IsNew(leaf, at, key);
-    const bool isNew = told ? *told : !tree.HasKey(key);
+    const std::optional<bool> known = IsNew(leaf, at, key);
+    const bool isNew = known ? *known : !tree.HasKey(key);
     InsertStored(operation_.Change(page.Number()), format_, leaf.End(), at, stored);
     return isNew;
 }

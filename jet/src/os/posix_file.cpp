@@ -108,7 +108,7 @@ public:
         if (mine.st_nlink == 0) return Whereabouts::kRemoved;
         struct stat there {};
         if (::stat(path.c_str(), &there) != 0) {
-            // Other errors, of a network say, tell nothing about the file.
+            // Other errors, of a network say, say nothing about the file.
             const bool absent = errno == ENOENT || errno == ENOTDIR;
             return absent ? Whereabouts::kElsewhere : Whereabouts::kInPlace;
         }

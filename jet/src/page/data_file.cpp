@@ -42,8 +42,8 @@ void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) noexcep
     }
 }
 
-// A name that has no room for the ending is cut, and a number made of the whole of it tells it from
-// its like.
+// A name that has no room for the ending is cut, and a number made of the whole of it distinguishes
+// it from its like.
 std::filesystem::path LogPath(const std::filesystem::path& dataFile) {
     constexpr std::size_t kLongestName = 255;
     constexpr std::size_t kRoomForEndings = 11;  // "-log-old99"
@@ -103,7 +103,7 @@ void DataFile::Write(PageNumber first, Bytes pages) {
     file_->Write(std::uint64_t{first.value} * format_.pageSize, pages);
 }
 
-// The counters on the header page tell one state from the next.
+// The counters on the header page distinguish one state from the next.
 void DataFile::RequireUntouched() {
     if (state_.pageCount == 0) return;
     if (file_->Size() >= std::uint64_t{state_.pageCount} * format_.pageSize) {

@@ -12,7 +12,8 @@
 
 namespace jet {
 
-// What tells one state of a data file from another; a log belongs to the state that it began with.
+// What distinguishes one state of a data file from another; a log belongs to the state that it
+// began with.
 struct FileState {
     std::uint32_t pageCount = 0;
     std::uint16_t commitCounter = 0;
@@ -21,7 +22,7 @@ struct FileState {
 
 // The log of a data file.
 std::filesystem::path LogPath(const std::filesystem::path& dataFile);
-// Takes back a file whose making failed, where that is possible.
+// Removes a file whose making failed, where that is possible.
 void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) noexcept;
 // kFileInUse.
 void RequireLock(File& file, bool exclusive);

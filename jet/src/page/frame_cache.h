@@ -25,7 +25,7 @@ struct Frame {
     bool inTransaction = false;  // changed by the open transaction
     bool changing = false;       // changed by the open operation
     bool recent = false;         // used since the clock's hand came by
-    bool passing = false;        // of a walk through a file that is larger than the cache
+    bool passing = false;        // of a scan of a file that is larger than the cache
 };
 
 class FrameCache {
@@ -41,10 +41,10 @@ public:
         return (*frameOf_[part])[page % kPart];
     }
     // A frame for a page that is not in memory; its bytes are undefined. Passing pages take each
-    // other's frames, a few of them, so that a walk through a large file neither fills the memory
+    // other's frames, a few of them, so that a scan of a large file neither fills the memory
     // nor drives out what is used again.
     Frame& Insert(std::uint32_t page, bool passing = false);
-    // Takes the page out of memory. A pin on it keeps its bytes until it goes.
+    // Takes the page out of memory. A pin on it keeps its bytes as long as it lives.
     void Drop(Frame& frame);
     // Gives memory beyond the capacity back.
     void Shrink();

@@ -21,7 +21,7 @@
 // 72                 8          Jet 4: creation date
 //
 // The first counter belongs to whoever has the file exclusively and is raised whenever changes have
-// been brought into the file, so it tells one state of a file from the next.
+// been written to the file, so it distinguishes one state of a file from the next.
 #pragma once
 
 #include <cstdint>
@@ -45,7 +45,7 @@ struct FileHeader {
     double creationDate = 0;  // Jet 4
 };
 
-// What the first bytes of a file must be able to tell.
+// What the first bytes of a file must say.
 inline constexpr std::uint32_t kHeaderPrefix = 0x18 + 128;
 inline constexpr std::uint32_t kSmallestPageCount = 6;
 

@@ -26,7 +26,7 @@ std::uint64_t Word(Bytes bytes, std::size_t at) {
 
 // The end of the difference that begins at `from`: where many equal bytes lie in a row. Entries
 // that moved differ in a byte here and there; one long range takes less time than many short ones,
-// to write and to bring in, and not much more room.
+// to write and to recover, and not much more room.
 std::size_t DifferenceEnd(Bytes a, Bytes b, std::size_t from) {
     constexpr std::size_t kGap = 64;
     std::size_t end = from + 1;

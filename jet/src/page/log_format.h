@@ -1,6 +1,6 @@
 // The log file: what its bytes mean.
 //
-// A log belongs to one state of one data file, the one that it began with, and tells what has been
+// A log belongs to one state of one data file, the one that it began with, and holds what has been
 // done to it since. It is a header and any number of records, each record good only after the one
 // before it: its checksum is seeded with theirs.
 //

@@ -37,7 +37,7 @@ public:
     // The page that lately had room for a usage map; 0 when none is known.
     [[nodiscard]] PageNumber& MapRowPage();
 
-    // Errors: kDiskFull, kIo; the operation is then undone when it goes.
+    // Errors: kDiskFull, kIo; its destructor then rolls back.
     void Commit();
 
 private:

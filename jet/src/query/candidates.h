@@ -10,9 +10,9 @@
 
 namespace jet {
 
-// The rows among which all that satisfy the query are, in stored order, told by an index; nothing
-// where no index tells and every row has to be looked at. Rows that do not satisfy it may be among
-// them, so the conditions are still to be tested.
+// The rows among which all that satisfy the query are, in stored order, found through an index;
+// nothing where no index helps and every row has to be looked at. Rows that do not satisfy it may
+// be among them, so the conditions are still to be tested.
 std::optional<std::vector<RowId>> RowsByIndex(const Table& table, const Query& query);
 
 }  // namespace jet

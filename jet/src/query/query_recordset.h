@@ -46,7 +46,7 @@ private:
 
     std::vector<RowId> rows_;
     std::optional<std::vector<RowId>> rowsBefore_;  // the transaction that is open
-    std::size_t at_ = 0;  // of the current record, or of the follower of one that is gone
+    std::size_t at_ = 0;  // of the current record, or of the follower of one that was removed
 };
 
 }  // namespace jet

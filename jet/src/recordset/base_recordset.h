@@ -64,12 +64,12 @@ protected:
     };
 
     // The subclass knows the order. Each gives the record and notes whatever else it needs to go on
-    // from there; the two neighbours are those of the current place.
+    // from there; the two neighbors are those of the current place.
     virtual std::optional<RowId> GoFirst() = 0;
     virtual std::optional<RowId> GoLast() = 0;
     virtual std::optional<RowId> GoNext() = 0;
     virtual std::optional<RowId> GoPrevious() = 0;
-    // Told before a row is added, and when that, or a change of the current record, is done: then
+    // Called before a row is added, and when that, or a change of the current record, is done: then
     // nothing may fail any more.
     virtual void MakeRoomForRow() {}
     virtual void CurrentChanged() {}

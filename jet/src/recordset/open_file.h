@@ -51,7 +51,7 @@ public:
 
     [[nodiscard]] Pager& Pages() { return *pager_; }
     [[nodiscard]] Catalog& Tables() { return *catalog_; }
-    // Tells the logger what opening found.
+    // Reports to the logger what opening found.
     void LogRecovery() const;
     // Hands a sentence, in two parts, to the logger, if there is one. Does not fail.
     void Log(LogLevel level, std::string_view what, std::string_view detail = {}) const noexcept;

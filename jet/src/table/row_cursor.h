@@ -1,5 +1,5 @@
 // A position among the rows of a table, in stored order. It need not be that of a row: the
-// neighbors of a row that is gone are those of its place.
+// neighbors of a removed row are those of its place.
 //
 // Each verb says whether there is such a row; where there is none, the cursor stays where it was.
 // The page of the position stays pinned, so that a step within it is cheap.

@@ -160,7 +160,7 @@ void RowStore::Remove(Operation& operation, RowId row) {
     }
 }
 
-// A page whose last row has gone is given back to the file.
+// A page whose last row was removed is given back to the file.
 void RowStore::RemoveSlot(Operation& operation, RowId row) {
     const Format& format = pager_->FileFormat();
     const MutableBytes page = operation.Change(row.page);

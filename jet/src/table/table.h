@@ -1,7 +1,7 @@
 // A table: its rows and all of its indexes, changed as one.
 //
 // Reading goes through views of the stored bytes. Each of the three changes takes the open
-// Operation that makes it whole; what it wrote before an error goes with that operation.
+// Operation that makes it whole; what it wrote before an error is rolled back with that operation.
 #pragma once
 
 #include <memory>
@@ -69,7 +69,7 @@ private:
     bool UpdateOne(Operation& operation, RowId id, const RowValues& row,
                    std::vector<RowChange>& cascade);
     void DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade);
-    // kDuplicateKey; the entry that was made goes with the operation.
+    // kDuplicateKey; the entry that was made is rolled back with the operation.
     void EnterKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
     void EraseKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
     Bytes BuildRow(Operation& operation, const RowValues& row, const RowView* old);

@@ -20,7 +20,7 @@ struct RareWeights {
     std::uint8_t weights;
 };
 
-// Neighbouring code units of one kind whose primary weights rise evenly.
+// Neighboring code units of one kind whose primary weights rise evenly.
 struct WeightRun {
     std::uint16_t first;
     std::uint16_t count;

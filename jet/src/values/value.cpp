@@ -37,7 +37,7 @@ double FromText(std::u16string_view text) {
     return number;
 }
 
-// Halves go to the even neighbour, whatever rounding mode the process runs in.
+// Halves go to the even neighbor, whatever rounding mode the process runs in.
 double RoundHalfToEven(double number) {
     const double below = std::floor(number);
     const double rest = number - below;

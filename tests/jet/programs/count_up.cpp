@@ -1,4 +1,4 @@
-// Counts up on two pages of a file for ever and tells each number once its operation returned, so
+// Counts up on two pages of a file for ever and prints each number once its operation returned, so
 // that a test can kill the process and look at what it left. Usage: count_up FILE
 #include <cstdio>
 
