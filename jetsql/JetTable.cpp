@@ -2,15 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "jet/recordset.h"
 #include "jetsql/KeyRange.h"
-#include "jetsql/ModuleParts.h"
 #include "jetsql/Plan.h"
 #include "jetsql/Values.h"
+#include "jetsql/VirtualTable.h"
 
 namespace jetsql {
 
@@ -18,10 +20,16 @@ namespace {
 
 // Records between two looks at whether the file is still the one that was opened.
 constexpr int kLookEvery = 256;
-constexpr int kFirstArgument = 3;  // of a module: behind module, schema and table name
-constexpr int kArguments = 2;
+constexpr std::size_t kFirstArgument = 3;  // of a module: behind module, schema and table name
+constexpr std::size_t kArguments = 2;
 
 struct Table : sqlite3_vtab {
+    static std::unique_ptr<Table> Make(OpenedFiles& files, std::span<const char* const> arguments);
+    [[nodiscard]] std::string Declaration() const {
+        return jetsql::Declaration(schema, "x", false);
+    }
+    int BestIndex(sqlite3_index_info& info) const;
+
     std::shared_ptr<OpenedFile> file;
     jet::TableSchema schema;
     double records = 0;
@@ -38,7 +46,8 @@ public:
         }
     }
 
-    void Start(const Plan& plan, sqlite3_value** values) {
+    void Start(const char* text, sqlite3_value** values) {
+        const Plan plan = Plan::FromText(text);
         RequireUnchanged();
         rowid_ = 0;
         backwards_ = plan.backwards;
@@ -111,10 +120,6 @@ private:
     bool atEnd_ = true;
 };
 
-Cursor& ToCursor(sqlite3_vtab_cursor* cursor) {
-    return *static_cast<Cursor*>(cursor);
-}
-
 // An argument as it stands in the statement, quotes and all.
 std::string Unquoted(const std::string& argument) {
     if (argument.size() < 2 || (argument.front() != '\'' && argument.front() != '"')) {
@@ -128,34 +133,15 @@ std::string Unquoted(const std::string& argument) {
     return text;
 }
 
-int Connect(sqlite3* connection, void* files, int count, const char* const* arguments,
-            sqlite3_vtab** made, char** message) {
-    return Guarded(*message, [&] {
-        if (count != kFirstArgument + kArguments) {
-            throw jet::Error(jet::ErrorKind::kSyntax, "Write jet('FILE', 'TABLE').");
-        }
-        auto table = std::make_unique<Table>();
-        table->file =
-            (*static_cast<SharedFiles*>(files))->Open(Unquoted(arguments[kFirstArgument]));
-        table->schema = table->file->Data().Describe(Unquoted(arguments[kFirstArgument + 1]));
-        table->records = table->file->Data().OpenTable(table->schema.name)->RecordCount();
-        const int code =
-            sqlite3_declare_vtab(connection, Declaration(table->schema, "x", false).c_str());
-        if (code != SQLITE_OK) return code;
-        *made = table.release();
-        return SQLITE_OK;
-    });
-}
-
-// Apart from Connect, so that "jet" by itself is no table.
-int Create(sqlite3* connection, void* files, int count, const char* const* arguments,
-           sqlite3_vtab** made, char** message) {
-    return Connect(connection, files, count, arguments, made, message);
-}
-
-int Disconnect(sqlite3_vtab* table) {
-    delete static_cast<Table*>(table);
-    return SQLITE_OK;
+std::unique_ptr<Table> Table::Make(OpenedFiles& files, std::span<const char* const> arguments) {
+    if (arguments.size() != kFirstArgument + kArguments) {
+        throw jet::Error(jet::ErrorKind::kSyntax, "Write jet('FILE', 'TABLE').");
+    }
+    auto table = std::make_unique<Table>();
+    table->file = files.Open(Unquoted(arguments[kFirstArgument]));
+    table->schema = table->file->Data().Describe(Unquoted(arguments[kFirstArgument + 1]));
+    table->records = table->file->Data().OpenTable(table->schema.name)->RecordCount();
+    return table;
 }
 
 std::optional<Bound> BoundOf(int operation) {
@@ -202,92 +188,27 @@ std::vector<Order> Orders(const sqlite3_index_info& info) {
     return orders;
 }
 
-int BestIndex(sqlite3_vtab* base, sqlite3_index_info* info) {
-    return Guarded(base->zErrMsg, [&] {
-        const Table& table = *static_cast<Table*>(base);
-        const Plan plan = MakePlan(table.schema, table.records, Conditions(info), Orders(*info));
-        int argument = 0;
-        for (const Condition& condition : plan.conditions) {
-            info->aConstraintUsage[condition.argument].argvIndex = ++argument;
-        }
-        info->idxStr = sqlite3_mprintf("%s", plan.Text(table.schema).c_str());
-        if (info->idxStr == nullptr) return SQLITE_NOMEM;
-        info->needToFreeIdxStr = 1;
-        info->orderByConsumed = plan.ordered ? 1 : 0;
-        info->estimatedCost = plan.cost;
-        info->estimatedRows = static_cast<sqlite3_int64>(plan.rows);
-        return SQLITE_OK;
-    });
-}
-
-int Open(sqlite3_vtab* base, sqlite3_vtab_cursor** made) {
-    return Guarded(base->zErrMsg, [&] {
-        *made = std::make_unique<Cursor>(*static_cast<Table*>(base)).release();
-        return SQLITE_OK;
-    });
-}
-
-int Close(sqlite3_vtab_cursor* cursor) {
-    delete &ToCursor(cursor);
+int Table::BestIndex(sqlite3_index_info& info) const {
+    const Plan plan = MakePlan(schema, records, Conditions(&info), Orders(info));
+    int argument = 0;
+    for (const Condition& condition : plan.conditions) {
+        info.aConstraintUsage[condition.argument].argvIndex = ++argument;
+    }
+    info.idxStr = sqlite3_mprintf("%s", plan.Text(schema).c_str());
+    if (info.idxStr == nullptr) return SQLITE_NOMEM;
+    info.needToFreeIdxStr = 1;
+    info.orderByConsumed = plan.ordered ? 1 : 0;
+    info.estimatedCost = plan.cost;
+    info.estimatedRows = static_cast<sqlite3_int64>(plan.rows);
     return SQLITE_OK;
-}
-
-int Filter(sqlite3_vtab_cursor* cursor, int /*number*/, const char* plan, int /*count*/,
-           sqlite3_value** values) {
-    return Guarded(cursor->pVtab->zErrMsg, [&] {
-        ToCursor(cursor).Start(Plan::FromText(plan), values);
-        return SQLITE_OK;
-    });
-}
-
-int Next(sqlite3_vtab_cursor* cursor) {
-    return Guarded(cursor->pVtab->zErrMsg, [&] {
-        ToCursor(cursor).Next();
-        return SQLITE_OK;
-    });
-}
-
-int IsAtEnd(sqlite3_vtab_cursor* cursor) {
-    return ToCursor(cursor).IsAtEnd() ? 1 : 0;
-}
-
-int GiveColumn(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int column) {
-    return Guarded(cursor->pVtab->zErrMsg, [&] {
-        ToCursor(cursor).Give(context, column);
-        return SQLITE_OK;
-    });
-}
-
-int GiveRowId(sqlite3_vtab_cursor* cursor, sqlite3_int64* rowid) {
-    *rowid = ToCursor(cursor).RowId();
-    return SQLITE_OK;
-}
-
-const sqlite3_module& JetModule() {
-    static const sqlite3_module kModule = [] {
-        sqlite3_module module{};
-        module.xCreate = Create;
-        module.xConnect = Connect;
-        module.xBestIndex = BestIndex;
-        module.xDisconnect = Disconnect;
-        module.xDestroy = Disconnect;
-        module.xOpen = Open;
-        module.xClose = Close;
-        module.xFilter = Filter;
-        module.xNext = Next;
-        module.xEof = IsAtEnd;
-        module.xColumn = GiveColumn;
-        module.xRowid = GiveRowId;
-        return module;
-    }();
-    return kModule;
 }
 
 }  // namespace
 
 int AddJetModule(sqlite3* connection, std::shared_ptr<OpenedFiles> files) {
-    return sqlite3_create_module_v2(connection, "jet", &JetModule(),
-                                    new SharedFiles(std::move(files)), DeleteSharedFiles);
+    static const sqlite3_module kModule = VirtualTable<Table, Cursor>::Module(false);
+    return sqlite3_create_module_v2(connection, "jet", &kModule, new SharedFiles(std::move(files)),
+                                    DeleteSharedFiles);
 }
 
 }  // namespace jetsql
