@@ -5,6 +5,10 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <stdexcept>
@@ -38,6 +42,30 @@ inline Answer AskSqlite(const std::filesystem::path& file, const std::string& sq
     }
     sqlite3_close(database);
     return rows;
+}
+
+// The rows with so many digits of each number, and truths as 1 and 0: engines write them in several
+// ways.
+inline Answer Normal(const Answer& rows, int numberDigits) {
+    const auto normalField = [numberDigits](const std::string& field) -> std::string {
+        if (field == "t" || field == "true") return "1";
+        if (field == "f" || field == "false") return "0";
+        char* rest = nullptr;
+        const double number = std::strtod(field.c_str(), &rest);
+        std::array<char, 64> digits{};
+        std::snprintf(digits.data(), digits.size(), "%.*g", numberDigits, number);
+        return !field.empty() && *rest == '\0' ? digits.data() : field;
+    };
+    Answer normal;
+    for (const std::string& row : rows) {
+        std::string& line = normal.emplace_back();
+        for (std::size_t begin = 0; begin <= row.size();) {
+            const std::size_t end = std::min(row.find('|', begin), row.size());
+            line += (begin > 0 ? "|" : "") + normalField(row.substr(begin, end - begin));
+            begin = end + 1;
+        }
+    }
+    return normal;
 }
 
 using Plant = std::function<void(season::Season&)>;
