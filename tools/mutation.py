@@ -30,10 +30,10 @@ BUILD = TREE / "build"
 OUTPUT = COPY / "output"
 MOST_UNNOTICED = 5.0
 # The test programs that can notice a mistake in a folder, the quickest first.
-NOTICED_BY = {"datafile": ("datafile", "import", "worksheets", "gui"),
-              "import": ("import", "worksheets", "gui"),
+NOTICED_BY = {"datafile": ("datafile", "import", "gui", "worksheets"),
+              "import": ("import", "gui", "worksheets"),
               "worksheets": ("worksheets", "gui"),
-              "shell": ("base", "shell", "datafile", "gui")}
+              "shell": ("base", "shell", "gui", "datafile")}
 # What of the shell lies below the data file counts with it.
 PARTS = {"shell": ("shell", "base")}
 # Where things stand in a window is judged by its picture.
@@ -41,7 +41,7 @@ LOOKS = ("Layout.cpp", "Scenery.cpp", "frm0Start.cpp")
 # Hard tests that run long and notice nothing that the others would not.
 LEFT_OUT = ["*Crash*", "*FailingDisk*", "*RandomUse*", "*random*", "*Random*", "*Fonts*", "*Walk*"]
 
-# "a == Compared<Equal>(17) << b" reads as "a == (Compared<Equal>(17) << b)", whatever a and b are, so the
+# "a == Compared{17} << b" reads as "a == (Compared{17} << b)", whatever a and b are, so the
 # operands need not be found in the text.
 SWITCHES = """#pragma once
 #pragma GCC diagnostic ignored "-Wconversion"
@@ -286,7 +286,7 @@ def test(name, number, wrap, options=("--gtest_fail_fast",)):
                    "TARN_KILLS": "1", "TARN_CUTS": "1", "TARN_MISTAKE": str(number)}
     try:
         return run([str(BUILD / f"bin/{name}_tests"), "--gtest_brief=1", *options,
-                    "--gtest_filter=-" + ":".join(LEFT_OUT)], wrap, env=environment, timeout=300)
+                    "--gtest_filter=-" + ":".join(LEFT_OUT)], wrap, env=environment, timeout=100)
     except subprocess.TimeoutExpired:
         return 1  # it hangs, which is noticed
 
