@@ -34,7 +34,7 @@ Ink InkOf(const QPalette& palette) {
     return ink;
 }
 
-Chart::Chart(QWidget* parent) : QCustomPlot(parent) {
+Chart::Chart(QWidget* parent) : QCustomPlot(parent), sides_(new QCPMarginGroup(this)) {
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     Redraw();

@@ -64,6 +64,8 @@ public:
     // The least room in which the chart can be read.
     void SetLeast(QSize least);
     [[nodiscard]] const std::optional<ChartSpot>& Marked() const { return marked_; }
+    // For axes that begin and end in line with each other.
+    [[nodiscard]] QCPMarginGroup& Sides() const { return *sides_; }
     // The place for small multiples and the like.
     [[nodiscard]] QCPLayoutGrid& Body() const { return *body_; }
 
@@ -104,6 +106,7 @@ private:
     QSize least_{200, 150};
     int drawnWidth_ = 0;
     QCPLayoutGrid* body_ = nullptr;
+    QCPMarginGroup* sides_;
 };
 
 // One for each kind.

@@ -106,18 +106,19 @@ void Draw(Chart& chart, const review::TotalsChart& content) {
     const Scale scale = ScaleOf(content);
     const int axisWidth = metrics.horizontalAdvance(Dollars(scale.least)) + 16;
     const int room = (chart.width() / columns - axisWidth - 12) / 6;
-    auto* const side = new QCPMarginGroup(&chart);
+    // A row without anything in it would take its share of the room.
+    const int titles = content.panels.front().title.empty() ? 0 : 1;
     for (int i = 0; i < count; ++i) {
         const auto& panel = content.panels[static_cast<std::size_t>(i)];
-        const int row = 2 * (i / columns);
+        const int row = (1 + titles) * (i / columns);
         const bool isMarked = chart.Marked() && chart.Marked()->series == i && count > 1;
-        if (!panel.title.empty()) {
+        if (titles > 0) {
             AddTitle(chart, row, i % columns, QString::fromStdString(panel.title), isMarked);
         }
-        QCPAxisRect& axes = chart.AddAxes(row + 1, i % columns);
-        axes.setMarginGroup(QCP::msLeft | QCP::msBottom, side);
+        QCPAxisRect& axes = chart.AddAxes(row + titles, i % columns);
+        axes.setMarginGroup(QCP::msLeft | QCP::msBottom, &chart.Sides());
         ShapeAxes(chart, axes, scale);
-        if (row / 2 == rows - 1) {
+        if (i / columns == rows - 1) {
             axes.axis(QCPAxis::atBottom)->setLabel(QStringLiteral("FIL"));
         }
         DrawPanel(chart, axes, panel, room);

@@ -68,7 +68,7 @@ void ComparePage::ShowFile() {
                         OneLine(difference.older), OneLine(difference.newer)});
     }
     differences_.SetRows(std::move(rows));
-    Parts::ShowRows(*grdDifferences_, differences_, kMostOfPlace);
+    Parts::ShowRows(*grdDifferences_, differences_, kMostOfPlace, window()->width());
     grdDifferences_->setVisible(older != nullptr);
     if (older == nullptr) {
         lblCompared_->setText(

@@ -122,7 +122,7 @@ void FindingsPage::ShowFile() {
         rows.push_back({SeverityText(finding.severity), PlaceText(finding), WithoutPlace(finding)});
     }
     findings_.SetRows(std::move(rows));
-    Parts::ShowRows(*grdFindings_, findings_, kMostOfPlace);
+    Parts::ShowRows(*grdFindings_, findings_, kMostOfPlace, RoomOfASide());
     lblSummary_->setText(case_.Summary());
     if (findings_.RowCount() > 0) {
         grdFindings_->Select(grdFindings_->FixedRows(), 0);
@@ -186,17 +186,22 @@ void FindingsPage::ShowTable(const review::Table& table) {
         const bool isNumber =
             !table.rows.empty() && at < table.rows[0].size() && table.rows[0][at].isNumber;
         const auto side = isNumber ? Qt::AlignRight : Qt::AlignLeft;
+        grdPlace_->horizontalHeader()->setStretchLastSection(!isNumber);
         grdPlace_->SetColAlignment(col, side | Qt::AlignVCenter);
         grdPlace_->SetFixedAlignment(col, side | Qt::AlignVCenter);
     }
     place_.SetRows(std::move(rows));
-    Parts::ShowRows(*grdPlace_, place_, kMostOfCell);
+    Parts::ShowRows(*grdPlace_, place_, kMostOfCell, RoomOfASide());
     // All of a table of this size is seen at once.
     const int height = grdPlace_->horizontalHeader()->sizeHint().height() +
                        grdPlace_->verticalHeader()->length() + 2 * grdPlace_->frameWidth() +
                        grdPlace_->horizontalScrollBar()->sizeHint().height();
     const int most = kMostRows * grdPlace_->verticalHeader()->defaultSectionSize();
     grdPlace_->setFixedHeight(std::min(height, most));
+}
+
+int FindingsPage::RoomOfASide() const {
+    return splitter_->orientation() == Qt::Horizontal ? window()->width() / 2 : window()->width();
 }
 
 void FindingsPage::resizeEvent(QResizeEvent* event) {

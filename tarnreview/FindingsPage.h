@@ -37,6 +37,8 @@ private:
     void Choose(int row);
     void ShowPlace(const PlaceView& view);
     void ShowTable(const review::Table& table);
+    // The width that the findings have, or their place.
+    [[nodiscard]] int RoomOfASide() const;
 
     const ReviewCase& case_;
     TextTable findings_;

@@ -14,8 +14,9 @@ namespace Parts {
 
 namespace {
 
-constexpr int kLookedAt = 300;  // rows whose texts decide how wide a column is
-constexpr int kAir = 16;        // pixels
+constexpr int kLookedAt = 300;   // rows whose texts decide how wide a column is
+constexpr int kAir = 16;         // pixels
+constexpr double kShare = 0.45;  // of the grid's width, the most that one of its columns gets
 
 }  // namespace
 
@@ -59,15 +60,19 @@ vsFlexGrid* List(QWidget* parent, const char* name, const QString& accessibleNam
     return grid;
 }
 
-void ShowRows(vsFlexGrid& grid, const TextTable& table, int most) {
+void ShowRows(vsFlexGrid& grid, const TextTable& table, int most, int room) {
     const QFontMetrics metrics(grid.font());
     const int rows = std::min(table.RowCount(), kLookedAt);
+    const bool stretches = grid.horizontalHeader()->stretchLastSection();
+    const int share = static_cast<int>(kShare * room);
     for (int col = 0; col < grid.Cols(); ++col) {
         int width = metrics.horizontalAdvance(grid.TextMatrix(0, col));
-        for (int row = 1; row <= rows; ++row) {
+        const bool takesTheRest = stretches && col + 1 == grid.Cols();
+        for (int row = 1; row <= rows && !takesTheRest; ++row) {
             width = std::max(width, metrics.horizontalAdvance(table.Text(row, col)));
         }
-        const int limit = most * metrics.averageCharWidth();
+        const int characters = most * metrics.averageCharWidth();
+        const int limit = stretches ? std::min(characters, share) : characters;
         grid.SetColWidth(col, platform::ToTwips(std::min(width, limit) + kAir));
     }
     grid.Refresh();

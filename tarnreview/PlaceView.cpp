@@ -20,6 +20,10 @@ using review::HeadCell;
 using review::NumberCell;
 using review::TextCell;
 
+// Columns of the cost table.
+constexpr int kTo = 2;
+constexpr int kCost = 3;
+
 std::string Words(const season::Text& text) {
     return std::string(season::Words(text));
 }
@@ -102,12 +106,13 @@ review::BarChart ProfileOf(const season::NvcRow* row) {
     return chart;
 }
 
-void ShowCosts(PlaceView& view, const season::Zone& zone, const review::Place& place) {
+void ShowCosts(PlaceView& view, const season::Zone& zone, const review::Finding& finding) {
+    const review::Place& place = finding.place;
     view.table = review::CostTable(zone, nullptr, review::kUsualTolerance);
     const review::CostChart chart = review::CostChartOf(zone);
     if (place.sizeClass) {
         view.row = RowWith(view.table, 0, std::to_string(*place.sizeClass));
-        view.column = 2;
+        view.column = finding.rule == "cost-order" ? kTo : kCost;
         view.spot = StepOf(chart, zone, *place.sizeClass);
     }
     view.chart = chart;
@@ -246,7 +251,7 @@ PlaceView PlaceOfFinding(const season::Season& season, const review::Finding& fi
     const season::Zone* const zone = ZoneAt(season, place);
     const bool isOfCosts = place.sizeClass || finding.rule.starts_with("cost");
     if (zone != nullptr && isOfCosts) {
-        ShowCosts(view, *zone, place);
+        ShowCosts(view, *zone, finding);
     } else if (zone != nullptr && place.location) {
         ShowValues(view, season, *zone, place);
     } else if (place.resource) {

@@ -12,6 +12,7 @@
 #include "platform/system/NativePath.h"
 #include "platform/system/OwnFonts.h"
 #include "platform/system/StartHelpers.h"
+#include "platform/system/Termination.h"
 #include "tarnreview/Failures.h"
 #include "tarnreview/ReviewIcon.h"
 #include "tarnreview/frmReview.h"
@@ -68,6 +69,7 @@ int main(int argc, char* argv[]) {
     fonts.Wait();
     platform::BringFontsWhereThereAreNone();
     frmReview window(path);
+    platform::OnTermination([] { QApplication::quit(); });
     window.show();
     return QApplication::exec();
 }

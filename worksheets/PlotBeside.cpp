@@ -33,9 +33,12 @@ void PlotBeside::Refresh() {
     }
 }
 
-// No taller than the grid, so that what stands below that stays where it is.
+// No taller than the grid, so that what stands below that stays where it is. The frame may become
+// wide enough without any change of this part of it.
 bool PlotBeside::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest) {
+    if (event->type() == QEvent::Resize && watched == window()) {
+        Arrange();
+    } else if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest) {
         setMaximumHeight(grid_.maximumHeight());
     }
     return QWidget::eventFilter(watched, event);
@@ -43,6 +46,7 @@ bool PlotBeside::eventFilter(QObject* watched, QEvent* event) {
 
 void PlotBeside::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    window()->installEventFilter(this);
     Arrange();
 }
 
@@ -59,6 +63,9 @@ bool PlotBeside::HasRoom() const {
 }
 
 void PlotBeside::Arrange() {
+    if (!isVisible()) {
+        return;
+    }
     if (plot_ == nullptr) {
         if (!isWanted_ && HasRoom()) {
             isWanted_ = true;

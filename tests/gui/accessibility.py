@@ -86,9 +86,9 @@ class Session:
         self.running.append(process)
         return process
 
-    def start_program(self, *arguments):
+    def start_program(self, *arguments, name="tarnprep"):
         self.end_program()
-        self.program = self.start(self.folder / "tarnprep", *arguments)
+        self.program = self.start(self.folder / name, *arguments)
 
     def end_program(self):
         if self.program is not None and self.program.poll() is None:
@@ -356,6 +356,7 @@ def drive(walk, session, program):
     sample = next((program / "Costs").glob("UM*.FCD"))
     worksheets(walk, session, sample, WORKSHEETS + TABLES)
     cells_while_walking(walk, session)
+    review(walk, session, program / "Costs" / "UMFOR26.FCD")
     session.end_program()
 
 
@@ -417,5 +418,35 @@ def cells_while_walking(walk, session):
         session.keys(*keys)
         walk.find("table", "Suppression cost per acre by fire size")
         walk.tree(where)
+
+
+def review(walk, session, path):
+    """TARN Review: its pages, and what a chart says of the figure that the keys reach."""
+    session.start_program(str(path), name="tarnreview")
+    walk.find("page tab", "Charts")
+    session.keyboard_to_program()
+    for page, part in (("Findings", "Findings"), ("Charts", "Costs of suppression resources"),
+                       ("Report", "Report"), ("Compare", "What is compared")):
+        where = f"TARN Review, {page}"
+        step(walk, where, lambda p=page, n=part: (walk.press(walk.find("page tab", p)),
+                                                  named(walk, n)))
+    walk.press(walk.find("page tab", "Charts"))
+    chart = named(walk, "Costs of suppression resources")
+    if not chart.get_description().startswith("Costs, the dearest first: "):
+        walk.offenders.append(f"TARN Review: a chart says {chart.get_description()!r}")
+
+
+def named(walk, name):
+    """What has this name and shows."""
+    def look():
+        try:
+            for thing in walk.all(walk.application()):
+                if thing.get_name() == name and walk.showing(thing):
+                    return thing
+        except walk.failure:
+            walk.alive()  # something went while it was being looked at
+        return None
+    return wait_for(look, name)
+
 
 main()

@@ -108,6 +108,18 @@ TEST_F(ChartTest, AMark_ChangesThePicture) {
     EXPECT_EQ(chart_.grab().toImage(), before);
 }
 
+// A chart is drawn anew at every keystroke; nothing of the former picture stays behind.
+TEST_F(ChartTest, DrawnAgain_KeepsNothingOfTheFormerPicture) {
+    const auto content = review::TotalsChartOf(season_.zones[0]);
+    Show(content, "Zone 1");
+    const auto before = chart_.findChildren<QObject*>().size();
+    for (int i = 0; i < 20; ++i) {
+        chart_.Show(content, QStringLiteral("A title"), "Zone 1");
+        chart_.replot();
+    }
+    EXPECT_EQ(chart_.findChildren<QObject*>().size(), before);
+}
+
 // Where two colours would be one gray, the hatching still tells losses from gains.
 TEST_F(ChartTest, LossAndGain_DifferWithoutColours) {
     EXPECT_NE(chart_.Fill(-1).style(), chart_.Fill(1).style());

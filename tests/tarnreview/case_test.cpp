@@ -104,7 +104,8 @@ TEST(PlaceView, OfACost_MarksItsClassAndItsStep) {
     ASSERT_FALSE(findings.empty());
     ASSERT_EQ(findings[0].rule, "cost-rises");
     const PlaceView view = PlaceOfFinding(season, findings[0]);
-    EXPECT_EQ(view.row, 2);
+    ASSERT_EQ(view.row, 2);
+    EXPECT_EQ(view.table.rows[2][static_cast<std::size_t>(view.column)].text, "$9,000");
     EXPECT_EQ(view.spot, (ChartSpot{0, 2}));
     EXPECT_EQ(plots::FiguresOf(view.chart, view.chartPlace)[2].words,
               "Zone 1, fires of 10.00 to 100.00 acres: $9,000 per acre");
