@@ -15,6 +15,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/EventTrap.h"
+
 namespace {
 
 bool IsBetween(QChar character, char first, char last) {
@@ -140,7 +142,9 @@ void UnitBox::contextMenuEvent(QContextMenuEvent* event) {
     for (QAction* entry : menu->actions()) {
         if (entry->text().startsWith(QLineEdit::tr("&Paste"))) {
             entry->disconnect(this);
-            connect(entry, &QAction::triggered, this, [this] { Paste(QClipboard::Clipboard); });
+            connect(entry, &QAction::triggered, this,
+                    platform::EventTrap::Trapped("UnitBox.Paste",
+                                                 [this](bool) { Paste(QClipboard::Clipboard); }));
         }
     }
     menu->popup(event->globalPos());

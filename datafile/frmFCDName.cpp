@@ -6,11 +6,11 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "base/Handle.h"
 #include "base/UIMode.h"
 #include "base/u13Folders.h"
 #include "base/u91Trace.h"
 #include "datafile/UnitBox.h"
-#include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/dialogs/RunModal.h"
@@ -133,7 +133,6 @@ void frmFCDName::CreateFileTitle() {
 }
 
 void frmFCDName::txtUnitID_Change() {
-    u91Trace::Procedure(QStringLiteral("frmFCDName.txtUnitID_Change"));
     if (!UIMode::NotBusy()) {
         return;
     }
@@ -166,14 +165,12 @@ void frmFCDName::txtUnitID_Change() {
 }
 
 void frmFCDName::txtUnitName_Change() {
-    u91Trace::Procedure(QStringLiteral("frmFCDName.txtUnitName_Change"));
     if (UIMode::NotBusy() && !txtUnitName_->text().isEmpty()) {
         GetMatchingNames(txtUnitName_->text());
     }
 }
 
 void frmFCDName::txtState_Change() {
-    u91Trace::Procedure(QStringLiteral("frmFCDName.txtState_Change"));
     if (!UIMode::NotBusy()) {
         return;
     }
@@ -190,7 +187,6 @@ void frmFCDName::txtState_Change() {
 // The keyboard stays in the box: somebody who types all four digits of a year has typed two of them
 // when the title is composed first.
 void frmFCDName::txtYear_Change() {
-    u91Trace::Procedure(QStringLiteral("frmFCDName.txtYear_Change"));
     if (!UIMode::NotBusy()) {
         return;
     }
@@ -236,7 +232,6 @@ void frmFCDName::grdUnits_Click() {
 }
 
 void frmFCDName::cmdOK_Click() {
-    u91Trace::Procedure(QStringLiteral("frmFCDName.cmdOK_Click"));
     if (txtFileTitle_->text().isEmpty()) {
         if (!txtUnitName_->text().isEmpty()) {
             txtUnitID_->setFocus();
@@ -267,13 +262,12 @@ void frmFCDName::cmdOK_Click() {
 }
 
 void frmFCDName::cmdCancel_Click() {
-    u91Trace::Procedure(QStringLiteral("frmFCDName.cmdCancel_Click"));
     outcome_.fileStatus = kCancelled;
 }
 
 // Cancel, Esc and the window's close button all come here.
 void frmFCDName::reject() {
-    platform::EventTrap::Run("frmFCDName.cmdCancel_Click", [this] { cmdCancel_Click(); });
+    base::RunHandler<&frmFCDName::cmdCancel_Click>(*this);
     QDialog::reject();
 }
 

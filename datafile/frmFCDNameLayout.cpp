@@ -9,9 +9,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "base/Handle.h"
 #include "datafile/UnitBox.h"
 #include "datafile/frmFCDName.h"
-#include "platform/EventTrap.h"
 #include "platform/controls/FontScale.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/ScrolledPage.h"
@@ -256,22 +256,17 @@ QLayout* frmFCDName::LayOutFinder() {
 }
 
 void frmFCDName::ConnectHandlers() {
-    using platform::EventTrap::Trapped;
-    connect(grdUnits_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this] { MarkCurrentUnit(); });
-    connect(txtUnitID_, &QLineEdit::textChanged, this,
-            Trapped("frmFCDName.txtUnitID_Change", [this](auto&&...) { txtUnitID_Change(); }));
-    connect(txtUnitName_, &QLineEdit::textChanged, this,
-            Trapped("frmFCDName.txtUnitName_Change", [this](auto&&...) { txtUnitName_Change(); }));
-    connect(txtState_, &QLineEdit::textChanged, this,
-            Trapped("frmFCDName.txtState_Change", [this](auto&&...) { txtState_Change(); }));
-    connect(txtYear_, &QLineEdit::textChanged, this,
-            Trapped("frmFCDName.txtYear_Change", [this](auto&&...) { txtYear_Change(); }));
-    connect(txtUnitID_, &UnitBox::DownPressed, txtState_, [this] { txtState_->setFocus(); });
-    connect(txtState_, &UnitBox::DownPressed, txtYear_, [this] { txtYear_->setFocus(); });
-    connect(grdUnits_, &vsFlexGrid::Click, this,
-            Trapped("frmFCDName.grdUnits_Click", [this](auto&&...) { grdUnits_Click(); }));
-    connect(cmdOK_, &QPushButton::clicked, this,
-            Trapped("frmFCDName.cmdOK_Click", [this](auto&&...) { cmdOK_Click(); }));
-    connect(cmdCancel_, &QPushButton::clicked, this, [this] { reject(); });
+    using base::Entry;
+    using base::Handle;
+    Handle<&frmFCDName::MarkCurrentUnit, Entry::kOwn>(grdUnits_->selectionModel(),
+                                                      &QItemSelectionModel::currentChanged, this);
+    Handle<&frmFCDName::txtUnitID_Change>(txtUnitID_, &QLineEdit::textChanged, this);
+    Handle<&frmFCDName::txtUnitName_Change>(txtUnitName_, &QLineEdit::textChanged, this);
+    Handle<&frmFCDName::txtState_Change>(txtState_, &QLineEdit::textChanged, this);
+    Handle<&frmFCDName::txtYear_Change>(txtYear_, &QLineEdit::textChanged, this);
+    connect(txtUnitID_, &UnitBox::DownPressed, txtState_, qOverload<>(&QWidget::setFocus));
+    connect(txtState_, &UnitBox::DownPressed, txtYear_, qOverload<>(&QWidget::setFocus));
+    Handle<&frmFCDName::grdUnits_Click, Entry::kOwn>(grdUnits_, &vsFlexGrid::Click, this);
+    Handle<&frmFCDName::cmdOK_Click>(cmdOK_, &QPushButton::clicked, this);
+    connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
 }

@@ -7,15 +7,10 @@
 #include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "platform/system/Host.h"
+#include "shell/Worksheets.h"
 #include "shell/frm0_Prep.h"
 #include "shell/frmTabs.h"
 #include "worksheets/Worksheet.h"
-#include "worksheets/cost/frm6SuppressAcre.h"
-#include "worksheets/goals/frm2RMAs.h"
-#include "worksheets/intro/frm1Intro.h"
-#include "worksheets/nvc/frm5NVCTable.h"
-#include "worksheets/resources/frm3SRMaster.h"
-#include "worksheets/zones/frm4FMZs.h"
 
 namespace {
 
@@ -29,37 +24,17 @@ int currentIndex = 0;
 class Manager : public WorksheetHost {
 public:
     void PositionWorksheet(QWidget& form) override { a3PrepForms::PositionWorksheet(form); }
-    void StepMenu_Check(int index) override {
-        frm0_Prep::Loaded().StepMenu_Check(static_cast<std::int16_t>(index));
+    void BecomeCurrent(const QString& id) override {
+        frm0_Prep::Loaded().StepMenu_Check(static_cast<std::int16_t>(Worksheets::NumberOf(id)));
+        a3PrepForms::SetWorksheetID(id);
     }
-    void SetWorksheetID(const QString& id) override { a3PrepForms::SetWorksheetID(id); }
     QWidget& Frame() override { return frm0_Prep::Loaded(); }
     QWidget& ClientArea() override { return frm0_Prep::Loaded().ClientArea(); }
 };
 
-template <typename FormType>
-std::unique_ptr<Worksheet> Make() {
+std::unique_ptr<Worksheet> MakeForm(int number) {
     static Manager manager;
-    return std::make_unique<FormType>(manager, &manager.ClientArea());
-}
-
-std::unique_ptr<Worksheet> MakeForm(int index) {
-    switch (index) {
-        case kIntroduction:
-            return Make<frm1Intro>();
-        case 2:
-            return Make<frm2RMAs>();
-        case 3:
-            return Make<frm3SRMaster>();
-        case 4:
-            return Make<frm4FMZs>();
-        case 5:
-            return Make<frm5NVCTable>();
-        case 6:
-            return Make<frm6SuppressAcre>();
-        default:
-            return nullptr;
-    }
+    return Worksheets::At(number).make(manager, &manager.ClientArea());
 }
 
 // The keyboard goes to the new worksheet unless the user walks along the tabs with it.
@@ -99,7 +74,7 @@ void SetWorksheetID(const QString& id) {
 
 void DisplayWorksheet(std::int16_t index) {
     u91Trace::Procedure(QStringLiteral("DisplayWorksheet %1").arg(index));
-    if (index < 1 || index > kWorksheets) {
+    if (index < 1 || index > Worksheets::Count()) {
         return;
     }
     if (index != kIntroduction) {

@@ -12,17 +12,14 @@ class QWidget;
 
 namespace a3PrepForms {
 
-// Worksheets are numbered from 1, in tabs and menu alike.
-inline constexpr int kWorksheets = 6;
-
 // The id of the worksheet that is showing: "INT", "RMA", "SRM", "FMZ", "NVC" or "SCA", empty before
 // the first one is shown. Set by the worksheet's own set-up; unloading does not clear it.
 [[nodiscard]] const QString& WorksheetID();
 void SetWorksheetID(const QString& id);
 
-// Loads the form of this index (1 to kWorksheets) if need be and sets it up; any other index does
-// nothing. A form whose set-up fails is unloaded again before the error is passed on: what it shows
-// is not what is in the file.
+// Loads the form of this index (1 to Worksheets::Count()) if need be and sets it up; any other
+// index does nothing. A form whose set-up fails is unloaded again before the error is passed on:
+// what it shows is not what is in the file.
 void DisplayWorksheet(std::int16_t index);
 // The same for the introduction, which a file that has just been opened begins with.
 void SetUpIntroduction();

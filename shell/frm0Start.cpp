@@ -9,8 +9,8 @@
 
 #include <algorithm>
 
+#include "base/Handle.h"
 #include "base/u91Trace.h"
-#include "platform/EventTrap.h"
 #include "platform/controls/FLabel.h"
 #include "platform/controls/FontScale.h"
 #include "platform/controls/SSPanel.h"
@@ -20,6 +20,9 @@
 #include "shell/Scenery.h"
 #include "shell/a1Prep.h"
 #include "shell/frm0_Prep.h"
+
+using base::Entry;
+using base::Handle;
 
 namespace {
 
@@ -113,26 +116,22 @@ void frm0Start::BuildButtons() {
     inside->setContentsMargins(kGap, kGap, kGap, kGap);
     inside->addWidget(flbStart_);
     inside->addSpacing(kGap);
-    cmdNew_ = AddButton(*inside, "cmdNew", tr("&New"), tr("New data file"),
-                        "frm0Start.cmdNew_Click", &frm0Start::cmdNew_Click);
-    AddButton(*inside, "cmdOpen", tr("&Open"), tr("Open data file"), "frm0Start.cmdOpen_Click",
-              &frm0Start::cmdOpen_Click);
-    AddButton(*inside, "cmdExit", tr("E&xit"), tr("Exit the program"), "frm0Start.cmdExit_Click",
-              &frm0Start::cmdExit_Click);
+    cmdNew_ = AddButton(*inside, "cmdNew", tr("&New"), tr("New data file"));
+    QPushButton* cmdOpen = AddButton(*inside, "cmdOpen", tr("&Open"), tr("Open data file"));
+    QPushButton* cmdExit = AddButton(*inside, "cmdExit", tr("E&xit"), tr("Exit the program"));
+    Handle<&frm0Start::cmdNew_Click>(cmdNew_, &QPushButton::clicked, this);
+    Handle<&frm0Start::cmdOpen_Click>(cmdOpen, &QPushButton::clicked, this);
+    Handle<&frm0Start::cmdExit_Click, Entry::kOwn>(cmdExit, &QPushButton::clicked, this);
     inside->addStretch();
 }
 
 QPushButton* frm0Start::AddButton(QVBoxLayout& column, const char* name, const QString& caption,
-                                  const QString& accessibleName, const char* handlerName,
-                                  void (frm0Start::*handler)()) {
+                                  const QString& accessibleName) {
     auto* button = new QPushButton(caption, pnlButtons_);
     button->setObjectName(QLatin1String(name));
     button->setAccessibleName(accessibleName);
     button->setMinimumHeight(kButtonHeight);
     column.addWidget(button);
-    connect(
-        button, &QPushButton::clicked, this,
-        platform::EventTrap::Trapped(handlerName, [this, handler](bool) { (this->*handler)(); }));
     return button;
 }
 
@@ -270,12 +269,10 @@ void frm0Start::keyPressEvent(QKeyEvent* event) {
 }
 
 void frm0Start::cmdNew_Click() {
-    u91Trace::Procedure(QStringLiteral("frm0Start.cmdNew_Click"));
     a1Prep::NewDatafile();
 }
 
 void frm0Start::cmdOpen_Click() {
-    u91Trace::Procedure(QStringLiteral("frm0Start.cmdOpen_Click"));
     a1Prep::OpenDatafile();
 }
 

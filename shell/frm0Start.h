@@ -35,8 +35,7 @@ private:
     void BuildOverview();
     void BuildButtons();
     QPushButton* AddButton(QVBoxLayout& column, const char* name, const QString& caption,
-                           const QString& accessibleName, const char* handlerName,
-                           void (frm0Start::*handler)());
+                           const QString& accessibleName);
     void ArrangeControls();
     void ShowPanels(bool shown);
     void FitToSize();

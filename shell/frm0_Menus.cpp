@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <QMenuBar>
 
+#include "base/Handle.h"
 #include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "platform/EventTrap.h"
@@ -14,6 +15,7 @@
 #include "platform/help/HelpViewer.h"
 #include "shell/EditCommands.h"
 #include "shell/ProgramTexts.h"
+#include "shell/Worksheets.h"
 #include "shell/a1Prep.h"
 #include "shell/a3PrepForms.h"
 #include "shell/frm0Start.h"
@@ -49,14 +51,13 @@ QMenu* frm0_Prep::AddTopMenu(int index, const QString& caption) {
     return menu;
 }
 
+template <auto handler>
 QAction* frm0_Prep::AddItem(QMenu& menu, const QString& name, const QString& caption,
-                            const Handler& handler, std::int16_t index) {
+                            std::int16_t index) {
     QAction* item = menu.addAction(caption);
     item->setObjectName(name);
     connect(item, &QAction::triggered, this,
-            platform::EventTrap::Trapped(handler.name, [this, click = handler.click, index](bool) {
-                (this->*click)(index);
-            }));
+            [this, index] { base::RunHandler<handler, base::Entry::kOwn>(*this, index); });
     return item;
 }
 
@@ -65,29 +66,24 @@ void frm0_Prep::BuildMenus() {
     menuBar()->setAccessibleName(tr("Menus"));
     menuBar()->setNativeMenuBar(false);
 
-    const Handler fileHandler{"frm0_Prep.mnuFile_Click", &frm0_Prep::mnuFile_Click};
     QMenu& file = *AddTopMenu(kFile, tr("&File"));
-    AddItem(file, ItemName("mnuFile", kNew), tr("&New"), fileHandler, kNew);
-    AddItem(file, ItemName("mnuFile", kOpen), tr("&Open"), fileHandler, kOpen);
+    AddItem<&frm0_Prep::mnuFile_Click>(file, ItemName("mnuFile", kNew), tr("&New"), kNew);
+    AddItem<&frm0_Prep::mnuFile_Click>(file, ItemName("mnuFile", kOpen), tr("&Open"), kOpen);
     file.addSeparator()->setObjectName(ItemName("mnuFile", kSeparator));
-    AddItem(file, QStringLiteral("mnuExit"), tr("E&xit"),
-            {"frm0_Prep.mnuExit_Click", &frm0_Prep::mnuExit_Click}, 0);
+    AddItem<&frm0_Prep::mnuExit_Click>(file, QStringLiteral("mnuExit"), tr("E&xit"), 0);
 
     QMenu& worksheet = *AddTopMenu(kWorksheet, tr("&Worksheet"));
-    const QStringList captions{tr("&Introduction"),          tr("&Management Goals"),
-                               tr("&Suppression Resources"), tr("Fire Management &Zones"),
-                               tr("&NVC Table (Impacts)"),   tr("Suppression Cost per &Acre")};
-    for (std::int16_t step = 1; step <= a3PrepForms::kWorksheets; ++step) {
-        QAction* item = AddItem(worksheet, ItemName("mnuStep", step), captions[step - 1],
-                                {"frm0_Prep.mnuStep_Click", &frm0_Prep::mnuStep_Click}, step);
+    for (std::int16_t step = 1; step <= Worksheets::Count(); ++step) {
+        QAction* item = AddItem<&frm0_Prep::mnuStep_Click>(
+            worksheet, ItemName("mnuStep", step),
+            Worksheets::Text(Worksheets::At(step).menuCaption), step);
         item->setCheckable(true);
-        mnuStep_.at(static_cast<std::size_t>(step) - 1) = item;
+        mnuStep_.push_back(item);
     }
 
     QMenu& edit = *AddTopMenu(kEdit, tr("&Edit"));
     const auto addEdit = [&](std::int16_t index, const QString& caption, Qt::Key key) {
-        AddItem(edit, ItemName("mnuEdit", index), caption,
-                {"frm0_Prep.mnuEdit_Click", &frm0_Prep::mnuEdit_Click}, index)
+        AddItem<&frm0_Prep::mnuEdit_Click>(edit, ItemName("mnuEdit", index), caption, index)
             ->setShortcut(QKeySequence(Qt::CTRL | key));
     };
     addEdit(EditCommands::kCut, tr("Cu&t"), Qt::Key_X);
@@ -96,8 +92,7 @@ void frm0_Prep::BuildMenus() {
 
     QMenu& help = *AddTopMenu(kHelp, tr("&Help"));
     const auto addHelp = [&](std::int16_t index, const QString& caption) {
-        AddItem(help, ItemName("mnuHelp", index), caption,
-                {"frm0_Prep.mnuHelp_Click", &frm0_Prep::mnuHelp_Click}, index);
+        AddItem<&frm0_Prep::mnuHelp_Click>(help, ItemName("mnuHelp", index), caption, index);
     };
     addHelp(kCurrentWorksheet, tr("Current &Worksheet   F1"));
     addHelp(kContents, tr("&Contents"));
@@ -181,7 +176,7 @@ void frm0_Prep::mnuHelp_Click(std::int16_t index) {
     }
 }
 
-void frm0_Prep::RememberControl(QWidget* control) {
+void frm0_Prep::RememberControl(QWidget* /*left*/, QWidget* control) {
     if (control != nullptr && clientArea_->isAncestorOf(control)) {
         lastControl_ = control;
     }

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <optional>
 
+#include "base/Handle.h"
 #include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepProperties.h"
@@ -24,9 +25,10 @@
 #include "shell/frm0Start.h"
 #include "shell/frmTabs.h"
 
+using base::Entry;
+using base::Handle;
 using platform::EventTrap::Attempt;
 using platform::EventTrap::Run;
-using platform::EventTrap::Trapped;
 
 frm0_Prep* frm0_Prep::loaded_ = nullptr;
 
@@ -69,12 +71,11 @@ frm0_Prep::frm0_Prep(QString commandLine)
     setCentralWidget(clientArea_);
     BuildMenus();
     resize(SizeOnSmallScreen(screen()));
-    connect(qApp, &QApplication::focusChanged, this,
-            [this](QWidget*, QWidget* now) { RememberControl(now); });
-    connect(qApp, &QGuiApplication::commitDataRequest, this, &frm0_Prep::SaveForSessionEnd,
-            Qt::DirectConnection);
-    connect(qApp, &QGuiApplication::saveStateRequest, this, &frm0_Prep::SaveForSessionEnd,
-            Qt::DirectConnection);
+    Handle<&frm0_Prep::RememberControl, Entry::kOwn>(qApp, &QApplication::focusChanged, this);
+    Handle<&frm0_Prep::SaveForSessionEnd, Entry::kOwn>(qApp, &QGuiApplication::commitDataRequest,
+                                                       this, Qt::DirectConnection);
+    Handle<&frm0_Prep::SaveForSessionEnd, Entry::kOwn>(qApp, &QGuiApplication::saveStateRequest,
+                                                       this, Qt::DirectConnection);
     qApp->installEventFilter(this);
 }
 

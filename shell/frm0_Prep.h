@@ -7,12 +7,10 @@
 #include <QMainWindow>
 #include <QPointer>
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
-
-#include "shell/a3PrepForms.h"
+#include <vector>
 
 class frm0Start;
 class frmTabs;
@@ -75,21 +73,16 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    struct Handler {
-        const char* name;  // qualified, for the error log
-        void (frm0_Prep::*click)(std::int16_t);
-    };
-
     void BuildMenus();
     QMenu* AddTopMenu(int index, const QString& caption);
-    QAction* AddItem(QMenu& menu, const QString& name, const QString& caption,
-                     const Handler& handler, std::int16_t index);
+    template <auto handler>
+    QAction* AddItem(QMenu& menu, const QString& name, const QString& caption, std::int16_t index);
     void mnuFile_Click(std::int16_t index);
     void mnuExit_Click(std::int16_t index);
     void mnuStep_Click(std::int16_t index);
     void mnuEdit_Click(std::int16_t index);
     void mnuHelp_Click(std::int16_t index);
-    void RememberControl(QWidget* control);
+    void RememberControl(QWidget* left, QWidget* control);
     [[nodiscard]] QWidget* ActiveControl() const;
     // Saves the worksheet; where that fails, asks whether it may be left unsaved.
     enum class Leaving { kSaved, kUnsaved, kStay };
@@ -103,7 +96,7 @@ private:
     QString commandLine_;
     QWidget* clientArea_;
     std::map<int, QMenu*> mnuTop_;
-    std::array<QAction*, a3PrepForms::kWorksheets> mnuStep_{};
+    std::vector<QAction*> mnuStep_;
     std::unique_ptr<frm0Start> startScreen_;
     std::unique_ptr<frmTabs> tabs_;
     QPointer<QWidget> lastControl_;  // the control of a form that had the keyboard last

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QShortcut>
 
+#include "base/Handle.h"
 #include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
@@ -14,23 +15,19 @@
 #include "platform/controls/vsIndexTab.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
+#include "shell/Worksheets.h"
 #include "shell/a3PrepForms.h"
+
+using base::Entry;
+using base::Handle;
 
 namespace {
 
-constexpr int kNVCTab = 5;
-constexpr int kSCATab = 6;
 constexpr int kGap = 6;
 constexpr int kLeastOfFile = 12;  // characters, with which a path says something
 
 bool HasZones() {
     return PrepDatatables::tblFMZList->RecordCount() > 0;
-}
-
-void Refuse(const QString& message, const QString& traceText, bool& cancel) {
-    platform::MsgBox(message);
-    u91Trace::Procedure(traceText);
-    cancel = true;
 }
 
 }  // namespace
@@ -46,37 +43,20 @@ frmTabs::frmTabs(QWidget* clientArea)
     setAutoFillBackground(true);
     vsTab1_->setObjectName(QStringLiteral("vsTab1"));
     vsTab1_->setAccessibleName(tr("Worksheets"));
-    vsTab1_->SetCaption(
-        QStringLiteral("|Introduction|Management Goals|Suppression Resources|FMZs|NVC Table|"
-                       "Suppression Cost / Acre"));
+    QString captions;
+    for (const Worksheets::Line& line : Worksheets::Lines()) {
+        captions += u'|' + Worksheets::Text(line.tabCaption);
+    }
+    vsTab1_->SetCaption(captions);
     lblFile_->setObjectName(QStringLiteral("lblFile"));
     lblFile_->setTextFormat(Qt::PlainText);
     lblFile_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     lblFile_->hide();
     AddStepKey(Qt::CTRL | Qt::Key_PageUp, -1);
     AddStepKey(Qt::CTRL | Qt::Key_PageDown, 1);
-    connect(vsTab1_, &vsIndexTab::Switch, this, [this](int oldTab, int newTab, bool* cancel) {
-        // A worksheet that cannot be saved stays, with what was typed into it. Once it has gone,
-        // the next one must come, even if the disk fails after that.
-        bool hasSwitched = false;
-        platform::EventTrap::Run("frmTabs.vsTab1_Switch", [&] {
-            vsTab1_Switch(oldTab, newTab, *cancel);
-            hasSwitched = true;
-        });
-        if (!hasSwitched) {
-            *cancel = true;
-        }
-    });
-    // No worksheet shows after a New that failed, or one whose set-up failed: the tab that is
-    // current brings it back, or says why not.
-    connect(vsTab1_, &vsIndexTab::CurrentChosen, this,
-            platform::EventTrap::Trapped("frmTabs.vsTab1_Click", [this] {
-                if (a3PrepForms::CurrentForm() == nullptr) {
-                    vsTab1_Click();
-                }
-            }));
-    connect(vsTab1_, &vsIndexTab::Click, this,
-            platform::EventTrap::Trapped("frmTabs.vsTab1_Click", [this] { vsTab1_Click(); }));
+    Handle<&frmTabs::vsTab1_Switch, Entry::kOwn>(vsTab1_, &vsIndexTab::Switch, this);
+    Handle<&frmTabs::vsTab1_CurrentChosen, Entry::kOwn>(vsTab1_, &vsIndexTab::CurrentChosen, this);
+    Handle<&frmTabs::vsTab1_Click, Entry::kOwn>(vsTab1_, &vsIndexTab::Click, this);
 }
 
 // From any control, one in an open cell editor too; the worksheet is left as by a click on a tab.
@@ -85,7 +65,7 @@ void frmTabs::AddStepKey(const QKeySequence& key, int step) {
     connect(shortcut, &QShortcut::activated, this,
             platform::EventTrap::Trapped("frmTabs.StepWorksheet", [this, step] {
                 const int next = vsTab1_->CurrTab() + step;
-                if (next >= 1 && next <= a3PrepForms::kWorksheets) {
+                if (next >= 1 && next <= Worksheets::Count()) {
                     vsTab1_->SetCurrTab(next);
                 }
             }));
@@ -149,20 +129,30 @@ void frmTabs::changeEvent(QEvent* event) {
 
 // The zones are counted before the current worksheet is saved: a first zone that has only just been
 // typed does not count yet.
-void frmTabs::vsTab1_Switch(int /*oldTab*/, int newTab, bool& cancel) {
+//
+// A worksheet that cannot be saved stays, with what was typed into it. Once it has gone, the next
+// one must come, even if the disk fails after that.
+void frmTabs::vsTab1_Switch(int /*oldTab*/, int newTab, bool* cancel) {
+    *cancel = true;
     u91Trace::Start(QStringLiteral("switch to section %1").arg(newTab));
-    if (newTab == kNVCTab && !HasZones()) {
-        Refuse(tr("Must have at least one FMZ to edit impacts."),
-               QStringLiteral("Unable to switch to NVC without FMZ"), cancel);
-        return;
-    }
-    if (newTab == kSCATab && !HasZones()) {
-        Refuse(tr("Must have at least one FMZ to edit suppression cost per acre."),
-               QStringLiteral("Unable to switch to SCA without FMZ"), cancel);
+    const Worksheets::Line& line = Worksheets::At(newTab);
+    if (line.refusalWithoutZone != nullptr && !HasZones()) {
+        platform::MsgBox(Worksheets::Text(line.refusalWithoutZone));
+        u91Trace::Procedure(
+            QStringLiteral("Unable to switch to %1 without FMZ").arg(QLatin1String(line.id)));
         return;
     }
     a3PrepForms::UpdateCurrentWorksheet();
     a3PrepForms::UnloadCurrentWorksheet();
+    *cancel = false;
+}
+
+// No worksheet shows after a New that failed, or one whose set-up failed: the tab that is current
+// brings it back, or says why not.
+void frmTabs::vsTab1_CurrentChosen() {
+    if (a3PrepForms::CurrentForm() == nullptr) {
+        vsTab1_Click();
+    }
 }
 
 void frmTabs::vsTab1_Click() {

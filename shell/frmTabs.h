@@ -38,7 +38,8 @@ protected:
 private:
     void AddStepKey(const QKeySequence& key, int step);
     void PlaceFile();
-    void vsTab1_Switch(int oldTab, int newTab, bool& cancel);
+    void vsTab1_Switch(int oldTab, int newTab, bool* cancel);
+    void vsTab1_CurrentChosen();
     void vsTab1_Click();
 
     vsIndexTab* vsTab1_;

@@ -1,5 +1,6 @@
 #include <QApplication>
 
+#include "platform/EventTrap.h"
 #include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
 #include "platform/controls/LegibleStyle.h"
@@ -43,7 +44,8 @@ int main(int argc, char* argv[]) {
 
     frm0_Prep frame(commandLine);
     QObject::connect(
-        &frame, &frm0_Prep::Unloaded, &application, [] { QApplication::exit(0); },
+        &frame, &frm0_Prep::Unloaded, &application,
+        platform::EventTrap::Trapped("frm0_Prep.Unloaded", [] { QApplication::exit(0); }),
         Qt::QueuedConnection);
     platform::OnTermination([&frame] { frame.EndAtOnce(); });
     frame.MDIForm_Load();

@@ -2,6 +2,10 @@
 
 #include <QFileInfo>
 
+#include "platform/EventTrap.h"
+
+using platform::EventTrap::Trapped;
+
 namespace {
 
 constexpr int kRest = 300;  // milliseconds: a program that saves writes more than once
@@ -11,9 +15,13 @@ constexpr int kRest = 300;  // milliseconds: a program that saves writes more th
 FileWatch::FileWatch(QObject* parent) : QObject(parent) {
     rest_.setSingleShot(true);
     rest_.setInterval(kRest);
-    connect(&watcher_, &QFileSystemWatcher::fileChanged, this, &FileWatch::Restart);
-    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, &FileWatch::Restart);
-    connect(&rest_, &QTimer::timeout, this, &FileWatch::Touched);
+    const auto restart = [this](auto&&...) { Restart(); };
+    connect(&watcher_, &QFileSystemWatcher::fileChanged, this,
+            Trapped("FileWatch.Restart", restart));
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this,
+            Trapped("FileWatch.Restart", restart));
+    connect(&rest_, &QTimer::timeout, this,
+            Trapped("FileWatch.Touched", [this](auto&&...) { emit Touched(); }));
 }
 
 void FileWatch::Watch(const QString& path) {

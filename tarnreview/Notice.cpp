@@ -24,14 +24,14 @@ Notice::Notice(const QString& name, const QString& accept, QWidget* parent) : QF
     across->addWidget(label_, 1);
     across->addWidget(accept_);
     across->addWidget(decline);
-    connect(accept_, &QPushButton::clicked, this, [this] {
-        Withdraw();
-        emit Accepted();
-    });
-    connect(decline, &QPushButton::clicked, this, [this] {
-        Withdraw();
-        emit Declined();
-    });
+    connect(accept_, &QPushButton::clicked, this, Trapped("Notice.Accept", [this](bool) {
+                Withdraw();
+                emit Accepted();
+            }));
+    connect(decline, &QPushButton::clicked, this, Trapped("Notice.Decline", [this](bool) {
+                Withdraw();
+                emit Declined();
+            }));
     hide();
 }
 

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include "base/Handle.h"
+
 namespace {
 
 constexpr int kRowsShown = 20;
@@ -37,7 +39,8 @@ ChoiceBox::ChoiceBox(int characters, QWidget* parent) : QComboBox(parent) {
     setMinimumContentsLength(characters);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
-    connect(this, &QComboBox::currentTextChanged, this, &ChoiceBox::TellWhole);
+    base::Handle<&ChoiceBox::TellWhole, base::Entry::kOwn>(this, &QComboBox::currentTextChanged,
+                                                           this);
 }
 
 void ChoiceBox::showPopup() {

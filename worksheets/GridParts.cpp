@@ -5,6 +5,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGrid.h"
 
 namespace {
@@ -58,16 +59,20 @@ void AddFramed(QVBoxLayout& body, vsFlexGrid& grid, QWidget* beside) {
         line->addStretch(1);
     }
     body.addLayout(line, kMostOfTheRoom);
-    const auto fit = [&grid] { FitFrame(grid); };
+    const auto fitAfter = [&grid](auto* part, auto signal) {
+        QObject::connect(part, signal, &grid,
+                         platform::EventTrap::Trapped("GridParts.FitFrame",
+                                                      [&grid](auto&&...) { FitFrame(grid); }));
+    };
     for (QHeaderView* header : {grid.horizontalHeader(), grid.verticalHeader()}) {
-        QObject::connect(header, &QHeaderView::geometriesChanged, &grid, fit);
-        QObject::connect(header, &QHeaderView::sectionCountChanged, &grid, fit);
-        QObject::connect(header, &QHeaderView::sectionResized, &grid, fit);
+        fitAfter(header, &QHeaderView::geometriesChanged);
+        fitAfter(header, &QHeaderView::sectionCountChanged);
+        fitAfter(header, &QHeaderView::sectionResized);
     }
     for (QScrollBar* bar : {grid.horizontalScrollBar(), grid.verticalScrollBar()}) {
-        QObject::connect(bar, &QScrollBar::rangeChanged, &grid, fit);
+        fitAfter(bar, &QScrollBar::rangeChanged);
     }
-    fit();
+    FitFrame(grid);
 }
 
 }  // namespace GridParts

@@ -4,6 +4,8 @@
 #include <QLineEdit>
 #include <QPalette>
 
+#include "platform/EventTrap.h"
+
 namespace {
 
 constexpr int kMoment = 4000;  // milliseconds, enough to look up from the keyboard and read it
@@ -25,7 +27,8 @@ MomentLabel::MomentLabel(const char* name, const QString& remark, QLineEdit& box
     hide();
     box_.setAccessibleDescription(remark);
     timer_.setSingleShot(true);
-    connect(&timer_, &QTimer::timeout, this, [this] { Mark(false); });
+    connect(&timer_, &QTimer::timeout, this,
+            platform::EventTrap::Trapped("MomentLabel.Mark", [this](auto&&...) { Mark(false); }));
 }
 
 void MomentLabel::ShowForAMoment() {

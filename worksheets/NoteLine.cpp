@@ -2,6 +2,8 @@
 
 #include <QAccessible>
 
+#include "base/Handle.h"
+#include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGrid.h"
 
 NoteLine::NoteLine(vsFlexGrid& grid, QWidget* parent) : QLabel(parent) {
@@ -9,8 +11,10 @@ NoteLine::NoteLine(vsFlexGrid& grid, QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
     setWordWrap(true);
     Show(grid.Note());
-    connect(&grid, &vsFlexGrid::NoteChanged, this, &NoteLine::Show);
-    connect(&grid, &vsFlexGrid::ChangeEdit, this, [this, &grid] { Show(grid.Note()); });
+    base::Handle<&NoteLine::Show, base::Entry::kOwn>(&grid, &vsFlexGrid::NoteChanged, this);
+    connect(&grid, &vsFlexGrid::ChangeEdit, this,
+            platform::EventTrap::Trapped("NoteLine.Show",
+                                         [this, &grid](auto&&...) { Show(grid.Note()); }));
 }
 
 void NoteLine::Say(const QString& sentence) {

@@ -25,8 +25,8 @@ public:
     virtual ~WorksheetHost() = default;
 
     virtual void PositionWorksheet(QWidget& form) = 0;
-    virtual void StepMenu_Check(int index) = 0;
-    virtual void SetWorksheetID(const QString& id) = 0;
+    // Checks the menu item of the worksheet of this id and makes the id the current one.
+    virtual void BecomeCurrent(const QString& id) = 0;
     // The main frame: what dialogs are placed over.
     virtual QWidget& Frame() = 0;
     // Where forms live: the frame's client area.

@@ -104,7 +104,9 @@ void WorksheetPage::KeepWidths(vsFlexGrid& grid) {
     const QString id = QString::fromLatin1(identity_.id);
     grid.SetWidthsByUser(WidthsInFile(id));
     connect(&grid, &vsFlexGrid::WidthSetByUser, this,
-            [id, &grid] { WidthsInFile(id) = grid.WidthsByUser(); });
+            platform::EventTrap::Trapped("WorksheetPage.KeepWidths", [id, &grid](auto&&...) {
+                WidthsInFile(id) = grid.WidthsByUser();
+            }));
 }
 
 undo::History& WorksheetPage::History() const {
@@ -128,8 +130,7 @@ void WorksheetPage::Redo() {
 
 void WorksheetPage::BecomeCurrent() {
     host_.PositionWorksheet(*this);
-    host_.StepMenu_Check(identity_.index);
-    host_.SetWorksheetID(QString::fromLatin1(identity_.id));
+    host_.BecomeCurrent(QString::fromLatin1(identity_.id));
     AddCopyHint();
 }
 

@@ -35,7 +35,6 @@ protected:
     struct Identity {
         const char* name;  // of the form
         QString caption;   // of its window
-        int index;         // of its tab and menu item
         const char* id;    // of the worksheet
         int helpContextId;
         const char* loadName = nullptr;  // in its load entry, where that is another

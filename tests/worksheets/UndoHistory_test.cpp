@@ -20,7 +20,6 @@ public:
         : WorksheetPage(host, parent,
                         {.name = "frmCounter",
                          .caption = QStringLiteral("Counter"),
-                         .index = 2,
                          .id = "CNT",
                          .helpContextId = 0}),
           box_(new QLineEdit(this)),

@@ -170,7 +170,6 @@ TEST_F(CostTest, MissingRow_ReadsAsZeroAndFailsTheSave) {
 TEST_F(CostTest, NewZone_ShowsTheFirstBoundAndZeroCosts) {
     Load<frm6SuppressAcre>();
     vsFlexGrid& grid = Grid("grdCosts");
-    EXPECT_EQ(manager_.checked, 6);
     EXPECT_EQ(manager_.worksheetID, QStringLiteral("SCA"));
     EXPECT_EQ(grid.Rows(), 11);
     EXPECT_EQ(grid.TextMatrix(2, 0), QStringLiteral("0"));

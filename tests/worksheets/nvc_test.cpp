@@ -193,7 +193,6 @@ TEST_F(NVCTest, ResourceNames_AreReadAndOnlyChangedOnesWritten) {
 
 TEST_F(NVCTest, Setup_ShowsTheFirstLocationOfTheFirstZone) {
     Load<frm5NVCTable>();
-    EXPECT_EQ(manager_.checked, 5);
     EXPECT_EQ(manager_.worksheetID, QStringLiteral("NVC"));
     EXPECT_EQ(Find<QComboBox>("cboFMZs").currentText(), QStringLiteral("North"));
     EXPECT_EQ(Find<QComboBox>("cboRepLocs").count(), 2);

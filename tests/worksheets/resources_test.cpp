@@ -89,7 +89,6 @@ protected:
 TEST_F(ResourcesTest, Setup_ShowsTheResourcesInTheirOrder) {
     AddResources(3);
     Load<frm3SRMaster>();
-    EXPECT_EQ(manager_.checked, 3);
     EXPECT_EQ(manager_.worksheetID, QStringLiteral("SRM"));
     vsFlexGrid& grid = Grid("grdMasterList");
     EXPECT_EQ(ShownNames(), (QStringList{"R1", "R2", "R3"}));

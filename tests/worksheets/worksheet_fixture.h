@@ -30,13 +30,11 @@ public:
         form.setGeometry(frame.rect());
         form.show();
     }
-    void StepMenu_Check(int index) override { checked = index; }
-    void SetWorksheetID(const QString& id) override { worksheetID = id; }
+    void BecomeCurrent(const QString& id) override { worksheetID = id; }
     QWidget& Frame() override { return frame; }
     QWidget& ClientArea() override { return frame; }
 
     QWidget frame;
-    int checked = 0;
     QString worksheetID;
 };
 

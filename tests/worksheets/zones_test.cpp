@@ -47,7 +47,6 @@ protected:
 
 TEST_F(ZonesTest, Setup_MakesItTheCurrentWorksheet) {
     Load<frm4FMZs>();
-    EXPECT_EQ(manager_.checked, 4);
     EXPECT_EQ(manager_.worksheetID, QStringLiteral("FMZ"));
     EXPECT_EQ(form_->Form().windowTitle(), QStringLiteral("Fire Management Zones"));
     vsFlexGrid& grid = Grid("grdFMZs");

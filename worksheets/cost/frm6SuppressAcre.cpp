@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Handle.h"
 #include "base/UIMode.h"
 #include "base/u91Trace.h"
 #include "platform/EventTrap.h"
@@ -23,7 +24,8 @@
 #include "worksheets/Subjects.h"
 #include "worksheets/zones/mFMZs.h"
 
-using platform::EventTrap::Trapped;
+using base::Entry;
+using base::Handle;
 using ZoneKeys::kCostClasses;
 
 namespace {
@@ -46,8 +48,7 @@ frm6SuppressAcre::frm6SuppressAcre(WorksheetHost& host, QWidget* parent)
     : WorksheetPage(host, parent,
                     {.name = "frm6SuppressAcre",
                      .caption = tr("Edit suppression costs per acre"),
-                     .index = 6,
-                     .id = "SCA",
+                     .id = kID,
                      .helpContextId = kHelpContextId,
                      .loadName = "frmSuppressAcre"}),
       table_([this](const QString& name, const CostGridTable::Changes& changes) {
@@ -83,18 +84,15 @@ void frm6SuppressAcre::Build() {
 }
 
 void frm6SuppressAcre::ConnectHandlers() {
-    connect(cboFMZs_, &QComboBox::activated, this,
-            Trapped("frm6SuppressAcre.cboFMZs_Click", [this](int) { ChooseZone(); }));
-    connect(grdCosts_, &vsFlexGrid::EnterCell, this,
-            Trapped("frm6SuppressAcre.grdCosts_EnterCell", [this] { grdCosts_EnterCell(); }));
-    connect(grdCosts_, &vsFlexGrid::BeforeEdit, this,
-            Trapped("frm6SuppressAcre.grdCosts_BeforeEdit",
-                    [this](int /*row*/, int /*col*/, bool* /*cancel*/) { grdCosts_BeforeEdit(); }));
-    connect(grdCosts_, &vsFlexGrid::ChangeEdit, this,
-            Trapped("frm6SuppressAcre.grdCosts_ChangeEdit", [this] { grdCosts_ChangeEdit(); }));
-    connect(grdCosts_, &vsFlexGrid::AfterEdit, this,
-            Trapped("frm6SuppressAcre.grdCosts_AfterEdit",
-                    [this](int row, int col) { grdCosts_AfterEdit(row, col); }));
+    Handle<&frm6SuppressAcre::cboFMZs_Click, Entry::kOwn>(cboFMZs_, &QComboBox::activated, this);
+    Handle<&frm6SuppressAcre::grdCosts_EnterCell, Entry::kOwn>(grdCosts_, &vsFlexGrid::EnterCell,
+                                                               this);
+    Handle<&frm6SuppressAcre::grdCosts_BeforeEdit, Entry::kOwn>(grdCosts_, &vsFlexGrid::BeforeEdit,
+                                                                this);
+    Handle<&frm6SuppressAcre::grdCosts_ChangeEdit, Entry::kOwn>(grdCosts_, &vsFlexGrid::ChangeEdit,
+                                                                this);
+    Handle<&frm6SuppressAcre::grdCosts_AfterEdit, Entry::kOwn>(grdCosts_, &vsFlexGrid::AfterEdit,
+                                                               this);
 }
 
 void frm6SuppressAcre::Setup() {
@@ -138,17 +136,17 @@ void frm6SuppressAcre::FormatCostGrid() {
 }
 
 // A table that cannot be saved stays on the grid; the box then goes back to its zone.
-void frm6SuppressAcre::ChooseZone() {
+void frm6SuppressAcre::cboFMZs_Click() {
+    u91Trace::Procedure(QStringLiteral("frmCostPerAcre.cboFMZs_Click"));
     try {
-        cboFMZs_Click();
+        ShowZone();
     } catch (...) {
         PageParts::SelectSilently(*cboFMZs_, zoneIndex_);
         throw;
     }
 }
 
-void frm6SuppressAcre::cboFMZs_Click() {
-    u91Trace::Procedure(QStringLiteral("frmCostPerAcre.cboFMZs_Click"));
+void frm6SuppressAcre::ShowZone() {
     if (UIMode::NotBusy()) {
         SaveChanges();
     }
@@ -240,7 +238,7 @@ void frm6SuppressAcre::GoTo(std::int32_t zoneKey) {
     }
     if (zone != zoneIndex_) {
         PageParts::SelectSilently(*cboFMZs_, zone);
-        ChooseZone();
+        cboFMZs_Click();
     }
 }
 

@@ -18,6 +18,8 @@ class frm6SuppressAcre : public WorksheetPage {
     Q_OBJECT
 
 public:
+    static constexpr const char* kID = "SCA";  // of the worksheet
+
     frm6SuppressAcre(WorksheetHost& host, QWidget* parent);
     ~frm6SuppressAcre() override;
 
@@ -45,7 +47,7 @@ private:
     void PutBack(std::int32_t zoneKey, const CostGridTable::Changes& changes, CellState state);
     void GoTo(std::int32_t zoneKey);
 
-    void ChooseZone();
+    void ShowZone();
     void cboFMZs_Click();
     void grdCosts_EnterCell();
     void grdCosts_BeforeEdit();

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/Handle.h"
 #include "base/UIMode.h"
 #include "base/u91Trace.h"
 #include "base/u92Utilities.h"
@@ -20,7 +21,8 @@
 #include "worksheets/goals/AreaList.h"
 #include "worksheets/goals/LineBreaks.h"
 
-using platform::EventTrap::Trapped;
+using base::Entry;
+using base::Handle;
 
 namespace {
 
@@ -33,8 +35,7 @@ frm2RMAs::frm2RMAs(WorksheetHost& host, QWidget* parent)
     : WorksheetPage(host, parent,
                     {.name = "frm2RMAs",
                      .caption = tr("Management Goals"),
-                     .index = 2,
-                     .id = "RMA",
+                     .id = kID,
                      .helpContextId = kHelpContextId}) {
     AddTitle(tr("Objectives for Resource Management Areas"));
     auto* columns = new QHBoxLayout;
@@ -91,27 +92,15 @@ QVBoxLayout* frm2RMAs::BuildBoxes() {
 }
 
 void frm2RMAs::ConnectHandlers() {
-    connect(lstRMAs_, &QListWidget::currentRowChanged, this,
-            Trapped("frm2RMAs.lstRMAs_Click", [this](int row) {
-                if (row >= 0) {
-                    lstRMAs_Click();
-                }
-            }));
-    connect(lstRMAs_, &AreaList::ClickedAgain, this,
-            Trapped("frm2RMAs.lstRMAs_Click", [this] { lstRMAs_Click(); }));
+    Handle<&frm2RMAs::lstRMAs_Click, Entry::kOwn>(lstRMAs_, &QListWidget::currentRowChanged, this);
+    Handle<&frm2RMAs::lstRMAs_Click, Entry::kOwn>(lstRMAs_, &AreaList::ClickedAgain, this);
     txtHeading_->installEventFilter(this);
     txtBody_->installEventFilter(this);
-    connect(txtHeading_, &TextBox::GotFocus, this, Trapped("frm2RMAs.txtHeading_GotFocus", [] {
-                u91Trace::Procedure(QStringLiteral("frm2RMAs.txtHeading_GotFocus"));
-            }));
-    connect(txtHeading_, &QLineEdit::textChanged, this,
-            Trapped("frm2RMAs.txtHeading_Change", [this](const QString&) { txtHeading_Change(); }));
-    connect(txtBody_, &QPlainTextEdit::textChanged, this,
-            Trapped("frm2RMAs.txtBody_Change", [this] { txtBody_Change(); }));
-    connect(cmdAdd_, &QPushButton::clicked, this,
-            Trapped("frm2RMAs.cmdAdd_Click", [this](bool) { cmdAdd_Click(); }));
-    connect(cmdDelete_, &QPushButton::clicked, this,
-            Trapped("frm2RMAs.cmdDelete_Click", [this](bool) { cmdDelete_Click(); }));
+    Handle<&frm2RMAs::txtHeading_GotFocus>(txtHeading_, &TextBox::GotFocus, this);
+    Handle<&frm2RMAs::txtHeading_Change>(txtHeading_, &QLineEdit::textChanged, this);
+    Handle<&frm2RMAs::txtBody_Change>(txtBody_, &QPlainTextEdit::textChanged, this);
+    Handle<&frm2RMAs::cmdAdd_Click, Entry::kBare>(cmdAdd_, &QPushButton::clicked, this);
+    Handle<&frm2RMAs::cmdDelete_Click, Entry::kBare>(cmdDelete_, &QPushButton::clicked, this);
 }
 
 void frm2RMAs::Setup() {
@@ -157,6 +146,9 @@ int frm2RMAs::ShownRow() const {
 }
 
 void frm2RMAs::lstRMAs_Click() {
+    if (lstRMAs_->currentRow() < 0) {
+        return;
+    }
     u91Trace::Procedure(QStringLiteral("lstRMAs_Click ") + lstRMAs_->currentItem()->text());
     try {
         Update();
@@ -173,8 +165,10 @@ void frm2RMAs::SelectShown() {
     lstRMAs_->SelectSilently(ShownRow());
 }
 
+// Its entry is all that it leaves.
+void frm2RMAs::txtHeading_GotFocus() {}
+
 void frm2RMAs::txtHeading_Change() {
-    u91Trace::Procedure(QStringLiteral("frm2RMAs.txtHeading_Change"));
     const int row = ShownRow();
     if (!UIMode::NotBusy() || row < 0) {
         return;
@@ -185,7 +179,6 @@ void frm2RMAs::txtHeading_Change() {
 }
 
 void frm2RMAs::txtBody_Change() {
-    u91Trace::Procedure(QStringLiteral("frm2RMAs.txtBody_Change"));
     if (!UIMode::NotBusy() || ShownRow() < 0) {
         return;
     }
@@ -248,7 +241,6 @@ void frm2RMAs::Update() {
 }
 
 void frm2RMAs::cmdAdd_Click() {
-    u91Trace::Procedure(QStringLiteral("cmdAdd_Click"));
     Update();
     const int row = goals_.Add();
     {
@@ -262,7 +254,6 @@ void frm2RMAs::cmdAdd_Click() {
 }
 
 void frm2RMAs::cmdDelete_Click() {
-    u91Trace::Procedure(QStringLiteral("cmdDelete_Click"));
     const std::int32_t key = currentKey_;
     Update();
     const auto row = goals_.RowOf(key);

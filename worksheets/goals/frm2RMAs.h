@@ -23,6 +23,8 @@ class frm2RMAs : public WorksheetPage {
     Q_OBJECT
 
 public:
+    static constexpr const char* kID = "RMA";  // of the worksheet
+
     frm2RMAs(WorksheetHost& host, QWidget* parent);
 
     void SetUp() override { Setup(); }
@@ -66,6 +68,7 @@ private:
     void TakeAway(GoalList::Goal& goal);
     void PutBack(const GoalList::Goal& goal);
     void lstRMAs_Click();
+    void txtHeading_GotFocus();
     void txtHeading_Change();
     void txtBody_Change();
     void cmdAdd_Click();

@@ -64,8 +64,7 @@ frm1Intro::frm1Intro(WorksheetHost& host, QWidget* parent)
     : WorksheetPage(host, parent,
                     {.name = "frm1Intro",
                      .caption = tr("Introduction"),
-                     .index = 1,
-                     .id = "INT",
+                     .id = kID,
                      .helpContextId = kHelpContextId}),
       flbDescription_(new FLabel) {
     UseWholeWidth();

@@ -9,6 +9,8 @@ class frm1Intro : public WorksheetPage {
     Q_OBJECT
 
 public:
+    static constexpr const char* kID = "INT";  // of the worksheet
+
     frm1Intro(WorksheetHost& host, QWidget* parent);
 
     void SetUp() override { Setup(); }

@@ -4,8 +4,12 @@
 #include <QHeaderView>
 #include <QScrollBar>
 
+#include "base/Handle.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/vsFlexGrid.h"
+
+using base::Entry;
+using base::Handle;
 
 namespace {
 
@@ -20,9 +24,11 @@ ColumnTotals::ColumnTotals(vsFlexGrid& grid, std::vector<SSPanel*> panels, QWidg
     }
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     grid_.viewport()->installEventFilter(this);
-    connect(&grid_, &vsFlexGrid::ColumnResized, this, &ColumnTotals::Arrange);
-    connect(grid_.horizontalHeader(), &QHeaderView::sectionResized, this, &ColumnTotals::Arrange);
-    connect(grid_.horizontalScrollBar(), &QScrollBar::valueChanged, this, &ColumnTotals::Arrange);
+    Handle<&ColumnTotals::Arrange, Entry::kOwn>(&grid_, &vsFlexGrid::ColumnResized, this);
+    Handle<&ColumnTotals::Arrange, Entry::kOwn>(grid_.horizontalHeader(),
+                                                &QHeaderView::sectionResized, this);
+    Handle<&ColumnTotals::Arrange, Entry::kOwn>(grid_.horizontalScrollBar(),
+                                                &QScrollBar::valueChanged, this);
 }
 
 QSize ColumnTotals::sizeHint() const {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Handle.h"
 #include "base/UIMode.h"
 #include "base/u91Trace.h"
 #include "platform/EventTrap.h"
@@ -26,7 +27,8 @@
 #include "worksheets/nvc/NVCTotals.h"
 #include "worksheets/zones/mFMZs.h"
 
-using platform::EventTrap::Trapped;
+using base::Entry;
+using base::Handle;
 using ZoneKeys::kFilLevels;
 using ZoneKeys::kResources;
 
@@ -43,8 +45,7 @@ frm5NVCTable::frm5NVCTable(WorksheetHost& host, QWidget* parent)
     : WorksheetPage(host, parent,
                     {.name = "frm5NVCTable",
                      .caption = tr("Net Value Change"),
-                     .index = 5,
-                     .id = "NVC",
+                     .id = kID,
                      .helpContextId = kHelpContextId}),
       table_([this](const QString& name, const NVCGridTable::Changes& changes) {
           platform::EventTrap::Run("frm5NVCTable.ActionDone", [&] { ActionDone(name, changes); });
@@ -123,21 +124,12 @@ void frm5NVCTable::BuildNotes() {
 }
 
 void frm5NVCTable::ConnectHandlers() {
-    connect(cboFMZs_, &QComboBox::activated, this,
-            Trapped("frm5NVCTable.cboFMZs_Click", [this](int) { ChooseZone(); }));
-    connect(cboRepLocs_, &QComboBox::activated, this,
-            Trapped("frm5NVCTable.cboRepLocs_Click", [this](int) { ChooseLocation(); }));
-    connect(grdNVC_, &vsFlexGrid::EnterCell, this,
-            Trapped("frm5NVCTable.grdNVC_EnterCell", [this] { grdNVC_EnterCell(); }));
-    connect(grdNVC_, &vsFlexGrid::BeforeEdit, this,
-            Trapped("frm5NVCTable.grdNVC_BeforeEdit",
-                    [this](int /*row*/, int /*col*/, bool* /*cancel*/) { grdNVC_BeforeEdit(); }));
-    connect(grdNVC_, &vsFlexGrid::KeyPressEdit, this,
-            Trapped("frm5NVCTable.grdNVC_KeyPressEdit",
-                    [this](int row, int col, QChar key) { grdNVC_KeyPressEdit(row, col, key); }));
-    connect(grdNVC_, &vsFlexGrid::KeyUpEdit, this,
-            Trapped("frm5NVCTable.grdNVC_KeyUpEdit",
-                    [this](int /*row*/, int col, int /*key*/) { grdNVC_KeyUpEdit(col); }));
+    Handle<&frm5NVCTable::cboFMZs_Click, Entry::kOwn>(cboFMZs_, &QComboBox::activated, this);
+    Handle<&frm5NVCTable::cboRepLocs_Click, Entry::kOwn>(cboRepLocs_, &QComboBox::activated, this);
+    Handle<&frm5NVCTable::grdNVC_EnterCell>(grdNVC_, &vsFlexGrid::EnterCell, this);
+    Handle<&frm5NVCTable::grdNVC_BeforeEdit>(grdNVC_, &vsFlexGrid::BeforeEdit, this);
+    Handle<&frm5NVCTable::grdNVC_KeyPressEdit>(grdNVC_, &vsFlexGrid::KeyPressEdit, this);
+    Handle<&frm5NVCTable::grdNVC_KeyUpEdit>(grdNVC_, &vsFlexGrid::KeyUpEdit, this);
 }
 
 void frm5NVCTable::Setup() {
@@ -241,7 +233,7 @@ void frm5NVCTable::GoTo(const Place& place) {
     }
     if (zone != zoneIndex_) {
         PageParts::SelectSilently(*cboFMZs_, zone);
-        ChooseZone();
+        cboFMZs_Click();
     }
     const int location = place.location - 1;
     if (location >= cboRepLocs_->count()) {
@@ -251,26 +243,7 @@ void frm5NVCTable::GoTo(const Place& place) {
     }
     if (location != locationIndex_) {
         PageParts::SelectSilently(*cboRepLocs_, location);
-        ChooseLocation();
-    }
-}
-
-// A table that cannot be saved stays on the grid; the boxes then go back to what it belongs to.
-void frm5NVCTable::ChooseZone() {
-    try {
-        cboFMZs_Click();
-    } catch (...) {
-        RestoreChoices();
-        throw;
-    }
-}
-
-void frm5NVCTable::ChooseLocation() {
-    try {
         cboRepLocs_Click();
-    } catch (...) {
-        RestoreChoices();
-        throw;
     }
 }
 
@@ -283,8 +256,22 @@ void frm5NVCTable::RestoreChoices() {
     }
 }
 
+// A table that cannot be saved stays on the grid; the boxes then go back to what it belongs to.
+void frm5NVCTable::OrRestoreChoices(const std::function<void()>& choose) {
+    try {
+        choose();
+    } catch (...) {
+        RestoreChoices();
+        throw;
+    }
+}
+
 void frm5NVCTable::cboFMZs_Click() {
     u91Trace::Procedure(QStringLiteral("cboFMZs_Click ") + cboFMZs_->currentText());
+    OrRestoreChoices([this] { ShowZone(); });
+}
+
+void frm5NVCTable::ShowZone() {
     if (UIMode::NotBusy()) {
         SaveChanges();
     }
@@ -305,6 +292,10 @@ void frm5NVCTable::cboFMZs_Click() {
 
 void frm5NVCTable::cboRepLocs_Click() {
     u91Trace::Procedure(QStringLiteral("cboRepLocs_Click ") + cboRepLocs_->currentText());
+    OrRestoreChoices([this] { ShowLocation(); });
+}
+
+void frm5NVCTable::ShowLocation() {
     if (UIMode::NotBusy()) {
         SaveChanges();
     }
@@ -354,17 +345,13 @@ void frm5NVCTable::ShowTotal(int level, double total) {
 }
 
 void frm5NVCTable::grdNVC_EnterCell() {
-    u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_EnterCell"));
     grdNVC_->EditCell();
 }
 
 // How long a text may be, and whether the cell takes one, the table tells.
-void frm5NVCTable::grdNVC_BeforeEdit() {
-    u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_BeforeEdit"));
-}
+void frm5NVCTable::grdNVC_BeforeEdit() {}
 
 void frm5NVCTable::grdNVC_KeyPressEdit(int row, int col, QChar key) {
-    u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_KeyPressEdit"));
     if (key == QLatin1Char('-')) {
         lblMinus_->hide();
         lblMinus_->setProperty(kTag, kMinusTyped);
@@ -377,8 +364,7 @@ void frm5NVCTable::grdNVC_KeyPressEdit(int row, int col, QChar key) {
     }
 }
 
-void frm5NVCTable::grdNVC_KeyUpEdit(int col) {
-    u91Trace::Procedure(QStringLiteral("frm5NVCTable.grdNVC_KeyUpEdit"));
+void frm5NVCTable::grdNVC_KeyUpEdit(int /*row*/, int col) {
     grdNVC_->OfferEdit();
     if (col != NVCGridTable::kName) {
         ShowTotals();

@@ -21,6 +21,8 @@ class frm5NVCTable : public WorksheetPage {
     Q_OBJECT
 
 public:
+    static constexpr const char* kID = "NVC";  // of the worksheet
+
     frm5NVCTable(WorksheetHost& host, QWidget* parent);
     ~frm5NVCTable() override;
 
@@ -56,15 +58,16 @@ private:
     void PutBack(const Place& place, const NVCGridTable::Changes& changes, CellState state);
     void GoTo(const Place& place);
 
-    void ChooseZone();
-    void ChooseLocation();
+    void ShowZone();
+    void ShowLocation();
+    void OrRestoreChoices(const std::function<void()>& choose);
     void RestoreChoices();
     void cboFMZs_Click();
     void cboRepLocs_Click();
     void grdNVC_EnterCell();
     void grdNVC_BeforeEdit();
     void grdNVC_KeyPressEdit(int row, int col, QChar key);
-    void grdNVC_KeyUpEdit(int col);
+    void grdNVC_KeyUpEdit(int row, int col);
     // Whose table the grid shows, for messages: "North, location 2".
     [[nodiscard]] QString ShownTable() const;
 

@@ -11,6 +11,7 @@
 #include <array>
 #include <utility>
 
+#include "base/Handle.h"
 #include "base/UIMode.h"
 #include "base/u91Trace.h"
 #include "base/u92Utilities.h"
@@ -25,7 +26,8 @@
 #include "worksheets/NoteLine.h"
 #include "worksheets/resources/frm3SRMasterAdd.h"
 
-using platform::EventTrap::Trapped;
+using base::Entry;
+using base::Handle;
 
 namespace {
 
@@ -44,8 +46,7 @@ frm3SRMaster::frm3SRMaster(WorksheetHost& host, QWidget* parent)
     : WorksheetPage(host, parent,
                     {.name = "frm3SRMaster",
                      .caption = tr("Edit resources and costs"),
-                     .index = 3,
-                     .id = "SRM",
+                     .id = kID,
                      .helpContextId = kHelpContextId}) {
     Build();
     ConnectHandlers();
@@ -53,21 +54,12 @@ frm3SRMaster::frm3SRMaster(WorksheetHost& host, QWidget* parent)
 }
 
 void frm3SRMaster::ConnectHandlers() {
-    connect(grdMasterList_, &vsFlexGrid::EnterCell, this,
-            Trapped("frm3SRMaster.grdMasterList_EnterCell", [this] { grdMasterList_EnterCell(); }));
-    connect(grdMasterList_, &vsFlexGrid::BeforeEdit, this,
-            Trapped("frm3SRMaster.grdMasterList_BeforeEdit",
-                    [this](int row, int col, bool*) { grdMasterList_BeforeEdit(row, col); }));
-    connect(grdMasterList_, &vsFlexGrid::AfterEdit, this,
-            Trapped("frm3SRMaster.grdMasterList_AfterEdit",
-                    [this](int /*row*/, int /*col*/) { grdMasterList_AfterEdit(); }));
-    connect(
-        txtSource_, &QLineEdit::textChanged, this,
-        Trapped("frm3SRMaster.txtSource_Change", [this](const QString&) { txtSource_Change(); }));
-    connect(cmdAdd_, &QPushButton::clicked, this,
-            Trapped("frm3SRMaster.cmdAdd_Click", [this](bool) { cmdAdd_Click(); }));
-    connect(cmdDelete_, &QPushButton::clicked, this,
-            Trapped("frm3SRMaster.cmdDelete_Click", [this](bool) { cmdDelete_Click(); }));
+    Handle<&frm3SRMaster::grdMasterList_EnterCell>(grdMasterList_, &vsFlexGrid::EnterCell, this);
+    Handle<&frm3SRMaster::grdMasterList_BeforeEdit>(grdMasterList_, &vsFlexGrid::BeforeEdit, this);
+    Handle<&frm3SRMaster::grdMasterList_AfterEdit>(grdMasterList_, &vsFlexGrid::AfterEdit, this);
+    Handle<&frm3SRMaster::txtSource_Change>(txtSource_, &QLineEdit::textChanged, this);
+    Handle<&frm3SRMaster::cmdAdd_Click, Entry::kBare>(cmdAdd_, &QPushButton::clicked, this);
+    Handle<&frm3SRMaster::cmdDelete_Click, Entry::kBare>(cmdDelete_, &QPushButton::clicked, this);
 }
 
 void frm3SRMaster::Build() {
@@ -217,19 +209,15 @@ bool frm3SRMaster::EndOpenEdit() {
 }
 
 void frm3SRMaster::grdMasterList_EnterCell() {
-    u91Trace::Procedure(QStringLiteral("frm3SRMaster.grdMasterList_EnterCell"));
     grdMasterList_->EditCell();
 }
 
 void frm3SRMaster::grdMasterList_BeforeEdit(int /*row*/, int col) {
-    u91Trace::Procedure(QStringLiteral("frm3SRMaster.grdMasterList_BeforeEdit"));
     grdMasterList_->SetEditMaxLength(resources_.MaxLength(col));
 }
 
 // The list has taken the text, and moves the row when the action ends.
-void frm3SRMaster::grdMasterList_AfterEdit() {
-    u91Trace::Procedure(QStringLiteral("frm3SRMaster.grdMasterList_AfterEdit"));
-}
+void frm3SRMaster::grdMasterList_AfterEdit() {}
 
 void frm3SRMaster::MoveRow(int from, int to) {
     u91Trace::Procedure(QStringLiteral("MoveRow"));
@@ -238,7 +226,6 @@ void frm3SRMaster::MoveRow(int from, int to) {
 }
 
 void frm3SRMaster::txtSource_Change() {
-    u91Trace::Procedure(QStringLiteral("frm3SRMaster.txtSource_Change"));
     if (UIMode::NotBusy()) {
         if (!sourceBefore_) {
             sourceBefore_ = source_.Get();
@@ -277,7 +264,6 @@ bool frm3SRMaster::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frm3SRMaster::cmdAdd_Click() {
-    u91Trace::Procedure(QStringLiteral("cmdAdd_Click"));
     grdMasterList_->FinishEdit();
     frm3SRMasterAdd dialog(resources_, Host().Frame());
     dialog.SetPosition(grdMasterList_->Row() + 1);
@@ -293,7 +279,6 @@ void frm3SRMaster::cmdAdd_Click() {
 // Asks about the resource that was current when the button was pressed: the end of an open edit may
 // move it.
 void frm3SRMaster::cmdDelete_Click() {
-    u91Trace::Procedure(QStringLiteral("cmdDelete_Click"));
     const int current = grdMasterList_->Row();
     if (current < 1 || current > resources_.RowCount()) {
         return;

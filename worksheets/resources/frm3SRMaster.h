@@ -21,6 +21,8 @@ class frm3SRMaster : public WorksheetPage {
     Q_OBJECT
 
 public:
+    static constexpr const char* kID = "SRM";  // of the worksheet
+
     frm3SRMaster(WorksheetHost& host, QWidget* parent);
 
     void SetUp() override { Setup(); }

@@ -8,6 +8,7 @@
 
 #include <optional>
 
+#include "base/Handle.h"
 #include "base/u91Trace.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
@@ -23,6 +24,8 @@
 #include "worksheets/resources/ResourceList.h"
 #include "worksheets/resources/RowOrder.h"
 
+using base::Entry;
+using base::Handle;
 using platform::EventTrap::Trapped;
 
 namespace {
@@ -146,10 +149,9 @@ void frm3SRMasterAdd::ConnectHandlers() {
                 Trapped("frm3SRMasterAdd.optTime_Click",
                         [entry](bool) { u91Trace::Procedure(entry); }));
     }
-    connect(cmdOK_, &QPushButton::clicked, this,
-            Trapped("frm3SRMasterAdd.cmdOK_Click", [this](bool) { cmdOK_Click(); }));
-    connect(cmdCancel_, &QPushButton::clicked, this,
-            Trapped("frm3SRMasterAdd.cmdCancel_Click", [this](bool) { cmdCancel_Click(); }));
+    Handle<&frm3SRMasterAdd::cmdOK_Click, Entry::kBare>(cmdOK_, &QPushButton::clicked, this);
+    Handle<&frm3SRMasterAdd::cmdCancel_Click, Entry::kBare>(cmdCancel_, &QPushButton::clicked,
+                                                            this);
 }
 
 void frm3SRMasterAdd::ConnectBox(TextBox* box) {
@@ -195,7 +197,6 @@ void frm3SRMasterAdd::EnableOK() {
 }
 
 void frm3SRMasterAdd::cmdOK_Click() {
-    u91Trace::Procedure(QStringLiteral("cmdOK_Click"));
     const std::optional<float> cost = CostFromText(txtCost_->text());
     if (!cost) {
         platform::MsgOptions options;
@@ -217,7 +218,6 @@ void frm3SRMasterAdd::cmdOK_Click() {
 }
 
 void frm3SRMasterAdd::cmdCancel_Click() {
-    u91Trace::Procedure(QStringLiteral("cmdCancel_Click"));
     QDialog::reject();
 }
 

@@ -8,10 +8,10 @@
 
 #include <algorithm>
 
+#include "base/Handle.h"
 #include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
 #include "import/mImport.h"
-#include "platform/EventTrap.h"
 #include "platform/FirstError.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
@@ -21,7 +21,7 @@
 #include "worksheets/zones/ImportNote.h"
 #include "worksheets/zones/ImportProgressBox.h"
 
-using platform::EventTrap::Trapped;
+using base::Handle;
 
 namespace {
 
@@ -35,23 +35,17 @@ frm4FMZs::frm4FMZs(WorksheetHost& host, QWidget* parent)
     : WorksheetPage(host, parent,
                     {.name = "frm4FMZs",
                      .caption = tr("Fire Management Zones"),
-                     .index = 4,
-                     .id = "FMZ",
+                     .id = kID,
                      .helpContextId = kHelpContextId}) {
     Build();
     ConnectHandlers();
 }
 
 void frm4FMZs::ConnectHandlers() {
-    connect(cmdAdd_, &QPushButton::clicked, this,
-            Trapped("frm4FMZs.cmdAdd_Click", [this](bool) { cmdAdd_Click(); }));
-    connect(cmdImport_, &QPushButton::clicked, this,
-            Trapped("frm4FMZs.cmdImport_Click", [this](bool) { cmdImport_Click(); }));
-    connect(grdFMZs_, &vsFlexGrid::EnterCell, this,
-            Trapped("frm4FMZs.grdFMZs_EnterCell", [this] { grdFMZs_EnterCell(); }));
-    connect(grdFMZs_, &vsFlexGrid::BeforeEdit, this,
-            Trapped("frm4FMZs.grdFMZs_BeforeEdit",
-                    [this](int /*row*/, int col, bool* /*cancel*/) { grdFMZs_BeforeEdit(col); }));
+    Handle<&frm4FMZs::cmdAdd_Click>(cmdAdd_, &QPushButton::clicked, this);
+    Handle<&frm4FMZs::cmdImport_Click>(cmdImport_, &QPushButton::clicked, this);
+    Handle<&frm4FMZs::grdFMZs_EnterCell>(grdFMZs_, &vsFlexGrid::EnterCell, this);
+    Handle<&frm4FMZs::grdFMZs_BeforeEdit>(grdFMZs_, &vsFlexGrid::BeforeEdit, this);
     zones_.SetListener(
         [this](const QString& name, const auto& change) { DoneInList(name, change); });
 }
@@ -158,7 +152,6 @@ void frm4FMZs::ShowChange(const undo::ListChange<Zone>& list) {
 }
 
 void frm4FMZs::cmdAdd_Click() {
-    u91Trace::Procedure(QStringLiteral("frm4FMZs.cmdAdd_Click"));
     grdFMZs_->FinishEdit();
     const int row = zones_.RowCount() + 1;
     FMZ_CreateRecord(row);
@@ -167,7 +160,6 @@ void frm4FMZs::cmdAdd_Click() {
 }
 
 void frm4FMZs::cmdImport_Click() {
-    u91Trace::Procedure(QStringLiteral("frm4FMZs.cmdImport_Click"));
     grdFMZs_->FinishEdit();
     if (!MayDropTyped()) {
         return;
@@ -208,14 +200,12 @@ void frm4FMZs::ShowImported() {
 }
 
 void frm4FMZs::grdFMZs_EnterCell() {
-    u91Trace::Procedure(QStringLiteral("frm4FMZs.grdFMZs_EnterCell"));
     grdFMZs_->EditCell();
     // Clicks and keys wait: they could unload this form before its grid has finished entering.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
-void frm4FMZs::grdFMZs_BeforeEdit(int col) {
-    u91Trace::Procedure(QStringLiteral("frm4FMZs.grdFMZs_BeforeEdit"));
+void frm4FMZs::grdFMZs_BeforeEdit(int /*row*/, int col) {
     grdFMZs_->SetEditMaxLength(zones_.MaxLength(col));
 }
 

@@ -17,6 +17,8 @@ class frm4FMZs : public WorksheetPage {
     Q_OBJECT
 
 public:
+    static constexpr const char* kID = "FMZ";  // of the worksheet
+
     frm4FMZs(WorksheetHost& host, QWidget* parent);
 
     void SetUp() override { FMZ_Setup(); }
@@ -45,7 +47,7 @@ private:
     void cmdAdd_Click();
     void cmdImport_Click();
     void grdFMZs_EnterCell();
-    void grdFMZs_BeforeEdit(int col);
+    void grdFMZs_BeforeEdit(int row, int col);
 
     ZoneList zones_;
     vsFlexGrid* grdFMZs_ = nullptr;
