@@ -262,7 +262,7 @@ const QString& CurrentPath() {
     return currentPath;
 }
 
-std::int16_t QueryNewDatafile() {
+Result QueryNewDatafile() {
     u91Trace::Procedure(QStringLiteral("PrepDatafile.QueryNewDatafile"));
     const QString path = NewFileDialog();
     if (path.isEmpty()) {
@@ -303,7 +303,7 @@ QString NewFileDialog() {
     return PathFor(currentFileName);
 }
 
-std::int16_t QueryOpenDatafile() {
+Result QueryOpenDatafile() {
     u91Trace::Procedure(QStringLiteral("PrepDatafile.QueryOpenDatafile"));
     platform::OpenFileRequest request;
     request.title = QStringLiteral("Open TARN Prep file");

@@ -12,7 +12,8 @@ class DatafileHost;
 
 namespace PrepDatafile {
 
-enum Result : std::int16_t { kOpened = 1, kCancelled = 2, kFailed = 3 };
+enum class Result : std::int16_t { kOpened = 1, kCancelled = 2, kFailed = 3 };
+using enum Result;
 
 // What the operations below ask of the shell; null, and they ask for nothing.
 void SetHost(DatafileHost* host);
@@ -22,10 +23,10 @@ void SetHost(DatafileHost* host);
 [[nodiscard]] const QString& CurrentFileName();
 [[nodiscard]] const QString& CurrentPath();
 
-// The commands New and Open, from their dialogs on. Both give a Result, and close the former file
-// once the user has chosen another one. The record sets are opened by the caller.
-std::int16_t QueryNewDatafile();
-std::int16_t QueryOpenDatafile();
+// The commands New and Open, from their dialogs on. Both close the former file once the user has
+// chosen another one. The record sets are opened by the caller.
+Result QueryNewDatafile();
+Result QueryOpenDatafile();
 // Asks for the name of a new file; its path, or an empty text when the user cancelled.
 QString NewFileDialog();
 // Opens the file at a path, looks at all of it, and converts it when it is of an older format.

@@ -12,7 +12,8 @@
 
 class UnitFinder {
 public:
-    enum Code { kNotFound = 21, kFound = 22, kInSeveralStates = 23 };
+    enum class Code { kNotFound = 21, kFound = 22, kInSeveralStates = 23 };
+    using enum Code;
 
     struct Unit {
         QString name;

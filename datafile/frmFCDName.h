@@ -21,10 +21,11 @@ class frmFCDName : public QDialog {
     Q_OBJECT
 
 public:
-    enum Status : std::int16_t { kChosen = 1, kCancelled = 2, kNoUnitNames = 3 };
+    enum class Status : std::int16_t { kChosen = 1, kCancelled = 2, kNoUnitNames = 3 };
+    using enum Status;
 
     struct Outcome {
-        std::int16_t fileStatus = kCancelled;
+        Status fileStatus = kCancelled;
         QString fileName;
         QString unitDescription;
     };

@@ -27,7 +27,7 @@ namespace {
 
 const QString kUpAcres = QStringLiteral("UpAcres");
 
-std::int16_t importResult = 0;
+Result importResult = kFailed;
 Imported imported;
 QString zoneName;  // of the zone that is being copied
 // Stays open after an import that found no zones, until the next one or the program's end.
@@ -251,7 +251,7 @@ QString WhatStays(int zones) {
                .arg(zones - 1);
 }
 
-std::int16_t CopyOpenFile(ImportProgress* progress) {
+Result CopyOpenFile(ImportProgress* progress) {
     if (bram->Zones().RecordCount() == 0) {
         platform::MsgBox(QStringLiteral("No FMZs found in the file"));
         return kNoZones;
@@ -273,7 +273,7 @@ std::int16_t CopyOpenFile(ImportProgress* progress) {
 
 }  // namespace
 
-std::int16_t ImportResult() {
+Result ImportResult() {
     return importResult;
 }
 
@@ -281,13 +281,13 @@ const Imported& LastImport() {
     return imported;
 }
 
-std::int16_t BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress) {
+Result BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress) {
     u91Trace::Procedure(QStringLiteral("mImport.BRAM_CopyFMZs"));
     return CopyFMZsFrom(OpenFileDialog(frame), progress);
 }
 
-std::int16_t CopyFMZsFrom(const QString& path, ImportProgress* progress) {
-    importResult = 0;  // what a failed import leaves
+Result CopyFMZsFrom(const QString& path, ImportProgress* progress) {
+    importResult = kFailed;
     imported = {};
     if (path.isEmpty()) {
         importResult = kCancelled;

@@ -23,18 +23,20 @@ public:
 
 namespace mImport {
 
-enum Result : std::int16_t {
+enum class Result : std::int16_t {
+    kFailed = 0,  // an error part-way, which was thrown on
     kCopied = 1,
     kCancelled = 2,
     kNotABramFile = 3,
     kNoZones = 12,
 };
+using enum Result;
 
-// The whole import, from the file dialog (shown over `frame`, may be null) on. Gives the import
-// result code, which ImportResult keeps. An error part-way leaves the rows written so far, restores
+// The whole import, from the file dialog (shown over `frame`, may be null) on. What it gives,
+// ImportResult keeps. An error part-way leaves the rows written so far, restores
 // the pointer, closes the assessment file, and is thrown on.
-std::int16_t BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress = nullptr);
-[[nodiscard]] std::int16_t ImportResult();
+Result BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress = nullptr);
+[[nodiscard]] Result ImportResult();
 
 // What the last import has copied.
 struct Imported {
@@ -55,6 +57,6 @@ QString OpenFileDialog(QWidget* frame);
 QString GetBRAMPath();
 
 // The steps after the dialog, for a path that is known.
-std::int16_t CopyFMZsFrom(const QString& path, ImportProgress* progress = nullptr);
+Result CopyFMZsFrom(const QString& path, ImportProgress* progress = nullptr);
 
 }  // namespace mImport

@@ -62,7 +62,7 @@ void ShowOpenedFile(const QString& title = QString()) {
 }
 
 // An error before the former file was closed leaves it and its worksheet as they are.
-std::int16_t Query(std::int16_t (*query)()) {
+PrepDatafile::Result Query(PrepDatafile::Result (*query)()) {
     try {
         return query();
     } catch (...) {
@@ -151,7 +151,7 @@ void NewDatafile() {
         case PrepDatafile::kFailed:
             a3PrepForms::UnloadCurrentWorksheet();
             break;
-        default:
+        case PrepDatafile::kCancelled:
             break;
     }
 }
@@ -170,7 +170,7 @@ void OpenDatafile() {
         case PrepDatafile::kFailed:
             a3PrepForms::UnloadCurrentWorksheet();
             break;
-        default:
+        case PrepDatafile::kCancelled:
             break;
     }
 }

@@ -66,7 +66,7 @@ protected:
         }
         return path;
     }
-    std::int16_t Import(const QString& name) { return mImport::CopyFMZsFrom(Made(name)); }
+    mImport::Result Import(const QString& name) { return mImport::CopyFMZsFrom(Made(name)); }
 
     static Zone ZoneNamed(const QString& name) {
         for (tblFMZList->MoveFirst(); !tblFMZList->EndOfFile(); tblFMZList->MoveNext()) {
@@ -385,7 +385,7 @@ TEST_F(ImportTest, NotABramFile_IsToldAndWritesNothing) {
         SCOPED_TRACE(path.toStdString());
         const support::Answers answers;
         EXPECT_EQ(mImport::CopyFMZsFrom(path), mImport::kNotABramFile);
-        EXPECT_EQ(mImport::ImportResult(), 3);
+        EXPECT_EQ(mImport::ImportResult(), mImport::kNotABramFile);
         EXPECT_EQ(answers.Texts(), QStringList(kNotBram));
     }
     EXPECT_EQ(WarningCount(QStringLiteral("BRAM_OpenTables: Unsuccessful")), int(refused.size()));
@@ -511,7 +511,7 @@ TEST_F(ImportTest, OpenFileDialog_AsksInTheCostsFolderForTheUsualName) {
         files->close();
     });
     EXPECT_EQ(mImport::BRAM_CopyFMZs(nullptr), mImport::kCancelled);
-    EXPECT_EQ(mImport::ImportResult(), 2);
+    EXPECT_EQ(mImport::ImportResult(), mImport::kCancelled);
     EXPECT_EQ(folder_.Trace(), QStringList({"   mImport.BRAM_CopyFMZs", "   mImport.OpenFileDialog",
                                             "   GetBRAMPath"}));
 }
