@@ -1,5 +1,7 @@
 #include "datafile/PrepDatafile.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <optional>
 
@@ -24,6 +26,11 @@ using PrepDatatables::tblProperties;
 namespace PrepDatafile {
 
 namespace {
+
+// What a person reads, in the language of the screen.
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(PrepDatafile)
+};
 
 const QString kDataFormatID = QStringLiteral("DataFormatID");
 const QString kCurrentFormat = QStringLiteral("4.01.01");
@@ -82,7 +89,7 @@ void TellOfKeptLog() {
         return;
     }
     const QString text =
-        QStringLiteral(
+        Texts::tr(
             "Changes of an interrupted run lie beside the file, but they belong to "
             "another state of it and are not brought in. They are kept in \"%1\".")
             .arg(log);
@@ -205,8 +212,8 @@ void BringIn() {
         throw platform::RuntimeError(
             error.Number(),
             error.Description() + platform::kNewLine +
-                QStringLiteral("What was stored is kept in a log beside the file; the program goes "
-                               "on trying to bring it in."));
+                Texts::tr("What was stored is kept in a log beside the file; the program goes "
+                          "on trying to bring it in."));
     }
 }
 
@@ -215,17 +222,17 @@ void TellWhatOthersDid() {
         told.putBack = true;
         throw platform::RuntimeError(
             platform::kNoSuchFile,
-            QStringLiteral("The file \"%1\" had been deleted by another program while it was "
-                           "open. It has been written anew, with all that is in it.")
+            Texts::tr("The file \"%1\" had been deleted by another program while it was "
+                      "open. It has been written anew, with all that is in it.")
                 .arg(currentFileName));
     }
     if (dbDatafile->WasMoved() && !told.moved) {
         told.moved = true;
         throw platform::RuntimeError(
             platform::kNoSuchFile,
-            QStringLiteral("The file \"%1\" has been moved or renamed by another program while it "
-                           "was open. All that you enter is stored in it where it is now. Leave "
-                           "the program and open it there.")
+            Texts::tr("The file \"%1\" has been moved or renamed by another program while it "
+                      "was open. All that you enter is stored in it where it is now. Leave "
+                      "the program and open it there.")
                 .arg(currentFileName));
     }
 }
@@ -270,14 +277,14 @@ Result QueryNewDatafile() {
     }
     CloseFormerFile();
     if (!TemplateExists()) {
-        platform::MsgBox(QStringLiteral("Unable to create new TARN Prep file.") +
-                         platform::kNewLine + QStringLiteral("Source file FCD.new is missing."));
+        platform::MsgBox(Texts::tr("Unable to create new TARN Prep file.") + platform::kNewLine +
+                         Texts::tr("Source file FCD.new is missing."));
         return kFailed;
     }
     if (const auto failure = CopyTemplate(path)) {
         platform::MsgOptions options;
         options.informative = failure->Description();
-        platform::MsgBox(QStringLiteral("Unable to create new TARN Prep file."), options);
+        platform::MsgBox(Texts::tr("Unable to create new TARN Prep file."), options);
         return kFailed;
     }
     if (!OpenDatatables(path)) {
@@ -306,9 +313,9 @@ QString NewFileDialog() {
 Result QueryOpenDatafile() {
     u91Trace::Procedure(QStringLiteral("PrepDatafile.QueryOpenDatafile"));
     platform::OpenFileRequest request;
-    request.title = QStringLiteral("Open TARN Prep file");
+    request.title = Texts::tr("Open TARN Prep file");
     request.initialFolder = u13Folders::CostsPath();
-    request.filter = QStringLiteral("TARN Prep files (*.fcd)|*.fcd|All Files (*.*)|*.*");
+    request.filter = Texts::tr("TARN Prep files (*.fcd)|*.fcd|All Files (*.*)|*.*");
     request.mustExist = true;
     const QString path = platform::CommonDialog::ShowOpen(request, Frame());
     if (path.isEmpty()) {
@@ -334,15 +341,15 @@ bool OpenDatatables(const QString& fileName) {
         if (!AcceptFormat()) {
             PrepDatatables::CloseAll();
             platform::MsgBox(
-                QStringLiteral("This file uses an incompatible format and cannot be "
-                               "opened using TARN Prep 03."));
+                Texts::tr("This file uses an incompatible format and cannot be "
+                          "opened using TARN Prep 03."));
             return false;
         }
     } catch (const DamagedFile& damage) {
-        RefuseDatafile(QStringLiteral("The file is damaged: %1").arg(damage.Description()) +
+        RefuseDatafile(Texts::tr("The file is damaged: %1").arg(damage.Description()) +
                        platform::kNewLine +
-                       QStringLiteral("The command  jetdoctor FILE --repair NEWFILE  makes a "
-                                      "sound copy of all that can be read."));
+                       Texts::tr("The command  jetdoctor FILE --repair NEWFILE  makes a "
+                                 "sound copy of all that can be read."));
         return false;
     } catch (const platform::RuntimeError& error) {
         RefuseDatafile(error.Description());
@@ -402,7 +409,7 @@ void RefuseDatafile(const QString& reason) {
     platform::MsgOptions options;
     options.informative = reason;
     platform::MsgBox(
-        QStringLiteral("The file does not appear to be a TARN Prep file.  It cannot be opened."),
+        Texts::tr("The file does not appear to be a TARN Prep file.  It cannot be opened."),
         options);
     u91Trace::Warning(QStringLiteral("PrepDatafile.OpenDatafile: Unsuccessful - unable to open"));
 }

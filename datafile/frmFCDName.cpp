@@ -44,7 +44,7 @@ bool frmFCDName::Load() {
     if (!OpenNameTables()) {
         platform::MsgOptions options;
         options.informative = reason_;
-        platform::MsgBox(QStringLiteral("Error loading Unit Names from fcdname.dat"), options);
+        platform::MsgBox(tr("Error loading Unit Names from fcdname.dat"), options);
         outcome_.fileStatus = kNoUnitNames;
         Unload();
         return false;
@@ -244,12 +244,12 @@ void frmFCDName::cmdOK_Click() {
     const QString fileName = txtFileTitle_->text() + kFileExtension;
     if (!platform::Dir(platform::JoinPath(u13Folders::CostsPath(), fileName)).isEmpty()) {
         platform::MsgOptions options;
-        options.title = QStringLiteral("Replace file?");
+        options.title = tr("Replace file?");
         options.icon = platform::MsgIcon::kStop;
         options.buttons = platform::MsgButtons::kYesNo;
         options.secondIsDefault = true;
-        const auto answer = platform::MsgBox(
-            QStringLiteral("The file already exists.  Do you want to overwrite it?"), options);
+        const auto answer =
+            platform::MsgBox(tr("The file already exists.  Do you want to overwrite it?"), options);
         if (answer != platform::MsgAnswer::kYes) {
             outcome_.fileStatus = kCancelled;
             return;
@@ -274,9 +274,9 @@ void frmFCDName::reject() {
 // The unit that was looked for is the current one, whose neighbours stand around it.
 void frmFCDName::ShowUnits(const UnitFinder::Listing& listing) {
     grdUnits_->SetRows(1);
-    grdUnits_->SetTextMatrix(0, kNameColumn, QStringLiteral("Unit Name"));
-    grdUnits_->SetTextMatrix(0, kIDColumn, QStringLiteral("Unit ID"));
-    grdUnits_->SetTextMatrix(0, kStateColumn, QStringLiteral("State"));
+    grdUnits_->SetTextMatrix(0, kNameColumn, tr("Unit Name"));
+    grdUnits_->SetTextMatrix(0, kIDColumn, tr("Unit ID"));
+    grdUnits_->SetTextMatrix(0, kStateColumn, tr("State"));
     grdUnits_->SetRows(1 + static_cast<int>(listing.units.size()));
     int row = 1;
     for (const UnitFinder::Unit& unit : listing.units) {

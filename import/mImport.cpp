@@ -25,6 +25,11 @@ namespace mImport {
 
 namespace {
 
+// What a person reads, in the language of the screen.
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(mImport)
+};
+
 const QString kUpAcres = QStringLiteral("UpAcres");
 
 Result importResult = kFailed;
@@ -60,8 +65,8 @@ bool OpenBRAMTables(const QString& path) {
     } catch (const platform::RuntimeError& error) {
         platform::MsgOptions options;
         options.informative = error.Description();
-        platform::MsgBox(QStringLiteral("The file does not appear to be a valid BRAM file.") +
-                             platform::kNewLine + QStringLiteral("It cannot be opened."),
+        platform::MsgBox(Texts::tr("The file does not appear to be a valid BRAM file.") +
+                             platform::kNewLine + Texts::tr("It cannot be opened."),
                          options);
         u91Trace::Warning(QStringLiteral("BRAM_OpenTables: Unsuccessful"));
         return false;
@@ -178,7 +183,7 @@ void SetName(NewRow& row, const QString& code, const QString& name) {
     } catch (const platform::RuntimeError& error) {
         throw platform::RuntimeError(
             error.Number(),
-            QStringLiteral("The name of the zone %1 cannot be stored: \"%2\". ").arg(code, name) +
+            Texts::tr("The name of the zone %1 cannot be stored: \"%2\". ").arg(code, name) +
                 error.Description());
     }
 }
@@ -244,7 +249,7 @@ QString WhatStays(int zones) {
         return {};
     }
     return platform::kNewLine +
-           QStringLiteral(
+           Texts::tr(
                "The zones before this one (%1) have been copied; they show when the "
                "worksheet is opened again. Importing the file once more copies them a "
                "second time.")
@@ -253,7 +258,7 @@ QString WhatStays(int zones) {
 
 Result CopyOpenFile(ImportProgress* progress) {
     if (bram->Zones().RecordCount() == 0) {
-        platform::MsgBox(QStringLiteral("No FMZs found in the file"));
+        platform::MsgBox(Texts::tr("No FMZs found in the file"));
         return kNoZones;
     }
     const HourglassScope hourglass;
@@ -303,10 +308,10 @@ QString OpenFileDialog(QWidget* frame) {
     u91Trace::Procedure(QStringLiteral("mImport.OpenFileDialog"));
     try {
         platform::OpenFileRequest request;
-        request.title = QStringLiteral("Select BRAM file");
+        request.title = Texts::tr("Select BRAM file");
         request.initialFolder = GetBRAMPath();
         request.fileName = QStringLiteral("BRAM0000.mdb");
-        request.filter = QStringLiteral("BRAM files (*.mdb)|*.mdb|All Files (*.*)|*.*");
+        request.filter = Texts::tr("BRAM files (*.mdb)|*.mdb|All Files (*.*)|*.*");
         request.mustExist = false;
         return platform::CommonDialog::ShowOpen(request, frame);
     } catch (const platform::RuntimeError&) {

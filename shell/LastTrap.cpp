@@ -1,5 +1,6 @@
 #include "shell/LastTrap.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 
 #include "base/UIMode.h"
@@ -12,13 +13,18 @@
 
 namespace {
 
+// What a person reads, in the language of the screen.
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(LastTrap)
+};
+
 using platform::EventTrap::Report;
 
 QString Advice(int number) {
     if (number != platform::kFileSystemFull && number != platform::kDiskFull) {
         return {};
     }
-    return QStringLiteral("Make room on the disk; what is on the screen can be stored then.");
+    return Texts::tr("Make room on the disk; what is on the screen can be stored then.");
 }
 
 void Tell(const Report& report) {
@@ -28,7 +34,7 @@ void Tell(const Report& report) {
         platform::MsgOptions options;
         options.icon = platform::MsgIcon::kExclamation;
         options.informative = Advice(report.number);
-        options.details = QStringLiteral("Error %1 in %2").arg(report.number).arg(report.handler);
+        options.details = Texts::tr("Error %1 in %2").arg(report.number).arg(report.handler);
         platform::MsgBox(report.Sentence(), options);
     } catch (...) {
         // Out of memory or the like: there is nobody left to tell.

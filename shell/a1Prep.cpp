@@ -1,5 +1,6 @@
 #include "shell/a1Prep.h"
 
+#include <QCoreApplication>
 #include <QSize>
 
 #include "base/u91Trace.h"
@@ -17,6 +18,11 @@
 #include "shell/frmTabs.h"
 
 namespace {
+
+// What a person reads, in the language of the screen.
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(a1Prep)
+};
 
 // Screen heights in twips: below 600 pixels, and the frame's working height.
 constexpr int kTooLow = 8000;
@@ -89,11 +95,11 @@ void DisplayCheck(frm0_Prep& frame) {
     switch (FirstSizeFor(platform::ScreenSize().height())) {
         case FirstSize::kAsItIs:
             platform::MsgBox(
-                QStringLiteral(
+                Texts::tr(
                     "This program is designed for display at 800 x 600 resolution or higher.") +
                 platform::kNewLine +
-                QStringLiteral("You may have difficulty using the program with your current "
-                               "display settings."));
+                Texts::tr("You may have difficulty using the program with your current "
+                          "display settings."));
             break;
         case FirstSize::kMaximised:
             frame.Maximise();

@@ -43,21 +43,23 @@ constexpr int kBanner = 130;
 constexpr int kGap = 18;
 constexpr int kButtonHeight = 36;
 
-const QString kOverview = QStringLiteral(
-    "|BEFORE:90|This program is used to collect and store data "
-    "for later use during a Tactical Assessment of Response Needs (TARN)."
-    "|CR|Information that can be collected and stored includes:"
-    "|BEFORE:15||CR|   Management Objectives,"
-    "|CR|   Suppression Resource Costs,"
-    "|CR|   Net Value Change (NVC Table), and"
-    "|CR|   Suppression Cost per Acre."
-    "|BEFORE:90||CR|NVC and Suppression Cost per Acre data "
-    "can be copied from an BRAM file, or entered by hand.");
+constexpr const char* kOverview =
+    QT_TRANSLATE_NOOP("frm0Start",
+                      "|BEFORE:90|This program is used to collect and store data "
+                      "for later use during a Tactical Assessment of Response Needs (TARN)."
+                      "|CR|Information that can be collected and stored includes:"
+                      "|BEFORE:15||CR|   Management Objectives,"
+                      "|CR|   Suppression Resource Costs,"
+                      "|CR|   Net Value Change (NVC Table), and"
+                      "|CR|   Suppression Cost per Acre."
+                      "|BEFORE:90||CR|NVC and Suppression Cost per Acre data "
+                      "can be copied from an BRAM file, or entered by hand.");
 
-const QString kInstructions = QStringLiteral(
-    "To create a new data file,|CR|click the New button."
-    "|BEFORE:180||CR|To review or update an existing data file,"
-    "|BEFORE:0||CR|click the Open button.");
+constexpr const char* kInstructions =
+    QT_TRANSLATE_NOOP("frm0Start",
+                      "To create a new data file,|CR|click the New button."
+                      "|BEFORE:180||CR|To review or update an existing data file,"
+                      "|BEFORE:0||CR|click the Open button.");
 
 void SetPoints(QWidget& control, double points, bool bold = false) {
     QFont font = control.parentWidget()->font();
@@ -157,11 +159,11 @@ void frm0Start::ArrangeControls() {
 void frm0Start::Form_Load() {
     u91Trace::FormLoad(QStringLiteral("frm0Start"));
     move(0, 0);
-    flbOverview_->SetCaption(kOverview);
-    flbStart_->SetCaption(kInstructions);
-    lblCopyright_->setText(ProgramTexts::kNoticeOfRights);
-    lblCopyright_->setProperty("Caption", ProgramTexts::kNoticeOfRights);
-    lblCopyright_->setAccessibleName(ProgramTexts::kNoticeOfRights);
+    flbOverview_->SetCaption(tr(kOverview));
+    flbStart_->SetCaption(tr(kInstructions));
+    lblCopyright_->setText(ProgramTexts::NoticeOfRights());
+    lblCopyright_->setProperty("Caption", ProgramTexts::NoticeOfRights());
+    lblCopyright_->setAccessibleName(ProgramTexts::NoticeOfRights());
     FitToSize();  // before anything is measured in a font that would not stay
     cmdNew_->setFocus();
 }

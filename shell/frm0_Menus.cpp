@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -32,10 +33,14 @@ QString ItemName(const char* array, int index) {
     return QStringLiteral("%1_%2").arg(QLatin1String(array)).arg(index);
 }
 
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(About)
+};
+
 QString AboutText() {
     return ProgramTexts::kTitle + platform::kNewLine +
-           QStringLiteral("Preseason TARN Preparation, 2005 Edition, Version 1") +
-           platform::kNewLine + platform::kNewLine + ProgramTexts::kNoticeOfRights;
+           Texts::tr("Preseason TARN Preparation, 2005 Edition, Version 1") + platform::kNewLine +
+           platform::kNewLine + ProgramTexts::NoticeOfRights();
 }
 
 }  // namespace

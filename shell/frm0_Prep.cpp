@@ -138,9 +138,9 @@ void frm0_Prep::MDIForm_Resize() {
 
 void frm0_Prep::SetTitleBar(const QString& fileName) {
     u91Trace::Procedure(QStringLiteral("frm0_Prep.SetTitleBar"));
-    QString title = QStringLiteral("TARN Prep:  [") + fileName + QStringLiteral("]  ") +
-                    PrepProperties::GetPropertyWithDefault(QStringLiteral("UnitName"),
-                                                           QStringLiteral("No Name"));
+    QString title =
+        QStringLiteral("TARN Prep:  [") + fileName + QStringLiteral("]  ") +
+        PrepProperties::GetPropertyWithDefault(QStringLiteral("UnitName"), tr("No Name"));
     // In a window's title this stands for the mark of unsaved changes, doubled for itself.
     const QString placeholder = QStringLiteral("[*]");
     setWindowTitle(title.replace(placeholder, placeholder + placeholder));

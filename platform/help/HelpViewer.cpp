@@ -1,6 +1,7 @@
 #include "platform/help/HelpViewer.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QPluginLoader>
@@ -15,6 +16,11 @@
 
 namespace platform {
 namespace {
+
+// What a person reads, in the language of the screen.
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(HelpViewer)
+};
 
 constexpr int kLeastBeside = 480;  // pixels of width in which a topic can be read
 constexpr int kLeastHeight = 400;
@@ -31,11 +37,11 @@ HelpLibrary* Library() {
 
 // Tells the user why there is no help; nothing else depends on it.
 void TellFailure() {
-    QString reason = QStringLiteral("The help file cannot be read.");
+    QString reason = Texts::tr("The help file cannot be read.");
     if (!QFileInfo::exists(helpFile)) {
-        reason = QStringLiteral("The help file cannot be found.");
+        reason = Texts::tr("The help file cannot be found.");
     } else if (Library() == nullptr) {
-        reason = QStringLiteral("The library for the help window cannot be loaded.");
+        reason = Texts::tr("The library for the help window cannot be loaded.");
     }
     MsgOptions options;
     options.icon = MsgIcon::kExclamation;

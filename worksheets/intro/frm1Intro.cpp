@@ -21,9 +21,12 @@ constexpr double kDesignWidth = 800;
 constexpr double kDesignHeight = 540;
 constexpr double kLargestScale = 1.7;
 
-const QString kTitle = QStringLiteral("Instructions for creating a TARN Prep file");
+constexpr const char* kTitle =
+    QT_TRANSLATE_NOOP("frm1Intro", "Instructions for creating a TARN Prep file");
 
-const QString kDescription = QStringLiteral(
+constexpr const char* kDescription = QT_TRANSLATE_NOOP(
+    "frm1Intro",
+
     "The TARN Prep process involves collecting information in a single file so that it is easily "
     "accessible when needed for a Tactical Assessment of Response Needs (TARN).  "
     "|CR||BEFORE:180|Worksheet 1: Introduction.  This page."
@@ -83,10 +86,11 @@ void frm1Intro::Setup() {
     u91Trace::Procedure(QStringLiteral("frm1Intro.Setup"));
     BecomeCurrent();
     auto* lblTitle = findChild<QLabel*>(QStringLiteral("lblTitle"));
-    lblTitle->setText(kTitle);
-    lblTitle->setProperty("Caption", kTitle);
-    lblTitle->setAccessibleName(kTitle);
-    flbDescription_->SetCaption(kDescription);
+    const QString title = tr(kTitle);
+    lblTitle->setText(title);
+    lblTitle->setProperty("Caption", title);
+    lblTitle->setAccessibleName(title);
+    flbDescription_->SetCaption(tr(kDescription));
 }
 
 void frm1Intro::resizeEvent(QResizeEvent* event) {

@@ -154,7 +154,7 @@ void frm5NVCTable::SetupGrid() {
     grdNVC_->SetColWidth(0, 2640);
     grdNVC_->SetColAccessibleName(0, tr("Resource"));
     for (int level = 1; level <= kFilLevels; ++level) {
-        grdNVC_->SetTextMatrix(0, level, QStringLiteral("FIL %1").arg(level));
+        grdNVC_->SetTextMatrix(0, level, tr("FIL %1").arg(level));
         grdNVC_->SetColWidth(level, 1020);
         grdNVC_->SetColAlignment(level, Qt::AlignRight | Qt::AlignVCenter);
         grdNVC_->SetFixedAlignment(level, Qt::AlignCenter);

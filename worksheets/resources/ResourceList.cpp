@@ -18,9 +18,9 @@ namespace {
 constexpr std::array<int, ResourceList::kColumns> kLengths{4, 50, 20, 10, 5, 0};
 constexpr int kMostRows = 9999;  // a place has four digits
 
-QString Translate(const char* text) {
-    return QCoreApplication::translate("ResourceList", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(ResourceList)
+};
 
 }  // namespace
 
@@ -102,7 +102,7 @@ GridTable::Answer ResourceList::OfferNumber(int row, const QString& typed) {
     const std::optional<int> place = RowOrder::Place(typed, RowCount());
     if (!place) {
         return {Answer::Kind::kRefused,
-                Translate("\"%1\" is no number; the resource keeps its place.").arg(typed)};
+                Texts::tr("\"%1\" is no number; the resource keeps its place.").arg(typed)};
     }
     moves_.emplace_back(At(row).key, *place);
     const QString text = QString::number(*place);
@@ -113,7 +113,7 @@ GridTable::Answer ResourceList::OfferCost(Resource& resource, const QString& typ
     try {
         resource.cost = platform::ToSingle(platform::Val(typed));
     } catch (const platform::RuntimeError&) {
-        return {Answer::Kind::kRefused, Translate("The number \"%1\" is too large.").arg(typed)};
+        return {Answer::Kind::kRefused, Texts::tr("The number \"%1\" is too large.").arg(typed)};
     }
     unsaved_.insert(resource.key);
     const QString stored = platform::Str(*resource.cost);

@@ -10,12 +10,12 @@ namespace {
 
 constexpr int kMostZones = 10;  // that are named
 
-QString Translate(const char* text) {
-    return QCoreApplication::translate("ImportNote", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(ImportNote)
+};
 
-QString Number(int count, const char* one, const char* many) {
-    return count == 1 ? Translate(one) : Translate(many).arg(count);
+QString Number(int count, const QString& one, const QString& many) {
+    return count == 1 ? one : many.arg(count);
 }
 
 // "A1-North 2, 3" for each zone.
@@ -39,19 +39,22 @@ QString Blanks(const std::vector<mImport::Imported::Blank>& blanks) {
     const auto left = static_cast<int>(std::max<qsizetype>(zones.size() - kMostZones, 0));
     zones = zones.mid(0, kMostZones);
     if (left > 0) {
-        zones += Number(left, "1 more zone", "%1 more zones");
+        zones += Number(left, Texts::tr("1 more zone"), Texts::tr("%1 more zones"));
     }
-    return Number(static_cast<int>(blanks.size()),
-                  "1 location was filled with zeros, because the file has no table for it",
-                  "%1 locations were filled with zeros, because the file has no tables for them") +
+    return Number(
+               static_cast<int>(blanks.size()),
+               Texts::tr("1 location was filled with zeros, because the file has no table for it"),
+               Texts::tr("%1 locations were filled with zeros, because the file has no tables for "
+                         "them")) +
            QStringLiteral(": ") + zones.join(QStringLiteral("; ")) + QStringLiteral(".");
 }
 
 }  // namespace
 
 QString ImportNote::Text(const mImport::Imported& imported) {
-    const QString came = Translate("Imported: %1 with %2.")
-                             .arg(Number(imported.zones, "1 zone", "%1 zones"),
-                                  Number(imported.locations, "1 location", "%1 locations"));
+    const QString came =
+        Texts::tr("Imported: %1 with %2.")
+            .arg(Number(imported.zones, Texts::tr("1 zone"), Texts::tr("%1 zones")),
+                 Number(imported.locations, Texts::tr("1 location"), Texts::tr("%1 locations")));
     return imported.blanks.empty() ? came : came + QStringLiteral(" ") + Blanks(imported.blanks);
 }

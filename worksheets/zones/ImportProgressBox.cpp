@@ -11,6 +11,11 @@
 
 namespace {
 
+// What a person reads, in the language of the screen.
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(ImportProgressBox)
+};
+
 constexpr int kRepaintMilliseconds = 40;
 
 }  // namespace
@@ -22,12 +27,12 @@ public:
           label_(new QLabel(this)),
           bar_(new QProgressBar(this)) {
         setObjectName(QStringLiteral("frmImportProgress"));
-        setWindowTitle(QStringLiteral("Import from BRAM"));
+        setWindowTitle(Texts::tr("Import from BRAM"));
         setAccessibleName(windowTitle());
         setModal(true);
         label_->setObjectName(QStringLiteral("lblProgress"));
         bar_->setObjectName(QStringLiteral("barProgress"));
-        bar_->setAccessibleName(QStringLiteral("Zones copied"));
+        bar_->setAccessibleName(Texts::tr("Zones copied"));
         bar_->setMinimumWidth(320);
         bar_->setTextVisible(false);
         auto* column = new QVBoxLayout(this);
@@ -36,7 +41,7 @@ public:
     }
 
     void Show(int zone, int zones) {
-        label_->setText(QStringLiteral("Copying zone %1 of %2").arg(zone).arg(zones));
+        label_->setText(Texts::tr("Copying zone %1 of %2").arg(zone).arg(zones));
         bar_->setRange(0, zones);
         bar_->setValue(zone - 1);
         setAccessibleDescription(label_->text());

@@ -26,12 +26,12 @@ namespace ZoneRecords {
 
 namespace {
 
-QString Translate(const char* text) {
-    return QCoreApplication::translate("ZoneRecords", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(ZoneRecords)
+};
 
 QString NameOf(const QString& name, std::int32_t key) {
-    return name.isEmpty() ? Translate("The zone without a name (key %1)").arg(key) : name;
+    return name.isEmpty() ? Texts::tr("The zone without a name (key %1)").arg(key) : name;
 }
 
 void WarnSmaller(const QString& name) {
@@ -87,7 +87,7 @@ bool HasCostRows(std::int32_t zoneKey) {
 [[noreturn]] void RefuseFor(const QString& name, const QString& other) {
     throw platform::RuntimeError(
         platform::kDuplicateKey,
-        Translate("%1 has no room for so many representative locations: their rows would lie among "
+        Texts::tr("%1 has no room for so many representative locations: their rows would lie among "
                   "those of %2. A zone has room for %3 when another one follows.")
             .arg(name, other)
             .arg(kStep - 1));
@@ -167,8 +167,8 @@ std::int32_t AddZoneWithFreeKeys(const QString& name, std::int32_t locations) {
         }
         if (tries == kMostTries) {
             const auto owner = OwnerOf(FMZRLKey(key, 1), key);
-            RefuseFor(Translate("A new zone"),
-                      owner ? NameOf(owner->name, owner->key) : Translate("a zone that is gone"));
+            RefuseFor(Texts::tr("A new zone"),
+                      owner ? NameOf(owner->name, owner->key) : Texts::tr("a zone that is gone"));
         }
         tblFMZList->Delete();
     }
@@ -257,8 +257,8 @@ void RequireSensible(const QString& name, std::int32_t locations) {
     if (locations > kMostLocations) {
         throw platform::RuntimeError(
             platform::kOverflow,
-            Translate("%1 cannot have %2 representative locations: a zone can have at most %3.")
-                .arg(name.isEmpty() ? Translate("A zone") : name)
+            Texts::tr("%1 cannot have %2 representative locations: a zone can have at most %3.")
+                .arg(name.isEmpty() ? Texts::tr("A zone") : name)
                 .arg(locations)
                 .arg(kMostLocations));
     }
