@@ -59,7 +59,11 @@ QString ProgramFolder() {
         return programFolder;
     }
     // Asked for with each line of the log.
-    static const QString own = QDir::toNativeSeparators(QCoreApplication::applicationDirPath());
+    static const QString own = [] {
+        const QString home = qEnvironmentVariable("TARNPREP_HOME");
+        return QDir::toNativeSeparators(home.isEmpty() ? QCoreApplication::applicationDirPath()
+                                                       : QDir(home).absolutePath());
+    }();
     return own;
 }
 

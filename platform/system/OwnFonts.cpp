@@ -1,6 +1,7 @@
 #include "platform/system/OwnFonts.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFontDatabase>
 #include <QFontMetrics>
@@ -14,7 +15,7 @@ void BringFontsWhereThereAreNone() {
     if (QFontMetrics(QApplication::font()).inFont(u'A')) {
         return;
     }
-    const QDir folder(JoinPath(ProgramFolder(), QStringLiteral("fonts")));
+    const QDir folder(JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("fonts")));
     QStringList families;
     for (const QString& file : folder.entryList({QStringLiteral("*.ttf")}, QDir::Files)) {
         const int id = QFontDatabase::addApplicationFont(folder.filePath(file));

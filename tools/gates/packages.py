@@ -20,6 +20,7 @@ PORTABLE_FILES = PROGRAM_FILES + [
     "lib/libQt6Help.so.6", "lib/libxcb-icccm.so.4", "lib/libxkbcommon-x11.so.0",
     "lib/libfontconfig.so.1", "lib/libxlsxwriter.so.4", "lib/libQCustomPlotQt6.so.2.1", "LICENSE.charts", "plugins/platforms/libqxcb.so", "plugins/sqldrivers/libqsqlite.so",
     "plugins/printsupport/libcupsprintersupport.so", "fonts/DejaVuSans.ttf"]
+BROUGHT = ["FCD.new", "fcdname.dat", "TARNPlus.hlp"]  # into each user's folder
 DEB_FILES = ["usr/bin/tarnprep", "usr/bin/jetdoctor", "usr/bin/fcdtool", "usr/lib/tarnprep/FCD.new",
              "usr/share/applications/tarnprep.desktop", "usr/share/mime/packages/tarnprep.xml",
              "usr/share/man/man1/tarnprep.1.gz",
@@ -110,7 +111,7 @@ class Launcher:
         self.pattern = folder / "pattern"
         (self.pattern / "Costs").mkdir(parents=True)
         (self.pattern / "Costs/Sample.fcd").write_text("sample")
-        for name in ["libtarnhelp.so", "libtarnplots.so", "tarnreview", "fcdtool", "FCD.new", "fcdname.dat", "TARNPlus.hlp"]:
+        for name in ["libtarnhelp.so", "tarnreview", "fcdtool", *BROUGHT]:
             (self.pattern / name).write_text(name)
         (self.pattern / "tarnreview").write_text('#!/bin/sh\necho "review|$*"\n')
         (self.pattern / "tarnreview").chmod(0o755)
@@ -122,9 +123,11 @@ class Launcher:
 
     def release(self, version):
         program = self.pattern / "tarnprep"
-        program.write_text(f'#!/bin/sh\necho "{version}|$*"\n')
+        program.write_text(f'#!/bin/sh\necho "{version}|$*|$TARNPREP_HOME"\n')
         program.chmod(0o755)
         (self.pattern / "VERSION").write_text(version)
+        for name in BROUGHT:
+            (self.pattern / name).write_text(f"{name} of {version}")
 
     def start(self, *arguments, **environment):
         # Without the desktop's tools, whose message windows would wait for somebody.
@@ -132,19 +135,39 @@ class Launcher:
         return run("sh", self.script, *arguments, **{**here, **environment})
 
 
+def after_earlier_release(started, program):
+    """A folder from the time when the program ran in it and no account was kept."""
+    (program / ".installed").unlink(missing_ok=True)
+    for name in ["tarnprep", "libtarnhelp.so", "fcdname.dat"]:
+        (program / name).write_text("earlier")
+        (program / name).chmod(0o755 if name != "fcdname.dat" else 0o644)
+    started.start()
+    require(not (program / "tarnprep").exists(), "launcher: the earlier program is taken away")
+    require((program / "fcdname.dat.old").read_text() == "earlier",
+            "launcher: a file of unknown origin is kept beside the new one")
+
+
 def launcher(folder):
     started = Launcher(folder)
     program = started.home / "TARNPrep"
     first = started.start("My  unit.fcd")
-    require(first.stdout == "1|My  unit.fcd\n", f"launcher: first start: {first}")
+    require(first.stdout == f"1|My  unit.fcd|{program}\n", f"launcher: first start: {first}")
     require((program / "Costs/Sample.fcd").exists(), "launcher: the samples come along")
     (program / "Costs/Sample.fcd").unlink(missing_ok=True)
     (program / "Costs/Mine.fcd").write_text("mine")
+    (program / "FCD.new").write_text("with names of our own")
     started.release("2")
     second = started.start()
-    require(second.stdout == "2|\n", f"launcher: after an upgrade: {second}")
+    require(second.stdout == f"2||{program}\n", f"launcher: after an upgrade: {second}")
     require((program / "Costs/Mine.fcd").exists(), "launcher: an upgrade keeps the user's files")
     require(not (program / "Costs/Sample.fcd").exists(), "launcher: deleted samples stay deleted")
+    require((program / "FCD.new").read_text() == "with names of our own",
+            "launcher: an upgrade keeps a file that the user has changed")
+    require((program / "fcdname.dat").read_text() == "fcdname.dat of 2",
+            "launcher: an upgrade brings what the user has not changed")
+    after_earlier_release(started, program)
+    runnable = [path for path in program.rglob("*") if path.is_file() and os.access(path, os.X_OK)]
+    require(not runnable, f"launcher: executables in the user's folder: {runnable}")
     review = started.script.with_name("tarnreview")
     review.symlink_to(started.script)
     started.script = review
