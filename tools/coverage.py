@@ -37,9 +37,7 @@ def measured(name):
 
 
 def build():
-    command = [ROOT / "tools/build.sh", BUILD, "all", "-DCMAKE_BUILD_TYPE=Debug",
-               "-DCMAKE_CXX_COMPILER=clang++", "-DTARN_GATES=OFF",
-               "-DCMAKE_CXX_FLAGS_DEBUG=-O1 -fprofile-instr-generate -fcoverage-mapping"]
+    command = [ROOT / "tools/build.sh", BUILD, "all", "--preset=coverage"]
     if subprocess.run(command, check=False).returncode:
         sys.exit(1)  # it has said why
 

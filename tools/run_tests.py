@@ -54,7 +54,7 @@ class Summary:
         return True
 
 
-def build(folder, *options):
+def build(folder, "--preset=sanitize"):
     command = [str(ROOT / "tools/build.sh"), str(ROOT / folder), "all", *options]
     return subprocess.run(command, check=False).returncode == 0
 
@@ -97,10 +97,8 @@ def optimised(summary, only):
 def sanitized(summary, only):
     print("== clang, address and undefined-behaviour sanitizers", flush=True)
     folder = "build-sanitize"
-    options = ["-DCMAKE_CXX_COMPILER=clang++", "-DTARN_SANITIZE=ON", "-DTARN_GATES=OFF",
-               "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1"]
     # Everything is compiled, so that clang's warnings count for every file.
-    if not build(folder, *options):
+    if not build(folder, "--preset=sanitize"):
         summary.add_failure("clang: build")
         return
     run_tests(folder, "sanitizers: ", summary, only,

@@ -4,9 +4,6 @@ import re
 
 import tree
 
-SHELL_BASE = {"u91Trace", "UIMode", "u13Folders", "u92Utilities"}
-# Faces that include nothing themselves, through which a lower layer calls an upper one.
-FACES = {"worksheets/Worksheet.h", "datafile/DatafileHost.h"}
 # Stacks on the engine: entering a season, what is said of it afterwards with its charts and its
 # window, and SQL.
 ORDERS = [["jet", "platform", "base", "datafile", "import", "worksheets", "shell"],
@@ -24,10 +21,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
 def layer(path):
-    parts = path.split("/")
-    if parts[0] == "shell" and parts[-1].split(".")[0] in SHELL_BASE:
-        return "base"
-    return parts[0]
+    return path.split("/")[0]
 
 
 def target(path, quote, included):
@@ -96,4 +90,5 @@ def main():
     tree.finish(offenders, "a layer includes only those below it")
 
 
-main()
+if __name__ == "__main__":
+    main()
