@@ -99,7 +99,8 @@ class Mistake:
         return f"{name}:{self.number + 1}: {self.kind}: {self.line.strip()} | {self.shown.strip()}"
 
     def key(self):
-        return str(self).split(": ", 1)[1]
+        """What names it whatever lines were added before it."""
+        return re.sub(r":\d+: ", ": ", str(self), count=1)
 
 
 def in_text(line, at):
@@ -316,7 +317,8 @@ def choice(arguments):
     found = list(all_mistakes(arguments.folders))
     if arguments.again:
         text = Path(arguments.again).read_text(encoding="utf-8")
-        wanted = {line.split(": ", 2)[2] for line in text.split("\n") if line.startswith("UNNOTICED")}
+        wanted = {re.sub(r":\d+: ", ": ", line.removeprefix("UNNOTICED: "), count=1)
+                  for line in text.split("\n") if line.startswith("UNNOTICED: ")}
         return [mistake for mistake in found if mistake.key() in wanted]
     random.Random(arguments.seed).shuffle(found)
     turns = [[each for each in found if each.folder == folder] for folder in arguments.folders]
