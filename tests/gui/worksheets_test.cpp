@@ -319,6 +319,19 @@ TEST_F(Worksheets, StepKeys_TowardsAWorksheetThatNeedsAZone_AreRefused) {
     EXPECT_EQ(ShownForm(), QStringLiteral("frm4FMZs"));
 }
 
+TEST_F(Worksheets, LargerLetters_MakeTheStripHigherAndTheWorksheetLower) {
+    RunWithFile();
+    const QWidget& strip = Get(QStringLiteral("frmTabs"));
+    const int before = strip.height();
+    QFont larger = frame_->font();
+    larger.setPointSize(20);
+    frame_->setFont(larger);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return strip.height() > before; }));
+    EXPECT_EQ(strip.height(), frmTabs::HeightFor(larger));
+    EXPECT_EQ(strip.geometry().bottom() + 1, frame_->ClientSize().height());
+    EXPECT_EQ(a3PrepForms::CurrentForm()->geometry().bottom() + 1, strip.y());
+}
+
 TEST_F(Worksheets, Strip_SaysWhereTheOpenFileLies) {
     RunWithFile();
     auto& file = Get<QLabel>(QStringLiteral("lblFile"));

@@ -8,6 +8,7 @@
 
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepProperties.h"
+#include "platform/RuntimeError.h"
 #include "worksheet_fixture.h"
 #include "worksheets/resources/ResourceRecords.h"
 #include "worksheets/resources/SRDataSource.h"
@@ -288,6 +289,15 @@ TEST_F(ResourcesTest, DeletingARowThatIsGone_OnlyWarns) {
     ClickButton("cmdDelete");
     EXPECT_EQ(Grid("grdMasterList").Rows(), 3);
     EXPECT_TRUE(folder_.Trace().contains(QStringLiteral("  Warning! tblSRMasterList.NoMatch 1")));
+}
+
+TEST_F(ResourcesTest, SaveThatFailsAtUnload_IsPassedOnBehindItsEntry) {
+    AddResources(2);
+    Load<frm3SRMaster>();
+    Enter(Grid("grdMasterList"), 1, 1, QStringLiteral("Dozer"));
+    PrepDatatables::tblSRMasterList.Close();
+    EXPECT_THROW(form_->Unload(), platform::RuntimeError);
+    EXPECT_EQ(folder_.Trace().last(), QStringLiteral("   Unloaded frm3SRMaster"));
 }
 
 TEST_F(ResourcesTest, SourceOfData_IsWrittenOnceAndOnlyWhenChanged) {

@@ -2,6 +2,7 @@
 #include <QLabel>
 
 #include "datafile/FieldReaders.h"
+#include "platform/RuntimeError.h"
 #include "worksheet_fixture.h"
 #include "worksheets/zones/ZoneRecords.h"
 #include "worksheets/zones/frm4FMZs.h"
@@ -164,6 +165,15 @@ TEST_F(ZonesTest, SavedTwice_ChangesNothingMore) {
     Leave();
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), rows);
     EXPECT_EQ(Warnings(), 0);
+}
+
+TEST_F(ZonesTest, SaveThatFailsAtUnload_IsPassedOnBehindItsEntry) {
+    Load<frm4FMZs>();
+    ClickButton("cmdAdd");
+    Type(QStringLiteral("North"));
+    PrepDatatables::tblFMZList.Close();
+    EXPECT_THROW(form_->Unload(), platform::RuntimeError);
+    EXPECT_EQ(folder_.Trace().last(), QStringLiteral("   Unloaded frm4FMZs"));
 }
 
 TEST_F(ZonesTest, HugeCount_IsRefusedWhenItIsTyped) {
