@@ -71,7 +71,7 @@ def exported():
     run = subprocess.run(["llvm-cov", "export", programs[0], *objects, "-instr-profile", total],
                          check=True, capture_output=True)
     for file in json.loads(run.stdout)["data"][0]["files"]:
-        path = Path(os.path.normpath(BUILD / file["filename"]))
+        path = (BUILD / file["filename"]).resolve()
         if path.is_file() and path.is_relative_to(ROOT) and measured(str(path.relative_to(ROOT))):
             yield path, file
 

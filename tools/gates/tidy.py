@@ -26,7 +26,7 @@ def headers_of(build):
             current = line.split(":")[0]
             found[current] = []
         elif line.strip():
-            path = Path(os.path.normpath(build / line.strip()))
+            path = (build / line.strip()).resolve()  # the roots are links
             if path.is_relative_to(tree.ROOT) and not path.is_relative_to(build):
                 found[current].append(path)
     return found
