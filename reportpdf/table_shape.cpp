@@ -253,9 +253,10 @@ void TableShape::DrawShades(Sheet& sheet, double left, double top, const Piece* 
 }
 
 void TableShape::DrawLegend(Sheet& sheet, double left, double top) const {
-    constexpr double kBox = 10;
+    // As wide as small paper has room for.
+    const double box = std::min(10.0, pageWidth_ * 0.02);
     constexpr Style kSmall{Face::kPlain, 7};
-    const double base = top + 4 + kBox / 2 + BaseBelowMiddle(kSmall);
+    const double base = top + 4 + box / 2 + BaseBelowMiddle(kSmall);
     double x = left;
     const auto write = [&](const QString& words) {
         sheet.Text(x, base, words, kSmall);
@@ -264,8 +265,8 @@ void TableShape::DrawLegend(Sheet& sheet, double left, double top) const {
     const auto scale = [&](bool isLoss) {
         for (int i = 1; i <= review::kDarkestShade; ++i) {
             const int shade = isLoss ? review::kDarkestShade + 1 - i : i;
-            sheet.Boxes({{x, top + 4, kBox, kBox}}, ShadeColour(shade, isLoss));
-            x += kBox;
+            sheet.Boxes({{x, top + 4, box, box}}, ShadeColour(shade, isLoss));
+            x += box;
         }
         x += 4;
     };
@@ -275,7 +276,7 @@ void TableShape::DrawLegend(Sheet& sheet, double left, double top) const {
     write(QStringLiteral("0"));
     const double begin = x;
     scale(false);
-    sheet.DashedBoxes({{begin + 1, top + 5, x - begin - 6, kBox - 2}}, QColor(0x1a, 0x3a, 0x7a));
+    sheet.DashedBoxes({{begin + 1, top + 5, x - begin - 6, box - 2}}, QColor(0x1a, 0x3a, 0x7a));
     write(CleanLine(review::ShortFigure(map_->largest)));
     const QString note = QStringLiteral("  gains have a dashed border; a digit more is a shade more");
     write(Elided(note, kSmall, left + std::max(width_, pageWidth_) - x));

@@ -41,12 +41,13 @@ TEST(Help, OfEachCommand_AgreesWithManualAndCompletion) {
     const std::string manual = Contents("man/fcdtool.1");
     const std::string completion = Contents("completion/fcdtool");
     const std::set<std::string> commands = Matches(Help(""), R"((?:^|\n)  ([a-z]+) )");
-    EXPECT_THAT(commands, testing::ElementsAre("check", "diff", "export", "newyear", "report"));
+    EXPECT_THAT(commands,
+                testing::ElementsAre("check", "diff", "export", "newyear", "report", "rollup"));
     for (const std::string& command : commands) {
         const std::string help = Help(command);
         EXPECT_THAT(help, testing::StartsWith("usage: fcdtool " + command + " "));
         EXPECT_THAT(manual, HasSubstr(".B fcdtool " + command + "\n"));
-        const std::set<std::string> options = Matches(help, R"((--[a-z-]+))");
+        const std::set<std::string> options = Matches(help, R"(\n  (--[a-z-]+))");
         EXPECT_FALSE(options.empty());
         for (const std::string& option : options) {
             EXPECT_THAT(manual, HasSubstr(option)) << command;
