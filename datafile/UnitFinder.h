@@ -46,7 +46,7 @@ public:
     [[nodiscard]] Answer FindUnit(const QString& id);
     [[nodiscard]] Answer FindUnitInState(const QString& id, const QString& state);
     // At most kListRows units in the order of their ids or names. The list starts three entries
-    // before the first one that is equal or greater, so that its neighbours are seen too.
+    // before the first one that is equal or greater, so that its neighbors are seen too.
     [[nodiscard]] Listing ListByID(const QString& text);
     [[nodiscard]] Listing ListByName(const QString& text);
 

@@ -271,7 +271,7 @@ void frmFCDName::reject() {
     QDialog::reject();
 }
 
-// The unit that was looked for is the current one, whose neighbours stand around it.
+// The unit that was looked for is the current one, whose neighbors stand around it.
 void frmFCDName::ShowUnits(const UnitFinder::Listing& listing) {
     grdUnits_->SetRows(1);
     grdUnits_->SetTextMatrix(0, kNameColumn, tr("Unit Name"));

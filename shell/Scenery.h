@@ -1,4 +1,4 @@
-// The picture of the program: hills in the evening, in the colours of the user's palette.
+// The picture of the program: hills in the evening, in the colors of the user's palette.
 #pragma once
 
 #include <QIcon>
@@ -9,7 +9,7 @@ class QRectF;
 
 namespace Scenery {
 
-// Fills `area`; the nearest hills have the colour of a window, so that the picture ends in it.
+// Fills `area`; the nearest hills have the color of a window, so that the picture ends in it.
 void Paint(QPainter& painter, const QRectF& area, const QPalette& palette);
 // The same in a small square.
 QIcon Icon(const QPalette& palette);

@@ -9,7 +9,7 @@ class frm0_Prep;
 namespace a1Prep {
 
 // What the frame begins with on a screen of this height in twips: its size stays (and the user is
-// warned), it is maximised, or it has its working size at the top left corner. Both limits count
+// warned), it is maximized, or it has its working size at the top left corner. Both limits count
 // to the lower side.
 enum class FirstSize { kAsItIs, kMaximised, kWorkingSize };
 [[nodiscard]] FirstSize FirstSizeFor(int screenHeight);

@@ -38,7 +38,7 @@ void MomentLabel::ShowForAMoment() {
     QAccessible::updateAccessibility(&alert);
 }
 
-// Colours of the tool tips: made to be seen at once and legible in every scheme.
+// Colors of the tool tips: made to be seen at once and legible in every scheme.
 void MomentLabel::Mark(bool marked) {
     setVisible(marked);
     QPalette palette;

@@ -43,8 +43,8 @@ QString FiguresForRoom(const QStyleOptionViewItem& cell) {
 
 FlexGridDelegate::FlexGridDelegate(QObject* parent) : QStyledItemDelegate(parent) {}
 
-// The current cell is framed in the text's colour, which is plain to see on any palette and without
-// colours; where the keyboard is elsewhere and it is all that is selected, the frame is all that
+// The current cell is framed in the text's color, which is plain to see on any palette and without
+// colors; where the keyboard is elsewhere and it is all that is selected, the frame is all that
 // shows.
 void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              const QModelIndex& index) const {

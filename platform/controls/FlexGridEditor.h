@@ -31,8 +31,8 @@ public:
     [[nodiscard]] bool HasCaret() const { return caret_; }
     // The width with which the whole text shows; pixels.
     [[nodiscard]] int RoomForText() const;
-    // Lies over `cell`, and over its neighbours as far as `room` when the text needs it. The mouse
-    // in that part is the grid's: a click there is meant for the neighbour.
+    // Lies over `cell`, and over its neighbors as far as `room` when the text needs it. The mouse
+    // in that part is the grid's: a click there is meant for the neighbor.
     void LieOver(const QRect& cell, const QRect& room);
     // What is said about the text that is being typed; empty when all is well.
     void SetNote(const QString& note);

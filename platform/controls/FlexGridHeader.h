@@ -1,4 +1,4 @@
-// The fixed rows of a grid, drawn above its columns; equal neighbouring texts may share one cell.
+// The fixed rows of a grid, drawn above its columns; equal neighboring texts may share one cell.
 #pragma once
 
 #include <QHeaderView>

@@ -44,7 +44,7 @@ QColor MarkGround(const QPalette& palette) {
     return dark ? QColor(74, 54, 0) : QColor(255, 236, 179);
 }
 
-// The frame has the text's colour, which stands out from the ground whatever the palette.
+// The frame has the text's color, which stands out from the ground whatever the palette.
 void DrawMark(QPainter& painter, const QRect& rect, const QPalette& palette, bool selected) {
     const QColor color = palette.color(selected ? QPalette::HighlightedText : QPalette::Text);
     const QRect frame = rect.adjusted(1, 1, -2, -2);
@@ -60,8 +60,8 @@ void DrawMark(QPainter& painter, const QRect& rect, const QPalette& palette, boo
     painter.restore();
 }
 
-// The thin line within has the ground's colour, so that the frame stands out from a selected cell
-// too, whatever colour that has.
+// The thin line within has the ground's color, so that the frame stands out from a selected cell
+// too, whatever color that has.
 void DrawCurrent(QPainter& painter, const QRect& rect, const QPalette& palette, bool keyboard) {
     const int thick = keyboard ? kThick : 1;
     const QRect outer = rect.adjusted(0, 0, -1, -1);

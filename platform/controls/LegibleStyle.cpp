@@ -23,7 +23,7 @@ double Luminance(const QColor& color) {
            0.0722 * part(color.blueF());
 }
 
-// From 1, for the same colour, to 21, for black on white.
+// From 1, for the same color, to 21, for black on white.
 double Contrast(const QColor& one, const QColor& other) {
     const auto [darker, lighter] = std::minmax({Luminance(one), Luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
@@ -62,7 +62,7 @@ public:
     Outline& operator=(const Outline&) = delete;
 
     void Box(const QRect& rect) { painter_.drawRect(rect.adjusted(0, 0, -1, -1)); }
-    // Thick and in the colour of the text, so that it is told without colours too.
+    // Thick and in the color of the text, so that it is told without colors too.
     void Thick(const QRect& rect, const QColor& color) {
         painter_.setPen(QPen(color, kThick, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
         painter_.drawRect(rect.adjusted(kThick / 2, kThick / 2, -kThick / 2 - 1, -kThick / 2 - 1));
@@ -104,7 +104,7 @@ void FrameKeyboard(QPainter& painter, const QStyleOption& option) {
     painter.restore();
 }
 
-// A line along the outer edge of the current tab, in the colour of all that is current.
+// A line along the outer edge of the current tab, in the color of all that is current.
 void MarkCurrentTab(QPainter& painter, const QStyleOption& option) {
     constexpr int kThickness = 3;
     const auto* tab = qstyleoption_cast<const QStyleOptionTab*>(&option);
@@ -124,7 +124,7 @@ void LegibleStyle::polish(QPalette& palette) {
     MakeDisabledReadable(palette, QPalette::WindowText, QPalette::Window);
     MakeDisabledReadable(palette, QPalette::Text, QPalette::Base);
     MakeDisabledReadable(palette, QPalette::ButtonText, QPalette::Button);
-    // Palettes made from a few colours keep a blue of links that is too dark on a dark ground.
+    // Palettes made from a few colors keep a blue of links that is too dark on a dark ground.
     const QColor page = palette.color(QPalette::Base);
     const bool dark = page.lightness() < 128;
     if (dark && Contrast(palette.color(QPalette::Link), page) < 2 * kLeastContrast) {

@@ -1,7 +1,7 @@
 // The style of the machine's desktop, made legible under palettes that leave it too little
-// contrast: where boxes have the colour of what they lie on (high contrast themes), they and the
+// contrast: where boxes have the color of what they lie on (high contrast themes), they and the
 // buttons get an outline, the button that Enter presses a thick one; disabled texts and links get a
-// colour that can be read. The current tab is marked in the colour of all that is current, and a
+// color that can be read. The current tab is marked in the color of all that is current, and a
 // list or a box of several lines shows by its frame that it has the keyboard. The list of a combo
 // box opens as a list with a scroll bar, never like a menu over the whole screen.
 #pragma once

@@ -121,7 +121,7 @@ public:
     void SetColDataType(int col, DataType type);
     // What assistive technology calls a column that has no heading.
     void SetColAccessibleName(int col, const QString& name);
-    // Equal neighbouring texts of the fixed rows are drawn as one cell.
+    // Equal neighboring texts of the fixed rows are drawn as one cell.
     void SetMergeFixed(bool merge);
 
     // Rows.

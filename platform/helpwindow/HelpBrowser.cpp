@@ -47,7 +47,7 @@ void HelpBrowser::changeEvent(QEvent* event) {
     }
 }
 
-// Palettes made from a few colours keep the blue of links, which is too dark on a dark ground.
+// Palettes made from a few colors keep the blue of links, which is too dark on a dark ground.
 void HelpBrowser::MakeLinksReadable() {
     QPalette colours = palette();
     const bool dark = colours.color(QPalette::Base).lightness() < 128;

@@ -60,7 +60,7 @@ bool IsPlainNumber(const QString& text);
 // resource, and a cost that is pasted into the dialog that adds one.
 double CDbl(const QString& text);
 float CSng(const QString& text);
-// The nearest whole number, halves to the even neighbour; kOverflow outside 32 bits.
+// The nearest whole number, halves to the even neighbor; kOverflow outside 32 bits.
 std::int32_t CLng(double value);
 // A double as the nearest single; kOverflow beyond the singles' range.
 float ToSingle(double value);

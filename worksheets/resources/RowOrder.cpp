@@ -8,7 +8,7 @@
 
 namespace {
 
-// The default rounding mode takes halves to the even neighbour.
+// The default rounding mode takes halves to the even neighbor.
 int Held(double place, int last) {
     return int(std::clamp(std::nearbyint(place), 1.0, double(std::max(last, 1))));
 }
