@@ -22,9 +22,10 @@ HARD_TESTS = [
     ("jet_tests", "Damage.*:Process.Killed*"),
     ("import_tests", "ImportCrash.*"),
     ("gui_tests", "*FailingDisk.*"),
+    ("worksheets_tests", "ListsWalk.*"),
 ]
 MANY_TRIES = {"TARN_DAMAGE": "3000", "TARN_KILLS": "100", "TARN_CUTS": "0",
-              "QT_QPA_PLATFORM": "offscreen"}
+              "TARN_STEPS": "5000", "QT_QPA_PLATFORM": "offscreen"}
 JOBS = os.environ.get("TARN_JOBS", str(os.cpu_count() or 2))
 
 
