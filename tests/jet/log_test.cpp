@@ -105,7 +105,7 @@ TEST_P(LogContents, AnyContradiction_PutsTheLogAside) {
         return [=](Contents& log) { WriteU32(log, at, value); };
     };
     const std::vector<Mutation> contradictions = {
-        set32(kKindAt, 4),             // a kind that there is not
+        set32(kKindAt, 9),             // a kind that there is not
         set32(kPagesAt, kPages - 1),   // a file that shrinks
         set32(kPagesAt, 0xFFFFFFFF),   // a file larger than the format allows
         set32(kEntryAt, kPages),       // a page that the file has not

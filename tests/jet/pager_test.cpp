@@ -65,6 +65,43 @@ TEST_P(PagerTest, Operation_WithoutCommit_PutsEverythingBack) {
     EXPECT_EQ(operation.Allocate().value, 6U);
 }
 
+TEST_P(PagerTest, ChangesOfParts_WithinATransaction_ArePutBackInAnyOrder) {
+    const auto fill = [](Bytes page) { return std::vector<std::byte>(page.begin(), page.end()); };
+    for (const bool partFirst : {true, false}) {
+        auto pager = MakeFile();
+        pager->BeginTransaction();
+        {
+            Operation operation(*pager);
+            operation.Change(PageNumber{3})[100] = std::byte{7};
+            operation.Commit();
+        }
+        const auto before = fill(pager->Page(PageNumber{3}).Data());
+        const std::uint64_t count = pager->ChangeCount();
+        {
+            Operation operation(*pager);
+            operation.ChangePart(PageNumber{4}, 20, 2)[21] = std::byte{5};
+            if (!partFirst) operation.Change(PageNumber{3})[90] = std::byte{8};
+            operation.ChangePart(PageNumber{3}, 100, 1)[100] = std::byte{9};
+            operation.ChangePart(PageNumber{3}, 99, 3)[100] = std::byte{10};
+            if (partFirst) operation.Change(PageNumber{3})[90] = std::byte{8};
+            EXPECT_EQ(pager->Page(PageNumber{3}).Data()[100], std::byte{10});
+        }
+        EXPECT_EQ(fill(pager->Page(PageNumber{3}).Data()), before);
+        EXPECT_EQ(pager->Page(PageNumber{4}).Data()[21], std::byte{0});
+        EXPECT_NE(pager->ChangeCount(), count);
+        {
+            Operation operation(*pager);
+            operation.ChangePart(PageNumber{3}, 99, 1)[99] = std::byte{1};
+            operation.Commit();
+        }
+        EXPECT_EQ(pager->Page(PageNumber{3}).Data()[99], std::byte{1});
+        pager->RollbackTransaction();
+        EXPECT_EQ(pager->Page(PageNumber{3}).Data()[100], std::byte{0});
+        EXPECT_EQ(pager->Page(PageNumber{3}).Data()[99], std::byte{0});
+        pager->Abandon();
+    }
+}
+
 TEST_P(PagerTest, Commit_ThenClose_IsThereAfterReopening) {
     auto pager = MakeFile();
     {

@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::byte kNodePage{3};
 constexpr std::byte kLeafPage{4};
-constexpr std::size_t kFreeAt = 2;
 constexpr std::size_t kTableAt = 4;
 
 std::uint32_t ReadPrefix(Bytes page, const Format& format) {
@@ -148,7 +147,7 @@ std::uint8_t IndexPage::Level() const {
 }
 
 std::uint32_t IndexPage::FreeField() const {
-    return ReadU16(page_, kFreeAt);
+    return ReadU16(page_, kFreeFieldAt);
 }
 
 std::size_t IndexPage::NextBitFar(std::size_t from) const {
@@ -424,7 +423,7 @@ void IndexPageContent::Encode(MutableBytes page, const Format& format, PageNumbe
     }
     page[0] = IsLeaf() ? kLeafPage : kNodePage;
     page[1] = std::byte{1};
-    WriteU16(page, kFreeAt, static_cast<std::uint16_t>(format.entryCapacity - used));
+    WriteU16(page, kFreeFieldAt, static_cast<std::uint16_t>(format.entryCapacity - used));
     WriteU32(page, kTableAt, table.value);
     WriteU32(page, format.previousPageAt, previous.value);
     WriteU32(page, format.nextPageAt, next.value);

@@ -37,6 +37,7 @@
 
 namespace jet {
 
+inline constexpr std::size_t kFreeFieldAt = 2;  // where a page counts its free bytes
 inline constexpr std::size_t kRowPointerSize = 4;
 inline constexpr std::size_t kChildPointerSize = 4;
 // More levels than any file can need: nodes that go on below run in a circle.

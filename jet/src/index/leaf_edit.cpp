@@ -5,17 +5,17 @@
 #include <cstdint>
 #include <cstring>
 
+#include "index/index_page.h"
 #include "page/bytes.h"
 
 namespace jet {
 
 namespace {
 
-constexpr std::size_t kFreeAt = 2;
 constexpr std::size_t kWordBits = 64;
 
 void WriteFree(MutableBytes page, const Format& format, std::size_t used) {
-    WriteU16(page, kFreeAt, static_cast<std::uint16_t>(format.entryCapacity - used));
+    WriteU16(page, kFreeFieldAt, static_cast<std::uint16_t>(format.entryCapacity - used));
 }
 
 // The words of a page's bitmap from that of one bit to that of another, taken out so that bits can

@@ -54,6 +54,7 @@ private:
 
     // None below a node that has to be mended first.
     [[nodiscard]] std::optional<LeafWay> FindLeaf(Bytes entry) const;
+    MutableBytes ChangeEntries(PageNumber page, std::size_t from, std::size_t to);
     bool RepeatInstead(PageNumber number, std::size_t at, const Key& old, const Key& greatest);
     [[nodiscard]] IndexPageContent Load(PageNumber page) const;
     void Save(PageNumber page, const IndexPageContent& content);

@@ -73,8 +73,16 @@ std::optional<bool> TreeChange::InsertInPlace(Bytes key, RowId row, const IndexT
     }
     const std::optional<bool> known = IsNew(leaf, at, key);
     const bool isNew = known ? *known : !tree.HasKey(key);
-    InsertStored(operation_.Change(page.Number()), format_, leaf.End(), at, stored);
+    InsertStored(ChangeEntries(page.Number(), at, leaf.End() + stored.size()), format_, leaf.End(),
+                 at, stored);
     return isNew;
+}
+
+// The page, to change its entries from one byte to another, with their bits and the free bytes.
+MutableBytes TreeChange::ChangeEntries(PageNumber page, std::size_t from, std::size_t to) {
+    operation_.ChangePart(page, kFreeFieldAt, 2);
+    operation_.ChangePart(page, format_.entryBitmapAt + from / 8, to / 8 - from / 8 + 1);
+    return operation_.ChangePart(page, format_.entryAreaAt + from, to - from);
 }
 
 bool TreeChange::EraseInPlace(Bytes key, RowId row) {
@@ -92,7 +100,7 @@ bool TreeChange::EraseInPlace(Bytes key, RowId row) {
         leaf.Read(leaf.Before(at), greatest);
         if (!RepeatInstead(way->repeatedOn, way->repeatedAt, entry, greatest)) return false;
     }
-    EraseStored(operation_.Change(page.Number()), format_, leaf.End(), at, end);
+    EraseStored(ChangeEntries(page.Number(), at, leaf.End()), format_, leaf.End(), at, end);
     return true;
 }
 

@@ -9,7 +9,7 @@ namespace jet {
 
 namespace {
 
-// Pages that a transaction moves to the log at once.
+// Pages that are moved to the log at once.
 constexpr std::size_t kPagesOfPart = 128;
 
 }  // namespace
@@ -20,18 +20,21 @@ Changes::Changes(PageCache& pages, Journal& journal, const Format& format, std::
       format_(format),
       spillPages_(spillBytes / format.pageSize),
       changed_(format.pageSize),
-      savepoint_(format.pageSize) {}
+      savepoint_(format.pageSize),
+      lookPages_(std::max<std::size_t>(1, spillPages_ / 8)) {}
 
 void Changes::BeginTransaction() noexcept {
     inTransaction_ = true;
+    lastLook_ = 0;
     pagesBefore_ = pages_.PageCount();
 }
 
 void Changes::BeginOperation() {
-    if (!inTransaction_) {
+    if (inTransaction_) {
+        SpillWhenDue();
+    } else {
+        MoveWhenDue();
         pagesBefore_ = pages_.PageCount();
-    } else if (changed_.Size() >= keptAtSpill_ + spillPages_) {
-        Spill();
     }
     inOperation_ = true;
     pagesBeforeOperation_ = pages_.PageCount();
@@ -45,6 +48,13 @@ MutableBytes Changes::Change(PageNumber page) {
         frame.inTransaction = true;
         frame.changing = true;
     }
+    return pages_.BytesOf(frame);
+}
+
+MutableBytes Changes::ChangePart(PageNumber page, std::size_t from, std::size_t size) {
+    Frame& frame = pages_.Fetch(page);
+    if (!frame.inTransaction) return Change(page);
+    if (!frame.changing) savepointParts_.Add(frame, Slice(pages_.BytesOf(frame), from, size), from);
     return pages_.BytesOf(frame);
 }
 
@@ -96,15 +106,38 @@ void Changes::WriteToLog() {
     ++count_;
 }
 
-// Moves the pages of the open transaction to the log, from where they are read when they are needed
+// Moves pages of the open transaction to the log, from where they are read when they are needed
 // again. Those that were changed before, and are in neither file, stay: a rollback needs them.
-void Changes::Spill() {
-    std::vector<const UndoImage*> images;
-    images.reserve(changed_.Size());
-    for (const UndoImage& image : changed_.From(0)) {
-        if (!image.frame->dirty) images.push_back(&image);
+void Changes::SpillWhenDue() {
+    lastLook_ = std::min(lastLook_, changed_.Size());
+    if (changed_.Size() >= keptAtSpill_ + spillPages_) {
+        std::vector<const UndoImage*> images;
+        images.reserve(changed_.Size());
+        for (const UndoImage& image : changed_.From(0)) {
+            if (!image.frame->dirty) images.push_back(&image);
+        }
+        Spill(images);
+        keptAtSpill_ = changed_.Size();
+        pages_.Shrink();
+    } else if (changed_.Size() >= lastLook_ + lookPages_) {
+        Spill(ColdNewPages());
+        lastLook_ = changed_.Size();
     }
-    pages_.InLog().Reserve(pages_.PageCount(), images.size());
+}
+
+// Those of the transaction that have not been used since the last look.
+std::vector<const UndoImage*> Changes::ColdNewPages() {
+    std::vector<const UndoImage*> cold;
+    for (const UndoImage& image : changed_.From(0)) {
+        if (!image.fresh) continue;
+        if (!image.frame->recent) cold.push_back(&image);
+        image.frame->recent = false;
+    }
+    return cold;
+}
+
+void Changes::Spill(const std::vector<const UndoImage*>& images) {
+    pages_.ReserveMoves(images.size());
     try {
         for (std::size_t at = 0; at < images.size(); at += kPagesOfPart) {
             SpillPart(std::span(images).subspan(at, std::min(kPagesOfPart, images.size() - at)));
@@ -114,8 +147,6 @@ void Changes::Spill() {
         throw;
     }
     changed_.RemoveSettled();
-    keptAtSpill_ = changed_.Size();
-    pages_.Shrink();
 }
 
 void Changes::SpillPart(std::span<const UndoImage* const> images) {
@@ -124,9 +155,34 @@ void Changes::SpillPart(std::span<const UndoImage* const> images) {
     std::vector<std::uint64_t> places(images.size());
     journal_.AppendPart(differences_, pages_.PageCount(), places);
     for (std::size_t i = 0; i < images.size(); ++i) {
-        pages_.InLog().Enter(images[i]->frame->number, places[i]);
         images[i]->frame->inTransaction = false;
+        pages_.MoveToLog(*images[i]->frame, places[i]);
     }
+}
+
+// The same for pages that were committed.
+void Changes::MoveWhenDue() {
+    lastLook_ = std::min(lastLook_, pages_.DirtyCount());
+    if (pages_.DirtyCount() < lastLook_ + lookPages_) return;
+    const std::vector<Frame*> cold = pages_.ColdNewPages();
+    for (std::size_t at = 0; at < cold.size(); at += kPagesOfPart) {
+        MovePart(std::span(cold).subspan(at, std::min(kPagesOfPart, cold.size() - at)));
+    }
+    lastLook_ = pages_.DirtyCount();
+}
+
+void Changes::MovePart(std::span<Frame* const> frames) {
+    differences_.clear();
+    for (Frame* frame : frames) {
+        PageChange& moved = differences_.emplace_back();
+        moved.page = PageNumber{frame->number};
+        moved.after = pages_.BytesOf(*frame);
+    }
+    std::vector<std::uint64_t> places(frames.size());
+    pages_.ReserveMoves(frames.size());
+    journal_.AppendMoved(differences_, pages_.PageCount(), places);
+    for (std::size_t i = 0; i < frames.size(); ++i) pages_.MoveToLog(*frames[i], places[i]);
+    pages_.InLog().Keep();
 }
 
 void Changes::CommitOperation() {
@@ -140,7 +196,8 @@ void Changes::CommitOperation() {
 
 void Changes::RollbackOperation() noexcept {
     for (const UndoImage& image : savepoint_.From(0)) savepoint_.Restore(image);
-    if (savepoint_.Size() > 0) ++count_;
+    savepointParts_.Restore();
+    if (savepoint_.Size() > 0 || !savepointParts_.IsEmpty()) ++count_;
     UndoFrom(firstOfOperation_);
     pages_.SetPageCount(pagesBeforeOperation_);
     EndOperation();
@@ -190,6 +247,7 @@ void Changes::EndOperation() noexcept {
     for (const UndoImage& image : changed_.From(firstOfOperation_)) image.frame->changing = false;
     for (const UndoImage& image : savepoint_.From(0)) image.frame->changing = false;
     savepoint_.CutTo(0);
+    savepointParts_.Clear();
     inOperation_ = false;
     if (!inTransaction_) ForgetImages();
 }

@@ -3,7 +3,8 @@
 //
 // Outside a transaction an operation is one by itself. Inside one, it is a savepoint. Either hands
 // the differences to the journal, in one write; a transaction that has grown large moves pages to
-// the log before.
+// the log before. So does everybody with pages at the end of the file that have not been used for a
+// while: a table that is filled does not come back to them.
 #pragma once
 
 #include <cstddef>
@@ -33,6 +34,8 @@ public:
     void BeginOperation();
     // The page's bytes for writing; they stay valid until the operation ends.
     MutableBytes Change(PageNumber page);
+    // The same for who changes nothing but these bytes.
+    MutableBytes ChangePart(PageNumber page, std::size_t from, std::size_t size);
     // Lengthens the file by a page of zeros. kFileTooLarge.
     void Append();
     // Errors, outside a transaction: kDiskFull, kIo; the operation then goes on, to be undone.
@@ -51,8 +54,12 @@ private:
     [[nodiscard]] PageChange ChangeOf(const UndoImage& image) const;
     void CollectChanges();
     void WriteToLog();
-    void Spill();
+    void SpillWhenDue();
+    void Spill(const std::vector<const UndoImage*>& images);
     void SpillPart(std::span<const UndoImage* const> images);
+    [[nodiscard]] std::vector<const UndoImage*> ColdNewPages();
+    void MoveWhenDue();
+    void MovePart(std::span<Frame* const> frames);
     void UndoFrom(std::size_t first) noexcept;
     void EndOperation() noexcept;
     void ForgetImages() noexcept;
@@ -68,8 +75,11 @@ private:
     UndoImages changed_;                      // all pages since pagesBefore_ was noted
     std::size_t firstOfOperation_ = 0;        // those from here on, by the operation
     UndoImages savepoint_;  // pages that the operation changed after the transaction had done so
+    UndoParts savepointParts_;  // and parts of such pages, before they were in savepoint_
     std::vector<PageChange> differences_;
     std::size_t keptAtSpill_ = 0;  // pages that could not be moved to the log
+    std::size_t lookPages_;        // after so many more, pages that went cold are looked for
+    std::size_t lastLook_ = 0;
     std::uint64_t count_ = 0;
 };
 

@@ -14,6 +14,7 @@ void FrameCache::MakeRoomFor(std::uint32_t page) {
 Frame& FrameCache::Insert(std::uint32_t page, bool passing) {
     MakeRoomFor(page);
     Frame* frame = passing ? EvictPassing() : nullptr;
+    if (frame == nullptr) frame = EvictSpent();
     if (frame == nullptr && frames_.size() >= capacity_) frame = Evict();
     if (frame == nullptr) {
         auto made = std::make_unique<Frame>();
@@ -72,10 +73,32 @@ Frame* FrameCache::EvictPassing() {
     return nullptr;
 }
 
+void FrameCache::ReserveSpent(std::size_t more) {
+    spent_.erase(spent_.begin(), spent_.begin() + static_cast<std::ptrdiff_t>(nextSpent_));
+    nextSpent_ = 0;
+    spent_.reserve(spent_.size() + more);
+}
+
+Frame* FrameCache::EvictSpent() {
+    while (nextSpent_ < spent_.size()) {
+        Frame& frame = *spent_[nextSpent_++];
+        frame.spent = false;
+        if (frame.recent || frame.passing || !CanLeave(frame)) continue;
+        if (frame.number != Frame::kNone) SetFrame(frame.number, nullptr);
+        return &frame;
+    }
+    spent_.clear();
+    nextSpent_ = 0;
+    return nullptr;
+}
+
 void FrameCache::Shrink() {
     unmovable_ = 0;
     if (frames_.size() <= capacity_) return;
     std::size_t surplus = frames_.size() - capacity_;
+    for (Frame* frame : spent_) frame->spent = false;
+    spent_.clear();
+    nextSpent_ = 0;
     for (Frame* frame : passing_) frame->passing = false;
     passing_.clear();
     std::erase_if(frames_, [&](const std::unique_ptr<Frame>& frame) {

@@ -26,6 +26,7 @@ struct Frame {
     bool changing = false;       // changed by the open operation
     bool recent = false;         // used since the clock's hand came by
     bool passing = false;        // of a scan of a file that is larger than the cache
+    bool spent = false;          // leaves before others, unless it is used again
 };
 
 class FrameCache {
@@ -46,6 +47,13 @@ public:
     Frame& Insert(std::uint32_t page, bool passing = false);
     // Takes the page out of memory. A pin on it keeps its bytes as long as it lives.
     void Drop(Frame& frame);
+    // Lets the frame be given away before the cache grows, unless it is used again by then. Room
+    // for it has been reserved.
+    void Spend(Frame& frame) noexcept {
+        if (!frame.spent) spent_.push_back(&frame);
+        frame.spent = true;
+    }
+    void ReserveSpent(std::size_t more);
     // Gives memory beyond the capacity back.
     void Shrink();
 
@@ -71,6 +79,7 @@ private:
     void MakeRoomFor(std::uint32_t page);
     Frame* Evict();
     Frame* EvictPassing();
+    Frame* EvictSpent();
 
     std::uint32_t pageSize_;
     std::size_t capacity_;
@@ -78,6 +87,8 @@ private:
     std::vector<std::unique_ptr<Part>> frameOf_;  // by page number
     std::vector<Frame*> passing_;                 // taken in turn
     std::size_t nextPassing_ = 0;
+    std::vector<Frame*> spent_;  // taken in turn
+    std::size_t nextSpent_ = 0;
     std::size_t hand_ = 0;
     std::size_t unmovable_ = 0;  // frames that the last full turn of the hand found kept
 };

@@ -102,12 +102,10 @@ void Journal::Append(std::span<const PageChange> changes, std::uint32_t pagesAft
     loggedByParts_ = {};
 }
 
-void Journal::AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
-                         std::span<std::uint64_t> places) {
-    loggedByParts_.reserve(loggedByParts_.size() + changes.size());
-    const Good before{end_, checksum_};
+void Journal::WriteWholePages(LogRecordKind kind, std::span<const PageChange> changes,
+                              std::uint32_t pagesAfter, std::span<std::uint64_t> places) {
     const std::uint64_t seed = StartBuffer(pagesAfter);
-    LogRecordWriter record(buffer_, LogRecordKind::kPart, operation_ + 1, pagesAfter);
+    LogRecordWriter record(buffer_, kind, operation_ + 1, pagesAfter);
     for (std::size_t i = 0; i < changes.size(); ++i) {
         places[i] = end_ + record.AddWholePage(changes[i], BaseOf(changes[i]));
     }
@@ -116,11 +114,24 @@ void Journal::AppendPart(std::span<const PageChange> changes, std::uint32_t page
     WriteBuffer();
     if (first) lastCounter_ = dataFile_.State().commitCounter;
     checksum_ = checksum;
+}
+
+void Journal::AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
+                         std::span<std::uint64_t> places) {
+    loggedByParts_.reserve(loggedByParts_.size() + changes.size());
+    const Good before{end_, checksum_};
+    WriteWholePages(LogRecordKind::kPart, changes, pagesAfter, places);
     if (!beforeParts_) beforeParts_ = before;
     for (const PageChange& change : changes) {
         if (!Has(change.page)) loggedByParts_.push_back(change.page.value);
         logged_[change.page.value] = true;
     }
+}
+
+void Journal::AppendMoved(std::span<const PageChange> changes, std::uint32_t pagesAfter,
+                          std::span<std::uint64_t> places) {
+    WriteWholePages(LogRecordKind::kMoved, changes, pagesAfter, places);
+    for (const PageChange& change : changes) logged_[change.page.value] = true;
 }
 
 void Journal::DropParts() noexcept {

@@ -62,6 +62,10 @@ public:
     // log, in the order of `changes`. When it throws, nothing is in the log. kDiskFull, kIo.
     void AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
                     std::span<std::uint64_t> places);
+    // The same for pages as they were committed, whose memory is to be used for others. Only when
+    // there are no parts.
+    void AppendMoved(std::span<const PageChange> changes, std::uint32_t pagesAfter,
+                     std::span<std::uint64_t> places);
     // Whether there are parts that no commit has followed.
     [[nodiscard]] bool HasParts() const { return beforeParts_.has_value(); }
     // Removes them: the transaction has been rolled back.
@@ -97,6 +101,8 @@ private:
     // Puts the header of a log that begins into the buffer, and gives the seed of the next record.
     std::uint64_t StartBuffer(std::uint32_t pagesAfter);
     [[nodiscard]] LogBase BaseOf(const PageChange& change) const;
+    void WriteWholePages(LogRecordKind kind, std::span<const PageChange> changes,
+                         std::uint32_t pagesAfter, std::span<std::uint64_t> places);
     void CutQuietly() noexcept;
     void RequireFile();
     void FlushPlace();

@@ -10,17 +10,18 @@
 //   12  4  pages of the data file when the log began
 //   16  8  salt, another one for each log
 //   24  2  the data file's commit counter when the log began
-//   26  2  version of this format, 1
+//   26  2  version of this format, 2; version 1 had no records of kind 4
 //   28  8  the other counters of page 0, as one number
 //   36  20 zeros
 //   56  8  checksum of the 56 bytes before
 //
 //   record
 //   0   4  length of the whole record
-//   4   4  kind: 1 a commit, 2 a checkpoint, 3 a part of the transaction that the next commit ends
+//   4   4  kind: 1 a commit, 2 a checkpoint, 3 a part of the transaction that the next commit ends,
+//          4 whole pages as they are by then, which leave the memory
 //   8   8  number of the transaction in this log, from 1 (checkpoint: of the last one)
-//   16  4  commit, part: pages of the data file after it; checkpoint: commit counter
-//   20  4  commit, part: number of page entries
+//   16  4  pages of the data file after it; checkpoint: commit counter
+//   20  4  number of page entries
 //   24     page entries
 //   end 8  checksum of everything before, seeded with the checksum before
 //
@@ -51,9 +52,9 @@ inline constexpr std::size_t kLogRecordHead = 24;
 inline constexpr std::size_t kLogChecksumSize = 8;
 inline constexpr std::size_t kLogEntryHead = 8;
 inline constexpr std::uint32_t kLargestLogRecord = 1U << 30;
-inline constexpr std::uint16_t kLogVersion = 1;
+inline constexpr std::uint16_t kLogVersion = 2;
 
-enum class LogRecordKind : std::uint32_t { kCommit = 1, kCheckpoint = 2, kPart = 3 };
+enum class LogRecordKind : std::uint32_t { kCommit = 1, kCheckpoint = 2, kPart = 3, kMoved = 4 };
 enum class LogBase : std::uint16_t { kInLog = 0, kImage = 1, kZero = 2 };
 
 struct LogHeader {

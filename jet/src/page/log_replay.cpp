@@ -67,6 +67,7 @@ bool LogReplay::Apply(const LogReader& reader) {
             ++position_.operations;
             return ApplyPages(reader);
         case LogRecordKind::kPart:
+        case LogRecordKind::kMoved:
             return ApplyPages(reader);
     }
     return false;

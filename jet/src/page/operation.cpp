@@ -35,6 +35,11 @@ MutableBytes Operation::Change(PageNumber page) {
     return pager_.changes_.Change(page);
 }
 
+MutableBytes Operation::ChangePart(PageNumber page, std::size_t from, std::size_t size) {
+    RequireOpen();
+    return pager_.changes_.ChangePart(page, from, size);
+}
+
 void Operation::Extend(PageNumber page) {
     RequireOpen();
     // Writers reserve a few pages past the end; a map that skips many is no map of this file.

@@ -113,6 +113,28 @@ void PageCache::MarkDirty(Frame& frame) noexcept {
     frame.dirty = true;
 }
 
+std::vector<Frame*> PageCache::ColdNewPages() {
+    std::vector<Frame*> cold;
+    frames_.ForEach([&](Frame& frame) {
+        if (!frame.dirty || frame.number < file_.State().pageCount) return;
+        if (!frame.recent) cold.push_back(&frame);
+        frame.recent = false;
+    });
+    return cold;
+}
+
+void PageCache::ReserveMoves(std::size_t pages) {
+    inLog_.Reserve(pageCount_, pages);
+    frames_.ReserveSpent(pages);
+}
+
+void PageCache::MoveToLog(Frame& frame, std::uint64_t place) noexcept {
+    inLog_.Enter(frame.number, place);
+    dirtyCount_ -= frame.dirty ? 1 : 0;
+    frame.dirty = false;
+    if (!frame.recent) frames_.Spend(frame);
+}
+
 std::vector<std::uint32_t> PageCache::PagesBeyondFile() {
     std::vector<std::uint32_t> pages;
     frames_.ForEach([&](const Frame& frame) {

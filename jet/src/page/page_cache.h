@@ -50,6 +50,14 @@ public:
     // Notes that the page differs from the data file. Does not fail.
     void MarkDirty(Frame& frame) noexcept;
     [[nodiscard]] std::size_t DirtyBytes() const { return dirtyCount_ * pageSize_; }
+    [[nodiscard]] std::size_t DirtyCount() const { return dirtyCount_; }
+    // The frames of dirty pages that the data file does not have yet, as far as they have not been
+    // used since they were last asked for in this way.
+    [[nodiscard]] std::vector<Frame*> ColdNewPages();
+    // Notes that the bytes of the page lie in the log, so that its frame can be used for others.
+    // Room for it has been reserved.
+    void MoveToLog(Frame& frame, std::uint64_t place) noexcept;
+    void ReserveMoves(std::size_t pages);
     // The pages that are newer than the data file, in its order.
     [[nodiscard]] std::vector<std::uint32_t> PagesBeyondFile();
     // The data file holds them all.

@@ -13,19 +13,14 @@ constexpr std::size_t kMostKept = 256;
 }  // namespace
 
 void UndoImages::Add(Frame& frame, bool fresh) {
-    if (size_ == images_.size()) {
-        UndoImage image;
-        image.before = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
-        images_.push_back(std::move(image));
-    }
+    if (size_ == images_.size()) images_.emplace_back();
     UndoImage& image = images_[size_];
+    if (!fresh && !image.before) {
+        image.before = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
+    }
     image.frame = &frame;
     image.fresh = fresh;
-    if (fresh) {
-        std::memset(image.before.get(), 0, pageSize_);
-    } else {
-        std::memcpy(image.before.get(), frame.bytes.get(), pageSize_);
-    }
+    if (!fresh) std::memcpy(image.before.get(), frame.bytes.get(), pageSize_);
     ++size_;
 }
 
@@ -46,6 +41,23 @@ void UndoImages::CutTo(std::size_t size) noexcept {
     const std::size_t kept = std::max(size, kMostKept);
     if (images_.size() > kept)
         images_.erase(images_.begin() + static_cast<std::ptrdiff_t>(kept), images_.end());
+}
+
+void UndoParts::Add(Frame& frame, MutableBytes bytes, std::size_t at) {
+    const std::size_t begin = bytes_.size();
+    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+    parts_.push_back({&frame, at, begin, bytes.size()});
+}
+
+void UndoParts::Restore() const noexcept {
+    for (auto part = parts_.rbegin(); part != parts_.rend(); ++part) {
+        std::memcpy(part->frame->bytes.get() + part->at, bytes_.data() + part->begin, part->size);
+    }
+}
+
+void UndoParts::Clear() noexcept {
+    parts_.clear();
+    bytes_.clear();
 }
 
 }  // namespace jet

@@ -14,20 +14,20 @@ namespace jet {
 
 struct UndoImage {
     Frame* frame = nullptr;
-    bool fresh = false;  // the page did not exist; `before` is all zeros
-    std::unique_ptr<std::byte[]> before;
+    bool fresh = false;                   // the page did not exist
+    std::unique_ptr<std::byte[]> before;  // of a page that did
 };
 
 class UndoImages {
 public:
-    explicit UndoImages(std::uint32_t pageSize) : pageSize_(pageSize) {}
+    explicit UndoImages(std::uint32_t pageSize) : pageSize_(pageSize), zeros_(pageSize) {}
 
     [[nodiscard]] std::size_t Size() const { return size_; }
     [[nodiscard]] std::span<const UndoImage> From(std::size_t first) const {
         return std::span(images_).subspan(first, size_ - first);
     }
     [[nodiscard]] Bytes Before(const UndoImage& image) const {
-        return {image.before.get(), pageSize_};
+        return image.fresh ? Bytes(zeros_) : Bytes(image.before.get(), pageSize_);
     }
     // The page as it is now; all zeros for a fresh one. When it throws, nothing is added.
     void Add(Frame& frame, bool fresh);
@@ -40,8 +40,31 @@ public:
 
 private:
     std::uint32_t pageSize_;
+    std::vector<std::byte> zeros_;
     std::vector<UndoImage> images_;
     std::size_t size_ = 0;  // entries beyond keep their memory
+};
+
+// The same for a few bytes of a page each.
+class UndoParts {
+public:
+    [[nodiscard]] bool IsEmpty() const { return parts_.empty(); }
+    // The bytes as they are now. When it throws, nothing is added.
+    void Add(Frame& frame, MutableBytes bytes, std::size_t at);
+    // Puts them back, the latest first.
+    void Restore() const noexcept;
+    void Clear() noexcept;
+
+private:
+    struct Part {
+        Frame* frame = nullptr;
+        std::size_t at = 0;     // in the page
+        std::size_t begin = 0;  // in `bytes_`
+        std::size_t size = 0;
+    };
+
+    std::vector<Part> parts_;
+    std::vector<std::byte> bytes_;
 };
 
 }  // namespace jet

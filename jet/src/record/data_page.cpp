@@ -100,6 +100,20 @@ std::uint8_t AppendRow(MutableBytes page, const Format& format, Bytes row, SlotK
     return static_cast<std::uint8_t>(count);
 }
 
+MutableBytes ChangeToAppend(Operation& operation, PageNumber page, std::uint32_t length) {
+    const Format& format = operation.FileFormat();
+    const PageRef stored = operation.Pages().Page(page);
+    const std::uint32_t count = SlotCount(stored.Data(), format);
+    // The rows move when their page is closed up.
+    if (PageRoom(stored.Data(), format) < length + 2) return operation.Change(page);
+    operation.ChangePart(page, SlotEnd(stored.Data(), format, count) - length, length);
+    return operation.ChangePart(page, 0, SlotEntryAt(format, count + 1));
+}
+
+MutableBytes ChangeToDelete(Operation& operation, PageNumber page, std::uint32_t slot) {
+    return operation.ChangePart(page, SlotEntryAt(operation.FileFormat(), slot), 2);
+}
+
 void DeleteRow(MutableBytes page, const Format& format, std::uint32_t slot) {
     SetSlotKind(page, format, slot, SlotKind::kDeleted);
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "page/format.h"
+#include "page/operation.h"
 #include "page/slotted_page.h"
 #include "page/types.h"
 
@@ -28,6 +29,10 @@ bool HasLiveSlots(Bytes page, const Format& format);
 void StartDataPage(MutableBytes page, const Format& format, std::uint32_t owner);
 // Adds a slot; the caller has made sure of the room.
 std::uint8_t AppendRow(MutableBytes page, const Format& format, Bytes row, SlotKind kind);
+// Opens the page for AppendRow.
+MutableBytes ChangeToAppend(Operation& operation, PageNumber page, std::uint32_t length);
+// Opens the page for DeleteRow of a slot that it has.
+MutableBytes ChangeToDelete(Operation& operation, PageNumber page, std::uint32_t slot);
 // Marks the slot as deleted; the page takes its bytes back when it needs them.
 void DeleteRow(MutableBytes page, const Format& format, std::uint32_t slot);
 // Makes the slot `length` bytes long, moving the rows behind it; its old bytes stay as far as they

@@ -238,7 +238,8 @@ void LongValueStore::Release(Operation& operation, Bytes inRow) {
 
 RowId LongValueStore::Append(Operation& operation, Bytes row) {
     const PageNumber page = PageWithRoom(operation, static_cast<std::uint32_t>(row.size()));
-    const MutableBytes bytes = operation.Change(page);
+    const MutableBytes bytes =
+        ChangeToAppend(operation, page, static_cast<std::uint32_t>(row.size()));
     const std::uint8_t slot = AppendRow(bytes, pager_->FileFormat(), row, SlotKind::kRow);
     const bool isFull = PageRoom(bytes, pager_->FileFormat()) <= kPointerSize &&
                         PossibleRoom(bytes, pager_->FileFormat()) <= kPointerSize;
@@ -279,8 +280,9 @@ void LongValueStore::EnterFree(Operation& operation, PageNumber page) {
 void LongValueStore::ReleaseRow(Operation& operation, RowId row) {
     const Format& format = pager_->FileFormat();
     if (!owned_.Contains(row.page)) ThrowBadValue();
-    const MutableBytes page = operation.Change(row.page);
-    if (ReadSlot(page, format, row.slot).kind == SlotKind::kDeleted) ThrowBadValue();
+    const PageRef stored = pager_->Page(row.page);
+    if (ReadSlot(stored.Data(), format, row.slot).kind == SlotKind::kDeleted) ThrowBadValue();
+    const MutableBytes page = ChangeToDelete(operation, row.page, row.slot);
     DeleteRow(page, format, row.slot);
     if (HasLiveSlots(page, format)) {
         EnterFree(operation, row.page);

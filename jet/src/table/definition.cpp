@@ -347,7 +347,7 @@ std::uint32_t DefinitionCounters::LastAutoNumber() const {
 
 void DefinitionCounters::AddRows(Operation& operation, std::int32_t more) {
     const std::size_t at = LayoutOf(pager_->FileFormat()).rowCount;
-    const MutableBytes page = operation.Change(page_);
+    const MutableBytes page = operation.ChangePart(page_, at, 4);
     const std::uint32_t count = ReadU32(page, at);
     // A count that was wrong before must not wrap around.
     const bool below = more < 0 && count < static_cast<std::uint32_t>(-more);
@@ -355,13 +355,14 @@ void DefinitionCounters::AddRows(Operation& operation, std::int32_t more) {
 }
 
 void DefinitionCounters::SetLastAutoNumber(Operation& operation, std::uint32_t value) {
-    WriteU32(operation.Change(page_), LayoutOf(pager_->FileFormat()).lastAutoNumber, value);
+    const std::size_t at = LayoutOf(pager_->FileFormat()).lastAutoNumber;
+    WriteU32(operation.ChangePart(page_, at, 4), at, value);
 }
 
 void DefinitionCounters::AddDistinctKey(Operation& operation, std::size_t realIndex) {
     const Format& format = pager_->FileFormat();
     const std::size_t at = format.tdefHeaderSize + realIndex * format.indexStatisticsSize + 4;
-    const MutableBytes page = operation.Change(page_);
+    const MutableBytes page = operation.ChangePart(page_, at, 4);
     WriteU32(page, at, ReadU32(page, at) + 1);
 }
 

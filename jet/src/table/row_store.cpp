@@ -60,8 +60,10 @@ RowId RowStore::Insert(Operation& operation, Bytes row) {
 }
 
 RowId RowStore::Append(Operation& operation, Bytes row, SlotKind kind, PageNumber except) {
-    const PageNumber page = PageWithRoom(operation, static_cast<std::uint32_t>(row.size()), except);
-    return {page, AppendRow(operation.Change(page), pager_->FileFormat(), row, kind)};
+    const auto length = static_cast<std::uint32_t>(row.size());
+    const PageNumber page = PageWithRoom(operation, length, except);
+    return {page,
+            AppendRow(ChangeToAppend(operation, page, length), pager_->FileFormat(), row, kind)};
 }
 
 PageNumber RowStore::PageWithRoom(Operation& operation, std::uint32_t length, PageNumber except) {
@@ -148,13 +150,16 @@ void RowStore::Remove(Operation& operation, RowId row) {
     const Format& format = pager_->FileFormat();
     RowId place = row;
     for (int hops = 0; place; ++hops) {
-        const MutableBytes page = operation.Change(place.page);
-        if (hops > kMostHops || !IsOurs(page)) ThrowMissing();
-        const Slot slot = ReadSlot(page, format, place.slot);
-        if (slot.kind == SlotKind::kDeleted) ThrowMissing();
-        const RowId next = slot.kind == SlotKind::kPointer
-                               ? FollowPointer(SlotBytes(page, format, place.slot))
-                               : RowId{};
+        RowId next;
+        {
+            const PageRef page = pager_->Page(place.page);
+            if (hops > kMostHops || !IsOurs(page.Data())) ThrowMissing();
+            const Slot slot = ReadSlot(page.Data(), format, place.slot);
+            if (slot.kind == SlotKind::kDeleted) ThrowMissing();
+            if (slot.kind == SlotKind::kPointer) {
+                next = FollowPointer(SlotBytes(page.Data(), format, place.slot));
+            }
+        }
         RemoveSlot(operation, place);
         place = next;
     }
@@ -163,7 +168,7 @@ void RowStore::Remove(Operation& operation, RowId row) {
 // A page whose last row was removed is given back to the file.
 void RowStore::RemoveSlot(Operation& operation, RowId row) {
     const Format& format = pager_->FileFormat();
-    const MutableBytes page = operation.Change(row.page);
+    const MutableBytes page = ChangeToDelete(operation, row.page, row.slot);
     DeleteRow(page, format, row.slot);
     if (HasLiveSlots(page, format)) {
         EnterFree(operation, row.page);
