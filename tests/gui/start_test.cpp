@@ -61,8 +61,8 @@ TEST_F(Start, StartScreen_Captions_AreTheTextsWithTheirMarks) {
                        "review or update an existing data file,|BEFORE:0||CR|click the Open "
                        "button."));
     EXPECT_EQ(Get<QLabel>(QStringLiteral("lblTitle")).text(), QStringLiteral("TARN Prep"));
-    EXPECT_EQ(Get<QLabel>(QStringLiteral("lblCopyright")).text(), ProgramTexts::kNoticeOfRights);
-    EXPECT_TRUE(ProgramTexts::kNoticeOfRights.startsWith(QStringLiteral("Copyright")));
+    EXPECT_EQ(Get<QLabel>(QStringLiteral("lblCopyright")).text(), ProgramTexts::NoticeOfRights());
+    EXPECT_TRUE(ProgramTexts::NoticeOfRights().startsWith(QStringLiteral("Copyright")));
     EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdOpen")).text(), QStringLiteral("&Open"));
     EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdNew")).text(), QStringLiteral("&New"));
     EXPECT_EQ(Get<QPushButton>(QStringLiteral("cmdExit")).text(), QStringLiteral("E&xit"));
