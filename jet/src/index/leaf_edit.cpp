@@ -88,7 +88,7 @@ private:
     MutableBytes bytes_;
     std::size_t firstBit_;
     std::size_t count_;
-    std::array<std::uint64_t, (kJet4Format.entryBitmapSize + 7) / 8> words_;
+    std::array<std::uint64_t, (kJet4Format.entryBitmapSize + 7) / 8> words_{};
 };
 
 }  // namespace

@@ -173,8 +173,8 @@ char32_t NextCodePoint(const Unit& unit, std::size_t count, std::size_t& at) {
 std::size_t PutAscii(Bytes utf16, char* to) {
     if constexpr (std::endian::native != std::endian::little) return 0;
     constexpr std::size_t kPiece = 16;
-    std::array<std::uint16_t, kPiece> units;
-    std::array<char, kPiece> narrow;
+    std::array<std::uint16_t, kPiece> units{};
+    std::array<char, kPiece> narrow{};
     std::size_t at = 0;
     while (2 * (at + kPiece) <= utf16.size()) {
         std::memcpy(units.data(), utf16.data() + 2 * at, sizeof units);
