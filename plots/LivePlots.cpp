@@ -3,6 +3,8 @@
 #include "plots/Chart.h"
 #include "review/report_charts.h"
 
+#include <QCoreApplication>
+
 namespace plots {
 
 namespace {
@@ -19,7 +21,7 @@ season::Zone ZoneOf(const std::vector<LivePlot::SizeClass>& classes) {
 }
 
 class Live : public QObject, public LivePlot {
-    Q_OBJECT
+    Q_DECLARE_TR_FUNCTIONS(plots::Live)
 
 public:
     explicit Live(Chart* chart) : QObject(chart), chart_(chart) {}
@@ -52,5 +54,3 @@ LivePlot& MakeLivePlot(QWidget& parent) {
 }
 
 }  // namespace plots
-
-#include "LivePlots.moc"

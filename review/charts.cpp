@@ -174,9 +174,10 @@ void Draw(Canvas& canvas, const TotalsChart& chart, std::size_t first, std::size
     const TotalsScale scale = ScaleOf(chart);
     const std::size_t end = std::min(last * kPanelsInARow, chart.panels.size());
     for (std::size_t i = first * kPanelsInARow; i < end; ++i) {
+        const std::size_t band = i / kPanelsInARow - first;
         DrawPanel(canvas, chart.panels[i], scale,
                   kPanelWidth * static_cast<double>(i % kPanelsInARow),
-                  kPanelHeight * static_cast<double>(i / kPanelsInARow - first));
+                  kPanelHeight * static_cast<double>(band));
     }
 }
 

@@ -43,6 +43,14 @@ std::string YearCondition(std::optional<std::int64_t> year) {
     return year ? "year = " + std::to_string(*year) : "year IS NULL";
 }
 
+// Takes the file's rows out of a table and puts them into it again with `values` for the columns.
+std::string MoveStatement(const std::string& table, const std::string& condition,
+                          const std::string& columns, const std::string& values) {
+    return "WITH gone AS (DELETE FROM " + table + " WHERE file_id = $1 AND " + condition +
+           " RETURNING *) INSERT INTO " + table + " (" + columns + ") SELECT " + values +
+           " FROM gone";
+}
+
 class PostgresDestination : public Destination {
 public:
     PostgresDestination(const std::string& connection, const Waiting& waiting)
@@ -131,13 +139,11 @@ public:
         const std::string to = year ? std::to_string(*year) : "NULL";
         for (const Table& table : Tables().subspan(1)) {
             const std::string name(table.name);
-            std::string columns = schema_->Columns(table.id);
+            const std::string columns = schema_->Columns(table.id);
             std::string moved = columns;
             const std::string own = connection_.Quoted("year");
             moved.replace(moved.find(own), own.size(), to);
-            connection_.Execute("WITH gone AS (DELETE FROM " + name + " WHERE file_id = $1 AND " +
-                                    YearCondition(file.year) + " RETURNING *) INSERT INTO " + name +
-                                    " (" + columns + ") SELECT " + moved + " FROM gone",
+            connection_.Execute(MoveStatement(name, YearCondition(file.year), columns, moved),
                                 {file.fileId});
         }
     }

@@ -33,6 +33,17 @@ std::uint32_t NumberOf(const std::string& digits) {
     return number;
 }
 
+[[noreturn]] void ThrowWantsMore(const std::string& table, const std::string& column) {
+    throw DestinationError("The table " + table + " of the destination wants a value for " +
+                           column + ", which a roll-up does not have.");
+}
+
+std::string PartitionStatement(const std::string& table, const std::string& ending,
+                               const std::string& value) {
+    return "CREATE TABLE IF NOT EXISTS " + table + "_" + ending + " PARTITION OF " + table +
+           " FOR VALUES IN (" + value + ")";
+}
+
 }  // namespace
 
 PostgresSchema::PostgresSchema(PostgresConnection& connection) : connection_(connection) {
@@ -85,8 +96,7 @@ void PostgresSchema::LookAt(const Table& table) {
                 NumberOf(found.Text(row, 1));
             ++fitting;
         } else if (found.Text(row, 2) == "t") {
-            throw DestinationError("The table " + name + " of the destination wants a value for " +
-                                   column + ", which a roll-up does not have.");
+            ThrowWantsMore(name, column);
         }
     }
     if (fitting < types.size()) {
@@ -118,9 +128,7 @@ void PostgresSchema::MakeRoomFor(std::optional<std::int64_t> year) {
     const std::string ending = year ? std::to_string(*year) : "unknown";
     for (const Table& table : Tables()) {
         if (isOwn_[static_cast<std::size_t>(table.id)]) {
-            const std::string name(table.name);
-            connection_.Execute("CREATE TABLE IF NOT EXISTS " + name + "_" + ending +
-                                " PARTITION OF " + name + " FOR VALUES IN (" + value + ")");
+            connection_.Execute(PartitionStatement(std::string(table.name), ending, value));
         }
     }
     newYears_.insert(year);

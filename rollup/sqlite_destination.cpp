@@ -38,6 +38,14 @@ std::string Names(const Table& table) {
     return Listed(table, [](const Column& column) { return std::string(column.name); });
 }
 
+// Each run asks for files by their paths, and for the other rows by their file.
+std::string IndexStatement(const Table& table) {
+    const std::string name(table.name);
+    const std::string column = table.id == TableId::kFiles ? "path" : "file_id";
+    return "CREATE INDEX IF NOT EXISTS " + name + "_" + column + " ON " + name + " (" + column +
+           ")";
+}
+
 std::string CreateStatement(const Table& table) {
     return "CREATE TABLE IF NOT EXISTS " + std::string(table.name) + " (" +
            Listed(table,
@@ -187,10 +195,7 @@ private:
         database_.Execute("BEGIN IMMEDIATE");
         for (const Table& table : Tables()) {
             database_.Execute(CreateStatement(table));
-            const std::string name(table.name);
-            const char* const column = table.id == TableId::kFiles ? "path" : "file_id";
-            database_.Execute("CREATE INDEX IF NOT EXISTS " + name + "_" + column + " ON " + name +
-                              " (" + column + ")");
+            database_.Execute(IndexStatement(table));
         }
         database_.Execute("CREATE INDEX IF NOT EXISTS files_sha256 ON files (sha256)");
         database_.Execute("COMMIT");
