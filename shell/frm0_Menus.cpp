@@ -78,10 +78,10 @@ void frm0_Prep::BuildMenus() {
     AddItem<&frm0_Prep::mnuExit_Click>(file, QStringLiteral("mnuExit"), tr("E&xit"), 0);
 
     QMenu& worksheet = *AddTopMenu(kWorksheet, tr("&Worksheet"));
-    for (std::int16_t step = 1; step <= Worksheets::Count(); ++step) {
+    for (int step = 1; step <= Worksheets::Count(); ++step) {
         QAction* item = AddItem<&frm0_Prep::mnuStep_Click>(
             worksheet, ItemName("mnuStep", step),
-            Worksheets::Text(Worksheets::At(step).menuCaption), step);
+            Worksheets::Text(Worksheets::At(step).menuCaption), static_cast<std::int16_t>(step));
         item->setCheckable(true);
         mnuStep_.push_back(item);
     }

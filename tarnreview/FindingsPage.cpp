@@ -52,7 +52,7 @@ QString WithoutPlace(const review::Finding& finding) {
 
 }  // namespace
 
-FindingsPage::FindingsPage(const ReviewCase& reviewed, ChartView::Tell tell, QWidget* parent)
+FindingsPage::FindingsPage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent)
     : QWidget(parent), case_(reviewed), splitter_(new QSplitter(this)) {
     Parts::Name(*this, "pageFindings", tr("Findings"));
     Parts::Name(*splitter_, "splFindings", tr("Findings and their place"));

@@ -19,7 +19,7 @@ class FindingsPage : public QWidget {
     Q_OBJECT
 
 public:
-    FindingsPage(const ReviewCase& reviewed, ChartView::Tell tell, QWidget* parent);
+    FindingsPage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent);
     ~FindingsPage() override;
 
     // After a file has been read.
