@@ -484,7 +484,7 @@ TEST_F(LifeTest, OpenDatatables_ReadOnlyFile_IsRefusedInOneBox) {
     const QString path = NewFile();
     QFile::setPermissions(path, QFile::ReadOwner);
     if (QFile(path).open(QIODevice::ReadWrite)) {
-        GTEST_SKIP() << "this user may write into every file";
+        GTEST_SKIP() << "This user may write into every file.";
     }
     const support::Answers answers;
     EXPECT_FALSE(PrepDatafile::OpenDatatables(path));
