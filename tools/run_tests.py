@@ -55,7 +55,7 @@ class Summary:
         return True
 
 
-def build(folder, "--preset=sanitize"):
+def build(folder, *options):
     command = [str(ROOT / "tools/build.sh"), str(ROOT / folder), "all", *options]
     return subprocess.run(command, check=False).returncode == 0
 

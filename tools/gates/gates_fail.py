@@ -64,6 +64,8 @@ TRIALS = [
     ("waiting", "tests/shell/Frame_test.cpp", "QTest::qWaitFor([] { return Shown(); });\n", ""),
     ("scripts", "tools/go.sh", "#!/bin/sh\ncd $1\nif [ $# = 1 ]; then exit; fi\n", "SC2164"),
     ("scripts", "tools/go.sh", '#!/bin/sh\ncd "$1" || exit\n', ""),
+    ("scripts", "tools/go.py", "def go(folder, 1):\n    pass\n", "invalid syntax"),
+    ("scripts", "tools/go.py", "def go(folder):\n    pass\n", ""),
     ("formatting", "shell/Row.cpp", "int  a;\n", "shell/Row.cpp"),
     ("formatting", "shell/Row.cpp", "int a;\n", ""),
     ("help_pages", "help/pages/zones.html", '<p><a href="absent.html">Zones</a></p>\n',

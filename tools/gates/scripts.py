@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""shellcheck has nothing to say about the shell scripts."""
+"""shellcheck has nothing to say about the shell scripts, and Python can read its own."""
 import shutil
 import subprocess
 
@@ -14,16 +14,29 @@ def is_script(path):
         return file.read(9) == b"#!/bin/sh"
 
 
+def mistakes(scripts):
+    run = subprocess.run(["shellcheck", "--severity=warning", "--external-sources",
+                          "--check-sourced", "--format=gcc", *scripts],
+                         cwd=tree.ROOT, capture_output=True, text=True, check=False)
+    return sorted(set((run.stdout + run.stderr).splitlines()))
+
+
+def unreadable():
+    for path in tree.text_files():
+        if path.suffix == ".py":
+            try:
+                compile(path.read_text(encoding="utf-8"), tree.name(path), "exec")
+            except SyntaxError as error:
+                yield f"{tree.name(path)}:{error.lineno}: {error.msg}"
+
+
 def main():
     if not shutil.which("shellcheck"):
         tree.finish(["shellcheck is not installed; tools/setup.sh test does it"], "shell scripts")
     # What a script sources is looked at with it.
     scripts = [tree.name(path) for path in tree.text_files() if is_script(path)]
-    run = subprocess.run(["shellcheck", "--severity=warning", "--external-sources",
-                          "--check-sourced", "--format=gcc", *scripts],
-                         cwd=tree.ROOT, capture_output=True, text=True, check=False)
-    offenders = sorted(set((run.stdout + run.stderr).splitlines()))
-    tree.finish(offenders, "shell scripts without mistakes")
+    offenders = mistakes(scripts) if scripts else []
+    tree.finish(offenders + list(unreadable()), "scripts without mistakes")
 
 
 main()
