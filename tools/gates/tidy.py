@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""clang-tidy over every source file. What was found clean is remembered by content, so that only
-files that changed, or whose headers did, are looked at again. Tests are left out: the macros of
-GoogleTest cost more time than they are worth here.
+"""clang-tidy over every source file. What was found clean is remembered by content in the user's
+cache folder, for all clones, so that only files that changed, or whose headers did, are looked at
+again. Tests are left out: the macros of GoogleTest cost more time than they are worth here.
 
 Usage: tidy.py BUILD_FOLDER [FILE...]"""
 import concurrent.futures
@@ -14,6 +14,13 @@ import sys
 from pathlib import Path
 
 import tree
+
+
+def remembered():
+    cache = Path(os.environ.get("XDG_CACHE_HOME") or Path.home() / ".cache")
+    folder = cache / "tarnprep" / "tidy-clean"
+    folder.mkdir(parents=True, exist_ok=True)
+    return folder
 
 
 def headers_of(build):
@@ -44,8 +51,12 @@ def commands(build, wanted):
         yield path, re.search(r" -o (\S+)", entry["command"])[1], entry["command"]
 
 
-def fingerprint(path, command, headers):
-    digest = hashlib.sha256()
+def version():
+    return subprocess.run(["clang-tidy", "--version"], capture_output=True, check=False).stdout
+
+
+def fingerprint(path, command, headers, judge):
+    digest = hashlib.sha256(judge)
     digest.update((tree.ROOT / ".clang-tidy").read_bytes())
     digest.update(command.replace(str(tree.ROOT), "").encode())
     for part in sorted({path, *headers}):
@@ -65,8 +76,8 @@ def examine(build, path, known, key):
 def main():
     build = Path(sys.argv[1]).resolve()
     wanted = {Path(name).resolve() for name in sys.argv[2:]}
-    known = build / "tidy-clean"
-    known.mkdir(exist_ok=True)
+    known = remembered()
+    judge = version()
     headers = headers_of(build)
     work, seen, total = [], set(), 0
     for path, output, command in commands(build, wanted):
@@ -74,7 +85,7 @@ def main():
             continue
         seen.add(path)
         total += 1
-        key = fingerprint(path, command, headers.get(output, []))
+        key = fingerprint(path, command, headers.get(output, []), judge)
         if not (known / key).exists():
             work.append((path, key))
     offenders = []
