@@ -1,9 +1,22 @@
 #include "worksheets/MissingRows.h"
 
+#include "datafile/PrepDatatables.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
 
 namespace MissingRows {
+
+QStringList StoreOthers(int rows, const std::function<bool(int row)>& store) {
+    auto transaction = PrepDatatables::Begin();
+    QStringList missing;
+    for (int row = 1; row <= rows; ++row) {
+        if (!store(row)) {
+            missing += QString::number(row);
+        }
+    }
+    transaction.Commit();
+    return missing;
+}
 
 void Told(const char* handler, const std::function<void()>& save) {
     try {

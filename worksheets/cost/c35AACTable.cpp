@@ -9,6 +9,7 @@
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
+#include "worksheets/MissingRows.h"
 
 using PrepDatatables::tblSuppressionPerAcreCost;
 using ZoneKeys::kCostClasses;
@@ -100,14 +101,8 @@ void c35AACTable::SaveChanges() {
     if (!changed_) {
         return;
     }
-    dao::Transaction transaction = PrepDatatables::Begin();
-    QStringList missing;
-    for (int index = 1; index <= kCostClasses; ++index) {
-        if (!SaveRow(index)) {
-            missing += QString::number(index);
-        }
-    }
-    transaction.Commit();
+    const QStringList missing =
+        MissingRows::StoreOthers(kCostClasses, [this](int index) { return SaveRow(index); });
     changed_ = false;
     if (!missing.isEmpty()) {
         throw platform::RuntimeError(

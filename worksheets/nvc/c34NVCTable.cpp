@@ -8,6 +8,7 @@
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
 #include "platform/text/Numbers.h"
+#include "worksheets/MissingRows.h"
 #include "worksheets/nvc/RoundSignificant.h"
 
 using PrepDatatables::tblNVCPerAcre;
@@ -87,14 +88,8 @@ void c34NVCTable::SaveChanges() {
     if (!changed_) {
         return;
     }
-    dao::Transaction transaction = PrepDatatables::Begin();
-    QStringList missing;
-    for (int resource = 1; resource <= kResources; ++resource) {
-        if (!SaveRow(resource)) {
-            missing += QString::number(resource);
-        }
-    }
-    transaction.Commit();
+    const QStringList missing =
+        MissingRows::StoreOthers(kResources, [this](int resource) { return SaveRow(resource); });
     changed_ = false;
     if (!missing.isEmpty()) {
         throw platform::RuntimeError(

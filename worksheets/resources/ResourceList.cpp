@@ -29,21 +29,6 @@ void ResourceList::Load() {
     unsaved_.clear();
 }
 
-const Resource& ResourceList::At(int row) const {
-    return rows_.at(static_cast<std::size_t>(row - 1));
-}
-
-Resource& ResourceList::Row(int row) {
-    return rows_.at(static_cast<std::size_t>(row - 1));
-}
-
-std::optional<int> ResourceList::RowOf(std::int32_t key) const {
-    const auto row = std::find_if(rows_.begin(), rows_.end(),
-                                  [key](const Resource& one) { return one.key == key; });
-    return row == rows_.end() ? std::nullopt
-                              : std::optional(static_cast<int>(row - rows_.begin()) + 1);
-}
-
 QString ResourceList::Text(int row, int col) const {
     const Resource& resource = At(row);
     switch (col) {

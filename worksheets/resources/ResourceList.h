@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "platform/controls/GridTable.h"
+#include "worksheets/ListRows.h"
 #include "worksheets/resources/ResourceRecords.h"
 #include "worksheets/undo/ListChange.h"
 
@@ -42,9 +43,11 @@ public:
     // Takes what the file has; what was typed and not saved is dropped.
     void Load();
     // Rows count from 1.
-    [[nodiscard]] const Resource& At(int row) const;
+    [[nodiscard]] const Resource& At(int row) const { return ListRows::At(rows_, row); }
     // The row of a resource, or nothing.
-    [[nodiscard]] std::optional<int> RowOf(std::int32_t key) const;
+    [[nodiscard]] std::optional<int> RowOf(std::int32_t key) const {
+        return ListRows::Of(rows_, key);
+    }
 
     // Saves in one transaction. `saveRow` is called for each row in turn and calls SaveRow. A row
     // without a record (3021) does not keep the others from being saved; its error is thrown at the
@@ -81,7 +84,7 @@ public:
     void EndAction() override;
 
 private:
-    [[nodiscard]] Resource& Row(int row);
+    [[nodiscard]] Resource& Row(int row) { return ListRows::At(rows_, row); }
     Answer OfferText(int row, int col, const QString& typed);
     Answer OfferNumber(int row, const QString& typed);
     Answer OfferCost(Resource& resource, const QString& typed);

@@ -25,21 +25,6 @@ void ZoneList::Load() {
     unsaved_.clear();
 }
 
-const Zone& ZoneList::At(int row) const {
-    return zones_.at(static_cast<std::size_t>(row - 1));
-}
-
-Zone& ZoneList::Row(int row) {
-    return zones_.at(static_cast<std::size_t>(row - 1));
-}
-
-std::optional<int> ZoneList::RowOf(std::int32_t key) const {
-    const auto zone = std::find_if(zones_.begin(), zones_.end(),
-                                   [key](const Zone& one) { return one.key == key; });
-    return zone == zones_.end() ? std::nullopt
-                                : std::optional(static_cast<int>(zone - zones_.begin()) + 1);
-}
-
 QStringList ZoneList::ChangedNames() const {
     QStringList names;
     for (const Zone& zone : zones_) {

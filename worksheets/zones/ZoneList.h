@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/controls/GridTable.h"
+#include "worksheets/ListRows.h"
 #include "worksheets/undo/ListChange.h"
 #include "worksheets/zones/ZoneRecords.h"
 
@@ -36,9 +37,11 @@ public:
     // Takes what the file has; what was typed and not saved is dropped.
     void Load();
     // Rows count from 1.
-    [[nodiscard]] const Zone& At(int row) const;
+    [[nodiscard]] const Zone& At(int row) const { return ListRows::At(zones_, row); }
     // The row of a zone, or nothing.
-    [[nodiscard]] std::optional<int> RowOf(std::int32_t key) const;
+    [[nodiscard]] std::optional<int> RowOf(std::int32_t key) const {
+        return ListRows::Of(zones_, key);
+    }
     // Whether something is typed and not saved.
     [[nodiscard]] bool IsChanged(int row) const { return unsaved_.count(At(row).key) > 0; }
     [[nodiscard]] bool IsChanged() const { return !unsaved_.empty(); }
@@ -77,7 +80,7 @@ private:
         bool lowered = false;  // a number below 1 was typed, which the log gets a warning of
     };
 
-    [[nodiscard]] Zone& Row(int row);
+    [[nodiscard]] Zone& Row(int row) { return ListRows::At(zones_, row); }
     Answer OfferLocations(Zone& zone, const QString& typed);
     void Carry(Change& change, const undo::ListChange<Zone>& list);
     static void CarryToFile(Change& change, const undo::ListChange<Zone>& list);
