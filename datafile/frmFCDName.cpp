@@ -49,7 +49,7 @@ bool frmFCDName::Load() {
         Unload();
         return false;
     }
-    ShowUnits(finder_.ListByName(QString()));
+    ShowUnits(finder_.ListByName(QString()), kNameColumn, QString());
     txtYear_->SetProgramText(QDate::currentDate().toString(QStringLiteral("yy")));
     return true;
 }
@@ -71,7 +71,7 @@ void frmFCDName::SetupGrid() {
     grdUnits_->SetColWidth(kIDColumn, kCodeWidth);
     grdUnits_->SetColWidth(kStateColumn, kCodeWidth);
     grdUnits_->SetColFills(kNameColumn);
-    ShowUnits({});
+    ShowUnits({}, kNameColumn, QString());
 }
 
 bool frmFCDName::OpenNameTables() {
@@ -112,12 +112,12 @@ UnitFinder::Code frmFCDName::GetUnitState(const QString& id, const QString& stat
 
 void frmFCDName::GetMatchingIDs(const QString& text) {
     u91Trace::Procedure(QStringLiteral("frmFCDName.GetMatchingIDs ") + text);
-    ShowUnits(finder_.ListByID(text));
+    ShowUnits(finder_.ListByID(text), kIDColumn, text);
 }
 
 void frmFCDName::GetMatchingNames(const QString& text) {
     u91Trace::Procedure(QStringLiteral("frmFCDName.GetMatchingNames ") + text);
-    ShowUnits(finder_.ListByName(text));
+    ShowUnits(finder_.ListByName(text), kNameColumn, text);
 }
 
 // Of a name that is wider than its box, the beginning shows.
@@ -151,6 +151,7 @@ void frmFCDName::txtUnitID_Change() {
             txtUnitName_->setFocus();
             break;
         case UnitFinder::kFound:
+            MarkUnit(id, txtState_->text());
             CreateFileTitle();
             txtYear_->setFocus();
             break;
@@ -207,6 +208,7 @@ void frmFCDName::txtYear_Change() {
 bool frmFCDName::LookUpState() {
     CreateFileTitle();
     if (GetUnitState(txtUnitID_->text(), txtState_->text()) == UnitFinder::kFound) {
+        MarkUnit(txtUnitID_->text(), txtState_->text());
         lblTie_->hide();
         return true;
     }
@@ -271,8 +273,9 @@ void frmFCDName::reject() {
     QDialog::reject();
 }
 
-// The unit that was looked for is the current one, whose neighbors stand around it.
-void frmFCDName::ShowUnits(const UnitFinder::Listing& listing) {
+// The first unit from the text on is scrolled into view, with its neighbors around it. It is the
+// current one, and marked, only where it begins with the text.
+void frmFCDName::ShowUnits(const UnitFinder::Listing& listing, int column, const QString& text) {
     grdUnits_->SetRows(1);
     grdUnits_->SetTextMatrix(0, kNameColumn, tr("Unit Name"));
     grdUnits_->SetTextMatrix(0, kIDColumn, tr("Unit ID"));
@@ -285,9 +288,14 @@ void frmFCDName::ShowUnits(const UnitFinder::Listing& listing) {
         grdUnits_->SetTextMatrix(row, kStateColumn, unit.state);
         ++row;
     }
-    if (!listing.units.empty()) {
-        grdUnits_->Select(listing.match < 0 ? grdUnits_->Rows() - 1 : listing.match + 1,
-                          kNameColumn);
+    if (listing.units.empty()) {
+        return;
+    }
+    const int first = listing.match < 0 ? grdUnits_->Rows() - 1 : listing.match + 1;
+    grdUnits_->Select(first, kNameColumn);
+    if (text.isEmpty() ||
+        !grdUnits_->TextMatrix(first, column).startsWith(text, Qt::CaseInsensitive)) {
+        grdUnits_->selectionModel()->clear();
     }
 }
 
@@ -295,6 +303,20 @@ void frmFCDName::MarkCurrentUnit() {
     QItemSelectionModel& marks = *grdUnits_->selectionModel();
     marks.select(marks.currentIndex(),
                  QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+void frmFCDName::MarkUnit(const QString& id, const QString& state) {
+    if (!ListShows(id)) {
+        ShowUnits(finder_.ListByID(id), kIDColumn, id);
+    }
+    for (int row = 1; row < grdUnits_->Rows(); ++row) {
+        if (grdUnits_->TextMatrix(row, kIDColumn) == id &&
+            grdUnits_->TextMatrix(row, kStateColumn) == state) {
+            grdUnits_->Select(row, kNameColumn);
+            MarkCurrentUnit();
+            return;
+        }
+    }
 }
 
 bool frmFCDName::ListShows(const QString& id) const {

@@ -87,9 +87,13 @@ private:
     // Composes the title and names the unit; false when the table has none of that state.
     bool LookUpState();
     void ShowUnitName(const QString& name);
-    void ShowUnits(const UnitFinder::Listing& listing);
+    // `column` is the one that was searched for `text`.
+    void ShowUnits(const UnitFinder::Listing& listing, int column, const QString& text);
     // Selects the whole row of the list's current unit.
     void MarkCurrentUnit();
+    // Marks the unit that the boxes name, and lists it first where it is not listed.
+    void MarkUnit(const QString& id, const QString& state);
+    void FitTitleBox();
     [[nodiscard]] bool ListShows(const QString& id) const;
     // Empties the title when the boxes no longer spell it, so that no file is made under the name
     // of a unit that was found before.

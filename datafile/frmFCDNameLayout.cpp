@@ -123,7 +123,14 @@ void frmFCDName::SizeBoxes() {
     SetBoxWidth(txtUnitID_, 4);
     SetBoxWidth(txtState_, 2);
     SetBoxWidth(txtYear_, 3);
-    SetBoxWidth(txtFileTitle_, 9);
+    FitTitleBox();
+}
+
+// As wide as the title, so that the extension stands next to it.
+void frmFCDName::FitTitleBox() {
+    constexpr int kFrameAndCaret = 8;
+    txtFileTitle_->setFixedWidth(
+        txtFileTitle_->fontMetrics().horizontalAdvance(txtFileTitle_->text()) + kFrameAndCaret);
 }
 
 void frmFCDName::changeEvent(QEvent* event) {
@@ -264,6 +271,7 @@ void frmFCDName::ConnectHandlers() {
     Handle<&frmFCDName::txtUnitName_Change>(txtUnitName_, &QLineEdit::textChanged, this);
     Handle<&frmFCDName::txtState_Change>(txtState_, &QLineEdit::textChanged, this);
     Handle<&frmFCDName::txtYear_Change>(txtYear_, &QLineEdit::textChanged, this);
+    Handle<&frmFCDName::FitTitleBox, Entry::kOwn>(txtFileTitle_, &QLineEdit::textChanged, this);
     connect(txtUnitID_, &UnitBox::DownPressed, txtState_, qOverload<>(&QWidget::setFocus));
     connect(txtState_, &UnitBox::DownPressed, txtYear_, qOverload<>(&QWidget::setFocus));
     Handle<&frmFCDName::grdUnits_Click, Entry::kOwn>(grdUnits_, &vsFlexGrid::Click, this);

@@ -66,6 +66,11 @@ protected:
         }
         return -1;
     }
+    // Of the row that is marked; empty while none is.
+    [[nodiscard]] QString MarkedID() const {
+        const QModelIndexList marked = Grid()->selectionModel()->selectedRows(1);
+        return marked.isEmpty() ? QString() : marked.front().data().toString();
+    }
     void ClickRow(int row) const {
         ASSERT_GT(row, 0);
         QTest::mouseClick(Grid()->viewport(), Qt::LeftButton, Qt::NoModifier,
@@ -110,6 +115,7 @@ TEST_F(NamingDialogTest, UnitID_OfOneState_FillsNameStateAndTitle) {
     EXPECT_EQ(Text("txtState"), QStringLiteral("WA"));
     EXPECT_EQ(Text("txtFileTitle"), QStringLiteral("GPFWA") + Year());
     EXPECT_EQ(Focus(), QStringLiteral("txtYear"));
+    EXPECT_EQ(MarkedID(), QStringLiteral("GPF"));
     EXPECT_EQ(Box("txtYear")->selectedText(), Year());
     EXPECT_EQ(Steps(),
               QStringList({QStringLiteral("   frmFCDName.GetMatchingIDs G"),
@@ -228,11 +234,45 @@ TEST_F(NamingDialogTest, List_IsFilledFromTheStart) {
 
 TEST_F(NamingDialogTest, List_MarksTheWholeRowOfTheMatch) {
     Type("txtUnitName", QStringLiteral("gifford"));
-    EXPECT_EQ(Grid()->TextMatrix(Grid()->Row(), 1), QStringLiteral("GPF"));
+    EXPECT_EQ(MarkedID(), QStringLiteral("GPF"));
     EXPECT_EQ(Grid()->selectionModel()->selectedIndexes().size(), 3);
     EXPECT_EQ(Grid()->selectionModel()->selectedIndexes().front().row(), Grid()->Row() - 1);
+    Type("txtUnitID", QStringLiteral("gp"));
+    EXPECT_EQ(MarkedID(), QStringLiteral("GPA")) << "the first that begins like this";
+}
+
+TEST_F(NamingDialogTest, List_WithoutAMatch_MarksNothing) {
+    EXPECT_EQ(MarkedID(), QString()) << "nothing was looked for yet";
+    Type("txtUnitName", QStringLiteral("giffordx"));
+    EXPECT_EQ(MarkedID(), QString()) << "no name begins like this";
     Type("txtUnitName", QStringLiteral("zzz"));
-    EXPECT_EQ(Grid()->Row(), Grid()->Rows() - 1);
+    EXPECT_EQ(MarkedID(), QString());
+    EXPECT_FALSE(Grid()->currentIndex().isValid()) << "nor is one framed";
+    EXPECT_TRUE(Grid()->viewport()->rect().contains(
+        Grid()->visualRect(Grid()->model()->index(Grid()->Rows() - 2, 0))));
+}
+
+TEST_F(NamingDialogTest, List_MarksAUnitThatWasPastedWhole) {
+    QApplication::clipboard()->setText(QStringLiteral("GPF"));
+    Box("txtUnitID")->setFocus();
+    Box("txtUnitID")->paste();
+    EXPECT_EQ(MarkedID(), QStringLiteral("GPF"));
+}
+
+TEST_F(NamingDialogTest, Extension_StandsNextToTheTitle) {
+    const auto gap = [this] {
+        const QLineEdit& title = *Box("txtFileTitle");
+        return Find<QLabel>("lblExtension")->x() - title.x() -
+               title.fontMetrics().horizontalAdvance(title.text());
+    };
+    Type("txtUnitID", QStringLiteral("GPF"));
+    QCoreApplication::processEvents();
+    EXPECT_LE(gap(), 16);
+    Type("txtUnitID", QStringLiteral("WWW"));
+    QTest::keyClicks(Box("txtState"), QStringLiteral("WW"));
+    QCoreApplication::processEvents();
+    EXPECT_LE(gap(), 16);
+    EXPECT_GE(gap(), 0);
 }
 
 TEST_F(NamingDialogTest, ComposedName_DoesNotLookLikeABoxToTypeIn) {
