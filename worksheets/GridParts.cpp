@@ -1,5 +1,6 @@
 #include "worksheets/GridParts.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QScrollBar>
@@ -7,6 +8,8 @@
 
 #include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGrid.h"
+#include "worksheets/CopyHint.h"
+#include "worksheets/NoteLine.h"
 
 namespace {
 
@@ -73,6 +76,20 @@ void AddFramed(QVBoxLayout& body, vsFlexGrid& grid, QWidget* beside) {
         fitAfter(bar, &QScrollBar::rangeChanged);
     }
     FitFrame(grid);
+}
+
+// In one line, each with a place that it keeps, so that neither moves anything when it comes.
+void AddNote(QVBoxLayout& body, NoteLine& note, QWidget* beside) {
+    KeepPlace(note);
+    auto* line = new QGridLayout;
+    line->addWidget(&note, 0, 0);
+    line->addWidget(new CopyHint(note, note.parentWidget()), 0, 0, Qt::AlignLeft | Qt::AlignTop);
+    line->setColumnStretch(0, 1);
+    if (beside != nullptr) {
+        KeepPlace(*beside);
+        line->addWidget(beside, 0, 1, Qt::AlignTop);
+    }
+    body.addLayout(line);
 }
 
 }  // namespace GridParts

@@ -1,6 +1,7 @@
 // Small steps that the forms with a grid share.
 #pragma once
 
+class NoteLine;
 class QVBoxLayout;
 class QWidget;
 class vsFlexGrid;
@@ -17,5 +18,8 @@ void KeepPlace(QWidget& control);
 // what stands below it stands at its end, and what lies beside it is plain.
 // `beside` takes the room to its right.
 void AddFramed(QVBoxLayout& body, vsFlexGrid& grid, QWidget* beside = nullptr);
+// Puts the line below it: the grid's note, and how to copy the grid while there is none. `beside`
+// has a place of its own at the line's end.
+void AddNote(QVBoxLayout& body, NoteLine& note, QWidget* beside = nullptr);
 
 }  // namespace GridParts

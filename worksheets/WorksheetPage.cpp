@@ -131,28 +131,13 @@ void WorksheetPage::Redo() {
 void WorksheetPage::BecomeCurrent() {
     host_.PositionWorksheet(*this);
     host_.BecomeCurrent(QString::fromLatin1(identity_.id));
-    AddCopyHint();
 }
 
 void WorksheetPage::AddTitle(const QString& text) {
     title_ = PageParts::Label(this, "lblTitle", text);
     title_->setWordWrap(true);
     SizeTitle();
-    titleRow_ = new QHBoxLayout;
-    titleRow_->addWidget(title_, 1);
-    body_->addLayout(titleRow_);
-}
-
-// Where somebody looks who wants a table elsewhere: no menu says that Copy takes all of it.
-void WorksheetPage::AddCopyHint() {
-    if (titleRow_ == nullptr || titleRow_->count() > 1 || findChild<vsFlexGrid*>() == nullptr) {
-        return;
-    }
-    QLabel* hint = PageParts::Label(this, "lblCopyHint", tr("Copy table: Ctrl+A, Ctrl+C"));
-    hint->setToolTip(
-        tr("In the table, Ctrl+A selects all cells and Ctrl+C copies them, "
-           "ready to be pasted into a spreadsheet."));
-    titleRow_->addWidget(hint, 0, Qt::AlignRight | Qt::AlignBottom);
+    body_->addWidget(title_);
 }
 
 void WorksheetPage::UseWholeWidth() {

@@ -13,7 +13,6 @@
 
 class ChoiceBox;
 class QComboBox;
-class QHBoxLayout;
 class QKeySequence;
 class QLabel;
 class QVBoxLayout;
@@ -82,7 +81,6 @@ private:
     }
     void SizeTitle();
     void SizeColumn();
-    void AddCopyHint();
     void AddUndoKeys();
 
     WorksheetHost& host_;
@@ -91,7 +89,6 @@ private:
     QWidget* column_ = nullptr;
     bool usesWholeWidth_ = false;
     QLabel* title_ = nullptr;
-    QHBoxLayout* titleRow_ = nullptr;
 };
 
 // The parts that pages and dialogs are made of.

@@ -213,18 +213,24 @@ int FlexGridHeader::TextRoom(const Block& block) const {
     return width - 2 * kMargin - 1;
 }
 
-// A heading that is wider than its columns is broken into more lines.
+// A heading that is wider than its columns is broken into more lines. Where its own lines do not
+// fit, it is broken anew as a whole if that takes fewer.
 QStringList FlexGridHeader::BlockLines(const Block& block) const {
     QStringList lines;
     const int room = TextRoom(block);
-    for (const QString& line : Lines(model_.Text(block.top, block.left))) {
+    const QStringList own = Lines(model_.Text(block.top, block.left));
+    for (const QString& line : own) {
         if (fontMetrics().horizontalAdvance(line) <= room) {
             lines += line;
         } else {
             lines += BrokenAtBlanks(line, fontMetrics(), room);
         }
     }
-    return lines;
+    if (lines == own) {
+        return lines;
+    }
+    const QStringList anew = BrokenAtBlanks(own.join(u' '), fontMetrics(), room);
+    return anew.size() < lines.size() ? anew : lines;
 }
 
 QStringList FlexGridHeader::ShownLines(const Block& block) const {

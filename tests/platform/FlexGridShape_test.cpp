@@ -387,4 +387,14 @@ TEST_F(FlexGridShape, WideHeading_IsBrokenRatherThanMadeTiny) {
     EXPECT_EQ(heightAt(whole + 20), one);
 }
 
+TEST_F(FlexGridShape, HeadingWhoseOwnLinesDoNotFit_IsBrokenAnewAsAWhole) {
+    FillList();
+    grid_->SetTextMatrix(0, 2, "Suppression cost\rper acre");
+    Show();
+    const QFontMetrics metrics = grid_->horizontalHeader()->fontMetrics();
+    grid_->SetColWidth(2, (metrics.horizontalAdvance("Suppression cost") - 4) * 15);
+    QCoreApplication::processEvents();
+    EXPECT_LT(grid_->horizontalHeader()->height(), 3 * metrics.lineSpacing()) << "two lines";
+}
+
 }  // namespace

@@ -15,6 +15,7 @@
 #include "platform/controls/ScrolledPage.h"
 #include "support/Keyboard.h"
 #include "worksheet_fixture.h"
+#include "worksheets/NoteLine.h"
 #include "worksheets/cost/frm6SuppressAcre.h"
 #include "worksheets/goals/frm2RMAs.h"
 #include "worksheets/nvc/frm5NVCTable.h"
@@ -229,6 +230,39 @@ TEST_F(FamilyTest, FormsWithATable_SayHowToCopyAllOfIt) {
             EXPECT_EQ(hint != nullptr && hint->isVisibleTo(&form),
                       form.findChild<vsFlexGrid*>() != nullptr);
         }
+    });
+}
+
+TEST_F(FamilyTest, CopyHint_StandsBelowItsTable_HoweverWideTheFrame) {
+    ForEachForm([](QWidget& form) {
+        const auto* grid = form.findChild<vsFlexGrid*>();
+        if (form.isWindow() || grid == nullptr) {
+            return;
+        }
+        form.resize(1900, 1000);
+        QApplication::processEvents();
+        const auto* hint = form.findChild<QLabel*>(QStringLiteral("lblCopyHint"));
+        EXPECT_EQ(hint->mapTo(&form, QPoint()).x(), grid->mapTo(&form, QPoint()).x());
+        EXPECT_GE(hint->mapTo(&form, QPoint()).y(),
+                  grid->mapTo(&form, QPoint(0, grid->height())).y());
+    });
+}
+
+TEST_F(FamilyTest, CopyHint_MakesRoomForTheNote_WithoutMovingAnything) {
+    ForEachForm([](QWidget& form) {
+        auto* note = form.findChild<NoteLine*>();
+        if (note == nullptr) {
+            return;
+        }
+        const auto* hint = form.findChild<QLabel*>(QStringLiteral("lblCopyHint"));
+        const auto* grid = form.findChild<vsFlexGrid*>();
+        const QRect before = grid->geometry();
+        note->Say(QStringLiteral("Something worth a look."));
+        QApplication::processEvents();
+        EXPECT_FALSE(hint->isVisibleTo(&form));
+        EXPECT_EQ(grid->geometry(), before);
+        note->Say(QString());
+        EXPECT_TRUE(hint->isVisibleTo(&form));
     });
 }
 

@@ -78,8 +78,7 @@ void frm6SuppressAcre::Build() {
         *grdCosts_, "pltCost", [this](LivePlot& plot) { ShowPlot(plot); }, this);
     GridParts::AddFramed(Body(), *grdCosts_, plot_);
     auto* lblNote = new NoteLine(*grdCosts_, this);
-    GridParts::KeepPlace(*lblNote);
-    Body().addWidget(lblNote);
+    GridParts::AddNote(Body(), *lblNote);
     Body().addStretch(1);
 }
 

@@ -1,6 +1,5 @@
 #include "worksheets/nvc/frm5NVCTable.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -108,19 +107,13 @@ void frm5NVCTable::BuildTotals() {
     Body().addWidget(totals_);
 }
 
-// Both in one line, each with a place of its own, so that neither moves anything when it comes.
 void frm5NVCTable::BuildNotes() {
     auto* lblNote = new NoteLine(*grdNVC_, this);
-    GridParts::KeepPlace(*lblNote);
     lblMinus_ =
         PageParts::Label(this, "lblMinus", tr("Be sure to include a minus sign (-) for losses."));
     lblMinus_->setProperty(kTag, QString());
-    GridParts::KeepPlace(*lblMinus_);
     lblMinus_->hide();
-    auto* notes = new QHBoxLayout;
-    notes->addWidget(lblNote, 1);
-    notes->addWidget(lblMinus_);
-    Body().addLayout(notes);
+    GridParts::AddNote(Body(), *lblNote, lblMinus_);
 }
 
 void frm5NVCTable::ConnectHandlers() {

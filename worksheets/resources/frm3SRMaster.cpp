@@ -81,8 +81,7 @@ void frm3SRMaster::Build() {
     PageParts::Name(*cmdDelete_, "cmdDelete", tr("Delete the resource"));
     note_ = new NoteLine(*grdMasterList_, this);
     GridParts::AddFramed(Body(), *grdMasterList_);
-    GridParts::KeepPlace(*note_);
-    Body().addWidget(note_);
+    GridParts::AddNote(Body(), *note_);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdAdd_);
     buttons->addWidget(cmdDelete_);

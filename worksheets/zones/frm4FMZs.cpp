@@ -64,8 +64,7 @@ void frm4FMZs::Build() {
     PageParts::Name(*cmdImport_, "cmdImport", tr("Import zones from a BRAM file"));
     note_ = new NoteLine(*grdFMZs_, this);
     GridParts::AddFramed(Body(), *grdFMZs_);
-    GridParts::KeepPlace(*note_);
-    Body().addWidget(note_);
+    GridParts::AddNote(Body(), *note_);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdAdd_);
     buttons->addWidget(cmdImport_);
