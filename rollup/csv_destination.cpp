@@ -7,6 +7,8 @@
 #include <set>
 #include <unordered_map>
 
+#include "jet/error.h"
+#include "rollup/csv_changes.h"
 #include "rollup/csv_folder.h"
 #include "rollup/csv_text.h"
 #include "rollup/gzip.h"
@@ -49,6 +51,8 @@ void Touching(const Action& action) {
         action();
     } catch (const fs::filesystem_error& error) {
         throw DestinationError(error.path1().string() + ": " + error.code().message() + ".");
+    } catch (const jet::Error& error) {
+        throw DestinationError(error.what());
     }
 }
 
@@ -63,6 +67,11 @@ public:
         });
     }
     ~CsvDestination() override {
+        try {
+            Publish();
+        } catch (const std::exception&) {
+            // The next run reads these files again.
+        }
         std::error_code ignored;
         fs::remove_all(folder_.Unfinished(), ignored);
     }
@@ -131,61 +140,57 @@ public:
 
     void AddContents(const FileRow& file, Packed& packed) override {
         const auto& tables = dynamic_cast<PackedTables&>(packed).tables;
-        for (const Table& table : Tables()) {
-            const std::string& rows = tables[static_cast<std::size_t>(table.id)];
-            if (!rows.empty()) {
-                finished_.emplace_back(Write(rows),
-                                       folder_.Place(table.id, file.year, *file.fileId));
+        Touching([&] {
+            for (const Table& table : Tables()) {
+                const std::string& rows = tables[static_cast<std::size_t>(table.id)];
+                if (!rows.empty()) {
+                    open_.Put(folder_.Place(table.id, file.year, *file.fileId), Write(rows));
+                }
             }
-        }
+        });
     }
 
     void RemoveContents(const FileRow& file) override {
-        EachTableOf(file, [this](const fs::path& rows, TableId) { obsolete_.push_back(rows); });
+        EachTableOf(file, [this](const fs::path& place, const fs::path&, TableId) {
+            open_.Remove(place);
+        });
     }
 
     void MoveContents(const FileRow& file, std::optional<std::int64_t> year) override {
-        // Until the new row stands, the old ones are wanted where they are.
-        EachTableOf(file, [&](const fs::path& rows, TableId table) {
+        EachTableOf(file, [&](const fs::path& place, const fs::path& rows, TableId table) {
             const fs::path copy = NewName();
             fs::copy_file(rows, copy);
-            finished_.emplace_back(copy, folder_.Place(table, year, *file.fileId));
-            obsolete_.push_back(rows);
+            open_.Remove(place);
+            open_.Put(folder_.Place(table, year, *file.fileId), copy);
         });
     }
 
-    // First the rows that are new, then what names them, then what nothing names any longer: a run
-    // that is killed between leaves rows that nothing names, and those are cleared by the next one.
     void Commit() override {
         Touching([this] {
-            std::vector<std::pair<fs::path, std::string>> rows;
-            for (const auto& [path, change] : changes_) {
-                rows.emplace_back(change ? Write(RowFile(*change)) : fs::path(), path);
+            std::vector<std::pair<std::string, fs::path>> named;
+            for (const auto& [path, row] : changes_) {
+                named.emplace_back(path, row ? Write(RowFile(*row)) : fs::path());
             }
-            for (const auto& [from, to] : finished_) {
-                fs::create_directories(to.parent_path());
-                fs::rename(from, to);
+            for (const auto& [path, file] : named) {
+                Enter(CsvFolder::NameOfPath(path), changes_[path], file);
             }
-            for (const auto& [from, path] : rows) {
-                Enter(path, changes_[path], from);
-            }
-            for (const fs::path& file : obsolete_) {
-                fs::remove(file);
-            }
-            Forget();
+            rows_.Add(open_);
         });
+        changes_.clear();
+        if (++waiting_ == kTogether) {
+            Publish();
+        }
     }
 
     void Rollback() noexcept override {
-        std::error_code ignored;
-        for (const auto& [from, to] : finished_) {
-            fs::remove(from, ignored);
-        }
-        Forget();
+        open_.Drop();
+        changes_.clear();
     }
 
     void Finish() override {
+        Publish();
         Touching([this] {
+            CsvChanges last;
             for (const Table& table : Tables()) {
                 // A table without any file would be an error to who reads it.
                 bool isEmpty = true;
@@ -196,18 +201,19 @@ public:
                     AppendHeading(heading, table);
                     Gzip gzip;
                     gzip.Add(heading);
-                    fs::create_directories(none.parent_path());
-                    fs::rename(Write(gzip.Finish()), none);
+                    last.Put(none, Write(gzip.Finish()));
                 } else {
                     fs::remove(none);
                 }
             }
-            fs::rename(Write(LoadScript(folder_.Path())), folder_.Path() / "load.sql");
+            last.Put(folder_.Path() / "load.sql", Write(LoadScript(folder_.Path())));
+            last.MakeComing();
         });
     }
 
 private:
     static constexpr std::size_t kFileIdDigits = 16;
+    static constexpr std::size_t kTogether = 16;
 
     static const fs::path& Made(const fs::path& folder) {
         std::error_code failed;
@@ -261,7 +267,9 @@ private:
             return std::nullopt;
         }
         const Year year = found->second.year;
-        return CsvFolder::ReadFileRow(folder_.Place(TableId::kFiles, year, name), year);
+        const fs::path place = folder_.Place(TableId::kFiles, year, name);
+        const std::optional<fs::path>* const waiting = named_.Find(place);
+        return CsvFolder::ReadFileRow(waiting != nullptr && *waiting ? **waiting : place, year);
     }
 
     void Remember(const std::string& name, const Known& known) {
@@ -281,21 +289,35 @@ private:
         known_.erase(found);
     }
 
-    // The row of a path gets its place. Where the year is another one, the old row goes first: for
-    // a moment nothing is known of the path, so that a run which is killed there has it read again.
-    void Enter(const std::string& path, const std::optional<FileRow>& row, const fs::path& from) {
-        const std::string name = CsvFolder::NameOfPath(path);
+    // The row of a path will have its place.
+    void Enter(const std::string& name, const std::optional<FileRow>& row, const fs::path& file) {
         const auto old = known_.find(name);
         if (old != known_.end() && (!row || row->year != old->second.year)) {
-            fs::remove(folder_.Place(TableId::kFiles, old->second.year, name));
+            named_.Remove(folder_.Place(TableId::kFiles, old->second.year, name));
         }
         ForgetName(name);
         if (row) {
-            const fs::path to = folder_.Place(TableId::kFiles, row->year, name);
-            fs::create_directories(to.parent_path());
-            fs::rename(from, to);
+            named_.Put(folder_.Place(TableId::kFiles, row->year, name), file);
             Remember(name, {row->year, row->fileId.value_or("")});
         }
+    }
+
+    // First the rows that are new, then what names them, then what nothing names any longer: a run
+    // that is killed between leaves rows that nothing names, and those are cleared by the next one.
+    // Where a row of `files` goes to another year, for a moment nothing is known of its path, so
+    // that a run which is killed there has it read again.
+    void Publish() {
+        CsvChanges rows;
+        CsvChanges named;
+        rows.Add(rows_);
+        named.Add(named_);
+        waiting_ = 0;
+        Touching([&rows, &named] {
+            rows.MakeComing();
+            named.MakeGoing();
+            named.MakeComing();
+            rows.MakeGoing();
+        });
     }
 
     [[nodiscard]] fs::path NewName() {
@@ -314,22 +336,26 @@ private:
         return file;
     }
 
+    // Gives the places of a file's rows, and where the rows are now.
     template <typename Take>
     void EachTableOf(const FileRow& file, const Take& take) {
         Touching([&] {
             for (const Table& table : Tables().subspan(1)) {
-                const fs::path rows = folder_.Place(table.id, file.year, *file.fileId);
-                if (fs::exists(rows)) {
-                    take(rows, table.id);
+                const fs::path place = folder_.Place(table.id, file.year, *file.fileId);
+                if (const std::optional<fs::path> rows = RowsFor(place)) {
+                    take(place, *rows, table.id);
                 }
             }
         });
     }
 
-    void Forget() noexcept {
-        changes_.clear();
-        finished_.clear();
-        obsolete_.clear();
+    [[nodiscard]] std::optional<fs::path> RowsFor(const fs::path& place) const {
+        for (const CsvChanges* const changes : {&open_, &rows_}) {
+            if (const std::optional<fs::path>* const change = changes->Find(place)) {
+                return *change;
+            }
+        }
+        return fs::exists(place) ? std::optional(place) : std::nullopt;
     }
 
     CsvFolder folder_;
@@ -340,8 +366,12 @@ private:
 
     // The open transaction.
     std::map<std::string, std::optional<FileRow>> changes_;  // by path; null for one that goes
-    std::vector<std::pair<fs::path, fs::path>> finished_;
-    std::vector<fs::path> obsolete_;
+    CsvChanges open_;
+
+    // Committed transactions that wait for the disk together.
+    CsvChanges rows_;
+    CsvChanges named_;  // the rows of `files`
+    std::size_t waiting_ = 0;
 };
 
 }  // namespace
