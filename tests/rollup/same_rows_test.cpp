@@ -1,6 +1,5 @@
-// All destinations hold the same rows of the same files.
+// What DuckDB reads in CSV files are the rows that SQLite has.
 #include "rollup/duckdb.h"
-#include "rollup/postgres_server.h"
 #include "rollup/roll_up.h"
 #include "rollup/tables.h"
 
@@ -43,13 +42,6 @@ protected:
         }
     }
 };
-
-TEST_F(SameRows, InPostgres_AreThoseInSqlite) {
-    if (PostgresPrograms().empty()) GTEST_SKIP() << kNoPostgres;
-    const PostgresServer server;
-    RollTo("postgresql:" + server.Connection());
-    ExpectRows([&server](const std::string& query) { return server.Ask(query); });
-}
 
 TEST_F(SameRows, InCsvFilesAsDuckDbReadsThem_AreThoseInSqlite) {
     if (!DuckDbRuns()) GTEST_SKIP() << kNoDuckDb;
