@@ -4,6 +4,7 @@
 // number that is infinite or none is one finding; the other rules leave its row or class out.
 #pragma once
 
+#include <cstdint>
 #include <set>
 #include <span>
 #include <string>
@@ -15,16 +16,21 @@
 
 namespace review {
 
-// The amounts of the same resource at the same FIL in other files, those of one sign.
+// What the amounts of the same resource at the same FIL are like in other files, those of one sign.
+struct Usual {
+    std::uint64_t count = 0;
+    double median = 0;    // of log10 of each
+    double distance = 0;  // the median of their distances from it
+};
+
 class Population {
 public:
     Population() = default;
     Population(const Population&) = delete;
     Population& operator=(const Population&) = delete;
     virtual ~Population() = default;
-    // log10 of each amount, in any order; `negative` chooses losses or gains.
-    [[nodiscard]] virtual std::vector<double> Logarithms(std::int32_t resource, int fil,
-                                                         bool negative) const = 0;
+    // `negative` chooses losses or gains.
+    [[nodiscard]] virtual Usual UsualOf(std::int32_t resource, int fil, bool negative) const = 0;
 };
 
 // What the rules look at; what is null is not compared with.

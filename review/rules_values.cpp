@@ -204,47 +204,14 @@ void NvcSlip(const Subject& subject, Findings& findings) {
     });
 }
 
-namespace {
-
-double MedianOf(std::vector<double> numbers) {
-    const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
-    std::nth_element(numbers.begin(), middle, numbers.end());
-    if (numbers.size() % 2 == 1) {
-        return *middle;
-    }
-    return (*middle + *std::max_element(numbers.begin(), middle)) / 2;
-}
-
-// What an amount is measured against; no spread where there are too few others or all are alike.
-struct Spread {
-    double median = 0;
-    double deviation = 0;  // comparable to a standard deviation
-};
-
-Spread SpreadOf(const std::vector<double>& logarithms) {
-    constexpr std::size_t kFewest = 20;
-    constexpr double kLikeStandardDeviation = 1.4826;
-    if (logarithms.size() < kFewest) {
-        return {};
-    }
-    Spread spread;
-    spread.median = MedianOf(logarithms);
-    std::vector<double> distances;
-    for (const double x : logarithms) {
-        distances.push_back(std::abs(x - spread.median));
-    }
-    spread.deviation = MedianOf(distances) * kLikeStandardDeviation;
-    return spread;
-}
-
-}  // namespace
-
 void Outlier(const Subject& subject, Findings& findings) {
     if (subject.others == nullptr) {
         return;
     }
+    constexpr std::uint64_t kFewest = 20;
     constexpr double kFar = 5;
-    std::map<std::tuple<std::int32_t, int, bool>, Spread> spreads;
+    constexpr double kLikeStandardDeviation = 1.4826;
+    std::map<std::tuple<std::int32_t, int, bool>, Usual> found;
     EachSoundRow(subject.season, [&](const NvcRow& row, const ValueRow& values,
                                      const auto& placeOf) {
         for (int fil = 1; fil <= season::kFilLevels; ++fil) {
@@ -252,19 +219,19 @@ void Outlier(const Subject& subject, Findings& findings) {
             if (value == 0) {
                 continue;
             }
-            const auto [spread, isNew] =
-                spreads.try_emplace({row.resource, fil, value < 0}, Spread());
+            const auto [usual, isNew] = found.try_emplace({row.resource, fil, value < 0}, Usual());
             if (isNew) {
-                spread->second = SpreadOf(subject.others->Logarithms(row.resource, fil, value < 0));
+                usual->second = subject.others->UsualOf(row.resource, fil, value < 0);
             }
-            const auto [median, deviation] = spread->second;
-            if (deviation > 0 &&
-                std::abs(std::log10(std::abs(value)) - median) / deviation > kFar) {
+            const auto [count, median, distance] = usual->second;
+            const double far = kFar * kLikeStandardDeviation * distance;
+            if (count >= kFewest && distance > 0 &&
+                std::abs(std::log10(std::abs(value)) - median) > far) {
                 const Place place = PlaceOfFil(placeOf(), fil);
-                const double usual = std::copysign(std::pow(10, median), value);
+                const double middle = std::copysign(std::pow(10, median), value);
                 findings.Add(place, Typed(static_cast<float>(value)),
                              place.Words() + ": " + FigureOf(value) + " lies far from the " +
-                                 Fixed(usual, 2) + " that is usual elsewhere.",
+                                 Fixed(middle, 2) + " that is usual elsewhere.",
                              "Look whether a digit is missing or too many.");
             }
         }

@@ -1,50 +1,56 @@
-// The amounts of a roll-up: what values of the same kind are elsewhere.
+// The amounts of a roll-up: what values of the same kind are like elsewhere.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <map>
-#include <set>
+#include <memory>
 #include <string>
-#include <tuple>
-#include <unordered_map>
 #include <vector>
 
-#include "rollup/destination.h"
+#include "rollup/amount_counts.h"
+#include "rollup/value_source.h"
 
 namespace rollup {
 
-// Held in memory, four bytes for each amount.
 class Amounts {
 public:
-    // Reads all live values of a roll-up, of whatever kind its destination is; it stays as it is.
-    // Throws DestinationError.
+    // Looks at all live values of a roll-up, of whatever kind its destination is; it stays as it
+    // is. Throws DestinationError, as UsualWithout does.
     explicit Amounts(const std::string& destination);
 
-    // The contents that a data file has or had: those of its path in the roll-up, and its own.
-    // Throws season::Refused when it cannot be read.
-    [[nodiscard]] std::set<std::string> ContentsOf(const std::filesystem::path& file) const;
-    // log10 of the amounts of one resource, FIL (1 to 6) and sign, but for those of the contents
-    // named. Values of 0 and infinite ones have no amount.
-    [[nodiscard]] std::vector<double> Logarithms(std::int32_t resource, int fil, bool negative,
-                                                 const std::set<std::string>& without) const;
+    // The values that a data file has or had in the roll-up: those of its path there, and of its
+    // own contents. Throws season::Refused when it cannot be read.
+    class Own;
+    [[nodiscard]] std::unique_ptr<Own> OwnOf(const std::filesystem::path& file);
+
+    // What the amounts of one resource, FIL (1 to 6) and sign are like, but for a file's own.
+    // Values of 0 and infinite ones have no amount.
+    [[nodiscard]] Usual UsualWithout(const Own& own, std::int32_t resource, int fil, bool negative);
 
 private:
-    // Amounts in the order in which they came, and where those of each contents end.
-    struct Series {
-        std::vector<float> amounts;
-        std::vector<std::pair<std::size_t, std::size_t>> ends;  // the number of the contents, end
-    };
+    static constexpr std::size_t kKinds = std::size_t{2} * season::kFilLevels;  // FIL and sign
+    template <typename Kept>
+    using ByKind = std::map<std::int64_t, std::array<Kept, kKinds>>;  // by resource
 
-    void ReadSqlite(const std::string& file);
-    void ReadPostgres(const std::string& connection);
-    void ReadCsv(const std::string& folder);
-    void TakeFile(const std::string& path, const std::string& fileId);
-    void Take(const std::string& fileId, std::int64_t resource, int fil, double value);
+    static std::size_t KindOf(int fil, bool negative) {
+        return static_cast<std::size_t>(fil - 1) * 2 + (negative ? 1 : 0);
+    }
+    template <typename Take>
+    static void EachAmount(const ValueRow& row, const Take& take);
+    void LookAgain(const Own& own);
 
-    std::map<std::tuple<std::int64_t, int, bool>, Series> series_;
-    std::unordered_map<std::string, std::size_t> numbers_;  // of contents
-    std::unordered_map<std::string, std::string> contentsOfPath_;
+    std::unique_ptr<ValueSource> source_;
+    ByKind<AmountCounts> counts_;
+};
+
+class Amounts::Own {
+private:
+    friend class Amounts;
+    [[nodiscard]] const std::vector<Amount>& Of(std::int64_t resource, std::size_t kind) const;
+
+    ByKind<std::vector<Amount>> amounts_;
 };
 
 }  // namespace rollup

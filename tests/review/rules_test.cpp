@@ -333,12 +333,10 @@ TEST(RulesWithPrevious, UnchangedZone_IsNamedWhenAllIsLastYears) {
 // Other files with the same amounts everywhere but for a spread.
 class Usual : public review::Population {
 public:
-    std::vector<double> Logarithms(std::int32_t, int fil, bool negative) const override {
-        std::vector<double> logarithms;
-        for (int i = 0; i < count; ++i) logarithms.push_back(2 + spread * (i % 5 - 2));
-        return negative && fil == 3 ? logarithms : std::vector<double>();
+    review::Usual UsualOf(std::int32_t, int fil, bool negative) const override {
+        return negative && fil == 3 ? review::Usual{count, 2, spread} : review::Usual();
     }
-    int count = 20;
+    std::uint64_t count = 20;
     double spread = 0.1;
 };
 

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <memory>
-#include <set>
 #include <string>
-#include <vector>
 
 #include "review/check.h"
 #include "rollup/amounts.h"
@@ -16,16 +14,18 @@ namespace fcdtool {
 // What a roll-up holds besides one file, under whatever name and of whatever day.
 class Others : public review::Population {
 public:
-    Others(const rollup::Amounts& amounts, const std::string& file)
-        : amounts_(amounts), own_(amounts.ContentsOf(PathOf(file))) {}
-    [[nodiscard]] std::vector<double> Logarithms(std::int32_t resource, int fil,
-                                                 bool negative) const override {
-        return amounts_.Logarithms(resource, fil, negative, own_);
+    Others(rollup::Amounts& amounts, const std::string& file)
+        : amounts_(amounts), own_(amounts.OwnOf(PathOf(file))) {}
+    [[nodiscard]] review::Usual UsualOf(std::int32_t resource, int fil,
+                                        bool negative) const override {
+        const auto [count, median, distance] =
+            amounts_.UsualWithout(*own_, resource, fil, negative);
+        return {count, median, distance};
     }
 
 private:
-    const rollup::Amounts& amounts_;
-    std::set<std::string> own_;
+    rollup::Amounts& amounts_;
+    std::unique_ptr<rollup::Amounts::Own> own_;
 };
 
 // What the option --against names; nothing without it.
