@@ -1,13 +1,16 @@
 #!/usr/bin/env python3
-"""Measures the roll-up: files and rows a second, memory, growth, and beside it the bare loading of the
-same rows, into SQLite by .import and into PostgreSQL by COPY.
+"""Measures the roll-up: files and rows a second, memory, growth with the number of files, and beside it
+the bare loading of the same rows, into SQLite by .import and into PostgreSQL by COPY.
 
-Usage: rollup_bench.py BUILD_FOLDER [--files N] [--jobs N] [--in FOLDER]
+Usage: rollup_bench.py BUILD_FOLDER [--files N] [--jobs N] [--in FOLDER] [--only PART,...]
 
-A server of its own is started where PostgreSQL 15 is installed. Times are wall-clock seconds of one
-run, files in the system's cache."""
+The parts are csv (which makes the rows for bare loading as well), sqlite, postgres and check, each
+with a tenth of the files before all of them. What is in FOLDER is kept and used by the next call, so
+that the parts can be measured one by one. A server of its own is started where PostgreSQL 15 is
+installed. Times are wall-clock seconds of one run, files in the system's cache."""
 import argparse
 import gzip
+import math
 import os
 import shutil
 import subprocess
@@ -111,33 +114,82 @@ def shown(what, seconds, files, rows, memory, bare=None):
           f"{memory:6.0f} MB{ratio}", flush=True)
 
 
-def question(arguments, folder, source, files):
-    tool = Path(arguments.build) / "bin/fcdtool"
-    jobs = ["--jobs", arguments.jobs] if arguments.jobs else []
+class Bench:
+    def __init__(self, arguments, folder):
+        self.tool = Path(arguments.build) / "bin/fcdtool"
+        self.maker = Path(arguments.build) / "bin/rollup_files"
+        self.jobs = ["--jobs", arguments.jobs] if arguments.jobs else []
+        self.count, self.folder = arguments.files, folder
 
-    def roll(to):
-        return measured([tool, "rollup", source, "--to", to, *jobs], stderr=subprocess.DEVNULL)
+    def files(self, count):
+        source = self.folder / f"files {count}"
+        if not source.exists():
+            subprocess.run([self.maker, source, str(count)], check=True)
+        return source
 
-    csv = folder / "csv"
-    seconds, memory = roll(f"csv:{csv}")
-    rows = plain_csv(folder, csv)
-    shown("CSV", seconds, files, rows, memory)
-    shown("CSV again", *roll(f"csv:{csv}")[:1], files, rows, roll(f"csv:{csv}")[1])
-    bare = bare_sqlite(folder, csv)
-    shown(".import", bare, files, rows, 0)
-    for what in ("SQLite", "SQLite again"):
-        seconds, memory = roll(f"sqlite:{folder / 'it.sqlite'}")
-        shown(what, seconds, files, rows, memory, bare)
-    if (PROGRAMS / "initdb").exists():
-        server = Server(folder)
+    def new(self, name):
+        """A place for what is measured; what an earlier call left there goes."""
+        place = self.folder / name
+        if place.is_dir():
+            shutil.rmtree(place)
+        place.unlink(missing_ok=True)
+        return place
+
+    def rows(self):
+        return int((self.folder / "rows").read_text())
+
+    def roll(self, count, to):
+        for file in self.files(count).rglob("*.*"):
+            if file.is_file():
+                file.read_bytes()  # into the system's cache
+        return measured([self.tool, "rollup", self.files(count), "--to", to, *self.jobs],
+                        stderr=subprocess.DEVNULL)
+
+    def first_and_again(self, what, few, to, bare=None):
+        """A tenth of the files to `few`, all of them to `to`, and these again."""
+        tenth = self.count // 10
+        small, memory = self.roll(tenth, few)
+        shown(f"{what}, a tenth", small, tenth, self.rows() / 10, memory)
+        first, memory = self.roll(self.count, to)
+        shown(what, first, self.count, self.rows(), memory, bare)
+        again, memory = self.roll(self.count, to)
+        shown(f"{what} again", again, self.count, self.rows(), memory)
+        print(f"{what}: grows as files^{math.log(first / small, self.count / tenth):.2f}, again "
+              f"{first / again:.0f} times as fast", flush=True)
+
+    def csv(self):
+        (self.folder / "rows").write_text("0")
+        self.first_and_again("CSV", f"csv:{self.new('few csv')}", f"csv:{self.new('csv')}")
+        rows = plain_csv(self.folder, self.folder / "csv")
+        (self.folder / "rows").write_text(str(rows))
+        print(f"{rows} rows", flush=True)
+
+    def sqlite(self):
+        self.new("bare.sqlite")
+        bare = bare_sqlite(self.folder, self.folder / "csv")
+        shown(".import", bare, self.count, self.rows(), 0)
+        self.first_and_again("SQLite", f"sqlite:{self.new('few.sqlite')}",
+                             f"sqlite:{self.new('it.sqlite')}", bare)
+
+    def postgres(self):
+        if not (PROGRAMS / "initdb").exists():
+            return
+        self.new("server")
+        server = Server(self.folder)
         try:
-            bare = bare_postgres(folder, csv, server)
-            shown("COPY", bare, files, rows, 0)
-            for what in ("PostgreSQL", "PostgreSQL again"):
-                seconds, memory = roll(f"postgresql:{server.connection('postgres')}")
-                shown(what, seconds, files, rows, memory, bare)
+            server.run("createdb", "-h", server.folder, "-U", "tester", "few")
+            bare = bare_postgres(self.folder, self.folder / "csv", server)
+            shown("COPY", bare, self.count, self.rows(), 0)
+            self.first_and_again("PostgreSQL", f"postgresql:{server.connection('few')}",
+                                 f"postgresql:{server.connection('postgres')}", bare)
         finally:
             server.stop()
+
+    def check(self):
+        file = next(self.files(self.count).glob("*/*24.fcd"))
+        for to in (f"sqlite:{self.folder / 'it.sqlite'}", f"csv:{self.folder / 'csv'}"):
+            seconds, memory = measured([self.tool, "check", file, "--against", to])
+            shown(f"check --against {to[:6]}", seconds, self.count, self.rows(), memory)
 
 
 def main():
@@ -146,15 +198,16 @@ def main():
     parser.add_argument("--files", type=int, default=1500)
     parser.add_argument("--jobs")
     parser.add_argument("--in", dest="where")
+    parser.add_argument("--only", default="csv,sqlite,postgres,check")
     arguments = parser.parse_args()
-    with tempfile.TemporaryDirectory(prefix="rollup bench ", dir=arguments.where) as name:
-        folder = Path(name)
+    with tempfile.TemporaryDirectory(prefix="rollup bench ") as name:
+        folder = Path(arguments.where or name)
+        folder.mkdir(exist_ok=True)
         folder.chmod(0o755)
-        source = folder / "files"
-        subprocess.run([Path(arguments.build) / "bin/rollup_files", source, str(arguments.files)],
-                       check=True)
+        bench = Bench(arguments, folder)
         print(f"{arguments.files} files", flush=True)
-        question(arguments, folder, source, arguments.files)
+        for part in arguments.only.split(","):
+            getattr(bench, part)()
 
 
 main()
