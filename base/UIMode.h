@@ -1,6 +1,9 @@
 // Busy mode: marks the periods in which the program itself fills controls, with the hourglass
 // pointer.
 //
+// None of the three writes an entry to the trace log: they stand in every change handler, and the
+// log of a session would be mostly theirs.
+//
 // Unbalanced calls are not corrected: the counter is never reset, so a BusyOff too many keeps the
 // flag set after the next balanced pair.
 #pragma once

@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "platform/system/Host.h"
+#include "support/LogFolder.h"
 
 namespace {
 
@@ -67,6 +68,14 @@ TEST_F(UIModeTest, BusyOff_OneTooFewThenOneMore_GoesOnCountingDown) {
     UIMode::BusyOff();
     EXPECT_EQ(UIMode::Remember().counter, -2);
     EXPECT_TRUE(UIMode::NotBusy());
+}
+
+TEST_F(UIModeTest, BusyMode_WritesNoEntries) {
+    const LogFolder folder;
+    UIMode::BusyOn();
+    EXPECT_FALSE(UIMode::NotBusy());
+    UIMode::BusyOff();
+    EXPECT_FALSE(QFile::exists(folder.Path(QStringLiteral("TARN.LOG"))));
 }
 
 TEST_F(UIModeTest, Restore_AfterAFailure_PutsFlagCounterAndPointerBack) {
