@@ -260,8 +260,13 @@ TEST_F(CostTest, LastClass_UpdatesNothingFurther) {
 
 TEST_F(CostTest, EveryKeystroke_IsStored) {
     Load<frm6SuppressAcre>();
-    ClickCell(Grid("grdCosts"), 4, 1);
-    Type(QStringLiteral("12x"));
+    vsFlexGrid& grid = Grid("grdCosts");
+    ClickCell(grid, 4, 1);
+    for (const auto& [key, stored] : {std::pair("1", "1"), {"2", "12"}, {"x", "12"}}) {
+        Type(QString::fromLatin1(key));
+        EXPECT_TRUE(grid.Editing());
+        EXPECT_EQ(grid.TextMatrix(4, 1), QString::fromLatin1(stored)) << "what the table holds";
+    }
     form_->Save();
     EXPECT_EQ(Stored(first_, 3, "TopSize"), 12) << "the leading number, with the editor open";
 }

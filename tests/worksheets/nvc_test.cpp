@@ -242,6 +242,15 @@ TEST_F(NVCTest, TypedValue_IsStoredAndTheTotalFollowsAtOnce) {
     EXPECT_EQ(Grid("grdNVC").DisplayText(4, 3), QStringLiteral("-1234.40"));
 }
 
+TEST_F(NVCTest, TypedValues_OfTheFirstAndTheLastResource_BothCountInTheTotal) {
+    Load<frm5NVCTable>();
+    Enter(Grid("grdNVC"), 1, 6, QStringLiteral("30"));
+    EXPECT_EQ(Total(6), QStringLiteral("$30"));
+    Enter(Grid("grdNVC"), 14, 6, QStringLiteral("4"));
+    EXPECT_EQ(Total(6), QStringLiteral("$34"));
+    EXPECT_EQ(Total(5), QStringLiteral("$0"));
+}
+
 TEST_F(NVCTest, Letters_CountAsZeroAndStayOnTheScreen) {
     Load<frm5NVCTable>();
     vsFlexGrid& grid = Grid("grdNVC");

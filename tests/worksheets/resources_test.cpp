@@ -300,6 +300,18 @@ TEST_F(ResourcesTest, SaveThatFailsAtUnload_IsPassedOnBehindItsEntry) {
     EXPECT_EQ(folder_.Trace().last(), QStringLiteral("   Unloaded frm3SRMaster"));
 }
 
+TEST_F(ResourcesTest, SaveThatFails_IsPassedOnAndTheNoteIsStoredAllTheSame) {
+    AddResources(2);
+    Load<frm3SRMaster>();
+    Find<QLineEdit>("txtSource").setFocus();
+    Type(QStringLiteral("Budget"));
+    Enter(Grid("grdMasterList"), 1, 1, QStringLiteral("Dozer"));
+    PrepDatatables::tblSRMasterList.Close();
+    EXPECT_THROW(form_->Save(), platform::RuntimeError);
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("SRDataSource")),
+              QStringLiteral("Budget"));
+}
+
 TEST_F(ResourcesTest, SourceOfData_IsWrittenOnceAndOnlyWhenChanged) {
     Load<frm3SRMaster>();
     form_->Save();
