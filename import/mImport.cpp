@@ -5,6 +5,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "base/u91Trace.h"
 #include "datafile/FieldNames.h"
@@ -38,13 +39,11 @@ QString zoneName;  // of the zone that is being copied
 // Stays open after an import that found no zones, until the next one or the program's end.
 std::unique_ptr<BramFile> bram;
 
-void ReleaseAtEnd() {
-    static const bool once = [] {
+struct ReleasedAtEnd {
+    ReleasedAtEnd() {
         qAddPostRoutine([] { bram.reset(); });
-        return true;
-    }();
-    (void)once;
-}
+    }
+};
 
 // The hourglass during the copy, and the ordinary pointer after it, however it ends.
 class HourglassScope {
@@ -57,7 +56,7 @@ public:
 
 bool OpenBRAMTables(const QString& path) {
     u91Trace::Start(QStringLiteral("mImport.OpenBRAMTables ") + path);
-    ReleaseAtEnd();
+    static const ReleasedAtEnd once;
     bram.reset();
     try {
         bram = std::make_unique<BramFile>(path);
@@ -75,8 +74,7 @@ bool OpenBRAMTables(const QString& path) {
 
 void BRAM_Close() {
     u91Trace::Procedure(QStringLiteral("BRAM_Close"));
-    bram->Close();
-    bram.reset();
+    std::exchange(bram, nullptr)->Close();
 }
 
 // A row being added; where an error comes in between, nothing of it is left in the record set.
@@ -84,22 +82,16 @@ class NewRow {
 public:
     explicit NewRow(dao::Recordset& rows) : rows_(rows) { rows_.AddNew(); }
     ~NewRow() {
-        if (!stored_) {
-            platform::FirstError known;
-            known.Try([this] { rows_.CancelUpdate(); });
-        }
+        platform::FirstError known;
+        known.Try([this] { rows_.CancelUpdate(); });
     }
     NewRow(const NewRow&) = delete;
     NewRow& operator=(const NewRow&) = delete;
     void Set(const QString& field, const QVariant& value) { rows_.SetField(field, value); }
-    void Store() {
-        rows_.Update();
-        stored_ = true;
-    }
+    void Store() { rows_.Update(); }
 
 private:
     dao::Recordset& rows_;
-    bool stored_ = false;
 };
 
 void BRAM_CopyAAC(const QString& code, std::int32_t zoneKey) {
@@ -120,7 +112,6 @@ void BRAM_CopyAAC(const QString& code, std::int32_t zoneKey) {
         add(++count, costs.get());
         costs->MoveNext();
     }
-    costs->Close();
     for (int sequence = count + 1; sequence <= ZoneKeys::kCostClasses; ++sequence) {
         add(sequence, nullptr);
     }
