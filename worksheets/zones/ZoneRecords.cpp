@@ -205,12 +205,9 @@ void RequireZone(std::int32_t key) {
 // Refuses locations whose rows are those of another zone.
 void RequireRoom(const Zone& zone, std::int32_t firstLocation) {
     const std::int32_t last = FMZRLKey(zone.key, zone.locations);
-    std::int32_t seen = 0;
     for (const auto& [key, resource] : RowsBetween(FMZRLKey(zone.key, firstLocation), last)) {
-        if (key != std::exchange(seen, key)) {
-            if (const auto owner = OwnerOf(key, zone.key)) {
-                RefuseFor(NameOf(zone.name, zone.key), NameOf(owner->name, owner->key));
-            }
+        if (const auto owner = OwnerOf(key, zone.key)) {
+            RefuseFor(NameOf(zone.name, zone.key), NameOf(owner->name, owner->key));
         }
     }
 }
