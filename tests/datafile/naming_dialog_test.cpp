@@ -151,13 +151,17 @@ TEST_F(NamingDialogTest, UnitID_PastedTie_ShowsItsUnitsInTheList) {
 }
 
 TEST_F(NamingDialogTest, UnitID_Unknown_ShowsNeighboursAndAsksForTheName) {
+    const QString search = QStringLiteral("   frmFCDName.GetMatchingIDs ZZZ");
     Type("txtUnitID", QStringLiteral("zzz"));
     EXPECT_EQ(Focus(), QStringLiteral("txtUnitName"));
     EXPECT_EQ(Grid()->TextMatrix(Grid()->Rows() - 1, 1), QStringLiteral("ZUA"));
+    EXPECT_EQ(Steps().count(search), 1);
     QTest::keyClicks(Box("txtUnitName"), QStringLiteral("New unit"));
     Type("txtState", QStringLiteral("wa"));
     EXPECT_EQ(Text("txtFileTitle"), QStringLiteral("ZZZWA") + Year());
     EXPECT_EQ(Focus(), QStringLiteral("txtUnitName")) << "the pair is not in the table";
+    EXPECT_EQ(Steps().count(search), 2);
+    EXPECT_EQ(Grid()->TextMatrix(Grid()->Rows() - 1, 1), QStringLiteral("ZUA"));
     PressOK();
     EXPECT_EQ(dialog_->Result().fileStatus, frmFCDName::kChosen);
     EXPECT_EQ(dialog_->Result().fileName, QStringLiteral("ZZZWA") + Year() + ".FCD");

@@ -107,13 +107,14 @@ protected:
         EXPECT_EQ(run.status, 0) << run.output;
         return QString::fromStdString(run.output).remove(u'\r').trimmed().split(u'\n');
     }
-    static void ExpectWarning(const QStringList& said) {
+    static void ExpectWarning(const QStringList& said, const QString& size) {
         ASSERT_EQ(said.size(), 3) << said.join(u'|').toStdString();
         EXPECT_EQ(said[0],
                   QStringLiteral("TARN Prep: This program is designed for display at 800 x "
                                  "600 resolution or higher."));
         EXPECT_EQ(said[1], QStringLiteral("You may have difficulty using the program with your "
                                           "current display settings."));
+        EXPECT_TRUE(said[2].startsWith(size)) << said[2].toStdString();
         EXPECT_TRUE(said[2].endsWith(QStringLiteral("normal, as it was"))) << said[2].toStdString();
     }
 
@@ -121,8 +122,9 @@ protected:
 };
 
 TEST_F(FrameOnScreen, AtMost8000Twips_WarnsAndLeavesTheFrame) {
-    ExpectWarning(On(640, 480));
-    ExpectWarning(On(800, 533));
+    // With room for a window manager's border and title.
+    ExpectWarning(On(640, 480), QStringLiteral("9540 x 6600 at"));
+    ExpectWarning(On(800, 533), QStringLiteral("11940 x 7395 at"));
 }
 
 TEST_F(FrameOnScreen, AtMost9120Twips_IsMaximised) {

@@ -2,6 +2,7 @@
 
 #include <QLabel>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QWindow>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include "MadeFiles.h"
 #include "RunningProgram.h"
 #include "base/u91Trace.h"
+#include "datafile/PrepDatatables.h"
 #include "datafile/PrepProperties.h"
 #include "platform/controls/FLabel.h"
 #include "shell/ProgramTexts.h"
@@ -204,6 +206,30 @@ TEST_F(Start, WindowClosed_FileOpen_SavesOnce) {
     frame_->close();
     EXPECT_EQ(NewTrace().count(QStringLiteral("   a3PrepForms.UpdateCurrentWorksheet INT")), 1);
     EXPECT_FALSE(PrepDatafile::IsDatafileOpen());
+}
+
+TEST_F(Start, WindowClosed_WorksheetCannotBeSaved_StaysUnlessTheUserLeavesIt) {
+    RunWithFile();
+    ClickTab(2);
+    Click(QStringLiteral("cmdAdd"));
+    QTest::keyClicks(&Get<QLineEdit>(QStringLiteral("txtHeading")), QStringLiteral("Ridge"));
+    PrepDatatables::tblManagementGoals.Close();
+    QSignalSpy unloaded(frame_.get(), &frm0_Prep::Unloaded);
+    {
+        const support::Answers no;
+        frame_->close();
+        ASSERT_EQ(no.Messages().size(), 1U);
+        EXPECT_EQ(no.Messages().front().defaultButton, QMessageBox::No);
+    }
+    EXPECT_TRUE(frame_->isVisible());
+    EXPECT_FALSE(frame_->IsUnloaded());
+    EXPECT_EQ(unloaded.size(), 0);
+    EXPECT_EQ(ShownForm(), QStringLiteral("frm2RMAs"));
+    const support::Answers yes({QMessageBox::Yes});
+    frame_->close();
+    EXPECT_FALSE(frame_->isVisible());
+    EXPECT_TRUE(frame_->IsUnloaded());
+    EXPECT_EQ(unloaded.size(), 1);
 }
 
 TEST_F(Start, LogsCannotBeWritten_RunsAndTellsOnce) {

@@ -5,6 +5,7 @@
 
 #include "RunningProgram.h"
 #include "datafile/PrepDatatables.h"
+#include "datafile/PrepProperties.h"
 #include "shell/frmTabs.h"
 #include "worksheets/zones/ZoneRecords.h"
 
@@ -76,6 +77,23 @@ TEST_F(Worksheets, Switch_ByMenu_LogsTheProtocolInOrder) {
                                 "   DisplayWorksheet 2", "   Load frm2RMAs", "   frm2RMAs.Setup",
                                 "   PositionWorksheet", "   frm0_Prep.StepMenu_Check",
                                 "   frm2RMAs.LoadList", " Finished switching sections"})));
+}
+
+TEST_F(Worksheets, SessionEndsWhileADialogWaits_TheFileAloneIsComplete) {
+    RunWithFile();
+    ClickTab(3);
+    QTest::keyClicks(&Get<QLineEdit>(QStringLiteral("txtSource")), QStringLiteral("Budget"));
+    std::uint64_t pending = 99;
+    support::Answers answers;
+    answers.Then([this, &pending](QWidget& dialog) {
+        frame_->SaveForSessionEnd();
+        pending = PrepDatatables::dbDatafile->PendingOperations();
+        dialog.close();
+    });
+    Click(QStringLiteral("cmdAdd"));
+    EXPECT_EQ(pending, 0U);
+    EXPECT_EQ(PrepProperties::GetProperty(QStringLiteral("SRDataSource")),
+              QStringLiteral("Budget"));
 }
 
 struct Refusal {
@@ -271,8 +289,15 @@ TEST_F(Worksheets, KeysAlongTheTabs_KeepTheKeyboardThereAndNeverReachTabZero) {
 
 TEST_F(Worksheets, ClickOnATab_GivesTheKeyboardToTheWorksheet) {
     RunWithFile();
-    ClickTab(2);
-    EXPECT_TRUE(a3PrepForms::CurrentForm()->isAncestorOf(QApplication::focusWidget()));
+    ZoneRecords::Create(QStringLiteral("North"), 1);
+    for (const int tab : {2, 3, 4, 5, 6}) {
+        ClickTab(tab);
+        const QWidget* focus = QApplication::focusWidget();
+        ASSERT_NE(focus, nullptr) << tab;
+        EXPECT_TRUE(a3PrepForms::CurrentForm()->isAncestorOf(focus)) << tab;
+        EXPECT_NE(focus->focusPolicy() & Qt::TabFocus, 0)
+            << tab << ": " << focus->objectName().toStdString();
+    }
 }
 
 TEST_F(Worksheets, StepKeys_FromATextBox_SaveAndSwitchAsAClickDoes) {
@@ -293,9 +318,11 @@ TEST_F(Worksheets, StepKeys_FromATextBox_SaveAndSwitchAsAClickDoes) {
 TEST_F(Worksheets, StepKeys_FromAnOpenCell_StoreItAndStopAtTheEnds) {
     RunWithFile();
     ZoneRecords::Create(QStringLiteral("North"), 1);
-    ClickTab(6);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
-    EXPECT_EQ(ShownForm(), QStringLiteral("frm6SuppressAcre"));
+    ClickTab(5);
+    for (const char* where : {"next", "beyond the last"}) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+        EXPECT_EQ(ShownForm(), QStringLiteral("frm6SuppressAcre")) << where;
+    }
     ClickTab(4);
     auto& grid = Get(QStringLiteral("grdFMZs"));
     QRect cell;

@@ -408,12 +408,14 @@ TEST_F(ImportTest, EmptyPath_IsCancelled) {
 
 TEST_F(ImportTest, ApostropheInACode_FailsTheQueryAndKeepsWhatWasWritten) {
     const QString path = Made(QStringLiteral("apostrophe.mdb"));
+    mImport::CopyFMZsFrom(QString());
     try {
         mImport::CopyFMZsFrom(path);
         FAIL() << "no error";
     } catch (const platform::RuntimeError& error) {
         EXPECT_EQ(error.Number(), 3075);
     }
+    EXPECT_EQ(mImport::ImportResult(), mImport::kFailed) << "and no longer cancelled";
     EXPECT_EQ(platform::MousePointer(), platform::Pointer::kDefault);
     EXPECT_GT(tblFMZList->RecordCount(), 0);
     EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 9 * (tblFMZList->RecordCount() - 1))
@@ -437,6 +439,7 @@ TEST_F(ImportTest, ValueThatIsNoNumber_LeavesTheRowsBeforeIt) {
     EXPECT_EQ(ValueRows(), 2 * 14 + 4);
     EXPECT_EQ(Value(201, 4, 6), bram_files::CellOf("T2", 4, 6));
     EXPECT_FALSE(PrepDatatables::dbDatafile->InTransaction());
+    EXPECT_THROW(tblNVCPerAcre->Update(), platform::RuntimeError) << "no half row waits there";
     // What was begun and not stored is in nobody's way.
     EXPECT_EQ(Import(QStringLiteral("basic.mdb")), mImport::kCopied);
     PrepDatafile::CloseDatafile();
@@ -451,6 +454,8 @@ TEST_F(ImportTest, NameThatIsTooLong_NamesTheZoneAndTheText) {
         EXPECT_TRUE(error.Description().contains(QStringLiteral("zone B2 "))) << error.what();
         EXPECT_TRUE(
             error.Description().contains(QStringLiteral("\"B2-%1\"").arg(QString(44, u'x'))))
+            << error.what();
+        EXPECT_TRUE(error.Description().contains(QStringLiteral("before this one (1)")))
             << error.what();
     }
     EXPECT_EQ(tblFMZList->RecordCount(), 1) << "the zone before it";

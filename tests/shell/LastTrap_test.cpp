@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include "base/UIMode.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
+#include "platform/system/Host.h"
 #include "support/Answers.h"
 #include "support/LogFolder.h"
 
@@ -44,6 +46,18 @@ TEST_F(LastTrapTest, ErrorOfNothingInParticular_IsToldAsItIs) {
 
 TEST_F(LastTrapTest, FullDisk_SaysWhatCanBeDone) {
     EXPECT_TRUE(Told(platform::kDiskFull, QString()).informative.contains("Make room"));
+}
+
+TEST_F(LastTrapTest, BusyModeOfAHandlerThatFails_IsPutBack) {
+    const support::Answers answers;
+    platform::EventTrap::Run("frm5NVCTable.Setup", [] {
+        UIMode::BusyOn();
+        UIMode::BusyOn();
+        throw platform::RuntimeError(9, "It failed.");
+    });
+    EXPECT_TRUE(UIMode::NotBusy());
+    EXPECT_EQ(UIMode::Remember().counter, 0);
+    EXPECT_EQ(platform::MousePointer(), platform::Pointer::kDefault);
 }
 
 TEST_F(LastTrapTest, BothLogs_KeepProcedureNumberAndSubject) {

@@ -252,6 +252,7 @@ TEST_F(ResourceListTest, AppendedRows_BecomeResourcesWithTheirValues) {
     EXPECT_EQ(ResourceRecords::All()[2].cost, 7.0F);
     EXPECT_EQ(ResourceRecords::All()[2].unitType, QStringLiteral("time"));
     ASSERT_EQ(done_.size(), 1U);
+    EXPECT_EQ(names_, QStringList(QStringLiteral("Paste")));
     Undo();
     EXPECT_EQ(Stored(), QStringLiteral("A1"));
     Redo();

@@ -405,6 +405,17 @@ TEST_F(NVCTest, TextThatIsNoPlainNumber_IsMarkedUntilTheTableIsShownAgain) {
     EXPECT_EQ(grid.CellNote(4, 3), QString());
 }
 
+TEST_F(NVCTest, CurrencySign_IsNoPartOfANumber) {
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    Enter(grid, 4, 3, QStringLiteral("$1,250"));
+    EXPECT_EQ(grid.TextMatrix(4, 3), QStringLiteral("$1,250"));
+    EXPECT_EQ(grid.CellNote(4, 3), QStringLiteral("Stored as 0"));
+    EXPECT_EQ(Total(3), QStringLiteral("$0"));
+    Leave();
+    EXPECT_EQ(Stored(first_ * 100 + 1, 4, 3), 0);
+}
+
 TEST_F(NVCTest, TypedKey_StoresAlsoTheValueThatWasThere) {
     Load<frm5NVCTable>();
     ClickCell(Grid("grdNVC"), 2, 2);
