@@ -2,9 +2,13 @@
 """Plants small mistakes in the source and names those that no test notices.
 
 A copy of the tree is built into build-mutation with all chosen mistakes in it, each behind a switch:
-TARN_MISTAKE=17 in the environment turns the seventeenth on. So one build serves them all, and each costs
-only the tests that are run until one fails. What cannot stand behind a switch (a constant that the compiler
-needs, a declaration) is left out of the choice.
+TARN_MISTAKE=17 in the environment turns the seventeenth on. So one build serves them all. A first run
+without a mistake writes down which test comes by which switch, and each mistake is then tried with those
+tests only, until one fails. What cannot stand behind a switch (a constant that the compiler needs, a
+declaration) is left out of the choice.
+
+The mistakes that no test can notice, since the program does the same with them, are listed in
+tools/mutation.list with the reason; they are not counted.
 
 Usage: tools/mutation.py [--count N] [--seed N] [--wrap COMMAND] [--again FILE] FOLDER...
   FOLDER  datafile, import, worksheets, shell: where mistakes are made
@@ -20,6 +24,7 @@ import re
 import shutil
 import subprocess
 import sys
+import time
 from itertools import zip_longest
 from pathlib import Path
 
@@ -28,6 +33,8 @@ COPY = ROOT / "build-mutation"
 TREE = COPY / "tree"
 BUILD = TREE / "build"
 OUTPUT = COPY / "output"
+REACHED = COPY / "reached"
+EQUAL = ROOT / "tools/mutation.list"
 MOST_UNNOTICED = 5.0
 # The test programs that can notice a mistake in a folder, the quickest first.
 NOTICED_BY = {"datafile": ("datafile", "import", "gui", "worksheets"),
@@ -39,7 +46,7 @@ PARTS = {"shell": ("shell", "base")}
 # Where things stand in a window is judged by its picture.
 LOOKS = ("Layout.cpp", "Scenery.cpp", "frm0Start.cpp")
 # Hard tests that run long and notice nothing that the others would not.
-LEFT_OUT = ["*Crash*", "*FailingDisk*", "*RandomUse*", "*random*", "*Random*", "*Fonts*", "*Walk*"]
+LEFT_OUT = ["ImportCrash.*", "*FailingDisk*", "*RandomUse*", "Fonts/*", "*Walk.*"]
 
 # "a == Compared{17} << b" reads as "a == (Compared{17} << b)", whatever a and b are, so the
 # operands need not be found in the text.
@@ -50,9 +57,37 @@ SWITCHES = """#pragma once
 #pragma GCC diagnostic ignored "-Wparentheses"
 #pragma GCC diagnostic ignored "-Wshadow"
 #pragma GCC diagnostic ignored "-Wextra"
+#include <cstdio>
 #include <cstdlib>
+#include <mutex>
+#include <set>
+#include <string>
+#include <gtest/gtest.h>
+// Programs that are no tests come by the switches as well, and are linked without the framework.
+extern "C" testing::UnitTest* TarnTests()
+    __asm__("_ZN7testing8UnitTest11GetInstanceEv") __attribute__((weak));
+extern "C" const testing::TestInfo* TarnTest(const testing::UnitTest*)
+    __asm__("_ZNK7testing8UnitTest17current_test_infoEv") __attribute__((weak));
+inline void WriteReached(const char* path, int number) {
+    static std::mutex mutex;
+    static std::set<std::pair<std::string, int>> written;
+    const std::lock_guard lock(mutex);
+    const testing::TestInfo* test = TarnTests != nullptr ? TarnTest(TarnTests()) : nullptr;
+    const std::string name =
+        test != nullptr ? std::string(test->test_suite_name()) + "." + test->name() : "-";
+    if (written.emplace(name, number).second) {
+        if (std::FILE* file = std::fopen(path, "ae")) {
+            std::fprintf(file, "%s %d\\n", name.c_str(), number);
+            std::fclose(file);
+        }
+    }
+}
 inline int Mistake(int number) {
     static const int planted = std::getenv("TARN_MISTAKE") ? std::atoi(std::getenv("TARN_MISTAKE")) : 0;
+    static const char* const reached = std::getenv("TARN_REACHED");
+    if (reached != nullptr) {
+        WriteReached(reached, number);
+    }
     return number == planted ? 1 : 0;
 }
 template <class Right> struct ComparedTo { const Right& right; bool planted; };
@@ -105,7 +140,7 @@ class Mistake:
 
 def in_text(line, at):
     """Whether the place lies in a text or a comment."""
-    return line[:at].count('"') % 2 == 1 or "//" in line[:at]
+    return line[:at].replace('\\"', "").count('"') % 2 == 1 or "//" in line[:at]
 
 
 def operand_end(line, at, step, stops):
@@ -282,39 +317,66 @@ def build_with(chosen, count, programs, wrap):
     sys.exit(f"{BUILD} cannot be built, see {OUTPUT}")
 
 
-def test(name, number, wrap, options=("--gtest_fail_fast",)):
+def test(name, number, wrap, only="", options=("--gtest_fail_fast",), seconds=1200):
+    """Whether a test of the program fails; one that waits for good fails too."""
     environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "TARN_DAMAGE": "1",
                    "TARN_KILLS": "1", "TARN_CUTS": "1", "TARN_MISTAKE": str(number)}
+    if not number:
+        environment["TARN_REACHED"] = str(REACHED)
     try:
         return run([str(BUILD / f"bin/{name}_tests"), "--gtest_brief=1", *options,
-                    "--gtest_filter=-" + ":".join(LEFT_OUT)], wrap, env=environment, timeout=100)
+                    f"--gtest_filter={only}-" + ":".join(LEFT_OUT)], wrap, env=environment,
+                   timeout=seconds)
     except subprocess.TimeoutExpired:
-        return 1  # it hangs, which is noticed
+        return 1
 
 
-def leave_out_failing(name, wrap):
-    """A test that fails without a mistake cannot notice one."""
-    if test(name, 0, wrap, ()):
+def reaching_tests(name, wrap):
+    """Runs a program without a mistake: the tests by the number of each switch that they come by, and
+    how long all took. A test that fails then cannot notice anything."""
+    REACHED.unlink(missing_ok=True)
+    began = time.monotonic()
+    if test(name, 0, wrap, options=()):
         text = OUTPUT.read_text(encoding="utf-8", errors="replace")
         failing = set(re.findall(r"^\[  FAILED  \] ([\w./]+)", text, re.M))
         if not failing:
             sys.exit(f"{name}_tests end or hang without a mistake, see {OUTPUT}")
         print(f"left out, since they fail without a mistake: {' '.join(sorted(failing))}", flush=True)
         LEFT_OUT.extend(sorted(failing))
+    tests = {}
+    for line in REACHED.read_text(encoding="utf-8").splitlines() if REACHED.exists() else ():
+        reached_by, number = line.rsplit(" ", 1)
+        tests.setdefault(int(number), {})[reached_by] = None
+    return tests, time.monotonic() - began
 
 
-def outcome(folder, number, wrap):
+def outcome(folder, number, tests, wrap):
     """What becomes of the mistake of that number."""
+    tries = []
     for program in NOTICED_BY[folder]:
-        if test(program, number, wrap):
-            failed = re.search(r"\[  FAILED  \] ([\w./]+)", OUTPUT.read_text(encoding="utf-8", errors="replace"))
+        names = tests[program][0].get(number, {})
+        inside = ":".join(name for name in names if name != "-")
+        tries += [(program, inside)] if inside else []
+    # Outside of a test: in a program that a test starts, or before the first one.
+    tries += [(program, "") for program in NOTICED_BY[folder] if "-" in tests[program][0].get(number, {})]
+    for program, only in tries:
+        if test(program, number, wrap, only, seconds=60 + 4 * tests[program][1]):
+            failed = re.search(r"\[  FAILED  \] ([\w./]+)",
+                               OUTPUT.read_text(encoding="utf-8", errors="replace"))
             return f"noticed by {program}, {failed[1] if failed else 'which ended or hung'}"
     return "UNNOTICED"
 
 
+def equal_in_effect():
+    """The mistakes of the list, each without its reason."""
+    lines = EQUAL.read_text(encoding="utf-8").splitlines() if EQUAL.exists() else ()
+    return {line for line in lines if line and not line.startswith((" ", "#"))}
+
+
 def choice(arguments):
     """The mistakes in the order in which they are tried."""
-    found = list(all_mistakes(arguments.folders))
+    equal = equal_in_effect()
+    found = [mistake for mistake in all_mistakes(arguments.folders) if mistake.key() not in equal]
     if arguments.again:
         text = Path(arguments.again).read_text(encoding="utf-8")
         wanted = {re.sub(r":\d+: ", ": ", line.removeprefix("UNNOTICED: "), count=1)
@@ -337,11 +399,10 @@ def main():
     programs = sorted({name for folder in arguments.folders for name in NOTICED_BY[folder]})
     TREE.mkdir(parents=True, exist_ok=True)
     planted = build_with(choice(arguments), arguments.count, programs, wrap)
-    for name in programs:
-        leave_out_failing(name, wrap)
+    tests = {name: reaching_tests(name, wrap) for name in programs}
     unnoticed = 0
     for number, mistake in enumerate(planted, 1):
-        result = outcome(mistake.folder, number, wrap)
+        result = outcome(mistake.folder, number, tests, wrap)
         unnoticed += result == "UNNOTICED"
         print(f"{result}: {mistake}", flush=True)
     share = 100 * unnoticed / max(len(planted), 1)
