@@ -12,22 +12,8 @@
 #include "shell/Scenery.h"
 #include "shell/frm0_Prep.h"
 
-namespace {
-
-// The command line is one text, the path of a data file: nothing in it is a switch, and no blank
-// separates arguments.
-QString CommandLine(int argc, char* argv[]) {
-    QStringList words;
-    for (int i = 1; i < argc; ++i) {
-        words += platform::FromNativePath(argv[i]);
-    }
-    return words.join(QLatin1Char(' '));
-}
-
-}  // namespace
-
 int main(int argc, char* argv[]) {
-    const QString commandLine = CommandLine(argc, argv);
+    const QString commandLine = platform::CommandLine(argc, argv);
     int programNameOnly = 1;
     platform::Beside fonts(platform::ReadFonts);
     QApplication application(programNameOnly, argv);

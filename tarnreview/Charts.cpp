@@ -1,17 +1,13 @@
 #include "tarnreview/Charts.h"
 
-#include <QCoreApplication>
-#include <QPluginLoader>
 #include <QWidget>
 
-#include "platform/system/Host.h"
+#include "platform/system/LateLibrary.h"
 
 namespace {
 
 ChartLibrary* Library() {
-    static QPluginLoader loader(
-        platform::JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("libtarnplots")));
-    return qobject_cast<ChartLibrary*>(loader.instance());
+    return platform::LateLibrary<ChartLibrary>(QStringLiteral("tarnplots"));
 }
 
 }  // namespace

@@ -38,22 +38,13 @@ bool Answered(int argc, char* argv[]) {
     return false;
 }
 
-// One path, which may hold blanks.
-QString PathOf(int argc, char* argv[]) {
-    QStringList words;
-    for (int i = 1; i < argc; ++i) {
-        words += platform::FromNativePath(argv[i]);
-    }
-    return words.join(QLatin1Char(' '));
-}
-
 }  // namespace
 
 int main(int argc, char* argv[]) {
     if (Answered(argc, argv)) {
         return 0;
     }
-    const QString path = PathOf(argc, argv);
+    const QString path = platform::CommandLine(argc, argv);
     int programNameOnly = 1;
     platform::Beside fonts(platform::ReadFonts);
     QApplication application(programNameOnly, argv);

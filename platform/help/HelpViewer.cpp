@@ -4,7 +4,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QPluginLoader>
 #include <QPointer>
 #include <QScreen>
 #include <algorithm>
@@ -12,7 +11,7 @@
 #include "platform/EventTrap.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/help/HelpLibrary.h"
-#include "platform/system/Host.h"
+#include "platform/system/LateLibrary.h"
 
 namespace platform {
 namespace {
@@ -30,9 +29,7 @@ QPointer<HelpFrame> window;
 
 // The library with the help window, loaded when it is asked for first; null when it is not there.
 HelpLibrary* Library() {
-    static QPluginLoader loader(
-        JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("tarnhelp")));
-    return qobject_cast<HelpLibrary*>(loader.instance());
+    return LateLibrary<HelpLibrary>(QStringLiteral("tarnhelp"));
 }
 
 // Tells the user why there is no help; nothing else depends on it.

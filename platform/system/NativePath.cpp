@@ -1,5 +1,6 @@
 #include "platform/system/NativePath.h"
 
+#include <QStringList>
 #include <QUtf8StringView>
 #include <algorithm>
 #include <string>
@@ -87,5 +88,13 @@ QString ShownPath(QString path) {
 }
 
 #endif
+
+QString CommandLine(int argc, char* argv[]) {
+    QStringList words;
+    for (int i = 1; i < argc; ++i) {
+        words += FromNativePath(argv[i]);
+    }
+    return words.join(QLatin1Char(' '));
+}
 
 }  // namespace platform

@@ -12,6 +12,9 @@
 namespace platform {
 
 QString FromNativePath(const char* path);
+// What stands behind the program's name, as one text, the path of a file: nothing in it is a
+// switch, and no blank separates arguments.
+QString CommandLine(int argc, char* argv[]);
 std::filesystem::path ToNativePath(const QString& path);
 // The same for people to read: such bytes as the Latin-1 letters that they most likely are.
 QString ShownPath(QString path);

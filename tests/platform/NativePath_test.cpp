@@ -35,4 +35,11 @@ TEST(NativePath, BytesThatAreNoCharacters_AreShownAsLatinLetters) {
 
 #endif
 
+TEST(CommandLine, Words_AreOnePathWithItsBlanks) {
+    std::string words[] = {"tarnprep", "-style", "my", "unit.fcd"};
+    char* argv[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data()};
+    EXPECT_EQ(platform::CommandLine(4, argv), QStringLiteral("-style my unit.fcd"));
+    EXPECT_EQ(platform::CommandLine(1, argv), QString());
+}
+
 }  // namespace
