@@ -72,6 +72,7 @@ void frmFCDName::SetupGrid() {
     grdUnits_->SetColWidth(kStateColumn, kCodeWidth);
     grdUnits_->SetColFills(kNameColumn);
     ShowUnits({}, kNameColumn, QString());
+    grdUnits_->FitHeadings();
 }
 
 bool frmFCDName::OpenNameTables() {

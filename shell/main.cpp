@@ -8,6 +8,7 @@
 #include "platform/system/OwnFonts.h"
 #include "platform/system/StartHelpers.h"
 #include "platform/system/Termination.h"
+#include "platform/system/Translations.h"
 #include "shell/LastTrap.h"
 #include "shell/Scenery.h"
 #include "shell/frm0_Prep.h"
@@ -18,6 +19,7 @@ int main(int argc, char* argv[]) {
     platform::Beside fonts(platform::ReadFonts);
     QApplication application(programNameOnly, argv);
     const platform::Beside bus(platform::ConnectToSessionBus);
+    platform::LoadTranslations();
     // A message box may be the only window for a while; the program ends with the main frame.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(new LegibleStyle);

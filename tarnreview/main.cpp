@@ -13,6 +13,7 @@
 #include "platform/system/OwnFonts.h"
 #include "platform/system/StartHelpers.h"
 #include "platform/system/Termination.h"
+#include "platform/system/Translations.h"
 #include "tarnreview/Failures.h"
 #include "tarnreview/ReviewIcon.h"
 #include "tarnreview/frmReview.h"
@@ -49,6 +50,7 @@ int main(int argc, char* argv[]) {
     platform::Beside fonts(platform::ReadFonts);
     QApplication application(programNameOnly, argv);
     const platform::Beside bus(platform::ConnectToSessionBus);
+    platform::LoadTranslations();
     QGuiApplication::setDesktopFileName(QStringLiteral("tarnreview"));
     QApplication::setStyle(new LegibleStyle);
     QApplication::setWindowIcon(ReviewIcon());

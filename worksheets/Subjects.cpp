@@ -6,16 +6,16 @@ namespace {
 
 constexpr int kNamed = 3;
 
-QString Translate(const char* text) {
-    return QCoreApplication::translate("Subjects", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(Subjects)
+};
 
 }  // namespace
 
 namespace Subjects {
 
 QString Shown(const QString& name) {
-    return name.trimmed().isEmpty() ? Translate("(no name)") : name;
+    return name.trimmed().isEmpty() ? Texts::tr("(no name)") : name;
 }
 
 QString Of(const QStringList& names) {
@@ -25,7 +25,7 @@ QString Of(const QStringList& names) {
     }
     const qsizetype more = names.size() - first.size();
     const QString named = first.join(QStringLiteral(", "));
-    return more <= 0 ? named : Translate("%1 and %2 more").arg(named).arg(more);
+    return more <= 0 ? named : Texts::tr("%1 and %2 more").arg(named).arg(more);
 }
 
 }  // namespace Subjects

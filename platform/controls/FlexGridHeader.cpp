@@ -127,6 +127,21 @@ QSize FlexGridHeader::sectionSizeFromContents(int col) const {
     return {widest + 2 * kPadding, sizeHint().height()};
 }
 
+int FlexGridHeader::RoomForWords(int col) const {
+    int widest = 0;
+    for (const Block& block : Blocks()) {
+        if (block.left != col || block.right != col) {
+            continue;
+        }
+        for (const QString& line : Lines(model_.Text(block.top, block.left))) {
+            for (const QString& word : line.split(u' ')) {
+                widest = std::max(widest, fontMetrics().horizontalAdvance(word));
+            }
+        }
+    }
+    return widest + 2 * kMargin + 1;
+}
+
 std::vector<FlexGridHeader::Block> FlexGridHeader::Blocks() const {
     const int rows = model_.FixedRows();
     const int cols = model_.Cols();

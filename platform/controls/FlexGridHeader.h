@@ -17,6 +17,9 @@ public:
     [[nodiscard]] QRect CellRect(int row, int col) const;
     [[nodiscard]] QSize sizeHint() const override;
 
+    // What the longest word of a column's own headings takes.
+    [[nodiscard]] int RoomForWords(int col) const;
+
 signals:
     void Clicked();
 

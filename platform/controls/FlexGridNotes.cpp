@@ -10,9 +10,9 @@
 namespace FlexGridNotes {
 namespace {
 
-QString Tr(const char* text) {
-    return QCoreApplication::translate("FlexGridNotes", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(FlexGridNotes)
+};
 
 QString Named(const Cell& cell) {
     QStringList names{cell.row, cell.heading};
@@ -28,20 +28,22 @@ QString Fitting(const QString& number, int longest) {
 }  // namespace
 
 QString StoredAs(const QString& stored) {
-    return stored.isEmpty() ? Tr("Stored as nothing") : Tr("Stored as %1").arg(stored);
+    return stored.isEmpty() ? Texts::tr("Stored as nothing")
+                            : Texts::tr("Stored as %1").arg(stored);
 }
 
 QString ReadAs(const Cell& cell, const QString& typed, const QString& stored, bool number,
                int longest) {
     if (!number) {
-        return Tr("%1: '%2' was stored as '%3'.").arg(Named(cell), typed, stored);
+        return Texts::tr("%1: '%2' was stored as '%3'.").arg(Named(cell), typed, stored);
     }
     if (platform::IsPlainNumber(typed)) {
-        return Tr("%1: '%2' became %3.").arg(Named(cell), typed, stored);
+        return Texts::tr("%1: '%2' became %3.").arg(Named(cell), typed, stored);
     }
     const QString meant = Meant(typed, longest);
-    const QString advice = meant.isEmpty() ? Tr("Type a number.") : Tr("Type %1.").arg(meant);
-    return Tr("%1: '%2' was read as %3. %4").arg(Named(cell), typed, stored, advice);
+    const QString advice =
+        meant.isEmpty() ? Texts::tr("Type a number.") : Texts::tr("Type %1.").arg(meant);
+    return Texts::tr("%1: '%2' was read as %3. %4").arg(Named(cell), typed, stored, advice);
 }
 
 QString Refused(const Cell& cell, const QString& reason) {

@@ -107,6 +107,8 @@ public:
     void SetColWidth(int col, int twips);
     // What something outside the grid, such as a total below the column, needs at least; pixels.
     void SetColRoom(int col, int pixels);
+    // Gives each column the room of its heading's longest word, which some languages need more for.
+    void FitHeadings();
     // Lets the column take what room the others leave, unless the user has set its width.
     void SetColFills(int col);
     // The widths, in twips, of the columns that the user has resized: to be kept while the form is

@@ -119,6 +119,12 @@ void vsFlexGrid::SetColRoom(int col, int pixels) {
     }
 }
 
+void vsFlexGrid::FitHeadings() {
+    for (int col = 0; col < Cols(); ++col) {
+        SetColRoom(col, impl_->header->RoomForWords(col));
+    }
+}
+
 // Columns of figures grow until the longest shows whole; they shrink again when all is shown anew.
 void vsFlexGrid::FitFigures(int first, int last) {
     const bool all = first <= FixedRows() && last >= Rows() - 1;

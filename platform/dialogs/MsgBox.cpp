@@ -84,6 +84,18 @@ QWidget* ActiveWindow() {
     return last != nullptr && last->isVisible() ? last : nullptr;
 }
 
+// The name that programs find it by, in whatever language its caption is.
+QString ButtonName(QMessageBox::StandardButton button) {
+    switch (button) {
+        case QMessageBox::Yes:
+            return QStringLiteral("cmdYes");
+        case QMessageBox::No:
+            return QStringLiteral("cmdNo");
+        default:
+            return QStringLiteral("cmdOK");
+    }
+}
+
 void NameButtons(QMessageBox& box) {
     for (QAbstractButton* button : box.buttons()) {
         if (box.buttonRole(button) == QMessageBox::ActionRole) {
@@ -91,10 +103,8 @@ void NameButtons(QMessageBox& box) {
             button->setObjectName(QStringLiteral("cmdDetails"));
             continue;
         }
-        QString name = button->text();
-        name.remove(u'&');
-        button->setObjectName(QStringLiteral("cmd") + name);
-        button->setAccessibleName(name);
+        button->setObjectName(ButtonName(box.standardButton(button)));
+        button->setAccessibleName(button->text().remove(u'&'));
     }
 }
 

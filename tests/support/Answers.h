@@ -44,6 +44,9 @@ public:
     // What to do with a modal window that is no message box, once for each.
     void Then(std::function<void(QWidget&)> step) { steps_.push_back(std::move(step)); }
 
+    // What looks at each modal window before it is answered.
+    void See(std::function<void(QWidget&)> look) { look_ = std::move(look); }
+
     [[nodiscard]] const std::vector<Message>& Messages() const { return messages_; }
     [[nodiscard]] QStringList Texts() const {
         QStringList texts;
@@ -56,6 +59,9 @@ public:
 private:
     void Look() {
         QWidget* modal = QApplication::activeModalWidget();
+        if (look_ && modal != nullptr && modal->isVisible()) {
+            look_(*modal);
+        }
         if (auto* box = qobject_cast<QMessageBox*>(modal)) {
             Press(*box);
         } else if (modal != nullptr && modal->isVisible() && !steps_.empty()) {
@@ -86,6 +92,7 @@ private:
     QTimer timer_;
     std::deque<QMessageBox::StandardButton> buttons_;
     std::deque<std::function<void(QWidget&)>> steps_;
+    std::function<void(QWidget&)> look_;
     std::vector<Message> messages_;
 };
 

@@ -131,6 +131,7 @@ void frm6SuppressAcre::FormatCostGrid() {
             col, isSize ? vsFlexGrid::DataType::kSingle : vsFlexGrid::DataType::kCurrency);
         grdCosts_->SetColFormat(col, isSize ? QStringLiteral("#,#.00") : QStringLiteral("$#,#"));
     }
+    grdCosts_->FitHeadings();
     KeepWidths(*grdCosts_);
 }
 

@@ -34,6 +34,13 @@ QString NameOf(const QString& name, std::int32_t key) {
     return name.isEmpty() ? Texts::tr("The zone without a name (key %1)").arg(key) : name;
 }
 
+QString NewZone() {
+    return Texts::tr("A new zone");
+}
+QString GoneZone() {
+    return Texts::tr("a zone that is gone");
+}
+
 void WarnSmaller(const QString& name) {
     u91Trace::Warning(QStringLiteral("New RLCount is smaller for FMZ ") + name);
 }
@@ -167,8 +174,7 @@ std::int32_t AddZoneWithFreeKeys(const QString& name, std::int32_t locations) {
         }
         if (tries == kMostTries) {
             const auto owner = OwnerOf(FMZRLKey(key, 1), key);
-            RefuseFor(Texts::tr("A new zone"),
-                      owner ? NameOf(owner->name, owner->key) : Texts::tr("a zone that is gone"));
+            RefuseFor(NewZone(), owner ? NameOf(owner->name, owner->key) : GoneZone());
         }
         tblFMZList->Delete();
     }

@@ -1,0 +1,41 @@
+#include "platform/system/Translations.h"
+
+#include <QCoreApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
+
+#include <memory>
+
+#include "platform/system/Host.h"
+
+namespace platform {
+
+namespace {
+
+// The application owns what it has installed, and lets go of it when it ends.
+bool Install(const QString& name, const QString& folder, const QLocale& locale) {
+    auto translator = std::make_unique<QTranslator>(QCoreApplication::instance());
+    if (!translator->load(locale, name, QStringLiteral("_"), folder)) {
+        return false;
+    }
+    return QCoreApplication::installTranslator(translator.release());
+}
+
+}  // namespace
+
+bool LoadTranslations(const QString& folder, const QLocale& locale) {
+    // Buttons in a language that the questions above them are not in would help nobody.
+    if (!Install(QStringLiteral("tarnprep"), folder, locale)) {
+        return false;
+    }
+    Install(QStringLiteral("qtbase"), QLibraryInfo::path(QLibraryInfo::TranslationsPath), locale);
+    return true;
+}
+
+bool LoadTranslations() {
+    return LoadTranslations(
+        JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("translations")),
+        QLocale::system());
+}
+
+}  // namespace platform
