@@ -8,38 +8,21 @@ architecture=$(dpkg --print-architecture)
 stage=$out/deb
 rm -rf "$stage"
 
-# The program folder here is the pattern from which each user's own is made.
-stage_program "$stage/usr/lib/tarnprep"
-stage_tools "$stage/usr/bin"
-stage_icons "$stage/usr/share/icons/hicolor"
-install -D -m 755 "$root/packaging/deb/tarnprep" "$stage/usr/bin/tarnprep"
-install -D -m 644 "$root/packaging/tarnprep.desktop" \
-    "$stage/usr/share/applications/tarnprep.desktop"
-install -D -m 755 "$root/packaging/deb/tarnprep" "$stage/usr/bin/tarnreview"
-install -D -m 644 "$root/packaging/tarnreview.desktop" \
-    "$stage/usr/share/applications/tarnreview.desktop"
-install -D -m 644 "$root/packaging/tarnprep-mime.xml" \
-    "$stage/usr/share/mime/packages/tarnprep.xml"
-install -D -m 644 "$root/packaging/tarnprep.metainfo.xml" \
-    "$stage/usr/share/metainfo/org.tarnprep.tarnprep.metainfo.xml"
-mkdir -p "$stage/usr/share/doc/tarnprep"
-cat "$root/LICENSE" >"$stage/usr/share/doc/tarnprep/copyright"
+stage "$stage/usr" program launcher tools desktop documents
+printf '%s\n' "$version" >"$stage/usr/lib/tarnprep/VERSION"
+documents=$stage/usr/share/doc/tarnprep
+rm "$documents/LICENSE"
+cat "$root/LICENSE" >"$documents/copyright"
 printf '\nOn Debian systems the GNU General Public License, version 3, is in\n%s\n' \
-    /usr/share/common-licenses/GPL-3 >>"$stage/usr/share/doc/tarnprep/copyright"
-mkdir -p "$stage/usr/share/man/man1"
-for page in "$root"/packaging/man/*.1; do
-    gzip -9n <"$page" >"$stage/usr/share/man/man1/$(basename "$page").gz"
-done
-gzip -9n <"$root/CHANGELOG.md" >"$stage/usr/share/doc/tarnprep/CHANGELOG.md.gz"
+    /usr/share/common-licenses/GPL-3 >>"$documents/copyright"
+rm "$documents/LICENSE.charts"
+gzip -9n "$stage"/usr/share/man/man1/*.1 "$documents/CHANGELOG.md"
 released=$(sed -n 's/.*<release .*date="\([0-9-]*\)".*/\1/p' "$root/packaging/tarnprep.metainfo.xml" |
     head -n 1)
 printf 'tarnprep (%s) unstable; urgency=medium\n\n  * %s\n\n -- %s  %s\n' "$version" \
     "A new release; CHANGELOG.md tells what is new in it." \
     "The TARN Prep contributors <maintainers@tarnprep.invalid>" "$(LC_ALL=C date -u -R -d "$released")" |
-    gzip -9n >"$stage/usr/share/doc/tarnprep/changelog.gz"
-install -D -m 644 "$root/packaging/completion/fcdtool" \
-    "$stage/usr/share/bash-completion/completions/fcdtool"
-printf '%s\n' "$version" >"$stage/usr/lib/tarnprep/VERSION"
+    gzip -9n >"$documents/changelog.gz"
 find "$stage" -type d -exec chmod 755 {} +
 find "$stage/usr/lib/tarnprep" "$stage/usr/share" -type f -exec chmod 644 {} +
 chmod 755 "$stage/usr/lib/tarnprep/tarnprep" "$stage/usr/lib/tarnprep/tarnreview" \
@@ -51,10 +34,9 @@ trap 'rm -rf "$work"' EXIT
 mkdir "$work/debian"
 printf 'Source: tarnprep\n\nPackage: tarnprep\nArchitecture: any\n' >"$work/debian/control"
 libraries=$(cd "$work" && dpkg-shlibdeps -O -l/nonexistent "$stage/usr/lib/tarnprep/tarnprep" \
-    "$stage/usr/lib/tarnprep/libtarnhelp.so" "$stage/usr/lib/tarnprep/libtarnpdf.so" \
-    "$stage/usr/lib/tarnprep/libtarnplots.so" "$stage/usr/lib/tarnprep/tarnreview" \
-    "$stage/usr/bin/jetdoctor" \
-    "$stage/usr/bin/jetdump" "$stage/usr/bin/fcdtool" 2>/dev/null |
+    "$stage/usr/lib/tarnprep/tarnreview" "$stage"/usr/lib/tarnprep/*.so \
+    "$stage/usr/bin/jetdoctor" "$stage/usr/bin/jetdump" "$stage/usr/bin/jetsql" \
+    "$stage/usr/bin/fcdtool" 2>/dev/null |
     sed -n 's/^shlibs:Depends=//p')
 
 mkdir -p "$stage/DEBIAN"

@@ -9,16 +9,18 @@ name=TARNPrep-$version-linux-$(uname -m)
 stage=$out/portable/TARNPrep-$version
 rm -rf "$out/portable"
 
-stage_program "$stage"
-stage_tools "$stage"
-stage_icons "$stage/share/icons/hicolor"
-mkdir -p "$stage/share/man/man1" "$stage/share/bash-completion/completions" "$stage/lib"
-cp "$root"/packaging/man/*.1 "$stage/share/man/man1/"
-cp "$root/packaging/completion/fcdtool" "$stage/share/bash-completion/completions/"
-cp "$root/packaging/tarnprep.desktop" "$root/packaging/tarnreview.desktop" \
-    "$root/packaging/tarnprep-mime.xml" "$stage/share/"
-cp "$root/plots/LICENSE" "$stage/LICENSE.charts"
-cp "$root/LICENSE" "$root/packaging/portable/README.txt" "$root/packaging/portable/install" \
+# The program folder itself is what users unpack; the commands lie in it too.
+stage "$out/portable" program tools desktop documents
+mv "$out/portable/lib/tarnprep" "$stage"
+mv "$out/portable/bin"/* "$stage/"
+mv "$out/portable/share" "$stage/share"
+rmdir "$out/portable/lib" "$out/portable/bin"
+mv "$stage"/share/applications/*.desktop "$stage/share/"
+mv "$stage/share/mime/packages/tarnprep.xml" "$stage/share/tarnprep-mime.xml"
+mv "$stage"/share/doc/tarnprep/LICENSE* "$stage/"
+rm -r "$stage/share/applications" "$stage/share/mime" "$stage/share/metainfo" "$stage/share/doc"
+mkdir "$stage/lib"
+cp "$root/packaging/portable/README.txt" "$root/packaging/portable/install" \
     "$root/packaging/portable/uninstall" "$stage/"
 
 # A font for systems without any.
@@ -45,7 +47,7 @@ printf '[Paths]\nPrefix = .\nPlugins = plugins\n' >"$stage/qt.conf"
 
 # The C library and what belongs to it stay the system's own.
 own='^(ld-linux.*|libc|libm|libdl|libpthread|librt|libresolv|libnss_.*)\.so'
-find "$stage" -type f \( -name tarnprep -o -name tarnreview -o -name fcdtool -o -name '*.so' \) -exec ldd {} + |
+find "$stage" -type f \( -name tarnprep -o -name tarnreview -o -name fcdtool -o -name jetsql -o -name '*.so' \) -exec ldd {} + |
     awk '$2 == "=>" && $3 ~ /^\// { print $3 }' | sort -u | while read -r library; do
     if ! basename "$library" | grep -Eq "$own"; then
         cp -L "$library" "$stage/lib/"

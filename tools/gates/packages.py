@@ -16,12 +16,16 @@ import tree
 PACKAGING = tree.ROOT / "packaging"
 PROGRAM_FILES = ["tarnprep", "tarnreview", "libtarnhelp.so", "libtarnplots.so", "fcdtool", "FCD.new", "fcdname.dat", "TARNPlus.hlp", "Costs"]
 PORTABLE_FILES = PROGRAM_FILES + [
-    "jetdoctor", "jetdump", "share/bash-completion/completions/fcdtool", "install", "uninstall", "qt.conf", "lib/libQt6Core.so.6",
+    "jetdoctor", "jetdump", "jetsql", "libjetsql.so", "libtarnpdf.so", "translations/tarnprep_en.qm", "share/man/man1/fcdtool.1", "share/bash-completion/completions/fcdtool", "install", "uninstall", "qt.conf", "lib/libQt6Core.so.6",
     "lib/libQt6Help.so.6", "lib/libxcb-icccm.so.4", "lib/libxkbcommon-x11.so.0",
     "lib/libfontconfig.so.1", "lib/libxlsxwriter.so.4", "lib/libQCustomPlotQt6.so.2.1", "LICENSE.charts", "plugins/platforms/libqxcb.so", "plugins/sqldrivers/libqsqlite.so",
     "plugins/printsupport/libcupsprintersupport.so", "fonts/DejaVuSans.ttf"]
 BROUGHT = ["FCD.new", "fcdname.dat", "TARNPlus.hlp"]  # into each user's folder
 DEB_FILES = ["usr/bin/tarnprep", "usr/bin/jetdoctor", "usr/bin/fcdtool", "usr/lib/tarnprep/FCD.new",
+             "usr/bin/jetsql", "usr/bin/jetdump",
+             "usr/lib/tarnprep/libjetsql.so", "usr/lib/tarnprep/libtarnpdf.so", "usr/lib/tarnprep/TARNPlus.hlp",
+             "usr/lib/tarnprep/translations/tarnprep_en.qm", "usr/share/metainfo/org.tarnprep.tarnprep.metainfo.xml",
+             "usr/share/icons/hicolor/48x48/apps/tarnreview.png", "usr/share/doc/tarnprep/copyright",
              "usr/share/applications/tarnprep.desktop", "usr/share/mime/packages/tarnprep.xml",
              "usr/share/man/man1/tarnprep.1.gz",
              "usr/bin/tarnreview", "usr/lib/tarnprep/libtarnplots.so",
@@ -108,7 +112,8 @@ class Launcher:
     """The Debian launcher with a pattern folder whose program only says what it was given."""
 
     def __init__(self, folder):
-        self.pattern = folder / "pattern"
+        self.pattern = folder / "lib/tarnprep"
+        (folder / "bin").mkdir()
         (self.pattern / "Costs").mkdir(parents=True)
         (self.pattern / "Costs/Sample.fcd").write_text("sample")
         for name in ["libtarnhelp.so", "tarnreview", "fcdtool", *BROUGHT]:
@@ -116,9 +121,8 @@ class Launcher:
         (self.pattern / "tarnreview").write_text('#!/bin/sh\necho "review|$*"\n')
         (self.pattern / "tarnreview").chmod(0o755)
         self.release("1")
-        self.script = folder / "launcher"
-        text = (PACKAGING / "deb/tarnprep").read_text()
-        self.script.write_text(text.replace("/usr/lib/tarnprep", str(self.pattern)))
+        self.script = folder / "bin/tarnprep"
+        shutil.copy(PACKAGING / "launcher", self.script)
         self.home = folder / "a home"
 
     def release(self, version):
