@@ -1,6 +1,7 @@
 #include "review/next_year.h"
 
 #include <algorithm>
+#include <set>
 
 #include "season/file_name.h"
 #include "season/schema.h"
@@ -11,15 +12,20 @@ namespace review {
 namespace {
 
 void DropZones(season::Season& season, const std::vector<std::string>& names) {
+    const auto nameOf = [](const season::Zone& zone) {
+        return season::NameKey(season::Words(zone.name));
+    };
+    std::set<std::string> dropped;
     for (const std::string& name : names) {
         const std::string key = season::NameKey(name);
-        const auto isMeant = [&key](const season::Zone& zone) {
-            return season::NameKey(season::Words(zone.name)) == key;
-        };
-        if (std::erase_if(season.zones, isMeant) == 0) {
+        const bool isThere = std::any_of(season.zones.begin(), season.zones.end(),
+                                         [&](const auto& zone) { return nameOf(zone) == key; });
+        if (!isThere) {
             throw UnknownZone("There is no zone \"" + name + "\".");
         }
+        dropped.insert(key);
     }
+    std::erase_if(season.zones, [&](const auto& zone) { return dropped.contains(nameOf(zone)); });
 }
 
 void SetProperties(season::Season& season, int year) {

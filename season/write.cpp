@@ -208,6 +208,19 @@ private:
     jet::FileSystem& files_;
 };
 
+// The engine's sentences would name the unfinished file.
+std::string WhyNotWritten(const jet::Error& error) {
+    switch (error.Kind()) {
+        case jet::ErrorKind::kFileNotFound:
+            return "The folder cannot be found.";
+        case jet::ErrorKind::kPermissionDenied:
+        case jet::ErrorKind::kReadOnly:
+            return "No file may be written in this folder.";
+        default:
+            return error.what();
+    }
+}
+
 }  // namespace
 
 void WriteNew(const Season& season, const std::filesystem::path& path, jet::Version version,
@@ -218,7 +231,7 @@ void WriteNew(const Season& season, const std::filesystem::path& path, jet::Vers
         Fill(season, unfinished.Path(), version, files);
         unfinished.Finish(path);
     } catch (const jet::Error& error) {
-        throw Refused(error.what());
+        throw Refused(WhyNotWritten(error));
     }
 }
 

@@ -89,7 +89,9 @@ TEST_F(NewYear, WithDroppedZones_LeavesOutAllOfThatName) {
         season.zones.push_back(tarn_test::SoundZone(8, 1));
         season.zones[3].name = "ZONE 1";
     });
-    EXPECT_EQ(Run(Words() + " --drop-zone 'zone 1' --drop-zone 'Zone 3'").status, 0);
+    EXPECT_EQ(
+        Run(Words() + " --drop-zone 'zone 1' --drop-zone 'Zone 3' --drop-zone ' ZONE 3'").status,
+        0);
     const Season made = season::Read(New());
     ASSERT_EQ(made.zones.size(), 1U);
     EXPECT_EQ(made.zones[0].name, "Zone 2");
@@ -104,8 +106,10 @@ TEST_F(NewYear, OfWhatCannotBeDone_LeavesNoFile) {
     EXPECT_EQ(Run(Quoted(Old()) + " --year 2027 --to " + Quoted(New())).status, 2);
     EXPECT_EQ(Run(Quoted(Old()) + " --to " + Quoted(New())).status, 2);
     EXPECT_EQ(Run(Quoted(folder_ / "none.fcd") + " --year 27 --to " + Quoted(New())).status, 2);
-    EXPECT_EQ(Run(Quoted(Old()) + " --year 27 --to " + Quoted(folder_ / "none" / "NEW.fcd")).status,
-              2);
+    const auto nowhere =
+        Run(Quoted(Old()) + " --year 27 --to " + Quoted(folder_ / "none" / "NEW.fcd"));
+    EXPECT_EQ(nowhere.status, 2);
+    EXPECT_THAT(nowhere.output, HasSubstr("NEW.fcd: The folder cannot be found.\n"));
     EXPECT_THAT(FilesOfFolder(), ElementsAre("UMFOR26.fcd"));
 }
 
