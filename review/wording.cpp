@@ -23,4 +23,18 @@ std::string OnOneLine(std::string_view text, Backslash backslash) {
     return line;
 }
 
+std::string WhyNotWritten(std::error_code failed) {
+    if (failed == std::errc::no_such_file_or_directory || failed == std::errc::not_a_directory) {
+        return "The folder cannot be found.";
+    }
+    if (failed == std::errc::permission_denied || failed == std::errc::operation_not_permitted ||
+        failed == std::errc::read_only_file_system) {
+        return "No file may be written in this folder.";
+    }
+    if (failed == std::errc::no_space_on_device) {
+        return "There is no room left on the disk.";
+    }
+    return "The file cannot be written.";
+}
+
 }  // namespace review

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace review {
 
@@ -21,5 +22,8 @@ enum class Backslash { kKept, kDoubled };
 // The text on one line: tabs and line ends as \t, \n and \r. Nothing that a file holds may steer a
 // terminal: other control characters are question marks.
 std::string OnOneLine(std::string_view text, Backslash backslash = Backslash::kKept);
+
+// Why a file could not be written, as a sentence.
+std::string WhyNotWritten(std::error_code failed);
 
 }  // namespace review

@@ -3,10 +3,13 @@
 #include <xlsxwriter.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <fstream>
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "review/figures.h"
@@ -24,6 +27,18 @@ void Require(lxw_error error) {
     if (error != LXW_NO_ERROR) {
         throw std::runtime_error(std::string("The workbook cannot be written: ") +
                                  lxw_strerror(error));
+    }
+}
+
+[[noreturn]] void ThrowSystemError() {
+    throw std::system_error(errno, std::generic_category());
+}
+
+// Where no file can be made, the library would tell the terminal so in its own words.
+void RequireWritable(const std::filesystem::path& path) {
+    errno = 0;
+    if (!std::ofstream(path, std::ios::binary)) {
+        ThrowSystemError();
     }
 }
 
@@ -76,7 +91,12 @@ public:
             workbook_close(book_);
         }
     }
-    void Close() { Require(workbook_close(std::exchange(book_, nullptr))); }
+    void Close() {
+        errno = 0;
+        if (workbook_close(std::exchange(book_, nullptr)) != LXW_NO_ERROR) {
+            ThrowSystemError();
+        }
+    }
 
     void AddTable(const PlainTable& table);
     void AddTotals(const season::Season& season, const PlainTable& values);
@@ -252,6 +272,7 @@ void WriteWorkbook(const season::Season& season, const std::filesystem::path& pa
     part += ".part";
     std::error_code ignored;
     try {
+        RequireWritable(part);
         Workbook workbook(part);
         const std::vector<PlainTable> tables = PlainTables(season);
         for (const PlainTable& table : tables) {

@@ -11,7 +11,7 @@
 
 namespace review {
 
-// Throws std::runtime_error when the file cannot be written; none is left then.
+// Throws std::system_error when the file cannot be written; none is left then.
 void WriteWorkbook(const season::Season& season, const std::filesystem::path& path);
 
 }  // namespace review

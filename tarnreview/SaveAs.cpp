@@ -10,6 +10,7 @@
 #include "reportpdf/report_pages.h"
 #include "review/html.h"
 #include "review/plain_tables.h"
+#include "review/wording.h"
 #include "review/workbook.h"
 #include "season/text.h"
 #include "tarnreview/ReviewCase.h"
@@ -37,8 +38,8 @@ void SaveText(const fs::path& path, const std::string& text) {
 void SaveWorkbook(const fs::path& path, const season::Season& season) {
     try {
         review::WriteWorkbook(season, path);
-    } catch (const fs::filesystem_error&) {
-        throw std::runtime_error("The file cannot be written.");
+    } catch (const std::system_error& error) {
+        throw std::runtime_error(review::WhyNotWritten(error.code()));
     }
 }
 

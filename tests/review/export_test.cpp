@@ -142,4 +142,13 @@ TEST_F(Export, ToWhatCannotBe_LeavesNothing) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.Path()), {}), 1);
 }
 
+TEST_F(Export, IntoAFolderThatIsNotThere_IsOneSentence) {
+    for (const char* const name : {"x.xlsx", "x.json"}) {
+        const std::filesystem::path target = folder_ / "none" / name;
+        const auto result = Run(Quoted(target));
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.output, "fcdtool: " + target.string() + ": The folder cannot be found.\n");
+    }
+}
+
 }  // namespace

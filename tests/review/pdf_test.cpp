@@ -183,11 +183,14 @@ TEST(PdfReport, WhatCannotBeWritten_IsASentenceAndLeavesNothing) {
     const auto file = folder / "UMFOR26.fcd";
     season::WriteNew(SoundSeason(1, 1), file);
     std::filesystem::create_directory(folder / "taken.pdf");
-    for (const auto& target : {folder / "none" / "r.pdf", folder / "taken.pdf",
-                               std::filesystem::path("/dev/full/r.pdf")}) {
+    const std::vector<std::pair<std::filesystem::path, std::string>> sentences{
+        {folder / "none" / "r.pdf", "The folder cannot be found."},
+        {folder / "taken.pdf", "This is a folder."},
+        {"/dev/full/r.pdf", "The folder cannot be found."}};
+    for (const auto& [target, sentence] : sentences) {
         const auto run = Report(file, target);
         EXPECT_EQ(run.status, 2) << target;
-        EXPECT_THAT(run.output, HasSubstr("The file cannot be written.")) << target;
+        EXPECT_THAT(run.output, HasSubstr(target.string() + ": " + sentence)) << target;
     }
     EXPECT_FALSE(std::filesystem::exists(folder / "taken.pdf.part"));
 }

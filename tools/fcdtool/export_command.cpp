@@ -27,7 +27,7 @@ void SaveCsv(const std::string& folder, const std::vector<std::string>& sources,
     std::error_code failed;
     const bool isNew = std::filesystem::create_directories(PathOf(folder), failed);
     if (failed) {
-        throw std::runtime_error(folder + ": The folder cannot be made.");
+        ThrowNotWritten(folder, failed);
     }
     std::vector<NewFile> files;
     for (const review::PlainTable& table : review::PlainTables(season)) {
@@ -48,8 +48,8 @@ void SaveWorkbook(const std::string& target, const std::vector<std::string>& sou
     RequireOther(target, sources);
     try {
         review::WriteWorkbook(season, PathOf(target));
-    } catch (const std::filesystem::filesystem_error&) {
-        throw std::runtime_error(target + ": The file cannot be written.");
+    } catch (const std::system_error& error) {
+        ThrowNotWritten(target, error.code());
     } catch (const std::runtime_error& error) {
         throw std::runtime_error(target + ": " + error.what());
     }

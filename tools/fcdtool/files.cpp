@@ -1,8 +1,10 @@
 #include "tools/fcdtool/files.h"
 
+#include <cerrno>
 #include <fstream>
 #include <stdexcept>
 
+#include "review/wording.h"
 #include "season/data_file.h"
 
 namespace fcdtool {
@@ -28,6 +30,10 @@ void RequireOther(const std::string& file, const std::vector<std::string>& sourc
     }
 }
 
+void ThrowNotWritten(const std::string& file, std::error_code failed) {
+    throw std::runtime_error(file + ": " + review::WhyNotWritten(failed));
+}
+
 namespace {
 
 std::filesystem::path PartOf(const std::string& file) {
@@ -36,15 +42,14 @@ std::filesystem::path PartOf(const std::string& file) {
     return part;
 }
 
-bool WritePart(const NewFile& file) {
+void WritePart(const NewFile& file) {
+    errno = 0;
     std::ofstream out(PartOf(file.file), std::ios::binary | std::ios::trunc);
     out.write(file.text.data(), static_cast<std::streamsize>(file.text.size()));
     out.close();
-    return static_cast<bool>(out);
-}
-
-[[noreturn]] void ThrowCannotWrite(const std::string& file) {
-    throw std::runtime_error(file + ": The file cannot be written.");
+    if (!out) {
+        ThrowNotWritten(file.file, std::error_code(errno, std::generic_category()));
+    }
 }
 
 // A file that is to be replaced by what is written, and nothing that could not be.
@@ -52,7 +57,7 @@ void RequireReplaceable(const std::string& file, const std::vector<std::string>&
     RequireOther(file, sources);
     std::error_code absent;
     if (std::filesystem::is_directory(PathOf(file), absent)) {
-        ThrowCannotWrite(file);
+        throw std::runtime_error(file + ": This is a folder.");
     }
 }
 
@@ -64,15 +69,13 @@ void SaveFiles(const std::vector<NewFile>& files, const std::vector<std::string>
     }
     try {
         for (const NewFile& file : files) {
-            if (!WritePart(file)) {
-                ThrowCannotWrite(file.file);
-            }
+            WritePart(file);
         }
         for (const NewFile& file : files) {
             std::error_code failed;
             std::filesystem::rename(PartOf(file.file), PathOf(file.file), failed);
             if (failed) {
-                ThrowCannotWrite(file.file);
+                ThrowNotWritten(file.file, failed);
             }
         }
     } catch (...) {

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "season/season.h"
@@ -14,6 +15,9 @@ namespace fcdtool {
 std::filesystem::path PathOf(const std::string& word);
 // Reads a data file; what refuses it names the file. Throws season::Refused.
 season::Season ReadFile(const std::string& file);
+
+// Throws std::runtime_error: the file, and why it could not be written.
+[[noreturn]] void ThrowNotWritten(const std::string& file, std::error_code failed);
 
 // Throws std::runtime_error when `file` is one of those that are read, by whatever name.
 void RequireOther(const std::string& file, const std::vector<std::string>& sources);
