@@ -11,11 +11,27 @@ namespace plots {
 namespace {
 
 constexpr double kMarkWidth = 2.5;
+constexpr int kBesideTitle = 6;
 
 QColor Mixed(const QColor& one, const QColor& other, double part) {
     const auto mix = [part](int a, int b) { return static_cast<int>(a + (b - a) * part); };
     return {mix(one.red(), other.red()), mix(one.green(), other.green()),
             mix(one.blue(), other.blue())};
+}
+
+// Broken where a line has no room for the next word.
+QString InLines(const QString& title, const QFont& font, int width) {
+    const QFontMetrics metrics(font);
+    QStringList lines;
+    for (const QString& word : title.split(u' ')) {
+        const QString longer = lines.isEmpty() ? word : lines.back() + u' ' + word;
+        if (lines.isEmpty() || metrics.horizontalAdvance(longer) > width - 2 * kBesideTitle) {
+            lines += word;
+        } else {
+            lines.back() = longer;
+        }
+    }
+    return lines.join(u'\n');
 }
 
 }  // namespace
@@ -67,10 +83,10 @@ void Chart::Redraw() {
     if (!title_.isEmpty()) {
         QFont bold = font();
         bold.setBold(true);
-        auto* heading = new QCPTextElement(this, title_, bold);
+        auto* heading = new QCPTextElement(this, InLines(title_, bold, width()), bold);
         heading->setTextColor(ink_.text);
         heading->setTextFlags(Qt::AlignLeft | Qt::AlignVCenter);
-        heading->setMargins(QMargins(6, 4, 6, 2));
+        heading->setMargins(QMargins(kBesideTitle, 4, kBesideTitle, 2));
         plotLayout()->addElement(row++, 0, heading);
     }
     body_ = new QCPLayoutGrid;

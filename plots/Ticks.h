@@ -8,12 +8,16 @@
 
 namespace plots {
 
+inline QString DollarTick(double tick) {
+    return std::abs(tick) < 1 && tick != 0 ? QStringLiteral("$%1").arg(tick) : Dollars(tick);
+}
+
 template <typename Ticker>
 class DollarTicks : public Ticker {
 protected:
     QString getTickLabel(double tick, const QLocale& /*locale*/, QChar /*form*/,
                          int /*precision*/) override {
-        return std::abs(tick) < 1 && tick != 0 ? QStringLiteral("$%1").arg(tick) : Dollars(tick);
+        return DollarTick(tick);
     }
 };
 

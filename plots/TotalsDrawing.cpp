@@ -12,6 +12,9 @@ namespace {
 
 constexpr double kHalfBar = 0.38;
 constexpr int kTextsAcross = 15;  // widths of a figure that a panel wants, its axis included
+constexpr int kAroundAxis = 16;
+constexpr int kAroundBars = 12;
+constexpr int kLevels = 6;
 
 struct Bars {
     QCPBars* losses;
@@ -26,7 +29,29 @@ QCPBars* AddBars(Chart& chart, QCPAxisRect& axes, double sign) {
     return bars;
 }
 
-void ShapeAxes(Chart& chart, QCPAxisRect& axes, const Scale& scale) {
+// "-$1,250", or "-1.3k" where the bars need the room.
+class LevelTicks : public QCPAxisTicker {
+public:
+    explicit LevelTicks(bool isShort) : isShort_(isShort) {}
+
+protected:
+    QString getTickLabel(double tick, const QLocale& /*locale*/, QChar /*form*/,
+                         int /*precision*/) override {
+        return isShort_ ? ShortDollars(tick) : DollarTick(tick);
+    }
+
+private:
+    bool isShort_;
+};
+
+// What a panel cannot do without: a bar is as wide as its FIL's digit and some air. Whoever wants
+// the figures finds them under the pointer and in the table.
+int LeastWidth(const QFontMetrics& metrics) {
+    return metrics.horizontalAdvance(QStringLiteral("-88k")) + kAroundAxis +
+           kLevels * metrics.horizontalAdvance(QStringLiteral("8")) * 4 / 3 + kAroundBars;
+}
+
+void ShapeAxes(Chart& chart, QCPAxisRect& axes, const Scale& scale, bool isNarrow) {
     QCPAxis* const across = axes.axis(QCPAxis::atBottom);
     across->setRange(0.4, 6.6);
     across->grid()->setVisible(false);
@@ -40,7 +65,7 @@ void ShapeAxes(Chart& chart, QCPAxisRect& axes, const Scale& scale) {
     // Room for the figures at the bars' ends.
     const double air = 0.16 * (scale.most - scale.least);
     up->setRange(scale.least < 0 ? scale.least - air : 0, scale.most > 0 ? scale.most + air : air);
-    const QSharedPointer<DollarTicks<QCPAxisTicker>> dollars(new DollarTicks<QCPAxisTicker>);
+    const QSharedPointer<LevelTicks> dollars(new LevelTicks(isNarrow));
     dollars->setTickCount(4);
     up->setTicker(dollars);
     up->setSubTicks(false);
@@ -95,17 +120,20 @@ void Draw(Chart& chart, const review::TotalsChart& content) {
     const int figure = metrics.horizontalAdvance(QStringLiteral("-$1,250"));
     const int panelHeight = 9 * metrics.height();
     const int panelWidth = kTextsAcross * figure / 4;
-    chart.SetLeast({panelWidth, panelHeight});
+    const int least = LeastWidth(metrics);
+    chart.SetLeast({least, panelHeight});
     if (count == 0) {
         chart.AddNothing(Describe(content));
         return;
     }
     const int columns = std::clamp(chart.width() / panelWidth, 1, count);
     const int rows = (count + columns - 1) / columns;
-    chart.SetLeast({panelWidth, rows * panelHeight + 3 * metrics.height()});
+    chart.SetLeast({least, rows * panelHeight + 3 * metrics.height()});
     const Scale scale = ScaleOf(content);
-    const int axisWidth = metrics.horizontalAdvance(Dollars(scale.least)) + 16;
-    const int room = (chart.width() / columns - axisWidth - 12) / 6;
+    const bool isNarrow = chart.width() < panelWidth;
+    const QString longest = isNarrow ? ShortDollars(scale.least) : Dollars(scale.least);
+    const int axisWidth = metrics.horizontalAdvance(longest) + kAroundAxis;
+    const int room = (chart.width() / columns - axisWidth - kAroundBars) / kLevels;
     // A row without anything in it would take its share of the room.
     const int titles = content.panels.front().title.empty() ? 0 : 1;
     for (int i = 0; i < count; ++i) {
@@ -117,7 +145,7 @@ void Draw(Chart& chart, const review::TotalsChart& content) {
         }
         QCPAxisRect& axes = chart.AddAxes(row + titles, i % columns);
         axes.setMarginGroup(QCP::msLeft | QCP::msBottom, &chart.Sides());
-        ShapeAxes(chart, axes, scale);
+        ShapeAxes(chart, axes, scale, isNarrow);
         if (i / columns == rows - 1) {
             axes.axis(QCPAxis::atBottom)->setLabel(QStringLiteral("FIL"));
         }

@@ -12,8 +12,8 @@
 namespace {
 
 constexpr int kFrameFrom = 1000;  // pixels of width
-constexpr int kGap = 16;
-constexpr int kLeast = 240;
+constexpr int kGap = 12;
+constexpr int kLeast = 200;
 
 }  // namespace
 

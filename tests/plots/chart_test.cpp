@@ -171,4 +171,26 @@ TEST(LivePlot, FollowsWhatItIsShown) {
     EXPECT_EQ(plot.Widget().accessibleDescription(), QString());
 }
 
+// Beside a worksheet in a large font little room is left: the bars stay, and so do their places.
+TEST_F(ChartTest, TotalsWithLittleRoom_KeepBarsAndHeading) {
+    plots::Chart chart{nullptr};
+    QFont large = chart.font();
+    large.setPointSize(18);
+    chart.setFont(large);
+    review::TotalsChart content;
+    content.panels.push_back({{}, {2, 2, -5, -26, -54, -75}});
+    chart.Show(content, QStringLiteral("Total per acre by FIL"), {});
+    const int digit = QFontMetrics(large).horizontalAdvance(QStringLiteral("8"));
+    EXPECT_LE(chart.minimumSizeHint().width(), 16 * digit);
+    chart.resize(chart.minimumSizeHint().width(), 400);
+    chart.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&chart));
+    chart.replot();
+    auto* const heading = qobject_cast<QCPTextElement*>(chart.plotLayout()->element(0, 0));
+    ASSERT_NE(heading, nullptr);
+    EXPECT_TRUE(heading->text().contains(u'\n'));
+    EXPECT_EQ(heading->text().simplified(), "Total per acre by FIL");
+    EXPECT_GE(chart.Body().element(0, 0)->rect().width(), 6 * digit);
+}
+
 }  // namespace
