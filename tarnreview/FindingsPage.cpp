@@ -63,6 +63,7 @@ FindingsPage::FindingsPage(const ReviewCase& reviewed, const ChartView::Tell& te
     splitter_->setStretchFactor(1, 1);
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(splitter_);
+    setFocusProxy(grdFindings_);
     connect(grdFindings_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             Trapped("FindingsPage.Choose",
                     [this](const QModelIndex& row, const QModelIndex&) { Choose(row.row()); }));
@@ -207,5 +208,12 @@ int FindingsPage::RoomOfASide() const {
 void FindingsPage::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     const bool isWide = width() >= kBesideFrom * fontMetrics().averageCharWidth();
-    splitter_->setOrientation(isWide ? Qt::Horizontal : Qt::Vertical);
+    const Qt::Orientation side = isWide ? Qt::Horizontal : Qt::Vertical;
+    if (side != splitter_->orientation() || !isDivided_) {
+        isDivided_ = true;
+        splitter_->setOrientation(side);
+        // What the parts would take by themselves depends on the longest word at the place.
+        const int half = (isWide ? width() : height()) / 2;
+        splitter_->setSizes({half, half});
+    }
 }

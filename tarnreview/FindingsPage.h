@@ -52,4 +52,5 @@ private:
     QLabel* lblTable_ = nullptr;
     vsFlexGrid* grdPlace_ = nullptr;
     ChartView* pltPlace_ = nullptr;
+    bool isDivided_ = false;
 };

@@ -5,7 +5,9 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <cmath>
 
+#include "platform/controls/FontScale.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/system/Host.h"
 #include "tarnreview/TextTable.h"
@@ -73,7 +75,9 @@ void ShowRows(vsFlexGrid& grid, const TextTable& table, int most, int room) {
         }
         const int characters = most * metrics.averageCharWidth();
         const int limit = stretches ? std::min(characters, share) : characters;
-        grid.SetColWidth(col, platform::ToTwips(std::min(width, limit) + kAir));
+        // The grid widens what it is given as its font is larger; this is measured in that font.
+        const double narrowed = (std::min(width, limit) + kAir) / platform::FontScale(grid.font());
+        grid.SetColWidth(col, platform::ToTwips(static_cast<int>(std::ceil(narrowed))));
     }
     grid.Refresh();
 }

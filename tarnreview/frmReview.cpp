@@ -131,6 +131,10 @@ void frmReview::OpenFile(const QString& path) {
     changed_->Withdraw();
     ShowFile();
     OfferLastYear();
+    // Whoever works with keys goes on from the first finding.
+    if (tabReview_->currentWidget() == findings_) {
+        findings_->setFocus();
+    }
 }
 
 void frmReview::ShowFile() {

@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPrintPreviewWidget>
+#include <QSplitter>
 #include <QTextEdit>
 
 #include <fstream>
@@ -233,6 +234,29 @@ TEST_F(ReviewWindow, TheReport_HoldsEveryZone) {
     for (const char* zone : {"Zone 1", "Zone 2", "Zone 3"}) {
         EXPECT_TRUE(text.contains(zone));
     }
+}
+
+TEST_F(ReviewWindow, AnOpenedFile_IsReadOnWithTheKeys) {
+    Run(Write("UMFOR26.fcd", WithASlip()));
+    ASSERT_EQ(QApplication::focusWidget(), &Findings());
+    const int row = Findings().Row();
+    Press(Qt::Key_Down);
+    EXPECT_EQ(Findings().Row(), row + 1);
+}
+
+TEST_F(ReviewWindow, InALargeFont_BothSidesHaveTheSameRoom) {
+    QFont large = QApplication::font();
+    const QFont usual = large;
+    large.setPointSize(18);
+    QApplication::setFont(large);
+    Run(Write("UMFOR26.fcd", WithASlip()));
+    QApplication::setFont(usual);
+    const QList<int> sides = Get<QSplitter>("splFindings").sizes();
+    ASSERT_EQ(sides.size(), 2);
+    EXPECT_NEAR(sides[0], sides[1], 20);
+    auto& place = Get<vsFlexGrid>("grdFindings");
+    EXPECT_LE(place.CellRect(1, 0).width(),
+              QFontMetrics(place.font()).horizontalAdvance(QStringLiteral("Warning")) + 40);
 }
 
 }  // namespace
