@@ -8,6 +8,7 @@
 
 #include "platform/system/NativePath.h"
 #include "reportpdf/report_pages.h"
+#include "review/difference_page.h"
 #include "review/html.h"
 #include "review/plain_tables.h"
 #include "review/wording.h"
@@ -51,19 +52,28 @@ std::string Today() {
     return QDate::currentDate().toString(Qt::ISODate).toStdString();
 }
 
-QStringList Filters() {
-    return {QObject::tr("Report (*.pdf)"), QObject::tr("Report as a web page (*.html)"),
-            QObject::tr("Workbook (*.xlsx)"), QObject::tr("All figures as JSON (*.json)")};
+QStringList Filters(const ReviewCase& reviewed) {
+    QStringList filters{QObject::tr("Report (*.pdf)"), QObject::tr("Report as a web page (*.html)"),
+                        QObject::tr("Workbook (*.xlsx)"),
+                        QObject::tr("All figures as JSON (*.json)")};
+    if (reviewed.Previous() != nullptr) {
+        filters += QObject::tr("Differences as a web page (*.html)");
+    }
+    return filters;
 }
 
-void Save(const ReviewCase& reviewed, const fs::path& path) {
+void Save(const ReviewCase& reviewed, What what, const fs::path& path) {
     RequireOther(path, reviewed.Season());
     RequireOther(path, reviewed.Previous());
     const std::string ending = season::Folded(path.extension().string());
-    if (ending == ".pdf") {
+    const bool isPage = ending == ".html" || ending == ".htm";
+    if (what == What::kDifferences && isPage) {
+        SaveText(path,
+                 review::HtmlOf(review::DifferencePage(*reviewed.Previous(), *reviewed.Season())));
+    } else if (ending == ".pdf") {
         reportpdf::WritePdf(reviewed.Report(Today()), platform::FromNativePath(path.c_str()),
                             reportpdf::UsualPaper());
-    } else if (ending == ".html" || ending == ".htm") {
+    } else if (isPage) {
         SaveText(path, review::HtmlOf(reviewed.Report(Today())));
     } else if (ending == ".xlsx") {
         SaveWorkbook(path, *reviewed.Season());

@@ -14,10 +14,14 @@ namespace SaveAs {
 // The date as reports show it: "2026-04-15".
 std::string Today();
 
-// The kinds that a file can be saved as, for a file dialog.
-QStringList Filters();
+// The kinds that a file can be saved as, for a file dialog. The differences come last, where there
+// is a file to compare with.
+QStringList Filters(const ReviewCase& reviewed);
 
-// Saves by the ending of the name. Throws std::runtime_error with a sentence.
-void Save(const ReviewCase& reviewed, const std::filesystem::path& path);
+enum class What { kReport, kDifferences };
+
+// Saves by the ending of the name; differences are a web page. Throws std::runtime_error with a
+// sentence.
+void Save(const ReviewCase& reviewed, What what, const std::filesystem::path& path);
 
 }  // namespace SaveAs

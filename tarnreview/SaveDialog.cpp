@@ -30,7 +30,7 @@ QString WithEnding(const QString& path, const QStringList& filters, const QStrin
 
 namespace SaveDialog {
 
-QString Ask(QWidget* parent, const Request& request) {
+Answer Ask(QWidget* parent, const Request& request) {
     QFileDialog dialog(parent, request.title, request.folder);
     Parts::Name(dialog, "CMDialog1", request.title);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
@@ -39,12 +39,14 @@ QString Ask(QWidget* parent, const Request& request) {
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilters(request.filters);
+    dialog.selectNameFilter(request.filters.value(request.filter));
     dialog.selectFile(request.name);
     while (platform::RunModal(dialog) == QDialog::Accepted) {
         const QString path = WithEnding(dialog.selectedFiles().value(0), request.filters,
                                         dialog.selectedNameFilter());
+        const Answer answer{path, request.filters.indexOf(dialog.selectedNameFilter())};
         if (!QFileInfo::exists(path)) {
-            return path;
+            return answer;
         }
         const QString name = QFileInfo(path).fileName();
         platform::MsgOptions options;
@@ -58,7 +60,7 @@ QString Ask(QWidget* parent, const Request& request) {
         options.secondIsDefault = true;
         if (platform::MsgBox(QObject::tr("Replace %1?").arg(name), options) ==
             platform::MsgAnswer::kYes) {
-            return path;
+            return answer;
         }
     }
     return {};

@@ -14,9 +14,14 @@ struct Request {
     QString name;
     QStringList filters;     // "Report (*.html)"; the first ending is added to a bare name
     bool mayReplace = true;  // a file that is there, after a question
+    qsizetype filter = 0;    // the one that is chosen at first
 };
 
-// The chosen path, or an empty text when the user cancelled.
-QString Ask(QWidget* parent, const Request& request);
+struct Answer {
+    QString path;  // empty when the user cancelled
+    qsizetype filter = 0;
+};
+
+Answer Ask(QWidget* parent, const Request& request);
 
 }  // namespace SaveDialog

@@ -16,6 +16,7 @@
 #include "review/next_year.h"
 #include "season/data_file.h"
 #include "season/file_name.h"
+#include "tarnreview/ComparePage.h"
 #include "tarnreview/FlowLayout.h"
 #include "tarnreview/Notice.h"
 #include "tarnreview/Parts.h"
@@ -70,9 +71,10 @@ void frmReview::BuildButtons() {
     cmdPrint_ =
         add("cmdPrint", tr("&Print..."), tr("Look at the report's pages and print (Ctrl+P)"),
             &frmReview::cmdPrint_Click);
-    cmdSave_ = add("cmdSave", tr("&Save..."),
-                   tr("Save the report, or all figures for other programs (Ctrl+S)"),
-                   &frmReview::cmdSave_Click);
+    cmdSave_ =
+        add("cmdSave", tr("&Save..."),
+            tr("Save the report, the differences, or all figures for other programs (Ctrl+S)"),
+            &frmReview::cmdSave_Click);
     cmdNewYear_ =
         add("cmdNewYear", tr("&New Year..."), tr("Begin next year's file from this one (Ctrl+N)"),
             &frmReview::cmdNewYear_Click);
@@ -159,13 +161,20 @@ void frmReview::cmdSave_Click() {
     const fs::path& source = case_.Season()->path;
     const QString base = platform::FromNativePath(source.stem().c_str());
     const QString folder = QFileInfo(platform::FromNativePath(source.c_str())).absolutePath();
-    const QString path =
-        SaveDialog::Ask(this, {tr("Save"), folder, base + tr(" report"), SaveAs::Filters(), true});
+    const QStringList filters = SaveAs::Filters(case_);
+    const qsizetype differences = case_.Previous() != nullptr ? filters.size() - 1 : -1;
+    // Whoever looks at the differences means them.
+    const bool meansThem = differences >= 0 && tabReview_->currentWidget() == compare_;
+    const auto [path, filter] = SaveDialog::Ask(
+        this, {tr("Save"), folder, base + (meansThem ? tr(" differences") : tr(" report")), filters,
+               true, meansThem ? differences : 0});
     if (path.isEmpty()) {
         return;
     }
     try {
-        SaveAs::Save(case_, platform::ToNativePath(path));
+        SaveAs::Save(case_,
+                     filter == differences ? SaveAs::What::kDifferences : SaveAs::What::kReport,
+                     platform::ToNativePath(path));
     } catch (const std::exception& reason) {
         TellNotWritten(path, reason);
     }
@@ -182,8 +191,11 @@ void frmReview::cmdNewYear_Click() {
         name ? Parts::Text(name->unit + name->state + season::TwoDigits(dialog.Year()) + ".FCD")
              : QString();
     const QString folder = QFileInfo(platform::FromNativePath(season.path.c_str())).absolutePath();
-    const QString path = SaveDialog::Ask(
-        this, {tr("Save New Year's File"), folder, title, {tr("TARN Prep files (*.fcd)")}, false});
+    const QString path =
+        SaveDialog::Ask(
+            this,
+            {tr("Save New Year's File"), folder, title, {tr("TARN Prep files (*.fcd)")}, false})
+            .path;
     if (path.isEmpty()) {
         return;
     }

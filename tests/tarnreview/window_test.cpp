@@ -259,4 +259,23 @@ TEST_F(ReviewWindow, InALargeFont_BothSidesHaveTheSameRoom) {
               QFontMetrics(place.font()).horizontalAdvance(QStringLiteral("Warning")) + 40);
 }
 
+TEST_F(ReviewWindow, Save_OnTheComparison_WritesTheDifferences) {
+    Write("UMFOR25.fcd", SoundSeason());
+    Run(Write("UMFOR26.fcd", WithASlip()));
+    Click("cmdLastYear");
+    Pages().setCurrentIndex(3);
+    support::Answers answers;
+    answers.Then([&](QWidget& dialog) { TypeName(dialog, folder_.CostsPath("changes")); });
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_TRUE(support::Bytes(folder_.CostsPath("changes.html"))
+                    .contains("Differences between UMFOR25.fcd and UMFOR26.fcd"));
+    Pages().setCurrentIndex(0);
+    answers.Then([&](QWidget& dialog) { TypeName(dialog, folder_.CostsPath("whole.html")); });
+    Press(Qt::Key_S, Qt::ControlModifier);
+    const QByteArray whole = support::Bytes(folder_.CostsPath("whole.html"));
+    EXPECT_FALSE(whole.contains("Differences between"));
+    EXPECT_TRUE(whole.contains("TARN Prep: Umatilla"));
+    EXPECT_TRUE(answers.Messages().empty());
+}
+
 }  // namespace
