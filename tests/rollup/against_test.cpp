@@ -1,4 +1,6 @@
 // fcdtool check --against: values that are far from those of other files.
+#include <fstream>
+
 #include "rollup/postgres_server.h"
 #include "rollup/roll_up.h"
 
@@ -54,6 +56,23 @@ TEST_F(Against, OfItselfAmongFewOthers_SaysNothing) {
         << "its own values, and those of its earlier contents, are none of others";
     Make("UMFOR26.fcd", 2000000);
     EXPECT_THAT(Check(Database().string()).output, Not(HasSubstr("outlier")));
+}
+
+TEST_F(Against, OfAReport_IsAmongItsFindings) {
+    MakeRegion(20);
+    RollTo("sqlite:" + Database().string());
+    const std::filesystem::path page = folder_ / "report.html";
+    const std::string words = Quoted(BuiltProgram("fcdtool")) + " report " +
+                              Quoted(Files() / "UMFOR26.fcd") + " --to " + Quoted(page);
+    const auto text = [&page] {
+        std::ifstream file(page, std::ios::binary);
+        return std::string{std::istreambuf_iterator<char>(file), {}};
+    };
+    EXPECT_EQ(RunCommand(words).status, 0);
+    EXPECT_THAT(text(), Not(HasSubstr("usual elsewhere")));
+    EXPECT_EQ(RunCommand(words + " --against " + Quoted(Database())).status, 0);
+    EXPECT_THAT(text(), HasSubstr("lies far from the 10.59 that is usual elsewhere"));
+    EXPECT_EQ(RunCommand(words + " --against " + Quoted(folder_ / "none")).status, 2);
 }
 
 TEST_F(Against, WhereNothingIs_SaysSo) {
