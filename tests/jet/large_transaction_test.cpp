@@ -37,7 +37,7 @@ constexpr char kLog[] = "a file.mdb-log";
 OpenOptions LittleMemory() {
     OpenOptions options;
     options.cacheBytes = std::size_t{64} << 10;
-    options.changedBytes = std::size_t{128} << 10;
+    options.changedBytes = std::size_t{64} << 10;
     return options;
 }
 

@@ -2,11 +2,15 @@
 // somebody's intent. None of them may touch the data file.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "page/bytes.h"
+#include "page/checksum.h"
 #include "page/header.h"
 #include "page/log_format.h"
 #include "page/operation.h"
@@ -30,6 +34,17 @@ constexpr std::size_t kKindAt = kLogHeaderSize + 4;
 constexpr std::size_t kPagesAt = kLogHeaderSize + 16;
 constexpr std::size_t kEntryAt = kLogHeaderSize + kLogRecordHead;
 
+// Seals the records anew.
+void PutChecksumsRight(Contents& log) {
+    std::uint64_t checksum = ReadU64(log, kLogHeaderSize - kLogChecksumSize);
+    for (std::size_t at = kLogHeaderSize; at < log.size();) {
+        const std::size_t end = at + ReadU32(log, at) - kLogChecksumSize;
+        checksum = Checksum(Bytes(log).subspan(at, end - at), checksum);
+        WriteU64(log, end, checksum);
+        at = end + kLogChecksumSize;
+    }
+}
+
 class LogContents : public testing::TestWithParam<Version> {
 protected:
     LogContents() {
@@ -44,16 +59,19 @@ protected:
         pageSize_ = FormatOf(GetParam()).pageSize;
     }
 
+    [[nodiscard]] LogHeader Header(std::uint16_t version) const {
+        const Bytes firstPage = Bytes(file_).first(pageSize_);
+        return {.pageSize = static_cast<std::uint32_t>(pageSize_),
+                .pageCount = kPages,
+                .salt = 7,
+                .commitCounter = ReadCommitCounter(firstPage, FormatOf(GetParam())),
+                .version = version,
+                .otherCounters = OtherCounters(firstPage, FormatOf(GetParam()))};
+    }
     // A log that changes one byte of one page, as `mutate` leaves it before its checksum is made.
     [[nodiscard]] Contents Log(const Mutation& mutate, int entries = 1) const {
         Contents log;
-        const Bytes firstPage = Bytes(file_).first(pageSize_);
-        const std::uint64_t seed = AppendLogHeader(
-            log, {.pageSize = static_cast<std::uint32_t>(pageSize_),
-                  .pageCount = kPages,
-                  .salt = 7,
-                  .commitCounter = ReadCommitCounter(firstPage, FormatOf(GetParam())),
-                  .otherCounters = OtherCounters(firstPage, FormatOf(GetParam()))});
+        const std::uint64_t seed = AppendLogHeader(log, Header(kLogVersion));
         const Bytes before = Bytes(file_).subspan(kPage.value * pageSize_, pageSize_);
         Contents after(before.begin(), before.end());
         after[500] ^= std::byte{1};
@@ -61,7 +79,7 @@ protected:
         for (int i = 0; i < entries; ++i) {
             record.AddPage(
                 {.page = kPage, .before = before, .after = after, .firstDifference = 500},
-                LogBase::kImage);
+                LogBase::kImage, {{.begin = 500, .end = 501}});
         }
         mutate(log);
         record.Finish(seed);
@@ -133,6 +151,150 @@ TEST_P(LogContents, AnyContradiction_PutsTheLogAside) {
         log.resize(kEntryAt + (log.size() - kEntryAt) / 2);
     };
     EXPECT_TRUE(Open(Log(cutInHalf, 2)).foreignLogIgnored);
+}
+
+// The page at `kPage` as it was, then after one change after the other, each logged as the journal
+// does.
+class LogOfChanges : public LogContents {
+protected:
+    // Changes the bytes from `at` on.
+    void Change(std::size_t at, std::size_t size) {
+        if (states_.empty()) states_.push_back(PageIn(file_));
+        Contents next = states_.back();
+        for (std::size_t i = at; i < at + size; ++i) next[i] ^= static_cast<std::byte>(i % 7 + 1);
+        states_.push_back(next);
+    }
+    [[nodiscard]] Contents Log(std::uint16_t version = kLogVersion) const {
+        Contents log;
+        std::uint64_t seed = AppendLogHeader(log, Header(version));
+        LoggedAs state = LoggedAs::kNothing;
+        for (std::size_t i = 1; i < states_.size(); ++i) {
+            PageChange change{.page = kPage, .before = states_[i - 1], .after = states_[i]};
+            change.firstDifference = FirstDifference(change.before, change.after, 0);
+            std::vector<LogRange> ranges;
+            FindRanges(change, ranges);
+            LogBase base = BaseFor(change, state, ranges);
+            if (version < 3) base = i == 1 ? LogBase::kImage : LogBase::kInLog;
+            LogRecordWriter record(log, LogRecordKind::kCommit, i, kPages);
+            record.AddPage(change, base, ranges);
+            seed = record.Finish(seed);
+            state = LoggedAfter(base);
+        }
+        return log;
+    }
+    // What becomes of the page when it lies in the file like this; nothing when the log is foreign.
+    [[nodiscard]] std::optional<Contents> Recovered(const Contents& page) const {
+        Contents file = file_;
+        std::copy(page.begin(), page.end(), file.begin() + PlaceInFile());
+        FaultFileSystem files;
+        files.SetContents(kFile, file);
+        files.SetContents(kLog, Log());
+        Recovery recovery;
+        Pager::Open(files, kFile, {}, recovery)->Close();
+        if (!recovery.foreignLogIgnored) return PageIn(files.Contents(kFile));
+        EXPECT_EQ(files.Contents(kFile), file);
+        return std::nullopt;
+    }
+    // Every mixture of pieces of the page as it was and as it is after one of the changes.
+    void ForEachMixture(const std::function<void(const Contents&)>& visit) const {
+        const std::size_t pieces = pageSize_ / kLogPiece;
+        for (std::size_t last = 1; last < states_.size(); ++last) {
+            for (std::size_t mask = 0; mask < std::size_t{1} << pieces; ++mask) {
+                Contents page = states_[0];
+                for (std::size_t i = 0; i < page.size(); ++i) {
+                    if (mask >> (i / kLogPiece) & 1) page[i] = states_[last][i];
+                }
+                visit(page);
+            }
+        }
+    }
+    void ExpectMendedAndToldFromOthers() const {
+        ForEachMixture([&](const Contents& page) { EXPECT_EQ(Recovered(page), states_.back()); });
+        for (std::size_t at = 3; at < pageSize_; at += 101) {
+            Contents page = states_[0];
+            page[at] ^= std::byte{0x80};
+            EXPECT_EQ(Recovered(page), std::nullopt) << at;
+        }
+    }
+    [[nodiscard]] Contents PageIn(const Contents& file) const {
+        return {file.begin() + PlaceInFile(),
+                file.begin() + PlaceInFile() + static_cast<std::ptrdiff_t>(pageSize_)};
+    }
+    [[nodiscard]] std::ptrdiff_t PlaceInFile() const {
+        return static_cast<std::ptrdiff_t>(kPage.value * pageSize_);
+    }
+
+    std::vector<Contents> states_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Versions, LogOfChanges, testing::Values(Version::kJet3, Version::kJet4),
+                         [](const auto& tested) {
+                             return tested.param == Version::kJet3 ? "Jet3" : "Jet4";
+                         });
+
+TEST_P(LogOfChanges, PageThatChangedALittle_IsMendedFromAnyMixture) {
+    Change(500, 20);
+    Change(510, 40);
+    Change(1200, 8);
+    EXPECT_LT(Log().size(), pageSize_ / 4);
+    ExpectMendedAndToldFromOthers();
+}
+
+TEST_P(LogOfChanges, PageThatChangedByMuch_IsMendedFromAnyMixture) {
+    Change(100, pageSize_ - 200);
+    Change(700, 5);
+    ExpectMendedAndToldFromOthers();
+}
+
+TEST_P(LogOfChanges, PageThatChangedALittleAndThenByMuch_IsMendedFromAnyMixture) {
+    Change(900, 10);
+    Change(100, pageSize_ - 400);
+    Change(1000, 10);
+    ExpectMendedAndToldFromOthers();
+}
+
+TEST_P(LogOfChanges, LogOfTheFormerVersion_IsBroughtIn) {
+    Change(500, 20);
+    Change(600, 20);
+    FaultFileSystem files;
+    files.SetContents(kFile, file_);
+    files.SetContents(kLog, Log(2));
+    Recovery recovery;
+    Pager::Open(files, kFile, {}, recovery)->Close();
+    EXPECT_TRUE(recovery.applied);
+    EXPECT_EQ(recovery.operations, 2U);
+    EXPECT_EQ(PageIn(files.Contents(kFile)), states_.back());
+}
+
+// Whatever is wrong in a page entry with whole checksums.
+TEST_P(LogOfChanges, AnyContradiction_PutsTheLogAside) {
+    Change(500, 20);
+    Change(600, 20);
+    const Contents whole = Log();
+    constexpr std::size_t kSecondEntryAt =
+        kEntryAt + kLogEntryHead + 8 + 4 + 40 + kLogChecksumSize + kLogRecordHead;
+    const auto opened = [&](std::size_t at, std::uint16_t value) {
+        Contents log = whole;
+        WriteU16(log, at, value);
+        PutChecksumsRight(log);
+        return Open(log);
+    };
+    EXPECT_TRUE(opened(kEntryAt + 4, 3).applied);
+    const std::vector<std::pair<std::size_t, std::uint16_t>> contradictions = {
+        {kEntryAt + 4, 4},                   // a page that should be in the log already
+        {kEntryAt + 4, 5},                   // pieces without a whole page
+        {kEntryAt + 4, 1},                   // an image that is too short
+        {kEntryAt + 8, 7},                   // the checksum of another page
+        {kEntryAt + kLogEntryHead + 12, 7},  // former bytes that are not those of the page
+        {kSecondEntryAt + 4, 0},             // former bytes are missing
+        {kSecondEntryAt + 4, 3},             // a page that is in the log already
+        {kSecondEntryAt + 4, 5},             // likewise
+        {kSecondEntryAt + 8, 500},           // former bytes that are not those of the log
+        {kSecondEntryAt + 8, 0xFFF0},        // a range outside the page
+    };
+    for (const auto& [at, value] : contradictions) {
+        EXPECT_TRUE(opened(at, value).foreignLogIgnored) << at << " " << value;
+    }
 }
 
 TEST_P(LogContents, RecordThatClaimsAnImpossibleLength_EndsTheLog) {

@@ -28,8 +28,8 @@ struct OpenOptions {
     std::size_t cacheBytes = std::size_t{24} << 20;
     // When this much has been changed in memory, or has been logged, since the last MakeDurable,
     // the next change begins with one. What a single change touches is not bounded by them. A
-    // transaction keeps a quarter of changedBytes in memory, twice; what it changes beyond that
-    // waits in the log.
+    // transaction keeps as much in memory; what it changes beyond that waits in the log, as do new
+    // pages that it has left.
     std::size_t changedBytes = std::size_t{64} << 20;
     std::uint64_t logBytes = std::uint64_t{256} << 20;
 

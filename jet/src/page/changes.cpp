@@ -11,6 +11,11 @@ namespace {
 
 // Pages that are moved to the log at once.
 constexpr std::size_t kPagesOfPart = 128;
+// Changed pages in one record; a commit of more is preceded by parts.
+constexpr std::size_t kPagesOfCommit = 512;
+// Pages of a transaction that are copied before they change, although they could be read again:
+// that takes less time, and many would fill the memory.
+constexpr std::size_t kMostCopies = 256;
 
 }  // namespace
 
@@ -18,10 +23,11 @@ Changes::Changes(PageCache& pages, Journal& journal, const Format& format, std::
     : pages_(pages),
       journal_(journal),
       format_(format),
-      spillPages_(spillBytes / format.pageSize),
+      spillPages_(std::max<std::size_t>(1, spillBytes / format.pageSize)),
       changed_(format.pageSize),
       savepoint_(format.pageSize),
-      lookPages_(std::max<std::size_t>(1, spillPages_ / 8)) {}
+      before_(format.pageSize),
+      lookPages_(std::max<std::size_t>(1, spillPages_ / 32)) {}
 
 void Changes::BeginTransaction() noexcept {
     inTransaction_ = true;
@@ -44,7 +50,7 @@ void Changes::BeginOperation() {
 MutableBytes Changes::Change(PageNumber page) {
     Frame& frame = pages_.Fetch(page);
     if (!frame.changing) {
-        (frame.inTransaction ? savepoint_ : changed_).Add(frame, false);
+        Remember(frame);
         frame.inTransaction = true;
         frame.changing = true;
     }
@@ -75,33 +81,54 @@ void Changes::Append() {
     pages_.SetPageCount(pages_.PageCount() + 1);
 }
 
-PageChange Changes::ChangeOf(const UndoImage& image) const {
-    const Bytes before = changed_.Before(image);
+void Changes::Remember(Frame& frame) {
+    if (frame.inTransaction) {
+        savepoint_.Add(frame, false);
+    } else if (frame.dirty || changed_.Size() < std::min(kMostCopies, spillPages_ / 4)) {
+        changed_.Add(frame, false);
+    } else {
+        changed_.AddStored(frame);
+    }
+}
+
+PageChange Changes::ChangeOf(const UndoImage& image) {
+    const PageNumber page{image.frame->number};
+    if (image.stored) pages_.ReadStored(page, before_);
+    const Bytes before = image.stored ? Bytes(before_) : changed_.Before(image);
     const Bytes after = pages_.BytesOf(*image.frame);
-    return {.page = PageNumber{image.frame->number},
+    return {.page = page,
             .fresh = image.fresh,
             .before = before,
             .after = after,
             .firstDifference = FirstDifference(before, after, 0)};
 }
 
-void Changes::CollectChanges() {
-    differences_.clear();
-    for (const UndoImage& image : changed_.From(0)) {
+void Changes::AddChanges(std::span<const UndoImage> images) {
+    for (const UndoImage& image : images) {
         const PageChange change = ChangeOf(image);
-        if (change.fresh || change.firstDifference < format_.pageSize) {
-            differences_.push_back(change);
-        }
+        if (!change.fresh && change.firstDifference == format_.pageSize) continue;
+        journal_.Add(change);
+        written_.push_back(image.frame);
     }
 }
 
-// The moment of commitment.
+// The last record is the moment of commitment.
 void Changes::WriteToLog() {
-    CollectChanges();
-    if (differences_.empty() && !journal_.HasParts()) return;
-    journal_.Append(differences_, pages_.PageCount());
+    written_.clear();
+    const std::span<const UndoImage> images = changed_.From(0);
+    const std::size_t most = std::min(kPagesOfCommit, spillPages_);
+    std::size_t at = 0;
+    for (; images.size() - at > most; at += most) {
+        journal_.Start(LogRecordKind::kPart, pages_.PageCount());
+        AddChanges(images.subspan(at, most));
+        journal_.Write();
+    }
+    journal_.Start(LogRecordKind::kCommit, pages_.PageCount());
+    AddChanges(images.subspan(at));
+    if (written_.empty() && !journal_.HasParts()) return;
+    journal_.Write();
     // Done: nothing from here on fails.
-    for (const PageChange& change : differences_) pages_.MarkDirty(*pages_.Find(change.page.value));
+    for (Frame* frame : written_) pages_.MarkDirty(*frame);
     pages_.InLog().Keep();
     ++count_;
 }
@@ -150,10 +177,11 @@ void Changes::Spill(const std::vector<const UndoImage*>& images) {
 }
 
 void Changes::SpillPart(std::span<const UndoImage* const> images) {
-    differences_.clear();
-    for (const UndoImage* image : images) differences_.push_back(ChangeOf(*image));
-    std::vector<std::uint64_t> places(images.size());
-    journal_.AppendPart(differences_, pages_.PageCount(), places);
+    std::vector<std::uint64_t> places;
+    places.reserve(images.size());
+    journal_.Start(LogRecordKind::kPart, pages_.PageCount());
+    for (const UndoImage* image : images) places.push_back(journal_.AddWhole(ChangeOf(*image)));
+    journal_.Write();
     for (std::size_t i = 0; i < images.size(); ++i) {
         images[i]->frame->inTransaction = false;
         pages_.MoveToLog(*images[i]->frame, places[i]);
@@ -172,15 +200,17 @@ void Changes::MoveWhenDue() {
 }
 
 void Changes::MovePart(std::span<Frame* const> frames) {
-    differences_.clear();
+    std::vector<std::uint64_t> places;
+    places.reserve(frames.size());
+    pages_.ReserveMoves(frames.size());
+    journal_.Start(LogRecordKind::kMoved, pages_.PageCount());
     for (Frame* frame : frames) {
-        PageChange& moved = differences_.emplace_back();
+        PageChange moved;
         moved.page = PageNumber{frame->number};
         moved.after = pages_.BytesOf(*frame);
+        places.push_back(journal_.AddWhole(moved));
     }
-    std::vector<std::uint64_t> places(frames.size());
-    pages_.ReserveMoves(frames.size());
-    journal_.AppendMoved(differences_, pages_.PageCount(), places);
+    journal_.Write();
     for (std::size_t i = 0; i < frames.size(); ++i) pages_.MoveToLog(*frames[i], places[i]);
     pages_.InLog().Keep();
 }
@@ -200,6 +230,7 @@ void Changes::RollbackOperation() noexcept {
     if (savepoint_.Size() > 0 || !savepointParts_.IsEmpty()) ++count_;
     UndoFrom(firstOfOperation_);
     pages_.SetPageCount(pagesBeforeOperation_);
+    if (!inTransaction_) journal_.DropParts();
     EndOperation();
 }
 
@@ -229,7 +260,7 @@ void Changes::RollbackTransaction() noexcept {
 // Puts the pages back that were changed from this one on.
 void Changes::UndoFrom(std::size_t first) noexcept {
     for (const UndoImage& image : changed_.From(first)) {
-        if (image.fresh) {
+        if (image.fresh || image.stored) {
             pages_.Drop(*image.frame);
         } else {
             changed_.Restore(image);

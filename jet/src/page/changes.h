@@ -51,8 +51,9 @@ public:
     PageNumber mapRowPage;  // lately had room for a usage map; 0 when none is known
 
 private:
-    [[nodiscard]] PageChange ChangeOf(const UndoImage& image) const;
-    void CollectChanges();
+    void Remember(Frame& frame);
+    [[nodiscard]] PageChange ChangeOf(const UndoImage& image);
+    void AddChanges(std::span<const UndoImage> images);
     void WriteToLog();
     void SpillWhenDue();
     void Spill(const std::vector<const UndoImage*>& images);
@@ -75,10 +76,11 @@ private:
     UndoImages changed_;                      // all pages since pagesBefore_ was noted
     std::size_t firstOfOperation_ = 0;        // those from here on, by the operation
     UndoImages savepoint_;  // pages that the operation changed after the transaction had done so
-    UndoParts savepointParts_;  // and parts of such pages, before they were in savepoint_
-    std::vector<PageChange> differences_;
-    std::size_t keptAtSpill_ = 0;  // pages that could not be moved to the log
-    std::size_t lookPages_;        // after so many more, pages that went cold are looked for
+    UndoParts savepointParts_;       // and parts of such pages, before they were in savepoint_
+    std::vector<std::byte> before_;  // a page that was read again
+    std::vector<Frame*> written_;    // the frames of changes that are in the log
+    std::size_t keptAtSpill_ = 0;    // pages that could not be moved to the log
+    std::size_t lookPages_;          // after so many more, pages that went cold are looked for
     std::size_t lastLook_ = 0;
     std::uint64_t count_ = 0;
 };

@@ -68,11 +68,11 @@ std::uint64_t Journal::StartBuffer(std::uint32_t pagesAfter) {
     buffer_.clear();
     if (!IsEmpty()) {
         if (logged_.size() < pagesAfter) {
-            logged_.resize(std::max<std::size_t>(pagesAfter, logged_.size() * 2), false);
+            logged_.resize(std::max<std::size_t>(pagesAfter, logged_.size() * 2));
         }
         return checksum_;
     }
-    logged_.assign(pagesAfter, false);
+    logged_.assign(pagesAfter, LoggedAs::kNothing);
     operation_ = 0;
     const FileState& start = dataFile_.State();
     return AppendLogHeader(buffer_, {.pageSize = dataFile_.PageFormat().pageSize,
@@ -82,56 +82,48 @@ std::uint64_t Journal::StartBuffer(std::uint32_t pagesAfter) {
                                      .otherCounters = start.otherCounters});
 }
 
-LogBase Journal::BaseOf(const PageChange& change) const {
-    if (change.fresh) return LogBase::kZero;
-    return Has(change.page) ? LogBase::kInLog : LogBase::kImage;
+void Journal::Start(LogRecordKind kind, std::uint32_t pagesAfter) {
+    seed_ = StartBuffer(pagesAfter);
+    kind_ = kind;
+    entries_.clear();
+    record_.emplace(buffer_, kind, operation_ + 1, pagesAfter);
 }
 
-void Journal::Append(std::span<const PageChange> changes, std::uint32_t pagesAfter) {
-    const std::uint64_t seed = StartBuffer(pagesAfter);
-    LogRecordWriter record(buffer_, LogRecordKind::kCommit, operation_ + 1, pagesAfter);
-    for (const PageChange& change : changes) record.AddPage(change, BaseOf(change));
-    const std::uint64_t checksum = record.Finish(seed);
-    const bool first = IsEmpty();
+void Journal::NoteEntry(const PageChange& change, LogBase base) {
+    entries_.push_back({change.page.value, LoggedAfter(base)});
+}
+
+void Journal::Add(const PageChange& change) {
+    FindRanges(change, ranges_);
+    const LogBase base = BaseFor(change, StateOf(change.page), ranges_);
+    NoteEntry(change, base);
+    record_->AddPage(change, base, ranges_);
+}
+
+std::uint64_t Journal::AddWhole(const PageChange& change) {
+    const LogBase base = BaseForWhole(change, StateOf(change.page));
+    NoteEntry(change, base);
+    return end_ + record_->AddWholePage(change, base);
+}
+
+void Journal::Write() {
+    const bool isPart = kind_ == LogRecordKind::kPart;
+    if (isPart) loggedByParts_.reserve(loggedByParts_.size() + entries_.size());
+    const Good before{end_, checksum_};
+    const std::uint64_t checksum = record_->Finish(seed_);
     WriteBuffer();
-    if (first) lastCounter_ = dataFile_.State().commitCounter;
+    // Done: nothing from here on fails.
+    if (before.end == 0) lastCounter_ = dataFile_.State().commitCounter;
     checksum_ = checksum;
+    for (const LoggedPage& entry : entries_) {
+        if (isPart) loggedByParts_.push_back({entry.page, logged_[entry.page]});
+        logged_[entry.page] = entry.state;
+    }
+    if (isPart && !beforeParts_) beforeParts_ = before;
+    if (kind_ != LogRecordKind::kCommit) return;
     ++operation_;
-    for (const PageChange& change : changes) logged_[change.page.value] = true;
     beforeParts_.reset();
     loggedByParts_ = {};
-}
-
-void Journal::WriteWholePages(LogRecordKind kind, std::span<const PageChange> changes,
-                              std::uint32_t pagesAfter, std::span<std::uint64_t> places) {
-    const std::uint64_t seed = StartBuffer(pagesAfter);
-    LogRecordWriter record(buffer_, kind, operation_ + 1, pagesAfter);
-    for (std::size_t i = 0; i < changes.size(); ++i) {
-        places[i] = end_ + record.AddWholePage(changes[i], BaseOf(changes[i]));
-    }
-    const std::uint64_t checksum = record.Finish(seed);
-    const bool first = IsEmpty();
-    WriteBuffer();
-    if (first) lastCounter_ = dataFile_.State().commitCounter;
-    checksum_ = checksum;
-}
-
-void Journal::AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
-                         std::span<std::uint64_t> places) {
-    loggedByParts_.reserve(loggedByParts_.size() + changes.size());
-    const Good before{end_, checksum_};
-    WriteWholePages(LogRecordKind::kPart, changes, pagesAfter, places);
-    if (!beforeParts_) beforeParts_ = before;
-    for (const PageChange& change : changes) {
-        if (!Has(change.page)) loggedByParts_.push_back(change.page.value);
-        logged_[change.page.value] = true;
-    }
-}
-
-void Journal::AppendMoved(std::span<const PageChange> changes, std::uint32_t pagesAfter,
-                          std::span<std::uint64_t> places) {
-    WriteWholePages(LogRecordKind::kMoved, changes, pagesAfter, places);
-    for (const PageChange& change : changes) logged_[change.page.value] = true;
 }
 
 void Journal::DropParts() noexcept {
@@ -139,7 +131,9 @@ void Journal::DropParts() noexcept {
     end_ = beforeParts_->end;
     checksum_ = beforeParts_->checksum;
     beforeParts_.reset();
-    for (const std::uint32_t page : loggedByParts_) logged_[page] = false;
+    for (auto entry = loggedByParts_.rbegin(); entry != loggedByParts_.rend(); ++entry) {
+        logged_[entry->page] = entry->state;
+    }
     loggedByParts_ = {};
     CutQuietly();
 }

@@ -54,18 +54,17 @@ public:
     // Goes on with a log that was replayed.
     void Resume(const LogPosition& position);
 
-    // The moment of commitment: writes the record of an operation. When it throws, the operation is
-    // not in the log. kDiskFull, kIo.
-    void Append(std::span<const PageChange> changes, std::uint32_t pagesAfter);
-
-    // A part of a transaction that goes on: whole pages. Gives where the bytes of each lie in the
-    // log, in the order of `changes`. When it throws, nothing is in the log. kDiskFull, kIo.
-    void AppendPart(std::span<const PageChange> changes, std::uint32_t pagesAfter,
-                    std::span<std::uint64_t> places);
-    // The same for pages as they were committed, whose memory is to be used for others. Only when
-    // there are no parts.
-    void AppendMoved(std::span<const PageChange> changes, std::uint32_t pagesAfter,
-                     std::span<std::uint64_t> places);
+    // A record is built page by page and then written. A commit is the moment of commitment. A part
+    // is one of a transaction that goes on. Moved are pages as they were committed, whose memory is
+    // to be used for others; only when there are no parts. A record that is not written is
+    // forgotten when the next one is started.
+    void Start(LogRecordKind kind, std::uint32_t pagesAfter);
+    // What has changed of the page; its bytes may be used for others afterwards.
+    void Add(const PageChange& change);
+    // All of the page. Gives where its bytes will lie in the log.
+    std::uint64_t AddWhole(const PageChange& change);
+    // When it throws, nothing of the record is in the log. kDiskFull, kIo, kRecordTooLarge.
+    void Write();
     // Whether there are parts that no commit has followed.
     [[nodiscard]] bool HasParts() const { return beforeParts_.has_value(); }
     // Removes them: the transaction has been rolled back.
@@ -98,19 +97,22 @@ private:
         std::uint64_t checksum = 0;  // of its last record
     };
 
+    struct LoggedPage {
+        std::uint32_t page = 0;
+        LoggedAs state = LoggedAs::kNothing;
+    };
+
     // Puts the header of a log that begins into the buffer, and gives the seed of the next record.
     std::uint64_t StartBuffer(std::uint32_t pagesAfter);
-    [[nodiscard]] LogBase BaseOf(const PageChange& change) const;
-    void WriteWholePages(LogRecordKind kind, std::span<const PageChange> changes,
-                         std::uint32_t pagesAfter, std::span<std::uint64_t> places);
+    void NoteEntry(const PageChange& change, LogBase base);
     void CutQuietly() noexcept;
     void RequireFile();
     void FlushPlace();
     std::unique_ptr<File> OpenLog();
     void WriteBuffer();
     void WriteAllAgain();
-    [[nodiscard]] bool Has(PageNumber page) const {
-        return page.value < logged_.size() && logged_[page.value];
+    [[nodiscard]] LoggedAs StateOf(PageNumber page) const {
+        return page.value < logged_.size() ? logged_[page.value] : LoggedAs::kNothing;
     }
 
     const DataFile& dataFile_;
@@ -123,10 +125,15 @@ private:
     bool placeFlushed_ = false;      // a power cut cannot take the file out of its folder
     bool cutFirst_ = false;          // there may be bytes past the good part
     bool flushFailed_ = false;       // what was written may never have reached the disk
-    std::vector<bool> logged_;       // pages whose former bytes are in the log
+    std::vector<LoggedAs> logged_;   // by page
     std::optional<Good> beforeParts_;
-    std::vector<std::uint32_t> loggedByParts_;
+    std::vector<LoggedPage> loggedByParts_;  // as they were before
     std::vector<std::byte> buffer_;
+    LogRecordKind kind_ = LogRecordKind::kCommit;  // of the record that is being built
+    std::uint64_t seed_ = 0;
+    std::optional<LogRecordWriter> record_;
+    std::vector<LoggedPage> entries_;  // as they will be
+    std::vector<LogRange> ranges_;
 };
 
 }  // namespace jet

@@ -58,6 +58,52 @@ std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from) {
     return from;
 }
 
+void FindRanges(const PageChange& change, std::vector<LogRange>& into) {
+    into.clear();
+    std::size_t at = change.firstDifference;
+    while (at < change.after.size()) {
+        const std::size_t end = DifferenceEnd(change.before, change.after, at);
+        into.push_back({static_cast<std::uint16_t>(at), static_cast<std::uint16_t>(end)});
+        at = FirstDifference(change.before, change.after, end);
+    }
+}
+
+LoggedAs LoggedAfter(LogBase base) {
+    return HasFormerBytes(base) ? LoggedAs::kChanges : LoggedAs::kWhole;
+}
+
+std::size_t SizeOfBase(LogBase base, std::size_t pageSize) {
+    switch (base) {
+        case LogBase::kImage:
+            return pageSize;
+        case LogBase::kSum:
+            return sizeof(std::uint64_t);
+        case LogBase::kPieces:
+            return pageSize / kLogPiece * sizeof(std::uint64_t);
+        default:
+            return 0;
+    }
+}
+
+// Former bytes are logged again with each later change, so they have to be few.
+LogBase BaseFor(const PageChange& change, LoggedAs state, const std::vector<LogRange>& ranges) {
+    std::size_t changed = 0;
+    for (const LogRange range : ranges) changed += range.end - range.begin;
+    if (state == LoggedAs::kWhole || change.fresh || change.page.value == 0 ||
+        changed > change.after.size() / 4) {
+        return BaseForWhole(change, state);
+    }
+    return state == LoggedAs::kNothing ? LogBase::kSum : LogBase::kInLogByChanges;
+}
+
+// The commit counter of page 0 is judged by itself, which a checksum over it would not allow.
+LogBase BaseForWhole(const PageChange& change, LoggedAs state) {
+    if (change.fresh) return LogBase::kZero;
+    if (state == LoggedAs::kWhole) return LogBase::kInLog;
+    if (state == LoggedAs::kChanges || change.page.value == 0) return LogBase::kImage;
+    return LogBase::kPieces;
+}
+
 std::uint64_t AppendLogHeader(std::vector<std::byte>& out, const LogHeader& header) {
     const MutableBytes bytes = Extend(out, kLogHeaderSize);
     std::fill(bytes.begin(), bytes.end(), std::byte{0});
@@ -100,50 +146,48 @@ LogRecordWriter::LogRecordWriter(std::vector<std::byte>& out, LogRecordKind kind
     WriteU32(head, 16, value);
 }
 
-std::size_t LogRecordWriter::StartEntry(const PageChange& change, LogBase base) {
-    const std::size_t head = out_.size();
-    Extend(out_, kLogEntryHead);
-    if (base == LogBase::kImage) {
-        out_.insert(out_.end(), change.before.begin(), change.before.end());
-    }
-    return head;
+void LogRecordWriter::Put(Bytes bytes) {
+    out_.insert(out_.end(), bytes.begin(), bytes.end());
 }
 
-void LogRecordWriter::EndEntry(std::size_t head, const PageChange& change, LogBase base,
-                               std::uint16_t ranges) {
-    const MutableBytes entry = MutableBytes(out_).subspan(head, kLogEntryHead);
-    WriteU32(entry, 0, change.page.value);
-    WriteU16(entry, 4, static_cast<std::uint16_t>(base));
-    WriteU16(entry, 6, ranges);
+void LogRecordWriter::StartEntry(const PageChange& change, LogBase base, std::size_t ranges) {
+    const MutableBytes head = Extend(out_, kLogEntryHead);
+    WriteU32(head, 0, change.page.value);
+    WriteU16(head, 4, static_cast<std::uint16_t>(base));
+    WriteU16(head, 6, static_cast<std::uint16_t>(ranges));
     ++entries_;
+    if (base == LogBase::kImage) Put(change.before);
+    if (base == LogBase::kSum) WriteU64(Extend(out_, 8), 0, Checksum(change.before, 0));
+    if (base == LogBase::kPieces) {
+        for (std::size_t at = 0; at < change.before.size(); at += kLogPiece) {
+            WriteU64(Extend(out_, 8), 0, Checksum(change.before.subspan(at, kLogPiece), 0));
+        }
+    }
 }
 
-void LogRecordWriter::AddPage(const PageChange& change, LogBase base) {
-    const std::size_t head = StartEntry(change, base);
-    std::uint16_t ranges = 0;
-    std::size_t at = change.firstDifference;
-    while (at < change.after.size()) {
-        const std::size_t end = DifferenceEnd(change.before, change.after, at);
-        AddRange(change, at, end);
-        ++ranges;
-        at = FirstDifference(change.before, change.after, end);
+void LogRecordWriter::AddPage(const PageChange& change, LogBase base,
+                              const std::vector<LogRange>& ranges) {
+    if (base == LogBase::kPieces) {
+        AddWholePage(change, base);
+        return;
     }
-    EndEntry(head, change, base, ranges);
+    StartEntry(change, base, ranges.size());
+    for (const LogRange range : ranges) AddRange(change, base, range);
 }
 
 std::size_t LogRecordWriter::AddWholePage(const PageChange& change, LogBase base) {
-    const std::size_t head = StartEntry(change, base);
-    AddRange(change, 0, change.after.size());
-    EndEntry(head, change, base, 1);
+    StartEntry(change, base, 1);
+    AddRange(change, base, {0, static_cast<std::uint16_t>(change.after.size())});
     return out_.size() - change.after.size();
 }
 
-void LogRecordWriter::AddRange(const PageChange& change, std::size_t begin, std::size_t end) {
+void LogRecordWriter::AddRange(const PageChange& change, LogBase base, LogRange range) {
+    const std::size_t length = range.end - range.begin;
     const MutableBytes head = Extend(out_, 4);
-    WriteU16(head, 0, static_cast<std::uint16_t>(begin));
-    WriteU16(head, 2, static_cast<std::uint16_t>(end - begin));
-    const Bytes bytes = change.after.subspan(begin, end - begin);
-    out_.insert(out_.end(), bytes.begin(), bytes.end());
+    WriteU16(head, 0, range.begin);
+    WriteU16(head, 2, static_cast<std::uint16_t>(length));
+    if (HasFormerBytes(base)) Put(change.before.subspan(range.begin, length));
+    Put(change.after.subspan(range.begin, length));
 }
 
 std::uint64_t LogRecordWriter::Finish(std::uint64_t seed) {

@@ -10,7 +10,9 @@
 //   12  4  pages of the data file when the log began
 //   16  8  salt, another one for each log
 //   24  2  the data file's commit counter when the log began
-//   26  2  version of this format, 2; version 1 had no records of kind 4
+//   26  2  version of this format, 3; version 2 had no entries of bases 3 to 5, version 1 no
+//   records
+//          of kind 4 either
 //   28  8  the other counters of page 0, as one number
 //   36  20 zeros
 //   56  8  checksum of the 56 bytes before
@@ -27,10 +29,28 @@
 //
 //   page entry
 //   0   4  page
-//   4   2  base: 0 the page is in the log already, 1 its former bytes follow, 2 it was new and zero
+//   4   2  base, see below
 //   6   2  number of ranges
-//   8      base 1: the page as it was
-//          each range: u16 offset, u16 length, the new bytes
+//   8      bases 1, 3, 5: what the base brings along
+//          each range: u16 offset, u16 length, bases 3 and 4: the former bytes, the new bytes
+//
+//   base   says of the page             brings along
+//   0      is in the log, all of it     -
+//   1      is not, or by changes only   the page as it was before this entry
+//   2      was new and zero             -
+//   3      is not in the log yet        the checksum of the page as it was
+//   4      is in the log by changes     -
+//   5      is not in the log yet        checksums of its 512-byte pieces; one range, the whole page
+//
+// What is logged of a page when it changes for the first time serves two ends. It tells this data
+// file from any other: each byte of the page has to be there, as the log began with or as it left
+// it. And it mends a page of which only a part was written when the power failed: such a page is a
+// mixture of pieces of 512 bytes, each as before or as after. Neither takes the whole former page.
+// - Small changes: bytes outside the ranges are the same before and after, so no mixture differs
+//   there, and writing the ranges once more mends the page. With the former bytes put back into the
+//   ranges the page must have the checksum that it had.
+// - A page that changed by much is there anew as a whole, which mends it whatever the mixture is.
+//   Each piece must have its former checksum or else be made of bytes that the log put there.
 //
 // A transaction is one commit record, written by one write. One that outgrows the memory that it
 // may take writes whole pages in parts before it; parts that no commit follows count for nothing.
@@ -52,10 +72,28 @@ inline constexpr std::size_t kLogRecordHead = 24;
 inline constexpr std::size_t kLogChecksumSize = 8;
 inline constexpr std::size_t kLogEntryHead = 8;
 inline constexpr std::uint32_t kLargestLogRecord = 1U << 30;
-inline constexpr std::uint16_t kLogVersion = 2;
+inline constexpr std::uint16_t kLogVersion = 3;
+inline constexpr std::size_t kLogPiece = 512;
 
 enum class LogRecordKind : std::uint32_t { kCommit = 1, kCheckpoint = 2, kPart = 3, kMoved = 4 };
-enum class LogBase : std::uint16_t { kInLog = 0, kImage = 1, kZero = 2 };
+enum class LogBase : std::uint16_t {
+    kInLog = 0,
+    kImage = 1,
+    kZero = 2,
+    kSum = 3,
+    kInLogByChanges = 4,
+    kPieces = 5,
+};
+// What the log says of a page so far.
+enum class LoggedAs : std::uint8_t { kNothing, kChanges, kWhole };
+// After an entry with this base.
+LoggedAs LoggedAfter(LogBase base);
+// The size of what the base brings along.
+std::size_t SizeOfBase(LogBase base, std::size_t pageSize);
+// Whether ranges hold the former bytes too.
+inline bool HasFormerBytes(LogBase base) {
+    return base == LogBase::kSum || base == LogBase::kInLogByChanges;
+}
 
 struct LogHeader {
     std::uint32_t pageSize = 0;
@@ -87,22 +125,32 @@ struct PageChange {
 // The first place from `from` on where two pages differ, or their size.
 std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from);
 
+struct LogRange {
+    std::uint16_t begin = 0;
+    std::uint16_t end = 0;  // past the last byte
+};
+// Where the page differs, as ranges that are worth an entry of their own.
+void FindRanges(const PageChange& change, std::vector<LogRange>& into);
+// The base that takes the least room for these ranges.
+LogBase BaseFor(const PageChange& change, LoggedAs state, const std::vector<LogRange>& ranges);
+// The same for an entry with all bytes of the page.
+LogBase BaseForWhole(const PageChange& change, LoggedAs state);
+
 // Builds one record at the end of `out`, which is reused from record to record.
 class LogRecordWriter {
 public:
     LogRecordWriter(std::vector<std::byte>& out, LogRecordKind kind, std::uint64_t operation,
                     std::uint32_t value);
-    void AddPage(const PageChange& change, LogBase base);
+    void AddPage(const PageChange& change, LogBase base, const std::vector<LogRange>& ranges);
     // Adds all bytes of the page as it is now, and gives their place in `out`.
     std::size_t AddWholePage(const PageChange& change, LogBase base);
     // Completes the record and gives its checksum. kRecordTooLarge.
     std::uint64_t Finish(std::uint64_t seed);
 
 private:
-    // The entry's head, to be completed by EndEntry, and the former bytes.
-    std::size_t StartEntry(const PageChange& change, LogBase base);
-    void EndEntry(std::size_t head, const PageChange& change, LogBase base, std::uint16_t ranges);
-    void AddRange(const PageChange& change, std::size_t begin, std::size_t end);
+    void StartEntry(const PageChange& change, LogBase base, std::size_t ranges);
+    void AddRange(const PageChange& change, LogBase base, LogRange range);
+    void Put(Bytes bytes);
 
     std::vector<std::byte>& out_;
     std::size_t start_;

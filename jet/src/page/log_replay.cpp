@@ -4,9 +4,19 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/checksum.h"
 #include "page/header.h"
 
 namespace jet {
+
+namespace {
+
+// What is known of a byte of the data file.
+constexpr std::uint8_t kUnexplained = 0;
+constexpr std::uint8_t kExplained = 1;
+constexpr std::uint8_t kUntouched = 2;  // by any range so far
+
+}  // namespace
 
 LogReplay::LogReplay(File& dataFile, const Format& format, Bytes headerPage)
     : dataFile_(dataFile),
@@ -87,36 +97,68 @@ bool LogReplay::ApplyPages(const LogReader& reader) {
         const Bytes head = take(kLogEntryHead);
         if (head.size() < kLogEntryHead) return false;
         const auto base = static_cast<LogBase>(ReadU16(head, 4));
-        const Bytes image = take(base == LogBase::kImage ? format_.pageSize : 0);
-        LoggedPage* page = StartPage(PageNumber{ReadU32(head, 0)}, base, image);
+        const std::size_t brings = SizeOfBase(base, format_.pageSize);
+        const Bytes brought = take(brings);
+        if (brought.size() < brings) return false;
+        LoggedPage* page = FindPage(PageNumber{ReadU32(head, 0)}, base, brought);
         if (page == nullptr) return false;
         for (std::uint32_t range = ReadU16(head, 6); range > 0; --range) {
             const Bytes place = take(4);
             if (place.size() < 4) return false;
-            const std::uint64_t at = reader.EntriesAt() + (entries.size() - rest.size());
-            const Bytes bytes = take(ReadU16(place, 2));
-            if (bytes.size() < ReadU16(place, 2) ||
-                !ApplyRange(*page, ReadU16(place, 0), bytes, at)) {
-                return false;
+            const std::size_t offset = ReadU16(place, 0);
+            const std::size_t length = ReadU16(place, 2);
+            if (offset + length > format_.pageSize) return false;
+            if (HasFormerBytes(base)) {
+                const Bytes former = take(length);
+                if (former.size() < length || !ApplyFormer(*page, offset, former)) return false;
             }
+            const std::uint64_t at = reader.EntriesAt() + (entries.size() - rest.size());
+            const Bytes bytes = take(length);
+            if (bytes.size() < length) return false;
+            ApplyRange(*page, offset, bytes, at);
         }
+        // Nothing else says what the page is.
+        if (base == LogBase::kPieces && page->place == 0) return false;
     }
     return rest.empty();
 }
 
 // The page that an entry is about; null when the entry contradicts the log before it.
-LogReplay::LoggedPage* LogReplay::StartPage(PageNumber page, LogBase base, Bytes image) {
+LogReplay::LoggedPage* LogReplay::FindPage(PageNumber page, LogBase base, Bytes brought) {
     if (page.value >= pageCount_) return nullptr;
     const auto found = pages_.find(page.value);
-    if (base == LogBase::kInLog) return found == pages_.end() ? nullptr : &found->second;
+    if (found == pages_.end()) return StartPage(page, base, brought);
+    LoggedAs& state = position_.logged[page.value];
+    const bool byChanges = state == LoggedAs::kChanges;
+    if (base == LogBase::kInLog) return byChanges ? nullptr : &found->second;
+    if (base == LogBase::kInLogByChanges) return byChanges ? &found->second : nullptr;
+    if (base != LogBase::kImage || !byChanges) return nullptr;
+    state = LoggedAs::kWhole;
+    return CompleteBase(found->second, brought) ? &found->second : nullptr;
+}
+
+LogReplay::LoggedPage* LogReplay::StartPage(PageNumber page, LogBase base, Bytes brought) {
     const bool fresh = page.value >= header_.pageCount;
-    const std::size_t imageSize = fresh ? 0 : format_.pageSize;
-    if (found != pages_.end() || base != (fresh ? LogBase::kZero : LogBase::kImage) ||
-        image.size() != imageSize) {
-        return nullptr;
-    }
+    const bool starts =
+        base == LogBase::kImage || base == LogBase::kSum || base == LogBase::kPieces;
+    if (fresh ? base != LogBase::kZero : !starts) return nullptr;
     LoggedPage& logged = pages_[page.value];
-    logged.image.assign(image.begin(), image.end());
+    ReadFromFile(page, logged);
+    if (base == LogBase::kSum) {
+        StartFromSum(logged, ReadU64(brought, 0));
+    } else if (base == LogBase::kPieces) {
+        ExplainPieces(logged, brought);
+    } else {
+        logged.image.assign(brought.begin(), brought.end());
+        const std::vector<std::byte> zeros(fresh ? logged.inFile.size() : 0);
+        Explain(logged, 0, fresh ? Bytes(zeros) : brought);
+    }
+    if (position_.logged.size() <= page.value) position_.logged.resize(page.value + 1);
+    position_.logged[page.value] = LoggedAfter(base);
+    return &logged;
+}
+
+void LogReplay::ReadFromFile(PageNumber page, LoggedPage& logged) {
     const std::uint64_t offset = std::uint64_t{page.value} * format_.pageSize;
     const std::uint64_t there = dataSize_ > offset ? dataSize_ - offset : 0;
     logged.inFile.resize(
@@ -126,34 +168,91 @@ LogReplay::LoggedPage* LogReplay::StartPage(PageNumber page, LogBase base, Bytes
     if (page.value == 0) {
         // The counter on the header page is no content; it is judged by itself.
         const std::size_t counter = CommitCounterOffset(format_);
-        logged.known[counter] = logged.known[counter + 1] = 1;
+        logged.known[counter] = logged.known[counter + 1] = kExplained;
     }
-    const std::vector<std::byte> zeros(fresh ? logged.inFile.size() : 0);
-    Explain(logged, 0, fresh ? Bytes(zeros) : image);
-    if (position_.logged.size() <= page.value) position_.logged.resize(page.value + 1);
-    position_.logged[page.value] = true;
-    return &logged;
+}
+
+// Bytes outside the ranges are in the file as they were, and are to be.
+void LogReplay::StartFromSum(LoggedPage& page, std::uint64_t sum) {
+    page.image = page.inFile;
+    if (Checksum(page.inFile, 0) == sum) {
+        page.inFile = {};
+        page.known = {};
+        return;
+    }
+    page.base = page.inFile;
+    page.sum = sum;
+    std::fill(page.known.begin(), page.known.end(), kUntouched);
+}
+
+void LogReplay::ExplainPieces(LoggedPage& page, Bytes sums) {
+    for (std::size_t at = 0; at < page.inFile.size(); at += kLogPiece) {
+        if (Checksum(Bytes(page.inFile).subspan(at, kLogPiece), 0) ==
+            ReadU64(sums, at / kLogPiece * sizeof(std::uint64_t))) {
+            std::fill_n(page.known.begin() + static_cast<std::ptrdiff_t>(at), kLogPiece,
+                        kExplained);
+        }
+    }
+    ForgetWhenExplained(page);
+}
+
+// The page as it was before this entry, of which some ranges are known. False when it contradicts
+// them.
+bool LogReplay::CompleteBase(LoggedPage& page, Bytes image) {
+    if (page.image.size() != image.size()) return false;
+    if (page.base.empty()) return Equal(page.image, image);
+    for (std::size_t i = 0; i < image.size(); ++i) {
+        if (page.known[i] != kUntouched) {
+            if (page.image[i] != image[i]) return false;
+            continue;
+        }
+        page.base[i] = page.image[i] = image[i];
+        page.known[i] = page.inFile[i] == image[i] ? kExplained : kUnexplained;
+    }
+    if (Checksum(page.base, 0) != page.sum) return false;
+    page.base = {};
+    ForgetWhenExplained(page);
+    return true;
+}
+
+// The bytes of a range before the entry. False when the log has said something else of them.
+bool LogReplay::ApplyFormer(LoggedPage& page, std::size_t offset, Bytes bytes) {
+    if (offset + bytes.size() > page.image.size()) return false;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const std::size_t at = offset + i;
+        if (page.base.empty() || page.known[at] != kUntouched) {
+            if (page.image[at] != bytes[i]) return false;
+            continue;
+        }
+        page.base[at] = page.image[at] = bytes[i];
+        page.known[at] = page.inFile[at] == bytes[i] ? kExplained : kUnexplained;
+    }
+    return true;
 }
 
 // Notes which bytes of the page in the file are these.
 void LogReplay::Explain(LoggedPage& page, std::size_t offset, Bytes bytes) {
     const std::size_t end = std::min(offset + bytes.size(), page.inFile.size());
     for (std::size_t i = offset; i < end; ++i) {
-        if (page.inFile[i] == bytes[i - offset]) page.known[i] = 1;
+        if (page.inFile[i] == bytes[i - offset]) page.known[i] = kExplained;
     }
-    if (std::find(page.known.begin(), page.known.end(), 0) == page.known.end()) {
+    ForgetWhenExplained(page);
+}
+
+void LogReplay::ForgetWhenExplained(LoggedPage& page) {
+    if (page.base.empty() &&
+        std::find(page.known.begin(), page.known.end(), kUnexplained) == page.known.end()) {
         page.inFile = {};
         page.known = {};
     }
 }
 
-bool LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place) {
-    if (offset + bytes.size() > format_.pageSize) return false;
+void LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place) {
     Explain(page, offset, bytes);
     if (bytes.size() == format_.pageSize) {
         page.place = place;
         page.image = {};
-        return true;
+        return;
     }
     if (page.place != 0) {
         page.image.resize(format_.pageSize);
@@ -162,13 +261,16 @@ bool LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, st
     }
     page.image.resize(format_.pageSize);
     std::copy(bytes.begin(), bytes.end(), page.image.begin() + static_cast<std::ptrdiff_t>(offset));
-    return true;
 }
 
 bool LogReplay::Belongs() const {
     if (!counterFits_ || dataSize_ > std::uint64_t{pageCount_} * format_.pageSize) return false;
-    return std::all_of(pages_.begin(), pages_.end(),
-                       [](const auto& entry) { return entry.second.known.empty(); });
+    return std::all_of(pages_.begin(), pages_.end(), [](const auto& entry) {
+        const LoggedPage& page = entry.second;
+        if (page.base.empty()) return page.known.empty();
+        return Checksum(page.base, 0) == page.sum &&
+               std::find(page.known.begin(), page.known.end(), kUnexplained) == page.known.end();
+    });
 }
 
 void LogReplay::CopyPage(const LoggedPage& page, MutableBytes into) const {

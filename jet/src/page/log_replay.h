@@ -20,7 +20,7 @@ struct LogPosition {
     std::uint64_t checksum = 0;
     std::uint64_t operations = 0;
     std::uint16_t lastCounter = 0;  // of the log's beginning or its last checkpoint
-    std::vector<bool> logged;       // by page
+    std::vector<LoggedAs> logged;   // by page
 };
 
 class LogReplay {
@@ -30,6 +30,10 @@ public:
         std::vector<std::byte> image;     // after the last commit, otherwise; empty: all zeros
         std::vector<std::byte> inFile;    // as much of the page as the data file has, and
         std::vector<std::uint8_t> known;  // which bytes of it the log explains; empty once all are
+        // Of a page that is in the log by changes, and in the file no longer as the log began with
+        // it: that page, as far as it is known yet, and its checksum.
+        std::vector<std::byte> base;
+        std::uint64_t sum = 0;
     };
 
     enum class Finding {
@@ -58,9 +62,16 @@ private:
     void FindCommittedEnd(LogReader reader);
     bool Apply(const LogReader& reader);
     bool ApplyPages(const LogReader& reader);
-    LoggedPage* StartPage(PageNumber page, LogBase base, Bytes image);
-    bool ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place);
+    LoggedPage* FindPage(PageNumber page, LogBase base, Bytes brought);
+    LoggedPage* StartPage(PageNumber page, LogBase base, Bytes brought);
+    void ReadFromFile(PageNumber page, LoggedPage& logged);
+    static void StartFromSum(LoggedPage& page, std::uint64_t sum);
+    static void ExplainPieces(LoggedPage& page, Bytes sums);
+    static bool CompleteBase(LoggedPage& page, Bytes image);
+    static bool ApplyFormer(LoggedPage& page, std::size_t offset, Bytes bytes);
+    void ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place);
     static void Explain(LoggedPage& page, std::size_t offset, Bytes bytes);
+    static void ForgetWhenExplained(LoggedPage& page);
     [[nodiscard]] bool Belongs() const;
 
     File& dataFile_;

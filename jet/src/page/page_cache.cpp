@@ -85,7 +85,6 @@ Frame& PageCache::LoadAlone(PageNumber page) {
     return frame;
 }
 
-// A page that is not in memory.
 void PageCache::ReadStored(PageNumber page, MutableBytes into) {
     if (const std::uint64_t place = inLog_.Find(page.value)) {
         journal_.ReadPage(place, into);

@@ -44,6 +44,8 @@ public:
     [[nodiscard]] MutableBytes BytesOf(Frame& frame) const {
         return {frame.bytes.get(), pageSize_};
     }
+    // Reads a page as it is in the log or else in the data file, whatever is in memory. kIo.
+    void ReadStored(PageNumber page, MutableBytes into);
     // Copies a page without keeping it in memory.
     void Copy(PageNumber page, MutableBytes into);
 
@@ -69,8 +71,6 @@ private:
     Frame& Load(PageNumber page);
     Frame& LoadAlone(PageNumber page);
     [[nodiscard]] std::uint32_t ReadAhead(PageNumber page) const;
-    void ReadStored(PageNumber page, MutableBytes into);
-
     DataFile& file_;
     Journal& journal_;
     std::uint32_t pageSize_;

@@ -13,7 +13,6 @@ namespace {
 
 }  // namespace
 
-// A transaction spills when it has changed a quarter of what may be changed in memory.
 Pager::Pager(FileSystem& files, const std::filesystem::path& path, std::unique_ptr<File> file,
              const Format& format, const OpenOptions& options)
     : format_(format),
@@ -22,7 +21,7 @@ Pager::Pager(FileSystem& files, const std::filesystem::path& path, std::unique_p
       file_(files, path, std::move(file), format, options.readOnly),
       journal_(file_),
       cache_(file_, journal_, options.cacheBytes),
-      changes_(cache_, journal_, format, options.changedBytes / 4),
+      changes_(cache_, journal_, format, options.changedBytes),
       checkpoint_(file_, cache_, journal_) {}
 
 Pager::~Pager() {

@@ -12,15 +12,27 @@ constexpr std::size_t kMostKept = 256;
 
 }  // namespace
 
-void UndoImages::Add(Frame& frame, bool fresh) {
+UndoImage& UndoImages::Next(Frame& frame) {
     if (size_ == images_.size()) images_.emplace_back();
     UndoImage& image = images_[size_];
-    if (!fresh && !image.before) {
-        image.before = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
-    }
     image.frame = &frame;
+    image.fresh = false;
+    image.stored = false;
+    return image;
+}
+
+void UndoImages::Add(Frame& frame, bool fresh) {
+    UndoImage& image = Next(frame);
     image.fresh = fresh;
-    if (!fresh) std::memcpy(image.before.get(), frame.bytes.get(), pageSize_);
+    if (!fresh) {
+        if (!image.before) image.before = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
+        std::memcpy(image.before.get(), frame.bytes.get(), pageSize_);
+    }
+    ++size_;
+}
+
+void UndoImages::AddStored(Frame& frame) {
+    Next(frame).stored = true;
     ++size_;
 }
 

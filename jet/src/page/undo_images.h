@@ -15,7 +15,8 @@ namespace jet {
 struct UndoImage {
     Frame* frame = nullptr;
     bool fresh = false;                   // the page did not exist
-    std::unique_ptr<std::byte[]> before;  // of a page that did
+    bool stored = false;                  // the page as it was can be read again
+    std::unique_ptr<std::byte[]> before;  // of any other
 };
 
 class UndoImages {
@@ -26,12 +27,16 @@ public:
     [[nodiscard]] std::span<const UndoImage> From(std::size_t first) const {
         return std::span(images_).subspan(first, size_ - first);
     }
+    // Of a page that is not stored.
     [[nodiscard]] Bytes Before(const UndoImage& image) const {
         return image.fresh ? Bytes(zeros_) : Bytes(image.before.get(), pageSize_);
     }
     // The page as it is now; all zeros for a fresh one. When it throws, nothing is added.
     void Add(Frame& frame, bool fresh);
-    // Puts the bytes of a page back that is not fresh.
+    // The same for a page that can be read again as it is now: nothing is copied. Restoring it is
+    // the caller's part, who drops the frame.
+    void AddStored(Frame& frame);
+    // Puts the bytes of a page back that is neither fresh nor stored.
     void Restore(const UndoImage& image) const noexcept;
     // Forgets the images of pages that are no longer of the transaction.
     void RemoveSettled() noexcept;
@@ -39,6 +44,8 @@ public:
     void CutTo(std::size_t size) noexcept;
 
 private:
+    UndoImage& Next(Frame& frame);
+
     std::uint32_t pageSize_;
     std::vector<std::byte> zeros_;
     std::vector<UndoImage> images_;
