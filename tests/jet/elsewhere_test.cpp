@@ -108,6 +108,55 @@ TEST_F(Elsewhere, RemovedAndKilledAfterwards_FileAndLogAreWhole) {
     EXPECT_EQ(ZonesIn(left), 3);
 }
 
+// The host's files in folders that are flushed in vain as long as the test says so.
+class UnflushableFolders : public FileSystem {
+public:
+    std::unique_ptr<File> Open(const fs::path& path, OpenMode mode) override {
+        return HostFileSystem().Open(path, mode);
+    }
+    std::unique_ptr<File> OpenBeside(const fs::path& path, OpenMode mode) override {
+        return HostFileSystem().OpenBeside(path, mode);
+    }
+    std::unique_ptr<File> CreateLike(const fs::path& path, File& model) override {
+        return HostFileSystem().CreateLike(path, model);
+    }
+    bool Exists(const fs::path& path) override { return HostFileSystem().Exists(path); }
+    void Remove(const fs::path& path) override { HostFileSystem().Remove(path); }
+    void Rename(const fs::path& from, const fs::path& to) override {
+        HostFileSystem().Rename(from, to);
+    }
+    fs::path Resolve(const fs::path& path) override { return HostFileSystem().Resolve(path); }
+    void FlushFolder(const fs::path& folder) override {
+        if (failing) throw Error(ErrorKind::kIo, "The folder cannot be flushed.");
+        HostFileSystem().FlushFolder(folder);
+    }
+
+    bool failing = false;
+};
+
+TEST_F(Elsewhere, PutBackIntoAFolderWhoseFlushFails_IsDoneAgainAndNothingKeptBeside) {
+    database_->Close();
+    UnflushableFolders files;
+    database_ = Database::Open(path_, {}, files);
+    fs::remove(path_);
+    Add(2);
+    files.failing = true;
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        EXPECT_NE(MakeDurable(), "");
+        EXPECT_EQ(kind_, ErrorKind::kFileNotFound);
+        EXPECT_EQ(database_->PendingOperations(), 1U) << "told as stored, and may not be";
+    }
+    Add(3);
+    files.failing = false;
+    EXPECT_EQ(MakeDurable(), "");
+    EXPECT_TRUE(database_->WasPutBack());
+    EXPECT_THROW(Database::Open(path_), Error) << "it is ours as before";
+    database_->Close();
+    database_.reset();
+    EXPECT_EQ(ZonesIn(path_), 3);
+    EXPECT_EQ(std::distance(fs::directory_iterator(path_.parent_path()), {}), 1);
+}
+
 TEST_F(Elsewhere, RemovedWithItsFolder_WaitsForTheFolder) {
     fs::remove_all(path_.parent_path());
     Add(2);

@@ -23,9 +23,13 @@ std::filesystem::path KeptPath(const std::filesystem::path& path) {
 bool Rescue::PutBackIfRemoved() {
     if (file_.Locate() != Whereabouts::kRemoved) return false;
     // All that is in the file would be lost when it is closed.
-    if (file_.Files().Exists(file_.Path())) KeepBeside();
+    if (file_.Files().Exists(file_.Path()) && !IsUnplaced(file_.Path())) KeepBeside();
     PutBack();
     return true;
+}
+
+bool Rescue::IsUnplaced(const std::filesystem::path& path) const {
+    return unplaced_ && unplaced_->WhereIs(path) == Whereabouts::kInPlace;
 }
 
 void Rescue::PutBack() {
@@ -35,6 +39,9 @@ void Rescue::PutBack() {
     std::unique_ptr<File> anew;
     try {
         anew = WriteAnew(file_.Path(), counter);
+        unplaced_ = std::move(anew);
+        file_.Files().FlushFolder(file_.Path().parent_path());
+        anew = std::move(unplaced_);
     } catch (const Error& error) {
         throw Error(error.Kind() == ErrorKind::kDiskFull ? error.Kind() : ErrorKind::kFileNotFound,
                     "The file " + Quoted(file_.Path()) +
@@ -61,6 +68,7 @@ void Rescue::KeepBeside() {
                             ", so that what was entered here can be kept under that name.");
         }
         WriteAnew(kept, journal_.NewCounter());
+        file_.Files().FlushFolder(kept.parent_path());
         keptOperations_ = journal_.Operations();
     }
     throw Error(ErrorKind::kFileInUse, "The file " + Quoted(path) +
@@ -69,7 +77,8 @@ void Rescue::KeepBeside() {
                                            Quoted(kept) + " beside it.");
 }
 
-// Writes all that was committed to a new file, which gets its name when it is complete.
+// Writes all that was committed to a new file, which gets its name when it is complete. The folder
+// is left to be flushed.
 std::unique_ptr<File> Rescue::WriteAnew(const std::filesystem::path& to, std::uint16_t counter) {
     FileSystem& files = file_.Files();
     std::filesystem::path unfinished = LogPath(file_.Path());
@@ -92,7 +101,6 @@ std::unique_ptr<File> Rescue::WriteAnew(const std::filesystem::path& to, std::ui
         RemoveQuietly(files, unfinished);
         throw;
     }
-    files.FlushFolder(to.parent_path());
     return copy;
 }
 

@@ -24,6 +24,7 @@ public:
     bool PutBackIfRemoved();
 
 private:
+    [[nodiscard]] bool IsUnplaced(const std::filesystem::path& path) const;
     void PutBack();
     [[noreturn]] void KeepBeside();
     std::unique_ptr<File> WriteAnew(const std::filesystem::path& to, std::uint16_t counter);
@@ -31,6 +32,8 @@ private:
     DataFile& file_;
     PageCache& pages_;
     Journal& journal_;
+    // A file that was put back, in a folder whose flush then failed.
+    std::unique_ptr<File> unplaced_;
     std::uint64_t keptOperations_ = 0;  // in the copy beside a file that was replaced
 };
 
