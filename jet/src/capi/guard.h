@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <memory>
-#include <new>
 #include <string_view>
 
 #include "jet/database.h"
@@ -11,6 +10,7 @@
 #include "jet/jet.h"
 #include "jet/recordset.h"
 #include "jet/transaction.h"
+#include "os/out_of_memory.h"
 
 struct jet_database {
     std::unique_ptr<jet::Database> opened;
@@ -39,14 +39,12 @@ struct BadArgument {};
 template <typename Call>
 int Guarded(jet_error* error, const Call& call) noexcept {
     try {
-        call();
+        jet::Guarded(call);
         return JET_OK;
     } catch (const Error& thrown) {
         return Report(thrown.Kind(), thrown.what(), error);
     } catch (const BadArgument&) {
         return Report(JET_BAD_ARGUMENT, 0, "An argument is missing or has no meaning.", error);
-    } catch (const std::bad_alloc&) {
-        return Report(ErrorKind::kOutOfMemory, "There is not enough memory.", error);
     }
 }
 

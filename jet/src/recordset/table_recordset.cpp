@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <new>
 
 #include "jet/error.h"
 #include "os/out_of_memory.h"
@@ -140,14 +139,14 @@ std::optional<RowId> TableRecordset::GoPrevious() {
 void TableRecordset::CurrentChanged() {
     if (index_ == nullptr || index_->Obstacle()) return;
     try {
-        const RowView& view = CurrentView();
-        TableIndex::RowKey key;
-        index_->MakeRowKey([&](std::size_t column) { return Source().ReadValue(view, column); },
-                           key);
-        if (key.entered) entries_.SeekToEntry({std::move(key.key), Row()});
+        Guarded([&] {
+            const RowView& view = CurrentView();
+            TableIndex::RowKey key;
+            index_->MakeRowKey([&](std::size_t column) { return Source().ReadValue(view, column); },
+                               key);
+            if (key.entered) entries_.SeekToEntry({std::move(key.key), Row()});
+        });
     } catch (const Error&) {
-        return;
-    } catch (const std::bad_alloc&) {
         return;
     }
 }
