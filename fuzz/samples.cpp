@@ -7,6 +7,9 @@
 #include "jet/database.h"
 #include "jet/error.h"
 #include "jet/recordset.h"
+#include "page/bytes.h"
+#include "page/checksum.h"
+#include "page/log_format.h"
 
 namespace tarn_fuzz {
 
@@ -103,6 +106,23 @@ std::size_t IndexOf(jet::Version version) {
     return version == jet::Version::kJet3 ? 0 : 1;
 }
 
+void PutChecksumsRight(Contents& log) {
+    if (log.size() < jet::kLogHeaderSize) return;
+    const std::size_t headerBody = jet::kLogHeaderSize - jet::kLogChecksumSize;
+    std::uint64_t checksum = jet::Checksum(jet::Bytes(log).first(headerBody), 0);
+    jet::WriteU64(log, headerBody, checksum);
+    std::size_t at = jet::kLogHeaderSize;
+    while (log.size() - at >= jet::kLogRecordHead + jet::kLogChecksumSize) {
+        const std::size_t length = jet::ReadU32(log, at);
+        if (length < jet::kLogRecordHead + jet::kLogChecksumSize || length > log.size() - at)
+            return;
+        const std::size_t body = length - jet::kLogChecksumSize;
+        checksum = jet::Checksum(jet::Bytes(log).subspan(at, body), checksum);
+        jet::WriteU64(log, at + body, checksum);
+        at += length;
+    }
+}
+
 }  // namespace
 
 std::u16string Input::Text(std::size_t length) {
@@ -161,6 +181,16 @@ Contents Get(jet::FileSystem& files, const std::string& name) {
     Contents contents(static_cast<std::size_t>(file->Size()));
     file->Read(0, contents);
     return contents;
+}
+
+Interrupted DamagedPair(Input& input) {
+    const std::uint8_t kind = input.Byte();
+    Interrupted pair = InterruptedSample(kind % 2 == 0 ? jet::Version::kJet3 : jet::Version::kJet4);
+    if (kind & 2) Damage(pair.file, 64, input);
+    if (kind & 4) pair.log.resize(input.Word() % (pair.log.size() + 1));
+    Damage(pair.log, 64, input);
+    if (kind & 8) PutChecksumsRight(pair.log);
+    return pair;
 }
 
 }  // namespace tarn_fuzz

@@ -47,6 +47,10 @@ struct Interrupted {
 };
 const Interrupted& InterruptedSample(jet::Version version);
 
+// Such a pair, either part tampered with. Half of the logs have their checksums put right, so that
+// what lies behind those is reached.
+Interrupted DamagedPair(Input& input);
+
 // Overwrites bytes here and there: how often comes first, then for each place its page (or block),
 // the offset within it, a length and the bytes.
 void Damage(Contents& contents, std::size_t blockSize, Input& input);
