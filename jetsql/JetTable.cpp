@@ -49,7 +49,7 @@ public:
     void Start(const char* text, sqlite3_value** values) {
         const Plan plan = Plan::FromText(text);
         RequireUnchanged();
-        rowid_ = 0;
+        walked_ = 0;
         backwards_ = plan.backwards;
         end_.clear();
         if (plan.index < 0) {
@@ -71,14 +71,15 @@ public:
         } else {
             records_->MoveNext();
         }
-        ++rowid_;
+        ++walked_;
         atEnd_ = backwards_ ? records_->IsBof() : records_->IsEof();
         StopAtEnd();
-        if (atEnd_ || rowid_ % kLookEvery == 0) RequireUnchanged();
+        if (atEnd_ || walked_ % kLookEvery == 0) RequireUnchanged();
     }
 
     [[nodiscard]] bool IsAtEnd() const { return atEnd_; }
-    [[nodiscard]] std::int64_t RowId() const { return rowid_; }
+    // One for each record whatever the plan is: SQLite joins the parts of an OR by it.
+    [[nodiscard]] std::int64_t RowId() const { return records_->RecordId(); }
     void Give(sqlite3_context* context, int column) const {
         const auto at = static_cast<std::size_t>(column);
         GiveResult(context, *records_, fields_[at], table_.schema.columns[at].type);
@@ -115,7 +116,7 @@ private:
     std::unique_ptr<jet::Recordset> records_;
     std::vector<jet::FieldId> fields_;
     std::vector<std::byte> end_;  // the key at which the walk ends; empty: at the index's end
-    std::int64_t rowid_ = 0;
+    std::int64_t walked_ = 0;
     bool backwards_ = false;
     bool atEnd_ = true;
 };

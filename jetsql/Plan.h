@@ -20,8 +20,7 @@ enum class Bound { kEqual, kAbove, kBelow };  // kAbove: > and >=, kBelow: < and
 struct Condition {
     int column = 0;  // position in the table
     Bound bound = Bound::kEqual;
-    int argument = 0;     // which of the values that SQLite hands over with the query
-    bool nocase = false;  // compared without regard to the case of A to Z
+    int argument = 0;  // which of the values that SQLite hands over with the query
 };
 
 struct Order {

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <string_view>
+
 #include "jet/database.h"
 #include "sample_table.h"
 #include "support/jet_files.h"
@@ -83,6 +86,20 @@ TEST_P(RecordsetTest, WalkingWithoutAnIndex_FollowsTheStoredOrder) {
     }
     std::reverse(backward.begin(), backward.end());
     EXPECT_EQ(forward, backward);
+}
+
+TEST_P(RecordsetTest, RecordId_IsThatOfTheRecordInEveryOrder) {
+    FillZones();
+    std::map<std::uint32_t, float> found;
+    for (const char* const index : {"", "PrimaryKey"}) {
+        for (zones_->SetIndex(index); !zones_->IsEof(); zones_->MoveNext()) {
+            const auto [known, isNew] = found.emplace(zones_->RecordId(), Acres(*zones_));
+            EXPECT_EQ(known->second, Acres(*zones_));
+            EXPECT_EQ(isNew, std::string_view(index).empty());
+        }
+    }
+    EXPECT_EQ(found.size(), 9U);
+    EXPECT_EQ(ErrorOf([&] { zones_->RecordId(); }), ErrorKind::kNoCurrentRecord);
 }
 
 TEST_P(RecordsetTest, WalkingAnIndex_FollowsItsOrder) {

@@ -1,6 +1,7 @@
 // The command jetsql, and what the virtual table does beside answering.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -156,6 +157,36 @@ TEST_F(JetSql, ConditionsOnAnIndex_AreSeeks) {
     EXPECT_NE(plan("WHERE Name > 'x'").find("scan"), std::string::npos);
     EXPECT_NE(plan("ORDER BY Zone DESC").find("walk PrimaryKey backwards"), std::string::npos);
     EXPECT_EQ(plan("ORDER BY Name"), "several steps");
+}
+
+TEST_F(JetSql, PartsOfAnOr_AreSeeksWhoseRowsAllCount) {
+    {
+        const auto data = jet::Database::Create(folder_ / "p.mdb", jet::Version::kJet4);
+        jet::TableSchema places;
+        places.name = "Zones";
+        places.columns = {{.name = "Place", .type = jet::ColumnType::kLong}};
+        places.indexes = {{.name = "PrimaryKey", .columns = {{"Place"}}, .primary = true}};
+        data->CreateTable(places);
+        const auto records = data->OpenTable("Zones");
+        for (int place = 1; place <= 300; ++place) {
+            records->AddNew();
+            records->Set("Place", place);
+            records->Update();
+        }
+        data->Close();
+    }
+    Connection connection;
+    Load(connection, "p.mdb");
+    const std::string query =
+        "SELECT Place FROM zones WHERE Place = 7 OR Place BETWEEN 7 AND 9 OR "
+        "Place BETWEEN 200 AND 201";
+    std::vector<SqlRow> rows = connection.Query(query);
+    std::ranges::sort(rows);
+    EXPECT_EQ(rows, (std::vector<SqlRow>{{"1:200"}, {"1:201"}, {"1:7"}, {"1:8"}, {"1:9"}}));
+    std::string plan;
+    for (const SqlRow& row : connection.Query("EXPLAIN QUERY PLAN " + query)) plan += row.back();
+    EXPECT_NE(plan.find("MULTI-INDEX OR"), std::string::npos) << plan;
+    EXPECT_EQ(plan.find("scan"), std::string::npos) << plan;
 }
 
 TEST_F(JetSql, EqualityOnADate_IsASeekThatFindsEachRowOfThatSecond) {

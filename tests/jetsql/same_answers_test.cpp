@@ -113,6 +113,7 @@ void AskOfColumn(Pair& pair, const std::string& column) {
             pair.ExpectSame(column + sign + value, column);
         }
         pair.ExpectSame(column + " = " + value + " COLLATE NOCASE");
+        pair.ExpectSame(column + " = " + value + " OR " + column + " < " + values.front());
         pair.ExpectSame(column + " IN (" + value + ", 1, 'x')", column + " DESC");
     }
     pair.ExpectSame(column + " IS NULL");

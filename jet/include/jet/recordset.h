@@ -79,6 +79,9 @@ public:
     [[nodiscard]] virtual bool IsBof() const = 0;
     [[nodiscard]] virtual bool IsEof() const = 0;
     [[nodiscard]] virtual std::int32_t RecordCount() const = 0;
+    // Tells the current record from all others of its table for as long as it is there, in whatever
+    // order and by whatever record set it is found. kNoCurrentRecord.
+    [[nodiscard]] virtual std::uint32_t RecordId() const = 0;
 
     // Seeking in the current index by its leading columns. kEqual, kGreaterOrEqual and kGreater
     // find the first such entry, kLess and kLessOrEqual the last. True when there is one. Errors:

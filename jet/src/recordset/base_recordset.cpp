@@ -103,6 +103,12 @@ bool BaseRecordset::IsEof() const {
     return place_ == Place::kNowhere || place_ == Place::kBehind;
 }
 
+std::uint32_t BaseRecordset::RecordId() const {
+    RequireOpen();
+    if (place_ != Place::kOn) ThrowNoCurrent();
+    return row_.Packed();
+}
+
 void BaseRecordset::Arrive(const std::optional<RowId>& row, Place otherwise) {
     place_ = row ? Place::kOn : otherwise;
     if (row) row_ = *row;

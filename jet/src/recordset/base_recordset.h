@@ -22,6 +22,7 @@ public:
     [[nodiscard]] FieldId Field(std::string_view name) const override;
     [[nodiscard]] bool IsBof() const override;
     [[nodiscard]] bool IsEof() const override;
+    [[nodiscard]] std::uint32_t RecordId() const override;
 
     void MoveFirst() override;
     void MoveLast() override;
