@@ -181,7 +181,7 @@ private:
     bool TryLock() {
         return connection_
                    .Execute("SELECT pg_try_advisory_lock(hashtext('fcdtool rollup'), "
-                            "hashtext(current_schema()))")
+                            "hashtext(coalesce(current_schema(), '')))")
                    .Text(0, 0) == "t";
     }
 

@@ -26,7 +26,8 @@ RunLock::RunLock(std::filesystem::path path, const Waiting& waiting) : path_(std
     try {
         WaitUntil([this] { return TryLock(); }, waiting);
     } catch (const jet::Error& error) {
-        throw DestinationError(path_.string() + ": " + error.what());
+        throw DestinationError(path_.parent_path().string() +
+                               ": No file can be made in this folder. " + error.what());
     }
 }
 

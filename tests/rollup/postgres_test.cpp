@@ -102,6 +102,11 @@ TEST_F(PostgresRollUp, IntoTablesThatAreThere_UsesThemAsTheyAre) {
                          " --to postgresql:host=/nowhere")
                   .status,
               2);
+    const CommandResult homeless = RunCommand(
+        Quoted(BuiltProgram("fcdtool")) + " rollup " + Quoted(Files()) +
+        " --to \"postgresql:" + server_->Connection() + " options=-csearch_path=nowhere\"");
+    EXPECT_EQ(homeless.status, 2);
+    EXPECT_THAT(homeless.output, HasSubstr("no schema has been selected"));
 }
 
 TEST_F(PostgresRollUp, OnTablesOfFurtherServers_PutsEachYearOnItsOwn) {

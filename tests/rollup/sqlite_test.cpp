@@ -289,6 +289,16 @@ TEST_F(RollUp, IntoWhatIsNoDatabase_LeavesItAlone) {
     EXPECT_EQ(std::filesystem::file_size(Database()), 5000U);
 }
 
+TEST_F(RollUp, IntoAFolderThatIsNotThere_SaysSo) {
+    Make("UMFOR26.fcd", 1);
+    const CommandResult result =
+        RunCommand(Quoted(BuiltProgram("fcdtool")) + " rollup " + Quoted(Files()) + " --to " +
+                   Quoted(folder_ / "none" / "it.sqlite"));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.output,
+                HasSubstr((folder_ / "none").string() + ": No file can be made in this folder."));
+}
+
 TEST_F(RollUp, IntoTablesThatAreThere_FitsByName) {
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(Database().c_str(), &database), SQLITE_OK);
