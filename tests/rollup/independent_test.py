@@ -6,10 +6,8 @@ Usage: independent_test.py FCDTOOL ROLLUP_FILES [COUNT [FOLDER]]
 
 With COUNT so many files of usual size are looked at, else 60 small ones; they lie in FOLDER where it
 has files already."""
-import csv
 import gzip
 import hashlib
-import io
 import re
 import shutil
 import sqlite3
@@ -18,6 +16,7 @@ import subprocess
 import sys
 import tempfile
 from collections import Counter
+from functools import lru_cache
 from pathlib import Path
 
 from postgres_server import PostgresServer
@@ -37,6 +36,7 @@ NUMBERS = {"cost", "top_size", "fil1", "fil2", "fil3", "fil4", "fil5", "fil6"}
 NAME = re.compile(r"(...)([A-Za-z]{2})(\d\d)")
 
 
+@lru_cache(maxsize=1 << 16)
 def number(text):
     """As mdb-export writes it, eight digits; a number that is no single stays unlike any of these."""
     value = float(text)
@@ -44,26 +44,17 @@ def number(text):
     return f"{value:.8g}" if single == value else f"{value!r}, which is no single"
 
 
-def records(lines):
+FIELD = re.compile(r'(?:"((?:[^"]|"")*)"|([^,\n]*))([,\n])')
+
+
+def records(text):
     """The rows of CSV: None for nothing, a text for what stands in quotes or is something."""
-    row, field, quoted, was_quoted = [], [], False, False
-    for character in lines:
-        if quoted:
-            quoted = character != '"'
-            if quoted:
-                field.append(character)
-        elif character == '"':
-            if was_quoted:
-                field.append('"')
-            quoted = was_quoted = True
-        elif character in ",\n":
-            row.append("".join(field) if field or was_quoted else None)
-            field, was_quoted = [], False
-            if character == "\n":
-                yield row
-                row = []
-        else:
-            field.append(character)
+    row = []
+    for quoted, plain, end in (field.groups() for field in FIELD.finditer(text)):
+        row.append(plain or None if quoted is None else quoted.replace('""', '"'))
+        if end == "\n":
+            yield row
+            row = []
 
 
 def normal(columns, row):
@@ -78,6 +69,7 @@ def exported(file, table):
     return [dict(zip(heading, row, strict=True)) for row in rows]
 
 
+@lru_cache(maxsize=1 << 16)
 def single(text):
     """mdb-export rounds to eight digits, so the nearest single is meant."""
     return text if text is None else number(struct.unpack("f", struct.pack("f", float(text)))[0])
@@ -181,9 +173,7 @@ class Postgres:
             text = self.server.ask(f"COPY (SELECT {key}, {', '.join(columns.split())} FROM {table}) "
                                    "TO STDOUT (FORMAT csv, FORCE_QUOTE *)")
             self.tables[table] = {}
-            for row in csv.reader(io.StringIO(text)) if table == "nvc" else records(text):
-                # No text is among these, so that nothing is null.
-                row = [value or None for value in row] if table == "nvc" else row
+            for row in records(text):
                 self.tables[table].setdefault(row[0], []).append(row[1:])
 
     def rows(self, table, file):
