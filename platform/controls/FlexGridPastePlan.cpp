@@ -88,7 +88,38 @@ int NextCol(const Ground& ground, int from) {
     return -1;
 }
 
+// Headings aside.
+bool BeginsWithNumbers(const FlexGridClip::Block& block) {
+    const auto first = block.begin() + (block.size() > 1 ? 1 : 0);
+    return std::all_of(first, block.end(), [](const QStringList& line) {
+        return !line.isEmpty() && platform::IsPlainNumber(AsTyped(line.front(), true, 0));
+    });
+}
+
 }  // namespace
+
+Area Begun(const FlexGridClip::Block& block, const Ground& ground, const Area& selected) {
+    std::vector<int> shown;
+    for (int col = NextCol(ground, -1); col >= 0; col = NextCol(ground, col)) {
+        shown.push_back(col);
+    }
+    const bool all = !shown.empty() && selected.top == 1 && selected.bottom == ground.RowCount() &&
+                     selected.left == shown.front() && selected.right == shown.back();
+    if (!all) {
+        return selected;
+    }
+    const auto figures = std::find_if(shown.begin(), shown.end(), [&](int col) {
+        return ground.Takes(selected.top, col) == Takes::kNumber;
+    });
+    qsizetype width = 0;
+    for (const QStringList& line : block) {
+        width = std::max(width, line.size());
+    }
+    if (width < 2 || width != shown.end() - figures || !BeginsWithNumbers(block)) {
+        return selected;
+    }
+    return {selected.top, *figures, selected.bottom, selected.right};
+}
 
 bool HasHeadings(const FlexGridClip::Block& block, const Ground& ground, const Area& selected) {
     if (block.size() < 2) {

@@ -60,6 +60,9 @@ struct Plan {
     Area area;        // what the block covers, as far as the table and the new rows go
 };
 
+// Where a block goes that is pasted over the whole table: without names, one that is as wide as the
+// columns of figures goes to these, and never over the names. Any other selection stays as it is.
+Area Begun(const FlexGridClip::Block& block, const Ground& ground, const Area& selected);
 // Whether the first line holds headings: words where numbers are wanted, with numbers below them.
 bool HasHeadings(const FlexGridClip::Block& block, const Ground& ground, const Area& selected);
 // The block begins at the top left of the selection; a single value fills all of it. Without

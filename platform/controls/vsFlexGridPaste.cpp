@@ -168,9 +168,11 @@ void vsFlexGrid::PasteBlock(const FlexGridClip::Block& pasted) {
     if (selected.isEmpty()) {
         return;
     }
-    const FlexGridPastePlan::Area area{selected.front().row() + 1, selected.front().column(),
-                                       selected.back().row() + 1, selected.back().column()};
     const PasteGround ground(*this);
+    const FlexGridPastePlan::Area area =
+        FlexGridPastePlan::Begun(pasted, ground,
+                                 {selected.front().row() + 1, selected.front().column(),
+                                  selected.back().row() + 1, selected.back().column()});
     FlexGridClip::Block block = pasted;
     if (FlexGridPastePlan::HasHeadings(block, ground, area) && LeaveHeadingsOut(block.front())) {
         block.erase(block.begin());

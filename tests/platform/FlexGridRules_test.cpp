@@ -190,6 +190,21 @@ TEST_F(FlexGridPastePlanTest, Block_BeginsAtTheTopLeftOfTheSelection) {
     EXPECT_EQ(plan.area.right, 4);
 }
 
+TEST_F(FlexGridPastePlanTest, FiguresOverTheWholeTable_GoToTheColumnsOfFigures) {
+    const auto left = [this](const QString& text, Area area) {
+        return FlexGridPastePlan::Begun(FlexGridClip::FromText(text), sheet_, area).left;
+    };
+    const Area whole{1, 0, 3, 4};
+    EXPECT_EQ(left("1\t2\r\n3\t(4)\r\n", whole), 3);
+    EXPECT_EQ(left("FIL 1\tFIL 2\r\n-1,250.00\t4\r\n", whole), 3) << "with their headings";
+    EXPECT_EQ(left("North\t0\t1\t2\r\n", whole), 0) << "with the names";
+    EXPECT_EQ(left("North\t2\r\n", whole), 0) << "no figures";
+    EXPECT_EQ(left("1\t2\t3\r\n", whole), 0) << "of another width";
+    EXPECT_EQ(left("1\r\n2\r\n", whole), 0);
+    EXPECT_EQ(left("1\t2\r\n", {1, 0, 2, 4}), 0) << "a part of the table";
+    EXPECT_EQ(left("1\t2\r\n", {1, 1, 3, 4}), 1);
+}
+
 TEST_F(FlexGridPastePlanTest, OneValue_FillsTheSelection) {
     EXPECT_EQ(Cells(Make("7", {2, 3, 3, 4})), QStringList({"2,3=7", "2,4=7", "3,3=7", "3,4=7"}));
     // Over the hidden column.

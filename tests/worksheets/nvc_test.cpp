@@ -375,6 +375,27 @@ TEST_F(NVCTest, PastedText_CountsAsTyping) {
     EXPECT_EQ(Stored(first_ * 100 + 1, 1, 1), -42);
 }
 
+TEST_F(NVCTest, FiguresPastedOverTheWholeTable_LeaveTheNames) {
+    Load<frm5NVCTable>();
+    vsFlexGrid& grid = Grid("grdNVC");
+    QString block;
+    for (int row = 1; row <= 14; ++row) {
+        for (int level = 1; level <= 6; ++level) {
+            block +=
+                QStringLiteral("-%1").arg(100 * row + level) + QLatin1Char(level < 6 ? '\t' : '\n');
+        }
+    }
+    grid.setFocus();
+    grid.FinishEdit();
+    grid.selectAll();
+    const QString name = grid.TextMatrix(14, 0);
+    grid.SetEditSelText(block);
+    EXPECT_EQ(grid.TextMatrix(14, 0), name);
+    Leave();
+    EXPECT_EQ(Stored(first_ * 100 + 1, 1, 1), -101);
+    EXPECT_EQ(Stored(first_ * 100 + 1, 14, 6), -1406);
+}
+
 TEST_F(NVCTest, NumberBeyondTheSingles_IsToldAndTheCellIsAsBefore) {
     Load<frm5NVCTable>();
     vsFlexGrid& grid = Grid("grdNVC");
