@@ -1,5 +1,6 @@
 #include "platform/helpwindow/HelpWindow.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QApplication>
 #include <QHelpContentWidget>
@@ -29,6 +30,8 @@ namespace {
 constexpr int kNavigationWidth = 220;
 constexpr int kTopicWidth = 620;
 constexpr int kMargin = 4;
+constexpr double kMostOfTheWindow = 0.4;  // for the ways to a topic
+constexpr auto kSplitter = "splHelp";
 
 // The engine reads help files through a collection, a file of its own that must be writable.
 bool MakeCollection(const QString& collection, const QString& helpFile) {
@@ -107,7 +110,7 @@ HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QH
     tabs->addTab(MakeSearchPage(), tr("&Search"));
     tabs->tabBar()->setAccessibleName(tabs->accessibleName());
     auto* splitter = new QSplitter;
-    splitter->setObjectName(QStringLiteral("splHelp"));
+    splitter->setObjectName(QString::fromLatin1(kSplitter));
     splitter->setAccessibleName(tr("Ways to a topic, and the topic"));
     splitter->addWidget(tabs);
     splitter->addWidget(browser_);
@@ -126,6 +129,7 @@ HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QH
     // The engine makes the contents list beside the program's other work.
     connect(engine_->contentModel(), &QHelpContentModel::contentsCreated, this, [this] {
         engine_->contentWidget()->expandToDepth(1);
+        FitNavigation();
         MarkTopic(browser_->source());
     });
     connect(browser_, &QTextBrowser::sourceChanged, this,
@@ -145,6 +149,17 @@ void HelpWindow::FocusBox(const QWidget& page) {
         box->setFocus();
         box->selectAll();
     }
+}
+
+// No title is cut that the window has room for.
+void HelpWindow::FitNavigation() {
+    auto* splitter = findChild<QSplitter*>(QString::fromLatin1(kSplitter));
+    const QAbstractItemView& tree = *engine_->contentWidget();
+    const int around = splitter->sizes().front() - tree.viewport()->width();
+    const int wanted = tree.sizeHintForColumn(0) + around;
+    const int most = static_cast<int>(splitter->width() * kMostOfTheWindow);
+    const int ways = std::max(splitter->sizes().front(), std::min(wanted, most));
+    splitter->setSizes({ways, splitter->width() - ways});
 }
 
 void HelpWindow::MarkTopic(const QUrl& page) {

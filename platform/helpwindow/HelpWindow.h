@@ -47,6 +47,7 @@ private:
     // The box to type in, once its page is chosen.
     void FocusBox(const QWidget& page);
     // Marks the topic that is shown in the tree of contents.
+    void FitNavigation();
     void MarkTopic(const QUrl& page);
     void Print();
     void ShowFirst(const QList<QHelpLink>& links);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
@@ -187,6 +188,18 @@ TEST_F(BuiltHelpTest, Tree_MarksTheTopicThatIsShown) {
     EXPECT_EQ(marked(), "A file from start to finish");
     window->findChild<QTextBrowser*>("txtTopic")->backward();
     EXPECT_EQ(marked(), "NVC Table (Impacts)");
+}
+
+TEST_F(BuiltHelpTest, Tree_ShowsItsTitlesWhole) {
+    platform::HelpViewer::ShowContents();
+    QWidget* window = HelpWindowShown();
+    ASSERT_NE(window, nullptr);
+    auto* tree = window->findChild<QAbstractItemView*>("lstContents");
+    ASSERT_NE(tree, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([tree] {
+        return tree->model()->rowCount() > 0 &&
+               tree->viewport()->width() >= tree->sizeHintForColumn(0);
+    }));
 }
 
 TEST_F(BuiltHelpTest, SearchBox_TakesTheKeyboardWhenItIsChosen) {
