@@ -1,12 +1,14 @@
 #include "platform/controls/LegibleStyle.h"
 
 #include <QAbstractScrollArea>
+#include <QApplication>
 #include <QPainter>
 #include <QPointer>
 #include <QStyleOption>
 #include <algorithm>
 #include <cmath>
 
+#include "platform/controls/FontScale.h"
 #include "platform/controls/LateIcon.h"
 
 namespace {
@@ -211,6 +213,21 @@ void LegibleStyle::drawComplexControl(ComplexControl control, const QStyleOption
         Outline outline(*painter, option->palette);
         outline.Box(option->rect);
         outline.Box(subControlRect(control, option, SC_ScrollBarSlider, widget));
+    }
+}
+
+int LegibleStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
+                              const QWidget* widget) const {
+    const int pixels = QProxyStyle::pixelMetric(metric, option, widget);
+    switch (metric) {
+        case PM_IndicatorWidth:
+        case PM_IndicatorHeight:
+        case PM_ExclusiveIndicatorWidth:
+        case PM_ExclusiveIndicatorHeight:
+            return platform::ScaledPixels(
+                pixels, widget == nullptr ? QApplication::font() : widget->font());
+        default:
+            return pixels;
     }
 }
 

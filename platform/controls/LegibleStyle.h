@@ -3,7 +3,8 @@
 // buttons get an outline, the button that Enter presses a thick one; disabled texts and links get a
 // color that can be read. The current tab is marked in the color of all that is current, and a
 // list or a box of several lines shows by its frame that it has the keyboard. The list of a combo
-// box opens as a list with a scroll bar, never like a menu over the whole screen.
+// box opens as a list with a scroll bar, never like a menu over the whole screen. The circles of
+// options and the squares of check boxes grow with large letters.
 #pragma once
 
 #include <QIcon>
@@ -22,6 +23,8 @@ public:
                      const QWidget* widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                             QPainter* painter, const QWidget* widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override;
     [[nodiscard]] QIcon standardIcon(StandardPixmap standardIcon, const QStyleOption* option,

@@ -9,6 +9,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTabBar>
@@ -100,6 +101,24 @@ TEST(LegibleStyleTest, DefaultButtonOfHighContrast_HasAFrameThatNeedsNoColour) {
     };
     EXPECT_EQ(inside(ok), QColor(Qt::white));
     EXPECT_NE(inside(cancel), QColor(Qt::white));
+}
+
+TEST(LegibleStyleTest, CirclesOfOptions_GrowWithLargeLetters) {
+    LegibleStyle style;
+    QRadioButton option(QStringLiteral("Per item"));
+    option.setStyle(&style);
+    const auto side = [&] {
+        return style.pixelMetric(QStyle::PM_ExclusiveIndicatorWidth, nullptr, &option);
+    };
+    const auto with = [&](double points) {
+        QFont font = option.font();
+        font.setPointSizeF(points);
+        option.setFont(font);
+        return side();
+    };
+    const int standard = with(9);
+    EXPECT_EQ(with(10), standard);
+    EXPECT_GT(with(18), standard * 3 / 2);
 }
 
 // On a light and on a dark ground alike.
