@@ -25,7 +25,7 @@ constexpr int kHelpContextId = 70;
 constexpr int kSpace = 8;
 constexpr int kWideSpace = 14;
 constexpr int kScrollBarRoom = 28;
-constexpr QSize kDialogSize(760, 480);
+constexpr QSize kDialogSize(792, 480);
 constexpr double kDialogFont = 12;  // pixels, with which it has that size
 
 QLabel* MakeLabel(const char* name, const QString& text, QWidget* parent) {
@@ -145,10 +145,10 @@ void frmFCDName::LayOutControls() {
     auto* columns = new QHBoxLayout(&scrolled->Page());
     columns->setContentsMargins(0, 0, 0, 0);
     columns->setSpacing(kWideSpace);
-    columns->addLayout(LayOutQuestions(), 1);
+    columns->addLayout(LayOutQuestions(), 3);
     Panel3D1_->setLayout(LayOutFinder());
-    // What room there is goes to questions and names alike; long names then need not be cut.
-    columns->addWidget(Panel3D1_, 1);
+    // Names are long, and none should be cut beside free room.
+    columns->addWidget(Panel3D1_, 4);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -423,6 +423,8 @@ TEST_F(NamingDialogTest, NamesTakeTheRoomThatIsFree) {
         return width;
     };
     EXPECT_EQ(used(), Grid()->viewport()->width());
+    EXPECT_GE(Grid()->columnWidth(0),
+              Grid()->fontMetrics().horizontalAdvance("George Washington Carver Nat. Monument"));
     dialog_->resize(dialog_->width() + 300, dialog_->height());
     EXPECT_EQ(used(), Grid()->viewport()->width());
     EXPECT_GT(Grid()->columnWidth(0), 216 + 100);
