@@ -223,6 +223,17 @@ TEST_F(FamilyTest, WidenedColumn_WidensTheFrameOfItsGrid) {
     });
 }
 
+TEST_F(FamilyTest, RowsOfListsAndTables_AreOfOneHeight) {
+    Load<frm2RMAs>();
+    ClickButton("cmdAdd");
+    const auto* list = form_->Form().findChild<QListWidget*>();
+    ASSERT_EQ(list->count(), 1);
+    const int ofList = list->visualItemRect(list->item(0)).height();
+    Leave();
+    Load<frm4FMZs>();
+    EXPECT_EQ(ofList, form_->Form().findChild<vsFlexGrid*>()->rowHeight(0));
+}
+
 TEST_F(FamilyTest, FormsWithATable_SayHowToCopyAllOfIt) {
     ForEachForm([](QWidget& form) {
         if (!form.isWindow()) {
