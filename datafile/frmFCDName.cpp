@@ -71,7 +71,10 @@ void frmFCDName::SetupGrid() {
     grdUnits_->SetColWidth(kIDColumn, kCodeWidth);
     grdUnits_->SetColWidth(kStateColumn, kCodeWidth);
     grdUnits_->SetColFills(kNameColumn);
-    ShowUnits({}, kNameColumn, QString());
+    grdUnits_->SetRows(1);
+    grdUnits_->SetTextMatrix(0, kNameColumn, tr("Unit Name"));
+    grdUnits_->SetTextMatrix(0, kIDColumn, tr("Unit ID"));
+    grdUnits_->SetTextMatrix(0, kStateColumn, tr("State"));
     grdUnits_->FitHeadings();
 }
 
@@ -277,10 +280,6 @@ void frmFCDName::reject() {
 // The first unit from the text on is scrolled into view, with its neighbors around it. It is the
 // current one, and marked, only where it begins with the text.
 void frmFCDName::ShowUnits(const UnitFinder::Listing& listing, int column, const QString& text) {
-    grdUnits_->SetRows(1);
-    grdUnits_->SetTextMatrix(0, kNameColumn, tr("Unit Name"));
-    grdUnits_->SetTextMatrix(0, kIDColumn, tr("Unit ID"));
-    grdUnits_->SetTextMatrix(0, kStateColumn, tr("State"));
     grdUnits_->SetRows(1 + static_cast<int>(listing.units.size()));
     int row = 1;
     for (const UnitFinder::Unit& unit : listing.units) {

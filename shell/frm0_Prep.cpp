@@ -181,7 +181,6 @@ frmTabs& frm0_Prep::ShowTabs() {
     }
     tabs_->ShowFile(PrepDatafile::CurrentPath());
     tabs_->show();
-    tabs_->raise();
     return *tabs_;
 }
 
