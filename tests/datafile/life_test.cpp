@@ -49,6 +49,8 @@ protected:
         EXPECT_FALSE(PrepDatatables::dbDatafile);
         EXPECT_FALSE(tblProperties);
         EXPECT_EQ(support::Bytes(path), before);
+        EXPECT_FALSE(QFile::exists(folder_.Path(QStringLiteral("ERROR.LOG"))))
+            << "nothing is wrong with the machine";
         EXPECT_EQ(QDir(QFileInfo(path).path()).entryList({QStringLiteral("*-log")}), QStringList());
     }
     // Plays the naming dialog: the unit's identifier is typed, then OK is pressed.

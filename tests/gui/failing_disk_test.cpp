@@ -22,6 +22,7 @@
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dao/Database.h"
 #include "platform/dao/Recordset.h"
+#include "worksheets/resources/ResourceRecords.h"
 
 namespace {
 
@@ -363,6 +364,29 @@ TEST_F(RunningProgram, UserActions_EachFlushAtMostTwice) {
     QTest::keyClicks(&Get(QStringLiteral("grdFMZs")), QStringLiteral("Typed"));
     EXPECT_LE(flushes([this] { ClickTab(6); }), 2);
     EXPECT_EQ(flushes([this] { ClickTab(1); }), 0);
+}
+
+TEST_F(RunningProgram, ResourceThatCannotBeDeleted_StaysOnTheScreenAsInTheFile) {
+    RunWithFile();
+    for (const char* name : {"Engine", "Dozer"}) {
+        Resource resource;
+        resource.longName = QString::fromLatin1(name);
+        resource.sequence = PrepDatatables::tblSRMasterList->RecordCount() + 1;
+        ResourceRecords::Add(resource);
+    }
+    ClickTab(3);
+    auto& grid = Get<vsFlexGrid>(QStringLiteral("grdMasterList"));
+    ASSERT_EQ(grid.Rows(), 3);
+    grid.Select(1, 1);
+    SwitchOn("Unit.fcd", {"FullDisk", Mode::kForGood, tarn_faults::kAllChanges, ENOSPC});
+    support::Answers answers({QMessageBox::Yes, QMessageBox::Ok});
+    Click(QStringLiteral("cmdDelete"));
+    SwitchOff();
+    EXPECT_GE(answers.Texts().size(), 2) << "the question, and that it failed";
+    EXPECT_EQ(grid.Rows(), 3);
+    EXPECT_EQ(grid.TextMatrix(1, 1), QStringLiteral("Engine"));
+    EXPECT_EQ(grid.TextMatrix(2, 1), QStringLiteral("Dozer"));
+    EXPECT_EQ(PrepDatatables::tblSRMasterList->RecordCount(), 2);
 }
 
 // It is tried again after every event, but a user who cannot mend it must be able to go on.

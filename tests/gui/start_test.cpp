@@ -409,6 +409,7 @@ INSTANTIATE_TEST_SUITE_P(Fonts, StartInFont, testing::Values(8, 9, 11, 14, 18));
 
 TEST_F(Start, Controls_AllOfThem_HaveObjectAndAccessibleNames) {
     RunWithFile();
+    EXPECT_EQ(frame_->accessibleName(), QStringLiteral("TARN Prep"));
     for (const QWidget* control : frame_->findChildren<QWidget*>()) {
         if (!control->isVisible() || control->objectName().startsWith(QStringLiteral("qt_")) ||
             control->inherits("QToolButton") || control->inherits("QScrollBar")) {

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QLabel>
+#include <QMenuBar>
 
 #include "RunningProgram.h"
 #include "datafile/PrepDatatables.h"
@@ -238,6 +239,20 @@ TEST_F(Worksheets, EditKeys_InATextBox_GoThroughTheMenu) {
     EXPECT_EQ(Text(NewTrace().filter(QStringLiteral("mnuEdit_Click"))),
               Text(QStringList({"   mnuEdit_Click RMA 2", "   mnuEdit_Click RMA 4",
                                 "   mnuEdit_Click RMA 4", "   mnuEdit_Click RMA 3"})));
+}
+
+TEST_F(Worksheets, EditItem_ChosenWhileTheMenusHaveTheKeyboard_ServesTheBoxBefore) {
+    RunWithFile();
+    ClickTab(3);
+    auto& source = Get<QLineEdit>(QStringLiteral("txtSource"));
+    source.setFocus();
+    QTest::keyClicks(&source, QStringLiteral("Budget"));
+    source.selectAll();
+    platform::SetClipboardText(QString());
+    frame_->menuBar()->setFocus(Qt::MenuBarFocusReason);
+    ASSERT_EQ(QApplication::focusWidget(), frame_->menuBar());
+    Choose(QStringLiteral("mnuEdit_3"));
+    EXPECT_EQ(platform::ClipboardText(), QStringLiteral("Budget"));
 }
 
 TEST_F(Worksheets, SaveFails_SwitchIsRefusedAndTheTypedTextStays) {

@@ -23,6 +23,7 @@
 #include "support/Answers.h"
 #include "support/BuiltProgramFolder.h"
 #include "support/Corpus.h"
+#include "tools/AssessmentSchema.h"
 
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
@@ -361,6 +362,7 @@ TEST_F(ImportTest, MissingSetups_GiveZerosAndAWarningEach) {
         blanks += line == QStringLiteral("   BRAM_BlankNVCRecords") ? 1 : 0;
     }
     EXPECT_EQ(blanks, WarningCount(QStringLiteral("tblBRAM_NVCTable.NoMatch for ")));
+    EXPECT_EQ(int(mImport::LastImport().blanks.size()), blanks);
 }
 
 TEST_F(ImportTest, NoSetupsAtAll_WarnsOnceForEachLocation) {
@@ -370,6 +372,10 @@ TEST_F(ImportTest, NoSetupsAtAll_WarnsOnceForEachLocation) {
         locations += tblFMZList->Long(QStringLiteral("RLCount"));
     }
     EXPECT_EQ(WarningCount(QStringLiteral("tblBRAM_NVCTable.RecordCount = 0")), locations);
+    const auto& blanks = mImport::LastImport().blanks;
+    ASSERT_EQ(int(blanks.size()), locations);
+    EXPECT_EQ(blanks.front().zone, QStringLiteral("A1-Zone A1"));
+    EXPECT_EQ(blanks.front().location, 1);
     tblFMZList->MoveFirst();
     const int key = tblFMZList->Long(QStringLiteral("Key"));
     EXPECT_EQ(Value(key * 100 + 1, 14, 6), 0.0F);
@@ -389,6 +395,35 @@ TEST_F(ImportTest, NotABramFile_IsToldAndWritesNothing) {
         EXPECT_EQ(answers.Texts(), QStringList(kNotBram));
     }
     EXPECT_EQ(WarningCount(QStringLiteral("BRAM_OpenTables: Unsuccessful")), int(refused.size()));
+    EXPECT_EQ(tblFMZList->RecordCount(), 0);
+}
+
+TEST_F(ImportTest, OneSetUp_IsUsed) {
+    bram_files::Contents contents;
+    bram_files::AddTable(contents, "T1");
+    bram_files::AddZone(contents, "A1", 1, 2, "T1");
+    const QString path = folder_.CostsPath(QStringLiteral("one.mdb"));
+    bram_files::Write(path.toStdString(), contents);
+    ASSERT_EQ(mImport::CopyFMZsFrom(path), mImport::kCopied);
+    EXPECT_EQ(Value(101, 14, 6), bram_files::CellOf("T1", 14, 6));
+    EXPECT_TRUE(mImport::LastImport().blanks.empty());
+}
+
+TEST_F(ImportTest, IndexMissingOnAnyTable_IsRefused) {
+    for (const char* table : {"FMZ", "AAC", "NVCSetup", "NVCTable"}) {
+        SCOPED_TRACE(table);
+        bram_files::Tables tables = tools::AssessmentTables();
+        for (jet::TableSchema& one : tables) {
+            if (one.name == table) {
+                one.indexes.clear();
+            }
+        }
+        const QString path = folder_.CostsPath(QString::fromLatin1(table) + ".mdb");
+        bram_files::Write(path.toStdString(), bram_files::Basic(), tables);
+        const support::Answers answers;
+        EXPECT_EQ(mImport::CopyFMZsFrom(path), mImport::kNotABramFile);
+        EXPECT_EQ(answers.Texts(), QStringList(kNotBram));
+    }
     EXPECT_EQ(tblFMZList->RecordCount(), 0);
 }
 
@@ -434,12 +469,12 @@ TEST_F(ImportTest, ValueThatIsNoNumber_LeavesTheRowsBeforeIt) {
     } catch (const platform::RuntimeError& error) {
         EXPECT_EQ(error.Number(), platform::kTypeMismatch);
     }
+    EXPECT_THROW(tblNVCPerAcre->Update(), platform::RuntimeError) << "no half row waits there";
     EXPECT_EQ(tblFMZList->RecordCount(), 2) << "the zone after it was not begun";
     EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 18);
     EXPECT_EQ(ValueRows(), 2 * 14 + 4);
     EXPECT_EQ(Value(201, 4, 6), bram_files::CellOf("T2", 4, 6));
     EXPECT_FALSE(PrepDatatables::dbDatafile->InTransaction());
-    EXPECT_THROW(tblNVCPerAcre->Update(), platform::RuntimeError) << "no half row waits there";
     // What was begun and not stored is in nobody's way.
     EXPECT_EQ(Import(QStringLiteral("basic.mdb")), mImport::kCopied);
     PrepDatafile::CloseDatafile();

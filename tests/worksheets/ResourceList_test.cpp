@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "datafile/data_file_fixture.h"
+#include "platform/RuntimeError.h"
 #include "support/print.h"
 
 using PrepDatatables::tblSRMasterList;
@@ -257,6 +258,31 @@ TEST_F(ResourceListTest, AppendedRows_BecomeResourcesWithTheirValues) {
     EXPECT_EQ(Stored(), QStringLiteral("A1"));
     Redo();
     EXPECT_EQ(Stored(), QStringLiteral("N21 A2 N13"));
+}
+
+TEST_F(ResourceListTest, AppendedRowThatIsRefused_LeavesNoneOfThem) {
+    AddResources(1);
+    list_.BeginAction(QStringLiteral("Paste"));
+    list_.AppendRows(2);
+    list_.Offer(2, ResourceList::kName, QStringLiteral("N1"));
+    list_.Offer(3, ResourceList::kName, QString(60, u'x'));
+    EXPECT_THROW(list_.EndAction(), platform::RuntimeError);
+    EXPECT_EQ(Shown(), QStringLiteral("A1"));
+    EXPECT_EQ(Stored(), QStringLiteral("A1"));
+    EXPECT_TRUE(done_.empty());
+}
+
+TEST_F(ResourceListTest, Load_DropsWhatWasTypedAndNotSaved) {
+    AddResources(1);
+    Type(1, ResourceList::kName, QStringLiteral("typed"));
+    list_.Load();
+    EXPECT_EQ(Shown(), QStringLiteral("A1"));
+    // What a save of the typed row would overwrite.
+    Resource other = list_.At(1);
+    other.longName = QStringLiteral("other");
+    ResourceRecords::Save(other);
+    list_.Save();
+    EXPECT_EQ(Stored(), QStringLiteral("other1"));
 }
 
 TEST_F(ResourceListTest, Save_RowWithoutARecord_DoesNotKeepTheOthersFromBeingSaved) {

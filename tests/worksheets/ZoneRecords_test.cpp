@@ -180,6 +180,14 @@ TEST_F(ZoneRecordsTest, Change_OfAStoredZeroLeftAlone_KeepsIt) {
     EXPECT_EQ(Warnings(), 0);
 }
 
+TEST_F(ZoneRecordsTest, Change_FromNoneToOne_IsNoWarning) {
+    const Zone zone = Made("A", 1);
+    SetCount(zone.key, 0);
+    EXPECT_EQ(Change(zone, 1), 1);
+    EXPECT_EQ(Locations(zone.key), 1);
+    EXPECT_EQ(Warnings(), 0);
+}
+
 TEST_F(ZoneRecordsTest, Change_OfAStoredNegativeNumberToZero_BecomesOneWithAWarning) {
     const Zone zone = Made("A", 1);
     SetCount(zone.key, -5);

@@ -1,5 +1,6 @@
 // Costs per acre by fire size and their worksheet.
 #include <random>
+#include <set>
 
 #include "datafile/FieldReaders.h"
 #include "platform/RuntimeError.h"
@@ -8,6 +9,7 @@
 #include "worksheets/cost/frm6SuppressAcre.h"
 #include "worksheets/zones/ZoneRecords.h"
 
+#include <QAbstractItemModel>
 #include <QLabel>
 
 using PrepDatatables::tblSuppressionPerAcreCost;
@@ -284,6 +286,23 @@ TEST_F(CostTest, ThousandsSeparator_EndsTheNumberAndIsTold) {
     Leave();
     EXPECT_EQ(Stored(first_, 1, "Cost"), 1);
     EXPECT_EQ(Stored(first_, 2, "Cost"), -5) << "nothing is refused";
+}
+
+TEST_F(CostTest, AnotherZone_IsDrawnAnewWithoutTheNotesOfTheFormerOne) {
+    Load<frm6SuppressAcre>();
+    vsFlexGrid& grid = Grid("grdCosts");
+    Enter(grid, 2, 2, QStringLiteral("1,200"));
+    EXPECT_NE(Note(), QString());
+    std::set<int> drawn;
+    QObject::connect(grid.model(), &QAbstractItemModel::dataChanged, &grid,
+                     [&drawn](const QModelIndex& first, const QModelIndex& last) {
+                         for (int row = first.row(); row <= last.row(); ++row) {
+                             drawn.insert(row);
+                         }
+                     });
+    Choose("cboFMZs", 1);
+    EXPECT_EQ(Note(), QString());
+    EXPECT_EQ(drawn.size(), 9U);
 }
 
 TEST_F(CostTest, SizeBelowZero_IsMarkedThoughItsCellIsEmpty) {

@@ -1,11 +1,14 @@
-// Key filters, line breaks and totals.
+// Key filters, text boxes, line breaks and totals.
 #include <gtest/gtest.h>
+
+#include <QTest>
 
 #include <limits>
 #include <vector>
 
 #include "support/print.h"
 #include "worksheets/Subjects.h"
+#include "worksheets/TextBox.h"
 #include "worksheets/goals/LineBreaks.h"
 #include "worksheets/nvc/NVCTotals.h"
 #include "worksheets/resources/KeyFilters.h"
@@ -25,6 +28,23 @@ TEST(TakesDigits, Text_PassesWhenEveryCharacterDoes) {
     EXPECT_TRUE(KeyFilters::TakesDigits(QString()));
     EXPECT_FALSE(KeyFilters::TakesDigits(QStringLiteral("1.5")));
     EXPECT_FALSE(KeyFilters::TakesDigits(QStringLiteral("-1")));
+}
+
+TEST(TextBox, EnteredByTheTabKey_SelectsItsTextAndTellsOnce) {
+    QWidget window;
+    TextBox box(&window);
+    box.setText(QStringLiteral("Budget"));
+    int told = 0;
+    QObject::connect(&box, &TextBox::GotFocus, &box, [&told] { ++told; });
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    window.setFocus();
+    told = 0;
+    box.clearFocus();
+    box.setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(box.selectedText(), QStringLiteral("Budget"));
+    EXPECT_EQ(told, 1);
 }
 
 TEST(LineBreaksForFile, EveryKind_BecomesReturnAndLineFeed) {

@@ -262,6 +262,19 @@ TEST_F(ZonesTest, Undo_ReachesWhatWasDoneBeforeAnotherWorksheetShowed) {
     EXPECT_EQ(Name(1), QStringLiteral("North"));
 }
 
+TEST_F(ZonesTest, Undo_MakesTheRowCurrentThatChanged) {
+    for (const char* name : {"North", "East", "South"}) {
+        ZoneRecords::Create(QString::fromLatin1(name), 1);
+    }
+    Load<frm4FMZs>();
+    vsFlexGrid& grid = Grid("grdFMZs");
+    Enter(grid, 2, 0, QStringLiteral("West"));
+    ClickCell(grid, 1, 0);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(grid.TextMatrix(2, 0), QStringLiteral("East"));
+    EXPECT_EQ(grid.Row(), 2);
+}
+
 TEST_F(ZonesTest, AllClearedByKeys_ComesBackWithOneUndo) {
     ZoneRecords::Create(QStringLiteral("North"), 2);
     ZoneRecords::Create(QStringLiteral("South"), 3);
