@@ -45,6 +45,7 @@ NOTICED_BY = {"datafile": ("datafile", "import", "gui", "worksheets"),
 PARTS = {"shell": ("shell", "base")}
 # Where things stand in a window is judged by its picture.
 LOOKS = ("Layout.cpp", "Scenery.cpp", "frm0Start.cpp")
+LOOKS_LINE = re.compile(r"setContentsMargins|[sS]pacing\(|[sS]tretch\(|addWidget\(")
 # Hard tests that run long and notice nothing that the others would not.
 LEFT_OUT = ["ImportCrash.*", "*FailingDisk*", "*RandomUse*", "Fonts/*", "*Walk.*"]
 
@@ -227,7 +228,7 @@ def all_mistakes(folders):
             for number, line in enumerate(lines):
                 # A statement begins where the one before has ended.
                 starts = number > 0 and re.search(r"[;{}:]\s*$|^\s*$|^\s*//", lines[number - 1])
-                if COMMENT.search(line):
+                if COMMENT.search(line) or LOOKS_LINE.search(line):
                     continue
                 for parts in mistakes_in_line(line, fields, starts):
                     mistake = Mistake(*parts)
