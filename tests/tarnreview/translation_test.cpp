@@ -55,7 +55,10 @@ TEST_F(ReviewTranslation, DialogOfTheNewYear) {
 
 TEST_F(ReviewTranslation, RefusedFile) {
     support::WriteBytes(folder_.CostsPath(QStringLiteral("[x].fcd")), "no data file");
+    support::Answers answers;
+    answers.See([](QWidget& box) { EXPECT_EQ(support::Cut(box).join(u'\n').toStdString(), ""); });
     Run(std::filesystem::path(folder_.CostsPath(QStringLiteral("[x].fcd")).toStdString()));
+    EXPECT_TRUE(QTest::qWaitFor([&answers] { return !answers.Messages().empty(); }));
     ExpectWhole(*window_);
 }
 
