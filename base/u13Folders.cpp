@@ -2,6 +2,7 @@
 
 #include "base/u91Trace.h"
 #include "platform/RuntimeError.h"
+#include "platform/system/CostsFolder.h"
 #include "platform/system/Host.h"
 
 namespace u13Folders {
@@ -9,7 +10,7 @@ namespace u13Folders {
 QString CostsPath() {
     u91Trace::Procedure(QStringLiteral("u13Folders.CostsPath"));
     const QString programFolder = platform::ProgramFolder();
-    const QString costs = platform::FindFile(programFolder, QStringLiteral("Costs"));
+    const QString costs = platform::CostsFolder();
     try {
         // Only whether listing fails counts: a folder that is not there lists as empty.
         (void)platform::Dir(platform::JoinPath(costs, QString()));

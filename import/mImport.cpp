@@ -17,6 +17,7 @@
 #include "platform/dialogs/CommonDialog.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Host.h"
+#include "platform/system/PointerScope.h"
 
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
@@ -43,15 +44,6 @@ struct ReleasedAtEnd {
     ReleasedAtEnd() {
         qAddPostRoutine([] { bram.reset(); });
     }
-};
-
-// The hourglass during the copy, and the ordinary pointer after it, however it ends.
-class HourglassScope {
-public:
-    HourglassScope() { platform::SetMousePointer(platform::Pointer::kHourglass); }
-    ~HourglassScope() { platform::SetMousePointer(platform::Pointer::kDefault); }
-    HourglassScope(const HourglassScope&) = delete;
-    HourglassScope& operator=(const HourglassScope&) = delete;
 };
 
 bool OpenBRAMTables(const QString& path) {
@@ -252,7 +244,7 @@ Result CopyOpenFile(ImportProgress* progress) {
         platform::MsgBox(Texts::tr("No FMZs found in the file"));
         return kNoZones;
     }
-    const HourglassScope hourglass;
+    const platform::PointerScope hourglass(platform::Pointer::kHourglass);
     int zones = 0;
     try {
         CopyZones(progress, zones);

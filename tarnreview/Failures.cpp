@@ -1,5 +1,6 @@
 #include "tarnreview/Failures.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 
 #include "platform/EventTrap.h"
@@ -36,7 +37,9 @@ void Tell(const Report& report) {
     Log(report);
     platform::MsgOptions options;
     options.icon = platform::MsgIcon::kExclamation;
-    options.details = QStringLiteral("Error %1 in %2").arg(report.number).arg(report.handler);
+    options.details = QCoreApplication::translate("Failures", "Error %1 in %2")
+                          .arg(report.number)
+                          .arg(report.handler);
     platform::MsgBox(report.Sentence(), options);
 }
 

@@ -11,7 +11,7 @@
 #include "platform/dialogs/MsgBox.h"
 #include "platform/dialogs/RunModal.h"
 #include "platform/help/HelpViewer.h"
-#include "platform/system/Host.h"
+#include "platform/system/CostsFolder.h"
 #include "platform/system/NativePath.h"
 #include "review/next_year.h"
 #include "season/data_file.h"
@@ -128,11 +128,10 @@ void frmReview::ShowRecent() {
 QString frmReview::AskForDataFile(const QString& title) const {
     platform::OpenFileRequest request;
     request.title = title;
-    const QString costs = platform::FindFile(platform::ProgramFolder(), QStringLiteral("Costs"));
     request.initialFolder =
         HasFile() ? QFileInfo(platform::FromNativePath(case_.Season()->path.c_str())).absolutePath()
-                  : costs;
-    request.filter = QStringLiteral("TARN Prep files (*.fcd)|*.fcd|All Files (*.*)|*.*");
+                  : platform::CostsFolder();
+    request.filter = tr("TARN Prep files (*.fcd)|*.fcd|All Files (*.*)|*.*");
     return platform::CommonDialog::ShowOpen(request, const_cast<frmReview*>(this));
 }
 

@@ -1,13 +1,13 @@
 #include "platform/dialogs/CommonDialog.h"
 
 #include <QDir>
-#include <QPointer>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QStringList>
 #include <algorithm>
 
 #include "platform/dialogs/OpenDialog.h"
+#include "platform/dialogs/RunModal.h"
 
 namespace platform {
 namespace {
@@ -56,11 +56,7 @@ QString CommonDialog::ShowOpen(const OpenFileRequest& request, QWidget* parent) 
     if (!request.fileName.isEmpty()) {
         dialog.selectFile(request.fileName);
     }
-    const QPointer<QWidget> window = parent == nullptr ? nullptr : parent->window();
-    const bool accepted = dialog.exec() == QDialog::Accepted;
-    if (window != nullptr) {
-        window->activateWindow();
-    }
+    const bool accepted = RunModal(dialog) == QDialog::Accepted;
     const QStringList files = dialog.selectedFiles();
     return accepted && !files.isEmpty() ? QDir::toNativeSeparators(files.first()) : QString();
 }

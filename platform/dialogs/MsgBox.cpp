@@ -7,7 +7,8 @@
 #include <QPointer>
 #include <QTextEdit>
 
-#include "platform/system/Host.h"
+#include "platform/dialogs/RunModal.h"
+#include "platform/system/PointerScope.h"
 
 namespace platform {
 namespace {
@@ -32,18 +33,6 @@ QMessageBox::Icon ToIcon(MsgIcon icon) {
     }
     return QMessageBox::NoIcon;
 }
-
-// The ordinary pointer while the program waits for an answer.
-class PointerPause {
-public:
-    PointerPause() : pointer_(MousePointer()) { SetMousePointer(Pointer::kDefault); }
-    ~PointerPause() { SetMousePointer(pointer_); }
-    PointerPause(const PointerPause&) = delete;
-    PointerPause& operator=(const PointerPause&) = delete;
-
-private:
-    Pointer pointer_;
-};
 
 void SetButtons(QMessageBox& box, const MsgOptions& options) {
     if (options.buttons == MsgButtons::kOk) {
@@ -115,9 +104,9 @@ void SetMsgBoxTitle(const QString& title) {
 }
 
 MsgAnswer MsgBox(const QString& text, const MsgOptions& options) {
-    const PointerPause pause;
-    const QPointer<QWidget> parent = ActiveWindow();
-    QMessageBox box(parent);
+    // The ordinary pointer while the program waits for an answer.
+    const PointerScope pointer(Pointer::kDefault);
+    QMessageBox box(ActiveWindow());
     box.setObjectName(QStringLiteral("MsgBox"));
     box.setWindowTitle(options.title.isEmpty() ? UsualTitle() : options.title);
     // Data texts may look like markup; as plain text they are shown as they are.
@@ -127,12 +116,7 @@ MsgAnswer MsgBox(const QString& text, const MsgOptions& options) {
     SetButtons(box, options);
     AddReason(box, options);
     NameButtons(box);
-    const int answer = box.exec();
-    // Not every window system hands the keyboard back by itself.
-    if (parent != nullptr) {
-        parent->activateWindow();
-    }
-    switch (answer) {
+    switch (RunModal(box)) {
         case QMessageBox::Yes:
             return MsgAnswer::kYes;
         case QMessageBox::No:

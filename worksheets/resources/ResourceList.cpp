@@ -98,7 +98,7 @@ GridTable::Answer ResourceList::OfferCost(Resource& resource, const QString& typ
     try {
         resource.cost = platform::ToSingle(platform::Val(typed));
     } catch (const platform::RuntimeError&) {
-        return {Answer::Kind::kRefused, Texts::tr("The number \"%1\" is too large.").arg(typed)};
+        return {Answer::Kind::kRefused, platform::TooLarge(typed)};
     }
     unsaved_.insert(resource.key);
     const QString stored = platform::Str(*resource.cost);
