@@ -128,9 +128,9 @@ void frmFCDName::SizeBoxes() {
 
 // As wide as the title, so that the extension stands next to it.
 void frmFCDName::FitTitleBox() {
-    constexpr int kFrameAndCaret = 8;
+    constexpr int kMarginsAndCaret = 5;
     txtFileTitle_->setFixedWidth(
-        txtFileTitle_->fontMetrics().horizontalAdvance(txtFileTitle_->text()) + kFrameAndCaret);
+        txtFileTitle_->fontMetrics().horizontalAdvance(txtFileTitle_->text()) + kMarginsAndCaret);
 }
 
 void frmFCDName::changeEvent(QEvent* event) {
@@ -240,6 +240,8 @@ QLayout* frmFCDName::LayOutTitleRow() {
     MakeBold(lblExtension_);
     lblExtension_->setWordWrap(false);
     row->addWidget(label);
+    row->addSpacing(kSpace);
+    row->setSpacing(0);
     row->addWidget(txtFileTitle_);
     row->addWidget(lblExtension_);
     row->addStretch();

@@ -271,11 +271,11 @@ TEST_F(NamingDialogTest, Extension_StandsNextToTheTitle) {
     };
     Type("txtUnitID", QStringLiteral("GPF"));
     QCoreApplication::processEvents();
-    EXPECT_LE(gap(), 16);
+    EXPECT_LE(gap(), 6);
     Type("txtUnitID", QStringLiteral("WWW"));
     QTest::keyClicks(Box("txtState"), QStringLiteral("WW"));
     QCoreApplication::processEvents();
-    EXPECT_LE(gap(), 16);
+    EXPECT_LE(gap(), 6);
     EXPECT_GE(gap(), 0);
 }
 
