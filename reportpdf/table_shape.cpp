@@ -278,8 +278,10 @@ void TableShape::DrawLegend(Sheet& sheet, double left, double top) const {
     scale(false);
     sheet.DashedBoxes({{begin + 1, top + 5, x - begin - 6, box - 2}}, QColor(0x1a, 0x3a, 0x7a));
     write(CleanLine(review::ShortFigure(map_->largest)));
-    const QString note = QStringLiteral("  gains have a dashed border; a digit more is a shade more");
-    write(Elided(note, kSmall, left + std::max(width_, pageWidth_) - x));
+    const double room = left + std::max(width_, pageWidth_) - x;
+    const QString gains = QStringLiteral("  gains have a dashed border");
+    const QString all = gains + QStringLiteral("; a digit more is a shade more");
+    write(WidthOf(all, kSmall) <= room ? all : Elided(gains, kSmall, room));
 }
 
 double TableShape::Draw(Sheet& sheet, double left, double top, const Piece* first,

@@ -128,7 +128,8 @@ std::string ShortFigure(double number) {
     constexpr double kMost = 1e12;
     const double amount = std::abs(number);
     if (!(amount >= kMillion) || std::isinf(number)) {
-        return Figure(number);
+        // What is shortened was a single once.
+        return Figure(static_cast<float>(number));
     }
     const auto rounded = [](double part) {
         std::array<char, 64> buffer{};

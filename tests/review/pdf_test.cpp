@@ -178,6 +178,20 @@ TEST(PdfReport, WithoutFonts_IsASentence) {
     EXPECT_FALSE(std::filesystem::exists(folder / "r.pdf"));
 }
 
+TEST(PdfReport, TheScaleOfTheHeatMap_IsWhatWasTyped) {
+    REQUIRE_POPPLER();
+    const tarn_test::TempFolder folder;
+    const auto file = folder / "UMFOR26.fcd";
+    Season season = SoundSeason(1, 1);
+    season.zones[0].locations[0].rows[0].values[5] = -88892.45F;
+    season::WriteNew(season, file);
+    ASSERT_EQ(Report(file, folder / "r.pdf", "--paper A4").status, 0);
+    const std::string words = Words(folder / "r.pdf");
+    EXPECT_THAT(words, testing::ContainsRegex("Heat map: +-88,892[.]45 +0 +88,892[.]45 +gains"));
+    EXPECT_THAT(words, HasSubstr("gains have a dashed border"));
+    EXPECT_THAT(words, testing::Not(HasSubstr("border; a dig\xE2\x80\xA6")));
+}
+
 TEST(PdfReport, WhatCannotBeWritten_IsASentenceAndLeavesNothing) {
     const tarn_test::TempFolder folder;
     const auto file = folder / "UMFOR26.fcd";
