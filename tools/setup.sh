@@ -16,7 +16,8 @@ package="dpkg-dev fakeroot"
 test="ccache clang clang-tidy clang-format libclang-rt-14-dev mdbtools shellcheck
  pkg-config poppler-utils
  desktop-file-utils appstream shared-mime-info man-db librsvg2-bin
- at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi python3-openpyxl xdotool sqlite3 postgresql-15 $package"
+ at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi python3-openpyxl xdotool sqlite3 postgresql-15
+ libbenchmark-dev mdbtools-dev $package"
 coverage="llvm"
 windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64"
 bench="libbenchmark-dev libsqlite3-dev mdbtools-dev pkg-config valgrind"

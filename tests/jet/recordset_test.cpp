@@ -99,7 +99,7 @@ TEST_P(RecordsetTest, RecordId_IsThatOfTheRecordInEveryOrder) {
         }
     }
     EXPECT_EQ(found.size(), 9U);
-    EXPECT_EQ(ErrorOf([&] { zones_->RecordId(); }), ErrorKind::kNoCurrentRecord);
+    EXPECT_EQ(ErrorOf([&] { (void)zones_->RecordId(); }), ErrorKind::kNoCurrentRecord);
 }
 
 TEST_P(RecordsetTest, WalkingAnIndex_FollowsItsOrder) {
