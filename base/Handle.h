@@ -113,8 +113,12 @@ QMetaObject::Connection Handle(const Sender* sender, Signal signal, Form* form,
                                Qt::ConnectionType type = Qt::AutoConnection) {
     return QObject::connect(
         sender, signal, form,
-        [form](auto&&... arguments) {
-            RunHandler<Handler, entry>(*form, std::forward<decltype(arguments)>(arguments)...);
+        // While a form is being destroyed, its last signals still come; what is left of it by then
+        // is no form and has no handlers.
+        [object = static_cast<QObject*>(form)](auto&&... arguments) {
+            if (auto* whole = dynamic_cast<Form*>(object)) {
+                RunHandler<Handler, entry>(*whole, std::forward<decltype(arguments)>(arguments)...);
+            }
         },
         type);
 }

@@ -31,6 +31,29 @@ public:
     bool checked = false;
 };
 
+// Rings once more when all that was derived from it is gone.
+class RingsAtLast : public QObject {
+public:
+    explicit RingsAtLast(QAction& bell) : bell_(bell) {}
+    ~RingsAtLast() override { bell_.trigger(); }
+    RingsAtLast(const RingsAtLast&) = delete;
+    RingsAtLast& operator=(const RingsAtLast&) = delete;
+
+private:
+    QAction& bell_;
+};
+
+class frmGoing : public RingsAtLast {
+public:
+    frmGoing(QAction& bell, int& calls) : RingsAtLast(bell), calls_(calls) {
+        base::Handle<&frmGoing::bell_Ring>(&bell, &QAction::triggered, this);
+    }
+    void bell_Ring() { ++calls_; }
+
+private:
+    int& calls_;
+};
+
 class Handle : public testing::Test {
 protected:
     ~Handle() override { platform::EventTrap::Install({}); }
@@ -60,6 +83,15 @@ TEST_F(Handle, SignalWithArguments_HandsOverThoseThatTheHandlerTakes) {
     signal_.trigger();
     EXPECT_TRUE(form_.checked);
     EXPECT_EQ(folder_.Trace(), QStringList({QStringLiteral("   mnuStep_Click")}));
+}
+
+TEST_F(Handle, SignalWhileTheFormGoes_CallsNothing) {
+    int calls = 0;
+    {
+        const frmGoing form(signal_, calls);
+        signal_.trigger();
+    }
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(Handle, HandlerThatThrows_IsReportedByName) {
