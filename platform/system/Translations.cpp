@@ -33,9 +33,13 @@ bool LoadTranslations(const QString& folder, const QLocale& locale) {
 }
 
 bool LoadTranslations() {
+    const QLocale locale = QLocale::system();
+    // The texts are English as they stand, and looking for files takes time at each start.
+    if (locale.language() == QLocale::C || locale.language() == QLocale::English) {
+        return false;
+    }
     return LoadTranslations(
-        JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("translations")),
-        QLocale::system());
+        JoinPath(QCoreApplication::applicationDirPath(), QStringLiteral("translations")), locale);
 }
 
 }  // namespace platform

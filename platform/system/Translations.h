@@ -12,7 +12,7 @@ namespace platform {
 // Loads the first of the locale's languages that the folder has, and the toolkit's own texts in it.
 // False when there is none. Needs the application object; what is shown already does not change.
 bool LoadTranslations(const QString& folder, const QLocale& locale);
-// The program's own folder, the user's language.
+// The program's own folder, the user's language; nothing where that is English.
 bool LoadTranslations();
 
 }  // namespace platform
