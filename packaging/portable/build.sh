@@ -29,7 +29,7 @@ cp /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf \
     /usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf "$stage/fonts/"
 cp /usr/share/doc/fonts-dejavu-core/copyright "$stage/fonts/LICENSE"
 
-# Qt's plug-ins: windows, keyboards, pictures, printing, and the database that help needs.
+# Qt's plug-ins: windows, keyboards, pictures and printing.
 plugins=$(qmake6 -query QT_INSTALL_PLUGINS)
 for plugin in platforms/libqxcb.so platforms/libqoffscreen.so platforms/libqminimal.so \
     platforms/libqwayland-generic.so platforms/libqwayland-egl.so \
@@ -37,7 +37,7 @@ for plugin in platforms/libqxcb.so platforms/libqoffscreen.so platforms/libqmini
     platforminputcontexts/libcomposeplatforminputcontextplugin.so \
     platforminputcontexts/libibusplatforminputcontextplugin.so \
     xcbglintegrations/libqxcb-glx-integration.so imageformats/libqjpeg.so \
-    sqldrivers/libqsqlite.so printsupport/libcupsprintersupport.so; do
+    printsupport/libcupsprintersupport.so; do
     if [ -f "$plugins/$plugin" ]; then
         mkdir -p "$stage/plugins/$(dirname $plugin)"
         cp "$plugins/$plugin" "$stage/plugins/$plugin"

@@ -1,8 +1,8 @@
 // The door between the program and its help window.
 //
-// The window needs libraries for help files, databases and printing that nothing else in the
-// program does. It lies in a library of its own beside the program, and that is loaded when help is
-// first asked for: a start without it is shorter.
+// The window needs libraries for the file and for printing that nothing else in the program does.
+// It lies in a library of its own beside the program, and that is loaded when help is first asked
+// for: a start without it is shorter.
 #pragma once
 
 #include <QMainWindow>

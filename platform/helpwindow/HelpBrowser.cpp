@@ -1,11 +1,12 @@
 #include "platform/helpwindow/HelpBrowser.h"
 
 #include <QEvent>
-#include <QHelpEngineCore>
 #include <QImage>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <algorithm>
+
+#include "platform/helpwindow/HelpFile.h"
 
 namespace {
 
@@ -14,20 +15,26 @@ constexpr int kLargest = 12;
 constexpr QRgb kLightBlue = qRgb(130, 180, 255);
 constexpr int kOwnWidth = QTextFormat::UserProperty + 1;  // of a picture, before it is fitted
 constexpr int kRoundedUp = 1;
+// What the pages of the file, and nothing else, begin with.
+constexpr QLatin1String kScheme("help");
 
 }  // namespace
 
-HelpBrowser::HelpBrowser(const QHelpEngineCore& engine, QWidget* parent)
-    : QTextBrowser(parent), engine_(engine) {
+HelpBrowser::HelpBrowser(const HelpFile& file, QWidget* parent)
+    : QTextBrowser(parent), file_(file) {
     MakeLinksReadable();
+}
+
+void HelpBrowser::ShowPage(const QString& page) {
+    setSource(QUrl(kScheme + QStringLiteral(":/") + page));
 }
 
 QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
     const QUrl url = name.isRelative() ? source().resolved(name) : name;
-    if (url.scheme() != QLatin1String("qthelp")) {
+    if (url.scheme() != kScheme) {
         return {};
     }
-    const QByteArray bytes = engine_.fileData(url);
+    const QByteArray bytes = file_.Bytes(PageAt(url));
     if (type == QTextDocument::HtmlResource || type == QTextDocument::StyleSheetResource) {
         return QString::fromUtf8(bytes);
     }

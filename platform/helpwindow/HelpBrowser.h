@@ -1,15 +1,19 @@
-// Shows the pages of a help file: their text, pictures and styles come out of the help engine.
+// Shows the pages of a help file: their text, pictures and styles come out of it.
 #pragma once
 
 #include <QTextBrowser>
 
-class QHelpEngineCore;
+class HelpFile;
 
 class HelpBrowser : public QTextBrowser {
     Q_OBJECT
 
 public:
-    HelpBrowser(const QHelpEngineCore& engine, QWidget* parent);
+    HelpBrowser(const HelpFile& file, QWidget* parent);
+
+    // `page` is its name in the file, such as "pages/zones.html".
+    void ShowPage(const QString& page);
+    [[nodiscard]] static QString PageAt(const QUrl& address) { return address.path().mid(1); }
 
     QVariant loadResource(int type, const QUrl& name) override;
     void SetTextSize(int step);  // 0 is the application's own size
@@ -25,6 +29,6 @@ private:
     void FitPictures();
     void SetScaled(const QUrl& name, double width);
 
-    const QHelpEngineCore& engine_;
+    const HelpFile& file_;
     int textSize_ = 0;
 };

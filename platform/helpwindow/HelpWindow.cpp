@@ -1,46 +1,36 @@
 #include "platform/helpwindow/HelpWindow.h"
 
-#include <QAbstractItemView>
 #include <QAction>
 #include <QApplication>
-#include <QHelpContentWidget>
-#include <QHelpEngine>
-#include <QHelpIndexWidget>
-#include <QHelpSearchEngine>
-#include <QHelpSearchQueryWidget>
-#include <QHelpSearchResultWidget>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QScreen>
+#include <QShowEvent>
 #include <QSplitter>
 #include <QStyle>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QToolBar>
-#include <QVBoxLayout>
 #include <algorithm>
 
 #include "platform/helpwindow/HelpBrowser.h"
+#include "platform/helpwindow/HelpContents.h"
+#include "platform/helpwindow/HelpFile.h"
+#include "platform/helpwindow/HelpIndex.h"
+#include "platform/helpwindow/HelpSearch.h"
 
 namespace {
 
 constexpr int kNavigationWidth = 220;
 constexpr int kTopicWidth = 620;
+constexpr int kWidth = 900;
+constexpr int kHeight = 640;
 constexpr int kMargin = 4;
 constexpr double kMostOfTheWindow = 0.4;  // for the ways to a topic
-constexpr auto kSplitter = "splHelp";
 
-// The engine reads help files through a collection, a file of its own that must be writable.
-bool MakeCollection(const QString& collection, const QString& helpFile) {
-    QHelpEngineCore core(collection);
-    core.setReadOnly(false);
-    return core.setupData() && core.registerDocumentation(helpFile);
-}
-
-// The engine's own widgets are made of unnamed parts.
+// A tool bar has parts of its own that nobody named.
 void NameParts(QWidget& owner, const QString& name) {
     int number = 0;
     for (QWidget* part : owner.findChildren<QWidget*>()) {
@@ -53,93 +43,71 @@ void NameParts(QWidget& owner, const QString& name) {
     }
 }
 
-// The entry of a page in the tree of contents. Chapters begin with their first page: of two entries
-// that lead to it, the one of the page itself is meant.
-QModelIndex TopicIn(const QHelpContentModel& model, const QModelIndex& chapter, const QUrl& page) {
-    for (int row = 0; row < model.rowCount(chapter); ++row) {
-        const QModelIndex entry = model.index(row, 0, chapter);
-        const QModelIndex below = TopicIn(model, entry, page);
-        if (below.isValid()) {
-            return below;
-        }
-        const QHelpContentItem* item = model.contentItemAt(entry);
-        if (item != nullptr && item->url().path() == page.path()) {
-            return entry;
-        }
-    }
-    return {};
-}
-
 }  // namespace
 
 std::unique_ptr<HelpWindow> HelpWindow::Open(const QString& helpFile, HelpLibrary::Trap trap) {
-    auto folder = std::make_unique<QTemporaryDir>();
-    if (!folder->isValid() || QHelpEngineCore::namespaceName(helpFile).isEmpty()) {
+    std::unique_ptr<HelpFile> file = HelpFile::Open(helpFile);
+    if (file == nullptr) {
         return nullptr;
     }
-    const QString collection = folder->filePath(QStringLiteral("help.qhc"));
-    if (!MakeCollection(collection, helpFile)) {
-        return nullptr;
-    }
-    auto engine = std::make_unique<QHelpEngine>(collection);
-    engine->setUsesFilterEngine(true);
-    if (!engine->setupData() || engine->registeredDocumentations().isEmpty()) {
-        return nullptr;
-    }
-    return std::unique_ptr<HelpWindow>(new HelpWindow(std::move(folder), std::move(engine), trap));
+    return std::unique_ptr<HelpWindow>(new HelpWindow(std::move(file), trap));
 }
 
-HelpWindow::HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QHelpEngine> engine,
-                       HelpLibrary::Trap trap)
-    : folder_(std::move(folder)), engine_(std::move(engine)), trap_(trap) {
+HelpWindow::HelpWindow(std::unique_ptr<HelpFile> file, HelpLibrary::Trap trap)
+    : file_(std::move(file)), trap_(trap) {
     setObjectName(QStringLiteral("frmHelp"));
     setWindowTitle(tr("TARN Prep Help"));
     setAccessibleName(windowTitle());
-    browser_ = new HelpBrowser(*engine_, this);
+    browser_ = new HelpBrowser(*file_, this);
     browser_->setObjectName(QStringLiteral("txtTopic"));
     browser_->setAccessibleName(tr("Help topic"));
-    engine_->contentWidget()->setObjectName(QStringLiteral("lstContents"));
-    engine_->contentWidget()->setAccessibleName(tr("Contents"));
-
-    auto* tabs = new QTabWidget;
-    tabs_ = tabs;
-    tabs->setObjectName(QStringLiteral("tabNavigation"));
-    tabs->setAccessibleName(tr("Ways to a topic"));
-    tabs->addTab(engine_->contentWidget(), tr("&Contents"));
-    tabs->addTab(MakeIndexPage(), tr("&Index"));
-    tabs->addTab(MakeSearchPage(), tr("&Search"));
-    tabs->tabBar()->setAccessibleName(tabs->accessibleName());
-    auto* splitter = new QSplitter;
-    splitter->setObjectName(QString::fromLatin1(kSplitter));
-    splitter->setAccessibleName(tr("Ways to a topic, and the topic"));
-    splitter->addWidget(tabs);
-    splitter->addWidget(browser_);
-    splitter->setStretchFactor(1, 1);
-    // In a large font too, the captions of all three ways show.
-    const int ways = std::max(kNavigationWidth, tabs->tabBar()->sizeHint().width() + 2 * kMargin);
-    tabs->setMinimumWidth(ways);
-    splitter->setSizes({ways, kTopicWidth});
-    splitter->setChildrenCollapsible(false);
-    setCentralWidget(splitter);
+    MakeWays();
+    splitter_ = new QSplitter;
+    splitter_->setObjectName(QStringLiteral("splHelp"));
+    splitter_->setAccessibleName(tr("Ways to a topic, and the topic"));
+    splitter_->addWidget(tabs_);
+    splitter_->addWidget(browser_);
+    splitter_->setStretchFactor(1, 1);
+    splitter_->setSizes({tabs_->minimumWidth(), kTopicWidth});
+    splitter_->setChildrenCollapsible(false);
+    setCentralWidget(splitter_);
     MakeTools();
-
-    const auto show =
-        Trapped("HelpWindow.Show", [this](const QUrl& url) { browser_->setSource(url); });
-    connect(engine_->contentWidget(), &QHelpContentWidget::linkActivated, this, show);
-    // The engine makes the contents list beside the program's other work.
-    connect(engine_->contentModel(), &QHelpContentModel::contentsCreated, this, [this] {
-        engine_->contentWidget()->expandToDepth(1);
-        FitNavigation();
-        MarkTopic(browser_->source());
-    });
-    connect(browser_, &QTextBrowser::sourceChanged, this,
-            [this](const QUrl& page) { MarkTopic(page); });
-    connect(tabs, &QTabWidget::currentChanged, this, [this] { FocusBox(*tabs_->currentWidget()); });
+    connect(browser_, &QTextBrowser::sourceChanged, contents_,
+            [this](const QUrl& page) { contents_->Mark(HelpBrowser::PageAt(page)); });
     // The topic can be read and scrolled at once.
     browser_->setFocus();
-    engine_->searchEngine()->reindexDocumentation();
     const QRect room = screen()->availableGeometry();
-    resize(std::min(900, room.width()), std::min(640, room.height()));
+    resize(std::min(kWidth, room.width()), std::min(kHeight, room.height()));
+}
+
+// The topic's browser reads from the file, which goes first otherwise.
+HelpWindow::~HelpWindow() {
+    delete takeCentralWidget();
+}
+
+void HelpWindow::MakeWays() {
+    tabs_ = new QTabWidget;
+    contents_ = new HelpContents(file_->Contents(), tabs_);
+    contents_->setObjectName(QStringLiteral("lstContents"));
+    contents_->setAccessibleName(tr("Contents"));
+    auto* index = new HelpIndex(file_->Index(), tabs_);
+    auto* search = new HelpSearch(*file_, tabs_);
+    tabs_->setObjectName(QStringLiteral("tabNavigation"));
+    tabs_->setAccessibleName(tr("Ways to a topic"));
+    tabs_->addTab(contents_, tr("&Contents"));
+    tabs_->addTab(index, tr("&Index"));
+    tabs_->addTab(search, tr("&Search"));
+    tabs_->tabBar()->setAccessibleName(tabs_->accessibleName());
+    // In a large font too, the captions of all three ways show.
+    tabs_->setMinimumWidth(
+        std::max(kNavigationWidth, tabs_->tabBar()->sizeHint().width() + 2 * kMargin));
+    const auto show =
+        Trapped("HelpWindow.Show", [this](const QString& page) { browser_->ShowPage(page); });
+    connect(contents_, &HelpContents::PageChosen, this, show);
+    connect(index, &HelpIndex::PageChosen, this, show);
+    connect(search, &HelpSearch::PageChosen, this, show);
+    connect(tabs_, &QTabWidget::currentChanged, this,
+            [this] { FocusBox(*tabs_->currentWidget()); });
 }
 
 // Somebody who goes along the tabs by keyboard stays there.
@@ -153,44 +121,32 @@ void HelpWindow::FocusBox(const QWidget& page) {
 
 // No title is cut that the window has room for.
 void HelpWindow::FitNavigation() {
-    auto* splitter = findChild<QSplitter*>(QString::fromLatin1(kSplitter));
-    const QAbstractItemView& tree = *engine_->contentWidget();
-    const int around = splitter->sizes().front() - tree.viewport()->width();
-    const int wanted = tree.sizeHintForColumn(0) + around;
-    const int most = static_cast<int>(splitter->width() * kMostOfTheWindow);
-    const int ways = std::max(splitter->sizes().front(), std::min(wanted, most));
-    splitter->setSizes({ways, splitter->width() - ways});
-}
-
-void HelpWindow::MarkTopic(const QUrl& page) {
-    const auto* model = engine_->contentModel();
-    QHelpContentWidget* tree = engine_->contentWidget();
-    const QModelIndex topic = TopicIn(*model, {}, page);
-    if (topic.isValid() && topic != tree->currentIndex()) {
-        tree->setCurrentIndex(topic);
-        tree->scrollTo(topic);
-    }
-}
-
-// The engine's widgets are children of this window but speak to the engine, which goes first.
-HelpWindow::~HelpWindow() {
-    delete takeCentralWidget();
+    const int around = splitter_->sizes().front() - contents_->viewport()->width();
+    const int wanted = contents_->WidthOfTitles() + around;
+    const int most = static_cast<int>(splitter_->width() * kMostOfTheWindow);
+    const int ways = std::max(splitter_->sizes().front(), std::min(wanted, most));
+    splitter_->setSizes({ways, splitter_->width() - ways});
 }
 
 bool HelpWindow::ShowIdentifier(const QString& identifier) {
-    const QList<QHelpLink> links = engine_->documentsForIdentifier(identifier);
-    ShowFirst(links);
-    return !links.isEmpty();
+    const QString page = file_->PageOf(identifier);
+    if (!page.isEmpty()) {
+        browser_->ShowPage(page);
+    }
+    return !page.isEmpty();
 }
 
 void HelpWindow::ShowContents() {
-    if (ShowIdentifier(QStringLiteral("contents"))) {
-        return;
+    if (!ShowIdentifier(QStringLiteral("contents"))) {
+        browser_->ShowPage(file_->Contents().constFirst().page);
     }
-    const QString space = engine_->registeredDocumentations().constFirst();
-    const QList<QUrl> pages = engine_->files(space, QStringList(), QStringLiteral("html"));
-    if (!pages.isEmpty()) {
-        browser_->setSource(pages.first());
+}
+
+// Its parts have their sizes only now.
+void HelpWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (!event->spontaneous()) {
+        FitNavigation();
     }
 }
 
@@ -260,61 +216,11 @@ QAction* HelpWindow::AddTool(QToolBar& bar, const char* name, const QString& tex
     return action;
 }
 
-QWidget* HelpWindow::MakeIndexPage() {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    auto* label = new QLabel(tr("L&ook for:"));
-    auto* filter = new QLineEdit;
-    filter->setObjectName(QStringLiteral("txtIndex"));
-    filter->setAccessibleName(tr("Look for"));
-    label->setObjectName(QStringLiteral("lblIndex"));
-    label->setBuddy(filter);
-    QHelpIndexWidget* list = engine_->indexWidget();
-    list->setObjectName(QStringLiteral("lstIndex"));
-    list->setAccessibleName(tr("Index"));
-    layout->addWidget(label);
-    layout->addWidget(filter);
-    layout->addWidget(list);
-    connect(filter, &QLineEdit::textChanged, list,
-            [list](const QString& text) { list->filterIndices(text); });
-    connect(filter, &QLineEdit::returnPressed, list, &QHelpIndexWidget::activateCurrentItem);
-    connect(list, &QHelpIndexWidget::documentActivated, this,
-            [this](const QHelpLink& link) { browser_->setSource(link.url); });
-    connect(list, &QHelpIndexWidget::documentsActivated, this,
-            [this](const QList<QHelpLink>& links) { ShowFirst(links); });
-    return page;
-}
-
-QWidget* HelpWindow::MakeSearchPage() {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    QHelpSearchEngine* search = engine_->searchEngine();
-    QHelpSearchQueryWidget* query = search->queryWidget();
-    QHelpSearchResultWidget* results = search->resultWidget();
-    query->setObjectName(QStringLiteral("pnlQuery"));
-    results->setObjectName(QStringLiteral("lstResults"));
-    NameParts(*query, tr("Search for"));
-    NameParts(*results, tr("Topics found"));
-    layout->addWidget(query);
-    layout->addWidget(results, 1);
-    connect(query, &QHelpSearchQueryWidget::search, search,
-            [search, query] { search->search(query->searchInput()); });
-    connect(results, &QHelpSearchResultWidget::requestShowLink, this,
-            [this](const QUrl& url) { browser_->setSource(url); });
-    return page;
-}
-
 void HelpWindow::Print() {
     QPrinter printer;
     QPrintDialog dialog(&printer, this);
     dialog.setObjectName(QStringLiteral("dlgPrint"));
     if (dialog.exec() == QDialog::Accepted) {
         browser_->print(&printer);
-    }
-}
-
-void HelpWindow::ShowFirst(const QList<QHelpLink>& links) {
-    if (!links.isEmpty()) {
-        browser_->setSource(links.first().url);
     }
 }

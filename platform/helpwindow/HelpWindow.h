@@ -1,16 +1,16 @@
 // The help window: contents, index and search beside the page.
 #pragma once
 
-#include <QHelpLink>
-#include <QTemporaryDir>
 #include <memory>
 #include <utility>
 
 #include "platform/help/HelpLibrary.h"
 
 class HelpBrowser;
+class HelpContents;
+class HelpFile;
 class QAction;
-class QHelpEngine;
+class QSplitter;
 class QTabWidget;
 class QToolBar;
 
@@ -27,10 +27,10 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
-    HelpWindow(std::unique_ptr<QTemporaryDir> folder, std::unique_ptr<QHelpEngine> engine,
-               HelpLibrary::Trap trap);
+    HelpWindow(std::unique_ptr<HelpFile> file, HelpLibrary::Trap trap);
 
     // For connect(): runs `body` with the signal's arguments under the program's trap.
     template <typename Body>
@@ -40,22 +40,18 @@ private:
         };
     }
 
+    void MakeWays();
     void MakeTools();
     QAction* AddTool(QToolBar& bar, const char* name, const QString& text, const QIcon& icon);
-    [[nodiscard]] QWidget* MakeIndexPage();
-    [[nodiscard]] QWidget* MakeSearchPage();
     // The box to type in, once its page is chosen.
     void FocusBox(const QWidget& page);
-    // Marks the topic that is shown in the tree of contents.
     void FitNavigation();
-    void MarkTopic(const QUrl& page);
     void Print();
-    void ShowFirst(const QList<QHelpLink>& links);
 
-    // The engine keeps its working files here; they go with the window.
-    std::unique_ptr<QTemporaryDir> folder_;
-    std::unique_ptr<QHelpEngine> engine_;
+    std::unique_ptr<HelpFile> file_;
     HelpLibrary::Trap trap_;
+    HelpContents* contents_ = nullptr;
     HelpBrowser* browser_ = nullptr;
     QTabWidget* tabs_ = nullptr;
+    QSplitter* splitter_ = nullptr;
 };

@@ -6,8 +6,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QScreen>
 #include <QScrollBar>
@@ -114,22 +116,58 @@ TEST_F(BuiltHelpTest, Search_FindsWordsInTheText) {
     platform::HelpViewer::ShowContents();
     QWidget* window = HelpWindowShown();
     ASSERT_NE(window, nullptr);
-    window->findChild<QTabWidget*>("tabNavigation")->setCurrentIndex(2);
-    auto* query = window->findChild<QWidget*>("pnlQuery")->findChild<QLineEdit*>();
-    auto* results = window->findChild<QWidget*>("lstResults")->findChild<QTextBrowser*>();
-    ASSERT_NE(query, nullptr);
-    ASSERT_NE(results, nullptr);
-    // The words are indexed beside the program's other work; a search before that finds nothing.
-    const auto found = [&] {
-        query->setText("minus sign");
-        emit query->returnPressed();
-        return QTest::qWaitFor([&] { return results->toPlainText().contains("NVC"); }, 500);
+    auto* words = window->findChild<QLineEdit*>("txtQuery");
+    auto* found = window->findChild<QListWidget*>("lstResults");
+    auto* count = window->findChild<QLabel*>("lblFound");
+    words->setText("minus sign");
+    ASSERT_GT(found->count(), 0);
+    EXPECT_TRUE(found->item(0)->text().startsWith("NVC Table (Impacts)\n"));
+    EXPECT_TRUE(found->item(0)->text().contains("minus sign"));
+    EXPECT_EQ(count->text(), QString("Topics found: %1").arg(found->count()));
+    emit words->returnPressed();
+    EXPECT_EQ(window->findChild<QTextBrowser*>("txtTopic")->source().fileName(), "nvc.html");
+}
+
+TEST_F(BuiltHelpTest, Search_TakesWordsInEachFormAndEachState) {
+    platform::HelpViewer::ShowContents();
+    ASSERT_NE(HelpWindowShown(), nullptr);
+    auto* words = HelpWindowShown()->findChild<QLineEdit*>("txtQuery");
+    auto* found = HelpWindowShown()->findChild<QListWidget*>("lstResults");
+    const auto titles = [&](const char* text) {
+        words->setText(text);
+        QStringList all;
+        for (int row = 0; row < found->count(); ++row) {
+            all += found->item(row)->text().section('\n', 0, 0);
+        }
+        return all;
     };
-    bool shown = found();
-    for (int i = 0; i < 20 && !shown; ++i) {
-        shown = found();
+    const QString paste = "Copying and pasting tables";
+    EXPECT_TRUE(titles("PASTED").contains(paste));
+    EXPECT_TRUE(titles("spreadsh").contains(paste));
+    EXPECT_TRUE(titles("\"middle mouse button\"").contains(paste));
+    EXPECT_FALSE(titles("\"button mouse middle\"").contains(paste));
+    EXPECT_TRUE(titles("button mouse middle").contains(paste));
+}
+
+// What means something to the search itself, and what is no word at all.
+TEST_F(BuiltHelpTest, Search_OfOddText_FindsNothingOrTheWordsInIt) {
+    platform::HelpViewer::ShowContents();
+    ASSERT_NE(HelpWindowShown(), nullptr);
+    auto* words = HelpWindowShown()->findChild<QLineEdit*>("txtQuery");
+    auto* found = HelpWindowShown()->findChild<QListWidget*>("lstResults");
+    auto* count = HelpWindowShown()->findChild<QLabel*>("lblFound");
+    for (const char* text : {"xyzzy", "- *", "\"\"", "\""}) {
+        words->setText(text);
+        EXPECT_EQ(found->count(), 0) << text;
+        EXPECT_EQ(count->text(), "No topic holds all of these words.") << text;
     }
-    EXPECT_TRUE(shown) << results->toPlainText().toStdString();
+    for (const char* text : {"undo: (*) \"taking back", "undo NOT zone^("}) {
+        words->setText(text);
+        EXPECT_GT(found->count(), 0) << text;
+    }
+    words->setText("  ");
+    EXPECT_EQ(found->count(), 0);
+    EXPECT_EQ(count->text(), "");
 }
 
 TEST_F(BuiltHelpTest, Index_LeadsToItsTopic) {

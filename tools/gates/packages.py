@@ -17,8 +17,8 @@ PACKAGING = tree.ROOT / "packaging"
 PROGRAM_FILES = ["tarnprep", "tarnreview", "libtarnhelp.so", "libtarnplots.so", "fcdtool", "FCD.new", "fcdname.dat", "TARNPlus.hlp", "Costs"]
 PORTABLE_FILES = PROGRAM_FILES + [
     "jetdoctor", "jetdump", "jetsql", "libjetsql.so", "libtarnpdf.so", "translations/tarnprep_en.qm", "share/man/man1/fcdtool.1", "share/bash-completion/completions/fcdtool", "install", "uninstall", "qt.conf", "lib/libQt6Core.so.6",
-    "lib/libQt6Help.so.6", "lib/libxcb-icccm.so.4", "lib/libxkbcommon-x11.so.0",
-    "lib/libfontconfig.so.1", "lib/libxlsxwriter.so.4", "lib/libQCustomPlotQt6.so.2.1", "LICENSE.charts", "plugins/platforms/libqxcb.so", "plugins/sqldrivers/libqsqlite.so",
+    "lib/libsqlite3.so.0", "lib/libxcb-icccm.so.4", "lib/libxkbcommon-x11.so.0",
+    "lib/libfontconfig.so.1", "lib/libxlsxwriter.so.4", "lib/libQCustomPlotQt6.so.2.1", "LICENSE.charts", "plugins/platforms/libqxcb.so",
     "plugins/printsupport/libcupsprintersupport.so", "fonts/DejaVuSans.ttf"]
 BROUGHT = ["FCD.new", "fcdname.dat", "TARNPlus.hlp"]  # into each user's folder
 DEB_FILES = ["usr/bin/tarnprep", "usr/bin/jetdoctor", "usr/bin/fcdtool", "usr/lib/tarnprep/FCD.new",
@@ -104,7 +104,7 @@ def deb(out):
     for name in DEB_FILES:
         require(re.search(rf" \./{re.escape(name)}$", names, re.M), f"the package lacks {name}")
     control = run("dpkg-deb", "--field", package, "Depends").stdout
-    for name in ["libqt6widgets6", "libqt6help6", "libqt6sql6-sqlite", "libxlsxwriter4", "libqcustomplot2.1-qt6"]:
+    for name in ["libqt6widgets6", "libsqlite3-0", "libxlsxwriter4", "libqcustomplot2.1-qt6"]:
         require(name in control, f"the package does not depend on {name}")
 
 
