@@ -4,6 +4,7 @@
 #include <string>
 
 #include "review/difference.h"
+#include "review/difference_words.h"
 #include "review/figures.h"
 #include "review/tables.h"
 #include "season/file_name.h"
@@ -53,10 +54,10 @@ Section Lists(const std::vector<Difference>& differences) {
         if (isFigure && difference.kind == Change::kChanged) {
             continue;
         }
+        const DifferenceWords words = WordsOf(difference);
         table.rows.push_back({TextCell(std::string(ChangeName(difference.kind))),
-                              TextCell(std::string(difference.what)), HeadCell(difference.Place()),
-                              TextCell(TextOf(difference.older)),
-                              TextCell(TextOf(difference.newer))});
+                              TextCell(words.what), HeadCell(words.place), TextCell(words.older),
+                              TextCell(words.newer)});
     }
     if (table.rows.empty()) {
         section.blocks.push_back(Paragraph{"None."});

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "review/difference.h"
+#include "review/difference_words.h"
 #include "review/figures.h"
 #include "review/report_charts.h"
 #include "review/tables.h"
@@ -172,12 +173,17 @@ Section DifferencesOf(const Season& older, const Season& newer) {
     table.caption = Counted(differences.size(), "difference");
     table.head = {HeadCell("Kind"), HeadCell("What"), HeadCell("Place"), HeadCell("Old"),
                   HeadCell("New")};
+    bool areFigures = true;
     for (const Difference& difference : differences) {
+        const DifferenceWords words = WordsOf(difference);
+        const auto side = words.isFigure ? NumberCell : TextCell;
+        areFigures = areFigures && words.isFigure;
         table.rows.push_back({TextCell(std::string(ChangeName(difference.kind))),
-                              TextCell(std::string(difference.what)), TextCell(difference.Place()),
-                              TextCell(TextOf(difference.older)),
-                              TextCell(TextOf(difference.newer))});
+                              TextCell(words.what), TextCell(words.place), side(words.older),
+                              side(words.newer)});
     }
+    table.head[3].isNumber = areFigures;
+    table.head[4].isNumber = areFigures;
     section.blocks.push_back(std::move(table));
     return section;
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "review/difference_words.h"
 #include "review/figures.h"
 #include "review/looking.h"
 #include "review/tables.h"
@@ -128,9 +129,8 @@ BarChart LargestChanges(const std::vector<Difference>& differences) {
         const double before = older != nullptr ? static_cast<double>(*older) : 0;
         const double after = newer != nullptr ? static_cast<double>(*newer) : 0;
         if (std::isfinite(before) && std::isfinite(after)) {
-            chart.bars.push_back({difference.Place(), after - before,
-                                  ValueText(static_cast<float>(before)) + " to " +
-                                      ValueText(static_cast<float>(after))});
+            const DifferenceWords words = WordsOf(difference);
+            chart.bars.push_back({words.place, after - before, words.older + " to " + words.newer});
         }
     }
     std::stable_sort(chart.bars.begin(), chart.bars.end(), [](const auto& a, const auto& b) {

@@ -8,6 +8,7 @@
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/help/HelpViewer.h"
 #include "review/difference.h"
+#include "review/difference_words.h"
 #include "review/figures.h"
 #include "review/report_charts.h"
 #include "season/file_name.h"
@@ -23,8 +24,8 @@ namespace {
 constexpr int kHelpContextId = 94;
 constexpr int kMostOfPlace = 80;
 
-QString OneLine(const review::Content& content) {
-    return Text(review::TextOf(content)).simplified();
+QString OneLine(const std::string& text) {
+    return Text(text).simplified();
 }
 
 }  // namespace
@@ -63,9 +64,10 @@ void ComparePage::ShowFile() {
     const season::Season* const older = case_.Previous();
     std::vector<QStringList> rows;
     for (const review::Difference& difference : case_.Differences()) {
+        const review::DifferenceWords words = review::WordsOf(difference);
         rows.push_back({QString::fromUtf8(review::ChangeName(difference.kind).data()),
-                        QString::fromUtf8(difference.what.data()), Text(difference.Place()),
-                        OneLine(difference.older), OneLine(difference.newer)});
+                        Text(words.what), Text(words.place), OneLine(words.older),
+                        OneLine(words.newer)});
     }
     differences_.SetRows(std::move(rows));
     Parts::ShowRows(*grdDifferences_, differences_, kMostOfPlace, window()->width());

@@ -106,7 +106,7 @@ TEST(Report, WithPrevious_ShowsDifferencesAndTheLargestChanges) {
     EXPECT_EQ(Unbalanced(html), "");
     EXPECT_THAT(html, HasSubstr("<caption>2 differences</caption>"));
     EXPECT_THAT(html, HasSubstr("The largest changes: Zone 1, location 1, Value 4, FIL 3: -42.75 "
-                                "to -1100.00. Zone 1, class 3, Cost: 1334.33 to 1400.00."));
+                                "to -1100.00. Zone 1, class 3, cost: $1,334 to $1,400."));
 }
 
 TEST(ReportCharts, SayInWordsWhatTheyShow) {
