@@ -1,6 +1,8 @@
 // Charts, drawn on whatever they are asked for.
 #include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "review/axes.h"
 #include "review/canvas.h"
@@ -19,7 +21,7 @@ constexpr double kCostTop = 20;
 constexpr double kCostBottom = 197;
 
 std::string PowerText(double power) {
-    constexpr double kMost = 1e9;
+    constexpr double kMost = 1e6;
     return power >= kMost ? ShortFigure(power)
            : power >= 1   ? Fixed(power, 0)
                           : Figure(static_cast<float>(power));
@@ -39,44 +41,77 @@ double RoughWidth(const std::string& words) {
     return 6.5 * static_cast<double>(words.size());
 }
 
-// The figures of the steps: above the line, or below it where the one before has that room.
+struct Area {
+    double left = 0;
+    double right = 0;
+    double top = 0;
+    double bottom = 0;
+    [[nodiscard]] bool Meets(const Area& other) const {
+        return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
+    }
+};
+
+// The figures of the steps: above their lines or below, where no line and no other figure is. One
+// that has no such place is left to the table.
 class StepWords {
 public:
     explicit StepWords(Canvas& canvas) : canvas_(canvas) {}
-    void Add(double middle, double line, double cost) {
+    void KeepFree(double x1, double y1, double x2, double y2) {
+        taken_.push_back({std::min(x1, x2) - 1, std::max(x1, x2) + 1, std::min(y1, y2) - 1.5,
+                          std::max(y1, y2) + 1.5});
+    }
+    void Add(double left, double right, double line, double cost) {
         const std::string words = ShortDollars(cost);
-        // Not across the axis, where the first step is narrow.
-        const double left = std::max(middle - RoughWidth(words) / 2, kCostLeft + 3);
-        const bool isTaken = left < takenTo_ && std::abs(line - takenAt_) < kHigh;
-        canvas_.Words(left + RoughWidth(words) / 2, isTaken ? line + kHigh : line - 5, words,
-                      Anchor::kMiddle, {});
-        if (!isTaken) {
-            takenTo_ = left + RoughWidth(words);
-            takenAt_ = line;
+        const double wide = RoughWidth(words);
+        const double middle = (left + right - wide) / 2;
+        for (const double from : {middle, left + 3, right - wide - 3, right + 3, left - wide - 3}) {
+            // Not across the axis, where the first step is narrow.
+            const double begin = std::max(from, kCostLeft + 3);
+            for (const double base : {line - 5, line + 14}) {
+                const Area area{begin, begin + wide, base - 9, base + 2};
+                if (IsFree(area)) {
+                    canvas_.Words(begin + wide / 2, base, words, Anchor::kMiddle, {});
+                    taken_.push_back(area);
+                    return;
+                }
+            }
         }
     }
 
 private:
-    static constexpr double kHigh = 15;
+    [[nodiscard]] bool IsFree(const Area& area) const {
+        return area.top >= 0 && area.right <= kCostWidth && area.bottom < kCostBottom &&
+               std::none_of(taken_.begin(), taken_.end(),
+                            [&area](const Area& other) { return other.Meets(area); });
+    }
+
     Canvas& canvas_;
-    double takenTo_ = -1;
-    double takenAt_ = 0;
+    std::vector<Area> taken_;
 };
 
 void DrawSteps(Canvas& canvas, const CostChart& chart, const LogAxis& acres,
                const LogAxis& dollars) {
+    const auto leftOf = [&acres](const CostChart::Step& step) {
+        return acres.Place(std::max(step.from, acres.Least()));
+    };
+    const auto rightOf = [&acres](const CostChart::Step& step) {
+        return acres.Place(step.to > 0 ? step.to : acres.Most());
+    };
     double lastY = -1;
     StepWords words(canvas);
     for (const CostChart::Step& step : chart.steps) {
-        const double left = acres.Place(std::max(step.from, acres.Least()));
-        const double right = acres.Place(step.to > 0 ? step.to : acres.Most());
+        const double left = leftOf(step);
         const double y = dollars.Place(step.cost);
         if (lastY >= 0) {
             canvas.Line(left, lastY, left, y, Stroke::kRiser);
+            words.KeepFree(left, lastY, left, y);
         }
-        canvas.Line(left, y, right, y, step.to > 0 ? Stroke::kStep : Stroke::kOpenStep);
-        words.Add((left + right) / 2, y, step.cost);
+        canvas.Line(left, y, rightOf(step), y, step.to > 0 ? Stroke::kStep : Stroke::kOpenStep);
+        words.KeepFree(left, y, rightOf(step), y);
         lastY = y;
+    }
+    for (const CostChart::Step& step : chart.steps) {
+        words.Add(leftOf(step), rightOf(step), dollars.Place(step.cost), step.cost);
     }
 }
 
