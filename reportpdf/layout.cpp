@@ -10,8 +10,8 @@ namespace reportpdf {
 namespace {
 
 constexpr double kSide = 51;
-constexpr double kHead = 58;  // from the paper's edge to what a page shows
-constexpr double kFoot = 52;
+constexpr double kHead = 56;  // from the paper's edge to what a page shows
+constexpr double kFoot = 48;
 constexpr double kGap = 8;
 constexpr Style kTitle{Face::kBold, 19};
 constexpr Style kSection{Face::kBold, 14};
@@ -73,7 +73,7 @@ void Layout::Put(std::function<void(Sheet&)> part) {
 void Layout::DrawEdges(Sheet& sheet, std::size_t page) const {
     const QString number =
         QStringLiteral("Page %1 of %2").arg(page + 1).arg(static_cast<qulonglong>(pages_.size()));
-    const double base = paper_.height() - kFoot + 24;
+    const double base = paper_.height() - kFoot + 20;
     sheet.TextToRight(left_ + width_, base, number, kEdge);
     if (page == 0) {
         return;

@@ -16,8 +16,8 @@ using review::Cell;
 constexpr double kUsualSize = 8;
 constexpr double kLeastSize = 4;
 constexpr double kPadding = 3;
-constexpr double kAbove = 1.1;  // and below a row's lines
-constexpr double kLegend = 18;
+constexpr double kAbove = 1.05;  // and below a row's lines
+constexpr double kLegend = 15;
 constexpr Style kCaption{Face::kBold, 9};
 
 QString TextOf(const Cell& cell) {

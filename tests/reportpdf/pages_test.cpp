@@ -63,6 +63,28 @@ Document Made() {
     return document;
 }
 
+// The values of a location, and the map that shades them.
+void AddLocation(Section& section) {
+    Table table;
+    table.caption = "Wet Prairie, location 1: net value change per acre";
+    table.head = {HeadCell("Resource")};
+    review::HeatMap map;
+    map.largest = 100;
+    for (int fil = 1; fil <= 6; ++fil) {
+        table.head.push_back(NumberCell("FIL " + std::to_string(fil)));
+    }
+    for (int row = 0; row < 14; ++row) {
+        table.rows.push_back({HeadCell("Timber - Sawtimber")});
+        table.rows.back().resize(7, NumberCell("-1250.00"));
+        map.rows.emplace_back("Timber - Sawtimber");
+        map.values.push_back({-1, -2, -3, -4, -5, -6});
+    }
+    table.totals = {{HeadCell("Total per acre")}};
+    table.totals.back().resize(7, NumberCell("-$1,250"));
+    section.blocks.emplace_back(std::move(table));
+    section.blocks.emplace_back(std::move(map));
+}
+
 // How many pixels of a page are not white.
 int InkOn(const QImage& image) {
     int ink = 0;
@@ -159,6 +181,21 @@ TEST(Bookmarks, OfWhatIsNoPdf_AreRefused) {
           "trailer << /Size 3 /Root 1 0 R /Info 2 0 R >>\nstartxref\n0\n"}) {
         EXPECT_THROW(reportpdf::WithBookmarks(bytes, {{QStringLiteral("A"), 2, 0}}),
                      std::runtime_error);
+    }
+}
+
+TEST(Pages, BothPapers_HoldTheTablesOfThreeLocations) {
+    Document document = Made();
+    document.sections.resize(1);
+    Section zone = SectionOf("A zone", true, review::Paragraph{"Its tables."});
+    zone.blocks.clear();
+    for (int i = 0; i < 7; ++i) {
+        AddLocation(zone);
+    }
+    document.sections.push_back(zone);
+    for (const Paper paper : {Paper::kA4, Paper::kLetter}) {
+        const reportpdf::Pages pages(document, reportpdf::SizeOf(paper));
+        EXPECT_EQ(pages.Count(), 4) << "two under the zone's heading, then three and two";
     }
 }
 
