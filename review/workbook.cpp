@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -15,6 +17,7 @@
 #include "review/figures.h"
 #include "review/looking.h"
 #include "review/plain_tables.h"
+#include "review/zip_members.h"
 #include "season/text.h"
 
 namespace review {
@@ -60,6 +63,66 @@ std::string CellText(const std::string& text, bool& isCut) {
     return season::ToUtf8(wide);
 }
 
+// While it lives, the library cannot tell the terminal in its own words what an exception says.
+class Hush {
+public:
+#ifdef __GLIBC__  // where the stream may be replaced
+    Hush() : before_(stderr), nowhere_(std::fopen("/dev/null", "w")) {
+        if (nowhere_ != nullptr) {
+            stderr = nowhere_;
+        }
+    }
+    ~Hush() {
+        stderr = before_;
+        if (nowhere_ != nullptr) {
+            std::fclose(nowhere_);
+        }
+    }
+    Hush(const Hush&) = delete;
+    Hush& operator=(const Hush&) = delete;
+
+private:
+    std::FILE* before_;
+    std::FILE* nowhere_;
+#else
+    Hush() {}
+#endif
+};
+
+std::size_t CountOf(std::string_view text, std::string_view part) {
+    std::size_t number = 0;
+    for (std::size_t at = text.find(part); at != std::string_view::npos;
+         at = text.find(part, at + part.size())) {
+        ++number;
+    }
+    return number;
+}
+
+// The library writes sheets to temporary files first and does not notice when there is no room for
+// them: so it is looked at what came out.
+void RequireWhole(const std::filesystem::path& path, const std::vector<std::size_t>& cells) {
+    std::ifstream in(path, std::ios::binary);
+    const std::string zip{std::istreambuf_iterator<char>(in), {}};
+    std::size_t sheets = 0;
+    const bool isWhole = EachZipMember(zip, [&](std::string_view name, const std::string& text) {
+        constexpr std::string_view kSheets = "xl/worksheets/sheet";
+        if (!name.starts_with(kSheets)) {
+            return text.find_last_of('>') != std::string::npos &&
+                   text.find_first_not_of("\r\n", text.find_last_of('>') + 1) == std::string::npos;
+        }
+        const std::size_t number =
+            std::stoul(std::string(name.substr(kSheets.size(), name.find('.') - kSheets.size())));
+        ++sheets;
+        return number >= 1 && number <= cells.size() && text.ends_with("</worksheet>") &&
+               CountOf(text, "<c r=") == cells[number - 1];
+    });
+    if (!isWhole || sheets != cells.size()) {
+        throw std::runtime_error(
+            "The workbook could not be written whole. There may be no room left for temporary "
+            "files.");
+    }
+}
+
 class Workbook {
 public:
     explicit Workbook(const std::filesystem::path& path)
@@ -88,15 +151,19 @@ public:
     Workbook& operator=(const Workbook&) = delete;
     ~Workbook() {
         if (book_ != nullptr) {
+            const Hush hush;
             workbook_close(book_);
         }
     }
     void Close() {
+        const Hush hush;
         errno = 0;
         if (workbook_close(std::exchange(book_, nullptr)) != LXW_NO_ERROR) {
             ThrowSystemError();
         }
     }
+    // How many cells each sheet has, in the order of the sheets.
+    [[nodiscard]] const std::vector<std::size_t>& Cells() const { return cells_; }
 
     void AddTable(const PlainTable& table);
     void AddTotals(const season::Season& season, const PlainTable& values);
@@ -104,6 +171,10 @@ public:
 
 private:
     lxw_worksheet* AddSheet(const char* name, const std::vector<std::string>& headings);
+    void Count(lxw_error error) {
+        Require(error);
+        ++cells_.back();
+    }
     void Write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, PlainType type,
                const PlainValue& value);
     void WriteText(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const std::string& text);
@@ -121,6 +192,7 @@ private:
     std::map<PlainType, lxw_format*> numbers_;
     std::string sheetName_;
     std::vector<Note> notes_;
+    std::vector<std::size_t> cells_;
 };
 
 lxw_worksheet* Workbook::AddSheet(const char* name, const std::vector<std::string>& headings) {
@@ -129,9 +201,10 @@ lxw_worksheet* Workbook::AddSheet(const char* name, const std::vector<std::strin
         throw std::runtime_error("The workbook cannot be made.");
     }
     sheetName_ = name;
+    cells_.push_back(0);
     for (std::size_t i = 0; i < headings.size(); ++i) {
-        Require(worksheet_write_string(sheet, 0, static_cast<lxw_col_t>(i), headings[i].c_str(),
-                                       head_));
+        Count(worksheet_write_string(sheet, 0, static_cast<lxw_col_t>(i), headings[i].c_str(),
+                                     head_));
     }
     worksheet_freeze_panes(sheet, 1, 0);
     worksheet_repeat_rows(sheet, 0, 0);
@@ -147,16 +220,16 @@ void Workbook::WriteText(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column,
         notes_.push_back({sheetName_, static_cast<char>('A' + column) + std::to_string(row + 1),
                           season::ToUtf16(text).size()});
     }
-    Require(worksheet_write_string(sheet, row, column, shown.c_str(), text_));
+    Count(worksheet_write_string(sheet, row, column, shown.c_str(), text_));
 }
 
 void Workbook::Write(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, PlainType type,
                      const PlainValue& value) {
     if (const auto* whole = std::get_if<std::int32_t>(&value)) {
-        Require(worksheet_write_number(sheet, row, column, *whole, numbers_[type]));
+        Count(worksheet_write_number(sheet, row, column, *whole, numbers_[type]));
     } else if (const auto* number = std::get_if<float>(&value)) {
         if (std::isfinite(*number)) {
-            Require(worksheet_write_number(sheet, row, column, Typed(*number), numbers_[type]));
+            Count(worksheet_write_number(sheet, row, column, Typed(*number), numbers_[type]));
         } else {
             WriteText(sheet, row, column, Figure(*number));
         }
@@ -241,8 +314,8 @@ void Workbook::AddTotals(const season::Season& season, const PlainTable& values)
             std::string formula = "=SUM(NVCPerAcre!";
             formula.append(column).append(std::to_string(rows->second.first)).append(":");
             formula.append(column).append(std::to_string(rows->second.second)).append(")");
-            Require(worksheet_write_formula_num(sheet, row, static_cast<lxw_col_t>(3 + level),
-                                                formula.c_str(), total_, totals[level]));
+            Count(worksheet_write_formula_num(sheet, row, static_cast<lxw_col_t>(3 + level),
+                                              formula.c_str(), total_, totals[level]));
         }
     });
 }
@@ -281,6 +354,7 @@ void WriteWorkbook(const season::Season& season, const std::filesystem::path& pa
         workbook.AddTotals(season, tables.back());
         workbook.AddNotes();
         workbook.Close();
+        RequireWhole(part, workbook.Cells());
         std::filesystem::rename(part, path);
     } catch (...) {
         std::filesystem::remove(part, ignored);

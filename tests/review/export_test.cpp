@@ -151,4 +151,34 @@ TEST_F(Export, IntoAFolderThatIsNotThere_IsOneSentence) {
     }
 }
 
+// Runs the export of a file with so many blocks of 512 bytes as the largest file.
+tarn_test::CommandResult ExportWithin(int blocks, const std::filesystem::path& file,
+                                      const std::filesystem::path& target) {
+    return tarn_test::RunCommand("trap '' XFSZ; ulimit -f " + std::to_string(blocks) + "; " +
+                                 Quoted(tarn_test::BuiltProgram("fcdtool")) + " export " +
+                                 Quoted(file) + " --to " + Quoted(target));
+}
+
+TEST_F(Export, ToAWorkbook_WithoutRoomForTemporaryFiles_IsRefused) {
+    const auto file = folder_ / "UMFOR27.fcd";
+    season::WriteNew(tarn_test::SoundSeason(40, 9), file);
+    const auto target = folder_ / "out.xlsx";
+    const auto result = ExportWithin(600, file, target);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "fcdtool: " + target.string() +
+                                 ": The workbook could not be written whole. There may be no room "
+                                 "left for temporary files.\n");
+    EXPECT_FALSE(std::filesystem::exists(target));
+    EXPECT_EQ(ExportWithin(20000, file, target).status, 0);
+}
+
+TEST_F(Export, ToAWorkbook_ThatCannotGrow_IsOneSentence) {
+    const auto target = folder_ / "out.xlsx";
+    const auto result = ExportWithin(8, folder_ / "UMFOR26.fcd", target);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.output, StartsWith("fcdtool: " + target.string() + ": "));
+    EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 1);
+    EXPECT_FALSE(std::filesystem::exists(target));
+}
+
 }  // namespace
