@@ -1,4 +1,4 @@
-// The door of the library libtarnpdf, through which a program without Qt makes a PDF.
+// The door of the library tarnpdf, through which a program without Qt makes a PDF.
 //
 // The library is loaded when a PDF is asked for: Qt's libraries would make every start longer.
 #pragma once
@@ -13,7 +13,7 @@ namespace reportpdf {
 // a sentence that says why.
 using MakePdf = bool (*)(const review::Document& document, bool isLetter, std::string& result);
 
-inline constexpr const char* kLibrary = "libtarnpdf.so";
+inline constexpr const char* kLibrary = "tarnpdf";
 inline constexpr const char* kMakePdf = "TarnMakePdf";
 
 }  // namespace reportpdf

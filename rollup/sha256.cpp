@@ -5,6 +5,8 @@
 #include <array>
 #include <stdexcept>
 
+#include "rollup/hexadecimal.h"
+
 namespace rollup {
 
 namespace {
@@ -42,13 +44,7 @@ std::string Sha256::Finish() {
     std::array<unsigned char, kSize> digest{};
     unsigned int size = 0;
     Require(EVP_DigestFinal_ex(state_->Context(), digest.data(), &size));
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (const unsigned char byte : digest) {
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 15];
-    }
-    return text;
+    return Hexadecimal(digest);
 }
 
 }  // namespace rollup

@@ -6,7 +6,7 @@
 #include "rollup/csv_text.h"
 #include "rollup/destination.h"
 #include "rollup/destination_name.h"
-#include "rollup/postgres.h"
+#include "rollup/postgres_values.h"
 #include "rollup/sqlite.h"
 
 namespace rollup {
@@ -58,37 +58,6 @@ private:
     }
 
     SqliteDatabase database_;
-};
-
-class PostgresValues : public ValueSource {
-public:
-    explicit PostgresValues(const std::string& connection) : server_(connection) {}
-
-    void EachRow(const Take& take) override { GiveRows(kValuesQuery, {}, take); }
-
-    void EachRowOf(const std::string& fileId, const Take& take) override {
-        GiveRows(std::string(kValuesQuery) + " AND file_id = $1", {fileId}, take);
-    }
-
-    std::optional<std::string> ContentsOf(const std::string& path) override {
-        const PostgresResult found =
-            server_.Execute(std::string(kContentsQuery) + "$1", {path});
-        return found.Rows() == 0 ? std::nullopt : found.Field(0, 0);
-    }
-
-private:
-    void GiveRows(const std::string& query, const PostgresParameters& parameters,
-                  const Take& take) {
-        server_.EachRow(query, parameters, [&take](const PostgresResult& result) {
-            ValueRow row{WholeOf(result.Text(0, 0))};
-            for (std::size_t fil = 0; fil < row.values.size(); ++fil) {
-                row.values[fil] = NumberOf(result.Text(0, static_cast<int>(fil) + 1));
-            }
-            take(row);
-        });
-    }
-
-    PostgresConnection server_;
 };
 
 class CsvValues : public ValueSource {
@@ -156,7 +125,7 @@ std::unique_ptr<ValueSource> OpenValues(const std::string& destination) {
     const DestinationName name = ParseDestination(destination);
     switch (name.kind) {
         case DestinationKind::kPostgres:
-            return std::make_unique<PostgresValues>(name.rest);
+            return OpenPostgresValues(name.rest);
         case DestinationKind::kCsv:
             return std::make_unique<CsvValues>(name.rest);
         case DestinationKind::kSqlite:

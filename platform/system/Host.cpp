@@ -118,12 +118,17 @@ QString FindPath(const QString& path) {
     if (QFileInfo::exists(path)) {
         return path;
     }
+#ifdef Q_OS_WIN
+    // The system takes every name in every case.
+    return path;
+#else
     const QString wanted = QDir::cleanPath(QString(path).replace(u'\\', u'/'));
     QString found = QDir::isAbsolutePath(wanted) ? QString(QDir::separator()) : QStringLiteral(".");
     for (const QString& part : wanted.split(u'/', Qt::SkipEmptyParts)) {
         found = FindFile(found, part);
     }
     return QFileInfo::exists(found) ? found : path;
+#endif
 }
 
 void FileCopy(const QString& from, const QString& to) {

@@ -1,8 +1,20 @@
 #include "platform/system/NativePath.h"
 
+#include <QtGlobal>
+#ifdef Q_OS_WIN
+#define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <shellapi.h>
+#endif
+
 #include <QStringList>
 #include <QUtf8StringView>
 #include <algorithm>
+#include <memory>
 #include <string>
 
 namespace platform {
@@ -89,6 +101,22 @@ QString ShownPath(QString path) {
 
 #endif
 
+#ifdef Q_OS_WIN
+
+// The words that main() is given there have lost what the system's own code page lacks.
+QString CommandLine(int /*argc*/, char* /*argv*/[]) {
+    int count = 0;
+    const std::unique_ptr<LPWSTR, decltype(&::LocalFree)> all(
+        ::CommandLineToArgvW(::GetCommandLineW(), &count), ::LocalFree);
+    QStringList words;
+    for (int i = 1; all != nullptr && i < count; ++i) {
+        words += QString::fromWCharArray(all.get()[i]);
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+#else
+
 QString CommandLine(int argc, char* argv[]) {
     QStringList words;
     for (int i = 1; i < argc; ++i) {
@@ -96,5 +124,7 @@ QString CommandLine(int argc, char* argv[]) {
     }
     return words.join(QLatin1Char(' '));
 }
+
+#endif
 
 }  // namespace platform
