@@ -5,7 +5,6 @@
 
 #include "platform/RuntimeError.h"
 #include "platform/controls/FlexGridNotes.h"
-#include "platform/controls/GridTable.h"
 #include "platform/text/Numbers.h"
 
 namespace {
@@ -83,6 +82,17 @@ void FlexGridModel::SetTable(GridTable* table) {
 
 bool FlexGridModel::IsTableCell(int row) const {
     return table_ != nullptr && row >= fixedRows_ && TableRow(row) <= table_->RowCount();
+}
+
+GridTable::Takes FlexGridModel::Takes(int row, int col) const {
+    if (IsTableCell(row)) {
+        return table_->CellTakes(TableRow(row), col);
+    }
+    return Column(col).number ? GridTable::Takes::kNumber : GridTable::Takes::kText;
+}
+
+bool FlexGridModel::TakesText(int row, int col) const {
+    return Takes(row, col) != GridTable::Takes::kNothing;
 }
 
 QString FlexGridModel::Text(int row, int col) const {

@@ -13,7 +13,7 @@
 #include <QStringList>
 #include <vector>
 
-class GridTable;
+#include "platform/controls/GridTable.h"
 
 struct FlexGridColumn {
     int twips = 960;
@@ -50,6 +50,9 @@ public:
     // The number of a row in the table.
     [[nodiscard]] int TableRow(int row) const { return row - fixedRows_ + 1; }
     [[nodiscard]] bool IsTableCell(int row) const;
+    // What a cell takes: the table's word, else the column's.
+    [[nodiscard]] GridTable::Takes Takes(int row, int col) const;
+    [[nodiscard]] bool TakesText(int row, int col) const;
 
     [[nodiscard]] QString Text(int row, int col) const;
     // Of a row that has no table only.

@@ -1,16 +1,30 @@
-// The grid's shape, cells and columns. Editing and keys are in the files beside this one.
+// The grid itself: a thin face before its parts, each of which is in a file of its own.
 #include "platform/controls/vsFlexGrid.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
+#include <QMetaMethod>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <algorithm>
 
 #include "platform/RuntimeError.h"
+#include "platform/controls/FlexGridColumns.h"
 #include "platform/controls/FlexGridDelegate.h"
-#include "platform/controls/vsFlexGridImpl.h"
+#include "platform/controls/FlexGridEditing.h"
+#include "platform/controls/FlexGridEditor.h"
+#include "platform/controls/FlexGridHeader.h"
+#include "platform/controls/FlexGridKeys.h"
+#include "platform/controls/FlexGridModel.h"
+#include "platform/controls/FlexGridMouse.h"
+#include "platform/controls/FlexGridPaste.h"
+#include "platform/controls/FlexGridSelection.h"
 #include "platform/text/Numbers.h"
 
 namespace {
+
+using Quiet = FlexGridSelection::Quiet;
 
 [[noreturn]] void ThrowSubscript() {
     throw platform::RuntimeError(platform::kSubscriptOutOfRange,
@@ -19,11 +33,60 @@ namespace {
 
 }  // namespace
 
+class vsFlexGrid::Impl : public FlexGridHost {
+public:
+    explicit Impl(vsFlexGrid& grid)
+        : grid_(grid),
+          model(new FlexGridModel(&grid)),
+          header(new FlexGridHeader(*model, &grid)),
+          columns(grid, *model, *header),
+          selection(grid, *model),
+          offers(*model, [this] { return State(); }),
+          editing(grid, *model, offers),
+          paste(Parts()),
+          keys(Parts(), paste),
+          mouse(Parts(), paste, keys) {}
+
+    [[nodiscard]] bool IsList() const override {
+        static const QMetaMethod kEnterCell = QMetaMethod::fromSignal(&vsFlexGrid::EnterCell);
+        return !grid_.isSignalConnected(kEnterCell);
+    }
+    void Enter() override {
+        if (grid_.currentIndex().isValid() && !editing.IsOpen()) {
+            emit grid_.EnterCell();
+        }
+    }
+    void ClickRow(int row) override {
+        mouseRow = row;
+        emit grid_.Click();
+    }
+    void Leave(bool forward) override { grid_.QTableView::focusNextPrevChild(forward); }
+
+private:
+    [[nodiscard]] FlexGridParts Parts() {
+        return {*this, grid_, *model, selection, offers, editing};
+    }
+    [[nodiscard]] FlexGridOffers::State State() const {
+        return {grid_.currentIndex(), editing.Cell(), editing.IsChanged(), editing.Text()};
+    }
+
+    vsFlexGrid& grid_;
+
+public:
+    FlexGridModel* model;
+    FlexGridHeader* header;
+    FlexGridColumns columns;
+    FlexGridSelection selection;
+    FlexGridOffers offers;
+    FlexGridEditing editing;
+    FlexGridPaste paste;
+    FlexGridKeys keys;
+    FlexGridMouse mouse;
+    int mouseRow = -1;      // the row of the last click, header rows included
+    bool arriving = false;  // the keyboard comes to the grid: its cell is marked, not opened
+};
+
 vsFlexGrid::vsFlexGrid(QWidget* parent) : QTableView(parent), impl_(std::make_unique<Impl>(*this)) {
-    impl_->model = new FlexGridModel(this);
-    impl_->header = new FlexGridHeader(*impl_->model, this);
-    impl_->editor = new FlexGridEditor(viewport());
-    impl_->editor->hide();
     setHorizontalHeader(impl_->header);
     setModel(impl_->model);
     setItemDelegate(new FlexGridDelegate(this));
@@ -37,28 +100,32 @@ vsFlexGrid::vsFlexGrid(QWidget* parent) : QTableView(parent), impl_(std::make_un
     setVerticalScrollMode(ScrollPerPixel);
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    ApplyFont();
-    connect(impl_->header, &FlexGridHeader::Clicked, this, [this] {
-        impl_->mouseRow = 0;
-        emit Click();
-    });
-    connect(impl_->header, &QHeaderView::sectionResized, this,
-            [this](int col, int, int pixels) { OnColumnResized(col, pixels); });
-    connect(impl_->model, &QAbstractItemModel::rowsInserted, this,
-            [this](const QModelIndex&, int first, int last) {
-                FitFigures(first + FixedRows(), last + FixedRows());
-            });
-    connect(impl_->model, &QAbstractItemModel::dataChanged, this,
-            [this](const QModelIndex& first, const QModelIndex& last) {
-                FitFigures(first.row() + FixedRows(), last.row() + FixedRows());
-            });
-    ConnectEditor();
+    impl_->columns.ApplyFont();
+    ConnectParts();
 }
 
-vsFlexGrid::~vsFlexGrid() {
-    // The editor's going would otherwise end the edit, and nobody is left to hear of it.
-    impl_->edited = QPersistentModelIndex();
-    impl_->editor->disconnect(this);
+vsFlexGrid::~vsFlexGrid() = default;
+
+void vsFlexGrid::ConnectParts() {
+    connect(impl_->header, &FlexGridHeader::Clicked, this, [this] { impl_->ClickRow(0); });
+    connect(impl_->header, &QHeaderView::sectionResized, this,
+            [this](int col, int, int pixels) { OnColumnResized(col, pixels); });
+    connect(&impl_->offers, &FlexGridOffers::Refused, this, &vsFlexGrid::Refused);
+    connect(&impl_->offers, &FlexGridOffers::NoteChanged, this, &vsFlexGrid::NoteChanged);
+    const FlexGridEditing* editing = &impl_->editing;
+    connect(editing, &FlexGridEditing::BeforeEdit, this, &vsFlexGrid::BeforeEdit);
+    connect(editing, &FlexGridEditing::ChangeEdit, this, &vsFlexGrid::ChangeEdit);
+    connect(editing, &FlexGridEditing::AfterEdit, this, &vsFlexGrid::AfterEdit);
+    connect(editing, &FlexGridEditing::EditCancelled, this, &vsFlexGrid::EditCancelled);
+    connect(editing, &FlexGridEditing::KeyPressEdit, this, &vsFlexGrid::KeyPressEdit);
+    connect(editing, &FlexGridEditing::KeyUpEdit, this, &vsFlexGrid::KeyUpEdit);
+    connect(editing, &FlexGridEditing::Dropped, this, [this](const QString& text) {
+        FlexGridEditing::Trapped([&] { SetEditSelText(text); });
+    });
+    impl_->editing.Editor().SetKeyTaker([this](QKeyEvent* event) {
+        impl_->mouse.ForgetClick();
+        return impl_->keys.PressInEditor(event);
+    });
 }
 
 int vsFlexGrid::Rows() const {
@@ -67,9 +134,9 @@ int vsFlexGrid::Rows() const {
 
 void vsFlexGrid::SetRows(int rows) {
     FinishEdit();
-    const Impl::Quiet quiet(*impl_);
+    const Quiet quiet(impl_->selection);
     impl_->model->SetRows(rows);
-    EnsureCurrent();
+    impl_->selection.EnsureCurrent();
 }
 
 int vsFlexGrid::Cols() const {
@@ -78,13 +145,13 @@ int vsFlexGrid::Cols() const {
 
 void vsFlexGrid::SetCols(int cols) {
     FinishEdit();
-    const Impl::Quiet quiet(*impl_);
+    const Quiet quiet(impl_->selection);
     const int had = Cols();
     impl_->model->SetCols(cols);
     for (int col = had; col < Cols(); ++col) {
-        ApplyColumn(col);
+        impl_->columns.Apply(col);
     }
-    EnsureCurrent();
+    impl_->selection.EnsureCurrent();
 }
 
 int vsFlexGrid::FixedRows() const {
@@ -93,10 +160,10 @@ int vsFlexGrid::FixedRows() const {
 
 void vsFlexGrid::SetFixedRows(int rows) {
     FinishEdit();
-    const Impl::Quiet quiet(*impl_);
+    const Quiet quiet(impl_->selection);
     impl_->model->SetFixedRows(rows);
     impl_->header->setVisible(rows > 0);
-    EnsureCurrent();
+    impl_->selection.EnsureCurrent();
 }
 
 void vsFlexGrid::SetFormatString(const QString& headings) {
@@ -118,11 +185,8 @@ void vsFlexGrid::SetTextMatrix(int row, int col, const QString& text) {
         return;
     }
     impl_->model->SetText(row, col, text);
-    const bool isEdited =
-        Editing() && impl_->edited.row() == row - FixedRows() && impl_->edited.column() == col;
-    if (isEdited && impl_->editor->text() != text) {
-        impl_->editor->Load(text, Longest(col));
-        PlaceEditor();
+    if (IsEdited(row, col)) {
+        impl_->editing.Show(text);
     }
 }
 
@@ -169,6 +233,46 @@ void vsFlexGrid::SetRowNameColumn(int col) {
     impl_->model->SetRowNameColumn(col);
 }
 
+int vsFlexGrid::ColWidth(int col) const {
+    CheckCol(col);
+    return impl_->model->Column(col).twips;
+}
+
+void vsFlexGrid::SetColWidth(int col, int twips) {
+    CheckCol(col);
+    impl_->columns.SetWidth(col, twips);
+}
+
+void vsFlexGrid::SetColRoom(int col, int pixels) {
+    CheckCol(col);
+    impl_->columns.SetRoom(col, pixels);
+}
+
+void vsFlexGrid::FitHeadings() {
+    impl_->columns.FitHeadings();
+}
+
+void vsFlexGrid::SetColFills(int col) {
+    CheckCol(col);
+    impl_->columns.SetFills(col);
+}
+
+std::map<int, int> vsFlexGrid::WidthsByUser() const {
+    return impl_->columns.WidthsByUser();
+}
+
+void vsFlexGrid::SetWidthsByUser(const std::map<int, int>& widths) {
+    impl_->columns.SetWidthsByUser(widths);
+}
+
+void vsFlexGrid::OnColumnResized(int col, int pixels) {
+    if (impl_->columns.Resized(col, pixels)) {
+        emit WidthSetByUser();
+    }
+    impl_->editing.Place();
+    emit ColumnResized(col);
+}
+
 bool vsFlexGrid::ColHidden(int col) const {
     CheckCol(col);
     return impl_->model->Column(col).hidden;
@@ -176,10 +280,9 @@ bool vsFlexGrid::ColHidden(int col) const {
 
 void vsFlexGrid::SetColHidden(int col, bool hidden) {
     CheckCol(col);
-    impl_->model->Column(col).hidden = hidden;
-    ApplyColumn(col);
-    const Impl::Quiet quiet(*impl_);
-    EnsureCurrent();
+    impl_->columns.SetHidden(col, hidden);
+    const Quiet quiet(impl_->selection);
+    impl_->selection.EnsureCurrent();
 }
 
 void vsFlexGrid::SetColAlignment(int col, Qt::Alignment alignment) {
@@ -223,9 +326,9 @@ void vsFlexGrid::AddItem(const QString& texts, int row) {
         ThrowSubscript();
     }
     FinishEdit();
-    const Impl::Quiet quiet(*impl_);
+    const Quiet quiet(impl_->selection);
     impl_->model->InsertRow(at, texts.split(u'\t'));
-    EnsureCurrent();
+    impl_->selection.EnsureCurrent();
 }
 
 void vsFlexGrid::RemoveItem(int row) {
@@ -233,18 +336,18 @@ void vsFlexGrid::RemoveItem(int row) {
     if (row < FixedRows()) {
         ThrowSubscript();
     }
-    if (Editing() && impl_->edited.row() == row - FixedRows()) {
+    if (Editing() && impl_->editing.Cell().row() == row - FixedRows()) {
         // The row takes its open edit along.
-        CloseEditor();
+        impl_->editing.Close();
     }
     FinishEdit();
-    const Impl::Quiet quiet(*impl_);
+    const Quiet quiet(impl_->selection);
     const int col = Col();
     const bool wasCurrent = row == Row();
     impl_->model->RemoveRow(row);
-    EnsureCurrent();
+    impl_->selection.EnsureCurrent();
     if (wasCurrent && Rows() > FixedRows()) {
-        MoveTo(std::min(row, Rows() - 1), col, false);
+        impl_->selection.MoveTo(std::min(row, Rows() - 1), col, false);
     }
 }
 
@@ -283,17 +386,238 @@ void vsFlexGrid::Select(int row, int col) {
         return;
     }
     FinishEdit();
-    MoveTo(row, col, false);
+    impl_->selection.MoveTo(row, col, false);
+}
+
+void vsFlexGrid::EditCell() {
+    if (!impl_->arriving) {
+        impl_->editing.Begin();
+    }
+}
+
+void vsFlexGrid::FinishEdit() {
+    impl_->editing.Finish();
+}
+
+bool vsFlexGrid::Editing() const {
+    return impl_->editing.IsOpen();
+}
+
+bool vsFlexGrid::EditIsChanged() const {
+    return impl_->editing.IsChanged();
+}
+
+QString vsFlexGrid::EditText() const {
+    return impl_->editing.Text();
+}
+
+void vsFlexGrid::SetEditText(const QString& text) {
+    impl_->editing.SetText(text);
+}
+
+QString vsFlexGrid::EditSelText() const {
+    return Editing() ? impl_->editing.Editor().selectedText() : QString();
+}
+
+void vsFlexGrid::SetEditSelText(const QString& text) {
+    impl_->paste.Put(text);
+}
+
+void vsFlexGrid::ClearClip() {
+    impl_->paste.Clear();
+}
+
+QString vsFlexGrid::Clip() const {
+    return impl_->paste.Clip();
+}
+
+void vsFlexGrid::SetEditMaxLength(int characters) {
+    impl_->editing.SetLongest(characters);
+}
+
+void vsFlexGrid::SetTable(GridTable* table) {
+    FinishEdit();
+    const Quiet quiet(impl_->selection);
+    impl_->model->SetTable(table);
+    impl_->offers.Forget();
+    impl_->selection.EnsureCurrent();
+    impl_->offers.UpdateNote();
+}
+
+GridTable* vsFlexGrid::Table() const {
+    return impl_->model->Table();
+}
+
+// What was typed belonged to the rows as they were.
+void vsFlexGrid::Refresh() {
+    if (Table() == nullptr) {
+        return;
+    }
+    if (Editing() && !impl_->offers.IsOffering()) {
+        impl_->editing.Close();
+        impl_->offers.EndAction();
+    }
+    const Quiet quiet(impl_->selection);
+    impl_->model->SetRows(FixedRows() + Table()->RowCount());
+    impl_->model->RowsChanged(FixedRows(), Rows() - 1);
+    if (!impl_->offers.IsOffering()) {
+        impl_->offers.Forget();
+    }
+    impl_->selection.EnsureCurrent();
+    impl_->offers.UpdateNote();
+}
+
+void vsFlexGrid::RowsChanged(int first, int last) {
+    const int above = FixedRows() - 1;
+    impl_->model->RowsChanged(first + above, last + above);
+    impl_->offers.UpdateNote();
+}
+
+// The grid may have counted the table's rows already.
+void vsFlexGrid::RowInserted(int row) {
+    if (Rows() - FixedRows() >= Table()->RowCount()) {
+        RowsChanged(row, Table()->RowCount());
+        return;
+    }
+    const Quiet quiet(impl_->selection);
+    impl_->model->InsertRow(row + FixedRows() - 1, {});
+    impl_->selection.EnsureCurrent();
+    impl_->offers.UpdateNote();
+}
+
+void vsFlexGrid::RowRemoved(int row) {
+    if (Rows() - FixedRows() > Table()->RowCount()) {
+        RemoveItem(row + FixedRows() - 1);
+    }
+    impl_->offers.UpdateNote();
+}
+
+// The current cell and the open edit go along with their row.
+void vsFlexGrid::RowMoved(int from, int to) {
+    const int above = FixedRows() - 1;
+    const Quiet quiet(impl_->selection);
+    impl_->model->MoveRow(from + above, to + above);
+    impl_->model->RowsChanged(std::min(from, to) + above, std::max(from, to) + above);
+    impl_->offers.UpdateNote();
+}
+
+GridTable::Answer vsFlexGrid::OfferEdit() {
+    return impl_->editing.Offer();
+}
+
+QString vsFlexGrid::CellNote(int row, int col) const {
+    CheckCell(row, col);
+    return impl_->offers.CellNote(impl_->model->index(row - FixedRows(), col));
+}
+
+QString vsFlexGrid::Note() const {
+    return impl_->offers.Note();
+}
+
+bool vsFlexGrid::event(QEvent* event) {
+    if (event->type() == QEvent::KeyPress && impl_ != nullptr) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (FlexGridKeys::IsTab(*key)) {
+            impl_->keys.PressTab(*key);
+            return true;
+        }
+    }
+    return QTableView::event(event);
+}
+
+void vsFlexGrid::keyPressEvent(QKeyEvent* event) {
+    impl_->mouse.ForgetClick();
+    impl_->keys.Press(event);
+}
+
+void vsFlexGrid::mousePressEvent(QMouseEvent* event) {
+    impl_->mouse.Press(*event);
+}
+
+void vsFlexGrid::mouseMoveEvent(QMouseEvent* event) {
+    impl_->mouse.Move(*event);
+}
+
+void vsFlexGrid::mouseReleaseEvent(QMouseEvent* event) {
+    impl_->mouse.Release(*event);
+}
+
+void vsFlexGrid::mouseDoubleClickEvent(QMouseEvent* event) {
+    impl_->mouse.DoubleClick(*event);
+}
+
+void vsFlexGrid::contextMenuEvent(QContextMenuEvent* event) {
+    impl_->mouse.OpenMenu(*event);
+}
+
+// What an input method has composed is typed, too.
+void vsFlexGrid::inputMethodEvent(QInputMethodEvent* event) {
+    if (!event->commitString().isEmpty() || !event->preeditString().isEmpty()) {
+        impl_->Enter();
+        if (Editing()) {
+            QCoreApplication::sendEvent(&impl_->editing.Editor(), event);
+        }
+    }
+}
+
+void vsFlexGrid::focusInEvent(QFocusEvent* event) {
+    if (Editing()) {
+        impl_->editing.TakeFocus();
+        return;
+    }
+    QTableView::focusInEvent(event);
+    const Qt::FocusReason reason = event->reason();
+    const bool byKeyboardOrProgram =
+        reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+        reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
+    if (byKeyboardOrProgram && !impl_->editing.IsClosing()) {
+        const QScopedValueRollback arriving(impl_->arriving, true);
+        impl_->Enter();
+    }
+}
+
+void vsFlexGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    impl_->editing.End();
+    QTableView::currentChanged(current, previous);
+    setAttribute(Qt::WA_InputMethodEnabled, current.isValid() && !impl_->IsList());
+    if (current.isValid() && !impl_->selection.IsQuiet()) {
+        scrollTo(current);
+        emit EnterCell();
+    }
+    impl_->offers.UpdateNote();
+}
+
+void vsFlexGrid::changeEvent(QEvent* event) {
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange && impl_ != nullptr) {
+        impl_->columns.ApplyFont();
+    }
+}
+
+void vsFlexGrid::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    impl_->columns.FillRoom();
 }
 
 void vsFlexGrid::updateGeometries() {
     QTableView::updateGeometries();
-    PlaceEditor();
+    if (impl_ != nullptr) {
+        impl_->editing.Place();
+    }
 }
 
 void vsFlexGrid::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
-    PlaceEditor();
+    impl_->editing.Place();
+}
+
+QSize vsFlexGrid::minimumSizeHint() const {
+    constexpr int kLeastRows = 2;
+    const int headings =
+        horizontalHeader()->isVisibleTo(this) ? horizontalHeader()->sizeHint().height() : 0;
+    const int rows = kLeastRows * verticalHeader()->defaultSectionSize();
+    const QSize least = QTableView::minimumSizeHint();
+    return {least.width(), std::max(least.height(), headings + rows + 2 * frameWidth())};
 }
 
 void vsFlexGrid::CheckCell(int row, int col) const {
@@ -309,16 +633,7 @@ void vsFlexGrid::CheckCol(int col) const {
     }
 }
 
-// Without a current cell assistive technology and keyboard alike would have nothing to stand on.
-void vsFlexGrid::EnsureCurrent() {
-    const int col = impl_->navigation.NextCol(-1, 1);
-    if (Rows() == FixedRows() || col < 0) {
-        return;
-    }
-    const bool valid = currentIndex().isValid() && !ColHidden(currentIndex().column());
-    if (!valid) {
-        MoveTo(std::max(Row(), FixedRows()), col, false);
-    } else if (!impl_->anchor.isValid()) {
-        impl_->anchor = currentIndex();
-    }
+bool vsFlexGrid::IsEdited(int row, int col) const {
+    const QPersistentModelIndex& cell = impl_->editing.Cell();
+    return cell.isValid() && cell.row() == row - FixedRows() && cell.column() == col;
 }

@@ -40,23 +40,11 @@
 
 #include <QRect>
 #include <QString>
-#include <QStringList>
 #include <QTableView>
-#include <functional>
 #include <map>
 #include <memory>
-#include <vector>
 
 #include "platform/controls/GridTable.h"
-
-namespace FlexGridNotes {
-struct Cell;
-}
-namespace FlexGridPastePlan {
-struct Area;
-struct Plan;
-struct Refusal;
-}  // namespace FlexGridPastePlan
 
 class vsFlexGrid : public QTableView {
     Q_OBJECT
@@ -219,82 +207,12 @@ protected slots:
 
 private:
     class Impl;
-    class PasteGround;
 
     void CheckCell(int row, int col) const;
     void CheckCol(int col) const;
-    void EnsureCurrent();
-    void ApplyColumn(int col);
-    void ApplyFont();
+    void ConnectParts();
     void OnColumnResized(int col, int pixels);
-    [[nodiscard]] int PixelsOf(int col) const;
-    void FillRoom();
-    [[nodiscard]] int RoomLeft() const;
-    void FitFigures(int first, int last);
-    [[nodiscard]] int RoomOfFigure(int row, int col) const;
-    void ConnectEditor();
-
-    bool MoveTo(int row, int col, bool extend);
-    void SelectBlock(const QModelIndex& one, const QModelIndex& other);
-    bool MoveByKey(const QKeyEvent& event);
-    bool MoveByTab(bool forward);
-    bool TakeEditorKey(QKeyEvent* event);
-    bool TakeClipboardKey(const QKeyEvent& event);
-    [[nodiscard]] bool LeavesCell(const QKeyEvent& event) const;
-    void KeyInCell(QKeyEvent* event);
-    bool KeyInList(const QKeyEvent& event);
-    void Enter();
-    [[nodiscard]] bool IsList() const;
-
-    void PressCell(QPoint place, bool extend);
-    void MarkCell(const QModelIndex& index);
-    void PasteWithMouse(QPoint place);
-    void OpenMenu(QPoint place);
-    void SelectAllText();
-    [[nodiscard]] bool CanChangeSelection() const;
-
-    GridTable::Answer Offer(int row, int col, const QString& text);
-    void TakeAnswer(const QModelIndex& cell, const QString& typed, const GridTable::Answer& answer);
-    void BeginAction(const QString& name);
-    void EndAction();
-    void Finally(const std::function<void()>& body);
-    static void Trapped(const std::function<void()>& body);
-    void SyncRows();
-    [[nodiscard]] QString NoteOf(const QModelIndex& cell) const;
-    [[nodiscard]] QString ReadAs(const QModelIndex& cell, const QString& typed,
-                                 const QString& stored) const;
-    [[nodiscard]] FlexGridNotes::Cell NamedCell(const QModelIndex& cell) const;
-    void TellNote();
-
-    [[nodiscard]] bool TakesText(int row, int col) const;
-    [[nodiscard]] bool TakesNumber(int row, int col) const;
-    [[nodiscard]] int Longest(int col) const;
-    void PlaceEditor();
-    void SettleEdit(const QPersistentModelIndex& cell, const QString& text);
-    void OnEdited();
-    void ReportKeyUp(int key);
-    void EndEdit();
-    void CloseEditor();
-    void CancelEdit();
-    void AnnounceEditor();
-
-    void Copy();
-    void Cut();
-    void Paste();
-    void PasteText(const QString& text);
-    void PasteBlock(const std::vector<QStringList>& pasted);
-    [[nodiscard]] bool LeaveHeadingsOut(const QStringList& line) const;
-    [[nodiscard]] bool AddsRows(int count) const;
-    void CarryOut(FlexGridPastePlan::Plan& plan);
-    bool PutCell(const QPersistentModelIndex& cell, const QString& text,
-                 std::vector<FlexGridPastePlan::Refusal>& refused);
-    bool TypeIntoCell(int row, int col, const QString& text,
-                      std::vector<FlexGridPastePlan::Refusal>& refused);
-    void SelectArea(const FlexGridPastePlan::Area& area);
-    void RestoreSelection(const QList<QPersistentModelIndex>& cells);
-    void TellRefused(const std::vector<FlexGridPastePlan::Refusal>& refused);
-    [[nodiscard]] QString RefusedLine(const FlexGridPastePlan::Refusal& refusal) const;
-    [[nodiscard]] QModelIndexList SelectedCells() const;
+    [[nodiscard]] bool IsEdited(int row, int col) const;
 
     std::unique_ptr<Impl> impl_;
 };
