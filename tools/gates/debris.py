@@ -5,7 +5,18 @@ import re
 import tree
 
 TEXT = {".h", ".cpp", ".py", ".sh", ".md", ".txt", ".cmake", ".html", ".qhp", ".xml", ""}
+CODE = {".h", ".cpp"}
+# What only code looks like: whole statements, the openings and ends of blocks, declarations.
+NAME = r"[\w.:>\[\]-]+"
+STATEMENT = re.compile(
+    r"(if|for|while|switch) \(.*\)( \{)?|(\} )?else( if \(.*\))?( \{)?|[{}];?|try \{|case [\w:]+:|default:"
+    rf"|(return|throw|emit|delete|co_return)\b.*;|(break|continue);|[+-]{{2}}{NAME};|{NAME}[+-]{{2}};"
+    rf"|{NAME}\(.*\)( const)?( \{{|;)|[\w:<>*&,. >\[\]()-]+ [-+*/|&]?= .*;|#(include|define|ifn?def|endif)\b.*"
+    r"|(const |static |auto[*&]? |unsigned )+[\w:<>*& ]+[;({].*|(std::|Q[A-Z])[\w:]+(<.*>)?[*&]* \w+(;|[({=].*;)"
+    r"|(bool|int|long|char|double|float|short)[*&]* \w+(\[\d*\])?;|using \w+ = .*;|template <.*>")
+BLOCK = re.compile(r"/\*(.*)\*/")
 RULES = [
+    (re.compile(r"^\s*#\s*if\s+0\b"), "code that is switched off"),
     (re.compile(r"\b(TODO|FIXME|XXX|HACK)\b"), "unfinished work is not left in the tree"),
     (re.compile(r"NOLINT(NEXTLINE|BEGIN|END)?(?!\w|\()"), "name the check that is switched off"),
     (re.compile(r"(?i)\b(see|per|by|in|of) (part|issue|decision|section) \d"),
@@ -13,12 +24,14 @@ RULES = [
     (re.compile(r"[\"' (]/(home|root|Users)/"),
      "no path of one person's machine"),
     (re.compile(r"^(<<<<<<< |>>>>>>> )"), "a merge that was not finished"),
-    (re.compile(r"^\s*//\s*(if \(.*\{|for \(.*\{|while \(.*\{|\} else.*\{|return\b.*;"
-                r"|[\w.:>-]+\(.*\);|[\w:<>*&,. >\[\]()-]+ [-+*/|&]?= .*;|(break|continue);|#include\b.*"
-                r"|delete \w+;|(const |static |auto[*&]? )[\w:<>*& ]+[;({].*)\s*$"),
-     "code that is commented out"),
     (re.compile(r"[ \t]+$"), "blanks at the end of a line"),
 ]
+
+
+def commented_out(line):
+    """Whether a comment of the line holds code."""
+    comment = line.partition("//")[2] or "".join(BLOCK.findall(line))
+    return STATEMENT.fullmatch(comment.partition("//")[0].strip().removeprefix("/").strip()) is not None
 
 
 def main():
@@ -31,6 +44,9 @@ def main():
         except UnicodeDecodeError:
             continue
         for number, line in enumerate(lines, 1):
+            example = path.suffix == ".h" and line.startswith("//    ")
+            if path.suffix in CODE and not example and commented_out(line):
+                offenders.append(f"{tree.name(path)}:{number}: code that is commented out: {line.strip()[:80]}")
             for pattern, why in RULES:
                 if pattern.search(line):
                     offenders.append(f"{tree.name(path)}:{number}: {why}: {line.strip()[:80]}")

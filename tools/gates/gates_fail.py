@@ -9,7 +9,8 @@ from pathlib import Path
 import tree
 
 GATES = Path(__file__).resolve().parent
-# Gate, file, contents, what the gate must say of it; "" where it must be content.
+# Gate, file, contents (or several files with theirs), what the gate must say of it; "" where it must be
+# content.
 TRIALS = [
     ("layers", "datafile/Zone.cpp", '#include "worksheets/Form.h"\n', "datafile may not know worksheets"),
     ("layers", "season/read.cpp", '#include "datafile/Zone.h"\n', "season may not know datafile"),
@@ -44,6 +45,13 @@ TRIALS = [
     ("sizes", "shell/Body.cpp", "void Body() {\n" + "    Go();\n" * 20 + "}\n", ""),
     ("sizes", "shell/Body.h", "class A {\n    void Body() {\n" + "        Go();\n" * 60 + "    }\n};\n",
      "a function of 62 lines that does not say why"),
+    ("sizes", "shell/Body*",
+     {"shell/Body.h": "class Body {\n" + "    int a;\n" * 700 + "};\n",
+      "shell/BodyParts.cpp": ("void Body::Part::Go() {\n" + "    Go();\n" * 20 + "}\n") * 5},
+     "the class Body has 812 lines in all"),
+    ("sizes", "shell/Body*",
+     {"shell/Body.h": "class Body {\n" + "    int a;\n" * 350 + "};\n",
+      "shell/Other.cpp": ("void Other::Go() {\n" + "    Go();\n" * 20 + "}\n") * 5}, ""),
     ("handlers", "shell/Frame.cpp", "connect(a, &A::b, this, [this] { cmdAdd_Click(); });\n",
      "does not run under the trap"),
     ("handlers", "shell/Frame.cpp", "connect(a, &A::b, this, &Frame::cmdAdd_Click);\n",
@@ -56,7 +64,11 @@ TRIALS = [
      'connect(a, &A::b, this, Trapped("F.cmdAdd_Click", [this] { cmdAdd_Click(); }));\n', ""),
     ("waiting", "tests/shell/Frame_test.cpp", "QTest::qSleep(50);\n", "sleeps"),
     ("waiting", "tests/shell/Frame_test.cpp", "QTest::qWait(50);\n", "sleeps"),
+    ("waiting", "tests/shell/Frame_test.cpp", "using QTest::qWait;\n", "sleeps"),
+    ("waiting", "tests/shell/Frame_test.cpp", "QTimer::singleShot(500, [] {});\n", "sleeps"),
+    ("waiting", "tests/shell/Frame_test.cpp", "QDeadlineTimer over(500);\n", "looks at a clock"),
     ("waiting", "tests/gui/walk.py", "import time\n\ntime.sleep(1)\n", "sleeps"),
+    ("waiting", "tests/gui/walk.py", "from time import sleep as pause\n\npause(1)\n", "sleeps"),
     ("waiting", "tests/gui/walk.py",
      "import time\n\n\ndef wait_for(condition):\n    while not condition():\n        time.sleep(1)\n", ""),
     ("waiting", "tests/shell/Frame_test.cpp", "auto now = std::chrono::steady_clock::now();\n",
@@ -82,6 +94,15 @@ TRIALS = [
     ("debris", "shell/Rest.cpp", "// Close(file);\n", "commented out"),
     ("debris", "shell/Rest.cpp", "// const int row = grid->Rows();\n", "commented out"),
     ("debris", "shell/Rest.cpp", "    // rows = 3;\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "int a;  // emit Click();\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "// QString text = Text(row);\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "    // int a;\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "// if (row > 3) {\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "    // }\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "/* Close(file); */\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "#if 0\nint a;\n#endif\n", "switched off"),
+    ("debris", "shell/Rest.cpp", "// The row is kept;\n// its text is not (see Text).\n", ""),
+    ("debris", "shell/Rest.h", "// So it is used:\n//     Rows rows;\n//     rows.Add(3);\n", ""),
     ("debris", "shell/Rest.cpp", "int a; \n", "blanks at the end"),
     ("debris", "shell/Rest.cpp", "// As in iss" + "ue 3.\n", "give the reason itself"),
     ("debris", "README.md", "Look into /ho" + "me/ann/prep.\n", "one person's machine"),
@@ -100,10 +121,10 @@ def say(gate, name, contents):
         shutil.copytree(GATES, root / "tools/gates", ignore=shutil.ignore_patterns("__pycache__"))
         shutil.copytree(tree.ROOT / "help", root / "help")
         shutil.copy(tree.ROOT / ".clang-format", root)
-        for file in [*THERE, name]:
+        files = contents if isinstance(contents, dict) else {name: contents}
+        for file in [*THERE, *files]:
             (root / file).parent.mkdir(parents=True, exist_ok=True)
-            (root / file).write_text(contents if file == name else "#pragma once\n",
-                                     encoding="utf-8")
+            (root / file).write_text(files.get(file, "#pragma once\n"), encoding="utf-8")
         run = subprocess.run([sys.executable, "-B", root / f"tools/gates/{gate}.py"],
                              capture_output=True, text=True, check=False)
     return run.returncode, run.stdout + run.stderr

@@ -6,8 +6,10 @@ import re
 
 import tree
 
-SLEEP = re.compile(r"\b(sleep|usleep|nanosleep|msleep|sleep_for|sleep_until|qSleep|qWait)\s*\(")
-CLOCK = re.compile(r"\b(\w+_clock|QElapsedTimer|clock_gettime|gettimeofday)\b")
+SLEEP = re.compile(r"\bsleep\s*\(|\b(usleep|nanosleep|msleep|sleep_for|sleep_until|qSleep|qWait)\b"
+                   r"|\bsingleShot\s*\(\s*[1-9]|\"sleep \d")
+CLOCK = re.compile(r"\b(\w+_clock|QElapsedTimer|QDeadlineTimer|currentMSecsSinceEpoch|clock_gettime"
+                   r"|gettimeofday)\b")
 
 
 def in_code(path):
@@ -25,11 +27,13 @@ def called(node):
 
 def in_script(path):
     module = ast.parse(path.read_text(encoding="utf-8"))
+    sleeps = {"sleep"} | {alias.asname for node in ast.walk(module) if isinstance(node, ast.ImportFrom)
+                          for alias in node.names if alias.name == "sleep"}
     allowed = {id(node) for function in ast.walk(module)
                if isinstance(function, ast.FunctionDef) and function.name == "wait_for"
                for node in ast.walk(function)}
     for node in ast.walk(module):
-        if isinstance(node, ast.Call) and called(node) == "sleep" and id(node) not in allowed:
+        if isinstance(node, ast.Call) and called(node) in sleeps and id(node) not in allowed:
             yield f"{tree.name(path)}:{node.lineno}: sleeps"
 
 
