@@ -2,16 +2,14 @@
 
 #include <fstream>
 
+#include "jet/path.h"
+
 namespace jetsql {
 
 namespace {
 
 // The smaller of the two page sizes; the counters that writers raise lie within it.
 constexpr std::size_t kFirstPage = 2048;
-
-std::filesystem::path FromUtf8(const std::string& path) {
-    return {std::u8string(path.begin(), path.end())};
-}
 
 }  // namespace
 
@@ -38,7 +36,7 @@ OpenedFile::Stamp OpenedFile::Look() const {
 
 std::shared_ptr<OpenedFile> OpenedFiles::Open(const std::string& path) {
     std::error_code failed;
-    const std::filesystem::path given = FromUtf8(path);
+    const std::filesystem::path given = jet::PathOf(path);
     std::filesystem::path whole = std::filesystem::weakly_canonical(given, failed);
     if (failed) whole = given;
     std::weak_ptr<OpenedFile>& known = files_[whole];

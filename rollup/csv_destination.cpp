@@ -8,6 +8,7 @@
 #include <unordered_map>
 
 #include "jet/error.h"
+#include "jet/path.h"
 #include "rollup/csv_changes.h"
 #include "rollup/csv_folder.h"
 #include "rollup/csv_text.h"
@@ -378,8 +379,9 @@ private:
 
 std::unique_ptr<Destination> OpenCsv(const std::string& folder, const Waiting& waiting) {
     std::error_code failed;
-    const fs::path path = fs::weakly_canonical(folder, failed);
-    return std::make_unique<CsvDestination>(failed ? fs::path(folder) : path, waiting);
+    const fs::path given = jet::PathOf(folder);
+    const fs::path path = fs::weakly_canonical(given, failed);
+    return std::make_unique<CsvDestination>(failed ? given : path, waiting);
 }
 
 }  // namespace rollup

@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 
+#include "jet/path.h"
 #include "rollup/run_lock.h"
 #include "rollup/sqlite.h"
 #include "rollup/views.h"
@@ -228,7 +229,7 @@ private:
 std::unique_ptr<Destination> OpenSqlite(const std::string& file, const Waiting& waiting) {
     // Two ways to one file are one file, and one lock.
     std::error_code failed;
-    const std::filesystem::path path = std::filesystem::weakly_canonical(file, failed);
+    const std::filesystem::path path = std::filesystem::weakly_canonical(jet::PathOf(file), failed);
     return std::make_unique<SqliteDestination>(failed ? file : path.string(), waiting);
 }
 

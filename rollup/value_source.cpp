@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "jet/path.h"
 #include "rollup/csv_folder.h"
 #include "rollup/csv_text.h"
 #include "rollup/destination.h"
@@ -62,7 +63,7 @@ private:
 
 class CsvValues : public ValueSource {
 public:
-    explicit CsvValues(const std::string& path) : folder_(path) {
+    explicit CsvValues(const std::string& path) : folder_(jet::PathOf(path)) {
         if (!std::filesystem::is_directory(folder_.Path() / TableOf(TableId::kFiles).name)) {
             throw DestinationError(path + ": There is no roll-up in this folder.");
         }

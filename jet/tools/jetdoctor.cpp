@@ -10,6 +10,7 @@
 
 #include "jet/check.h"
 #include "jet/error.h"
+#include "jet/path.h"
 
 namespace {
 
@@ -23,20 +24,20 @@ int Usage() {
 }
 
 int Check(const std::string& path) {
-    const jet::CheckReport report = jet::CheckFile(path);
+    const jet::CheckReport report = jet::CheckFile(jet::PathOf(path));
     std::fputs(report.Text().c_str(), stdout);
     return report.IsSound() ? kClean : kFindings;
 }
 
 int Repair(const std::string& path, const std::string& target) {
-    const jet::RepairReport report = jet::RepairFile(path, target);
+    const jet::RepairReport report = jet::RepairFile(jet::PathOf(path), jet::PathOf(target));
     for (const std::string& loss : report.losses) {
         std::printf("%s\n", loss.c_str());
     }
     std::printf("%s: %u tables and %llu rows written, %zu remarks on losses\n", target.c_str(),
                 report.tables, static_cast<unsigned long long>(report.rowsKept),
                 report.losses.size());
-    const bool sound = jet::CheckFile(target).IsSound();
+    const bool sound = jet::CheckFile(jet::PathOf(target)).IsSound();
     if (!sound) {
         std::printf("%s is not sound\n", target.c_str());
     }

@@ -14,6 +14,7 @@
 #include "check/page_source.h"
 #include "index/index_cursor.h"
 #include "jet/error.h"
+#include "jet/path.h"
 #include "page/header.h"
 #include "parts/dump_values.h"
 #include "parts/page_words.h"
@@ -30,7 +31,8 @@ constexpr int kUnreadable = 2;
 class Opened {
 public:
     explicit Opened(const char* path)
-        : database_(jet::Database::Open(path, {.exclusive = false, .readOnly = true})) {}
+        : database_(
+              jet::Database::Open(jet::PathOf(path), {.exclusive = false, .readOnly = true})) {}
 
     jet::OpenFile& File() { return *database_->Internals().file; }
 

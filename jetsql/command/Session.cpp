@@ -4,6 +4,7 @@
 #include <cctype>
 #include <filesystem>
 
+#include "jet/path.h"
 #include "jetsql/JetTable.h"
 #include "jetsql/Values.h"
 
@@ -82,7 +83,7 @@ void Session::AddFile(const std::string& path, bool ofSeveral) {
     kept_.push_back(file);
     std::string schema = "main";
     if (ofSeveral) {
-        schema = FreeSchema(std::filesystem::path(path).stem().string());
+        schema = FreeSchema(jet::PathOf(path).stem().string());
         schemas_.insert(InLowerCase(schema));
         Execute("ATTACH ':memory:' AS " + Quoted(schema));
     }

@@ -4,13 +4,14 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "jet/path.h"
 #include "review/wording.h"
 #include "season/data_file.h"
 
 namespace fcdtool {
 
 std::filesystem::path PathOf(const std::string& word) {
-    return std::filesystem::path(word);
+    return jet::PathOf(word);
 }
 
 season::Season ReadFile(const std::string& file) {
