@@ -1,21 +1,13 @@
 #include "datafile/UnitBox.h"
 
-#include <QAction>
-#include <QContextMenuEvent>
-#include <QDropEvent>
 #include <QFocusEvent>
-#include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <QMenu>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QValidator>
 
 #include <algorithm>
 #include <utility>
-
-#include "platform/EventTrap.h"
 
 namespace {
 
@@ -61,7 +53,7 @@ private:
 };
 
 UnitBox::UnitBox(Rule rule, int length, QWidget* parent)
-    : QLineEdit(parent), rule_(rule), length_(length) {
+    : PasteBox(parent), rule_(rule), length_(length) {
     setValidator(new Filter(*this));
     setInputMethodHints(rule == Rule::kYear ? Qt::ImhDigitsOnly
                                             : Qt::ImhLatinOnly | Qt::ImhUppercaseOnly);
@@ -86,7 +78,7 @@ void UnitBox::SetProgramText(const QString& text) {
     byProgram_ = false;
 }
 
-void UnitBox::InsertKept(const QString& text) {
+void UnitBox::TakePasted(const QString& text) {
     QString kept;
     for (const QChar character : text) {
         if (const QChar filtered = Filtered(rule_, character); !filtered.isNull()) {
@@ -99,59 +91,31 @@ void UnitBox::InsertKept(const QString& text) {
     }
 }
 
-void UnitBox::Paste(QClipboard::Mode mode) {
-    InsertKept(QGuiApplication::clipboard()->text(mode));
-}
-
 void UnitBox::keyPressEvent(QKeyEvent* event) {
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::ShiftModifier;
     const QString text = event->text();
     if (event->key() == Qt::Key_Down) {
         emit DownPressed();
-    } else if (event->matches(QKeySequence::Paste)) {
-        Paste(QClipboard::Clipboard);
     } else if (modifiers != Qt::ControlModifier && !text.isEmpty() && text.front().isPrint()) {
-        InsertKept(text);
+        TakePasted(text);
     } else {
-        QLineEdit::keyPressEvent(event);
+        PasteBox::keyPressEvent(event);
     }
 }
 
 void UnitBox::inputMethodEvent(QInputMethodEvent* event) {
     const QString committed = event->commitString();
     if (committed.isEmpty()) {
-        QLineEdit::inputMethodEvent(event);
+        PasteBox::inputMethodEvent(event);
         return;
     }
     QInputMethodEvent composing(event->preeditString(), event->attributes());
-    QLineEdit::inputMethodEvent(&composing);
-    InsertKept(committed);
-}
-
-void UnitBox::dropEvent(QDropEvent* event) {
-    setCursorPosition(cursorPositionAt(event->position().toPoint()));
-    InsertKept(event->mimeData()->text());
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    setFocus();
-}
-
-void UnitBox::contextMenuEvent(QContextMenuEvent* event) {
-    QMenu* menu = createStandardContextMenu();
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    for (QAction* entry : menu->actions()) {
-        if (entry->text().startsWith(QLineEdit::tr("&Paste"))) {
-            entry->disconnect(this);
-            connect(entry, &QAction::triggered, this,
-                    platform::EventTrap::Trapped("UnitBox.Paste",
-                                                 [this](bool) { Paste(QClipboard::Clipboard); }));
-        }
-    }
-    menu->popup(event->globalPos());
+    PasteBox::inputMethodEvent(&composing);
+    TakePasted(committed);
 }
 
 void UnitBox::focusInEvent(QFocusEvent* event) {
-    QLineEdit::focusInEvent(event);
+    PasteBox::focusInEvent(event);
     if (selectsTwo_ && event->reason() != Qt::PopupFocusReason) {
         setSelection(0, 2);
         clickedIn_ = event->reason() == Qt::MouseFocusReason;
@@ -159,12 +123,7 @@ void UnitBox::focusInEvent(QFocusEvent* event) {
 }
 
 void UnitBox::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::MiddleButton && QGuiApplication::clipboard()->supportsSelection()) {
-        deselect();
-        Paste(QClipboard::Selection);
-        return;
-    }
-    QLineEdit::mouseReleaseEvent(event);
+    PasteBox::mouseReleaseEvent(event);
     // The press that brought the focus has put the cursor where it was made.
     if (std::exchange(clickedIn_, false) && !hasSelectedText()) {
         setSelection(0, 2);

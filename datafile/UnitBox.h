@@ -4,11 +4,11 @@
 // selection as they are. Texts set by the program pass as they are.
 #pragma once
 
-#include <QClipboard>
-#include <QLineEdit>
 #include <QString>
 
-class UnitBox : public QLineEdit {
+#include "platform/controls/PasteBox.h"
+
+class UnitBox : public PasteBox {
     Q_OBJECT
 
 public:
@@ -32,19 +32,15 @@ signals:
     void DownPressed();
 
 protected:
+    // Puts what the rule keeps of a text, as far as there is room, in the place of the selection.
+    void TakePasted(const QString& text) override;
     void keyPressEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
-    void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     class Filter;
-
-    void Paste(QClipboard::Mode mode);
-    // Puts what the rule keeps of a text, as far as there is room, in the place of the selection.
-    void InsertKept(const QString& text);
 
     Rule rule_;
     int length_;

@@ -3,8 +3,24 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 
+#include "platform/controls/FlexGridPastePlan.h"
+
+void TextBox::TakePasted(const QString& text) {
+    if (!refused_) {
+        PasteBox::TakePasted(text);
+        return;
+    }
+    const int room = maxLength() - static_cast<int>(this->text().size() - selectedText().size());
+    const QString typed = FlexGridPastePlan::AsTyped(text.trimmed(), true, room);
+    if (typed.size() > room) {
+        refused_();
+    } else {
+        insert(typed);
+    }
+}
+
 void TextBox::focusInEvent(QFocusEvent* event) {
-    QLineEdit::focusInEvent(event);
+    PasteBox::focusInEvent(event);
     emit GotFocus();
 }
 
@@ -14,5 +30,5 @@ void TextBox::keyPressEvent(QKeyEvent* event) {
         event->accept();
         return;
     }
-    QLineEdit::keyPressEvent(event);
+    PasteBox::keyPressEvent(event);
 }

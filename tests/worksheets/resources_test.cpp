@@ -9,6 +9,7 @@
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepProperties.h"
 #include "platform/RuntimeError.h"
+#include "platform/system/Host.h"
 #include "worksheet_fixture.h"
 #include "worksheets/resources/ResourceRecords.h"
 #include "worksheets/resources/SRDataSource.h"
@@ -407,6 +408,26 @@ TEST_F(ResourcesTest, Dialog_TellsOfAKeyThatItDiscards) {
     EXPECT_GE(Count(trace, QStringLiteral("frm3SRMasterAdd.EnableOK")), 4);
 }
 
+TEST_F(ResourcesTest, Dialog_PastedNumbers_ArriveAsTheyWereMeantOrNotAtAll) {
+    Load<frm3SRMaster>();
+    InDialog([](QWidget& dialog) {
+        auto* cue = dialog.findChild<QLabel*>(QStringLiteral("lblCostCue"));
+        QLineEdit& cost = Box(dialog, "txtCost");
+        const auto pasted = [&cost](const QString& text) {
+            platform::SetClipboardText(text);
+            cost.selectAll();
+            QTest::keySequence(&cost, QKeySequence::Paste);
+            return cost.text();
+        };
+        EXPECT_EQ(pasted(QStringLiteral("$1,450")), QStringLiteral("1450"));
+        EXPECT_EQ(pasted(QStringLiteral("1,300.00\r\n")), QStringLiteral("1300"));
+        EXPECT_FALSE(cue->isVisible());
+        EXPECT_EQ(pasted(QStringLiteral("1450.75")), QStringLiteral("1300"));
+        EXPECT_TRUE(cue->isVisible()) << "a part of it would be another number";
+        EXPECT_EQ(pasted(QStringLiteral("12.75")), QStringLiteral("12.75"));
+    });
+}
+
 TEST_F(ResourcesTest, AddedResource_IsTakenBackAndRepeated) {
     AddResources(2);
     Load<frm3SRMaster>();
@@ -507,17 +528,20 @@ TEST_F(ResourcesTest, PastedCostThatIsNoNumber_KeepsTheDialogOpen) {
     support::Answers answers;
     answers.Then([](QWidget& dialog) {
         FillDialog(dialog, QStringLiteral("New"));
-        Box(dialog, "txtCost").setText(QStringLiteral("abc"));
-        // Later, so that the message box that comes up can be answered meanwhile.
+        // Later, so that the message boxes that come up can be answered meanwhile.
         QTimer::singleShot(0, &dialog, [&dialog] {
-            Button(dialog, "cmdOK").click();
-            EXPECT_TRUE(dialog.isVisible());
+            for (const char* text : {"abc", "12,5"}) {
+                Box(dialog, "txtCost").setText(QString::fromLatin1(text));
+                Button(dialog, "cmdOK").click();
+                EXPECT_TRUE(dialog.isVisible());
+            }
             EXPECT_EQ(Box(dialog, "txtResourceName").text(), QStringLiteral("New"));
             Button(dialog, "cmdCancel").click();
         });
     });
     ClickButton("cmdAdd");
-    EXPECT_EQ(answers.Texts(), QStringList{"The cost must be a number."});
+    const QString refused = QStringLiteral("The cost must be a number.");
+    EXPECT_EQ(answers.Texts(), QStringList({refused, refused}));
     EXPECT_EQ(tblSRMasterList->RecordCount(), 0);
 }
 

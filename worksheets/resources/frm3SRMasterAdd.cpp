@@ -12,6 +12,7 @@
 #include "base/u91Trace.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
+#include "platform/controls/FlexGridPastePlan.h"
 #include "platform/controls/ScrolledPage.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/help/HelpViewer.h"
@@ -34,9 +35,14 @@ constexpr int kSelectedAtEntry = 5;  // characters
 constexpr int kHelpContextId = 31;
 constexpr int kNarrowBox = 120;  // pixels
 
+// "12,5" is no number: the conversion would read its comma as one between thousands.
 std::optional<float> CostFromText(const QString& text) {
+    const QString plain = FlexGridPastePlan::AsTyped(text.trimmed(), true, 0);
+    if (!platform::IsPlainNumber(plain)) {
+        return std::nullopt;
+    }
     try {
-        return platform::CSng(text);
+        return platform::CSng(plain);
     } catch (const platform::RuntimeError&) {
         return std::nullopt;
     }
@@ -143,6 +149,8 @@ void frm3SRMasterAdd::ConnectHandlers() {
     txtCost_->SetKeyFilter([this](const QString& typed) { return txtCost_KeyPress(typed); });
     txtPosition_->SetKeyFilter(
         [this](const QString& typed) { return txtPosition_KeyPress(typed); });
+    txtCost_->SetPastesNumbers([this] { lblCostCue_->ShowForAMoment(); });
+    txtPosition_->SetPastesNumbers([this] { lblPositionCue_->ShowForAMoment(); });
     for (QRadioButton* option : {optTime_, optItem_}) {
         const QString entry = QStringLiteral("frm3SRMasterAdd.%1_Click").arg(option->objectName());
         connect(option, &QRadioButton::clicked, this,
