@@ -130,9 +130,12 @@ void frmFCDName::ShowUnitName(const QString& name) {
     txtUnitName_->setCursorPosition(0);
 }
 
+// The third of four digits of a year stands for no year yet.
 void frmFCDName::CreateFileTitle() {
-    yearIsMissing_ = false;
-    txtFileTitle_->setText(txtUnitID_->text() + txtState_->text() + txtYear_->text());
+    const QString year = txtYear_->text();
+    yearIsMissing_ = year.size() > kYearLength;
+    txtFileTitle_->setText(yearIsMissing_ ? QString()
+                                          : txtUnitID_->text() + txtState_->text() + year);
     u91Trace::Procedure(QStringLiteral("frmFCDName.CreateFileTitle ") + txtFileTitle_->text());
 }
 

@@ -210,6 +210,18 @@ TEST_F(NamingDialogTest, Year_OfFourDigits_EndsAsTheLastTwo) {
     EXPECT_EQ(Focus(), QStringLiteral("txtYear"));
 }
 
+TEST_F(NamingDialogTest, Year_OfThreeDigits_MakesNoTitleWhateverComposesIt) {
+    Type("txtUnitID", QStringLiteral("GPF"));
+    QTest::keyClicks(dialog_->focusWidget(), QStringLiteral("202"));
+    Box("txtState")->clear();
+    Type("txtState", QStringLiteral("wa"));
+    EXPECT_EQ(Text("txtFileTitle"), QString());
+    Box("txtYear")->setFocus();
+    QTest::keyClick(Box("txtYear"), Qt::Key_End);
+    QTest::keyClicks(Box("txtYear"), QStringLiteral("7"));
+    EXPECT_EQ(Text("txtFileTitle"), QStringLiteral("GPFWA27"));
+}
+
 TEST_F(NamingDialogTest, Year_OfAnUnknownUnit_KeepsTheKeyboard) {
     Type("txtUnitID", QStringLiteral("zzz"));
     QTest::keyClicks(Box("txtUnitName"), QStringLiteral("New unit"));
