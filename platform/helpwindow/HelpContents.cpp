@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "platform/helpwindow/HelpFile.h"
+#include "platform/helpwindow/WrappedTitles.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ HelpContents::HelpContents(const QList<HelpSection>& sections, QWidget* parent)
     : QTreeWidget(parent) {
     setColumnCount(1);
     setHeaderHidden(true);
-    setUniformRowHeights(true);
+    new WrappedTitles(*this);
     QList<QTreeWidgetItem*> open{invisibleRootItem()};
     for (const HelpSection& section : sections) {
         const qsizetype depth = std::clamp<qsizetype>(section.depth, 0, open.size() - 1);

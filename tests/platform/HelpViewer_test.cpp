@@ -240,6 +240,39 @@ TEST_F(BuiltHelpTest, Tree_ShowsItsTitlesWhole) {
     }));
 }
 
+TEST_F(BuiltHelpTest, Tree_InLargeLetters_GoesOnInAnotherLineInsteadOfCuttingTitles) {
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPointSize(24);
+    QApplication::setFont(large);
+    platform::HelpViewer::ShowContents();
+    QWidget* window = HelpWindowShown();
+    ASSERT_NE(window, nullptr);
+    window->resize(700, 600);
+    auto* tree = window->findChild<QTreeView*>("lstContents");
+    ASSERT_TRUE(QTest::qWaitFor([tree] { return tree->model()->rowCount() > 0; }));
+    constexpr int kMargins = 8;
+    int wrapped = 0;
+    const auto cutTitle = [&] {
+        wrapped = 0;
+        for (QModelIndex at = tree->model()->index(0, 0); at.isValid(); at = tree->indexBelow(at)) {
+            const QRect place = tree->visualRect(at);
+            const QRect room(0, 0, place.width() - kMargins, 1000);
+            const int needed = QFontMetrics(tree->font())
+                                   .boundingRect(room, Qt::TextWordWrap, at.data().toString())
+                                   .height();
+            wrapped += needed > QFontMetrics(tree->font()).height() ? 1 : 0;
+            if (place.height() < needed) {
+                return at.data().toString();
+            }
+        }
+        return QString();
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return cutTitle().isEmpty(); })) << cutTitle().toStdString();
+    EXPECT_GT(wrapped, 3);
+    QApplication::setFont(before);
+}
+
 TEST_F(BuiltHelpTest, SearchBox_TakesTheKeyboardWhenItIsChosen) {
     platform::HelpViewer::ShowContents();
     QWidget* window = HelpWindowShown();
