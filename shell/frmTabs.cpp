@@ -3,8 +3,11 @@
 #include <QApplication>
 #include <QDir>
 #include <QEvent>
+#include <QFileInfo>
 #include <QLabel>
 #include <QShortcut>
+
+#include <algorithm>
 
 #include "base/Handle.h"
 #include "base/u91Trace.h"
@@ -100,9 +103,14 @@ void frmTabs::PlaceFile() {
     lblFile_->setVisible(!path_.isEmpty() &&
                          room >= fontMetrics().averageCharWidth() * kLeastOfFile);
     lblFile_->setGeometry(left, 0, room, height());
-    const bool whole = fontMetrics().horizontalAdvance(path_) <= room;
-    const QString shown = whole ? path_ : PrepDatafile::CurrentFileName();
-    lblFile_->setText(fontMetrics().elidedText(shown, Qt::ElideRight, room));
+    const QString name = PrepDatafile::CurrentFileName();
+    const QStringList texts{path_, name, QFileInfo(name).completeBaseName()};
+    const auto whole = std::find_if(texts.begin(), texts.end(), [&](const QString& text) {
+        return fontMetrics().horizontalAdvance(text) <= room;
+    });
+    lblFile_->setText(whole != texts.end()
+                          ? *whole
+                          : fontMetrics().elidedText(texts.last(), Qt::ElideRight, room));
 }
 
 void frmTabs::Form_Unload() {

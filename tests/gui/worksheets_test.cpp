@@ -1,6 +1,7 @@
 // The worksheet manager: the switching protocol, its refusals, and the geometry of strip and form.
 
 #include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
 
@@ -384,6 +385,10 @@ TEST_F(Worksheets, Strip_SaysWhereTheOpenFileLies) {
     EXPECT_TRUE(file.isVisible());
     EXPECT_EQ(file.text(), QDir::toNativeSeparators(PrepDatafile::CurrentPath()));
     EXPECT_GT(file.x(), Tab().tabRect(6).right());
+    const QString name = PrepDatafile::CurrentFileName();
+    const int tabs = file.x();
+    ResizeClientTo(tabs + file.fontMetrics().horizontalAdvance(name), 500);
+    EXPECT_EQ(file.text(), QFileInfo(name).completeBaseName()) << "no cut name";
     ResizeClientTo(600, 500);
     EXPECT_FALSE(file.isVisible()) << "no room beside the tabs";
 }
