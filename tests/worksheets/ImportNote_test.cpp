@@ -20,7 +20,7 @@ TEST(ImportNote, LocationsWithoutATable_AreNamedByZone) {
                           .locations = 5,
                           .blanks = {{north, 2}, {north, 3}, {QStringLiteral("B2-Valley"), 1}}}),
         QStringLiteral("Imported: 2 zones with 5 locations. 3 locations were filled with zeros, "
-                       "because the file has no tables for them: A1-North 2, 3; B2-Valley 1."));
+                       "because the file has no tables for them: A1-North (2, 3); B2-Valley (1)."));
 }
 
 TEST(ImportNote, ManyZones_AreNotAllNamed) {
@@ -29,7 +29,7 @@ TEST(ImportNote, ManyZones_AreNotAllNamed) {
         imported.blanks.push_back({QStringLiteral("Z%1").arg(zone), 1});
     }
     const QString text = ImportNote::Text(imported);
-    EXPECT_TRUE(text.contains(QStringLiteral("Z10 1; 20 more zones.")));
+    EXPECT_TRUE(text.contains(QStringLiteral("Z10 (1); 20 more zones.")));
     EXPECT_FALSE(text.contains(QStringLiteral("Z11")));
 }
 

@@ -18,18 +18,16 @@ QString Number(int count, const QString& one, const QString& many) {
     return count == 1 ? one : many.arg(count);
 }
 
-// "A1-North 2, 3" for each zone.
+// "A1-North (2, 3)" for each zone: names may end in numbers, too.
 QStringList ByZone(const std::vector<mImport::Imported::Blank>& blanks) {
     QStringList zones;
-    const QString* zone = nullptr;
-    for (const auto& blank : blanks) {
-        const QString number = QString::number(blank.location);
-        if (zone != nullptr && *zone == blank.zone) {
-            zones.last() += QStringLiteral(", ") + number;
-        } else {
-            zones += blank.zone + QStringLiteral(" ") + number;
+    for (auto blank = blanks.begin(); blank != blanks.end();) {
+        const QString& zone = blank->zone;
+        QStringList locations;
+        for (; blank != blanks.end() && blank->zone == zone; ++blank) {
+            locations += QString::number(blank->location);
         }
-        zone = &blank.zone;
+        zones += QStringLiteral("%1 (%2)").arg(zone, locations.join(QStringLiteral(", ")));
     }
     return zones;
 }
