@@ -16,6 +16,7 @@
 #include <optional>
 #include <random>
 
+#include "WalkSeed.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/GridTable.h"
 #include "platform/system/Host.h"
@@ -303,7 +304,7 @@ private:
         return QStringLiteral("step %1: %2; ").arg(step_).arg(did_).toStdString();
     }
 
-    std::mt19937 random_{20261121};
+    std::mt19937 random_{WalkSeed()};
     const WalkedSheet* sheet_ = nullptr;
     vsFlexGrid* grid_ = nullptr;
     int step_ = 0;

@@ -12,6 +12,7 @@
 #include <functional>
 #include <random>
 
+#include "WalkSeed.h"
 #include "datafile/FieldReaders.h"
 #include "platform/text/Numbers.h"
 #include "worksheet_fixture.h"
@@ -197,7 +198,7 @@ protected:
         }
     }
 
-    std::mt19937 random_{20261121};
+    std::mt19937 random_{WalkSeed()};
     std::function<void()> compare_;
     QStringList screenAtStart_;
     QStringList fileAtStart_;
