@@ -8,6 +8,7 @@
 #include "RunningProgram.h"
 #include "datafile/PrepDatatables.h"
 #include "datafile/PrepProperties.h"
+#include "platform/controls/vsFlexGrid.h"
 #include "shell/frmTabs.h"
 #include "worksheets/zones/ZoneRecords.h"
 
@@ -391,6 +392,24 @@ TEST_F(Worksheets, Strip_SaysWhereTheOpenFileLies) {
     EXPECT_EQ(file.text(), QFileInfo(name).completeBaseName()) << "no cut name";
     ResizeClientTo(600, 500);
     EXPECT_FALSE(file.isVisible()) << "no room beside the tabs";
+}
+
+TEST_F(Worksheets, Import_SaysWhatCameAndShowsTheFirstNewZone) {
+    RunWithFile();
+    for (int zone = 0; zone < 40; ++zone) {
+        ZoneRecords::Create(QStringLiteral("Zone"), 1);
+    }
+    ClickTab(4);
+    support::Answers answers;
+    const QString source = support::BuiltFolder() + QStringLiteral("/Costs/BRAM0000.mdb");
+    answers.Then([source](QWidget& dialog) { ChooseFile(dialog, source); });
+    Click(QStringLiteral("cmdImport"));
+    const auto& note = Get<QLabel>(QStringLiteral("lblNote"));
+    EXPECT_TRUE(note.isVisible());
+    EXPECT_EQ(note.text(), "Imported: 3 zones with 6 locations.");
+    const auto& zones = Get<vsFlexGrid>(QStringLiteral("grdFMZs"));
+    EXPECT_EQ(zones.Row(), 41);
+    EXPECT_TRUE(zones.viewport()->rect().contains(zones.visualRect(zones.currentIndex())));
 }
 
 }  // namespace

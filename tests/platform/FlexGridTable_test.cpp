@@ -191,6 +191,21 @@ TEST_F(FlexGridTable, BlockPastedOrCleared_IsOneAction) {
     EXPECT_EQ(grid_->CellNote(2, 1), "");
 }
 
+TEST_F(FlexGridTable, CellsCutAndPastedAtOnce_AreAsBefore) {
+    EditTo(2, 1, QStringLiteral("7"));
+    EditTo(2, 2, QStringLiteral("8"));
+    ClickCell(2, 1);
+    Key(Qt::Key_Escape);
+    Key(Qt::Key_Right, Qt::ShiftModifier);
+    Key(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(table_.Value(2, 1), 0);
+    EXPECT_EQ(table_.Value(2, 2), 0);
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(table_.Value(2, 1), 7);
+    EXPECT_EQ(table_.Value(2, 2), 8);
+    EXPECT_EQ(table_.Value(2, 3), 0);
+}
+
 TEST_F(FlexGridTable, Tab_PassesCellsThatRefuseAndColumnsWithoutStops) {
     table_.refuses = [](int, int col) { return col == 2; };
     ClickCell(1, 1);
