@@ -278,6 +278,92 @@ TEST_P(FaultTest, RecoveryStops_AtAnyStep_TheNextOneCompletesIt) {
     }
 }
 
+// Writes all of four pages anew.
+void ChangeMuch(Pager& pager, std::mt19937& draw) {
+    Operation operation(pager);
+    for (std::uint32_t page = 2; page < 6; ++page) {
+        for (std::byte& byte : operation.Change(PageNumber{page})) {
+            byte = static_cast<std::byte>(draw());
+        }
+    }
+    operation.Commit();
+}
+
+// Gives false when the run has no such step.
+bool StopAtCutWrite(FaultFileSystem& files, int step, int thousandths, Snapshot& expected) {
+    const auto pager = OpenFile(files);
+    std::mt19937 draw(3);
+    ChangeMuch(*pager, draw);
+    expected = Take(*pager);
+    files.CutAt(thousandths);
+    files.Arm(Fault::kStopHalfDone, step);
+    try {
+        pager->MakeDurable();
+    } catch (const Error&) {
+        EXPECT_TRUE(files.HasStopped());
+    }
+    return files.HasStopped();
+}
+
+TEST_P(JournalTest, Write_CutAtAnyByteByTheEndOfTheProcess_IsRecovered) {
+    int cuts = 0;
+    for (int step = 1;; ++step) {
+        bool stopped = false;
+        for (int thousandths = 1; thousandths < 1000; thousandths += 37) {
+            const auto files = files_.Copy();
+            Snapshot expected;
+            stopped = StopAtCutWrite(*files, step, thousandths, expected);
+            if (!stopped) break;
+            ++cuts;
+            files->Restart();
+            Recovery recovery;
+            const auto pager = OpenFile(*files, &recovery);
+            ASSERT_EQ(Take(*pager), expected) << "step " << step << ", " << thousandths;
+            EXPECT_FALSE(recovery.foreignLogIgnored);
+        }
+        if (!stopped) break;
+    }
+    EXPECT_GT(cuts, 100);
+}
+
+// The counter that the file has, were its bytes written one by one.
+TEST_P(JournalTest, Write_CutWithinTheCommitCounter_IsRecovered) {
+    const std::size_t counterAt = CommitCounterOffset(FormatOf(GetParam()));
+    std::vector<std::byte> file = files_.Contents(kFile);
+    WriteU16(file, counterAt, 0x01FF);
+    files_.SetContents(kFile, file);
+    Snapshot expected;
+    ASSERT_TRUE(StopAtCutWrite(files_, 3, 0, expected));
+    files_.Restart();
+    file = files_.Contents(kFile);
+    ASSERT_EQ(ReadU16(file, counterAt), 0x01FF);
+    WriteU16(file, counterAt, 0x0100);
+    files_.SetContents(kFile, file);
+    Recovery recovery;
+    const auto pager = OpenFile(files_, &recovery);
+    EXPECT_TRUE(recovery.applied);
+    EXPECT_EQ(Take(*pager), expected);
+}
+
+TEST_P(JournalTest, Log_BesideAFileOfWhichOnePieceIsAnothers_IsSetAside) {
+    Snapshot expected;
+    ASSERT_TRUE(StopAtCutWrite(files_, 3, 900, expected));
+    files_.Restart();
+    const auto file = files_.Contents(kFile);
+    const auto log = files_.Contents(kLog);
+    const std::size_t page = FormatOf(GetParam()).pageSize;
+    for (const std::size_t at : {3 * page + 5, 3 * page + 600, 5 * page - 1}) {
+        FaultFileSystem files;
+        auto other = file;
+        other[at] ^= std::byte{0x55};
+        files.SetContents(kFile, other);
+        files.SetContents(kLog, log);
+        Recovery recovery;
+        OpenFile(files, &recovery)->Close();
+        EXPECT_TRUE(recovery.foreignLogIgnored) << "at " << at;
+    }
+}
+
 TEST_P(FaultTest, FullDisk_FromAnyStepOn_LosesNothingToldAndGoesOnWhenThereIsRoom) {
     tarn_test::FailAtEveryStep(
         files_, {Fault::kFullDisk},

@@ -50,6 +50,7 @@ struct FaultFileSystem::State {
     std::vector<Folder> sinceFlush;  // states of the folder that the medium may have
     std::map<int, Fault> faults;     // by step
     int readFaultAt = 0;
+    std::size_t cutAt = 500;  // thousandths
     int steps = 0;
     int flushes = 0;
     int reads = 0;
@@ -117,7 +118,7 @@ public:
             }
             Apply(offset, from.first(size));
         };
-        state_->Step([&] { put(from.size()); }, [&] { put(from.size() / 2); });
+        state_->Step([&] { put(from.size()); }, [&] { put(from.size() * state_->cutAt / 1000); });
     }
 
     std::uint64_t Size() override {
@@ -216,6 +217,10 @@ void FaultFileSystem::Arm(Fault fault, int at) {
 
 void FaultFileSystem::AlsoArm(Fault fault, int at) {
     if (fault != Fault::kNone) state_->faults[at] = fault;
+}
+
+void FaultFileSystem::CutAt(int thousandths) {
+    state_->cutAt = static_cast<std::size_t>(thousandths);
 }
 
 void FaultFileSystem::ArmReading(int at) {

@@ -36,6 +36,8 @@ public:
     void Arm(Fault fault, int at);
     // One more, later in the same count.
     void AlsoArm(Fault fault, int at);
+    // Of a write that is cut short, so many thousandths are there; half of it unless told.
+    void CutAt(int thousandths);
     // Reading fails at the call with this number; 0 for never.
     void ArmReading(int at);
     // There is room on the disk again, and reading works.

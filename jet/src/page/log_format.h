@@ -50,7 +50,9 @@
 //   there, and writing the ranges once more mends the page. With the former bytes put back into the
 //   ranges the page must have the checksum that it had.
 // - A page that changed by much is there anew as a whole, which mends it whatever the mixture is.
-//   Each piece must have its former checksum or else be made of bytes that the log put there.
+//   Each piece must have its former checksum or else be made of bytes that the log put there. The
+//   end of a process can cut one write at any byte: while a checkpoint goes on, one piece of all
+//   may begin with bytes of the log and end with former ones, which no checksum tells.
 //
 // A transaction is one commit record, written by one write. One that outgrows the memory that it
 // may take writes whole pages in parts before it; parts that no commit follows count for nothing.

@@ -70,8 +70,7 @@ void LogReplay::FindCommittedEnd(LogReader reader) {
 bool LogReplay::Apply(const LogReader& reader) {
     switch (reader.Kind()) {
         case LogRecordKind::kCheckpoint:
-            position_.lastCounter = static_cast<std::uint16_t>(reader.Value());
-            counterFits_ = counterFits_ || position_.lastCounter == commitCounter_;
+            NoteCheckpoint(static_cast<std::uint16_t>(reader.Value()));
             return true;
         case LogRecordKind::kCommit:
             ++position_.operations;
@@ -81,6 +80,15 @@ bool LogReplay::Apply(const LogReader& reader) {
             return ApplyPages(reader);
     }
     return false;
+}
+
+// A write that was cut between the two bytes of the counter leaves the lower one of the new value.
+void LogReplay::NoteCheckpoint(std::uint16_t counter) {
+    const auto cut =
+        static_cast<std::uint16_t>((position_.lastCounter & 0xFF00U) | (counter & 0x00FFU));
+    position_.lastCounter = counter;
+    isInCheckpoint_ = isInCheckpoint_ || commitCounter_ == counter || commitCounter_ == cut;
+    counterFits_ = counterFits_ || isInCheckpoint_;
 }
 
 bool LogReplay::ApplyPages(const LogReader& reader) {
@@ -191,6 +199,8 @@ void LogReplay::ExplainPieces(LoggedPage& page, Bytes sums) {
             ReadU64(sums, at / kLogPiece * sizeof(std::uint64_t))) {
             std::fill_n(page.known.begin() + static_cast<std::ptrdiff_t>(at), kLogPiece,
                         kExplained);
+        } else {
+            page.formerFrom = at + kLogPiece;
         }
     }
     ForgetWhenExplained(page);
@@ -263,14 +273,30 @@ void LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, st
     std::copy(bytes.begin(), bytes.end(), page.image.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
+bool LogReplay::IsExplained(const LoggedPage& page) {
+    if (page.base.empty()) return page.known.empty();
+    return Checksum(page.base, 0) == page.sum &&
+           std::find(page.known.begin(), page.known.end(), kUnexplained) == page.known.end();
+}
+
+// Whether the page may be one that was being written when the write was cut: up to somewhere in one
+// piece it is as it was to be, and behind that piece as it was.
+bool LogReplay::IsCutWrite(const LoggedPage& page) {
+    if (page.formerFrom == 0) return false;
+    const std::size_t piece = page.formerFrom - kLogPiece;
+    const auto first = std::find(page.known.begin(), page.known.end(), kUnexplained);
+    return static_cast<std::size_t>(first - page.known.begin()) > piece;
+}
+
+// A write can be cut at any byte, but only one of them, and only while the file was written.
 bool LogReplay::Belongs() const {
     if (!counterFits_ || dataSize_ > std::uint64_t{pageCount_} * format_.pageSize) return false;
-    return std::all_of(pages_.begin(), pages_.end(), [](const auto& entry) {
-        const LoggedPage& page = entry.second;
-        if (page.base.empty()) return page.known.empty();
-        return Checksum(page.base, 0) == page.sum &&
-               std::find(page.known.begin(), page.known.end(), kUnexplained) == page.known.end();
-    });
+    int cut = 0;
+    for (const auto& [number, page] : pages_) {
+        if (IsExplained(page)) continue;
+        if (!isInCheckpoint_ || !IsCutWrite(page) || ++cut > 1) return false;
+    }
+    return true;
 }
 
 void LogReplay::CopyPage(const LoggedPage& page, MutableBytes into) const {

@@ -34,6 +34,8 @@ public:
         // it: that page, as far as it is known yet, and its checksum.
         std::vector<std::byte> base;
         std::uint64_t sum = 0;
+        // Of a page that is logged by pieces: from here on it is as the log began with it.
+        std::size_t formerFrom = 0;
     };
 
     enum class Finding {
@@ -61,6 +63,7 @@ public:
 private:
     void FindCommittedEnd(LogReader reader);
     bool Apply(const LogReader& reader);
+    void NoteCheckpoint(std::uint16_t counter);
     bool ApplyPages(const LogReader& reader);
     LoggedPage* FindPage(PageNumber page, LogBase base, Bytes brought);
     LoggedPage* StartPage(PageNumber page, LogBase base, Bytes brought);
@@ -72,6 +75,8 @@ private:
     void ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place);
     static void Explain(LoggedPage& page, std::size_t offset, Bytes bytes);
     static void ForgetWhenExplained(LoggedPage& page);
+    [[nodiscard]] static bool IsExplained(const LoggedPage& page);
+    [[nodiscard]] static bool IsCutWrite(const LoggedPage& page);
     [[nodiscard]] bool Belongs() const;
 
     File& dataFile_;
@@ -82,6 +87,7 @@ private:
     std::uint64_t dataSize_;
     LogHeader header_;
     bool counterFits_ = false;
+    bool isInCheckpoint_ = false;  // the file has the counter of one
     std::uint32_t pageCount_ = 0;
     std::uint64_t committedEnd_ = 0;
     std::uint64_t discardedBytes_ = 0;
