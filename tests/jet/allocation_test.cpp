@@ -237,6 +237,28 @@ TEST_P(AllocationTest, Transaction_WithoutMemory_LeavesTheFileAsItWas) {
     });
 }
 
+TEST_P(AllocationTest, TransactionOfAHundredRows_WithoutMemory_LeavesTheFileAsItWas) {
+    const auto rows = database_->OpenTable("People");
+    rows->SetIndex("PrimaryKey");
+    const Value memo = Text(700, u'm');
+    FailEachOfChange([&] {
+        Transaction transaction = database_->Begin();
+        for (std::int32_t id = 100; id < 140; ++id) Add(*rows, id, name_, memo);
+        for (std::int32_t id = 1; id <= 60; ++id) {
+            rows->Seek(Comparison::kEqual, {id});
+            if (id > 40) {
+                rows->Delete();
+                continue;
+            }
+            rows->Edit();
+            rows->Set("Name", name_);
+            rows->Set("Remarks", memo);
+            rows->Update();
+        }
+        transaction.Commit();
+    });
+}
+
 TEST_P(AllocationTest, RowInATransaction_WithoutMemory_IsUndoneAlone) {
     const auto rows = database_->OpenTable("People");
     Transaction transaction = database_->Begin();
