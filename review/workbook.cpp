@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -98,22 +97,32 @@ std::size_t CountOf(std::string_view text, std::string_view part) {
     return number;
 }
 
+// Whether the element that holds all others is closed at the end.
+bool IsWholeXml(std::string_view text) {
+    const std::size_t declared = text.find("?>");
+    const std::size_t root = text.find('<', declared == std::string_view::npos ? 0 : declared);
+    const std::size_t last = text.rfind("</");
+    if (root == std::string_view::npos || last == std::string_view::npos) {
+        return false;
+    }
+    const std::string_view begun = text.substr(root + 1);
+    const std::string closing =
+        "</" + std::string(begun.substr(0, begun.find_first_of(" >"))) + ">";
+    return text.substr(last, text.find_last_not_of("\r\n") + 1 - last) == closing;
+}
+
 // The library writes sheets to temporary files first and does not notice when there is no room for
-// them: so it is looked at what came out.
+// them: so what came out is read back.
 void RequireWhole(const std::filesystem::path& path, const std::vector<std::size_t>& cells) {
-    std::ifstream in(path, std::ios::binary);
-    const std::string zip{std::istreambuf_iterator<char>(in), {}};
     std::size_t sheets = 0;
-    const bool isWhole = EachZipMember(zip, [&](std::string_view name, const std::string& text) {
+    const bool isWhole = EachZipMember(path, [&](const std::string& name, const std::string& text) {
         constexpr std::string_view kSheets = "xl/worksheets/sheet";
         if (!name.starts_with(kSheets)) {
-            return text.find_last_of('>') != std::string::npos &&
-                   text.find_first_not_of("\r\n", text.find_last_of('>') + 1) == std::string::npos;
+            return IsWholeXml(text);
         }
-        const std::size_t number =
-            std::stoul(std::string(name.substr(kSheets.size(), name.find('.') - kSheets.size())));
+        const std::size_t number = std::stoul(name.substr(kSheets.size()));
         ++sheets;
-        return number >= 1 && number <= cells.size() && text.ends_with("</worksheet>") &&
+        return number >= 1 && number <= cells.size() && IsWholeXml(text) &&
                CountOf(text, "<c r=") == cells[number - 1];
     });
     if (!isWhole || sheets != cells.size()) {

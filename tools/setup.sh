@@ -11,7 +11,7 @@
 set -eu
 
 build="make cmake ninja-build g++ qt6-base-dev qt6-tools-dev qt6-documentation-tools qt6-l10n-tools
- libqt6sql6-sqlite libxlsxwriter-dev libqcustomplot-dev libgtest-dev libgmock-dev zlib1g-dev libsqlite3-dev libssl-dev libpq-dev xvfb fonts-dejavu-core python3"
+ libqt6sql6-sqlite libxlsxwriter-dev libminizip-dev libqcustomplot-dev libgtest-dev libgmock-dev zlib1g-dev libsqlite3-dev libssl-dev libpq-dev xvfb fonts-dejavu-core python3"
 package="dpkg-dev fakeroot"
 test="ccache clang clang-tidy clang-format libclang-rt-14-dev mdbtools shellcheck
  pkg-config poppler-utils
