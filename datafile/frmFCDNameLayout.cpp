@@ -13,6 +13,7 @@
 #include "datafile/UnitBox.h"
 #include "datafile/frmFCDName.h"
 #include "platform/controls/FontScale.h"
+#include "platform/controls/Named.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/ScrolledPage.h"
 #include "platform/controls/vsFlexGrid.h"
@@ -62,11 +63,6 @@ void SetBoxWidth(QLineEdit* box, int characters) {
     box->setFixedWidth(room + box->fontMetrics().averageCharWidth() * 3);
 }
 
-void Name(QWidget* control, const char* name, const QString& accessibleName) {
-    control->setObjectName(QString::fromLatin1(name));
-    control->setAccessibleName(accessibleName);
-}
-
 }  // namespace
 
 frmFCDName::frmFCDName(QWidget* frame) : QDialog(frame) {
@@ -107,15 +103,15 @@ void frmFCDName::CreateControls() {
 }
 
 void frmFCDName::NameControls() {
-    Name(txtUnitID_, "txtUnitID", tr("Unit identifier"));
-    Name(txtUnitName_, "txtUnitName", tr("Unit name"));
-    Name(txtState_, "txtState", tr("State abbreviation"));
-    Name(txtYear_, "txtYear", tr("Year, two digits"));
-    Name(txtFileTitle_, "txtFileTitle", tr("File name"));
-    Name(Panel3D1_, "Panel3D1", tr("ID Finder"));
-    Name(grdUnits_, "grdUnits", tr("ID Finder: units that match"));
-    Name(cmdOK_, "cmdOK", tr("OK"));
-    Name(cmdCancel_, "cmdCancel", tr("Cancel"));
+    platform::Name(*txtUnitID_, "txtUnitID", tr("Unit identifier"));
+    platform::Name(*txtUnitName_, "txtUnitName", tr("Unit name"));
+    platform::Name(*txtState_, "txtState", tr("State abbreviation"));
+    platform::Name(*txtYear_, "txtYear", tr("Year, two digits"));
+    platform::Name(*txtFileTitle_, "txtFileTitle", tr("File name"));
+    platform::Name(*Panel3D1_, "Panel3D1", tr("ID Finder"));
+    platform::Name(*grdUnits_, "grdUnits", tr("ID Finder: units that match"));
+    platform::Name(*cmdOK_, "cmdOK", tr("OK"));
+    platform::Name(*cmdCancel_, "cmdCancel", tr("Cancel"));
 }
 
 // What depends on the font.
@@ -215,7 +211,7 @@ QLayout* frmFCDName::LayOutQuestions() {
 
     column->addStretch();
     auto* result = new SSPanel(this);
-    Name(result, "pnlFileName", tr("File name"));
+    platform::Name(*result, "pnlFileName", tr("File name"));
     result->setLayout(LayOutTitleRow());
     column->addWidget(result);
     return column;

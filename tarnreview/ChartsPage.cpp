@@ -53,14 +53,11 @@ QWidget* ChartsPage::BuildChoices() {
     auto* across = new QHBoxLayout(row);
     across->setContentsMargins(0, 0, 0, 0);
     const auto add = [&](const char* name, const QString& caption) {
-        auto* label = new QLabel(caption, row);
-        QString heard = caption;
-        heard.remove(QLatin1Char('&'));
-        Parts::Name(*label, name[3] == 'Z' ? "lblZone" : "lblLocation", heard);
+        QLabel* label =
+            platform::NamedLabel(row, (QByteArray("lbl") + (name + 3)).constData(), caption);
         auto* box = new QComboBox(row);
-        Parts::Name(*box, name, heard);
+        platform::NameByLabel(*box, name, *label);
         box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-        label->setBuddy(box);
         across->addWidget(label);
         across->addWidget(box);
         return box;

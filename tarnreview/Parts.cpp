@@ -22,16 +22,9 @@ constexpr double kShare = 0.45;  // of the grid's width, the most that one of it
 
 }  // namespace
 
-void Name(QWidget& control, const char* name, const QString& accessibleName) {
-    control.setObjectName(QString::fromLatin1(name));
-    control.setAccessibleName(accessibleName);
-}
-
 QPushButton* Button(QWidget* parent, const char* name, const QString& caption, const QString& tip) {
     auto* button = new QPushButton(caption, parent);
-    QString heard = caption;
-    heard.remove(QLatin1Char('&')).remove(QStringLiteral("..."));
-    Name(*button, name, heard);
+    Name(*button, name, platform::Spoken(caption));
     button->setToolTip(tip);
     button->setAccessibleDescription(tip);
     return button;

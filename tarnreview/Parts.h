@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/controls/Named.h"
+
 class QLabel;
 class QPushButton;
 class QWidget;
@@ -18,8 +20,7 @@ inline QString Text(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-// Names a control for the program and for people who hear the screen.
-void Name(QWidget& control, const char* name, const QString& accessibleName);
+using platform::Name;
 QPushButton* Button(QWidget* parent, const char* name, const QString& caption, const QString& tip);
 // Plain text that wraps and can be copied.
 QLabel* Words(QWidget* parent, const char* name, const QString& accessibleName);

@@ -38,13 +38,11 @@ ReportPage::ReportPage(const ReviewCase& reviewed, QWidget* parent)
       txtReport_(new ReportText(this)) {
     platform::SetHelpContextId(*this, kHelpContextId);
     Parts::Name(*this, "pageReport", tr("Report"));
-    Parts::Name(*cboPart_, "cboPart", tr("Part of the report"));
+    QLabel* label = platform::NamedLabel(this, "lblPart", tr("P&art of the report"));
+    platform::NameByLabel(*cboPart_, "cboPart", *label);
     cboPart_->setMinimumContentsLength(kShownOfPart);
     cboPart_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     Parts::Name(*txtReport_, "txtReport", tr("Report"));
-    auto* label = new QLabel(tr("P&art"), this);
-    Parts::Name(*label, "lblPart", tr("Part"));
-    label->setBuddy(cboPart_);
     auto* across = new QHBoxLayout;
     across->addWidget(label);
     across->addWidget(cboPart_);

@@ -33,16 +33,12 @@ frmNewYear::frmNewYear(const season::Season& season, QWidget* parent)
     Parts::Name(*this, "frmNewYear", tr("New Year"));
     setWindowTitle(tr("New Year's File"));
     platform::SetHelpContextId(*this, kHelpContextId);
-    auto* lblYear = new QLabel(tr("&Year, last two digits"), this);
-    Parts::Name(*lblYear, "lblYear", tr("Year, last two digits"));
-    Parts::Name(*txtYear_, "txtYear", tr("Year, last two digits"));
-    lblYear->setBuddy(txtYear_);
+    QLabel* lblYear = platform::NamedLabel(this, "lblYear", tr("&Year, last two digits"));
+    platform::NameByLabel(*txtYear_, "txtYear", *lblYear);
     txtYear_->setRange(0, kYears - 1);
     txtYear_->setValue(NextYearOf(season));
-    auto* lblZones = new QLabel(tr("&Zones of the new file"), this);
-    Parts::Name(*lblZones, "lblZones", tr("Zones of the new file"));
-    Parts::Name(*lstZones_, "lstZones", tr("Zones of the new file"));
-    lblZones->setBuddy(lstZones_);
+    QLabel* lblZones = platform::NamedLabel(this, "lblZones", tr("&Zones of the new file"));
+    platform::NameByLabel(*lstZones_, "lstZones", *lblZones);
     for (const season::Zone& zone : season.zones) {
         auto* item =
             new QListWidgetItem(Parts::Text(std::string(season::Words(zone.name))), lstZones_);

@@ -170,11 +170,9 @@ void WorksheetPage::changeEvent(QEvent* event) {
 namespace PageParts {
 
 QLabel* Label(QWidget* parent, const char* name, const QString& text) {
-    auto* label = new QLabel(parent);
+    QLabel* label = platform::NamedLabel(parent, name, text);
     label->setTextFormat(Qt::PlainText);
-    label->setText(text);
     label->setProperty("Caption", text);
-    Name(*label, name, QString(text).remove(QLatin1Char('&')));
     return label;
 }
 
@@ -184,17 +182,10 @@ QLabel* Instruction(QWidget* parent, const char* name, const QString& text) {
     return label;
 }
 
-void Name(QWidget& control, const char* name, const QString& accessibleName) {
-    control.setObjectName(QString::fromLatin1(name));
-    control.setAccessibleName(accessibleName);
-}
-
 ChoiceBox* Choice(QWidget* parent, const char* name, QLabel& label, int characters) {
     auto* box = new ChoiceBox(characters, parent);
-    const QString heard = label.accessibleName();
-    Name(*box, name, heard);
-    box->view()->setAccessibleName(heard);
-    label.setBuddy(box);
+    platform::NameByLabel(*box, name, label);
+    box->view()->setAccessibleName(box->accessibleName());
     return box;
 }
 

@@ -8,6 +8,7 @@
 #include <functional>
 #include <utility>
 
+#include "platform/controls/Named.h"
 #include "worksheets/Worksheet.h"
 #include "worksheets/undo/UndoHistory.h"
 
@@ -102,8 +103,7 @@ inline constexpr int kShownOfZone = 28;
 QLabel* Label(QWidget* parent, const char* name, const QString& text);
 // The same for longer explanations: wraps its lines.
 QLabel* Instruction(QWidget* parent, const char* name, const QString& text);
-// Names a control for the program and for people who hear the screen.
-void Name(QWidget& control, const char* name, const QString& accessibleName);
+using platform::Name;
 // A combo box that belongs to a label and is named like it; `characters`: how many it has room for.
 ChoiceBox* Choice(QWidget* parent, const char* name, QLabel& label, int characters);
 // Makes an item current without telling anybody.

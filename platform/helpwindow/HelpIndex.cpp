@@ -7,6 +7,7 @@
 #include <QStandardItemModel>
 #include <QVBoxLayout>
 
+#include "platform/controls/Named.h"
 #include "platform/helpwindow/HelpFile.h"
 
 namespace {
@@ -29,14 +30,10 @@ HelpIndex::HelpIndex(const QList<HelpKeyword>& index, QWidget* parent)
     }
     shown_->setSourceModel(words);
     shown_->setFilterCaseSensitivity(Qt::CaseInsensitive);
-    auto* label = new QLabel(tr("L&ook for:"), this);
-    label->setObjectName(QStringLiteral("lblIndex"));
-    label->setBuddy(text_);
-    text_->setObjectName(QStringLiteral("txtIndex"));
-    text_->setAccessibleName(tr("Look for"));
+    QLabel* label = platform::NamedLabel(this, "lblIndex", tr("L&ook for:"));
+    platform::NameByLabel(*text_, "txtIndex", *label);
     text_->setClearButtonEnabled(true);
-    list_->setObjectName(QStringLiteral("lstIndex"));
-    list_->setAccessibleName(tr("Index"));
+    platform::Name(*list_, "lstIndex", tr("Index"));
     list_->setModel(shown_);
     list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     list_->setUniformItemSizes(true);

@@ -5,6 +5,7 @@
 #include <QListWidget>
 #include <QVBoxLayout>
 
+#include "platform/controls/Named.h"
 #include "platform/helpwindow/HelpFile.h"
 
 namespace {
@@ -21,11 +22,8 @@ HelpSearch::HelpSearch(const HelpFile& file, QWidget* parent)
       found_(new QListWidget(this)) {
     auto* query = new QWidget(this);
     query->setObjectName(QStringLiteral("pnlQuery"));
-    auto* label = new QLabel(tr("&Words to find:"), query);
-    label->setObjectName(QStringLiteral("lblQuery"));
-    label->setBuddy(words_);
-    words_->setObjectName(QStringLiteral("txtQuery"));
-    words_->setAccessibleName(tr("Words to find"));
+    QLabel* label = platform::NamedLabel(query, "lblQuery", tr("&Words to find:"));
+    platform::NameByLabel(*words_, "txtQuery", *label);
     words_->setClearButtonEnabled(true);
     auto* asking = new QVBoxLayout(query);
     asking->setContentsMargins(0, 0, 0, 0);
@@ -33,8 +31,7 @@ HelpSearch::HelpSearch(const HelpFile& file, QWidget* parent)
     asking->addWidget(words_);
     count_->setObjectName(QStringLiteral("lblFound"));
     count_->setWordWrap(true);
-    found_->setObjectName(QStringLiteral("lstResults"));
-    found_->setAccessibleName(tr("Topics found"));
+    platform::Name(*found_, "lstResults", tr("Topics found"));
     found_->setWordWrap(true);
     found_->setAlternatingRowColors(true);
     found_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

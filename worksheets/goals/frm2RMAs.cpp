@@ -51,8 +51,7 @@ frm2RMAs::frm2RMAs(WorksheetHost& host, QWidget* parent)
 QVBoxLayout* frm2RMAs::BuildList() {
     QLabel* lblList = PageParts::Label(this, "lblList", tr("Resource Management Areas"));
     lstRMAs_ = new AreaList(this);
-    PageParts::Name(*lstRMAs_, "lstRMAs", tr("Resource Management Areas"));
-    lblList->setBuddy(lstRMAs_);
+    platform::NameByLabel(*lstRMAs_, "lstRMAs", *lblList);
     cmdAdd_ = new QPushButton(tr("&Add Management Area"), this);
     PageParts::Name(*cmdAdd_, "cmdAdd", tr("Add a management area"));
     cmdDelete_ = new QPushButton(tr("&Delete Management Area"), this);
@@ -74,14 +73,12 @@ QVBoxLayout* frm2RMAs::BuildBoxes() {
     QLabel* lblHeading = PageParts::Label(this, "lblHeading", tr("Resource Management Area"));
     txtHeading_ = new TextBox(this);
     txtHeading_->setMaxLength(kHeadingLength);
-    PageParts::Name(*txtHeading_, "txtHeading", tr("Resource Management Area"));
-    lblHeading->setBuddy(txtHeading_);
+    platform::NameByLabel(*txtHeading_, "txtHeading", *lblHeading);
     QLabel* lblBody = PageParts::Label(this, "lblBody", tr("Management Objectives"));
     txtBody_ = new QPlainTextEdit(this);
     txtBody_->setTabChangesFocus(true);
     txtBody_->setUndoRedoEnabled(false);  // the worksheet has its own history
-    PageParts::Name(*txtBody_, "txtBody", tr("Management Objectives"));
-    lblBody->setBuddy(txtBody_);
+    platform::NameByLabel(*txtBody_, "txtBody", *lblBody);
     auto* rows = new QVBoxLayout;
     rows->setSpacing(Body().spacing());
     rows->addWidget(lblHeading);

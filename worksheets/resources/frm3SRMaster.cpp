@@ -94,8 +94,7 @@ void frm3SRMaster::BuildSource() {
     QLabel* lblSource = PageParts::Label(this, "lblSource", tr("Source of data"));
     txtSource_ = new QLineEdit(this);
     txtSource_->setMaxLength(kSourceLength);
-    PageParts::Name(*txtSource_, "txtSource", tr("Source of data"));
-    lblSource->setBuddy(txtSource_);
+    platform::NameByLabel(*txtSource_, "txtSource", *lblSource);
     txtSource_->installEventFilter(this);
     auto* source = new QHBoxLayout;
     source->addWidget(lblSource);

@@ -79,11 +79,10 @@ frm3SRMasterAdd::frm3SRMasterAdd(ResourceList& list, QWidget& frame)
 
 TextBox* frm3SRMasterAdd::AddBox(QGridLayout& rows, int row, const char* name, const QString& label,
                                  int length) {
-    auto* box = new TextBox(this);
-    PageParts::Name(*box, name, label.simplified());
-    box->setMaxLength(length);
     QLabel* text = PageParts::Label(this, (QByteArray("lbl") + (name + 3)).constData(), label);
-    text->setBuddy(box);
+    auto* box = new TextBox(this);
+    box->setMaxLength(length);
+    platform::NameByLabel(*box, name, *text);
     rows.addWidget(text, row, 0);
     rows.addWidget(box, row, 1);
     return box;
