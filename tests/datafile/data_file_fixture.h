@@ -37,9 +37,7 @@ protected:
 
     // A copy of the template under this name in the folder Costs.
     QString NewFile(const QString& name = QStringLiteral("GPFWA26.FCD")) {
-        const QString path = folder_.CostsPath(name);
-        support::Copy(folder_.Path(QStringLiteral("FCD.new")), path);
-        return path;
+        return folder_.NewFile(name);
     }
     void OpenFile(const QString& path) {
         ASSERT_TRUE(PrepDatafile::OpenDatatables(path));

@@ -44,9 +44,7 @@ protected:
     }
     // A copy of the template in the costs folder, of the name given.
     QString NewFile(const QString& name = QStringLiteral("Unit.fcd")) {
-        const QString path = folder_.CostsPath(name);
-        support::Copy(folder_.Path(QStringLiteral("FCD.new")), path);
-        return path;
+        return folder_.NewFile(name);
     }
     void RunWithFile() { Run(NewFile()); }
 

@@ -6,9 +6,11 @@
 #include <QTest>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "support/BuiltProgramFolder.h"
+#include "support/Screen.h"
 #include "support/command.h"
 
 namespace {
@@ -36,18 +38,12 @@ protected:
         ASSERT_TRUE(program_.waitForStarted());
     }
     void Prepare(int width, int height) {
-        const QString config = folder_.Path(QStringLiteral("screen.json"));
-        support::WriteBytes(config, QStringLiteral(R"({"synchronousWindowSystemEvents": false,
-                "windowFrameMargins": false, "screens": [{"name": "s", "x": 0, "y": 0,
-                "width": %1, "height": %2, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})")
-                                        .arg(width)
-                                        .arg(height)
-                                        .toUtf8());
+        screen_ = std::make_unique<support::Screen>(width, height);
         name_ = folder_.Path(QStringLiteral("tarnprep"));
         ASSERT_TRUE(QFile::copy(support::BuiltFolder() + QStringLiteral("/tarnprep"), name_));
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"),
-                           QStringLiteral("offscreen:configfile=") + config);
+                           QString::fromLocal8Bit(screen_->Platform()));
         program_.setProcessEnvironment(environment);
     }
     [[nodiscard]] bool LogShows(const QString& entry) const {
@@ -60,6 +56,7 @@ protected:
     }
 
     support::ProgramFolder folder_;
+    std::unique_ptr<support::Screen> screen_;
     QString name_;
     QProcess program_;
 };
@@ -119,6 +116,7 @@ protected:
     }
 
     support::ProgramFolder folder_;
+    std::unique_ptr<support::Screen> screen_;
 };
 
 TEST_F(FrameOnScreen, AtMost8000Twips_WarnsAndLeavesTheFrame) {

@@ -10,7 +10,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTabWidget>
@@ -18,12 +17,12 @@
 #include <QTest>
 #include <QTextBrowser>
 #include <QTextDocument>
-#include <QTimer>
 #include <QTreeView>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
 
+#include "support/Answers.h"
 #include "support/Keyboard.h"
 #include "support/paths.h"
 
@@ -42,26 +41,6 @@ QWidget* HelpWindowShown() {
     }
     return nullptr;
 }
-
-// Answers the next message box and gives its text.
-class NextMessage {
-public:
-    NextMessage() {
-        timer_.setInterval(1);
-        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] {
-            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-                text = box->text();
-                timer_.stop();
-                box->accept();
-            }
-        });
-        timer_.start();
-    }
-    QString text;
-
-private:
-    QTimer timer_;
-};
 
 class HelpViewerTest : public testing::Test {
 protected:
@@ -338,9 +317,10 @@ TEST_F(BuiltHelpTest, Escape_ClosesTheWindow) {
 
 TEST_F(HelpViewerTest, MissingFile_IsToldToTheUser) {
     platform::HelpViewer::SetHelpFile(folder_.filePath("Nothing.hlp"));
-    NextMessage message;
+    support::Answers answers;
     platform::HelpViewer::ShowContext(40);
-    EXPECT_TRUE(message.text.startsWith("The help file cannot be found.\r\n"));
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts().front().startsWith("The help file cannot be found.\r\n"));
     EXPECT_EQ(HelpWindowShown(), nullptr);
 }
 
@@ -350,9 +330,10 @@ TEST_F(HelpViewerTest, DamagedFile_IsToldToTheUser) {
     file.write(QByteArray(5000, 'x'));
     file.close();
     platform::HelpViewer::SetHelpFile(file.fileName());
-    NextMessage message;
+    support::Answers answers;
     platform::HelpViewer::ShowContents();
-    EXPECT_TRUE(message.text.startsWith("The help file cannot be read.\r\n"));
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts().front().startsWith("The help file cannot be read.\r\n"));
     EXPECT_EQ(HelpWindowShown(), nullptr);
 }
 
@@ -361,9 +342,10 @@ TEST_F(HelpViewerTest, CutFile_IsToldToTheUser) {
     ASSERT_TRUE(QFile::copy(BuiltHelpFile(), copy));
     ASSERT_TRUE(QFile::resize(copy, 9000));
     platform::HelpViewer::SetHelpFile(copy);
-    NextMessage message;
+    support::Answers answers;
     platform::HelpViewer::ShowContents();
-    EXPECT_TRUE(message.text.startsWith("The help file cannot be read.\r\n"));
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts().front().startsWith("The help file cannot be read.\r\n"));
 }
 
 TEST(HelpContextIdTest, NearestFormUpwards_Decides) {

@@ -24,30 +24,14 @@
 #include "platform/dialogs/MsgBox.h"
 #include "platform/dialogs/RunModal.h"
 #include "platform/system/Host.h"
+#include "support/Answers.h"
 
 namespace {
 
-// Runs `answer` on the next modal dialog of this kind.
-template <typename Dialog>
-class Answer {
-public:
-    explicit Answer(std::function<void(Dialog&)> answer) {
-        timer_.setInterval(1);
-        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this, answer] {
-            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
-                timer_.stop();
-                answer(*dialog);
-            }
-        });
-        timer_.start();
-    }
-
-private:
-    QTimer timer_;
-};
+using support::OnNext;
 
 TEST(MsgBox, ShowsPlainTextUnderTheApplicationsTitle) {
-    Answer<QMessageBox> answer([](QMessageBox& box) {
+    OnNext<QMessageBox> answer([](QMessageBox& box) {
         EXPECT_EQ(box.objectName(), "MsgBox");
         EXPECT_EQ(box.text(), "<b>North</b>\r\nline");
         EXPECT_EQ(box.textFormat(), Qt::PlainText);
@@ -70,7 +54,7 @@ platform::MsgOptions DeleteQuestion() {
 }
 
 TEST(MsgBox, YesNo_DefaultsToNoAndEscapeIsNo) {
-    Answer<QMessageBox> answer([](QMessageBox& box) {
+    OnNext<QMessageBox> answer([](QMessageBox& box) {
         EXPECT_EQ(box.windowTitle(), "Delete");
         EXPECT_EQ(box.icon(), QMessageBox::Critical);
         EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
@@ -81,12 +65,12 @@ TEST(MsgBox, YesNo_DefaultsToNoAndEscapeIsNo) {
 
 TEST(MsgBox, YesNo_AnswersAreTold) {
     for (const auto button : {QMessageBox::Yes, QMessageBox::No}) {
-        Answer<QMessageBox> answer([button](QMessageBox& box) { box.button(button)->click(); });
+        OnNext<QMessageBox> answer([button](QMessageBox& box) { box.button(button)->click(); });
         EXPECT_EQ(platform::MsgBox("Really?", DeleteQuestion()), button == QMessageBox::Yes
                                                                      ? platform::MsgAnswer::kYes
                                                                      : platform::MsgAnswer::kNo);
     }
-    Answer<QMessageBox> answer([](QMessageBox& box) { box.close(); });
+    OnNext<QMessageBox> answer([](QMessageBox& box) { box.close(); });
     EXPECT_EQ(platform::MsgBox("Really?", DeleteQuestion()), platform::MsgAnswer::kNo);
 }
 
@@ -94,7 +78,7 @@ TEST(MsgBox, ReasonAndDetails_FollowTheTextInTheSameBox) {
     platform::MsgOptions options;
     options.informative = "The file <i>A</i> is read-only.";
     options.details = "form.cmd_Click\n3051";
-    Answer<QMessageBox> answer([](QMessageBox& box) {
+    OnNext<QMessageBox> answer([](QMessageBox& box) {
         EXPECT_EQ(box.text(), "It cannot be opened.");
         EXPECT_EQ(box.informativeText(), "The file <i>A</i> is read-only.");
         EXPECT_EQ(box.detailedText(), "form.cmd_Click\n3051");
@@ -119,7 +103,7 @@ TEST(MsgBox, ReasonAndDetails_FollowTheTextInTheSameBox) {
 
 TEST(MsgBox, HourglassWaitsForTheAnswer) {
     platform::SetMousePointer(platform::Pointer::kHourglass);
-    Answer<QMessageBox> answer([](QMessageBox& box) {
+    OnNext<QMessageBox> answer([](QMessageBox& box) {
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
         box.accept();
     });
@@ -149,7 +133,7 @@ protected:
 };
 
 TEST_F(ShowOpenTest, Cancel_GivesNothing) {
-    Answer<QFileDialog> answer([this](QFileDialog& dialog) {
+    OnNext<QFileDialog> answer([this](QFileDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Open a file");
         EXPECT_EQ(dialog.selectedNameFilter(), "All (*.*)");
         EXPECT_EQ(dialog.directory().canonicalPath(), QDir(folder_.path()).canonicalPath());
@@ -164,7 +148,7 @@ TEST_F(ShowOpenTest, Filters_AreShownAsGivenAndAllFilesMeansAll) {
     QFile plain(folder_.filePath("no dot"));
     ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
     request_.filter = "TARN Prep files (*.fcd)|*.fcd|All Files (*.*)|*.*";
-    Answer<QFileDialog> answer([](QFileDialog& dialog) {
+    OnNext<QFileDialog> answer([](QFileDialog& dialog) {
         EXPECT_EQ(dialog.objectName(), "CMDialog1");
         auto* kinds = dialog.findChild<QComboBox*>("fileTypeCombo");
         const auto* files = dialog.findChild<QTreeView*>("treeView");
@@ -184,7 +168,7 @@ TEST_F(ShowOpenTest, Filters_AreShownAsGivenAndAllFilesMeansAll) {
 
 TEST_F(ShowOpenTest, ChosenFile_ComesBackWithItsPath) {
     request_.fileName = "A unit.fcd";
-    Answer<QFileDialog> answer(
+    OnNext<QFileDialog> answer(
         [](QFileDialog& dialog) { static_cast<QDialog&>(dialog).done(QDialog::Accepted); });
     EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), folder_.filePath("A unit.fcd"));
 }
@@ -195,7 +179,7 @@ TEST(RunModal, GivesTheKeyboardBackToTheWindowBehind) {
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     QDialog dialog(&window);
-    Answer<QDialog> answer([](QDialog& shown) { shown.accept(); });
+    OnNext<QDialog> answer([](QDialog& shown) { shown.accept(); });
     EXPECT_EQ(platform::RunModal(dialog), QDialog::Accepted);
     EXPECT_TRUE(
         QTest::qWaitFor([&] { return QGuiApplication::focusWindow() == window.windowHandle(); }));
@@ -203,7 +187,7 @@ TEST(RunModal, GivesTheKeyboardBackToTheWindowBehind) {
 
 TEST_F(ShowOpenTest, TypedNameInOtherCase_OpensTheFile) {
     for (const bool byKey : {true, false}) {
-        Answer<QFileDialog> answer([byKey](QFileDialog& dialog) {
+        OnNext<QFileDialog> answer([byKey](QFileDialog& dialog) {
             auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
             auto* open =
                 dialog.findChild<QDialogButtonBox*>("buttonBox")->button(QDialogButtonBox::Open);
@@ -229,7 +213,7 @@ TEST_F(ShowOpenTest, LargeFontOnASmallScreen_LeavesRoomForTheNames) {
     QFont large = usual;
     large.setPointSize(24);
     QApplication::setFont(large);
-    Answer<QFileDialog> answer([](QFileDialog& dialog) {
+    OnNext<QFileDialog> answer([](QFileDialog& dialog) {
         dialog.resize(700, 500);
         const auto* list = dialog.findChild<QTreeView*>("treeView");
         const int least = dialog.fontMetrics().averageCharWidth() * 15;
@@ -242,7 +226,7 @@ TEST_F(ShowOpenTest, LargeFontOnASmallScreen_LeavesRoomForTheNames) {
 }
 
 TEST_F(ShowOpenTest, TypedNameOfNoFile_CannotBeOpened) {
-    Answer<QFileDialog> answer([](QFileDialog& dialog) {
+    OnNext<QFileDialog> answer([](QFileDialog& dialog) {
         dialog.findChild<QLineEdit*>("fileNameEdit")->setText("another unit.fcd");
         EXPECT_FALSE(dialog.findChild<QDialogButtonBox*>("buttonBox")
                          ->button(QDialogButtonBox::Open)

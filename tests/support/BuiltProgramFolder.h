@@ -58,6 +58,12 @@ public:
         return Path(QStringLiteral("Costs/") + name);
     }
 
+    // A copy of the template in the costs folder.
+    [[nodiscard]] QString NewFile(const QString& name) const {
+        Copy(Path(QStringLiteral("FCD.new")), CostsPath(name));
+        return CostsPath(name);
+    }
+
     // The lines of the trace log without blank lines and without the time before each.
     [[nodiscard]] QStringList Trace() const {
         static const QRegularExpression time(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d"));
