@@ -106,13 +106,13 @@ UnitFinder::Listing UnitFinder::List(const QString& index, const QString& text) 
         units_->MoveLast();
         StepBack(2);
     }
-    const int neighbours = StepBack(3);
+    const int neighbors = StepBack(3);
     while (!units_->EndOfFile() && listing.units.size() < kListRows) {
         listing.units.push_back(Current());
         units_->MoveNext();
     }
     if (found) {
-        listing.match = neighbours;
+        listing.match = neighbors;
     }
     return listing;
 }

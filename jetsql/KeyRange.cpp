@@ -20,7 +20,7 @@ using jet::ColumnType;
 using jet::Value;
 
 constexpr double kTenThousand = 10000;
-// Within it a double holds each ten-thousandth of a currency amount apart from its neighbours.
+// Within it a double holds each ten-thousandth of a currency amount apart from its neighbors.
 constexpr double kMostExactCurrency = 4e11;
 
 struct Limits {

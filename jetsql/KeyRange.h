@@ -15,7 +15,7 @@
 namespace jetsql {
 
 struct KeyRange {
-    bool empty = false;             // no record can fulfil the conditions
+    bool empty = false;             // no record can fulfill the conditions
     std::vector<jet::Value> lower;  // leading columns; empty: from the index's beginning
     std::vector<jet::Value> upper;  // records that begin with it still belong to the range
 };

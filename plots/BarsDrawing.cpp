@@ -17,7 +17,7 @@ QCPBars* AddBars(Chart& chart, QCPAxisRect& axes, double sign) {
     auto* bars = new QCPBars(axes.axis(QCPAxis::atLeft), axes.axis(QCPAxis::atBottom));
     bars->setWidth(2 * kHalfBar);
     bars->setBrush(chart.Fill(sign));
-    bars->setPen(QPen(sign < 0 ? chart.Colours().loss : chart.Colours().gain, 1.4));
+    bars->setPen(QPen(sign < 0 ? chart.Colors().loss : chart.Colors().gain, 1.4));
     return bars;
 }
 

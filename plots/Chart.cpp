@@ -135,7 +135,7 @@ QCPAxisRect& Chart::AddAxes(int row, int column) {
 }
 
 void Chart::AddText(QCPAxisRect& axes, QPointF at, const QString& text, Qt::Alignment alignment,
-                    const QColor& colour) {
+                    const QColor& color) {
     auto* item = new QCPItemText(this);
     item->position->setAxisRect(&axes);
     item->position->setAxes(axes.axis(QCPAxis::atBottom), axes.axis(QCPAxis::atLeft));
@@ -144,7 +144,7 @@ void Chart::AddText(QCPAxisRect& axes, QPointF at, const QString& text, Qt::Alig
     item->setPositionAlignment(alignment);
     item->setText(text);
     item->setFont(font());
-    item->setColor(colour);
+    item->setColor(color);
     item->setPadding(QMargins(2, 1, 2, 1));
     item->setClipToAxisRect(false);
 }
@@ -232,7 +232,7 @@ void Chart::GoTo(std::optional<std::size_t> figure) {
 }
 
 // Left and right go along a series, up and down to the same item of the one before or behind.
-std::optional<std::size_t> Chart::Neighbour(int key) const {
+std::optional<std::size_t> Chart::Neighbor(int key) const {
     if (!current_ || *current_ >= figures_.size()) {
         return figures_.empty() ? std::nullopt : std::optional<std::size_t>(0);
     }
@@ -288,7 +288,7 @@ void Chart::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_Right:
         case Qt::Key_Up:
         case Qt::Key_Down:
-            GoTo(Neighbour(event->key()));
+            GoTo(Neighbor(event->key()));
             break;
         default:
             QCustomPlot::keyPressEvent(event);

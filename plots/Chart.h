@@ -1,8 +1,8 @@
 // A chart in a window.
 //
-// It draws whatever content it is given in the colours and the font of the window, says which
+// It draws whatever content it is given in the colors and the font of the window, says which
 // figure is under the pointer or was reached with the arrow keys, and marks one when asked to.
-// Losses are hatched, gains are plain: colours are never all that tells them apart.
+// Losses are hatched, gains are plain: colors are never all that tells them apart.
 #pragma once
 
 #include <qcustomplot.h>
@@ -47,14 +47,14 @@ public:
 
     // For those who draw. -----------------------------------------------------------------------
 
-    [[nodiscard]] const Ink& Colours() const { return ink_; }
-    // An empty place for axes, in the chart's font and colours.
+    [[nodiscard]] const Ink& Colors() const { return ink_; }
+    // An empty place for axes, in the chart's font and colors.
     QCPAxisRect& AddAxes(int row, int column);
     // Where a figure is, in the coordinates of its axes; in the order of FiguresOf.
     void AddSpot(QCPAxisRect& axes, const QRectF& area) { spots_.push_back({&axes, area}); }
     // A text that does not move with anything; `alignment` is of the text at its point.
     void AddText(QCPAxisRect& axes, QPointF at, const QString& text, Qt::Alignment alignment,
-                 const QColor& colour);
+                 const QColor& color);
     // Says in the middle that there is nothing.
     void AddNothing(const QString& why);
     // How loss and gain are filled.
@@ -91,7 +91,7 @@ private:
     [[nodiscard]] std::optional<std::size_t> SpotAt(QPointF point) const;
     void GoTo(std::optional<std::size_t> figure);
     void Say(const QString& words);
-    [[nodiscard]] std::optional<std::size_t> Neighbour(int key) const;
+    [[nodiscard]] std::optional<std::size_t> Neighbor(int key) const;
 
     ChartContent content_;
     QString title_;

@@ -27,7 +27,7 @@ QCPItemLine* AddLine(Chart& chart, QCPAxisRect& axes, QPointF from, QPointF to) 
         position->setAxes(axes.axis(QCPAxis::atBottom), axes.axis(QCPAxis::atLeft));
         position->setCoords(at);
     }
-    line->setPen(QPen(chart.Colours().text, 1));
+    line->setPen(QPen(chart.Colors().text, 1));
     return line;
 }
 
@@ -41,10 +41,10 @@ void DrawSteps(Chart& chart, QCPAxisRect& axes, const review::CostChart& content
             AddLine(chart, axes, {left, before}, {left, step.cost});
         }
         AddLine(chart, axes, {left, step.cost}, {right, step.cost})
-            ->setPen(QPen(chart.Colours().text, kStepWidth,
+            ->setPen(QPen(chart.Colors().text, kStepWidth,
                           step.to > 0 ? Qt::SolidLine : Qt::DashLine, Qt::FlatCap));
         chart.AddText(axes, QPointF(std::sqrt(left * right), step.cost * 1.03), Dollars(step.cost),
-                      Qt::AlignHCenter | Qt::AlignBottom, chart.Colours().text);
+                      Qt::AlignHCenter | Qt::AlignBottom, chart.Colors().text);
         chart.AddSpot(axes, QRectF(QPointF(left, costs.most), QPointF(right, costs.least)));
         before = step.cost;
     }

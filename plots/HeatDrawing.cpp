@@ -1,4 +1,4 @@
-// The values of a location: a cell for each, the stronger its colour, the larger the amount.
+// The values of a location: a cell for each, the stronger its color, the larger the amount.
 #include "plots/Chart.h"
 #include "review/canvas.h"
 
@@ -26,12 +26,12 @@ QColor Shade(const Ink& ink, double value, double largest) {
         float(ink.ground.blueF() + (end.blueF() - ink.ground.blueF()) * part));
 }
 
-double Luminance(const QColor& colour) {
+double Luminance(const QColor& color) {
     const auto linear = [](double part) {
         return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
     };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-           0.0722 * linear(colour.blueF());
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
 }
 
 // Black or white, whichever is read better on it.
@@ -41,7 +41,7 @@ QColor TextOn(const QColor& ground) {
 }
 
 void AddCell(Chart& chart, QCPAxisRect& axes, const QRectF& area, double value, double largest) {
-    const Ink& ink = chart.Colours();
+    const Ink& ink = chart.Colors();
     auto* cell = new QCPItemRect(&chart);
     for (const auto& [position, at] : {std::pair(cell->topLeft, area.topLeft()),
                                        std::pair(cell->bottomRight, area.bottomRight())}) {
@@ -86,7 +86,7 @@ void ShapeAxes(const Chart& chart, QCPAxisRect& axes, const review::HeatMap& con
         axis->setTickLength(0);
         axis->setSubTicks(false);
         axis->grid()->setVisible(false);
-        axis->setBasePen(QPen(chart.Colours().grid));
+        axis->setBasePen(QPen(chart.Colors().grid));
     }
 }
 

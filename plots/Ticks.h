@@ -1,4 +1,4 @@
-// Marks of axes that are labelled as the program writes figures.
+// Marks of axes that are labeled as the program writes figures.
 #pragma once
 
 #include <qcustomplot.h>

@@ -25,7 +25,7 @@ QCPBars* AddBars(Chart& chart, QCPAxisRect& axes, double sign) {
     auto* bars = new QCPBars(axes.axis(QCPAxis::atBottom), axes.axis(QCPAxis::atLeft));
     bars->setWidth(2 * kHalfBar);
     bars->setBrush(chart.Fill(sign));
-    bars->setPen(QPen(sign < 0 ? chart.Colours().loss : chart.Colours().gain, 1.4));
+    bars->setPen(QPen(sign < 0 ? chart.Colors().loss : chart.Colors().gain, 1.4));
     return bars;
 }
 
@@ -69,7 +69,7 @@ void ShapeAxes(Chart& chart, QCPAxisRect& axes, const Scale& scale, bool isNarro
     dollars->setTickCount(4);
     up->setTicker(dollars);
     up->setSubTicks(false);
-    up->grid()->setZeroLinePen(QPen(chart.Colours().axis, 1.4));
+    up->grid()->setZeroLinePen(QPen(chart.Colors().axis, 1.4));
 }
 
 // The figure as it has room over a bar; empty where it has none.
@@ -95,7 +95,7 @@ void DrawPanel(Chart& chart, QCPAxisRect& axes, const review::TotalsChart::Panel
             const QString text = Fitting(chart, total, roomForText);
             chart.AddText(axes, QPointF(level, total), text,
                           Qt::AlignHCenter | (total < 0 ? Qt::AlignTop : Qt::AlignBottom),
-                          chart.Colours().text);
+                          chart.Colors().text);
         }
         chart.AddSpot(
             axes, QRectF(QPointF(level - 0.48, range.upper), QPointF(level + 0.48, range.lower)));
@@ -107,7 +107,7 @@ void AddTitle(Chart& chart, int row, int column, const QString& title, bool isMa
     look.setBold(isMarked);
     auto* text =
         new QCPTextElement(&chart, isMarked ? QStringLiteral("\u25b6 ") + title : title, look);
-    text->setTextColor(chart.Colours().text);
+    text->setTextColor(chart.Colors().text);
     text->setMargins(QMargins(2, 2, 2, 0));
     chart.Body().addElement(row, column, text);
 }

@@ -80,7 +80,7 @@ QList<QByteArray> PagesOf(const QByteArray& tree) {
 }
 
 // The outline as a tree: for each bookmark the number of its parent, its first and last child and
-// its neighbours; 0 is the root, bookmark i is i + 1.
+// its neighbors; 0 is the root, bookmark i is i + 1.
 struct Node {
     int parent = 0;
     int first = 0;

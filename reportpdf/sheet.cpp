@@ -53,9 +53,9 @@ void Sheet::DashedBoxes(const std::vector<QRectF>& boxes, const QColor& edge) {
     }
 }
 
-void Sheet::Lines(const std::vector<QLineF>& lines, double width, const QColor& colour) {
+void Sheet::Lines(const std::vector<QLineF>& lines, double width, const QColor& color) {
     if (!lines.empty()) {
-        QPen pen(colour, width);
+        QPen pen(color, width);
         pen.setCapStyle(Qt::FlatCap);
         painter_.setPen(pen);
         painter_.drawLines(lines.data(), static_cast<int>(lines.size()));

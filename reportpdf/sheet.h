@@ -29,7 +29,7 @@ public:
     // of a table come first.
     void Boxes(const std::vector<QRectF>& boxes, const QColor& fill);
     void DashedBoxes(const std::vector<QRectF>& boxes, const QColor& edge);
-    void Lines(const std::vector<QLineF>& lines, double width, const QColor& colour);
+    void Lines(const std::vector<QLineF>& lines, double width, const QColor& color);
     void Finish() { letters_.Flush(); }
 
     [[nodiscard]] QPainter& Painter();

@@ -26,7 +26,7 @@ QString TextOf(const Cell& cell) {
 }
 
 // Light enough for black figures in any place.
-QColor ShadeColour(int shade, bool isLoss) {
+QColor ShadeColor(int shade, bool isLoss) {
     const std::array<int, 3> darkest =
         isLoss ? std::array<int, 3>{205, 125, 60} : std::array<int, 3>{110, 150, 215};
     const auto mixed = [shade](int channel) {
@@ -247,7 +247,7 @@ void TableShape::DrawShades(Sheet& sheet, double left, double top, const Piece* 
         }
     }
     for (const auto& [shade, boxes] : shades) {
-        sheet.Boxes(boxes, ShadeColour(std::abs(shade), shade < 0));
+        sheet.Boxes(boxes, ShadeColor(std::abs(shade), shade < 0));
     }
     sheet.DashedBoxes(gains, QColor(0x1a, 0x3a, 0x7a));
 }
@@ -265,7 +265,7 @@ void TableShape::DrawLegend(Sheet& sheet, double left, double top) const {
     const auto scale = [&](bool isLoss) {
         for (int i = 1; i <= review::kDarkestShade; ++i) {
             const int shade = isLoss ? review::kDarkestShade + 1 - i : i;
-            sheet.Boxes({{x, top + 4, box, box}}, ShadeColour(shade, isLoss));
+            sheet.Boxes({{x, top + 4, box, box}}, ShadeColor(shade, isLoss));
             x += box;
         }
         x += 4;

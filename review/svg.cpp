@@ -90,17 +90,17 @@ std::string PictureOf(const Chart& chart) {
     return picture.Finish();
 }
 
-std::string Colour(int shade, bool isLoss) {
+std::string Color(int shade, bool isLoss) {
     const std::array<int, 3> darkest =
         isLoss ? std::array<int, 3>{153, 64, 0} : std::array<int, 3>{26, 58, 122};
-    std::string colour = "#";
+    std::string color = "#";
     for (const int channel : darkest) {
         constexpr std::string_view kHex = "0123456789abcdef";
         const int mixed = 255 + (channel - 255) * shade / kDarkestShade;
-        colour += kHex[static_cast<std::size_t>(mixed >> 4)];
-        colour += kHex[static_cast<std::size_t>(mixed & 15)];
+        color += kHex[static_cast<std::size_t>(mixed >> 4)];
+        color += kHex[static_cast<std::size_t>(mixed & 15)];
     }
-    return colour;
+    return color;
 }
 
 constexpr int kCellsLeft = 170;
@@ -127,14 +127,14 @@ double RoughWidth(std::string_view words) {
     return width;
 }
 
-// A report has thousands of maps: squares of one colour are one path, texts share their look.
+// A report has thousands of maps: squares of one color are one path, texts share their look.
 class MapParts {
 public:
     void Add(std::size_t row, std::size_t level, double value, double largest) {
         const int shade = ShadeOf(value, largest);
-        squares_[Colour(shade, value < 0)] += SquareAt(row, level, 0);
+        squares_[Color(shade, value < 0)] += SquareAt(row, level, 0);
         if (value > 0) {
-            // Told from a loss without colours too.
+            // Told from a loss without colors too.
             borders_ += SquareAt(row, level, 3);
         }
         std::string text = Fixed(static_cast<float>(value), 2);
@@ -146,8 +146,8 @@ public:
     }
     [[nodiscard]] std::string Svg() const {
         std::string svg;
-        for (const auto& [colour, path] : squares_) {
-            svg.append("<path fill=\"").append(colour).append("\" stroke=\"#999\" d=\"");
+        for (const auto& [color, path] : squares_) {
+            svg.append("<path fill=\"").append(color).append("\" stroke=\"#999\" d=\"");
             svg.append(path).append("\"/>\n");
         }
         if (!borders_.empty()) {

@@ -1,5 +1,5 @@
 // Charts as pictures within a page. Each says in words what it shows, tells losses from gains also
-// without colours, and writes its figures as text.
+// without colors, and writes its figures as text.
 #pragma once
 
 #include <string>

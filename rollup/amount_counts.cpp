@@ -12,7 +12,7 @@ namespace {
 
 // Ranks that the middle may shift by without another look: other files are left out then.
 constexpr std::uint64_t kSlack = 2000;
-// Logarithms of neighbours may lie the wrong way round by as little.
+// Logarithms of neighbors may lie the wrong way round by as little.
 constexpr double kRounding = 1e-12;
 
 double LogOf(Amount amount) {

@@ -64,7 +64,7 @@ private:
     static std::uint64_t Near(const std::vector<Counted>& buckets, const Bounds& median,
                               std::uint64_t slack, std::set<Bucket>& within);
 
-    // Chunks of neighbouring buckets, by the first one divided by their number.
+    // Chunks of neighboring buckets, by the first one divided by their number.
     std::map<Bucket, std::array<std::uint32_t, kChunk>> buckets_;
     std::set<Bucket> known_;
     std::set<Bucket> wanted_;

@@ -87,7 +87,7 @@ FirstSize FirstSizeFor(int screenHeight) {
     if (screenHeight <= kTooLow) {
         return FirstSize::kAsItIs;
     }
-    return screenHeight <= kFrameHeight ? FirstSize::kMaximised : FirstSize::kWorkingSize;
+    return screenHeight <= kFrameHeight ? FirstSize::kMaximized : FirstSize::kWorkingSize;
 }
 
 void DisplayCheck(frm0_Prep& frame) {
@@ -101,8 +101,8 @@ void DisplayCheck(frm0_Prep& frame) {
                 Texts::tr("You may have difficulty using the program with your current "
                           "display settings."));
             break;
-        case FirstSize::kMaximised:
-            frame.Maximise();
+        case FirstSize::kMaximized:
+            frame.Maximize();
             break;
         case FirstSize::kWorkingSize:
             frame.move(0, 0);

@@ -11,7 +11,7 @@ namespace a1Prep {
 // What the frame begins with on a screen of this height in twips: its size stays (and the user is
 // warned), it is maximized, or it has its working size at the top left corner. Both limits count
 // to the lower side.
-enum class FirstSize { kAsItIs, kMaximised, kWorkingSize };
+enum class FirstSize { kAsItIs, kMaximized, kWorkingSize };
 [[nodiscard]] FirstSize FirstSizeFor(int screenHeight);
 // Sizes the frame for the screen; warns when the screen is smaller than the program is made for.
 void DisplayCheck(frm0_Prep& frame);

@@ -143,15 +143,15 @@ void frm0Start::ArrangeControls() {
     panels->setSpacing(kGap);
     panels->addWidget(pnlOverview_, 5);
     panels->addWidget(pnlButtons_, 4);
-    auto* centre = new QHBoxLayout;
-    centre->addStretch(1);
-    centre->addWidget(column_, 1000);
-    centre->addStretch(1);
+    auto* center = new QHBoxLayout;
+    center->addStretch(1);
+    center->addWidget(column_, 1000);
+    center->addStretch(1);
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(kGap, 0, kGap, kGap / 2);
     rows->setSpacing(kGap);
     rows->addWidget(lblTitle_);
-    rows->addLayout(centre, 1000);
+    rows->addLayout(center, 1000);
     rows->addStretch(1);
     rows->addWidget(lblCopyright_);
 }

@@ -151,7 +151,7 @@ QString frm0_Prep::HelpFilePath() {
     return platform::FindFile(platform::ProgramFolder(), QStringLiteral("TARNPlus.hlp"));
 }
 
-void frm0_Prep::Maximise() {
+void frm0_Prep::Maximize() {
     if (const QScreen* here = screen()) {
         setGeometry(here->availableGeometry());
     }

@@ -39,7 +39,7 @@ public:
     // A top menu by its number.
     void EnableMenu(int top, bool enabled);
     // Over the whole screen, without a window manager too.
-    void Maximise();
+    void Maximize();
 
     [[nodiscard]] QWidget& ClientArea() const { return *clientArea_; }
     [[nodiscard]] QSize ClientSize() const { return clientArea_->size(); }

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Builds everything twice and runs all tests: optimised with gcc, and with clang under the address
-and undefined-behaviour sanitizers. Where the cross compiler is installed (make windows), the engine
+"""Builds everything twice and runs all tests: optimized with gcc, and with clang under the address
+and undefined-behavior sanitizers. Where the cross compiler is installed (make windows), the engine
 and its tools are compiled for Windows too. The long run adds the thread
 sanitizer, a minute of each fuzz target and the hard tests with many more tries. The last line of the output is the summary."""
 import argparse
@@ -87,8 +87,8 @@ def print_failures(log):
                 print(line)
 
 
-def optimised(summary, only):
-    print("== gcc, optimised", flush=True)
+def optimized(summary, only):
+    print("== gcc, optimized", flush=True)
     # The benchmarks are compiled, so that they stay whole; make bench runs them.
     if not build("build", "-DTARN_BENCH=ON"):
         summary.add_failure("gcc: build")
@@ -97,7 +97,7 @@ def optimised(summary, only):
 
 
 def sanitized(summary, only):
-    print("== clang, address and undefined-behaviour sanitizers", flush=True)
+    print("== clang, address and undefined-behavior sanitizers", flush=True)
     folder = "build-sanitize"
     # Everything is compiled, so that clang's warnings count for every file.
     if not build(folder, "--preset=sanitize"):
@@ -160,7 +160,7 @@ def on_threads(summary):
 
 def main():
     parser = argparse.ArgumentParser(prog="./test", description=__doc__)
-    parser.add_argument("--quick", action="store_true", help="the optimised build only")
+    parser.add_argument("--quick", action="store_true", help="the optimized build only")
     parser.add_argument("--long", action="store_true",
                         help="fuzzing and many more tries of the hard tests, too")
     parser.add_argument("--only", metavar="REGEX", help="only the tests whose names match")
@@ -168,7 +168,7 @@ def main():
 
     started = time.time()
     summary = Summary()
-    optimised(summary, options.only)
+    optimized(summary, options.only)
     if not options.quick:
         sanitized(summary, options.only)
         if not options.only:

@@ -1,4 +1,4 @@
-// Labelled boxes: side by side where the page is wide enough, else below each other with their
+// Labeled boxes: side by side where the page is wide enough, else below each other with their
 // boxes in line.
 #pragma once
 

@@ -23,11 +23,11 @@ constexpr std::size_t kStep = 16;  // the pixels looked at lie so far apart
 // more of the pixels than this.
 constexpr int kPointer = 16;
 
-// The picture's header tells, in big-endian numbers, its own size and the number of colours that
+// The picture's header tells, in big-endian numbers, its own size and the number of colors that
 // follow it.
 constexpr std::size_t kHeaderSizeAt = 0;
-constexpr std::size_t kColoursAt = 76;
-constexpr std::size_t kColourSize = 12;
+constexpr std::size_t kColorsAt = 76;
+constexpr std::size_t kColorSize = 12;
 
 std::size_t Number(const std::uint8_t* at) {
     return std::size_t(at[0]) << 24 | std::size_t(at[1]) << 16 | std::size_t(at[2]) << 8 | at[3];
@@ -83,7 +83,7 @@ void Display::MapPicture() {
     if (mapped == MAP_FAILED) throw std::runtime_error("the display's picture cannot be mapped");
     picture_ = static_cast<const std::uint8_t*>(mapped);
     const std::size_t begin =
-        Number(picture_ + kHeaderSizeAt) + kColourSize * Number(picture_ + kColoursAt);
+        Number(picture_ + kHeaderSizeAt) + kColorSize * Number(picture_ + kColorsAt);
     if (begin + 4 * kWidth * kHeight > size_) throw std::runtime_error("the picture is too small");
     pixels_ = reinterpret_cast<const std::uint32_t*>(picture_ + begin);
 }

@@ -54,7 +54,7 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     initStyleOption(&cell, index);
     if (current && !view->hasFocus() && IsOneCell(*view)) {
         cell.state &= ~QStyle::State_Selected;
-        // The table has coloured the selected cell already.
+        // The table has colored the selected cell already.
         painter->fillRect(cell.rect, cell.palette.brush(QPalette::Base));
     }
     const bool selected = (cell.state & QStyle::State_Selected) != 0;

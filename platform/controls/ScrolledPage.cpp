@@ -13,7 +13,7 @@ namespace {
 constexpr QSize kWindowFrame(8, 40);
 constexpr int kLeastLines = 4;
 
-// A layout keeps what it has learnt from the widgets below until they tell it to ask again.
+// A layout keeps what it has learned from the widgets below until they tell it to ask again.
 void AskAgain(QWidget& widget) {
     for (QWidget* child : widget.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
         if (!child->isWindow()) {

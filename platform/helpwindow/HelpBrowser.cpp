@@ -56,12 +56,12 @@ void HelpBrowser::changeEvent(QEvent* event) {
 
 // Palettes made from a few colors keep the blue of links, which is too dark on a dark ground.
 void HelpBrowser::MakeLinksReadable() {
-    QPalette colours = palette();
-    const bool dark = colours.color(QPalette::Base).lightness() < 128;
-    if (dark && colours.color(QPalette::Link).lightness() < 160) {
-        colours.setColor(QPalette::Link, QColor(kLightBlue));
-        colours.setColor(QPalette::LinkVisited, QColor(kLightBlue));
-        setPalette(colours);
+    QPalette colors = palette();
+    const bool dark = colors.color(QPalette::Base).lightness() < 128;
+    if (dark && colors.color(QPalette::Link).lightness() < 160) {
+        colors.setColor(QPalette::Link, QColor(kLightBlue));
+        colors.setColor(QPalette::LinkVisited, QColor(kLightBlue));
+        setPalette(colors);
     }
 }
 

@@ -36,9 +36,9 @@ void ReadFonts() {
     if (library == nullptr) {
         return;
     }
-    using Initialise = int (*)();
-    if (const auto initialise = reinterpret_cast<Initialise>(::dlsym(library, "FcInit"))) {
-        initialise();
+    using Initialize = int (*)();
+    if (const auto initialize = reinterpret_cast<Initialize>(::dlsym(library, "FcInit"))) {
+        initialize();
     }
 #endif
 }

@@ -113,7 +113,7 @@ protected:
     }
 };
 
-TEST_F(ConversionTest, SameTables_AreRelabelledAndStored) {
+TEST_F(ConversionTest, SameTables_AreRelabeledAndStored) {
     for (const char* format : {"4.00.00", "3.92.00"}) {
         SCOPED_TRACE(format);
         const QString path = Made(format);

@@ -150,7 +150,7 @@ TEST_F(NamingDialogTest, UnitID_PastedTie_ShowsItsUnitsInTheList) {
     EXPECT_GT(RowOf(QStringLiteral("TNF"), QStringLiteral("AZ")), 0);
 }
 
-TEST_F(NamingDialogTest, UnitID_Unknown_ShowsNeighboursAndAsksForTheName) {
+TEST_F(NamingDialogTest, UnitID_Unknown_ShowsNeighborsAndAsksForTheName) {
     const QString search = QStringLiteral("   frmFCDName.GetMatchingIDs ZZZ");
     Type("txtUnitID", QStringLiteral("zzz"));
     EXPECT_EQ(Focus(), QStringLiteral("txtUnitName"));

@@ -24,11 +24,11 @@ TEST_F(PropertiesTest, GetProperty_Missing_IsEmptyAndAddsNothing) {
 TEST_F(PropertiesTest, GetPropertyWithDefault_Missing_AddsIt) {
     const int before = tblProperties->RecordCount();
     EXPECT_EQ(
-        PrepProperties::GetPropertyWithDefault(QStringLiteral("Colour"), QStringLiteral("red")),
+        PrepProperties::GetPropertyWithDefault(QStringLiteral("Color"), QStringLiteral("red")),
         QStringLiteral("red"));
     EXPECT_EQ(tblProperties->RecordCount(), before + 1);
     EXPECT_EQ(
-        PrepProperties::GetPropertyWithDefault(QStringLiteral("Colour"), QStringLiteral("blue")),
+        PrepProperties::GetPropertyWithDefault(QStringLiteral("Color"), QStringLiteral("blue")),
         QStringLiteral("red"));
     EXPECT_EQ(tblProperties->RecordCount(), before + 1);
 }

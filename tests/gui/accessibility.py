@@ -266,7 +266,7 @@ class Walk:
             except Exception as error:  # pylint: disable=broad-except
                 str(error)
 
-    def labelled(self, where):
+    def labeled(self, where):
         """Boxes to type into and to choose from have a label that is related to them."""
         for thing in self.all(self.application()):
             if thing.get_role_name() in ("text", "combo box") and self.showing(thing):
@@ -365,7 +365,7 @@ def start_and_dialogs(walk, session):
     step(walk, "start screen", lambda: walk.find("push button", "New data file"))
     walk.press(walk.find("push button", "New data file"))
     step(walk, "naming dialog, empty", lambda: walk.find("text", "Unit identifier"))
-    walk.labelled("naming dialog")
+    walk.labeled("naming dialog")
     walk.find("text", "Unit identifier").set_text_contents("SNF")
     step(walk, "naming dialog, filled", lambda: walk.find("table cell"))
     walk.close_with("Cancel")
@@ -387,7 +387,7 @@ def worksheets(walk, session, path, wanted):
         where = f"{form}, {path.name}"
         step(walk, where, lambda m=menu_item, f=form: (choose_worksheet(walk, m),
                                                         walk.find("filler", f)))
-        walk.labelled(where)
+        walk.labeled(where)
         walk.reached_by_tab(where, form)
 
 

@@ -125,10 +125,10 @@ TEST_F(FrameOnScreen, AtMost8000Twips_WarnsAndLeavesTheFrame) {
     ExpectWarning(On(800, 533), QStringLiteral("11940 x 7395 at"));
 }
 
-TEST_F(FrameOnScreen, AtMost9120Twips_IsMaximised) {
-    EXPECT_EQ(On(800, 534), QStringList(QStringLiteral("12000 x 8010 at 0, 0, maximised, sized")));
-    EXPECT_EQ(On(800, 600), QStringList(QStringLiteral("12000 x 9000 at 0, 0, maximised, sized")));
-    EXPECT_EQ(On(1024, 608), QStringList(QStringLiteral("15360 x 9120 at 0, 0, maximised, sized")));
+TEST_F(FrameOnScreen, AtMost9120Twips_IsMaximized) {
+    EXPECT_EQ(On(800, 534), QStringList(QStringLiteral("12000 x 8010 at 0, 0, maximized, sized")));
+    EXPECT_EQ(On(800, 600), QStringList(QStringLiteral("12000 x 9000 at 0, 0, maximized, sized")));
+    EXPECT_EQ(On(1024, 608), QStringList(QStringLiteral("15360 x 9120 at 0, 0, maximized, sized")));
 }
 
 TEST_F(FrameOnScreen, Above9120Twips_HasItsWorkingSizeAtTheTopLeftCorner) {

@@ -243,7 +243,7 @@ TEST_F(CheckParts, EmptyPagesInATree_AreFound) {
     EXPECT_TRUE(Found("index-empty-node"));
 }
 
-TEST_F(CheckParts, NodesOfOneLevel_NameTheirNeighbours) {
+TEST_F(CheckParts, NodesOfOneLevel_NameTheirNeighbors) {
     const auto build = [&](std::uint32_t nextOfFirst, std::uint32_t previousOfLast) {
         pages_.Add(IndexPage(false, {.level = 2, .tail = 6}, {NodeEntry(1, 5)}));
         pages_.Add(IndexPage(false, {.level = 1, .next = nextOfFirst}, {NodeEntry(1, 7)}));

@@ -170,7 +170,7 @@ TEST(ColumnValue, GuidsAndBytes_StandForEachOther) {
     EXPECT_EQ(KindOf(Make(ColumnType::kBinary, 16), 5), ErrorKind::kTypeMismatch);
 }
 
-TEST(ColumnValue, HalvesGoToTheEvenNeighbour_InMoneyToo) {
+TEST(ColumnValue, HalvesGoToTheEvenNeighbor_InMoneyToo) {
     const Column money = Make(ColumnType::kCurrency);
     EXPECT_EQ(ConvertForColumn(money, 0.00005, Version::kJet4), Value(Currency{0}));
     EXPECT_EQ(ConvertForColumn(money, 0.00035, Version::kJet4), Value(Currency{4}));

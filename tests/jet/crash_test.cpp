@@ -277,7 +277,7 @@ TEST_P(CrashTest, Create_StoppedAtAnyStep_LeavesNoFileThatLooksWhole) {
             database->Close();
             EXPECT_TRUE(CheckFile(kFile, files).IsSound()) << step;
         } catch (const Error&) {
-            // Not there, or recognised as no database.
+            // Not there, or recognized as no database.
         }
     }
 }

@@ -112,7 +112,7 @@ TEST_P(DatabaseTest, Describe_GivesBackWhatATableWasMadeFrom) {
     ExpectSound(Path());
 }
 
-TEST_P(DatabaseTest, RequiredAndDefault_AreHonoured) {
+TEST_P(DatabaseTest, RequiredAndDefault_AreHonored) {
     TableSchema schema = PeopleSchema();
     schema.columns[1].required = true;
     schema.columns[4].defaultValue = "=1.5";

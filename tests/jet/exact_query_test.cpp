@@ -88,7 +88,7 @@ TEST_F(ExactQuery, Decimals_AreComparedWhateverTheirScale) {
     EXPECT_EQ(Ids("Exact = ?", *ParseDecimal(u"900719925474.9931")), "0 ");
 }
 
-TEST_F(ExactQuery, WholeNumbers_AreNotTakenForTheirNeighbours) {
+TEST_F(ExactQuery, WholeNumbers_AreNotTakenForTheirNeighbors) {
     EXPECT_EQ(Ids("Id = 1.00000000000000000001"), "");
     EXPECT_EQ(Ids("Id < 1.00000000000000000001"), "-1 0 1 ");
     EXPECT_EQ(Ids("Id > -0.5"), "0 1 ");

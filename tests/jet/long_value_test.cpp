@@ -167,7 +167,7 @@ TEST_P(LongValueTest, ReleaseOfWhatLiesInTheRow_ChangesNothing) {
 }
 
 TEST_P(LongValueTest, Replace_WhereThePageHasRoom_KeepsThePlace) {
-    const auto neighbour = Write(300, std::byte{1});
+    const auto neighbor = Write(300, std::byte{1});
     const auto old = Write(300);
     const auto last = Write(300, std::byte{2});
     for (const std::size_t size : {std::size_t{100}, std::size_t{300}, std::size_t{500}}) {
@@ -175,7 +175,7 @@ TEST_P(LongValueTest, Replace_WhereThePageHasRoom_KeepsThePlace) {
         Store().Replace(*operation_, old, std::vector<std::byte>(size, std::byte{9}), size, inRow);
         EXPECT_EQ(ReadLongValueHead(inRow)->first, ReadLongValueHead(old)->first) << size;
         EXPECT_EQ(Read(inRow), std::vector<std::byte>(size, std::byte{9})) << size;
-        EXPECT_EQ(Read(neighbour), std::vector<std::byte>(300, std::byte{1})) << size;
+        EXPECT_EQ(Read(neighbor), std::vector<std::byte>(300, std::byte{1})) << size;
         EXPECT_EQ(Read(last), std::vector<std::byte>(300, std::byte{2})) << size;
     }
     EXPECT_EQ(PagesOf(owned_), 1);

@@ -481,7 +481,7 @@ TEST_P(RecordsetTest, DescendingColumn_IsWalkedDownward) {
     EXPECT_EQ(people->Get("Age"), Value(10));
 }
 
-TEST_P(RecordsetTest, MemoAcrossItsForms_KeepsItsNeighboursAndItsPages) {
+TEST_P(RecordsetTest, MemoAcrossItsForms_KeepsItsNeighborsAndItsPages) {
     const auto people = database_->OpenTable("People");
     for (int i = 0; i < 40; ++i) {
         people->AddNew();

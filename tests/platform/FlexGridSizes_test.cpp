@@ -95,7 +95,7 @@ TEST_F(FlexGridSizes, WidthsByUser_ComeBackInANewGrid) {
     EXPECT_EQ(grid_->columnWidth(0), 300);
 }
 
-TEST_F(FlexGridSizes, CurrentCell_IsFramedWithoutColours) {
+TEST_F(FlexGridSizes, CurrentCell_IsFramedWithoutColors) {
     Listen();
     Show();
     grid_->Select(2, 1);
@@ -105,7 +105,7 @@ TEST_F(FlexGridSizes, CurrentCell_IsFramedWithoutColours) {
     EXPECT_EQ(current.pixelColor(0, 5), text);
     EXPECT_EQ(current.pixelColor(1, 5), text);
     EXPECT_NE(CellPicture(1, 1).pixelColor(0, 5), text);
-    // Within it a line of the ground: where the selection has the text's colour, that tells it.
+    // Within it a line of the ground: where the selection has the text's color, that tells it.
     EXPECT_EQ(current.pixelColor(2, 5), grid_->palette().color(QPalette::Base));
 }
 

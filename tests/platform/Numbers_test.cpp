@@ -137,7 +137,7 @@ TEST(CDbl, WholeTextMustBeANumber) {
     EXPECT_EQ(platform::CSng("0.1"), 0.1F);
 }
 
-TEST(CLng, HalvesGoToTheEvenNeighbour) {
+TEST(CLng, HalvesGoToTheEvenNeighbor) {
     EXPECT_EQ(platform::CLng(2.5), 2);
     EXPECT_EQ(platform::CLng(3.5), 4);
     EXPECT_EQ(platform::CLng(-0.5), 0);

@@ -36,7 +36,7 @@ QPalette AllOf(const QColor& ground, const QColor& text) {
     return palette;
 }
 
-// How many pixels along the left edge, from corner to corner, are not of the ground's colour.
+// How many pixels along the left edge, from corner to corner, are not of the ground's color.
 int MarkedAtLeft(QWidget& widget, const QColor& ground) {
     const QImage picture = widget.grab().toImage();
     int marked = 0;
@@ -50,7 +50,7 @@ int MarkedAtLeft(QWidget& widget, const QColor& ground) {
     return marked;
 }
 
-TEST(LegibleStyleTest, InvisibleDisabledTexts_GetAColourBetween) {
+TEST(LegibleStyleTest, InvisibleDisabledTexts_GetAColorBetween) {
     LegibleStyle style;
     QPalette palette = AllOf(Qt::black, Qt::white);
     style.polish(palette);
@@ -62,7 +62,7 @@ TEST(LegibleStyleTest, InvisibleDisabledTexts_GetAColourBetween) {
     EXPECT_GT(palette.color(QPalette::Link).lightness(), 128);
 }
 
-TEST(LegibleStyleTest, BoxesOfTheGroundsColour_AreOutlined) {
+TEST(LegibleStyleTest, BoxesOfTheGroundsColor_AreOutlined) {
     LegibleStyle style;
     QWidget page;
     page.setPalette(AllOf(Qt::black, Qt::white));
@@ -81,7 +81,7 @@ TEST(LegibleStyleTest, BoxesOfTheGroundsColour_AreOutlined) {
     }
 }
 
-TEST(LegibleStyleTest, DefaultButtonOfHighContrast_HasAFrameThatNeedsNoColour) {
+TEST(LegibleStyleTest, DefaultButtonOfHighContrast_HasAFrameThatNeedsNoColor) {
     LegibleStyle style;
     QDialog dialog;
     dialog.setPalette(AllOf(Qt::black, Qt::white));
@@ -124,13 +124,13 @@ TEST(LegibleStyleTest, CirclesOfOptions_GrowWithLargeLetters) {
 // On a light and on a dark ground alike.
 class CurrentTabTest : public testing::TestWithParam<std::pair<QRgb, QRgb>> {};
 
-TEST_P(CurrentTabTest, IsMarkedInTheHighlightColour) {
+TEST_P(CurrentTabTest, IsMarkedInTheHighlightColor) {
     LegibleStyle style;
-    QPalette colours(QColor(GetParam().first), QColor(GetParam().second));
-    colours.setColor(QPalette::Highlight, QColor(61, 174, 233));
+    QPalette colors(QColor(GetParam().first), QColor(GetParam().second));
+    colors.setColor(QPalette::Highlight, QColor(61, 174, 233));
     QTabBar tabs;
     tabs.setStyle(&style);
-    tabs.setPalette(colours);
+    tabs.setPalette(colors);
     tabs.setShape(QTabBar::RoundedSouth);
     tabs.addTab(QStringLiteral("FMZs"));
     tabs.addTab(QStringLiteral("NVC Table"));
@@ -139,18 +139,18 @@ TEST_P(CurrentTabTest, IsMarkedInTheHighlightColour) {
         const QRect place = tabs.tabRect(tab);
         return tabs.grab().toImage().pixelColor(place.center().x(), place.bottom());
     };
-    EXPECT_EQ(edge(0), colours.color(QPalette::Highlight));
-    EXPECT_NE(edge(1), colours.color(QPalette::Highlight));
+    EXPECT_EQ(edge(0), colors.color(QPalette::Highlight));
+    EXPECT_NE(edge(1), colors.color(QPalette::Highlight));
     tabs.setCurrentIndex(1);
-    EXPECT_NE(edge(0), colours.color(QPalette::Highlight));
-    EXPECT_EQ(edge(1), colours.color(QPalette::Highlight));
+    EXPECT_NE(edge(0), colors.color(QPalette::Highlight));
+    EXPECT_EQ(edge(1), colors.color(QPalette::Highlight));
 }
 
 INSTANTIATE_TEST_SUITE_P(Grounds, CurrentTabTest,
                          testing::Values(std::pair(qRgb(239, 240, 241), qRgb(49, 54, 59)),
                                          std::pair(qRgb(20, 20, 20), qRgb(239, 239, 239))));
 
-TEST(LegibleStyleTest, ListWithTheKeyboard_IsFramedInTheHighlightColour) {
+TEST(LegibleStyleTest, ListWithTheKeyboard_IsFramedInTheHighlightColor) {
     LegibleStyle style;
     QWidget page;
     QVBoxLayout layout(&page);

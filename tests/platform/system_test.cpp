@@ -178,7 +178,7 @@ TEST_F(SystemTest, Clipboard_KeepsText) {
     EXPECT_EQ(platform::ClipboardText(), "a\tb");
 }
 
-TEST_F(SystemTest, PlaceOver_CentresInsideTheScreen) {
+TEST_F(SystemTest, PlaceOver_CentersInsideTheScreen) {
     const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
     QWidget frame;
     frame.setGeometry(100, 100, 400, 300);

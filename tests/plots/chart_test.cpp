@@ -120,8 +120,8 @@ TEST_F(ChartTest, DrawnAgain_KeepsNothingOfTheFormerPicture) {
     EXPECT_EQ(chart_.findChildren<QObject*>().size(), before);
 }
 
-// Where two colours would be one gray, the hatching still tells losses from gains.
-TEST_F(ChartTest, LossAndGain_DifferWithoutColours) {
+// Where two colors would be one gray, the hatching still tells losses from gains.
+TEST_F(ChartTest, LossAndGain_DifferWithoutColors) {
     EXPECT_NE(chart_.Fill(-1).style(), chart_.Fill(1).style());
 }
 
@@ -133,7 +133,7 @@ TEST_F(ChartTest, ADarkPalette_TurnsTheGroundDark) {
     chart_.setPalette(dark);
     chart_.replot();
     EXPECT_EQ(chart_.grab().toImage().pixelColor(2, 2), QColor(20, 20, 20));
-    EXPECT_GT(chart_.Colours().loss.lightness(), 100);
+    EXPECT_GT(chart_.Colors().loss.lightness(), 100);
 }
 
 TEST_F(ChartTest, IsNamedAndDescribed) {

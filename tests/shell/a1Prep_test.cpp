@@ -14,13 +14,13 @@ TEST(a1Prep, FirstSizeFor_ScreensBelow600Lines_LeavesTheFrame) {
 
 TEST(a1Prep, FirstSizeFor_BothLimits_CountToTheLowerSide) {
     EXPECT_EQ(FirstSizeFor(8000), FirstSize::kAsItIs);
-    EXPECT_EQ(FirstSizeFor(8001), FirstSize::kMaximised);
-    EXPECT_EQ(FirstSizeFor(9120), FirstSize::kMaximised);
+    EXPECT_EQ(FirstSizeFor(8001), FirstSize::kMaximized);
+    EXPECT_EQ(FirstSizeFor(9120), FirstSize::kMaximized);
     EXPECT_EQ(FirstSizeFor(9121), FirstSize::kWorkingSize);
 }
 
-TEST(a1Prep, FirstSizeFor_UsualScreens_MaximisesOnlyOn600Lines) {
-    EXPECT_EQ(FirstSizeFor(600 * 15), FirstSize::kMaximised);
+TEST(a1Prep, FirstSizeFor_UsualScreens_MaximizesOnlyOn600Lines) {
+    EXPECT_EQ(FirstSizeFor(600 * 15), FirstSize::kMaximized);
     EXPECT_EQ(FirstSizeFor(768 * 15), FirstSize::kWorkingSize);
     EXPECT_EQ(FirstSizeFor(1080 * 15), FirstSize::kWorkingSize);
 }

@@ -181,17 +181,17 @@ private:
 // What the medium holds after the power went: every pending piece is there or not, by the draw.
 void LosePart(Node& node, std::mt19937& draw) {
     Bytes left = node.onMedium;
-    const auto favour = draw() % 5;  // of 4: how likely a piece is there
+    const auto favor = draw() % 5;  // of 4: how likely a piece is there
     for (const Pending& change : node.pending) {
         if (change.truncation) {
-            if (draw() % 4 < favour) left.resize(change.offset);
+            if (draw() % 4 < favor) left.resize(change.offset);
             continue;
         }
         for (std::size_t at = 0; at < change.bytes.size();) {
             const std::uint64_t offset = change.offset + at;
             const std::size_t size =
                 std::min<std::size_t>(change.bytes.size() - at, kSector - offset % kSector);
-            if (draw() % 4 < favour) Put(left, offset, change.bytes.data() + at, size);
+            if (draw() % 4 < favor) Put(left, offset, change.bytes.data() + at, size);
             at += size;
         }
     }

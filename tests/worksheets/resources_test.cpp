@@ -129,7 +129,7 @@ TEST_F(ResourcesTest, OwnNumberOrNoNumber_ChangesNothing) {
     EXPECT_EQ(Count(folder_.Trace(), QStringLiteral("MoveRow")), 0);
 }
 
-TEST_F(ResourcesTest, HalfNumber_GoesToTheEvenNeighbour) {
+TEST_F(ResourcesTest, HalfNumber_GoesToTheEvenNeighbor) {
     AddResources(5);
     Load<frm3SRMaster>();
     Enter(Grid("grdMasterList"), 1, 0, QStringLiteral("2.5"));

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int kLeft = int(Qt::AlignLeft | Qt::AlignVCenter);
-constexpr int kCentre = int(Qt::AlignCenter);
+constexpr int kCenter = int(Qt::AlignCenter);
 constexpr int kRight = int(Qt::AlignRight | Qt::AlignVCenter);
 
 struct Column {
@@ -63,10 +63,10 @@ TEST_F(ShapeTest, Resources) {
         ResourceRecords::Add(resource);
     }
     Load<frm3SRMaster>();
-    ExpectColumns("grdMasterList", {{"#", 480, kCentre, 4},
+    ExpectColumns("grdMasterList", {{"#", 480, kCenter, 4},
                                     {"Name", 3600, kLeft, 50},
                                     {"Short Name", 1500, kLeft, 20},
-                                    {"Units", 900, kCentre, 10},
+                                    {"Units", 900, kCenter, 10},
                                     {"Cost", 1320, kRight, 5}});
     const vsFlexGrid& grid = Grid("grdMasterList");
     EXPECT_EQ(grid.Cols(), 6);
@@ -80,7 +80,7 @@ TEST_F(ShapeTest, Zones) {
     ZoneRecords::Create(QStringLiteral("North"), 12);
     Load<frm4FMZs>();
     ExpectColumns("grdFMZs",
-                  {{"Fire Management Zone", 3600, kLeft, 46}, {"# RLs", 720, kCentre, 3}});
+                  {{"Fire Management Zone", 3600, kLeft, 46}, {"# RLs", 720, kCenter, 3}});
     EXPECT_EQ(Grid("grdFMZs").Cols(), 2);
     EXPECT_EQ(Grid("grdFMZs").FixedRows(), 1);
     EXPECT_EQ(Shown(Grid("grdFMZs"), 1, 1), "12");

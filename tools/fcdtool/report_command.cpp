@@ -35,7 +35,7 @@ std::string Today() {
            two(static_cast<unsigned>(day.month())) + "-" + two(static_cast<unsigned>(day.day()));
 }
 
-// The countries of North America and some of their neighbours, by the locale that messages or paper
+// The countries of North America and some of their neighbors, by the locale that messages or paper
 // are set to.
 bool UsesLetter() {
     for (const char* const name : {"LC_ALL", "LC_PAPER", "LANG"}) {

@@ -15,7 +15,12 @@ STATEMENT = re.compile(
     r"|(const |static |auto[*&]? |unsigned )+[\w:<>*& ]+[;({].*|(std::|Q[A-Z])[\w:]+(<.*>)?[*&]* \w+(;|[({=].*;)"
     r"|(bool|int|long|char|double|float|short)[*&]* \w+(\[\d*\])?;|using \w+ = .*;|template <.*>")
 BLOCK = re.compile(r"/\*(.*)\*/")
+# One spelling, the American one. Other programs' words are theirs.
+BRITISH = re.compile(r"(?i)behaviour|colour|neighbour|favour|honour|licence|catalogue(?!-)|centre|\bgrey\b|defence"
+                     r"|artefact|judgement|labelled(?!_?by)|modell(ed|ing)|(recogn|optim|initial|normal|serial|minim"
+                     r"|maxim|summar|organ|synchron|general|special)is(e|ing|ation)|\banalys(e|ed|ing)\b")
 RULES = [
+    (BRITISH, "one spelling: the American one"),
     (re.compile(r"^\s*#\s*if\s+0\b"), "code that is switched off"),
     (re.compile(r"\b(TODO|FIXME|XXX|HACK)\b"), "unfinished work is not left in the tree"),
     (re.compile(r"NOLINT(NEXTLINE|BEGIN|END)?(?!\w|\()"), "name the check that is switched off"),

@@ -105,6 +105,7 @@ TRIALS = [
     ("debris", "shell/Rest.h", "// So it is used:\n//     Rows rows;\n//     rows.Add(3);\n", ""),
     ("debris", "shell/Rest.cpp", "int a; \n", "blanks at the end"),
     ("debris", "shell/Rest.cpp", "// As in iss" + "ue 3.\n", "give the reason itself"),
+    ("debris", "shell/Rest.cpp", "// Its col" + "our.\n", "one spelling"),
     ("debris", "README.md", "Look into /ho" + "me/ann/prep.\n", "one person's machine"),
     ("debris", "README.md", "<<<<<" + "<< main\n", "a merge that was not finished"),
     ("debris", "shell/Rest.cpp", "// Closing it frees the lock.\n", ""),

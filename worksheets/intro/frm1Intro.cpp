@@ -46,10 +46,10 @@ QScrollArea* Scroller(QWidget* parent, FLabel* text) {
     auto* page = new QWidget;
     page->setObjectName(QStringLiteral("descriptionPage"));
     page->setAccessibleName(QScrollArea::tr("Instructions"));
-    auto* centre = new QVBoxLayout(page);
-    centre->setContentsMargins(kInset, kInset, kInset, kInset);
-    centre->addWidget(text);
-    centre->addStretch();
+    auto* center = new QVBoxLayout(page);
+    center->setContentsMargins(kInset, kInset, kInset, kInset);
+    center->addWidget(text);
+    center->addStretch();
     auto* area = new QScrollArea(parent);
     area->setObjectName(QStringLiteral("descriptionArea"));
     area->setAccessibleName(QScrollArea::tr("Instructions"));

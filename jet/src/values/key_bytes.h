@@ -9,7 +9,7 @@ namespace jet {
 
 using Key = std::vector<std::byte>;
 
-// The order of the index. A vector's own `<` makes some compilers warn, where they optimise most,
+// The order of the index. A vector's own `<` makes some compilers warn, where they optimize most,
 // of a comparison without end.
 struct KeyOrder {
     bool operator()(const Key& left, const Key& right) const {

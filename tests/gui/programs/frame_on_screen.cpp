@@ -40,7 +40,7 @@ int main(int argc, char* argv[]) {
             .arg(platform::ToTwips(frame.height()))
             .arg(frame.x())
             .arg(frame.y())
-            .arg(frame.isMaximized() ? QStringLiteral("maximised") : QStringLiteral("normal"),
+            .arg(frame.isMaximized() ? QStringLiteral("maximized") : QStringLiteral("normal"),
                  frame.size() == before ? QStringLiteral("as it was") : QStringLiteral("sized")));
     return 0;
 }
