@@ -41,13 +41,13 @@ QString currentFileName;
 QString currentPath;
 QString newUnitName;
 
-// What the user has been told about the open file.
-struct Told {
-    std::uint64_t pending = 0;  // operations that could not be brought into it
+// What has been reported about the open file.
+struct Reported {
+    std::uint64_t pending = 0;  // operations that are only in the log
     bool moved = false;
     bool putBack = false;
 };
-Told told;
+Reported reported;
 
 enum class Format { kCurrent, kSameTables, kWithoutGoals, kUnknown };
 
@@ -181,7 +181,7 @@ std::optional<platform::RuntimeError> CopyTemplate(const QString& path) {
 }
 
 // The worksheet that shows belongs to the file that is about to be closed. What goes wrong with
-// that one is told, and the file that the user has chosen comes next all the same.
+// that one is reported, and the file that the user has chosen comes next all the same.
 void CloseFormerFile() {
     if (!fileIsOpen) {
         return;
@@ -193,17 +193,18 @@ void CloseFormerFile() {
     platform::EventTrap::Run("PrepDatafile.CloseDatafile", CloseDatafile);
 }
 
-// It is tried after everything that the user does, and told again only when more waits than before.
+// It is tried after everything that the user does, and reported again only when more waits than
+// before.
 void BringIn() {
     try {
         dbDatafile->MakeDurable();
-        told.pending = 0;
+        reported.pending = 0;
     } catch (const platform::RuntimeError& error) {
         const std::uint64_t pending = dbDatafile->PendingOperations();
-        if (pending == told.pending) {
+        if (pending == reported.pending) {
             return;
         }
-        told.pending = pending;
+        reported.pending = pending;
         const bool isInLog =
             error.Number() == platform::kFileSystemFull || error.Number() == platform::kDeviceError;
         if (!isInLog) {
@@ -218,16 +219,16 @@ void BringIn() {
 }
 
 void TellWhatOthersDid() {
-    if (dbDatafile->WasPutBack() && !told.putBack) {
-        told.putBack = true;
+    if (dbDatafile->WasPutBack() && !reported.putBack) {
+        reported.putBack = true;
         throw platform::RuntimeError(
             platform::kNoSuchFile,
             Texts::tr("The file \"%1\" had been deleted by another program while it was "
                       "open. It has been written anew, with all that is in it.")
                 .arg(currentFileName));
     }
-    if (dbDatafile->WasMoved() && !told.moved) {
-        told.moved = true;
+    if (dbDatafile->WasMoved() && !reported.moved) {
+        reported.moved = true;
         throw platform::RuntimeError(
             platform::kNoSuchFile,
             Texts::tr("The file \"%1\" has been moved or renamed by another program while it "
@@ -361,7 +362,7 @@ bool OpenDatatables(const QString& fileName) {
     }
     currentPath = fileName;
     currentFileName = platform::ShownPath(FileTitleFromPath(fileName));
-    told = {};
+    reported = {};
     fileIsOpen = true;
     TellOfKeptLog();
     return true;

@@ -1,7 +1,7 @@
 // The life of the one data file: new from the template, open, version check and conversion, close.
 //
-// A failure is told to the user here and leaves no file open; a refused file stays as it was. What
-// is thrown all the same is a platform::RuntimeError that nobody expected: the last trap tells it.
+// A failure is shown to the user here and leaves no file open; a refused file stays as it was. What
+// is thrown all the same is a platform::RuntimeError that nobody expected: the last trap shows it.
 #pragma once
 
 #include <QString>
@@ -38,11 +38,11 @@ void Convert3to4();
 // Closes record sets and database. Throws when what was changed cannot be made durable; the file is
 // closed all the same, and the next opening brings the changes in.
 void CloseDatafile();
-// Closes what is open of a file that cannot be worked with; nobody is told.
+// Closes what is open of a file that cannot be worked with; nothing is shown.
 void GiveUp();
 // The part of a path after its last separator, of either kind.
 QString FileTitleFromPath(const QString& path);
-// Tells the user in one box that the file cannot be opened, and why; closes whatever of it is open.
+// Shows the user in one box that the file cannot be opened, and why; closes whatever of it is open.
 void RefuseDatafile(const QString& reason);
 // Carries what was written so far through a power cut; nothing when no file is open, or while a
 // transaction is, whose action ends with it.

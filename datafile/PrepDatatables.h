@@ -40,7 +40,7 @@ extern Table tblNVCPerAcre;
 
 // The tables other than Properties, which OpenRecordsets opens.
 QStringList TableNames();
-// Opens the six tables other than Properties and sets their indexes. On an error it is told like a
+// Opens the six tables other than Properties and sets their indexes. An error is shown like a
 // file that cannot be opened, everything is closed again and the result is false.
 bool OpenRecordsets();
 // Closes the record sets and the database; whatever of them is open. All are closed even when an

@@ -13,7 +13,7 @@
 
 class QWidget;
 
-// What a long import tells of its progress. It is called before each zone, so whoever shows
+// What a long import reports of its progress. It is called before each zone, so whoever shows
 // something must not let the user change anything meanwhile.
 class ImportProgress {
 public:

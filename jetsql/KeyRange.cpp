@@ -68,8 +68,8 @@ std::string Text(sqlite3_value* value) {
     return {text, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
-// The bound moves outwards where the type cannot hold it, and at 0, because an index tells -0 from
-// 0 and SQLite does not.
+// The bound moves outwards where the type cannot hold it, and at 0, because an index distinguishes
+// -0 from 0 and SQLite does not.
 template <typename Real>
 Real Towards(double number, Bound bound) {
     constexpr Real kEndless = std::numeric_limits<Real>::infinity();

@@ -93,7 +93,7 @@ bool Run(const char* handler, const std::function<void()>& body) noexcept {
     if (failure) {
         ReportTo(*failure);
     }
-    // The same cause is told once.
+    // The same cause is reported once.
     if (idleFailure && (!failure || CauseOf(*idleFailure) != CauseOf(*failure))) {
         ReportTo(*idleFailure);
     }

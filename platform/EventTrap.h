@@ -22,7 +22,7 @@ struct Report {
     QString description;
     QString subject;  // what the error is about, where that is known
 
-    // What a person is told: "North, location 2: Disk full".
+    // What a person reads: "North, location 2: Disk full".
     [[nodiscard]] QString Sentence() const;
 };
 

@@ -7,7 +7,7 @@ namespace review {
 
 namespace {
 
-// Changed cells are told by color, underline and the struck-out former figure.
+// Changed cells are marked by color, underline and the struck-out former figure.
 constexpr std::string_view kStyle = R"(
 :root { color-scheme: light; }
 body { font: 11pt/1.4 "Liberation Sans", Arial, Helvetica, sans-serif; color: #111;

@@ -36,7 +36,7 @@ void Require(lxw_error error) {
     throw std::system_error(errno, std::generic_category());
 }
 
-// Where no file can be made, the library would tell the terminal so in its own words.
+// Where no file can be made, the library would print that in its own words.
 void RequireWritable(const std::filesystem::path& path) {
     errno = 0;
     if (!std::ofstream(path, std::ios::binary)) {
@@ -62,7 +62,7 @@ std::string CellText(const std::string& text, bool& isCut) {
     return season::ToUtf8(wide);
 }
 
-// While it lives, the library cannot tell the terminal in its own words what an exception says.
+// While it lives, the library cannot print in its own words what an exception says.
 class Hush {
 public:
 #ifdef __GLIBC__  // where the stream may be replaced

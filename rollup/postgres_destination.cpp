@@ -56,7 +56,7 @@ public:
     PostgresDestination(const std::string& connection, const Waiting& waiting)
         : connection_(connection) {
         WaitUntil([this] { return TryLock(); }, waiting);
-        // A commit then waits for no disk; a power cut of the server can take back the last files
+        // A commit then waits for no disk; a power cut of the server can lose the last files
         // of a run, which the next one reads again.
         connection_.Execute("SET synchronous_commit = off");
         schema_ = std::make_unique<PostgresSchema>(connection_);

@@ -89,7 +89,7 @@ class SqliteDestination : public Destination {
 public:
     SqliteDestination(const std::string& file, const Waiting& waiting)
         : lock_(file + "-lock", waiting), database_(file, SqliteDatabase::Mode::kWrite) {
-        // A commit then waits for no disk; a power cut can take back the last files of a run, which
+        // A commit then waits for no disk; a power cut can lose the last files of a run, which
         // the next one reads again.
         database_.Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
                           "PRAGMA wal_autocheckpoint = 4000; PRAGMA cache_size = -16000");

@@ -1,4 +1,4 @@
-// What the name of a data file and a unit's name tell: unit, state, year.
+// What the name of a data file and a unit's name say: unit, state, year.
 #pragma once
 
 #include <filesystem>

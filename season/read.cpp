@@ -142,7 +142,7 @@ void ReadZones(jet::Database& database, Season& season) {
 void ReadNvcResources(jet::Database& database, Season& season) {
     const char* const table = "NVCResources";
     Rows rows(database, table);
-    // The key has this name or that; its index tells.
+    // The key has this name or that; its index decides.
     int number = -1;
     for (const jet::IndexSchema& index : database.Describe(table).indexes) {
         if (Folded(index.name) == Folded(kPrimaryKey) && !index.columns.empty()) {

@@ -37,7 +37,7 @@ void Tell(const Report& report) {
         options.details = Texts::tr("Error %1 in %2").arg(report.number).arg(report.handler);
         platform::MsgBox(report.Sentence(), options);
     } catch (...) {
-        // Out of memory or the like: there is nobody left to tell.
+        // Out of memory or the like: there is no way left to report it.
         return;
     }
 }

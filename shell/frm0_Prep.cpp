@@ -322,7 +322,7 @@ bool frm0_Prep::MDIForm_Unload() {
         if (!leavesUnsaved_ && !SaveBeforeLeaving()) {
             return false;
         }
-        // The program ends even when closing fails; the trap tells of it.
+        // The program ends even when closing fails; the trap reports it.
         Run("PrepDatafile.CloseDatafile", [] { PrepDatafile::CloseDatafile(); });
     }
     isUnloaded_ = true;

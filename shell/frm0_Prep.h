@@ -60,7 +60,7 @@ public:
     void SaveForSessionEnd();
     // Saves and ends the program without asking anything.
     void EndAtOnce();
-    // Tells the user once that the logs cannot be written.
+    // Warns the user once that the logs cannot be written.
     void TellOfLogFailure();
     [[nodiscard]] bool HasToldOfLogFailure() const { return toldOfLogFailure_; }
 

@@ -26,7 +26,7 @@ struct FileStamp {
 // Nothing when the file is not there.
 std::optional<FileStamp> StampOf(const std::filesystem::path& path);
 
-// Last year's file of the same unit in the same folder, told by its name: UMFOR25 beside UMFOR26.
+// Last year's file of the same unit in the same folder, known by its name: UMFOR25 beside UMFOR26.
 std::optional<std::filesystem::path> LastYearsFile(const std::filesystem::path& path);
 
 class ReviewCase {

@@ -29,7 +29,7 @@ public:
     explicit frmReview(QString path);
     ~frmReview() override;
 
-    // A refused file is told in a message box; what was there stays.
+    // A refused file is shown in a message box; what was there stays.
     void OpenFile(const QString& path);
 
 protected:

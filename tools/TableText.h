@@ -35,7 +35,7 @@ jet::IndexSchema Index(std::string name, const std::vector<std::string>& columns
 // a build that was broken off leaves no half-made file.
 void MakeFile(const std::filesystem::path& path, const std::function<void(jet::Database&)>& fill);
 
-// Runs a tool's work; tells an error and gives the exit status.
+// Runs a tool's work; reports an error and gives the exit status.
 int RunTool(const std::function<void()>& work);
 
 }  // namespace tools

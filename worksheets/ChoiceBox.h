@@ -2,8 +2,8 @@
 //
 // The wheel passes over it while it is closed, without changing it, so that scrolling a page never
 // chooses another item. Its list shows some twenty rows and a scroll bar, as wide as the longest
-// item; the box itself keeps the width that it was given, and a text that is cut there is told by a
-// tip. An item without a text shows as "(no name)"; the item's own text stays empty.
+// item; the box itself keeps the width that it was given, and a text that is cut there is shown by
+// a tip. An item without a text shows as "(no name)"; the item's own text stays empty.
 #pragma once
 
 #include <QComboBox>

@@ -18,7 +18,7 @@ QStringList StoreOthers(int rows, const std::function<bool(int row)>& store) {
     return missing;
 }
 
-void Told(const char* handler, const std::function<void()>& save) {
+void Shown(const char* handler, const std::function<void()>& save) {
     try {
         save();
     } catch (const platform::RuntimeError& error) {

@@ -11,9 +11,9 @@ namespace MissingRows {
 // numbers of those that it does not have.
 QStringList StoreOthers(int rows, const std::function<bool(int row)>& store);
 
-// Runs a save. That rows are missing (3021) is told and logged, but does not keep the user on the
+// Runs a save. That rows are missing (3021) is shown and logged, but does not keep the user on the
 // worksheet: what has its row is stored by then. Every other error is passed on. `handler` is the
 // qualified name for the log, a string literal.
-void Told(const char* handler, const std::function<void()>& save);
+void Shown(const char* handler, const std::function<void()>& save);
 
 }  // namespace MissingRows

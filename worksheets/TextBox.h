@@ -1,4 +1,4 @@
-// A line edit that tells when it gets the focus and can refuse typed keys.
+// A line edit that reports when it gets the focus and can refuse typed keys.
 #pragma once
 
 #include <functional>

@@ -106,7 +106,7 @@ QLabel* Instruction(QWidget* parent, const char* name, const QString& text);
 using platform::Name;
 // A combo box that belongs to a label and is named like it; `characters`: how many it has room for.
 ChoiceBox* Choice(QWidget* parent, const char* name, QLabel& label, int characters);
-// Makes an item current without telling anybody.
+// Makes an item current without a signal.
 void SelectSilently(QComboBox& box, int index);
 
 }  // namespace PageParts

@@ -23,7 +23,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/jetConfig.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/jetConfigVersion.cmake
   DESTINATION ${package_folder} COMPONENT jet)
 
-# The prefix is told from where the description lies, so that the folder can be moved.
+# The prefix is derived from where the description lies, so that the folder can be moved.
 string(REGEX REPLACE "[^/]+" ".." back_to_prefix ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 foreach(library jet jet_c)
   configure_file(cmake/jet.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${library}.pc @ONLY)

@@ -112,7 +112,7 @@ void FLabel::paintEvent(QPaintEvent* /*event*/) {
     Text().Paint(painter, contentsRect());
 }
 
-// Font changes are told more often than fonts change.
+// Font changes are announced more often than fonts change.
 const WrappedText& FLabel::Text() const {
     ensurePolished();
     if (!text_ || measured_ != font()) {

@@ -1,7 +1,7 @@
 // The open edit of a cell and what becomes of its text, without a window.
 //
-// The text box tells it of every change. It knows whether anything was typed, what the form's
-// handlers have been told of, and what the table has been offered, so that the last text always
+// The text box reports every change to it. It knows whether anything was typed, what the form's
+// handlers have heard of, and what the table has been offered, so that the last text always
 // reaches both, once.
 #pragma once
 
@@ -18,7 +18,7 @@ public:
     // The text was changed by a key, a paste or a drop. True for the first change of the edit.
     bool Change();
     [[nodiscard]] bool IsChanged() const { return changed_; }
-    // Key releases tell handlers of changes.
+    // Key releases report changes to handlers.
     void Report() { unreported_ = false; }
     [[nodiscard]] bool IsUnreported() const { return unreported_; }
 

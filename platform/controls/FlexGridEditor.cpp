@@ -40,7 +40,7 @@ bool ComesBack(Qt::FocusReason reason) {
 
 }  // namespace
 
-// Takes back whatever would make a text longer than may be typed, from wherever it came.
+// Undoes whatever would make a text longer than may be typed, from wherever it came.
 class FlexGridLimit : public QValidator {
 public:
     explicit FlexGridLimit(QObject* parent) : QValidator(parent) {}

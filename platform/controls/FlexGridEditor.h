@@ -1,10 +1,10 @@
 // The text box in which a grid's cell is edited.
 //
-// It tells the grid what happens in it and leaves all decisions there: each key press is offered to
-// the grid first. Until something is typed or a caret is asked for, the whole text stays selected
-// and the mouse is the grid's, so that what is typed always takes the place of what was there.
-// A key release is reported only for a key that was pressed here, since the key
-// that moved on from another cell is released in this one.
+// It reports to the grid what happens in it and leaves all decisions there: each key press is
+// offered to the grid first. Until something is typed or a caret is asked for, the whole text stays
+// selected and the mouse is the grid's, so that what is typed always takes the place of what was
+// there. A key release is reported only for a key that was pressed here, since the key that moved
+// on from another cell is released in this one.
 #pragma once
 
 #include <QLineEdit>

@@ -69,7 +69,7 @@ public:
     void SetRowData(int row, int data);
     [[nodiscard]] const FlexGridColumn& Column(int col) const;
     FlexGridColumn& Column(int col);
-    // Tells the views that a column's way of showing its texts has changed.
+    // Announces that a column's way of showing its texts has changed.
     void ColumnChanged(int col);
 
     void InsertRow(int row, const QStringList& texts);

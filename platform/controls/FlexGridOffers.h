@@ -67,7 +67,7 @@ private:
 
     FlexGridModel& model_;
     std::function<State()> state_;
-    bool inAction_ = false;  // the table has been told of an action that has not ended
+    bool inAction_ = false;  // the table knows of an action that has not ended
     bool offering_ = false;
     QString told_;                         // what became of the last action, if not as typed
     QList<QPersistentModelIndex> marked_;  // the cells that were marked, the latest last

@@ -13,7 +13,7 @@ QColor LineColor(const QPalette& palette, QPalette::ColorRole ground, QPalette::
 // Draws a line along the right and one along the bottom edge, inside the rectangle.
 void DrawEdges(QPainter& painter, const QRect& rect, const QColor& color);
 // Marks a cell that shows another value than the stored one: a frame and a filled corner, so that
-// it is told without colors too.
+// it shows without colors too.
 void DrawMark(QPainter& painter, const QRect& rect, const QPalette& palette, bool selected);
 // The frame of the current cell; thick where the keyboard is.
 void DrawCurrent(QPainter& painter, const QRect& rect, const QPalette& palette, bool keyboard);

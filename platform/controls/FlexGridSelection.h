@@ -1,7 +1,7 @@
 // The current cell of a grid and the block that is selected around it.
 //
 // Rows and columns are numbered as in the grid. Moving the current cell is reported by the view as
-// always; IsQuiet then tells whether the user moved or the program.
+// always; IsQuiet then says whether the user moved or the program.
 #pragma once
 
 #include <QModelIndexList>

@@ -64,7 +64,7 @@ public:
     Outline& operator=(const Outline&) = delete;
 
     void Box(const QRect& rect) { painter_.drawRect(rect.adjusted(0, 0, -1, -1)); }
-    // Thick and in the color of the text, so that it is told without colors too.
+    // Thick and in the color of the text, so that it shows without colors too.
     void Thick(const QRect& rect, const QColor& color) {
         painter_.setPen(QPen(color, kThick, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
         painter_.drawRect(rect.adjusted(kThick / 2, kThick / 2, -kThick / 2 - 1, -kThick / 2 - 1));

@@ -4,11 +4,11 @@
 // text; its column's format decides how that text is shown. Row data is one number per row. Widths
 // are twips. Column resizing by the user is kept.
 //
-// The current cell. While there are data rows one of them is current. EnterCell tells that the user
-// or Select, SetRow and SetCol moved to another cell, that the focus came to the grid by keyboard,
-// or that the user asks to edit the current cell (Enter, F2, a typed character, a click). Where the
-// focus came, the cell is only marked: EditCell then does nothing, so that a stray key at least
-// shows what it does.
+// The current cell. While there are data rows one of them is current. EnterCell reports that the
+// user or Select, SetRow and SetCol moved to another cell, that the focus came to the grid by
+// keyboard, or that the user asks to edit the current cell (Enter, F2, a typed character, a click).
+// Where the focus came, the cell is only marked: EditCell then does nothing, so that a stray key at
+// least shows what it does.
 //
 // Editing. A handler of EnterCell that wants the cell edited calls EditCell, which asks BeforeEdit
 // (any handler may set *cancel) and opens the editor with the cell's unformatted text selected. All
@@ -162,7 +162,7 @@ public:
     void RowRemoved(int row);
     void RowMoved(int from, int to);  // `to`: its place when it has been moved
     // Gives the table the text of the open edit as it stands, if it was changed. kStored when there
-    // is nothing to offer. What is refused is told once, when the edit ends.
+    // is nothing to offer. A refusal is reported once, when the edit ends.
     GridTable::Answer OfferEdit();
     // "Stored as 1" for a cell that shows, or whose editor holds, something else; else empty.
     Q_INVOKABLE QString CellNote(int row, int col) const;
@@ -185,7 +185,7 @@ signals:
     void Refused(int row, int col, const QString& sentence);
     void ColumnResized(int col);
     void WidthSetByUser();
-    void Click();  // a mouse click on any cell; Row and Col tell which (header cells leave them)
+    void Click();  // a mouse click on any cell; Row and Col say which (header cells leave them)
 
 protected:
     bool event(QEvent* event) override;

@@ -32,7 +32,7 @@ void vsIndexTab::SetCaption(const QString& captions) {
     for (QString caption : captions.split(u'|')) {
         const int tab = addTab(caption.replace(u'&', QStringLiteral("&&")));
         if (caption.isEmpty()) {
-            // Assistive technology is told of tabs that are not visible, too.
+            // Assistive technology hears of tabs that are not visible, too.
             setAccessibleTabName(tab, tr("None"));
         }
     }

@@ -78,12 +78,12 @@ public:
     // The records that a query selects, in its order; jet/query.h says what it may ask for.
     [[nodiscard]] std::unique_ptr<Recordset> OpenDynaset(const QString& sql);
     void AppendTable(const TableDefinition& table);
-    // Operations of an interrupted run that opening brought in.
+    // Operations of an interrupted run that opening recovered.
     [[nodiscard]] int RecoveredOperations() const;
     // The names of logs beside the file that hold changes which it lacks; empty when there are
     // none.
     [[nodiscard]] QString KeptLog() const;
-    // Operations that MakeDurable has not brought into the file.
+    // Operations that no checkpoint has written into the file.
     [[nodiscard]] std::uint64_t PendingOperations() const;
     // What MakeDurable found: the file has another name now, or was removed and has been put back.
     [[nodiscard]] bool WasMoved() const;

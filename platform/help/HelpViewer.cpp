@@ -32,7 +32,7 @@ HelpLibrary* Library() {
     return LateLibrary<HelpLibrary>(QStringLiteral("tarnhelp"));
 }
 
-// Tells the user why there is no help; nothing else depends on it.
+// Shows why there is no help; nothing else depends on it.
 void TellFailure() {
     QString reason = Texts::tr("The help file cannot be read.");
     if (!QFileInfo::exists(helpFile)) {

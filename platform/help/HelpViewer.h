@@ -11,8 +11,8 @@ class HelpViewer {
 public:
     // The file from which the topics come; it is read at the first request.
     static void SetHelpFile(const QString& path);
-    // Shows the topic of this context id, or the contents. A missing or damaged file is told to the
-    // user in a message box, nothing worse.
+    // Shows the topic of this context id, or the contents. A missing or damaged file is shown to
+    // the user in a message box, nothing worse.
     static void ShowContext(int contextId);
     static void ShowContents();
     static void Close();

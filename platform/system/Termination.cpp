@@ -55,7 +55,7 @@ void OnTermination(std::function<void()> handler) {
     for (const int signal : kSignals) {
         ::sigaction(signal, &action, nullptr);
     }
-    // A file that reaches the largest size allowed is an error of the write, told like any other.
+    // A file that reaches the largest size allowed makes the write fail, like any other error.
     action.sa_handler = terminationHandler ? SIG_IGN : SIG_DFL;
     ::sigaction(SIGXFSZ, &action, nullptr);
 }

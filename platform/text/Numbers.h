@@ -9,7 +9,7 @@
 namespace platform {
 
 // The leading number of a text. This is the one rule by which a number that was typed is read in
-// every grid and dialog (CDbl below tells of the two that are refused instead where they are no
+// every grid and dialog (CDbl below lists the two that are refused instead where they are no
 // number as a whole); what is stored is what it gives.
 //
 // Blanks, tabs and line ends are passed over wherever they stand. Then a sign, digits, one decimal
@@ -67,7 +67,7 @@ float ToSingle(double value);
 
 // A typed number as the file holds it, the nearest single; nothing when it is too large for one.
 std::optional<float> TypedSingle(const QString& text);
-// The sentence that tells so: "The number "9e99" is too large."
+// The sentence about it: "The number "9e99" is too large."
 QString TooLarge(const QString& text);
 
 // A number as the shortest text that reads back as the same number: no exponent where 9 (single) or

@@ -391,7 +391,7 @@ TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedEarly_BringsItsChangesInAndSay
     OpenFile(left);
     EXPECT_EQ(tblFMZList->RecordCount(), 1);
     EXPECT_EQ(folder_.Trace().filter(QStringLiteral("1 changes of an interrupted run")).size(), 1);
-    // A reader has them brought in as well.
+    // A reader recovers them as well.
     const auto reader = dao::Database::Open(readElsewhere, dao::OpenMode::kReading);
     EXPECT_EQ(reader->RecoveredOperations(), 1);
     EXPECT_EQ(reader->OpenTable(QStringLiteral("FMZList"))->RecordCount(), 1);

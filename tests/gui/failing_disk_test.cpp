@@ -1,6 +1,6 @@
 // The disk fails under the running program: it fills up, becomes read-only, goes away or loses
-// single calls. The user is told in plain words, what was typed stays on the screen, the file stays
-// whole, and the same thing works when the cause is gone.
+// single calls. The user reads it in plain words, what was typed stays on the screen, the file
+// stays whole, and the same thing works when the cause is gone.
 //
 // The program's own calls of the operating system fail (tests/faults), each in turn: the n-th
 // write, flush, resizing, opening, renaming or removal of a file that belongs to the data file, for
@@ -451,7 +451,7 @@ TEST_F(RunningProgram, FileDialogWaits_WhatWasTypedIsInTheFileAlone) {
     EXPECT_EQ(zones->Text(QStringLiteral("Name")), QStringLiteral("North"));
 }
 
-// A log that cannot be written is told once and never stands in the way.
+// A log that cannot be written is reported once and never stands in the way.
 TEST_F(RunningProgram, LogCannotBeWritten_EverythingElseGoesOn) {
     SwitchOn(".LOG", {"LogFull", Mode::kForGood, tarn_faults::kAllChanges, ENOSPC});
     QStringList said;

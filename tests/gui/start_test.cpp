@@ -136,7 +136,7 @@ TEST_F(Start, TraceCannotBeWritten_TheErrorLogHasTheNumber) {
     Run();
     EXPECT_TRUE(support::Bytes(folder_.Path(QStringLiteral("ERROR.LOG")))
                     .contains("Error during startup 75\r\n"));
-    EXPECT_EQ(answers.Texts().size(), 1) << "told once that there is no log";
+    EXPECT_EQ(answers.Texts().size(), 1) << "one warning that there is no log";
     EXPECT_TRUE(NoFileState());
 }
 

@@ -565,7 +565,7 @@ TEST_F(FlexGridEditing, Undo_TakesTypingBack) {
     EXPECT_EQ(grid_->EditText(), "North");
 }
 
-// A form that stores each value where the grid tells of it, and a user who does anything at all.
+// A form that stores each value where the grid reports it, and a user who does anything at all.
 class FlexGridWalk : public FlexGridEditing, public testing::WithParamInterface<unsigned> {
 protected:
     void SetUp() override {

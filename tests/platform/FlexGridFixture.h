@@ -1,4 +1,4 @@
-// A grid in a shown window between two text boxes, with a log of what it tells its form.
+// A grid in a shown window between two text boxes, with a log of what it reports to its form.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What tells people how fcdtool is used: its own help, the manual page, the shell's completion.
+// What explains how fcdtool is used: its own help, the manual page, the shell's completion.
 #include <fstream>
 #include <regex>
 #include <set>

@@ -1,4 +1,4 @@
-// What a person is told of an error that no procedure caught.
+// What a person reads of an error that no procedure caught.
 #include "shell/LastTrap.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ protected:
     ~LastTrapTest() override { platform::EventTrap::Install({}); }
 
     // The box that comes up for an error of a save.
-    static support::Message Told(int number, const QString& subject) {
+    static support::Message Shown(int number, const QString& subject) {
         const support::Answers answers;
         platform::EventTrap::Run("frm5NVCTable.SaveChanges", [&] {
             platform::Concerning([&] { return subject; },
@@ -32,7 +32,7 @@ protected:
 };
 
 TEST_F(LastTrapTest, Error_IsToldInWordsForPeople_WithTheRestAsDetails) {
-    const support::Message box = Told(3022, "North, location 2");
+    const support::Message box = Shown(3022, "North, location 2");
     EXPECT_EQ(box.title, "TARN Prep");
     EXPECT_EQ(box.text, "North, location 2: It failed.");
     EXPECT_EQ(box.informative, "");
@@ -41,11 +41,11 @@ TEST_F(LastTrapTest, Error_IsToldInWordsForPeople_WithTheRestAsDetails) {
 }
 
 TEST_F(LastTrapTest, ErrorOfNothingInParticular_IsToldAsItIs) {
-    EXPECT_EQ(Told(9, QString()).text, "It failed.");
+    EXPECT_EQ(Shown(9, QString()).text, "It failed.");
 }
 
 TEST_F(LastTrapTest, FullDisk_SaysWhatCanBeDone) {
-    EXPECT_TRUE(Told(platform::kDiskFull, QString()).informative.contains("Make room"));
+    EXPECT_TRUE(Shown(platform::kDiskFull, QString()).informative.contains("Make room"));
 }
 
 TEST_F(LastTrapTest, BusyModeOfAHandlerThatFails_IsPutBack) {
@@ -61,7 +61,7 @@ TEST_F(LastTrapTest, BusyModeOfAHandlerThatFails_IsPutBack) {
 }
 
 TEST_F(LastTrapTest, BothLogs_KeepProcedureNumberAndSubject) {
-    Told(3022, "North");
+    Shown(3022, "North");
     for (const char* log : {"TARN.LOG", "ERROR.LOG"}) {
         EXPECT_TRUE(
             folder_.Bytes(log).contains("frm5NVCTable.SaveChanges: Error 3022, North: It failed."))

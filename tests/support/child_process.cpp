@@ -109,7 +109,7 @@ std::optional<std::string> ChildProcess::ReadLine() {
         if (next == '\n') return line;
         if (next != '\r') line += next;
     }
-    // A line that a kill has cut short was never told.
+    // A line that a kill has cut short was never complete.
     return std::nullopt;
 }
 

@@ -160,7 +160,7 @@ TEST_F(UndoHistoryTest, FailedStep_LeavesTheActionWhereItWas) {
     EXPECT_EQ(Counter::number, 0);
     form.before = [] { throw platform::RuntimeError(70, QStringLiteral("Permission denied")); };
     Press(Qt::Key_Y, Qt::ControlModifier);
-    ASSERT_EQ(errors_.size(), 1U) << "by keyboard the error is told";
+    ASSERT_EQ(errors_.size(), 1U) << "by keyboard the error is reported";
     EXPECT_TRUE(form.Past().CanRedo());
     EXPECT_FALSE(form.Past().CanUndo());
 }

@@ -141,7 +141,7 @@ TEST_F(CostTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
     EXPECT_EQ(Stored(first_, 3, "Cost"), 66);
     EXPECT_EQ(tblSuppressionPerAcreCost->RecordCount(), 16);
     Leave();
-    EXPECT_EQ(errors_.size(), 1U) << "told once";
+    EXPECT_EQ(errors_.size(), 1U) << "reported once";
 }
 
 TEST_F(CostTest, EqualValueAssigned_StillMarksTheTable) {

@@ -108,7 +108,7 @@ protected:
             Press(Below(2) == 0 ? Qt::Key_Down : Qt::Key_Right, Qt::ShiftModifier);
         }
     }
-    // Boxes that tell are closed, questions are answered with No.
+    // Boxes that inform are closed, questions are answered with No.
     void StepInGrid(vsFlexGrid& grid) {
         support::Answers answers;
         switch (Below(7)) {

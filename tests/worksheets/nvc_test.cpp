@@ -280,7 +280,7 @@ TEST_F(NVCTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
     EXPECT_EQ(Stored(first_ * 100 + 1, 5, 3), 18);
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), 40);
     Leave();
-    EXPECT_EQ(errors_.size(), 1U) << "told once";
+    EXPECT_EQ(errors_.size(), 1U) << "reported once";
 }
 
 TEST_F(NVCTest, MissingName_IsToldAndTheOthersAreStored) {

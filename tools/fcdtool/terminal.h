@@ -1,4 +1,4 @@
-// What the operating system tells about who reads the output.
+// What the operating system says about who reads the output.
 #pragma once
 
 namespace fcdtool {

@@ -56,7 +56,7 @@ QString CostGridTable::Text(int row, int col) const {
     return table_ ? ShownNumber(col, Value(row, col)) : QString();
 }
 
-// A size that is not shown, below 0, is told all the same.
+// A size that is not shown, below 0, is reported all the same.
 QString CostGridTable::Stored(int row, int col) const {
     const bool hidden = col == kTo && Value(row, col) < 0;
     return hidden ? platform::Str(Value(row, col)) : Text(row, col);

@@ -29,7 +29,7 @@ public:
     static constexpr int kColumns = 3;
 
     using Changes = std::vector<undo::CellChange<float>>;
-    // Told of each action once it has ended; `changes` is empty when all is as it was before.
+    // Called with each action once it has ended; `changes` is empty when all is as it was before.
     using Done = std::function<void(const QString& name, const Changes& changes)>;
 
     explicit CostGridTable(Done done) : done_(std::move(done)) {}

@@ -191,7 +191,7 @@ void frm6SuppressAcre::SaveChanges() {
     u91Trace::Procedure(QStringLiteral("frmSuppressAcre.SaveChanges"));
     grdCosts_->FinishEdit();
     if (c35AACTable* table = table_.Table()) {
-        MissingRows::Told("frmSuppressAcre.SaveChanges", [this, table] {
+        MissingRows::Shown("frmSuppressAcre.SaveChanges", [this, table] {
             platform::Concerning([this] { return Subjects::Shown(cboFMZs_->itemText(zoneIndex_)); },
                                  [table] { table->SaveChanges(); });
         });
@@ -249,7 +249,7 @@ void frm6SuppressAcre::grdCosts_EnterCell() {
     }
 }
 
-// How long a text may be, and whether the cell takes one, the table tells.
+// How long a text may be, and whether the cell takes one, the table decides.
 void frm6SuppressAcre::grdCosts_BeforeEdit() {
     u91Trace::Procedure(QStringLiteral("frmSuppressAcre.grdCosts_BeforeEdit"));
 }

@@ -33,7 +33,7 @@ public:
         bool operator==(const Cell&) const = default;
     };
     using Changes = std::vector<undo::CellChange<Cell>>;
-    // Told of each action once it has ended; `changes` is empty when all is as it was before.
+    // Called with each action once it has ended; `changes` is empty when all is as it was before.
     using Done = std::function<void(const QString& name, const Changes& changes)>;
 
     explicit NVCGridTable(Done done) : done_(std::move(done)) {}

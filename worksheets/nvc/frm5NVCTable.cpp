@@ -162,10 +162,10 @@ void frm5NVCTable::SaveChanges() {
     grdNVC_->FinishEdit();
     platform::FirstError refused;
     refused.Try(
-        [this] { MissingRows::Told("frm5NVCTable.SaveChanges", [this] { table_.SaveNames(); }); });
+        [this] { MissingRows::Shown("frm5NVCTable.SaveChanges", [this] { table_.SaveNames(); }); });
     if (c34NVCTable* table = table_.Table()) {
         refused.Try([this, table] {
-            MissingRows::Told("frm5NVCTable.SaveChanges", [this, table] {
+            MissingRows::Shown("frm5NVCTable.SaveChanges", [this, table] {
                 platform::Concerning([this] { return ShownTable(); },
                                      [table] { table->SaveChanges(); });
             });
@@ -341,7 +341,7 @@ void frm5NVCTable::grdNVC_EnterCell() {
     grdNVC_->EditCell();
 }
 
-// How long a text may be, and whether the cell takes one, the table tells.
+// How long a text may be, and whether the cell takes one, the table decides.
 void frm5NVCTable::grdNVC_BeforeEdit() {}
 
 void frm5NVCTable::grdNVC_KeyPressEdit(int row, int col, QChar key) {

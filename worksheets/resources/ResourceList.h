@@ -29,7 +29,7 @@ public:
     enum Column { kNumber, kName, kShortName, kUnits, kCost, kKey, kColumns };
 
     using Change = undo::ListChange<Resource>;
-    // Told of each action that changed something, when it has ended.
+    // Called with each action that changed something, when it has ended.
     using Listener =
         std::function<void(const QString& name, const std::shared_ptr<Change>& change)>;
     void SetListener(Listener listener) { listener_ = std::move(listener); }
@@ -37,7 +37,7 @@ public:
     using Mover = std::function<void(int from, int to)>;
     void SetMover(Mover mover) { mover_ = std::move(mover); }
 
-    // Told when the file did not take rows that were appended, and they are gone again.
+    // Called when the file did not take rows that were appended, and they are gone again.
     void SetDropListener(std::function<void()> listener) { dropListener_ = std::move(listener); }
 
     // Takes what the file has; what was typed and not saved is dropped.

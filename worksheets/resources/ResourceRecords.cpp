@@ -21,7 +21,7 @@ public:
         try {
             tblSRMasterList->SetIndex(FieldNames::kPrimaryKey);
         } catch (const platform::RuntimeError&) {
-            // The next look-up fails and is told.
+            // The next look-up fails and reports it.
         }
     }
     SequenceScope(const SequenceScope&) = delete;

@@ -306,8 +306,8 @@ void frm3SRMaster::SaveChanges() {
 void frm3SRMaster::UpdateTable() {
     u91Trace::Procedure(QStringLiteral("UpdateTable"));
     grdMasterList_->FinishEdit();
-    MissingRows::Told("frm3SRMaster.UpdateTable",
-                      [this] { resources_.Save([this](int row) { SaveRow(row); }); });
+    MissingRows::Shown("frm3SRMaster.UpdateTable",
+                       [this] { resources_.Save([this](int row) { SaveRow(row); }); });
 }
 
 void frm3SRMaster::SaveRow(int row) {

@@ -48,7 +48,7 @@ std::optional<float> CostFromText(const QString& text) {
     }
 }
 
-// What else is typed is discarded and told, so that 1450.75 does not become 145075 unnoticed.
+// What else is typed is discarded with a remark, so that 1450.75 does not become 145075 unnoticed.
 bool TakeDigit(const char* handler, const QString& typed, MomentLabel& cue) {
     platform::EventTrap::Run(handler,
                              [handler] { u91Trace::Procedure(QString::fromLatin1(handler)); });

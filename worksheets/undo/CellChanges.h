@@ -47,7 +47,7 @@ public:
         return running_ && found != before_.end() ? &found->second : nullptr;
     }
     // Ends the action and gives the cells that hold something else than before, row by row.
-    // `holds` tells what a cell holds now.
+    // `holds` gives what a cell holds now.
     std::vector<CellChange<Cell>> End(const std::function<Cell(int row, int col)>& holds) {
         std::vector<CellChange<Cell>> changes;
         for (const auto& [place, before] : std::exchange(before_, {})) {

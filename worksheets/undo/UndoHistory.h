@@ -34,7 +34,7 @@ class WorksheetPage;
 
 namespace undo {
 
-// What an action changed is gone from the file; `sentence` tells the user.
+// What an action changed is gone from the file; `sentence` says so to the user.
 class GoneError : public platform::RuntimeError {
 public:
     explicit GoneError(const QString& sentence);

@@ -29,7 +29,7 @@ public:
         undo::ListChange<Zone> list;
         std::map<std::int32_t, ZoneRecords::Dependents> removed;
     };
-    // Told of each action that changed something, when it has ended.
+    // Called with each action that changed something, when it has ended.
     using Listener =
         std::function<void(const QString& name, const std::shared_ptr<Change>& change)>;
     void SetListener(Listener listener) { listener_ = std::move(listener); }

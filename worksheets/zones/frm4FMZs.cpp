@@ -106,8 +106,8 @@ void frm4FMZs::FMZ_LoadGrid() {
 void frm4FMZs::FMZ_Update() {
     u91Trace::Procedure(QStringLiteral("FMZ_Update"));
     grdFMZs_->FinishEdit();
-    MissingRows::Told("frm4FMZs.FMZ_Update",
-                      [this] { zones_.Save([this](int row) { FMZ_UpdateRecord(row); }); });
+    MissingRows::Shown("frm4FMZs.FMZ_Update",
+                       [this] { zones_.Save([this](int row) { FMZ_UpdateRecord(row); }); });
 }
 
 void frm4FMZs::FMZ_CreateRecord(int row) {

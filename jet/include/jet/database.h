@@ -101,7 +101,7 @@ public:
     // moment between opening, which need not wait for the disk, and the first change. It does not
     // fail: what it cannot do is left to MakeDurable.
     void SecureLog() noexcept;
-    // Operations that are safe from a crash but that MakeDurable has not brought into the file.
+    // Operations that are safe from a crash but that no checkpoint has written into the file.
     [[nodiscard]] std::uint64_t PendingOperations() const;
     // What MakeDurable found: the file has another name now, or was removed and has been put back.
     [[nodiscard]] bool WasMoved() const;

@@ -1,4 +1,5 @@
-// How a database is opened: sharing, memory, when the log is brought into the file, and a logger.
+// How a database is opened: sharing, memory, when the log is checkpointed into the file, and a
+// logger.
 #pragma once
 
 #include <cstddef>
