@@ -83,7 +83,7 @@ void RequireTables(Format format) {
     }
 }
 
-void TellOfKeptLog() {
+void WarnOfKeptLog() {
     const QString log = dbDatafile->KeptLog();
     if (log.isEmpty()) {
         return;
@@ -91,7 +91,7 @@ void TellOfKeptLog() {
     const QString text =
         Texts::tr(
             "Changes of an interrupted run lie beside the file, but they belong to "
-            "another state of it and are not brought in. They are kept in \"%1\".")
+            "another state of it and are not applied. They are kept in \"%1\".")
             .arg(log);
     u91Trace::Error(QStringLiteral("PrepDatafile.OpenDatatables: ") + text);
     platform::MsgBox(text);
@@ -101,7 +101,7 @@ void WarnOfRecovery() {
     if (const int operations = dbDatafile->RecoveredOperations(); operations > 0) {
         u91Trace::Warning(
             QStringLiteral("PrepDatafile.OpenDatatables: %1 changes of an interrupted run were "
-                           "brought in")
+                           "recovered")
                 .arg(operations));
     }
 }
@@ -364,7 +364,7 @@ bool OpenDatatables(const QString& fileName) {
     currentFileName = platform::ShownPath(FileTitleFromPath(fileName));
     reported = {};
     fileIsOpen = true;
-    TellOfKeptLog();
+    WarnOfKeptLog();
     return true;
 }
 
