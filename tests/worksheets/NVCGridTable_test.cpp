@@ -1,7 +1,6 @@
-// What the grids of figures show and take, without a window.
-#include "datafile/data_file_fixture.h"
-#include "worksheets/cost/CostGridTable.h"
+// What the grid of net value changes shows and takes, without a window.
 #include "worksheets/nvc/NVCGridTable.h"
+#include "datafile/data_file_fixture.h"
 #include "worksheets/zones/ZoneRecords.h"
 
 namespace {
@@ -9,7 +8,7 @@ namespace {
 using Kind = GridTable::Answer::Kind;
 using Takes = GridTable::Takes;
 
-class GridTables : public DataFileTest {
+class NVCGridTableTest : public DataFileTest {
 protected:
     void SetUp() override {
         OpenNewFile();
@@ -18,26 +17,18 @@ protected:
         values->Initialize(zone_, 1);
         nvc_.LoadNames();
         nvc_.Show(std::move(values));
-        auto classes = std::make_unique<c35AACTable>();
-        classes->Initialize(zone_);
-        costs_.Show(std::move(classes));
     }
 
     int zone_ = 0;
     int actions_ = 0;
     NVCGridTable::Changes nvcChanges_;
-    CostGridTable::Changes costChanges_;
     NVCGridTable nvc_{[this](const QString& /*name*/, const NVCGridTable::Changes& changes) {
         nvcChanges_ = changes;
         ++actions_;
     }};
-    CostGridTable costs_{[this](const QString& /*name*/, const CostGridTable::Changes& changes) {
-        costChanges_ = changes;
-        ++actions_;
-    }};
 };
 
-TEST_F(GridTables, NVC_TakesNamesAndNumbersWhileItsLocationIsShown) {
+TEST_F(NVCGridTableTest, TakesNamesAndNumbersWhileItsLocationIsShown) {
     EXPECT_EQ(nvc_.RowCount(), 14);
     EXPECT_EQ(nvc_.CellTakes(1, 0), Takes::kText);
     EXPECT_EQ(nvc_.CellTakes(1, 6), Takes::kNumber);
@@ -51,7 +42,7 @@ TEST_F(GridTables, NVC_TakesNamesAndNumbersWhileItsLocationIsShown) {
     EXPECT_EQ(nvc_.Text(1, 1), QStringLiteral("0"));
 }
 
-TEST_F(GridTables, NVC_BeforeTheFirstTable_IsEmptyAndTakesNothing) {
+TEST_F(NVCGridTableTest, BeforeTheFirstTable_IsEmptyAndTakesNothing) {
     NVCGridTable none({});
     EXPECT_EQ(none.Text(1, 1), QString());
     EXPECT_EQ(none.Stored(1, 1), QString());
@@ -60,7 +51,7 @@ TEST_F(GridTables, NVC_BeforeTheFirstTable_IsEmptyAndTakesNothing) {
     EXPECT_EQ(none.CellTakes(1, 1), Takes::kNothing);
 }
 
-TEST_F(GridTables, NVC_ShowsWhatWasTypedAndTellsWhatIsStored) {
+TEST_F(NVCGridTableTest, ShowsWhatWasTypedAndTellsWhatIsStored) {
     EXPECT_EQ(nvc_.Offer(4, 3, QStringLiteral("-1,250")).kind, Kind::kStored);
     EXPECT_EQ(nvc_.Text(4, 3), QStringLiteral("-1,250"));
     EXPECT_EQ(nvc_.Stored(4, 3), QStringLiteral("-1"));
@@ -68,7 +59,7 @@ TEST_F(GridTables, NVC_ShowsWhatWasTypedAndTellsWhatIsStored) {
     EXPECT_EQ(nvc_.ShownTotal(3), -1);
 }
 
-TEST_F(GridTables, NVC_OneActionKeepsTheFirstAndTheLastOfEachCell) {
+TEST_F(NVCGridTableTest, OneActionKeepsTheFirstAndTheLastOfEachCell) {
     nvc_.BeginAction(QStringLiteral("Paste"));
     nvc_.Offer(2, 1, QStringLiteral("1"));
     nvc_.Offer(2, 1, QStringLiteral("12"));
@@ -89,7 +80,7 @@ TEST_F(GridTables, NVC_OneActionKeepsTheFirstAndTheLastOfEachCell) {
     EXPECT_EQ(nvc_.Text(1, 0), QStringLiteral("Timber - Sawtimber"));
 }
 
-TEST_F(GridTables, NVC_NumberTooLarge_LeavesTheCellAsBeforeTheAction) {
+TEST_F(NVCGridTableTest, NumberTooLarge_LeavesTheCellAsBeforeTheAction) {
     nvc_.Offer(1, 1, QStringLiteral("12abc"));
     nvc_.BeginAction(QStringLiteral("Typing"));
     nvc_.Offer(1, 1, QStringLiteral("9e9"));
@@ -100,40 +91,6 @@ TEST_F(GridTables, NVC_NumberTooLarge_LeavesTheCellAsBeforeTheAction) {
     nvc_.EndAction();
     EXPECT_EQ(actions_, 1);
     EXPECT_TRUE(nvcChanges_.empty());
-}
-
-TEST_F(GridTables, Costs_FromIsComputedAndTakesNothing) {
-    EXPECT_EQ(costs_.CellTakes(1, 0), Takes::kNothing);
-    EXPECT_FALSE(costs_.TabStops(0));
-    EXPECT_TRUE(costs_.TabStops(1));
-    EXPECT_EQ(costs_.Offer(2, 0, QStringLiteral("5")).kind, Kind::kRefused);
-    EXPECT_EQ(costs_.Text(1, 0), QStringLiteral("0"));
-    costs_.SetNextLowerBound(2, 10);
-    EXPECT_EQ(costs_.Text(2, 0), QStringLiteral("11"));
-    EXPECT_EQ(costs_.MaxLength(1), 9);
-    EXPECT_EQ(costs_.MaxLength(2), 7);
-}
-
-TEST_F(GridTables, Costs_ShowWhatIsStored) {
-    const GridTable::Answer answer = costs_.Offer(1, 2, QStringLiteral("1,200"));
-    EXPECT_EQ(answer.kind, Kind::kChanged);
-    EXPECT_EQ(answer.text, QStringLiteral("1"));
-    EXPECT_EQ(costs_.Text(1, 2), QStringLiteral("1"));
-    EXPECT_EQ(costs_.Offer(1, 2, QString()).kind, Kind::kStored) << "clearing says nothing";
-    EXPECT_EQ(costs_.Text(1, 2), QStringLiteral("0"));
-    costs_.Offer(1, 1, QStringLiteral("-3"));
-    EXPECT_EQ(costs_.Text(1, 1), QString());
-    EXPECT_EQ(costs_.Stored(1, 1), QStringLiteral("-3"));
-}
-
-TEST_F(GridTables, Costs_WhatACellShowedAtFirst_PutsBackWhatItHeld) {
-    costs_.Put(1, 1, -3);
-    costs_.BeginAction(QStringLiteral("Typing"));
-    costs_.Offer(1, 1, QStringLiteral("5"));
-    costs_.Offer(1, 1, QString());
-    costs_.EndAction();
-    EXPECT_EQ(costs_.Value(1, 1), -3);
-    EXPECT_TRUE(costChanges_.empty());
 }
 
 }  // namespace
