@@ -3,11 +3,17 @@
 #include "plots/Scale.h"
 #include "plots/Ticks.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace plots {
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(CostDrawing)
+};
 
 constexpr double kStepWidth = 3;
 
@@ -65,10 +71,10 @@ void Draw(Chart& chart, const review::CostChart& content) {
     const Scale costs = CostsOf(content);
     ShapeAxis(*axes.axis(QCPAxis::atBottom), acres,
               QSharedPointer<AcreTicks<QCPAxisTickerLog>>::create(),
-              QStringLiteral("Fire size in acres"));
+              Texts::tr("Fire size in acres"));
     ShapeAxis(*axes.axis(QCPAxis::atLeft), costs,
               QSharedPointer<DollarTicks<QCPAxisTickerLog>>::create(),
-              QStringLiteral("Dollars per acre"));
+              Texts::tr("Dollars per acre"));
     // The last mark's label stands half outside.
     axes.setMinimumMargins(QMargins(0, metrics.height() / 2, metrics.averageCharWidth() * 4, 0));
     DrawSteps(chart, axes, content, acres, costs);

@@ -1,5 +1,6 @@
 #include "plots/Figures.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <array>
@@ -11,6 +12,10 @@ namespace plots {
 
 namespace {
 
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(Figures)
+};
+
 QString Text(const std::string& text) {
     return QString::fromStdString(text);
 }
@@ -19,15 +24,24 @@ QString At(const QString& place, const QString& more) {
     return place.isEmpty() ? more : place + QStringLiteral(", ") + more;
 }
 
+// Counted from 0.
+QString Level(int level) {
+    return Texts::tr("FIL %1").arg(level + 1);
+}
+
+QString PerAcre(double dollars) {
+    return Texts::tr("%1 per acre").arg(Dollars(dollars));
+}
+
 QString SizeOf(const review::CostChart::Step& step) {
     const QString from = Text(review::AcresText(step.from));
     if (step.to <= 0) {
-        return step.from > 0 ? QStringLiteral("fires above %1 acres").arg(from)
-                             : QStringLiteral("fires of any size");
+        return step.from > 0 ? Texts::tr("fires above %1 acres").arg(from)
+                             : Texts::tr("fires of any size");
     }
     const QString to = Text(review::AcresText(step.to));
-    return step.from > 0 ? QStringLiteral("fires of %1 to %2 acres").arg(from, to)
-                         : QStringLiteral("fires up to %1 acres").arg(to);
+    return step.from > 0 ? Texts::tr("fires of %1 to %2 acres").arg(from, to)
+                         : Texts::tr("fires up to %1 acres").arg(to);
 }
 
 struct Collect {
@@ -39,7 +53,7 @@ struct Collect {
         for (std::size_t i = 0; i < chart.steps.size(); ++i) {
             figures.push_back({{0, static_cast<int>(i)},
                                At(place, SizeOf(chart.steps[i])) + QStringLiteral(": ") +
-                                   Dollars(chart.steps[i].cost) + QStringLiteral(" per acre")});
+                                   PerAcre(chart.steps[i].cost)});
         }
     }
     void operator()(const review::TotalsChart& chart) {
@@ -50,20 +64,19 @@ struct Collect {
             for (int level = 0; level < season::kFilLevels; ++level) {
                 figures.push_back(
                     {{static_cast<int>(panel), level},
-                     At(where, QStringLiteral("FIL %1: ").arg(level + 1)) +
-                         Dollars(chart.panels[panel].totals[static_cast<std::size_t>(level)]) +
-                         QStringLiteral(" per acre")});
+                     At(where, Level(level)) + QStringLiteral(": ") +
+                         PerAcre(chart.panels[panel].totals[static_cast<std::size_t>(level)])});
             }
         }
     }
     void operator()(const review::HeatMap& map) {
         for (std::size_t row = 0; row < map.rows.size(); ++row) {
             for (int level = 0; level < season::kFilLevels; ++level) {
+                const QString value = Value(map.values[row][static_cast<std::size_t>(level)]);
                 figures.push_back({{static_cast<int>(row), level},
-                                   At(place, Text(map.rows[row])) +
-                                       QStringLiteral(", FIL %1: ").arg(level + 1) +
-                                       Value(map.values[row][static_cast<std::size_t>(level)]) +
-                                       QStringLiteral(" dollars per acre")});
+                                   At(At(place, Text(map.rows[row])), Level(level)) +
+                                       QStringLiteral(": ") +
+                                       Texts::tr("%1 dollars per acre").arg(value)});
             }
         }
     }
@@ -83,8 +96,7 @@ QString Extremes(const review::HeatMap& map) {
     for (std::size_t row = 0; row < map.rows.size(); ++row) {
         for (std::size_t level = 0; level < map.values[row].size(); ++level) {
             const double value = map.values[row][level];
-            const QString where =
-                Text(map.rows[row]) + QStringLiteral(", FIL %1").arg(int(level) + 1);
+            const QString where = At(Text(map.rows[row]), Level(static_cast<int>(level)));
             if (value < lowest) {
                 lowest = value;
                 places[0] = where;
@@ -97,31 +109,31 @@ QString Extremes(const review::HeatMap& map) {
     }
     QString words;
     if (lowest < 0) {
-        words += QStringLiteral(" The largest loss is %1 (%2).").arg(Value(lowest), places[0]);
+        words += u' ' + Texts::tr("The largest loss is %1 (%2).").arg(Value(lowest), places[0]);
     }
     if (highest > 0) {
-        words += QStringLiteral(" The largest gain is %1 (%2).").arg(Value(highest), places[1]);
+        words += u' ' + Texts::tr("The largest gain is %1 (%2).").arg(Value(highest), places[1]);
     }
-    return words.isEmpty() ? QStringLiteral(" All of them are 0.") : words;
+    return words.isEmpty() ? u' ' + Texts::tr("All of them are 0.") : words;
 }
 
 struct Words {
     QString operator()(std::monostate /*nothing*/) const { return {}; }
     QString operator()(const review::CostChart& chart) const {
-        return chart.steps.empty() ? QStringLiteral("No class of fire size with a cost is in use.")
+        return chart.steps.empty() ? Texts::tr("No class of fire size with a cost is in use.")
                                    : Text(chart.words.alternative);
     }
     QString operator()(const review::TotalsChart& chart) const {
-        return chart.panels.empty() ? QStringLiteral("There is no location.")
+        return chart.panels.empty() ? Texts::tr("There is no location.")
                                     : Text(chart.words.alternative);
     }
     QString operator()(const review::HeatMap& map) const {
-        return QStringLiteral("The values of %1 resources at FIL 1 to 6, in dollars per acre.")
+        return Texts::tr("The values of %1 resources at FIL 1 to 6, in dollars per acre.")
                    .arg(map.rows.size()) +
                Extremes(map);
     }
     QString operator()(const review::BarChart& chart) const {
-        return chart.bars.empty() ? QStringLiteral("There is nothing to show.")
+        return chart.bars.empty() ? Texts::tr("There is nothing to show.")
                                   : Text(chart.words.alternative);
     }
 };
