@@ -7,6 +7,9 @@ import layers
 import tree
 
 PAGE = tree.ROOT / "ARCHITECTURE.md"
+# Who owns the values that are edited.
+TABLE_OBJECTS = ("c34NVCTable", "c35AACTable", "ZoneList", "ResourceList", "GoalList", "NVCGridTable",
+                 "CostGridTable")
 # What is no part of the program.
 UNNAMED = {".ci", ".git", "build"}
 
@@ -81,6 +84,11 @@ def broken_flow():
         path = tree.ROOT / file
         if not path.is_file() or next_step not in path.read_text(encoding="utf-8"):
             yield f"{file} does not lead to {next_step}"
+    for name in TABLE_OBJECTS:
+        for path in (tree.ROOT / "worksheets").rglob(name + ".*"):
+            if re.search(r"#include (<Q(Widget|TableView|Dialog|Apply|Message)|.*vsFlexGrid\.h|.*/frm)",
+                         path.read_text(encoding="utf-8")):
+                yield f"{tree.name(path)}: a table object that knows a widget"
     for path in sorted((tree.ROOT / "worksheets").rglob("frm*.cpp")):
         if re.search(r"dao::Recordset|PrepDatatables::tbl", path.read_text(encoding="utf-8")):
             yield f"{tree.name(path)}: a form that reads a record set"
