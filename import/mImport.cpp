@@ -16,6 +16,7 @@
 #include "platform/FirstError.h"
 #include "platform/dialogs/CommonDialog.h"
 #include "platform/dialogs/MsgBox.h"
+#include "platform/system/CostsFolder.h"
 #include "platform/system/Host.h"
 #include "platform/system/PointerScope.h"
 
@@ -304,14 +305,13 @@ QString OpenFileDialog(QWidget* frame) {
 
 QString GetBRAMPath() {
     u91Trace::Procedure(QStringLiteral("GetBRAMPath"));
-    const QString programFolder = platform::ProgramFolder();
-    const QString costs = platform::FindFile(programFolder, QStringLiteral("costs"));
+    const QString costs = platform::CostsFolder();
     try {
         // Only whether listing fails counts: a folder that is not there lists as empty.
         (void)platform::Dir(platform::JoinPath(costs, QString()));
         return costs;
     } catch (const platform::RuntimeError&) {
-        return programFolder;
+        return platform::ProgramFolder();
     }
 }
 
