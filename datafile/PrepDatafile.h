@@ -36,7 +36,7 @@ bool OpenDatatables(const QString& fileName);
 // One transaction: the file is converted or as it was. Throws when it cannot be written.
 void Convert3to4();
 // Closes record sets and database. Throws when what was changed cannot be made durable; the file is
-// closed all the same, and the next opening brings the changes in.
+// closed all the same, and the next opening recovers the changes.
 void CloseDatafile();
 // Closes what is open of a file that cannot be worked with; nothing is shown.
 void GiveUp();

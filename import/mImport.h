@@ -24,7 +24,7 @@ public:
 namespace mImport {
 
 enum class Result : std::int16_t {
-    kFailed = 0,  // an error part-way, which was thrown on
+    kFailed = 0,  // an error part-way, which was rethrown
     kCopied = 1,
     kCancelled = 2,
     kNotABramFile = 3,
@@ -34,7 +34,7 @@ using enum Result;
 
 // The whole import, from the file dialog (shown over `frame`, may be null) on. What it gives,
 // ImportResult keeps. An error part-way leaves the rows written so far, restores
-// the pointer, closes the assessment file, and is thrown on.
+// the pointer, closes the assessment file, and is rethrown.
 Result BRAM_CopyFMZs(QWidget* frame, ImportProgress* progress = nullptr);
 [[nodiscard]] Result ImportResult();
 

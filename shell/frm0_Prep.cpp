@@ -80,7 +80,7 @@ frm0_Prep::frm0_Prep(QString commandLine)
 }
 
 frm0_Prep::~frm0_Prep() {
-    // The forms look for the frame while they go.
+    // The forms still ask for the frame while they are destroyed.
     a3PrepForms::UnloadForm();
     tabs_.reset();
     startScreen_.reset();

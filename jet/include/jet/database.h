@@ -8,7 +8,7 @@
 // makes any number of them one. Besides the errors named, everything here can throw kClosed, kIo
 // and kOutOfMemory. MakeDurable carries all operations so far through a power cut and leaves the
 // file complete by itself; until then the recent ones also live in a log file beside it (NAME-log),
-// from which the next opening brings them in.
+// from which the next opening recovers them.
 //
 // Exclusive means exclusive: while the database is open nobody else can open the file, neither
 // another process nor a second Database of this one.

@@ -11,7 +11,7 @@ namespace jet {
 
 class LogReader {
 public:
-    // Errors of reading are thrown on: a log that cannot be read is not an empty one.
+    // Errors of reading are rethrown: a log that cannot be read is not an empty one.
     explicit LogReader(File& log);
 
     // Something lies there that is not the beginning of a log, torn or whole.
