@@ -45,9 +45,10 @@ Contents Basic();
 //   no-zones.mdb      no zone
 //   apostrophe.mdb    an apostrophe in the code of the second zone
 //   large.mdb         300 zones with a location each
-//   bad-value.mdb     a value that is no number in the table of the second zone: resource 5, level
-//   2 long-name.mdb     a description of the second zone that makes its name too long no-table.mdb
-//   without the table of set-ups no-index.mdb      without the index of zones by code
+//   bad-value.mdb     no number in the table of the second zone: resource 5, level 2
+//   long-name.mdb     a description of the second zone that makes its name too long
+//   no-table.mdb      without the table of set-ups
+//   no-index.mdb      without the index of zones by code
 void Make(const std::filesystem::path& path);
 
 }  // namespace bram_files
