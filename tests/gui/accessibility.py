@@ -13,6 +13,7 @@ import warnings
 from pathlib import Path
 
 SKIPPED = 77
+DISPLAY = Path(__file__).resolve().parents[2] / "tools/tour/display.sh"
 SYSTEM_PYTHON = "/usr/bin/python3"
 PATIENCE = 30  # seconds
 REPLY_MS = 3000
@@ -72,17 +73,14 @@ class Session:
         self.program = None
 
     def screen(self):
-        """The number of a new X server; empty when another one took the number first."""
-        read, write = os.pipe()
-        self.start("Xvfb", "-displayfd", str(write), "-screen", "0", "1024x768x24", "-nolisten",
-                   "tcp", pass_fds=[write])
-        os.close(write)
-        with os.fdopen(read) as display:
-            return display.readline().strip()
+        """The number of a new X server; empty when it did not start."""
+        server = self.start("sh", "-c", '. "$0"; open_display 1024x768x24; echo "${DISPLAY#:}"; wait', DISPLAY,
+                            stdout=subprocess.PIPE, text=True)
+        return server.stdout.readline().strip()
 
     def start(self, *command, **options):
-        process = subprocess.Popen([str(part) for part in command], stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.DEVNULL, start_new_session=True, **options)
+        options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, **options}
+        process = subprocess.Popen([str(part) for part in command], start_new_session=True, **options)
         self.running.append(process)
         return process
 
@@ -449,4 +447,5 @@ def named(walk, name):
     return wait_for(look, name)
 
 
-main()
+if __name__ == "__main__":
+    main()
