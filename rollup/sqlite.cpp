@@ -1,7 +1,10 @@
 #include "rollup/sqlite.h"
 
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 
+#include "jet/path.h"
 #include "rollup/destination.h"
 
 namespace rollup {
@@ -13,6 +16,11 @@ constexpr int kPatience = 60000;  // ms, while another program writes
 }  // namespace
 
 SqliteDatabase::SqliteDatabase(const std::string& file, Mode mode) : file_(file) {
+    std::error_code absent;
+    if (std::filesystem::is_directory(jet::PathOf(file), absent)) {
+        throw DestinationError(file_ +
+                               ": This is a folder. A roll-up in CSV files is named csv:FOLDER.");
+    }
     sqlite3* opened = nullptr;
     const int flags = mode == Mode::kRead ? SQLITE_OPEN_READONLY
                                           : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;

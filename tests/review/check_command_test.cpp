@@ -62,6 +62,14 @@ TEST_F(CheckCommand, OfARefusedFileAmongOthers_GoesOnAndSaysWhy) {
     EXPECT_EQ(Check(Quoted(Sound()) + " --previous " + text).status, 2);
 }
 
+TEST_F(CheckCommand, OfAFolder_SaysThatItIsOne) {
+    const auto folder = folder_ / "some folder";
+    std::filesystem::create_directory(folder);
+    const CommandResult result = Check(Quoted(folder));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, folder.string() + ": \"some folder\" is a folder, not a file.\n");
+}
+
 TEST_F(CheckCommand, OfWordsThatMeanNothing_SaysHowItIsUsed) {
     for (const char* const words : {"", "--jsn", "--previous", "--json=1"}) {
         const CommandResult result = Check(words);

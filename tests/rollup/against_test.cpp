@@ -84,4 +84,13 @@ TEST_F(Against, WhereNothingIs_SaysSo) {
     }
 }
 
+TEST_F(Against, OfAFolder_SaysHowOneIsNamed) {
+    MakeRegion(0);
+    const CommandResult result = Check(folder_.Path().string());
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "fcdtool: " + folder_.Path().string() +
+                                 ": This is a folder. A roll-up in CSV files is named "
+                                 "csv:FOLDER.\n");
+}
+
 }  // namespace

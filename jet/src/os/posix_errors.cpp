@@ -19,8 +19,9 @@ Error ErrorOfNaming(int code, const std::filesystem::path& path) {
             return Error(ErrorKind::kReadOnly, "The medium of " + name + " is read-only.");
         case EACCES:
         case EPERM:
-        case EISDIR:
             return Error(ErrorKind::kPermissionDenied, "Access to " + name + " is denied.");
+        case EISDIR:
+            return Error(ErrorKind::kPermissionDenied, name + " is a folder, not a file.");
         case ETXTBSY:
             return Error(ErrorKind::kFileInUse, "The file is in use by another program.");
         case ENOSPC:

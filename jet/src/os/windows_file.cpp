@@ -4,7 +4,9 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "jet/error.h"
 #include "jet/file.h"
@@ -42,8 +44,13 @@ std::string NameOf(const std::filesystem::path& path) {
             throw Error(ErrorKind::kAlreadyExists, "The file " + name + " exists already.");
         case ERROR_WRITE_PROTECT:
             throw Error(ErrorKind::kReadOnly, "The medium of " + name + " is read-only.");
-        case ERROR_ACCESS_DENIED:
-            throw Error(ErrorKind::kPermissionDenied, "Access to " + name + " is denied.");
+        case ERROR_ACCESS_DENIED: {
+            std::error_code unknown;
+            const bool isFolder = std::filesystem::is_directory(path, unknown);
+            throw Error(ErrorKind::kPermissionDenied, isFolder
+                                                          ? name + " is a folder, not a file."
+                                                          : "Access to " + name + " is denied.");
+        }
         case ERROR_SHARING_VIOLATION:
         case ERROR_LOCK_VIOLATION:
             throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
