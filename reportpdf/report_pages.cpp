@@ -5,7 +5,6 @@
 #include <QPageRanges>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSaveFile>
 #include <algorithm>
 #include <stdexcept>
 
@@ -17,10 +16,6 @@ namespace reportpdf {
 namespace {
 
 constexpr QSizeF kLeastPaper(298, 420);
-
-[[noreturn]] void ThrowCannotWrite() {
-    throw std::runtime_error("The file cannot be written.");
-}
 
 }  // namespace
 
@@ -121,14 +116,6 @@ QByteArray PdfOf(const review::Document& document, Paper paper) {
                              document.sections[i].level, pages.PageOf(i)});
     }
     return WithBookmarks(buffer.data(), bookmarks);
-}
-
-void WritePdf(const review::Document& document, const QString& path, Paper paper) {
-    const QByteArray pdf = PdfOf(document, paper);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(pdf) != pdf.size() || !file.commit()) {
-        ThrowCannotWrite();
-    }
 }
 
 }  // namespace reportpdf

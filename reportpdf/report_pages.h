@@ -7,7 +7,6 @@
 #include <QByteArray>
 #include <QPagedPaintDevice>
 #include <QSizeF>
-#include <QString>
 #include <memory>
 
 #include "review/document.h"
@@ -52,7 +51,5 @@ void Print(const review::Document& document, QPagedPaintDevice& device);
 // The document as a file of PDF, with title, bookmarks and searchable text. Throws
 // std::runtime_error with a sentence.
 QByteArray PdfOf(const review::Document& document, Paper paper);
-// Writes it to a file, which is complete or as it was. Throws std::runtime_error with a sentence.
-void WritePdf(const review::Document& document, const QString& path, Paper paper);
 
 }  // namespace reportpdf

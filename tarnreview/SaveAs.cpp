@@ -1,15 +1,16 @@
 #include "tarnreview/SaveAs.h"
 
 #include <QDate>
-#include <QSaveFile>
 #include <QStringList>
 
 #include <stdexcept>
+#include <system_error>
+#include <utility>
 
-#include "platform/system/NativePath.h"
 #include "reportpdf/report_pages.h"
 #include "review/difference_page.h"
 #include "review/html.h"
+#include "review/new_files.h"
 #include "review/plain_tables.h"
 #include "review/wording.h"
 #include "review/workbook.h"
@@ -27,12 +28,11 @@ void RequireOther(const fs::path& path, const season::Season* source) {
     }
 }
 
-void SaveText(const fs::path& path, const std::string& text) {
-    QSaveFile file(platform::FromNativePath(path.c_str()));
-    const auto size = static_cast<qint64>(text.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), size) != size ||
-        !file.commit()) {
-        throw std::runtime_error("The file cannot be written: " + file.errorString().toStdString());
+void SaveText(const fs::path& path, std::string text) {
+    try {
+        review::SaveFiles({{path, std::move(text)}});
+    } catch (const std::system_error& error) {
+        throw std::runtime_error(review::WhyNotWritten(error.code()));
     }
 }
 
@@ -71,8 +71,8 @@ void Save(const ReviewCase& reviewed, What what, const fs::path& path) {
         SaveText(path,
                  review::HtmlOf(review::DifferencePage(*reviewed.Previous(), *reviewed.Season())));
     } else if (ending == ".pdf") {
-        reportpdf::WritePdf(reviewed.Report(Today()), platform::FromNativePath(path.c_str()),
-                            reportpdf::UsualPaper());
+        SaveText(path,
+                 reportpdf::PdfOf(reviewed.Report(Today()), reportpdf::UsualPaper()).toStdString());
     } else if (isPage) {
         SaveText(path, review::HtmlOf(reviewed.Report(Today())));
     } else if (ending == ".xlsx") {

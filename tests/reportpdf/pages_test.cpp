@@ -3,13 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <QBuffer>
-#include <QDir>
-#include <QFile>
 #include <QImage>
 #include <QPageRanges>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QTemporaryDir>
 #include <stdexcept>
 
 #include "reportpdf/bookmarks.h"
@@ -160,19 +157,6 @@ TEST(Print, OfPageRanges_PrintsTheseOnly) {
         }
         EXPECT_EQ(PagesIn(buffer.data()), expected);
     }
-}
-
-TEST(WritePdf, ToAFile_IsWholeOrASentence) {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("a report.pdf"));
-    reportpdf::WritePdf(Made(), path, Paper::kLetter);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.readAll().trimmed().endsWith("%%EOF"));
-    EXPECT_THROW(
-        reportpdf::WritePdf(Made(), folder.filePath(QStringLiteral("none/r.pdf")), Paper::kA4),
-        std::runtime_error);
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
 }
 
 TEST(Bookmarks, OfWhatIsNoPdf_AreRefused) {

@@ -11,6 +11,7 @@
 #include "support/temp_folder.h"
 #include "tarnreview/PlaceView.h"
 #include "tarnreview/ReviewCase.h"
+#include "tarnreview/SaveAs.h"
 
 namespace {
 
@@ -47,6 +48,27 @@ TEST_F(CaseTest, ARefusedFile_LeavesWhatWasThere) {
     ASSERT_NE(case_.Season(), nullptr);
     EXPECT_EQ(case_.Season()->path, folder_ / "UMFOR26.fcd");
     EXPECT_EQ(case_.Previous(), nullptr);
+}
+
+TEST_F(CaseTest, SavingWhereNoFileCanBe_SaysWhyForEachKind) {
+    Write("UMFOR26.fcd", tarn_test::SoundSeason());
+    case_.Open(folder_ / "UMFOR26.fcd");
+    const auto failure = [this](const fs::path& target) -> std::string {
+        try {
+            SaveAs::Save(case_, SaveAs::What::kReport, target);
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+        return "saved";
+    };
+    fs::create_directory(folder_ / "taken.pdf");
+    for (const char* const ending : {"pdf", "html", "xlsx", "json"}) {
+        const std::string name = std::string("figures.") + ending;
+        EXPECT_EQ(failure(folder_ / "none" / name), "The folder cannot be found.") << ending;
+        EXPECT_EQ(failure(folder_ / name), "saved");
+    }
+    EXPECT_EQ(failure(folder_ / "taken.pdf"), "The file cannot be written.");
+    EXPECT_FALSE(fs::exists(folder_ / "taken.pdf.part"));
 }
 
 TEST_F(CaseTest, AChangeOnTheDisk_IsNoticedUntilItIsReadOrAccepted) {

@@ -1,10 +1,9 @@
 #include "tools/fcdtool/files.h"
 
-#include <cerrno>
-#include <fstream>
 #include <stdexcept>
 
 #include "jet/path.h"
+#include "review/new_files.h"
 #include "review/wording.h"
 #include "season/data_file.h"
 
@@ -37,22 +36,6 @@ void ThrowNotWritten(const std::string& file, std::error_code failed) {
 
 namespace {
 
-std::filesystem::path PartOf(const std::string& file) {
-    std::filesystem::path part = PathOf(file);
-    part += ".part";
-    return part;
-}
-
-void WritePart(const NewFile& file) {
-    errno = 0;
-    std::ofstream out(PartOf(file.file), std::ios::binary | std::ios::trunc);
-    out.write(file.text.data(), static_cast<std::streamsize>(file.text.size()));
-    out.close();
-    if (!out) {
-        ThrowNotWritten(file.file, std::error_code(errno, std::generic_category()));
-    }
-}
-
 // A file that is to be replaced by what is written, and nothing that could not be.
 void RequireReplaceable(const std::string& file, const std::vector<std::string>& sources) {
     RequireOther(file, sources);
@@ -68,23 +51,15 @@ void SaveFiles(const std::vector<NewFile>& files, const std::vector<std::string>
     for (const NewFile& file : files) {
         RequireReplaceable(file.file, sources);
     }
+    std::vector<review::NewFile> whole;
+    for (const NewFile& file : files) {
+        whole.push_back({PathOf(file.file), file.text});
+    }
     try {
-        for (const NewFile& file : files) {
-            WritePart(file);
-        }
-        for (const NewFile& file : files) {
-            std::error_code failed;
-            std::filesystem::rename(PartOf(file.file), PathOf(file.file), failed);
-            if (failed) {
-                ThrowNotWritten(file.file, failed);
-            }
-        }
-    } catch (...) {
-        for (const NewFile& file : files) {
-            std::error_code ignored;
-            std::filesystem::remove(PartOf(file.file), ignored);
-        }
-        throw;
+        review::SaveFiles(whole);
+    } catch (const std::filesystem::filesystem_error& error) {
+        const std::u8string name = error.path1().u8string();
+        ThrowNotWritten(std::string(name.begin(), name.end()), error.code());
     }
 }
 
