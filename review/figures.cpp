@@ -146,7 +146,8 @@ std::string ShortFigure(double number) {
 }
 
 std::string Counted(std::size_t number, std::string_view word) {
-    return std::to_string(number) + " " + std::string(word) + (number == 1 ? "" : "s");
+    return Fixed(static_cast<double>(number), 0) + " " + std::string(word) +
+           (number == 1 ? "" : "s");
 }
 
 }  // namespace review

@@ -24,7 +24,7 @@ std::string Fixed(double number, int decimals);
 // Rounded to three digits where it is long: "1,250", "1.25M", "3e38".
 std::string ShortFigure(double number);
 
-// "1 zone", "3 zones"
+// "1 zone", "1,200 zones"
 std::string Counted(std::size_t number, std::string_view word);
 
 }  // namespace review

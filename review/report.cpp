@@ -179,7 +179,7 @@ Section DifferencesOf(const Season& older, const Season& newer) {
         const auto side = words.isFigure ? NumberCell : TextCell;
         areFigures = areFigures && words.isFigure;
         table.rows.push_back({TextCell(std::string(ChangeName(difference.kind))),
-                              TextCell(words.what), TextCell(words.place), side(words.older),
+                              TextCell(words.what), HeadCell(words.place), side(words.older),
                               side(words.newer)});
     }
     table.head[3].isNumber = areFigures;

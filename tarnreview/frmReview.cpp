@@ -37,7 +37,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kHelpContextId = 90;
-constexpr QSize kUsual(1100, 720);
+constexpr QSize kUsual(1180, 720);
 
 QString TitleOf(const fs::path& path) {
     return platform::ShownPath(platform::FromNativePath(path.filename().c_str()));

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "review/check.h"
+#include "review/figures.h"
 #include "review/html.h"
 #include "review/planted_file.h"
 #include "review/report_charts.h"
@@ -107,6 +108,12 @@ TEST(Report, WithPrevious_ShowsDifferencesAndTheLargestChanges) {
     EXPECT_THAT(html, HasSubstr("<caption>2 differences</caption>"));
     EXPECT_THAT(html, HasSubstr("The largest changes: Zone 1, location 1, Value 4, FIL 3: -42.75 "
                                 "to -1100.00. Zone 1, class 3, cost: $1,334 to $1,400."));
+}
+
+TEST(Counted, AgreesWithItsNumber) {
+    EXPECT_EQ(review::Counted(1, "zone"), "1 zone");
+    EXPECT_EQ(review::Counted(0, "zone"), "0 zones");
+    EXPECT_EQ(review::Counted(2168, "difference"), "2,168 differences");
 }
 
 TEST(ReportCharts, SayInWordsWhatTheyShow) {
