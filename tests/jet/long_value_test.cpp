@@ -46,6 +46,15 @@ protected:
         return pages;
     }
 
+    [[nodiscard]] std::vector<std::byte> AllPages() const {
+        std::vector<std::byte> all;
+        for (std::uint32_t page = 0; page < pager_->PageCount(); ++page) {
+            const PageRef ref = pager_->Page(PageNumber{page});
+            all.insert(all.end(), ref.Data().begin(), ref.Data().end());
+        }
+        return all;
+    }
+
     std::unique_ptr<FileSystem> files_;
     std::unique_ptr<Pager> pager_;
     std::optional<Operation> operation_;
@@ -197,6 +206,29 @@ TEST_P(LongValueTest, Replace_OfAnyForm_ByAnyForm_GivesTheOldOneBack) {
             EXPECT_EQ(PagesOf(owned_), 0) << before << " " << after;
         }
     }
+}
+
+TEST_P(LongValueTest, Replace_UndoneWithinATransaction_LeavesEveryPageAsItWas) {
+    operation_->Commit();
+    operation_.reset();
+    pager_->BeginTransaction();
+    operation_.emplace(*pager_);
+    const std::size_t size = FileFormat().longValueInRow * 3;
+    std::vector<std::vector<std::byte>> values;
+    for (int i = 0; i < 5; ++i) values.push_back(Write(size, static_cast<std::byte>(i)));
+    Store().Release(*operation_, values[1]);
+    operation_->Commit();
+    const std::vector<std::byte> before = AllPages();
+    const std::size_t onePage = FileFormat().longValueOnePage;
+    for (const std::size_t length : {size, size - 20, size + 20, onePage}) {
+        operation_.emplace(*pager_);
+        std::vector<std::byte> inRow;
+        const std::vector<std::byte> value(length, std::byte{9});
+        Store().Replace(*operation_, values[3], value, length, inRow);
+        operation_.reset();
+        EXPECT_EQ(AllPages(), before) << length;
+    }
+    pager_->RollbackTransaction();
 }
 
 INSTANTIATE_TEST_SUITE_P(BothVersions, LongValueTest,

@@ -36,8 +36,18 @@ MutableBytes GlobalMap::ChangeRow() {
     return Slice(page, extent.start, extent.length);
 }
 
+RowExtent GlobalMap::Extent() const {
+    return FindMapRow(pager_->Page(row_.page).Data(), pager_->FileFormat(), row_.slot);
+}
+
+// The bits of a map that begin at `from`, to change one of them.
+MutableBytes GlobalMap::ChangeBit(PageNumber page, std::size_t from, std::size_t bit) {
+    return operation_->ChangePart(page, from + bit / 8, 1).subspan(from);
+}
+
 PageNumber GlobalMap::Take(PageNumber from) {
-    switch (ReadU8(ChangeRow(), 0)) {
+    const PageRef holder = pager_->Page(row_.page);
+    switch (ReadU8(holder.Data(), Extent().start)) {
         case kInlineMap:
             return TakeInline(from);
         case kReferenceMap:
@@ -49,7 +59,9 @@ PageNumber GlobalMap::Take(PageNumber from) {
 
 PageNumber GlobalMap::TakeInline(PageNumber from) {
     const Format& format = pager_->FileFormat();
-    MutableBytes row = ChangeRow();
+    const PageRef holder = pager_->Page(row_.page);
+    const RowExtent extent = Extent();
+    const Bytes row = Slice(holder.Data(), extent.start, extent.length);
     const std::uint32_t start = ReadU32(row, 1);
     if (start >= LargestPageCount(format)) ThrowUnknown();
     std::size_t bit = 8 * (row.size() - kInlineMapHead);
@@ -58,27 +70,30 @@ PageNumber GlobalMap::TakeInline(PageNumber from) {
     if (found) {
         bit = *found;
     } else {
-        const auto longer = static_cast<std::uint32_t>(row.size()) + 4;
+        const std::uint32_t longer = extent.length + 4;
         if (!LengthenMapRow(operation_->Change(row_.page), format, row_.slot, longer,
                             std::byte{0xFF})) {
             ConvertToReferences();
             return TakeReferenced(from);
         }
-        row = ChangeRow();
     }
     const std::uint32_t page = start + static_cast<std::uint32_t>(bit);
     CheckTaken(page, format);
-    ClearBit(row.subspan(kInlineMapHead), bit);
+    // Lengthening may have moved the row.
+    ClearBit(ChangeBit(row_.page, Extent().start + kInlineMapHead, bit), bit);
     return PageNumber{page};
 }
 
 PageNumber GlobalMap::TakeReferenced(PageNumber from) {
     const Format& format = pager_->FileFormat();
     const std::uint32_t perRange = PagesOfMapPage(format);
-    const auto ranges = static_cast<std::uint32_t>((ChangeRow().size() - 1) / 4);
+    const PageRef holder = pager_->Page(row_.page);
+    const RowExtent extent = Extent();
+    const Bytes row = Slice(holder.Data(), extent.start, extent.length);
+    const std::uint32_t ranges = (extent.length - 1) / 4;
     for (std::uint32_t range = from.value / perRange; range < ranges; ++range) {
         const std::uint32_t first = range * perRange;
-        PageNumber mapPage{ReadU32(ChangeRow(), 1 + 4 * range)};
+        PageNumber mapPage{ReadU32(row, 1 + 4 * range)};
         // A range within the file that has no map page holds nothing free. One past the end of the
         // file is all free, whatever its pointer says.
         if (first >= pager_->PageCount()) {
@@ -93,7 +108,7 @@ PageNumber GlobalMap::TakeReferenced(PageNumber from) {
         if (!bit) continue;
         const std::uint32_t page = first + static_cast<std::uint32_t>(*bit);
         CheckTaken(page, format);
-        ClearBit(operation_->Change(mapPage).subspan(kMapPageHead), *bit);
+        ClearBit(ChangeBit(mapPage, kMapPageHead, *bit), *bit);
         return PageNumber{page};
     }
     throw Error(ErrorKind::kFileTooLarge,
@@ -126,25 +141,30 @@ PageNumber GlobalMap::MakeMapPage(PageNumber page, std::uint32_t range, std::uin
 }
 
 void GlobalMap::GiveBack(PageNumber page) {
-    MutableBytes bits;
+    const PageRef holder = pager_->Page(row_.page);
+    const RowExtent extent = Extent();
+    const Bytes row = Slice(holder.Data(), extent.start, extent.length);
+    PageNumber mapPage = row_.page;
+    std::size_t from = extent.start + kInlineMapHead;
+    std::size_t size = extent.length - kInlineMapHead;
     std::uint32_t bit = page.value;
-    const MutableBytes row = ChangeRow();
     if (ReadU8(row, 0) == kInlineMap) {
         const std::uint32_t start = ReadU32(row, 1);
-        bits = row.subspan(kInlineMapHead);
         if (page.value < start) ThrowUnknown();
         bit = page.value - start;
     } else {
         const std::uint32_t perRange = PagesOfMapPage(pager_->FileFormat());
-        const PageNumber mapPage{ReadU32(row, 1 + 4 * std::size_t{page.value / perRange})};
+        mapPage = PageNumber{ReadU32(row, 1 + 4 * std::size_t{page.value / perRange})};
         if (!mapPage || !IsMapPage(pager_->Page(mapPage).Data())) ThrowUnknown();
-        bits = operation_->Change(mapPage).subspan(kMapPageHead);
+        from = kMapPageHead;
+        size = pager_->FileFormat().pageSize - kMapPageHead;
         bit = page.value % perRange;
     }
-    if (bit / 8 >= bits.size() || TestBit(bits, bit)) {
+    const PageRef map = pager_->Page(mapPage);
+    if (bit / 8 >= size || TestBit(map.Data().subspan(from), bit)) {
         ThrowDamaged("The file is damaged: a page that is in use counts as free.");
     }
-    SetBit(bits, bit);
+    SetBit(ChangeBit(mapPage, from, bit), bit);
 }
 
 }  // namespace jet

@@ -5,6 +5,7 @@
 // stand for pages that somebody reserved; they are never taken.
 #pragma once
 
+#include "page/map_row.h"
 #include "page/operation.h"
 #include "page/pager.h"
 #include "page/types.h"
@@ -26,7 +27,9 @@ private:
     PageNumber TakeInline(PageNumber from);
     PageNumber TakeReferenced(PageNumber from);
     void ConvertToReferences();
+    [[nodiscard]] RowExtent Extent() const;
     MutableBytes ChangeRow();
+    MutableBytes ChangeBit(PageNumber page, std::size_t from, std::size_t bit);
     PageNumber MakeMapPage(PageNumber page, std::uint32_t range, std::uint32_t usedBelow);
 
     Operation* operation_;

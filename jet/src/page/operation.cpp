@@ -64,9 +64,10 @@ PageNumber Operation::Allocate() {
 }
 
 void Operation::Free(PageNumber page) {
-    const MutableBytes bytes = Change(page);
+    constexpr std::size_t kCleared = 4;
+    const MutableBytes bytes = ChangePart(page, 0, kCleared);
     GlobalMap(*this, pager_.Header().freePages).GiveBack(page);
-    std::fill_n(bytes.begin(), 4, std::byte{0});
+    std::fill_n(bytes.begin(), kCleared, std::byte{0});
     pager_.changes_.lowestFree = std::min(pager_.changes_.lowestFree, page);
 }
 

@@ -110,11 +110,31 @@ MutableBytes ChangeRow(Operation& operation, RowId row) {
     return Slice(page, extent.start, extent.length);
 }
 
+// The bits of a map that begin at `from`, to change one of them.
+MutableBytes ChangeBit(Operation& operation, PageNumber page, std::size_t from, std::size_t bit) {
+    return operation.ChangePart(page, from + bit / 8, 1).subspan(from);
+}
+
+// Sets the bit in a map page that is there already. False, and nothing done, in any other case.
+bool AddToMapPage(Operation& operation, RowId row, std::uint32_t range, std::uint32_t bit) {
+    const PageRef holder = operation.Pages().Page(row.page);
+    const MapView map(holder.Data(), operation.FileFormat(), row.slot);
+    if (map.IsInline() || range >= map.RangeCount()) return false;
+    const PageNumber mapPage{map.MapPageOf(range)};
+    if (!mapPage) return false;
+    if (!IsMapPage(operation.Pages().Page(mapPage).Data())) {
+        ThrowDamaged("The file is damaged: a usage-map page is missing.");
+    }
+    SetBit(ChangeBit(operation, mapPage, kMapPageHead, bit), bit);
+    return true;
+}
+
 // Sets the page's bit in a reference map, with a new map page where the range has none.
 void AddReferenced(Operation& operation, RowId row, PageNumber page) {
     const Format& format = operation.FileFormat();
     const std::uint32_t range = page.value / PagesOfMapPage(format);
     const std::uint32_t bit = page.value % PagesOfMapPage(format);
+    if (AddToMapPage(operation, row, range, bit)) return;
     MutableBytes bytes = ChangeRow(operation, row);
     if (bytes.size() < 1 + 4 * (range + 1)) {
         if (!LengthenMapRow(operation.Change(row.page), format, row.slot, 1 + 4 * (range + 1),
@@ -223,7 +243,8 @@ void UsageMap::Add(Operation& operation, PageNumber page) {
         isInline = map.IsInline();
         if (isInline && map.Covers(page.value)) {
             const std::uint32_t bit = page.value - map.Start();
-            SetBit(ChangeRow(operation, row_).subspan(kInlineMapHead), bit);
+            const std::size_t bits = map.Extent().start + kInlineMapHead;
+            SetBit(ChangeBit(operation, row_.page, bits, bit), bit);
             return;
         }
     }
@@ -239,12 +260,15 @@ void UsageMap::Remove(Operation& operation, PageNumber page) {
     const PageRef holder = pager_->Page(row_.page);
     const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
     if (map.IsInline()) {
-        ClearBit(ChangeRow(operation, row_).subspan(kInlineMapHead), page.value - map.Start());
+        const std::uint32_t bit = page.value - map.Start();
+        const std::size_t bits = map.Extent().start + kInlineMapHead;
+        ClearBit(ChangeBit(operation, row_.page, bits, bit), bit);
         return;
     }
     const std::uint32_t perRange = PagesOfMapPage(pager_->FileFormat());
     const PageNumber mapPage{map.MapPageOf(page.value / perRange)};
-    ClearBit(operation.Change(mapPage).subspan(kMapPageHead), page.value % perRange);
+    const std::uint32_t bit = page.value % perRange;
+    ClearBit(ChangeBit(operation, mapPage, kMapPageHead, bit), bit);
 }
 
 namespace {

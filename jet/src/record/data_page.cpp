@@ -119,9 +119,9 @@ void DeleteRow(MutableBytes page, const Format& format, std::uint32_t slot) {
 }
 
 void ResizeRow(MutableBytes page, const Format& format, std::uint32_t slot, std::uint32_t length) {
-    if (length > ReadSlot(page, format, slot).length + PageRoom(page, format)) {
-        CloseUp(page, format);
-    }
+    const std::uint32_t before = ReadSlot(page, format, slot).length;
+    if (length == before) return;
+    if (length > before + PageRoom(page, format)) CloseUp(page, format);
     const Slot old = ReadSlot(page, format, slot);
     const std::uint32_t room = PageRoom(page, format);
     const std::uint32_t lowest = SlotEnd(page, format, SlotCount(page, format));

@@ -6,6 +6,7 @@
 #include "jet/error.h"
 #include "page/bytes.h"
 #include "record/data_page.h"
+#include "record/other_bytes.h"
 
 namespace jet {
 
@@ -212,10 +213,7 @@ bool LongValueStore::Overwrite(Operation& operation, RowId row, Bytes value) {
         if (!CanResize(stored.page.Data(), format, row.slot, length)) return false;
         oldLength = static_cast<std::uint32_t>(stored.bytes.size());
     }
-    const MutableBytes page = operation.Change(row.page);
-    ResizeRow(page, format, row.slot, length);
-    const Slot slot = ReadSlot(page, format, row.slot);
-    std::copy(value.begin(), value.end(), page.begin() + slot.start);
+    GiveOtherBytes(operation, row, value);
     if (length < oldLength) EnterFree(operation, row.page);
     return true;
 }

@@ -4,6 +4,7 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "record/other_bytes.h"
 
 namespace jet {
 
@@ -100,25 +101,24 @@ PageNumber RowStore::PageWithRoom(Operation& operation, std::uint32_t length, Pa
 
 void RowStore::Replace(Operation& operation, RowId row, Bytes bytes) {
     const Format& format = pager_->FileFormat();
-    const MutableBytes home = operation.Change(row.page);
-    const Slot slot = ReadSlot(home, format, row.slot);
+    const auto size = static_cast<std::uint32_t>(bytes.size());
     RowId place = row;
-    if (slot.kind == SlotKind::kPointer) place = FollowPointer(SlotBytes(home, format, row.slot));
-    const MutableBytes page = operation.Change(place.page);
-    if (!IsOurs(page)) ThrowMissing();
-    const Slot old = ReadSlot(page, format, place.slot);
+    const PageRef home = pager_->Page(row.page);
+    if (ReadSlot(home.Data(), format, row.slot).kind == SlotKind::kPointer) {
+        place = FollowPointer(SlotBytes(home.Data(), format, row.slot));
+    }
+    const PageRef page = pager_->Page(place.page);
+    if (!IsOurs(page.Data())) ThrowMissing();
+    const Slot old = ReadSlot(page.Data(), format, place.slot);
     if (old.kind == SlotKind::kDeleted) ThrowMissing();
     // Files of other writers may hold a pointer to a pointer; it is made straight.
-    const bool fits = old.kind != SlotKind::kPointer &&
-                      CanResize(page, format, place.slot, static_cast<std::uint32_t>(bytes.size()));
-    if (!fits) {
+    if (old.kind == SlotKind::kPointer || !CanResize(page.Data(), format, place.slot, size)) {
         Move(operation, row, bytes);
         return;
     }
-    ResizeRow(page, format, place.slot, static_cast<std::uint32_t>(bytes.size()));
-    const Slot resized = ReadSlot(page, format, place.slot);
-    std::copy(bytes.begin(), bytes.end(), page.begin() + resized.start);
-    if (bytes.size() < old.length) EnterFree(operation, place.page);
+    if (old.length == size && Equal(Slice(page.Data(), old.start, size), bytes)) return;
+    GiveOtherBytes(operation, place, bytes);
+    if (size < old.length) EnterFree(operation, place.page);
 }
 
 // Puts the bytes on another page and makes the row's slot a pointer to them.
