@@ -231,6 +231,22 @@ TEST_P(LongValueTest, Replace_UndoneWithinATransaction_LeavesEveryPageAsItWas) {
     pager_->RollbackTransaction();
 }
 
+TEST_P(LongValueTest, PageWithLittleRoom_IsListedOnceItHasMore) {
+    const std::size_t size = FileFormat().longValueInRow + 10;
+    std::vector<std::vector<std::byte>> values;
+    while (PagesOf(owned_) < 2) values.push_back(Write(size));
+    const PageNumber page = ReadLongValueHead(values[0])->first.page;
+    const UsageMap listed(*pager_, free_);
+    std::size_t released = 0;
+    while (!listed.Contains(page)) {
+        ASSERT_LT(released, values.size());
+        Store().Release(*operation_, values[released++]);
+    }
+    EXPECT_GT(released, 1U);
+    EXPECT_GE(released * size + 100, FileFormat().pageSize / 8);
+    EXPECT_EQ(ReadLongValueHead(Write(size))->first.page, page);
+}
+
 INSTANTIATE_TEST_SUITE_P(BothVersions, LongValueTest,
                          testing::Values(Version::kJet3, Version::kJet4),
                          [](const auto& tested) { return VersionName(tested.param); });

@@ -54,10 +54,16 @@ void MoveStarts(MutableBytes page, const Format& format, std::uint32_t slot,
 std::uint32_t PossibleRoom(Bytes page, const Format& format) {
     const std::uint32_t count = SlotCount(page, format);
     std::uint32_t room = PageRoom(page, format);
+    std::uint32_t end = format.pageSize;
+    const Bytes directory = Slice(page, format.rowDirectoryAt, 2 * count);
     for (std::uint32_t slot = 0; slot < count; ++slot) {
-        if (ReadSlotKind(page, format, slot) == SlotKind::kDeleted) {
-            room += ReadSlot(page, format, slot).length;
+        const std::uint16_t entry = ReadU16(directory, 2 * slot);
+        const std::uint32_t start = entry & kSlotOffsetMask;
+        if ((entry & kSlotKindMask) == kSlotKindMask) {
+            if (start > end) ThrowDamaged("The file is damaged: the rows of a page overlap.");
+            room += end - start;
         }
+        end = start;
     }
     return room;
 }

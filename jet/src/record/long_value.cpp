@@ -269,8 +269,11 @@ PageNumber LongValueStore::PageWithRoom(Operation& operation, std::uint32_t leng
     return fresh;
 }
 
+// A page with little room is not worth a look for each value: it is listed once it has more.
 void LongValueStore::EnterFree(Operation& operation, PageNumber page) {
     if (!free_) return;
+    const Format& format = pager_->FileFormat();
+    if (PossibleRoom(pager_->Page(page).Data(), format) < format.pageSize / 8) return;
     if (!free_->Contains(page)) free_->Add(operation, page);
     roomHint_ = std::min(roomHint_, page);
 }
