@@ -44,6 +44,12 @@ void AppendBig(Key& bytes, std::uint32_t value) {
     }
 }
 
+// Four to eight bytes as a number that orders them.
+inline std::uint64_t ShortKey(Bytes bytes, std::size_t size) {
+    const std::uint64_t head = __builtin_bswap32(ReadU32(bytes, 0));
+    return head << 32 | __builtin_bswap32(ReadU32(bytes, size - sizeof(std::uint32_t)));
+}
+
 // Orders bytes; a proper prefix comes first. Most keys differ in their first eight bytes.
 inline int Compare(Bytes left, Bytes right) {
     const std::size_t common = std::min(left.size(), right.size());
@@ -53,6 +59,14 @@ inline int Compare(Bytes left, Bytes right) {
         if (first != second) {
             return first < second ? -1 : 1;
         }
+    } else if (common >= sizeof(std::uint32_t)) {
+        // Two words that overlap are all of it.
+        const std::uint64_t first = ShortKey(left, common);
+        const std::uint64_t second = ShortKey(right, common);
+        if (first != second) {
+            return first < second ? -1 : 1;
+        }
+        return left.size() < right.size() ? -1 : left.size() > right.size() ? 1 : 0;
     }
     const int order = common == 0 ? 0 : std::memcmp(left.data(), right.data(), common);
     if (order != 0) {

@@ -63,7 +63,15 @@ std::string EncodeCodePage(std::u16string_view text, bool* complete) {
 void EncodeCodePage(std::u16string_view text, std::vector<std::byte>& into) {
     const std::size_t before = into.size();
     into.resize(before + text.size());
-    std::transform(text.begin(), text.end(), into.begin() + static_cast<std::ptrdiff_t>(before),
+    std::byte* const bytes = into.data() + before;
+    // Nearly every text is plain, and taking it over at once is many times faster.
+    char16_t all = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        all |= text[i];
+        bytes[i] = static_cast<std::byte>(text[i]);
+    }
+    if (all < kFirst) return;
+    std::transform(text.begin(), text.end(), bytes,
                    [](char16_t unit) { return CodePageByte(unit).value_or(std::byte{'?'}); });
 }
 
