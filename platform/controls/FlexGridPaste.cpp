@@ -196,9 +196,11 @@ void FlexGridPaste::PutBlock(const FlexGridClip::Block& pasted) {
 }
 
 bool FlexGridPaste::LeaveHeadingsOut(const QStringList& line) const {
+    QStringList headings = line;
+    headings.removeIf([](const QString& heading) { return heading.trimmed().isEmpty(); });
     const QString question =
         tr("The first line of what is pasted holds headings (%1) where numbers are wanted.")
-            .arg(Shortened(line.join(QStringLiteral(", "))));
+            .arg(Shortened(headings.join(QStringLiteral(", "))));
     return IsWanted(question + platform::kNewLine + tr("Leave it out?"));
 }
 

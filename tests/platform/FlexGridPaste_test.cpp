@@ -151,6 +151,17 @@ TEST_F(FlexGridPaste, HeadingsAboveNumbers_AreLeftOutIfWanted) {
     }
 }
 
+TEST_F(FlexGridPaste, HeadingsThatAreEmpty_AreNotNamed) {
+    FillList();
+    ClickCell(1, 1);
+    Key(Qt::Key_Escape);
+    answers_.Press({QMessageBox::Yes});
+    grid_->SetEditSelText("\tCost\r\n8\t80\r\n");
+    const QStringList told = Boxes();
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told.front().contains("(Cost)")) << told.front().toStdString();
+}
+
 TEST_F(FlexGridPaste, SpreadsheetsNumbers_ArriveAsNumbers) {
     PasteAt(1, 0, "$5\t1,200\t($1,250.50)\r\n");
     EXPECT_EQ(grid_->TextMatrix(1, 0), "$5");
