@@ -12,6 +12,7 @@
 namespace {
 
 constexpr int kRowsShown = 20;
+constexpr int kFewestCharacters = 12;
 
 QString NoName() {
     return ChoiceBox::tr("(no name)");
@@ -41,6 +42,12 @@ ChoiceBox::ChoiceBox(int characters, QWidget* parent) : QComboBox(parent) {
     setFocusPolicy(Qt::StrongFocus);
     base::Handle<&ChoiceBox::TellWhole, base::Entry::kOwn>(this, &QComboBox::currentTextChanged,
                                                            this);
+}
+
+QSize ChoiceBox::minimumSizeHint() const {
+    const int spared = std::max(minimumContentsLength() - kFewestCharacters, 0);
+    const QSize least = QComboBox::minimumSizeHint();
+    return {least.width() - spared * fontMetrics().horizontalAdvance(u'X'), least.height()};
 }
 
 void ChoiceBox::showPopup() {

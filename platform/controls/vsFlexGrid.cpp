@@ -616,8 +616,10 @@ QSize vsFlexGrid::minimumSizeHint() const {
     const int headings =
         horizontalHeader()->isVisibleTo(this) ? horizontalHeader()->sizeHint().height() : 0;
     const int rows = kLeastRows * verticalHeader()->defaultSectionSize();
+    const QScrollBar& across = *horizontalScrollBar();
+    const int bar = across.maximum() > across.minimum() ? across.sizeHint().height() : 0;
     const QSize least = QTableView::minimumSizeHint();
-    return {least.width(), std::max(least.height(), headings + rows + 2 * frameWidth())};
+    return {least.width(), std::max(least.height(), headings + rows + bar + 2 * frameWidth())};
 }
 
 void vsFlexGrid::CheckCell(int row, int col) const {

@@ -4,6 +4,7 @@
 #include <QScrollBar>
 
 #include "platform/controls/LegibleStyle.h"
+#include "platform/controls/ScrolledPage.h"
 #include "worksheet_fixture.h"
 #include "worksheets/ChoiceBox.h"
 #include "worksheets/ChoicesRow.h"
@@ -41,6 +42,27 @@ TEST_F(ChoicesTest, Box_KeepsItsWidthWhateverItHolds) {
     box.addItem(QStringLiteral("A name that is far longer than what the box has room for"));
     EXPECT_EQ(box.sizeHint().width(), empty);
     EXPECT_EQ(box.toolTip(), box.currentText());
+}
+
+TEST_F(ChoicesTest, NarrowPage_HasNarrowerBoxesInsteadOfScrolling) {
+    ZoneRecords::Create(QStringLiteral("North"), 1);
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPointSize(18);
+    QApplication::setFont(large);
+    auto& form = Load<frm5NVCTable>();
+    form.resize(800, 530);
+    QApplication::processEvents();
+    const auto* page = form.findChild<ScrolledPage*>();
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ(page->horizontalScrollBar()->maximum(), 0);
+    const auto& zones = Find<QComboBox>("cboFMZs");
+    EXPECT_LT(zones.width(), zones.sizeHint().width());
+    EXPECT_GE(zones.width(), zones.minimumSizeHint().width());
+    form.resize(1366, 700);
+    QApplication::processEvents();
+    EXPECT_EQ(zones.width(), zones.sizeHint().width());
+    QApplication::setFont(before);
 }
 
 TEST_F(ChoicesTest, UnnamedZone_ShowsThatItHasNoNameAndKeepsItsText) {

@@ -38,6 +38,21 @@ constexpr int kHelpContextId = 50;
 const char* const kTag = "Tag";
 const QString kMinusTyped = QStringLiteral("minus");
 
+// Wraps only where the page is too narrow for one line.
+class Reminder : public QLabel {
+public:
+    Reminder(const QString& text, QWidget* parent) : QLabel(text, parent) {
+        setTextFormat(Qt::PlainText);
+        setWordWrap(true);
+        setProperty("Caption", text);
+        PageParts::Name(*this, "lblMinus", text);
+    }
+    [[nodiscard]] QSize sizeHint() const override {
+        const int line = fontMetrics().horizontalAdvance(text());
+        return {line, heightForWidth(line)};
+    }
+};
+
 }  // namespace
 
 frm5NVCTable::frm5NVCTable(WorksheetHost& host, QWidget* parent)
@@ -109,8 +124,7 @@ void frm5NVCTable::BuildTotals() {
 
 void frm5NVCTable::BuildNotes() {
     auto* lblNote = new NoteLine(*grdNVC_, this);
-    lblMinus_ =
-        PageParts::Label(this, "lblMinus", tr("Be sure to include a minus sign (-) for losses."));
+    lblMinus_ = new Reminder(tr("Be sure to include a minus sign (-) for losses."), this);
     lblMinus_->setProperty(kTag, QString());
     lblMinus_->hide();
     GridParts::AddNote(Body(), *lblNote, lblMinus_);
