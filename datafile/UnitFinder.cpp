@@ -1,32 +1,13 @@
 #include "datafile/UnitFinder.h"
 
 #include "datafile/FieldNames.h"
+#include "platform/dao/IndexScope.h"
 
 namespace {
 
 const QString kUnitID = QStringLiteral("UnitID");
 const QString kUnitName = QStringLiteral("UnitName");
 const QString kState = QStringLiteral("State");
-
-// Back to the primary index when a search ends, however it ends.
-class IndexScope {
-public:
-    IndexScope(dao::Recordset& records, const QString& index) : records_(records) {
-        records_.SetIndex(index);
-    }
-    ~IndexScope() {
-        try {
-            records_.SetIndex(FieldNames::kPrimaryKey);
-        } catch (const platform::RuntimeError&) {
-            return;  // the search itself has met the same failure and reports it
-        }
-    }
-    IndexScope(const IndexScope&) = delete;
-    IndexScope& operator=(const IndexScope&) = delete;
-
-private:
-    dao::Recordset& records_;
-};
 
 void CloseQuietly(std::unique_ptr<dao::Recordset>& records) {
     if (!records) {
@@ -61,7 +42,7 @@ void UnitFinder::Close() {
 }
 
 UnitFinder::Answer UnitFinder::FindUnit(const QString& id) {
-    const IndexScope byID(*units_, kUnitID);
+    const dao::IndexScope byID(*units_, kUnitID);
     units_->Seek("=", {id});
     if (units_->NoMatch()) {
         return {};
@@ -95,7 +76,7 @@ UnitFinder::Unit UnitFinder::Current() const {
 }
 
 UnitFinder::Listing UnitFinder::List(const QString& index, const QString& text) {
-    const IndexScope scope(*units_, index);
+    const dao::IndexScope scope(*units_, index);
     Listing listing;
     if (units_->RecordCount() == 0) {
         return listing;

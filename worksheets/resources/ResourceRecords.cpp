@@ -3,6 +3,7 @@
 #include "datafile/FieldNames.h"
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepDatatables.h"
+#include "platform/dao/IndexScope.h"
 
 using FieldReaders::LongField;
 using FieldReaders::SingleField;
@@ -12,21 +13,6 @@ using PrepDatatables::tblSRMasterList;
 namespace ResourceRecords {
 
 namespace {
-
-// The records in the order of their sequence; all look-ups seek by key.
-class SequenceScope {
-public:
-    SequenceScope() { tblSRMasterList->SetIndex(FieldNames::kSequence); }
-    ~SequenceScope() {
-        try {
-            tblSRMasterList->SetIndex(FieldNames::kPrimaryKey);
-        } catch (const platform::RuntimeError&) {
-            // The next look-up fails and reports it.
-        }
-    }
-    SequenceScope(const SequenceScope&) = delete;
-    SequenceScope& operator=(const SequenceScope&) = delete;
-};
 
 Resource Current() {
     Resource resource;
@@ -71,7 +57,7 @@ std::vector<Resource> All() {
     if (tblSRMasterList->RecordCount() == 0) {
         return resources;
     }
-    const SequenceScope inSequence;
+    const dao::IndexScope inSequence(*tblSRMasterList, FieldNames::kSequence);
     for (tblSRMasterList->MoveFirst(); !tblSRMasterList->EndOfFile(); tblSRMasterList->MoveNext()) {
         resources.push_back(Current());
     }
