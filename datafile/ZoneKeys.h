@@ -17,8 +17,11 @@ inline constexpr int kFilLevels = 6;
 
 // The keys of a zone's locations begin this far behind those of the zone before.
 inline constexpr std::int32_t kStep = 100;
-// The most locations of a zone: three digits are typed for their number. A larger number is damage.
+// The most locations of a zone, as many as so many digits can say. A larger number is damage.
+inline constexpr int kLocationDigits = 3;
 inline constexpr std::int32_t kMostLocations = 999;
+// The most zones behind a zone whose keys its locations can reach.
+inline constexpr std::int32_t kZonesReached = kMostLocations / kStep;
 
 // zone key x 100 + location (from 1); throws overflow (6) outside 32 bits.
 std::int32_t FMZRLKey(std::int32_t zoneKey, std::int32_t location);

@@ -55,11 +55,11 @@ void ZoneDuplicateName(const Subject& subject, Findings& findings) {
 void ZoneRlCount(const Subject& subject, Findings& findings) {
     for (const Zone& zone : subject.season.zones) {
         const std::int32_t count = season::Amount(zone.rlCount);
-        if (count < 1 || count > season::kMostLocations) {
+        if (count < 1 || count > season::kLocationsWithRoom) {
             findings.Add(PlaceOf(zone), static_cast<double>(count),
                          PlaceOf(zone).Words() + ": the number of representative locations is " +
                              std::to_string(count) + ".",
-                         "It must be 1 to 99.");
+                         "It must be 1 to " + std::to_string(season::kLocationsWithRoom) + ".");
         }
     }
 }

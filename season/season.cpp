@@ -53,7 +53,7 @@ std::size_t CountRows(const Season& season) {
 }
 
 int LiveCount(const Zone& zone) {
-    return std::clamp<int>(Amount(zone.rlCount), 0, kMostLocations);
+    return std::clamp<int>(Amount(zone.rlCount), 0, kLocationsWithRoom);
 }
 
 const Location* FindLocation(const Zone& zone, std::int32_t number) {

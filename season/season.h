@@ -20,7 +20,7 @@ namespace season {
 inline constexpr int kCostClasses = 9;
 inline constexpr int kNvcResources = 14;
 inline constexpr int kFilLevels = 6;
-inline constexpr int kMostLocations = 99;  // the key of a location has room for so many
+inline constexpr int kLocationsWithRoom = 99;  // whose keys lie before the next zone
 
 using Text = std::optional<std::string>;
 using Whole = std::optional<std::int32_t>;

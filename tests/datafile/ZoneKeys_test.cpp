@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QString>
+
 #include <limits>
 
 #include "platform/RuntimeError.h"
+#include "season/season.h"
 
 TEST(ZoneKeys, FMZRLKey_ZoneSeven_Gives701To703) {
     EXPECT_EQ(ZoneKeys::FMZRLKey(7, 1), 701);
@@ -19,4 +22,12 @@ TEST(ZoneKeys, FMZRLKey_Beyond32Bits_Overflows) {
                  platform::RuntimeError);
     EXPECT_THROW(ZoneKeys::FMZRLKey(std::numeric_limits<std::int32_t>::min(), 1),
                  platform::RuntimeError);
+}
+
+// The report and the program count the locations that have keys of their own alike.
+static_assert(season::kLocationsWithRoom == ZoneKeys::kStep - 1);
+
+TEST(ZoneKeys, MostLocations_AreWhatTheDigitsCanSay) {
+    EXPECT_EQ(QString::number(ZoneKeys::kMostLocations),
+              QString(ZoneKeys::kLocationDigits, QLatin1Char('9')));
 }

@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -16,7 +15,7 @@
 
 namespace {
 
-constexpr std::array<int, ZoneList::kColumns> kLengths{46, 3};
+constexpr int kNameLength = 46;
 
 }  // namespace
 
@@ -45,7 +44,7 @@ GridTable::Takes ZoneList::CellTakes(int /*row*/, int col) const {
 }
 
 int ZoneList::MaxLength(int col) const {
-    return kLengths.at(static_cast<std::size_t>(col));
+    return col == kName ? kNameLength : ZoneKeys::kLocationDigits;
 }
 
 GridTable::Answer ZoneList::Offer(int row, int col, const QString& typed) {

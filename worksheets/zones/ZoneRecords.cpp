@@ -21,6 +21,7 @@ using ZoneKeys::kCostClasses;
 using ZoneKeys::kMostLocations;
 using ZoneKeys::kResources;
 using ZoneKeys::kStep;
+using ZoneKeys::kZonesReached;
 
 namespace ZoneRecords {
 
@@ -59,7 +60,7 @@ std::optional<Zone> Find(std::int32_t key) {
 // The other zone to which the rows at this key belong: the one whose key they spell, or one before
 // it with so many locations that they reach this far.
 std::optional<Zone> OwnerOf(std::int32_t fmzRLKey, std::int32_t besides) {
-    for (std::int32_t back = 0; back <= kMostLocations / kStep; ++back) {
+    for (std::int32_t back = 0; back <= kZonesReached; ++back) {
         const std::int32_t key = fmzRLKey / kStep - back;
         const std::int32_t location = fmzRLKey - key * kStep;
         const auto zone = key == besides ? std::nullopt : Find(key);
@@ -166,7 +167,7 @@ bool KeysAreFree(std::int32_t zoneKey, std::int32_t locations) {
 
 // Numbers come from the table's counter, which passes over those that it has given once.
 std::int32_t AddZoneWithFreeKeys(const QString& name, std::int32_t locations) {
-    constexpr int kMostTries = 2 * kMostLocations / kStep;
+    constexpr int kMostTries = 2 * kZonesReached;
     for (int tries = 0;; ++tries) {
         const std::int32_t key = AddZone(name, locations);
         if (KeysAreFree(key, locations)) {
