@@ -1,6 +1,6 @@
 #include "base/UIMode.h"
 
-#include "platform/system/Host.h"
+#include "platform/system/Pointer.h"
 
 namespace {
 

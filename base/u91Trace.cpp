@@ -6,7 +6,9 @@
 #include <ctime>
 
 #include "platform/RuntimeError.h"
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
+#include "platform/system/ProgramFolder.h"
+#include "platform/system/Screen.h"
 #include "platform/system/TextFile.h"
 
 namespace {

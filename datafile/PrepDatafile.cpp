@@ -17,8 +17,9 @@
 #include "platform/FirstError.h"
 #include "platform/dialogs/CommonDialog.h"
 #include "platform/dialogs/MsgBox.h"
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
 #include "platform/system/NativePath.h"
+#include "platform/system/ProgramFolder.h"
 
 using PrepDatatables::dbDatafile;
 using PrepDatatables::tblProperties;

@@ -14,7 +14,9 @@
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/dialogs/RunModal.h"
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
+#include "platform/system/ProgramFolder.h"
+#include "platform/system/Screen.h"
 
 namespace {
 

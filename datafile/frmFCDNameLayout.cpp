@@ -18,7 +18,7 @@
 #include "platform/controls/ScrolledPage.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/help/HelpViewer.h"
-#include "platform/system/Host.h"
+#include "platform/system/Twips.h"
 
 namespace {
 

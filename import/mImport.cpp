@@ -17,8 +17,8 @@
 #include "platform/dialogs/CommonDialog.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/CostsFolder.h"
-#include "platform/system/Host.h"
-#include "platform/system/PointerScope.h"
+#include "platform/system/Pointer.h"
+#include "platform/system/ProgramFolder.h"
 
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
@@ -305,11 +305,8 @@ QString OpenFileDialog(QWidget* frame) {
 
 QString GetBRAMPath() {
     u91Trace::Procedure(QStringLiteral("GetBRAMPath"));
-    const QString costs = platform::CostsFolder();
     try {
-        // Only whether listing fails counts: a folder that is not there lists as empty.
-        (void)platform::Dir(platform::JoinPath(costs, QString()));
-        return costs;
+        return platform::ListedCostsFolder();
     } catch (const platform::RuntimeError&) {
         return platform::ProgramFolder();
     }

@@ -8,7 +8,7 @@
 
 #include "base/u91Trace.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "platform/system/Host.h"
+#include "platform/system/Clipboard.h"
 
 namespace {
 

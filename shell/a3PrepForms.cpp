@@ -6,7 +6,6 @@
 
 #include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
-#include "platform/system/Host.h"
 #include "shell/Worksheets.h"
 #include "shell/frm0_Prep.h"
 #include "shell/frmTabs.h"

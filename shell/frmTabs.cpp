@@ -17,7 +17,7 @@
 #include "platform/controls/FontScale.h"
 #include "platform/controls/vsIndexTab.h"
 #include "platform/dialogs/MsgBox.h"
-#include "platform/system/Host.h"
+#include "platform/system/Twips.h"
 #include "shell/Worksheets.h"
 #include "shell/a3PrepForms.h"
 

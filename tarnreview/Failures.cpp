@@ -6,7 +6,9 @@
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
 #include "platform/dialogs/MsgBox.h"
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
+#include "platform/system/Pointer.h"
+#include "platform/system/ProgramFolder.h"
 #include "platform/system/TextFile.h"
 
 namespace {

@@ -9,7 +9,7 @@
 
 #include "platform/controls/FontScale.h"
 #include "platform/controls/vsFlexGrid.h"
-#include "platform/system/Host.h"
+#include "platform/system/Twips.h"
 #include "tarnreview/TextTable.h"
 
 namespace Parts {

@@ -4,7 +4,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
+#include "platform/system/ProgramFolder.h"
 
 namespace {
 

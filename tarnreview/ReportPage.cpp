@@ -6,7 +6,7 @@
 
 #include "platform/EventTrap.h"
 #include "platform/help/HelpViewer.h"
-#include "platform/system/Host.h"
+#include "platform/system/Pointer.h"
 #include "tarnreview/Parts.h"
 #include "tarnreview/ReportText.h"
 #include "tarnreview/ReviewCase.h"

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
 #include "platform/system/NativePath.h"
 #include "review/check.h"
 #include "review/figures.h"

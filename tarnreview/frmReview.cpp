@@ -16,7 +16,7 @@
 #include "platform/EventTrap.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/help/HelpViewer.h"
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
 #include "platform/system/NativePath.h"
 #include "season/data_file.h"
 #include "season/file_name.h"

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/system/Host.h"
+#include "platform/system/Twips.h"
 
 namespace {
 

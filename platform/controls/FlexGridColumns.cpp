@@ -11,7 +11,7 @@
 #include "platform/controls/FlexGridHeader.h"
 #include "platform/controls/FlexGridModel.h"
 #include "platform/controls/FontScale.h"
-#include "platform/system/Host.h"
+#include "platform/system/Twips.h"
 
 namespace {
 

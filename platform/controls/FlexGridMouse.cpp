@@ -16,7 +16,7 @@
 #include "platform/controls/FlexGridModel.h"
 #include "platform/controls/FlexGridPaste.h"
 #include "platform/controls/FlexGridSelection.h"
-#include "platform/system/Host.h"
+#include "platform/system/Clipboard.h"
 
 void FlexGridMouse::Press(const QMouseEvent& event) {
     const QModelIndex index = parts_.view.indexAt(event.pos());

@@ -8,7 +8,7 @@
 #include "platform/controls/FlexGridModel.h"
 #include "platform/controls/FlexGridSelection.h"
 #include "platform/dialogs/MsgBox.h"
-#include "platform/system/Host.h"
+#include "platform/system/Clipboard.h"
 
 namespace {
 

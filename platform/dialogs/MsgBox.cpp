@@ -8,7 +8,7 @@
 #include <QTextEdit>
 
 #include "platform/dialogs/RunModal.h"
-#include "platform/system/PointerScope.h"
+#include "platform/system/Pointer.h"
 
 namespace platform {
 namespace {

@@ -10,7 +10,7 @@
 #include <QTreeView>
 #include <algorithm>
 
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
 
 namespace {
 

@@ -8,5 +8,8 @@ namespace platform {
 // "Costs" in the program folder, in whatever case it is written there; the path is given whether it
 // exists or not.
 QString CostsFolder();
+// The same, once the files in it have been listed; throws when that fails (kPathAccess,
+// kPermissionDenied). A folder that is not there lists as empty.
+QString ListedCostsFolder();
 
 }  // namespace platform

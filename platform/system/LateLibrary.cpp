@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QPluginLoader>
 
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
 
 namespace platform {
 

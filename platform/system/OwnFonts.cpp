@@ -6,7 +6,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
 
 namespace platform {
 

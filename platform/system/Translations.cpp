@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
 
 namespace platform {
 

@@ -7,7 +7,6 @@
 
 #include <cstdlib>
 
-#include "platform/system/Host.h"
 #include "support/LogFolder.h"
 
 namespace {

@@ -5,6 +5,8 @@
 #include <QDateTime>
 
 #include "platform/RuntimeError.h"
+#include "platform/system/ProgramFolder.h"
+#include "platform/system/Screen.h"
 #include "support/LogFolder.h"
 
 namespace {

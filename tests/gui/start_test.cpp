@@ -13,6 +13,7 @@
 #include "datafile/PrepDatatables.h"
 #include "datafile/PrepProperties.h"
 #include "platform/controls/FLabel.h"
+#include "platform/system/ProgramFolder.h"
 #include "shell/ProgramTexts.h"
 #include "support/Keyboard.h"
 

@@ -9,6 +9,7 @@
 #include "datafile/PrepDatatables.h"
 #include "datafile/PrepProperties.h"
 #include "platform/controls/vsFlexGrid.h"
+#include "platform/system/Clipboard.h"
 #include "shell/frmTabs.h"
 #include "worksheets/zones/ZoneRecords.h"
 

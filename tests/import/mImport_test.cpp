@@ -19,7 +19,8 @@
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
 #include "import/mImport.h"
-#include "platform/system/Host.h"
+#include "platform/system/Pointer.h"
+#include "platform/system/ProgramFolder.h"
 #include "support/Answers.h"
 #include "support/BuiltProgramFolder.h"
 #include "support/Corpus.h"
@@ -611,6 +612,14 @@ TEST_F(ImportTest, LargeFile_ImportsWithProgress) {
 
 TEST_F(ImportTest, GetBRAMPath_WithoutRegardToCase_IsTheCostsFolder) {
     EXPECT_EQ(mImport::GetBRAMPath(), folder_.Path(QStringLiteral("Costs")));
+}
+
+TEST_F(ImportTest, GetBRAMPath_ListingFails_IsTheProgramFolderWithoutAWarning) {
+    PrepDatafile::CloseDatafile();
+    ASSERT_TRUE(QDir(folder_.Path(QStringLiteral("Costs"))).removeRecursively());
+    support::WriteBytes(folder_.Path(QStringLiteral("Costs")), "in its place");
+    EXPECT_EQ(mImport::GetBRAMPath(), platform::ProgramFolder());
+    EXPECT_FALSE(folder_.Trace().join(u'\n').contains(QStringLiteral("Warning!")));
 }
 
 }  // namespace

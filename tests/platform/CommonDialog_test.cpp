@@ -12,7 +12,6 @@
 #include <QTreeView>
 
 #include "platform/dialogs/CommonDialog.h"
-#include "platform/system/Host.h"
 #include "support/Answers.h"
 
 namespace {

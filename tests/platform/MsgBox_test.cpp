@@ -7,7 +7,7 @@
 #include <QTest>
 
 #include "platform/dialogs/MsgBox.h"
-#include "platform/system/Host.h"
+#include "platform/system/Pointer.h"
 #include "support/Answers.h"
 
 namespace {

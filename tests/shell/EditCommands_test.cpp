@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include "platform/controls/vsFlexGrid.h"
+#include "platform/system/Clipboard.h"
 #include "support/LogFolder.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "base/UIMode.h"
 #include "platform/EventTrap.h"
 #include "platform/RuntimeError.h"
-#include "platform/system/Host.h"
+#include "platform/system/Pointer.h"
 #include "support/Answers.h"
 #include "support/LogFolder.h"
 

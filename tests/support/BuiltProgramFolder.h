@@ -12,7 +12,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include "platform/system/Host.h"
+#include "platform/system/ProgramFolder.h"
 #include "support/paths.h"
 
 namespace support {

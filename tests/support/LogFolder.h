@@ -9,7 +9,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include "platform/system/Host.h"
+#include "platform/system/ProgramFolder.h"
 
 class LogFolder {
 public:

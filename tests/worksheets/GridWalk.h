@@ -19,7 +19,7 @@
 #include "WalkSeed.h"
 #include "platform/RuntimeError.h"
 #include "platform/controls/GridTable.h"
-#include "platform/system/Host.h"
+#include "platform/system/Clipboard.h"
 #include "platform/text/Numbers.h"
 #include "worksheet_fixture.h"
 #include "worksheets/undo/UndoHistory.h"

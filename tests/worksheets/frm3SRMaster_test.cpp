@@ -9,7 +9,7 @@
 #include "datafile/FieldReaders.h"
 #include "datafile/PrepProperties.h"
 #include "platform/RuntimeError.h"
-#include "platform/system/Host.h"
+#include "platform/system/Clipboard.h"
 #include "worksheet_fixture.h"
 #include "worksheets/resources/ResourceRecords.h"
 #include "worksheets/resources/SRDataSource.h"

@@ -16,7 +16,7 @@
 #include "platform/controls/ScrolledPage.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/help/HelpViewer.h"
-#include "platform/system/Host.h"
+#include "platform/system/Screen.h"
 #include "platform/text/Numbers.h"
 #include "worksheets/MomentLabel.h"
 #include "worksheets/TextBox.h"

@@ -7,7 +7,7 @@
 #include <QProgressBar>
 #include <QVBoxLayout>
 
-#include "platform/system/Host.h"
+#include "platform/system/Screen.h"
 
 namespace {
 

@@ -5,7 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/system/Host.h"
+#include "platform/system/ProgramFolder.h"
+#include "platform/system/Twips.h"
 #include "shell/frm0_Prep.h"
 #include "support/Answers.h"
 #include "support/Screen.h"

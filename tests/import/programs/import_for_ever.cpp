@@ -8,7 +8,7 @@
 #include "datafile/PrepDatafile.h"
 #include "datafile/PrepDatatables.h"
 #include "import/mImport.h"
-#include "platform/system/Host.h"
+#include "platform/system/ProgramFolder.h"
 
 namespace {
 

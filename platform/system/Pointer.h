@@ -1,9 +1,12 @@
-// A pointer for a while: the hourglass over work, the ordinary one over a question.
+// The program's one pointer: the hourglass over work, the ordinary one over a question.
 #pragma once
 
-#include "platform/system/Host.h"
-
 namespace platform {
+
+enum class Pointer { kDefault = 0, kHourglass = 11 };
+// Not a stack.
+void SetMousePointer(Pointer pointer);
+Pointer MousePointer();
 
 // That pointer while it exists, and then the one that was there.
 class PointerScope {

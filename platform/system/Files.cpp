@@ -1,26 +1,17 @@
-#include "platform/system/Host.h"
+#include "platform/system/Files.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QCoreApplication>
-#include <QCursor>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QRegularExpression>
 #include <QSaveFile>
-#include <QScreen>
-#include <QWidget>
+
 #include <algorithm>
 
 #include "platform/RuntimeError.h"
 
 namespace platform {
 namespace {
-
-QString programFolder;
-bool hourglass = false;
 
 [[noreturn]] void Throw(ErrorNumber number, const char* sentence, const QString& path) {
     throw RuntimeError(number, QString::fromLatin1(sentence) + QStringLiteral(": ") + path);
@@ -43,33 +34,7 @@ QRegularExpression WildcardExpression(const QString& pattern) {
         QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
 }
 
-QScreen* FrameScreen() {
-    for (const QWidget* window : QApplication::topLevelWidgets()) {
-        if (window->objectName() == QLatin1String("frm0_Prep")) {
-            return window->screen();
-        }
-    }
-    return QGuiApplication::primaryScreen();
-}
-
 }  // namespace
-
-QString ProgramFolder() {
-    if (!programFolder.isEmpty()) {
-        return programFolder;
-    }
-    // Asked for with each line of the log.
-    static const QString own = [] {
-        const QString home = qEnvironmentVariable("TARNPREP_HOME");
-        return QDir::toNativeSeparators(home.isEmpty() ? QCoreApplication::applicationDirPath()
-                                                       : QDir(home).absolutePath());
-    }();
-    return own;
-}
-
-void SetProgramFolder(const QString& folder) {
-    programFolder = folder;
-}
 
 QString JoinPath(const QString& folder, const QString& name) {
     const QChar separator = QDir::separator();
@@ -167,54 +132,6 @@ void FileCopy(const QString& from, const QString& to) {
     if (!output.commit()) {
         Throw(kPathAccess, "Path/File access error", to);
     }
-}
-
-QSize ScreenSize() {
-    const QScreen* screen = FrameScreen();
-    return screen == nullptr ? QSize() : screen->geometry().size() * kTwipsPerPixel;
-}
-
-void SetMousePointer(Pointer pointer) {
-    const bool wanted = pointer == Pointer::kHourglass;
-    if (wanted == hourglass) {
-        return;
-    }
-    hourglass = wanted;
-    // Qt keeps a stack of pointers; there is never more than this one entry on it.
-    if (wanted) {
-        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    } else {
-        QGuiApplication::restoreOverrideCursor();
-    }
-}
-
-Pointer MousePointer() {
-    return hourglass ? Pointer::kHourglass : Pointer::kDefault;
-}
-
-QString ClipboardText() {
-    return QGuiApplication::clipboard()->text();
-}
-
-void SetClipboardText(const QString& text) {
-    QGuiApplication::clipboard()->setText(text);
-}
-
-void PlaceOver(QWidget& dialog, const QWidget& frame) {
-    dialog.ensurePolished();
-    if (!dialog.testAttribute(Qt::WA_Resized)) {
-        dialog.adjustSize();
-    }
-    QRect place(QPoint(), dialog.size());
-    place.moveCenter(frame.frameGeometry().center());
-    if (const QScreen* screen = frame.screen()) {
-        const QRect room = screen->availableGeometry();
-        place.moveRight(std::min(place.right(), room.right()));
-        place.moveBottom(std::min(place.bottom(), room.bottom()));
-        place.moveLeft(std::max(place.left(), room.left()));
-        place.moveTop(std::max(place.top(), room.top()));
-    }
-    dialog.move(place.topLeft());
 }
 
 }  // namespace platform

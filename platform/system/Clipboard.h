@@ -1,0 +1,11 @@
+// The clipboard's text.
+#pragma once
+
+#include <QString>
+
+namespace platform {
+
+QString ClipboardText();
+void SetClipboardText(const QString& text);
+
+}  // namespace platform
