@@ -1,5 +1,7 @@
 #include "datafile/FieldReaders.h"
 
+#include "datafile/FieldNames.h"
+
 namespace FieldReaders {
 
 QString TextField(const dao::Recordset& records, const QString& field) {
@@ -12,6 +14,11 @@ std::int32_t LongField(const dao::Recordset& records, const QString& field) {
 
 float SingleField(const dao::Recordset& records, const QString& field) {
     return records.NoMatch() ? 0.0F : records.Single(field);
+}
+
+std::int32_t BeginNew(dao::Recordset& records) {
+    records.AddNew();
+    return records.Long(FieldNames::kKey);
 }
 
 }  // namespace FieldReaders

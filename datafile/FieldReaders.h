@@ -15,4 +15,8 @@ QString TextField(const dao::Recordset& records, const QString& field);
 std::int32_t LongField(const dao::Recordset& records, const QString& field);
 float SingleField(const dao::Recordset& records, const QString& field);
 
+// Begins a new record of a table with a counter, for the caller to fill and to update, and gives
+// the key that the record will have.
+std::int32_t BeginNew(dao::Recordset& records);
+
 }  // namespace FieldReaders

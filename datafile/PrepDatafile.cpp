@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "base/u13Folders.h"
 #include "base/u91Trace.h"
@@ -219,24 +220,24 @@ void BringIn() {
     }
 }
 
-void TellWhatOthersDid() {
-    if (dbDatafile->WasPutBack() && !reported.putBack) {
-        reported.putBack = true;
-        throw platform::RuntimeError(
-            platform::kNoSuchFile,
-            Texts::tr("The file \"%1\" had been deleted by another program while it was "
-                      "open. It has been written anew, with all that is in it.")
-                .arg(currentFileName));
-    }
-    if (dbDatafile->WasMoved() && !reported.moved) {
-        reported.moved = true;
-        throw platform::RuntimeError(
-            platform::kNoSuchFile,
-            Texts::tr("The file \"%1\" has been moved or renamed by another program while it "
-                      "was open. All that you enter is stored in it where it is now. Leave "
-                      "the program and open it there.")
-                .arg(currentFileName));
-    }
+QString PutBackNews() {
+    return Texts::tr("The file \"%1\" had been deleted by another program while it was "
+                     "open. It has been written anew, with all that is in it.")
+        .arg(currentFileName);
+}
+
+QString MovedNews() {
+    return Texts::tr("The file \"%1\" has been moved or renamed by another program while it "
+                     "was open. All that you enter is stored in it where it is now. Leave "
+                     "the program and open it there.")
+        .arg(currentFileName);
+}
+
+void Tell(const QString& news) {
+    u91Trace::Warning(QStringLiteral("PrepDatafile.TellNews: ") + news);
+    platform::MsgOptions options;
+    options.icon = platform::MsgIcon::kExclamation;
+    platform::MsgBox(news, options);
 }
 
 // In the costs folder. The user has agreed to replace a file of that name, whatever the case of its
@@ -420,7 +421,24 @@ void MakeDurable() {
     // A window or a timer may ask for it while an action waits for the user.
     if (fileIsOpen && dbDatafile && !dbDatafile->InTransaction()) {
         BringIn();
-        TellWhatOthersDid();
+    }
+}
+
+bool HasNews() {
+    return fileIsOpen && dbDatafile &&
+           ((dbDatafile->WasPutBack() && !reported.putBack) || (dbDatafile->WasMoved() && !reported.moved));
+}
+
+void TellNews() {
+    if (!HasNews()) {
+        return;
+    }
+    // Marked as told before the box waits: what is done meanwhile asks for the news again.
+    if (dbDatafile->WasPutBack() && !std::exchange(reported.putBack, true)) {
+        Tell(PutBackNews());
+    } else {
+        reported.moved = true;
+        Tell(MovedNews());
     }
 }
 

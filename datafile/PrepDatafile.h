@@ -47,6 +47,11 @@ void RefuseDatafile(const QString& reason);
 // Carries what was written so far through a power cut; nothing when no file is open, or while a
 // transaction is, whose action ends with it.
 void MakeDurable();
+// Whether MakeDurable has found that another program deleted or moved the open file, and the user
+// does not know yet.
+[[nodiscard]] bool HasNews();
+// Tells one such piece of news, once; nothing when there is none.
+void TellNews();
 // Does beforehand what would make the first MakeDurable wait longer than the others.
 void SecureLog() noexcept;
 

@@ -81,6 +81,8 @@ public:
     NewRow(const NewRow&) = delete;
     NewRow& operator=(const NewRow&) = delete;
     void Set(const QString& field, const QVariant& value) { rows_.SetField(field, value); }
+    // Of a table with a counter.
+    [[nodiscard]] std::int32_t Key() const { return rows_.Long(FieldNames::kKey); }
     void Store() { rows_.Update(); }
 
 private:
@@ -177,9 +179,9 @@ std::int32_t AddZone(const QString& code, const QString& name, std::int32_t loca
     NewRow row(*tblFMZList);
     SetName(row, code, name);
     row.Set(FieldNames::kRLCount, locations);
+    const std::int32_t key = row.Key();
     row.Store();
-    tblFMZList->MoveLast();
-    return tblFMZList->Long(FieldNames::kKey);
+    return key;
 }
 
 void CopyZone(dao::Recordset& zones) {

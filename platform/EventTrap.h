@@ -14,6 +14,10 @@
 #include <optional>
 #include <utility>
 
+namespace platform {
+class RuntimeError;
+}
+
 namespace platform::EventTrap {
 
 struct Report {
@@ -43,6 +47,8 @@ void Install(Hooks hooks);
 std::optional<Report> Attempt(const char* handler, const std::function<void()>& body) noexcept;
 // Runs `handler` under the trap. True when it ended without an error.
 bool Run(const char* handler, const std::function<void()>& body) noexcept;
+// Reports an error that was caught and keeps nobody from going on, as the trap would.
+void Tell(const char* handler, const RuntimeError& error) noexcept;
 // How many trapped handlers are running now, one inside the other.
 int Depth();
 

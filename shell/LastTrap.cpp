@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include <functional>
+
 #include "base/UIMode.h"
 #include "base/u91Trace.h"
 #include "datafile/PrepDatafile.h"
@@ -43,12 +45,16 @@ void Tell(const Report& report) {
 }
 
 // Once the handlers have ended: a message box waits, and nothing should wait with it.
-void NoticeLogFailure() {
+void Later(const char* handler, const std::function<void()>& tell) {
+    QTimer::singleShot(0, &frm0_Prep::Loaded(), platform::EventTrap::Trapped(handler, tell));
+}
+
+void NoticeNews() {
+    if (PrepDatafile::HasNews()) {
+        Later("PrepDatafile.TellNews", PrepDatafile::TellNews);
+    }
     if (!u91Trace::PassedOverFailure().isEmpty() && !frm0_Prep::Loaded().HasToldOfLogFailure()) {
-        QTimer::singleShot(0, &frm0_Prep::Loaded(), [] {
-            platform::EventTrap::Run("frm0_Prep.TellOfLogFailure",
-                                     [] { frm0_Prep::Loaded().TellOfLogFailure(); });
-        });
+        Later("frm0_Prep.TellOfLogFailure", [] { frm0_Prep::Loaded().TellOfLogFailure(); });
     }
 }
 
@@ -64,7 +70,7 @@ void Install() {
     };
     hooks.idle = [] {
         PrepDatafile::MakeDurable();
-        NoticeLogFailure();
+        NoticeNews();
     };
     platform::EventTrap::Install(std::move(hooks));
 }

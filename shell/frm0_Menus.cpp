@@ -129,6 +129,8 @@ void frm0_Prep::mnuFile_Click(std::int16_t index) {
         // A dialog follows, and while it waits for the user the file alone must be complete. Where
         // it cannot be made so, another file can be chosen all the same.
         platform::EventTrap::Run("PrepDatafile.MakeDurable", PrepDatafile::MakeDurable);
+        // It is about the file that may be closed next.
+        platform::EventTrap::Run("PrepDatafile.TellNews", PrepDatafile::TellNews);
     }
     if (index == kNew) {
         a1Prep::NewDatafile();

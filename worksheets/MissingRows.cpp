@@ -25,7 +25,7 @@ void Shown(const char* handler, const std::function<void()>& save) {
         if (error.Number() != platform::kNoCurrentRecord) {
             throw;
         }
-        platform::EventTrap::Run(handler, [&error] { throw platform::RuntimeError(error); });
+        platform::EventTrap::Tell(handler, error);
     }
 }
 

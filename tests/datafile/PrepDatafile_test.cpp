@@ -474,6 +474,33 @@ TEST_F(LifeTest, WithoutAShell_FilesAreOpenedAndRefusedAllTheSame) {
     EXPECT_EQ(host_.restarts + host_.releases, 0);
 }
 
+TEST_F(LifeTest, FileThatWasDeletedOrMoved_IsNewsThatIsToldOnceAndNoError) {
+    OpenNewFile();
+    const QString path = PrepDatafile::CurrentPath();
+    PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("One"));
+    PrepDatafile::MakeDurable();
+    EXPECT_FALSE(PrepDatafile::HasNews());
+    ASSERT_TRUE(QFile::remove(path));
+    PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("Two"));
+    EXPECT_NO_THROW(PrepDatafile::MakeDurable());
+    EXPECT_TRUE(PrepDatafile::HasNews());
+    const support::Answers answers;
+    PrepDatafile::TellNews();
+    EXPECT_FALSE(PrepDatafile::HasNews());
+    PrepDatafile::TellNews();
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("has been written anew")));
+    ASSERT_TRUE(QFile::rename(path, path + QStringLiteral(".moved")));
+    PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("Three"));
+    EXPECT_NO_THROW(PrepDatafile::MakeDurable());
+    PrepDatafile::TellNews();
+    PrepDatafile::TellNews();
+    ASSERT_EQ(answers.Texts().size(), 2);
+    EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("moved or renamed")));
+    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("Warning! PrepDatafile.TellNews")).size(), 2);
+    EXPECT_FALSE(folder_.Trace().join(u'\n').contains(QStringLiteral("ERROR")));
+}
+
 TEST_F(LifeTest, MakeDurable_OnceTheTablesAreClosed_DoesNothing) {
     OpenNewFile();
     PrepDatatables::CloseDatafile();

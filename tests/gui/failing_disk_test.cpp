@@ -415,9 +415,10 @@ TEST_F(RunningProgram, FileRemovedOrRenamedUnderTheProgram_IsToldOnceAndNothingI
     support::Answers answers;
     QFile::remove(path);
     Click(QStringLiteral("cmdAdd"));
-    ASSERT_EQ(answers.Texts().size(), 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answers.Texts().size() == 1; }));
     EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("has been written anew")));
     Click(QStringLiteral("cmdAdd"));
+    QCoreApplication::processEvents();
     EXPECT_EQ(answers.Texts().size(), 1);
     const QString alone = folder_.CostsPath(QStringLiteral("Alone.fcd"));
     support::Copy(path, alone);
@@ -426,7 +427,9 @@ TEST_F(RunningProgram, FileRemovedOrRenamedUnderTheProgram_IsToldOnceAndNothingI
     ASSERT_TRUE(QFile::rename(path, moved));
     Click(QStringLiteral("cmdAdd"));
     Click(QStringLiteral("cmdAdd"));
-    ASSERT_EQ(answers.Texts().size(), 2);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answers.Texts().size() == 2; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(answers.Texts().size(), 2);
     EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("moved or renamed")));
     PrepDatafile::CloseDatafile();
     EXPECT_FALSE(QFile::exists(path));

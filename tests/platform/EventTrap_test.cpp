@@ -47,6 +47,16 @@ TEST_F(EventTrapTest, HandlerThatEndsWell_RunsOnlyTheIdleStep) {
     EXPECT_EQ(EventTrap::Depth(), 0);
 }
 
+TEST_F(EventTrapTest, Tell_ReportsAnErrorThatWasCaughtAndDoesNoMore) {
+    platform::RuntimeError error(platform::kNoCurrentRecord, "No row");
+    EventTrap::Tell("form.Save", error);
+    EXPECT_EQ(steps_, QStringList("report"));
+    ASSERT_EQ(reports_.size(), 1U);
+    EXPECT_EQ(reports_[0].handler, "form.Save");
+    EXPECT_EQ(reports_[0].number, 3021);
+    EXPECT_EQ(reports_[0].description, "No row");
+}
+
 TEST_F(EventTrapTest, Error_IsPutBackMadeDurableAndReported) {
     EXPECT_FALSE(EventTrap::Run("form.cmd_Click", [] {
         throw platform::RuntimeError(platform::kFileNotFound, "File not found");

@@ -100,11 +100,9 @@ void GoalList::Save(int row) {
 
 int GoalList::Add() {
     auto transaction = PrepDatatables::Begin();
-    tblManagementGoals->AddNew();
+    const std::int32_t key = FieldReaders::BeginNew(*tblManagementGoals);
     SetTexts(kEmpty, kEmpty);
     tblManagementGoals->Update();
-    tblManagementGoals->MoveLast();
-    const std::int32_t key = tblManagementGoals->Long(FieldNames::kKey);
     transaction.Commit();
     entries_.push_back({.goal = {.key = key, .heading = QString(), .body = std::nullopt}});
     return Count() - 1;

@@ -65,12 +65,11 @@ std::vector<Resource> All() {
 }
 
 std::int32_t Add(const Resource& resource) {
-    tblSRMasterList->AddNew();
+    const std::int32_t key = FieldReaders::BeginNew(*tblSRMasterList);
     SetTextsAndCost(resource);
     tblSRMasterList->SetField(FieldNames::kUnitType, resource.unitType);
     tblSRMasterList->Update();
-    tblSRMasterList->MoveLast();
-    return tblSRMasterList->Long(FieldNames::kKey);
+    return key;
 }
 
 void Restore(const Resource& resource) {

@@ -154,10 +154,28 @@ void SetZone(const QString& name, std::int32_t locations) {
 }
 
 std::int32_t AddZone(const QString& name, std::int32_t locations) {
-    tblFMZList->AddNew();
+    const std::int32_t key = FieldReaders::BeginNew(*tblFMZList);
     SetZone(name, locations);
-    tblFMZList->MoveLast();
-    return tblFMZList->Long(FieldNames::kKey);
+    return key;
+}
+
+// No current record (3021) where the file has no such zone.
+Zone Stored(std::int32_t key) {
+    if (const auto zone = Find(key)) {
+        return *zone;
+    }
+    throw platform::RuntimeError(platform::kNoCurrentRecord, QStringLiteral("No current record."));
+}
+
+void Write(const Zone& zone) {
+    tblFMZList->Seek("=", {zone.key});
+    tblFMZList->Edit();
+    SetZone(zone.name, zone.locations);
+}
+
+void DeleteZone(std::int32_t key) {
+    tblFMZList->Seek("=", {key});
+    tblFMZList->Delete();
 }
 
 bool KeysAreFree(std::int32_t zoneKey, std::int32_t locations) {
@@ -177,7 +195,7 @@ std::int32_t AddZoneWithFreeKeys(const QString& name, std::int32_t locations) {
             const auto owner = OwnerOf(FMZRLKey(key, 1), key);
             RefuseFor(NewZone(), owner ? NameOf(owner->name, owner->key) : GoneZone());
         }
-        tblFMZList->Delete();
+        DeleteZone(key);
     }
 }
 
@@ -200,13 +218,6 @@ bool IsEmpty(const Dependents::Values& row) {
 void DeleteValueRow(const Dependents::Values& row) {
     tblNVCPerAcre->Seek("=", {row.fmzRLKey, row.resource});
     tblNVCPerAcre->Delete();
-}
-
-void RequireZone(std::int32_t key) {
-    tblFMZList->Seek("=", {key});
-    if (tblFMZList->NoMatch()) {
-        tblFMZList->Edit();  // no current record
-    }
 }
 
 // Refuses locations whose rows are those of another zone.
@@ -283,8 +294,7 @@ std::int32_t Create(const QString& name, std::int32_t locations) {
 }
 
 std::int32_t Change(const Zone& zone, bool belowOne) {
-    RequireZone(zone.key);
-    const Zone stored = Current();
+    const Zone stored = Stored(zone.key);
     Zone wanted = zone;
     if (belowOne || wanted.locations < stored.locations ||
         (wanted.locations < 1 && wanted.locations != stored.locations)) {
@@ -296,9 +306,7 @@ std::int32_t Change(const Zone& zone, bool belowOne) {
                           wanted.name);
     }
     if (wanted != stored) {
-        RequireZone(wanted.key);
-        tblFMZList->Edit();
-        SetZone(wanted.name, wanted.locations);
+        Write(wanted);
     }
     return wanted.locations;
 }
@@ -309,14 +317,11 @@ bool IsRefusal(const platform::RuntimeError& error) {
 }
 
 void PutBack(const Zone& zone) {
-    RequireZone(zone.key);
-    const Zone stored = Current();
+    const Zone stored = Stored(zone.key);
     Grow(zone, stored.locations);
     RemoveEmptyLocations(zone, stored.locations);
     if (zone != stored) {
-        RequireZone(zone.key);
-        tblFMZList->Edit();
-        SetZone(zone.name, zone.locations);
+        Write(zone);
     }
 }
 
@@ -338,8 +343,7 @@ Dependents Remove(const Zone& zone) {
     for (const Dependents::Values& row : dependents.values) {
         DeleteValueRow(row);
     }
-    RequireZone(zone.key);
-    tblFMZList->Delete();
+    DeleteZone(zone.key);
     return dependents;
 }
 
