@@ -31,6 +31,7 @@ using base::Entry;
 using base::Handle;
 using platform::EventTrap::Attempt;
 using platform::EventTrap::Run;
+using platform::EventTrap::Trapped;
 
 frm0_Prep* frm0_Prep::loaded_ = nullptr;
 
@@ -237,11 +238,13 @@ void frm0_Prep::EndAtOnce() {
     // Saved, or beyond saving: there is nobody to ask. A handler that waits for a dialog must come
     // to its end before its form may go.
     QWidget* const waiting = QApplication::activeModalWidget();
-    if (waiting != nullptr || platform::EventTrap::Depth() > 0) {
+    constexpr int kThisOne = 1;
+    if (waiting != nullptr || platform::EventTrap::Depth() > kThisOne) {
         if (waiting != nullptr) {
             waiting->close();
         }
-        QTimer::singleShot(kRetryInMs, this, &frm0_Prep::EndAtOnce);
+        QTimer::singleShot(kRetryInMs, this,
+                           Trapped("frm0_Prep.EndAtOnce", [this] { EndAtOnce(); }));
         return;
     }
     leavesUnsaved_ = true;

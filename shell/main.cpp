@@ -35,7 +35,8 @@ int main(int argc, char* argv[]) {
         &frame, &frm0_Prep::Unloaded, &application,
         platform::EventTrap::Trapped("frm0_Prep.Unloaded", [] { QApplication::exit(0); }),
         Qt::QueuedConnection);
-    platform::OnTermination([&frame] { frame.EndAtOnce(); });
+    platform::OnTermination(
+        platform::EventTrap::Trapped("frm0_Prep.EndAtOnce", [&frame] { frame.EndAtOnce(); }));
     frame.MDIForm_Load();
     return frame.IsUnloaded() ? 0 : QApplication::exec();
 }

@@ -1,19 +1,22 @@
 #!/usr/bin/env python3
 """Every connection in the program's own folders runs under the last trap, so that no error reaches
 Qt. Forms use base::Handle, which gives a handler its trap, its name and its trace entry. A connection
-whose receiver is a slot of Qt's own class needs no trap: Qt's slots throw nothing."""
+whose receiver is a slot of Qt's own class needs no trap: Qt's slots throw nothing. What is called later
+by a timer, or by an action or a shortcut that is made with its slot, counts as connected."""
 import re
 
 import tree
 
 FOLDERS = ("base/", "shell/", "datafile/", "import/", "worksheets/", "tarnreview/")
 TRAPS = re.compile(r"\b(Trapped|EventTrap::Run)\s*\(|\bRunHandler\s*<")
-CONNECT = re.compile(r"\bconnect\s*\(")
+CONNECT = re.compile(r"\b(connect|singleShot|callOnTimeout|invokeMethod|addAction|QShortcut)\s*\(")
+ALWAYS_CALLS = ("connect", "singleShot", "callOnTimeout", "invokeMethod")
+SLOT = re.compile(r"&\s*\w+::\w+|\[[^\]]*\]\s*[({]|\bSLOT\s*\(")
 QTS_SLOT = re.compile(r"(qOverload<[^()]*>\()?&\s*Q\w+::\w+\)?")
 
 
 def connections(text):
-    """Line and arguments of each call of connect."""
+    """Line, name and arguments of each call that connects something."""
     for match in CONNECT.finditer(text):
         depth, arguments, begin = 0, [], match.end()
         for end in range(match.end() - 1, len(text)):
@@ -23,7 +26,7 @@ def connections(text):
                 begin = end + 1
             if depth == 0:
                 break
-        yield text.count("\n", 0, match.start()) + 1, arguments
+        yield text.count("\n", 0, match.start()) + 1, match[1], arguments
 
 
 def is_safe(arguments):
@@ -37,8 +40,9 @@ def main():
         name = tree.name(path)
         if not name.startswith(FOLDERS):
             continue
-        for number, arguments in connections(path.read_text(encoding="utf-8")):
-            if len(arguments) > 1 and not is_safe(arguments):
+        for number, call, arguments in connections(path.read_text(encoding="utf-8")):
+            connects = call in ALWAYS_CALLS or any(SLOT.match(argument) for argument in arguments)
+            if connects and len(arguments) > 1 and not is_safe(arguments):
                 offenders.append(f"{name}:{number}: a handler that does not run under the trap")
     tree.finish(offenders, "handlers run under the last trap")
 
