@@ -30,7 +30,7 @@ DEB_FILES = ["usr/bin/tarnprep", "usr/bin/jetdoctor", "usr/bin/fcdtool", "usr/li
              "usr/share/man/man1/tarnprep.1.gz",
              "usr/bin/tarnreview", "usr/lib/tarnprep/libtarnplots.so",
              "usr/share/applications/tarnreview.desktop", "usr/share/man/man1/tarnreview.1.gz",
-             "usr/share/man/man1/fcdtool.1.gz",
+             "usr/share/man/man1/fcdtool.1.gz", "usr/share/man/man1/jetsql.1.gz",
              "usr/share/bash-completion/completions/fcdtool"]
 
 offenders = []
