@@ -143,17 +143,18 @@ int frm2RMAs::ShownRow() const {
 }
 
 void frm2RMAs::lstRMAs_Click() {
-    if (lstRMAs_->currentRow() < 0) {
+    const int row = lstRMAs_->currentRow();
+    if (row < 0) {
         return;
     }
-    u91Trace::Procedure(QStringLiteral("lstRMAs_Click ") + lstRMAs_->currentItem()->text());
+    u91Trace::Procedure(QStringLiteral("lstRMAs_Click ") + goals_.Heading(row));
     try {
         Update();
     } catch (...) {
         SelectShown();
         throw;
     }
-    currentKey_ = lstRMAs_->currentItem()->data(Qt::UserRole).toInt();
+    currentKey_ = goals_.Key(row);
     ShowItem();
 }
 

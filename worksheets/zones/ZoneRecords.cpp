@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <optional>
 #include <set>
 #include <utility>
 
@@ -50,11 +49,6 @@ Zone Current() {
     return {.key = FieldReaders::LongField(*tblFMZList, FieldNames::kKey),
             .name = FieldReaders::TextField(*tblFMZList, FieldNames::kName),
             .locations = FieldReaders::LongField(*tblFMZList, FieldNames::kRLCount)};
-}
-
-std::optional<Zone> Find(std::int32_t key) {
-    tblFMZList->Seek("=", {key});
-    return tblFMZList->NoMatch() ? std::nullopt : std::optional(Current());
 }
 
 // The other zone to which the rows at this key belong: the one whose key they spell, or one before
@@ -256,6 +250,11 @@ void RemoveEmptyLocations(const Zone& zone, std::int32_t lastLocation) {
 }
 
 }  // namespace
+
+std::optional<Zone> Find(std::int32_t key) {
+    tblFMZList->Seek("=", {key});
+    return tblFMZList->NoMatch() ? std::nullopt : std::optional(Current());
+}
 
 std::vector<Zone> All() {
     std::vector<Zone> zones;

@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "datafile/ZoneKeys.h"
@@ -46,6 +47,8 @@ struct Dependents {
 
 // All zones in the order of their keys.
 std::vector<Zone> All();
+// Nothing where the file has no such zone.
+std::optional<Zone> Find(std::int32_t key);
 
 // Throws overflow (6), with a sentence that names the zone, for more locations than a zone can
 // have.
