@@ -426,7 +426,8 @@ void MakeDurable() {
 
 bool HasNews() {
     return fileIsOpen && dbDatafile &&
-           ((dbDatafile->WasPutBack() && !reported.putBack) || (dbDatafile->WasMoved() && !reported.moved));
+           ((dbDatafile->WasPutBack() && !reported.putBack) ||
+            (dbDatafile->WasMoved() && !reported.moved));
 }
 
 void TellNews() {

@@ -4,13 +4,13 @@
 #include <QScreen>
 #include <QWidget>
 
+#include "SystemFixture.h"
 #include "platform/RuntimeError.h"
 #include "platform/system/Clipboard.h"
 #include "platform/system/Files.h"
 #include "platform/system/Pointer.h"
 #include "platform/system/ProgramFolder.h"
 #include "platform/system/Screen.h"
-#include "platform/system/TextFile.h"
 #include "platform/system/Twips.h"
 
 namespace {
