@@ -221,15 +221,17 @@ void BringIn() {
 }
 
 QString PutBackNews() {
-    return Texts::tr("The file \"%1\" had been deleted by another program while it was "
-                     "open. It has been written anew, with all that is in it.")
+    return Texts::tr(
+               "The file \"%1\" had been deleted by another program while it was "
+               "open. It has been written anew, with all that is in it.")
         .arg(currentFileName);
 }
 
 QString MovedNews() {
-    return Texts::tr("The file \"%1\" has been moved or renamed by another program while it "
-                     "was open. All that you enter is stored in it where it is now. Leave "
-                     "the program and open it there.")
+    return Texts::tr(
+               "The file \"%1\" has been moved or renamed by another program while it "
+               "was open. All that you enter is stored in it where it is now. Leave "
+               "the program and open it there.")
         .arg(currentFileName);
 }
 

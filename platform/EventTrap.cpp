@@ -102,8 +102,8 @@ bool Run(const char* handler, const std::function<void()>& body) noexcept {
 
 void Tell(const char* handler, const RuntimeError& error) noexcept {
     Attempt(handler, [&] {
-        ReportTo({QString::fromLatin1(handler), error.Number(), error.Description(),
-                  error.Subject()});
+        ReportTo(
+            {QString::fromLatin1(handler), error.Number(), error.Description(), error.Subject()});
     });
 }
 
