@@ -103,7 +103,7 @@ void frmTabs::PlaceFile() {
     lblFile_->setVisible(!path_.isEmpty() &&
                          room >= fontMetrics().averageCharWidth() * kLeastOfFile);
     lblFile_->setGeometry(left, 0, room, height());
-    const QString name = PrepDatafile::CurrentFileName();
+    const QString& name = PrepDatafile::CurrentFileName();
     const QStringList texts{path_, name, QFileInfo(name).completeBaseName()};
     const auto whole = std::find_if(texts.begin(), texts.end(), [&](const QString& text) {
         return fontMetrics().horizontalAdvance(text) <= room;
