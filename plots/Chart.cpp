@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 #include <QToolTip>
 
 #include <algorithm>
@@ -92,8 +93,15 @@ void Chart::Redraw() {
     body_ = new QCPLayoutGrid;
     plotLayout()->addElement(row, 0, body_);
     plotLayout()->setRowSpacing(0);
-    drawnWidth_ = width();
-    std::visit([this](const auto& content) { Draw(*this, content); }, content_);
+    drawnSize_ = size();
+    {
+        const QScopedValueRollback<bool> drawing(isDrawing_, true);
+        std::visit([this](const auto& content) { Draw(*this, content); }, content_);
+    }
+    if (size() != drawnSize_) {
+        Redraw();
+        return;
+    }
     DrawFrames();
     setAccessibleName(title_);
     setAccessibleDescription(Describe(content_));
@@ -110,6 +118,13 @@ void Chart::DrawFrames() {
         if (current_ == i && hasFocus()) {
             AddFrame(*spots_[i].axes, spots_[i].area, QPen(ink_.text, 1, Qt::DotLine));
         }
+    }
+}
+
+void Chart::LayOut() {
+    for (const auto phase : {QCPLayoutElement::upPreparation, QCPLayoutElement::upMargins,
+                             QCPLayoutElement::upLayout}) {
+        plotLayout()->update(phase);
     }
 }
 
@@ -261,7 +276,8 @@ void Chart::changeEvent(QEvent* event) {
 
 void Chart::resizeEvent(QResizeEvent* event) {
     QCustomPlot::resizeEvent(event);
-    if (width() != drawnWidth_) {
+    // What is drawn may ask for more room, and so be told of its new size while it is drawn.
+    if (size() != drawnSize_ && !isDrawing_) {
         Redraw();
     }
 }

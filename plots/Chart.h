@@ -48,6 +48,8 @@ public:
     // For those who draw. -----------------------------------------------------------------------
 
     [[nodiscard]] const Ink& Colors() const { return ink_; }
+    // Puts all axes in their place, for those who need to know what lies where.
+    void LayOut();
     // An empty place for axes, in the chart's font and colors.
     QCPAxisRect& AddAxes(int row, int column);
     // Where a figure is, in the coordinates of its axes; in the order of FiguresOf.
@@ -104,7 +106,8 @@ private:
     Tell tell_;
     Ink ink_;
     QSize least_{200, 150};
-    int drawnWidth_ = 0;
+    QSize drawnSize_;
+    bool isDrawing_ = false;
     QCPLayoutGrid* body_ = nullptr;
     QCPMarginGroup* sides_;
 };

@@ -2,10 +2,12 @@
 #include "plots/Chart.h"
 #include "plots/Scale.h"
 #include "plots/Ticks.h"
+#include "review/step_places.h"
 
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <optional>
 
 namespace plots {
 
@@ -49,10 +51,48 @@ void DrawSteps(Chart& chart, QCPAxisRect& axes, const review::CostChart& content
         AddLine(chart, axes, {left, step.cost}, {right, step.cost})
             ->setPen(QPen(chart.Colors().text, kStepWidth,
                           step.to > 0 ? Qt::SolidLine : Qt::DashLine, Qt::FlatCap));
-        chart.AddText(axes, QPointF(std::sqrt(left * right), step.cost * 1.03), Dollars(step.cost),
-                      Qt::AlignHCenter | Qt::AlignBottom, chart.Colors().text);
         chart.AddSpot(axes, QRectF(QPointF(left, costs.most), QPointF(right, costs.least)));
         before = step.cost;
+    }
+}
+
+// A figure without a place is found under the pointer and in the table.
+void WriteCosts(Chart& chart, QCPAxisRect& axes, const review::CostChart& content,
+                const Scale& acres) {
+    chart.LayOut();
+    QCPAxis& across = *axes.axis(QCPAxis::atBottom);
+    QCPAxis& up = *axes.axis(QCPAxis::atLeft);
+    const QFontMetrics metrics(chart.font());
+    const auto leftOf = [&](const review::CostChart::Step& step) {
+        return across.coordToPixel(std::clamp(step.from, acres.least, acres.most));
+    };
+    const auto rightOf = [&](const review::CostChart::Step& step) {
+        return across.coordToPixel(step.to > 0 ? step.to : acres.most);
+    };
+    review::StepPlaces places({static_cast<double>(axes.left() + 2),
+                               static_cast<double>(chart.width()),
+                               static_cast<double>(axes.top()) - metrics.height() / 2.0,
+                               static_cast<double>(axes.bottom())});
+    double before = -1;
+    for (const review::CostChart::Step& step : content.steps) {
+        const double y = up.coordToPixel(step.cost);
+        if (before >= 0) {
+            places.KeepFree(leftOf(step), before, leftOf(step), y);
+        }
+        places.KeepFree(leftOf(step), y, rightOf(step), y);
+        before = y;
+    }
+    for (const review::CostChart::Step& step : content.steps) {
+        const QString words = Dollars(step.cost);
+        const std::optional<review::Area> place =
+            places.Take(leftOf(step), rightOf(step), up.coordToPixel(step.cost),
+                        metrics.horizontalAdvance(words) + 2, metrics.ascent());
+        if (place) {
+            chart.AddText(axes,
+                          QPointF(across.pixelToCoord((place->left + place->right) / 2),
+                                  up.pixelToCoord((place->top + place->bottom) / 2)),
+                          words, Qt::AlignHCenter | Qt::AlignVCenter, chart.Colors().text);
+        }
     }
 }
 
@@ -61,7 +101,7 @@ void DrawSteps(Chart& chart, QCPAxisRect& axes, const review::CostChart& content
 void Draw(Chart& chart, const review::CostChart& content) {
     const QFontMetrics metrics(chart.font());
     chart.SetLeast(
-        {22 * metrics.horizontalAdvance(QStringLiteral("00")) / 2 + 40, 11 * metrics.height()});
+        {17 * metrics.horizontalAdvance(QStringLiteral("00")) / 2 + 40, 11 * metrics.height()});
     if (content.steps.empty()) {
         chart.AddNothing(Describe(content));
         return;
@@ -78,6 +118,7 @@ void Draw(Chart& chart, const review::CostChart& content) {
     // The last mark's label stands half outside.
     axes.setMinimumMargins(QMargins(0, metrics.height() / 2, metrics.averageCharWidth() * 4, 0));
     DrawSteps(chart, axes, content, acres, costs);
+    WriteCosts(chart, axes, content, acres);
 }
 
 }  // namespace plots

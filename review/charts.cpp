@@ -1,12 +1,13 @@
 // Charts, drawn on whatever they are asked for.
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "review/axes.h"
 #include "review/canvas.h"
 #include "review/figures.h"
+#include "review/step_places.h"
 #include "review/tables.h"
 
 namespace review {
@@ -41,54 +42,6 @@ double RoughWidth(const std::string& words) {
     return 6.5 * static_cast<double>(words.size());
 }
 
-struct Area {
-    double left = 0;
-    double right = 0;
-    double top = 0;
-    double bottom = 0;
-    [[nodiscard]] bool Meets(const Area& other) const {
-        return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
-    }
-};
-
-// The figures of the steps: above their lines or below, where no line and no other figure is. One
-// that has no such place is left to the table.
-class StepWords {
-public:
-    explicit StepWords(Canvas& canvas) : canvas_(canvas) {}
-    void KeepFree(double x1, double y1, double x2, double y2) {
-        taken_.push_back({std::min(x1, x2) - 1, std::max(x1, x2) + 1, std::min(y1, y2) - 1.5,
-                          std::max(y1, y2) + 1.5});
-    }
-    void Add(double left, double right, double line, double cost) {
-        const std::string words = ShortDollars(cost);
-        const double wide = RoughWidth(words);
-        const double middle = (left + right - wide) / 2;
-        for (const double from : {middle, left + 3, right - wide - 3, right + 3, left - wide - 3}) {
-            // Not across the axis, where the first step is narrow.
-            const double begin = std::max(from, kCostLeft + 3);
-            for (const double base : {line - 5, line + 14}) {
-                const Area area{begin, begin + wide, base - 9, base + 2};
-                if (IsFree(area)) {
-                    canvas_.Words(begin + wide / 2, base, words, Anchor::kMiddle, {});
-                    taken_.push_back(area);
-                    return;
-                }
-            }
-        }
-    }
-
-private:
-    [[nodiscard]] bool IsFree(const Area& area) const {
-        return area.top >= 0 && area.right <= kCostWidth && area.bottom < kCostBottom &&
-               std::none_of(taken_.begin(), taken_.end(),
-                            [&area](const Area& other) { return other.Meets(area); });
-    }
-
-    Canvas& canvas_;
-    std::vector<Area> taken_;
-};
-
 void DrawSteps(Canvas& canvas, const CostChart& chart, const LogAxis& acres,
                const LogAxis& dollars) {
     const auto leftOf = [&acres](const CostChart::Step& step) {
@@ -98,20 +51,28 @@ void DrawSteps(Canvas& canvas, const CostChart& chart, const LogAxis& acres,
         return acres.Place(step.to > 0 ? step.to : acres.Most());
     };
     double lastY = -1;
-    StepWords words(canvas);
+    StepPlaces places({kCostLeft + 3, kCostWidth, 0, kCostBottom});
     for (const CostChart::Step& step : chart.steps) {
         const double left = leftOf(step);
         const double y = dollars.Place(step.cost);
         if (lastY >= 0) {
             canvas.Line(left, lastY, left, y, Stroke::kRiser);
-            words.KeepFree(left, lastY, left, y);
+            places.KeepFree(left, lastY, left, y);
         }
         canvas.Line(left, y, rightOf(step), y, step.to > 0 ? Stroke::kStep : Stroke::kOpenStep);
-        words.KeepFree(left, y, rightOf(step), y);
+        places.KeepFree(left, y, rightOf(step), y);
         lastY = y;
     }
+    // A figure without a place is left to the table.
     for (const CostChart::Step& step : chart.steps) {
-        words.Add(leftOf(step), rightOf(step), dollars.Place(step.cost), step.cost);
+        const std::string words = ShortDollars(step.cost);
+        const std::optional<Area> place =
+            places.Take(leftOf(step), rightOf(step), dollars.Place(step.cost), RoughWidth(words),
+                        Lettering().size);
+        if (place) {
+            canvas.Words((place->left + place->right) / 2, place->bottom - 1, words,
+                         Anchor::kMiddle, {});
+        }
     }
 }
 

@@ -193,4 +193,37 @@ TEST_F(ChartTest, TotalsWithLittleRoom_KeepBarsAndHeading) {
     EXPECT_GE(chart.Body().element(0, 0)->rect().width(), 6 * digit);
 }
 
+// Nine classes beside a worksheet in a large font: what is written can be read.
+TEST_F(ChartTest, CostsOfNarrowSteps_AreNotWrittenOnEachOther) {
+    review::CostChart content;
+    content.steps = {{0, 0.25, 7208},        {0.25, 1, 6751},         {1, 3.25, 3780},
+                     {3.25, 24.75, 1607},    {24.75, 206, 1472},      {206, 1976.75, 808},
+                     {1976.75, 8551.5, 730}, {8551.5, 46661.25, 437}, {46661.25, 0, 343}};
+    for (const int size : {9, 18}) {
+        plots::Chart chart{nullptr};
+        QFont font = chart.font();
+        font.setPointSize(size);
+        chart.setFont(font);
+        chart.Show(content, QStringLiteral("Cost per acre"), {});
+        const int digits = QFontMetrics(font).horizontalAdvance(QStringLiteral("00"));
+        EXPECT_LE(chart.minimumSizeHint().width(), 17 * digits / 2 + 40);
+        chart.resize(chart.minimumSizeHint());
+        chart.replot();
+        std::vector<QRectF> written;
+        for (int i = 0; i < chart.itemCount(); ++i) {
+            if (const auto* const text = qobject_cast<QCPItemText*>(chart.item(i))) {
+                const QPointF middle = text->position->pixelPosition();
+                const QSizeF wide(QFontMetrics(font).horizontalAdvance(text->text()),
+                                  QFontMetrics(font).ascent() - 2);
+                const QRectF area(middle - QPointF(wide.width() / 2, wide.height() / 2), wide);
+                for (const QRectF& other : written) {
+                    EXPECT_FALSE(area.intersects(other)) << text->text().toStdString();
+                }
+                written.push_back(area);
+            }
+        }
+        EXPECT_GE(written.size(), 3U);
+    }
+}
+
 }  // namespace
