@@ -155,6 +155,29 @@ TEST(HostFiles, Open_OfWhatIsNoFile_SaysWhy) {
     EXPECT_EQ(KindOf(folder / "there", OpenMode::kCreateNew), ErrorKind::kAlreadyExists);
 }
 
+// Longer than the paths that Windows took for decades, and takes without further ado to this day.
+TEST(HostFiles, LongPaths_AreTaken) {
+    const TempFolder folder;
+    std::filesystem::path deep = folder.Path();
+    for (const char letter : {'a', 'b', 'c'}) {
+        deep /= std::string(100, letter);
+#ifdef _WIN32
+        std::filesystem::create_directory(LR"(\\?\)" + deep.make_preferred().native());
+#else
+        std::filesystem::create_directory(deep);
+#endif
+    }
+    const std::byte letter{'x'};
+    const std::filesystem::path file = deep / "a.bin";
+    HostFileSystem().Open(file, OpenMode::kCreateNew)->Write(0, std::span(&letter, 1));
+    EXPECT_EQ(HostFileSystem().Open(file, OpenMode::kReadOnly)->Size(), 1U);
+    HostFileSystem().Rename(file, deep / "b.bin");
+    EXPECT_FALSE(HostFileSystem().Exists(file));
+    EXPECT_TRUE(HostFileSystem().Exists(deep / "b.bin"));
+    HostFileSystem().Remove(deep / "b.bin");
+    EXPECT_FALSE(HostFileSystem().Exists(deep / "b.bin"));
+}
+
 #ifdef _WIN32
 TEST(HostFiles, Open_OfADevice_IsRefused) {
     EXPECT_EQ(KindOf("NUL", OpenMode::kReadOnly), ErrorKind::kNotADatabase);

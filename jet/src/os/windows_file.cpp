@@ -19,6 +19,21 @@ constexpr DWORD kLargestTransfer = 1U << 24;
 // Locked far beyond the end, because a lock within the file would keep others from reading it.
 constexpr std::uint64_t kLockOffset = std::uint64_t{1} << 62;
 
+// Where the system is asked for a file. Paths beyond its old limit are taken only in the form that
+// it does not look into, which has to be whole and plain.
+std::wstring Native(const std::filesystem::path& path) {
+    constexpr std::size_t kOldLimit = 248;
+    if (path.native().size() < kOldLimit || path.native().starts_with(LR"(\\?\)")) {
+        return path.native();
+    }
+    std::error_code failed;
+    const std::filesystem::path whole = std::filesystem::absolute(path, failed);
+    if (failed) return path.native();
+    const std::wstring plain = whole.lexically_normal().make_preferred().native();
+    const bool isOnServer = plain.starts_with(LR"(\\)");
+    return isOnServer ? LR"(\\?\UNC)" + plain.substr(1) : LR"(\\?\)" + plain;
+}
+
 // In the encoding of all sentences, whatever the system's own is.
 std::string NameOf(const std::filesystem::path& path) {
     const std::u8string name = path.filename().u8string();
@@ -157,7 +172,7 @@ private:
 
 // A folder can have the attribute too, where it means something else.
 bool IsReadOnlyFile(const std::filesystem::path& path) {
-    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    const DWORD attributes = ::GetFileAttributesW(Native(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES &&
            (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) ==
                FILE_ATTRIBUTE_READONLY;
@@ -186,7 +201,7 @@ public:
         DWORD creation = OPEN_EXISTING;
         if (mode == OpenMode::kCreateNew) creation = CREATE_NEW;
         if (mode == OpenMode::kCreateOrOpen) creation = OPEN_ALWAYS;
-        const HANDLE handle = ::CreateFileW(path.c_str(), access, share, nullptr, creation,
+        const HANDLE handle = ::CreateFileW(Native(path).c_str(), access, share, nullptr, creation,
                                             FILE_ATTRIBUTE_NORMAL | flags, nullptr);
         if (handle == INVALID_HANDLE_VALUE) {
             const DWORD code = ::GetLastError();
@@ -203,11 +218,11 @@ public:
     }
 
     bool Exists(const std::filesystem::path& path) override {
-        return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+        return ::GetFileAttributesW(Native(path).c_str()) != INVALID_FILE_ATTRIBUTES;
     }
 
     void Remove(const std::filesystem::path& path) override {
-        if (::DeleteFileW(path.c_str()) != 0) return;
+        if (::DeleteFileW(Native(path).c_str()) != 0) return;
         const DWORD code = ::GetLastError();
         if (code != ERROR_FILE_NOT_FOUND && code != ERROR_PATH_NOT_FOUND) {
             ThrowForOpening(code, path);
@@ -216,7 +231,7 @@ public:
 
     void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
         constexpr DWORD kHow = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-        if (::MoveFileExW(from.c_str(), to.c_str(), kHow) == 0) {
+        if (::MoveFileExW(Native(from).c_str(), Native(to).c_str(), kHow) == 0) {
             ThrowForOpening(::GetLastError(), from);
         }
     }
