@@ -15,6 +15,7 @@
 #include "tools/fcdtool/files.h"
 #include "tools/fcdtool/late_library.h"
 #include "tools/fcdtool/output.h"
+#include "tools/fcdtool/terminal.h"
 
 namespace fcdtool {
 
@@ -33,24 +34,6 @@ std::string Today() {
     };
     return std::to_string(static_cast<int>(day.year())) + "-" +
            two(static_cast<unsigned>(day.month())) + "-" + two(static_cast<unsigned>(day.day()));
-}
-
-// The countries of North America and some of their neighbors, by the locale that messages or paper
-// are set to.
-bool UsesLetter() {
-    for (const char* const name : {"LC_ALL", "LC_PAPER", "LANG"}) {
-        const char* const value = std::getenv(name);
-        if (value != nullptr && *value != '\0') {
-            const std::string locale(value);
-            for (const char* const country : {"_US", "_CA", "_MX", "_PR", "_PH", "_CL", "_CO"}) {
-                if (locale.find(country) != std::string::npos) {
-                    return true;
-                }
-            }
-            return false;
-        }
-    }
-    return false;
 }
 
 // "A4" or "Letter"; where it is not asked for, Letter in the countries that print on it.

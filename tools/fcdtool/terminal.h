@@ -5,6 +5,9 @@ namespace fcdtool {
 
 bool ErrorsGoToTerminal();
 
+// Whether people print on Letter where this runs; they print on A4 elsewhere.
+bool UsesLetter();
+
 // While one lives, a request to end the program (Ctrl+C, or another program's) only sets a flag; a
 // second one ends it at once.
 class EndRequests {
