@@ -6,7 +6,7 @@
 #   package  that, and the package builders
 #   bench    what the benchmarks compare with
 #   coverage that of test, and what reads the counts
-#   windows  the cross compiler, and Wine to run what it makes
+#   windows  that of build, the cross compiler, what its libraries are built with, and Wine to run what it makes
 # Safe to run at any time: with everything there it does nothing and needs no network.
 set -eu
 
@@ -19,7 +19,7 @@ test="ccache clang clang-tidy clang-format libclang-rt-14-dev mdbtools shellchec
  at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi python3-openpyxl xdotool sqlite3 postgresql-15
  libbenchmark-dev mdbtools-dev $package"
 coverage="llvm"
-windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64"
+windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64 dpkg-dev patch tcl librsvg2-bin nsis"
 bench="libbenchmark-dev libsqlite3-dev mdbtools-dev pkg-config valgrind"
 
 case "${1:-build}" in

@@ -6,7 +6,7 @@ import tree
 
 # The two doors of the program, those of its command, those of its tests, and the benchmarks, which run on Linux only.
 DOORS = ("jet/src/os/", "platform/system/", "tools/fcdtool/terminal.cpp", "tools/fcdtool/late_library.cpp",
-         "rollup/windows_sha256.cpp",
+         "rollup/windows_sha256.cpp", "tools/windows/",
          "tests/support/", "tests/faults/",
          "tests/jet/os_test.cpp", "tests/jet/elsewhere_test.cpp", "tests/jet/side_files_test.cpp",
          "tests/platform/TextFile_test.cpp", "tests/platform/NativePath_test.cpp", "bench/")

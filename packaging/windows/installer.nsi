@@ -1,0 +1,111 @@
+; The installer: for one user, without an administrator's rights, into a folder that the user may write,
+; because data files and logs lie beside the program.
+Unicode true
+!include "MUI2.nsh"
+!include "FileFunc.nsh"
+
+!define CLASS "TARNPrep.DataFile"
+!define UNINSTALL "Software\Microsoft\Windows\CurrentVersion\Uninstall\TARN Prep"
+
+Name "TARN Prep"
+OutFile "${OUT}"
+RequestExecutionLevel user
+InstallDir "$LOCALAPPDATA\Programs\TARN Prep"
+InstallDirRegKey HKCU "${UNINSTALL}" "InstallLocation"
+SetCompressor /SOLID lzma
+VIProductVersion "${VERSION}.0"
+VIAddVersionKey "ProductName" "TARN Prep"
+VIAddVersionKey "FileDescription" "Installs TARN Prep"
+VIAddVersionKey "FileVersion" "${VERSION}"
+VIAddVersionKey "LegalCopyright" "See the folder licenses"
+
+!define MUI_ICON "${ICON}"
+!define MUI_UNICON "${ICON}"
+!insertmacro MUI_PAGE_WELCOME
+!define MUI_PAGE_CUSTOMFUNCTION_LEAVE RequireWritable
+!insertmacro MUI_PAGE_DIRECTORY
+!insertmacro MUI_PAGE_INSTFILES
+!define MUI_FINISHPAGE_RUN "$INSTDIR\tarnprep.exe"
+!insertmacro MUI_PAGE_FINISH
+!insertmacro MUI_UNPAGE_CONFIRM
+!insertmacro MUI_UNPAGE_INSTFILES
+!insertmacro MUI_LANGUAGE "English"
+
+; Data files are written into the program's folder, so it has to be one where that is possible.
+Function RequireWritable
+    CreateDirectory "$INSTDIR"
+    ClearErrors
+    FileOpen $0 "$INSTDIR\writable.tmp" w
+    IfErrors 0 writable
+    RMDir "$INSTDIR"
+    MessageBox MB_OK|MB_ICONEXCLAMATION "You may not write into this folder, and TARN Prep keeps your data files beside \
+itself.$\r$\n$\r$\nThe folder that is offered now is yours."
+    StrCpy $INSTDIR "$LOCALAPPDATA\Programs\TARN Prep"
+    Abort
+writable:
+    FileClose $0
+    Delete "$INSTDIR\writable.tmp"
+FunctionEnd
+
+Section
+    SetOutPath "$INSTDIR"
+    File /r /x Costs "${STAGE}\*"
+    ; Samples that were tried out and changed are the user's.
+    SetOverwrite off
+    SetOutPath "$INSTDIR\Costs"
+    File "${STAGE}\Costs\*"
+    SetOverwrite on
+    SetOutPath "$INSTDIR"
+    WriteUninstaller "$INSTDIR\uninstall.exe"
+
+    CreateDirectory "$SMPROGRAMS\TARN Prep"
+    CreateShortcut "$SMPROGRAMS\TARN Prep\TARN Prep.lnk" "$INSTDIR\tarnprep.exe"
+    CreateShortcut "$SMPROGRAMS\TARN Prep\TARN Review.lnk" "$INSTDIR\tarnreview.exe"
+    CreateShortcut "$SMPROGRAMS\TARN Prep\Uninstall TARN Prep.lnk" "$INSTDIR\uninstall.exe"
+
+    WriteRegStr HKCU "Software\Classes\${CLASS}" "" "TARN Prep data file"
+    WriteRegStr HKCU "Software\Classes\${CLASS}\DefaultIcon" "" "$INSTDIR\tarnprep.exe,0"
+    WriteRegStr HKCU "Software\Classes\${CLASS}\shell\open\command" "" '"$INSTDIR\tarnprep.exe" "%1"'
+    WriteRegStr HKCU "Software\Classes\${CLASS}\shell\review" "" "Open with TARN &Review"
+    WriteRegStr HKCU "Software\Classes\${CLASS}\shell\review\command" "" '"$INSTDIR\tarnreview.exe" "%1"'
+    WriteRegStr HKCU "Software\Classes\.fcd\OpenWithProgids" "${CLASS}" ""
+    ReadRegStr $0 HKCU "Software\Classes\.fcd" ""
+    StrCmp $0 "" 0 taken
+    WriteRegStr HKCU "Software\Classes\.fcd" "" "${CLASS}"
+taken:
+    System::Call 'shell32::SHChangeNotify(i 0x08000000, i 0, p 0, p 0)'
+
+    WriteRegStr HKCU "${UNINSTALL}" "DisplayName" "TARN Prep"
+    WriteRegStr HKCU "${UNINSTALL}" "DisplayVersion" "${VERSION}"
+    WriteRegStr HKCU "${UNINSTALL}" "DisplayIcon" "$INSTDIR\tarnprep.exe"
+    WriteRegStr HKCU "${UNINSTALL}" "InstallLocation" "$INSTDIR"
+    WriteRegStr HKCU "${UNINSTALL}" "UninstallString" '"$INSTDIR\uninstall.exe"'
+    WriteRegStr HKCU "${UNINSTALL}" "QuietUninstallString" '"$INSTDIR\uninstall.exe" /S'
+    WriteRegDWORD HKCU "${UNINSTALL}" "NoModify" 1
+    WriteRegDWORD HKCU "${UNINSTALL}" "NoRepair" 1
+    ${GetSize} "$INSTDIR" "/S=0K" $0 $1 $2
+    WriteRegDWORD HKCU "${UNINSTALL}" "EstimatedSize" $0
+SectionEnd
+
+Section "Uninstall"
+    ; The folder Costs and what the user put anywhere else stay.
+    !include "${LIST}"
+    Delete "$INSTDIR\TARN.LOG"
+    Delete "$INSTDIR\ERROR.LOG"
+    Delete "$INSTDIR\uninstall.exe"
+    RMDir "$INSTDIR"
+
+    Delete "$SMPROGRAMS\TARN Prep\TARN Prep.lnk"
+    Delete "$SMPROGRAMS\TARN Prep\TARN Review.lnk"
+    Delete "$SMPROGRAMS\TARN Prep\Uninstall TARN Prep.lnk"
+    RMDir "$SMPROGRAMS\TARN Prep"
+
+    ReadRegStr $0 HKCU "Software\Classes\.fcd" ""
+    StrCmp $0 "${CLASS}" 0 other
+    DeleteRegValue HKCU "Software\Classes\.fcd" ""
+other:
+    DeleteRegValue HKCU "Software\Classes\.fcd\OpenWithProgids" "${CLASS}"
+    DeleteRegKey HKCU "Software\Classes\${CLASS}"
+    DeleteRegKey HKCU "${UNINSTALL}"
+    System::Call 'shell32::SHChangeNotify(i 0x08000000, i 0, p 0, p 0)'
+SectionEnd
