@@ -15,6 +15,7 @@ COMPILER = "x86_64-w64-mingw32"
 # What Windows brings along, as Wine has it too.
 SYSTEM = [Path("/usr/lib/x86_64-linux-gnu/wine/x86_64-windows")]
 NEEDED = re.compile(r"^\s*DLL Name: (\S+)$", re.M)
+FONTS = Path("/usr/share/fonts/truetype/dejavu")
 LICENSES = Path("/usr/share/common-licenses")
 
 
@@ -61,6 +62,15 @@ def bring_plugins(folder, prefixes):
     (folder / "qt.conf").write_text("[Paths]\nPrefix = .\nPlugins = plugins\n", encoding="utf-8")
 
 
+def bring_fonts(folder):
+    """Without a screen, Qt knows none of the system's; reports as PDF are made so."""
+    fonts = folder / "fonts"
+    fonts.mkdir(exist_ok=True)
+    for name in ["DejaVuSans.ttf", "DejaVuSans-Bold.ttf"]:
+        shutil.copy(FONTS / name, fonts)
+    shutil.copy("/usr/share/doc/fonts-dejavu-core/copyright", fonts / "LICENSE.txt")
+
+
 def bring_licenses(folder, prefixes):
     licenses = folder / "licenses"
     licenses.mkdir(exist_ok=True)
@@ -79,6 +89,7 @@ def main(folder, libraries):
     prefixes = [Path(path) for path in libraries.split(";")]
     bring_plugins(Path(folder), prefixes)
     bring_libraries(Path(folder), prefixes)
+    bring_fonts(Path(folder))
     bring_licenses(Path(folder), prefixes)
 
 

@@ -23,11 +23,13 @@ cp -r "$root/build/TARNPrep" "$played/here/program"
 export SOURCE_DATE_EPOCH=1767225600 TZ=UTC
 
 # play_there SCRIPT [DATA FILE]
+# Wine keeps Qt's variables from its programs, and gives them what has its own name before theirs.
 play_there() {
     script=$1
     shift
     WINEPREFIX="$played/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" \
-        QT_QPA_PLATFORM="$where" QT_PLUGIN_PATH="Z:$build/tour-player" QT_QPA_GENERIC_PLUGINS=tarntour \
+        WINEQT_QPA_PLATFORM="$where" WINEQT_PLUGIN_PATH="Z:$build/tour-player" \
+        WINEQT_QPA_GENERIC_PLUGINS=tarntour \
         TARN_TOUR_SCRIPT="Z:$script" TARN_TOUR_PICTURES="Z:$played/windows" \
         timeout 300 "$wine" "$played/windows/program/tarnprep.exe" "$@"
 }
