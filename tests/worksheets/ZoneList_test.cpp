@@ -72,7 +72,7 @@ TEST_F(ZoneListTest, Load_TakesTheZonesInTheOrderOfTheirKeys) {
     Add(QStringLiteral("North"), 3);
     Add(QStringLiteral("South"));
     ZoneList list;
-    list.Load();
+    list.Load(QString());
     ASSERT_EQ(list.RowCount(), 2);
     EXPECT_EQ(list.Text(1, ZoneList::kName), QStringLiteral("North"));
     EXPECT_EQ(list.Text(1, ZoneList::kLocations), QStringLiteral("3"));
@@ -166,6 +166,29 @@ TEST_F(ZoneListTest, Undo_OfTypingThatWasNotSaved_LeavesTheFileAsItWas) {
     EXPECT_EQ(list_.At(1).locations, 5);
     ExpectStored();
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), 5 * 14);
+}
+
+// An import shows the file's list again.
+TEST_F(ZoneListTest, TypedTextThatIsDropped_ComesBackBeforeItIsTakenBackItself) {
+    Add(QStringLiteral("Stored"));
+    Type(1, ZoneList::kName, QStringLiteral("First"));
+    Type(1, ZoneList::kName, QStringLiteral("Second"));
+    ZoneRecords::Create(QStringLiteral("Imported"), 2);
+    list_.Load(QStringLiteral("Import"));
+    const std::vector<Zone> imported = Shown();
+    ASSERT_EQ(imported.size(), 2U);
+    EXPECT_EQ(list_.At(1).name, QStringLiteral("Stored"));
+    for (const char* const name : {"Second", "First", "Stored"}) {
+        Undo();
+        EXPECT_EQ(list_.At(1).name, QString::fromLatin1(name));
+        ExpectStored();
+    }
+    EXPECT_TRUE(done_.empty());
+    Redo();
+    Redo();
+    Redo();
+    EXPECT_EQ(Shown(), imported);
+    ExpectStored();
 }
 
 TEST_F(ZoneListTest, Undo_OfASavedGrowth_TakesItsRowsOutOfTheFile) {

@@ -19,9 +19,18 @@ constexpr int kNameLength = 46;
 
 }  // namespace
 
-void ZoneList::Load() {
-    zones_ = ZoneRecords::All();
+void ZoneList::Load(const QString& actionName) {
+    const std::vector<Zone> typed = std::exchange(zones_, ZoneRecords::All());
     unsaved_.clear();
+    std::vector<Zone> stored;
+    for (const Zone& zone : typed) {
+        if (const auto row = RowOf(zone.key)) {
+            stored.push_back(At(*row));
+        }
+    }
+    if (stored.size() == typed.size()) {
+        Done(actionName, typed, stored);
+    }
 }
 
 QStringList ZoneList::ChangedNames() const {
@@ -81,10 +90,15 @@ void ZoneList::BeginAction(const QString& name) {
 }
 
 void ZoneList::EndAction() {
+    Done(actionName_, std::exchange(before_, {}), zones_);
+}
+
+void ZoneList::Done(const QString& name, const std::vector<Zone>& before,
+                    const std::vector<Zone>& after) {
     auto change = std::make_shared<Change>();
-    change->list = undo::ListChange<Zone>::Between(std::exchange(before_, {}), zones_);
+    change->list = undo::ListChange<Zone>::Between(before, after);
     if (listener_ && !change->list.IsEmpty()) {
-        listener_(actionName_, change);
+        listener_(name, change);
     }
 }
 

@@ -34,8 +34,9 @@ public:
         std::function<void(const QString& name, const std::shared_ptr<Change>& change)>;
     void SetListener(Listener listener) { listener_ = std::move(listener); }
 
-    // Takes what the file has; what was typed and not saved is dropped.
-    void Load();
+    // Takes what the file has. That something typed and not saved is dropped by it is an action
+    // too, so that the actions before it are taken back from what they led to.
+    void Load(const QString& actionName);
     // Rows count from 1.
     [[nodiscard]] const Zone& At(int row) const { return ListRows::At(zones_, row); }
     // The row of a zone, or nothing.
@@ -86,6 +87,7 @@ private:
     static void CarryToFile(Change& change, const undo::ListChange<Zone>& list);
     static void CarryStep(Change& change, const undo::ListChange<Zone>::Step& step);
     void SaveAll(const std::function<void(int row)>& saveRow);
+    void Done(const QString& name, const std::vector<Zone>& before, const std::vector<Zone>& after);
 
     std::vector<Zone> zones_;
     std::unordered_map<std::int32_t, Unsaved> unsaved_;

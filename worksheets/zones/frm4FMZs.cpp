@@ -99,7 +99,7 @@ void frm4FMZs::SetupGrid() {
 void frm4FMZs::FMZ_LoadGrid() {
     u91Trace::Procedure(QStringLiteral("frm4FMZs.FMZ_LoadGrid"));
     grdFMZs_->FinishEdit();
-    zones_.Load();
+    zones_.Load(tr("Import"));
     grdFMZs_->Refresh();
 }
 
