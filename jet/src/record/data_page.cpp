@@ -55,9 +55,9 @@ std::uint32_t PossibleRoom(Bytes page, const Format& format) {
     const std::uint32_t count = SlotCount(page, format);
     std::uint32_t room = PageRoom(page, format);
     std::uint32_t end = format.pageSize;
-    const Bytes directory = Slice(page, format.rowDirectoryAt, 2 * count);
+    const Bytes directory = Slice(page, format.rowDirectoryAt, sizeof(std::uint16_t) * count);
     for (std::uint32_t slot = 0; slot < count; ++slot) {
-        const std::uint16_t entry = ReadU16(directory, 2 * slot);
+        const std::uint16_t entry = ReadU16(directory, sizeof(std::uint16_t) * slot);
         const std::uint32_t start = entry & kSlotOffsetMask;
         if ((entry & kSlotKindMask) == kSlotKindMask) {
             if (start > end) ThrowDamaged("The file is damaged: the rows of a page overlap.");
