@@ -16,7 +16,9 @@ namespace {
 constexpr int kIntroduction = 1;
 
 QString worksheetID;
-std::unique_ptr<Worksheet> current;
+// Not destroyed with the static objects: where something ends the process while a form is loaded,
+// Qt's own state is gone by then.
+auto& current = *new std::unique_ptr<Worksheet>;
 int currentIndex = 0;
 
 // What the shell offers to the worksheets.
@@ -31,8 +33,9 @@ public:
     QWidget& ClientArea() override { return frm0_Prep::Loaded().ClientArea(); }
 };
 
+Manager manager;
+
 std::unique_ptr<Worksheet> MakeForm(int number) {
-    static Manager manager;
     return Worksheets::At(number).make(manager, &manager.ClientArea());
 }
 

@@ -251,6 +251,14 @@ void frm0_Prep::EndAtOnce() {
     close();
 }
 
+void frm0_Prep::SaveAtExit() {
+    if (isUnloaded_ || !PrepDatafile::IsDatafileOpen()) {
+        return;
+    }
+    (void)FailureToSave();
+    Attempt("PrepDatafile.CloseDatafile", PrepDatafile::CloseDatafile);
+}
+
 void frm0_Prep::TellOfLogFailure() {
     const QString failure = u91Trace::PassedOverFailure();
     if (failure.isEmpty() || toldOfLogFailure_) {

@@ -60,6 +60,8 @@ public:
     void SaveForSessionEnd();
     // Saves and ends the program without asking anything.
     void EndAtOnce();
+    // Saves, when something ends the process with the frame still there.
+    void SaveAtExit();
     // Warns the user once that the logs cannot be written.
     void TellOfLogFailure();
     [[nodiscard]] bool HasToldOfLogFailure() const { return toldOfLogFailure_; }

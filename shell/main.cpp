@@ -38,5 +38,6 @@ int main(int argc, char* argv[]) {
     platform::OnTermination(
         platform::EventTrap::Trapped("frm0_Prep.EndAtOnce", [&frame] { frame.EndAtOnce(); }));
     frame.MDIForm_Load();
+    const platform::ExitWatch exitWatch([&frame] { frame.SaveAtExit(); });
     return frame.IsUnloaded() ? 0 : QApplication::exec();
 }

@@ -3,6 +3,9 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include <cstdlib>
+#include <utility>
+
 #ifdef Q_OS_UNIX
 #include <sys/socket.h>
 #include <unistd.h>
@@ -12,6 +15,24 @@
 #endif
 
 namespace platform {
+namespace {
+
+std::function<void()> exitHandler;
+
+}  // namespace
+
+ExitWatch::ExitWatch(std::function<void()> handler) {
+    exitHandler = std::move(handler);
+    [[maybe_unused]] static const int registered = std::atexit([] {
+        if (const auto handle = std::exchange(exitHandler, {})) {
+            handle();
+        }
+    });
+}
+
+ExitWatch::~ExitWatch() {
+    exitHandler = {};
+}
 
 #ifdef Q_OS_UNIX
 
