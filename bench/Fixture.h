@@ -46,14 +46,13 @@ void RunProbes(benchmark::State& state, const std::string& name, std::size_t row
     state.SetItemsProcessed(static_cast<std::int64_t>(probes.size() * state.iterations()));
 }
 
-// Times deleting the probes, each time from a fresh copy of one filled file.
-template <typename T>
-void RunDeletions(benchmark::State& state, const std::string& name, std::size_t rows,
-                  Bounds bounds) {
+// Times `work`, which deletes so many rows, each time on a fresh copy of one filled file.
+template <typename T, typename Work>
+void RunOnCopies(benchmark::State& state, const std::string& name, std::size_t rows,
+                 std::size_t deleted, Work work) {
     const Folder folder;
     const std::filesystem::path filled = folder.Path() / "filled.mdb";
     Fill<T>(name, filled, rows);
-    const auto probes = Sample<T>(rows, kMostProbes);
     for (auto _ : state) {
         state.PauseTiming();
         std::filesystem::copy_file(filled, folder.File(),
@@ -61,12 +60,21 @@ void RunDeletions(benchmark::State& state, const std::string& name, std::size_t 
         const auto open = MakePeer(name);
         open->Open(folder.File());
         state.ResumeTiming();
-        Within(bounds, *open, [&] { open->Delete(probes); });
+        work(*open);
         state.PauseTiming();
         open->Close();
         state.ResumeTiming();
     }
-    state.SetItemsProcessed(static_cast<std::int64_t>(probes.size() * state.iterations()));
+    state.SetItemsProcessed(static_cast<std::int64_t>(deleted * state.iterations()));
+}
+
+// Times deleting the probes.
+template <typename T>
+void RunDeletions(benchmark::State& state, const std::string& name, std::size_t rows,
+                  Bounds bounds) {
+    const auto probes = Sample<T>(rows, kMostProbes);
+    RunOnCopies<T>(state, name, rows, probes.size(),
+                   [&](Peer& open) { Within(bounds, open, [&] { open.Delete(probes); }); });
 }
 
 // Times inserting the rows of these numbers, in this order, into an empty file.

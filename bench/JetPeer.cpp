@@ -155,6 +155,11 @@ public:
             records->Delete();
         }
     }
+    void DeleteSelected() override {
+        const auto records =
+            database_->OpenQuery("SELECT FMZRLKey FROM Numbers WHERE FMZRLKey >= 0");
+        for (; !records->IsEof(); records->MoveNext()) records->Delete();
+    }
     double FirstRow() override {
         const auto records = Numbers();
         std::int32_t key = 0;

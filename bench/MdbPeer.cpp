@@ -57,6 +57,7 @@ public:
     void UpdateMemo(const std::vector<Note>&, int) override { Unable(); }
     void Delete(const std::vector<Row>&) override { Unable(); }
     void Delete(const std::vector<Note>&) override { Unable(); }
+    void DeleteSelected() override { Unable(); }
 
 private:
     static double Unable() { throw std::runtime_error("this peer only reads"); }

@@ -77,6 +77,8 @@ public:
     virtual void UpdateMemo(const std::vector<Note>& notes, int round) = 0;
     virtual void Delete(const std::vector<Row>& rows) = 0;
     virtual void Delete(const std::vector<Note>& notes) = 0;
+    // Deletes every row of the numbers that a condition on the key selects, which are all.
+    virtual void DeleteSelected() = 0;
     // The first field of the first row.
     virtual double FirstRow() = 0;
 };

@@ -176,6 +176,9 @@ public:
             erase.Reset();
         }
     }
+    void DeleteSelected() override {
+        Statement(database_, "DELETE FROM Numbers WHERE FMZRLKey >= 0").Step();
+    }
     double FirstRow() override {
         Statement first(database_,
                         "SELECT FMZRLKey FROM Numbers ORDER BY 1, ResourceNumber LIMIT 1");

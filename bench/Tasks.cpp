@@ -81,6 +81,11 @@ std::size_t Delete(Peer& peer, const Path& /*file*/, std::size_t rows, double& s
                                    [&](const std::vector<T>& probes) { peer.Delete(probes); });
 }
 
+std::size_t DeleteSelected(Peer& peer, const Path& /*file*/, std::size_t rows, double& seconds) {
+    Timed(seconds, [&] { Within(Bounds::kWhole, peer, [&] { peer.DeleteSelected(); }); });
+    return rows;
+}
+
 std::size_t OpenFirstRow(Peer& peer, const Path& file, std::size_t /*rows*/, double& seconds) {
     Timed(seconds, [&] {
         peer.Open(file);
@@ -138,6 +143,7 @@ const std::vector<Task>& Tasks() {
         {"whole_insert_random", kNumbers, false, true, false, InsertRandom<Row, kWhole>},
         {"whole_update_one_field", kNumbers, true, true, false, Update<Row, kWhole>},
         {"whole_delete", kNumbers, true, true, false, Delete<Row, kWhole>},
+        {"whole_delete_selected", kNumbers, true, true, false, DeleteSelected},
         {"whole_insert_texts", kTexts, false, true, false, InsertOrdered<Note, kWhole>},
         {"whole_insert_random_texts", kTexts, false, true, false, InsertRandom<Note, kWhole>},
         {"whole_update_texts", kTexts, true, true, false, Update<Note, kWhole>},

@@ -232,6 +232,13 @@ void Catalog::CreateTable(const TableSchema& schema) {
     if (pager_->InTransaction()) created_.push_back(definition.page.value);
 }
 
+void Catalog::TransactionCommitted() noexcept {
+    created_.clear();
+    for (const auto& [page, table] : tables_) {
+        if (table) table->Rows().Cursors().TransactionCommitted();
+    }
+}
+
 void Catalog::TransactionRolledBack() noexcept {
     known_ = false;
     for (const std::uint32_t page : created_) {
@@ -241,6 +248,9 @@ void Catalog::TransactionRolledBack() noexcept {
         dropped_.push_back(std::move(table));
     }
     created_.clear();
+    for (const auto& [page, table] : tables_) {
+        if (table) table->Rows().Cursors().TransactionRolledBack();
+    }
 }
 
 }  // namespace jet

@@ -34,8 +34,9 @@ public:
     // Errors: those of Database::CreateTable.
     void CreateTable(const TableSchema& schema);
 
-    // The tables that the open transaction created stay, or are no longer there.
-    void TransactionCommitted() noexcept { created_.clear(); }
+    // The tables that the open transaction created stay, or are no longer there. The cursors on
+    // the others learn of its end.
+    void TransactionCommitted() noexcept;
     void TransactionRolledBack() noexcept;
 
 private:

@@ -42,4 +42,26 @@ inline std::optional<std::size_t> NextBit(Bytes bits, std::size_t from) {
     return std::nullopt;
 }
 
+// The last set bit before `end`.
+inline std::optional<std::size_t> LastBit(Bytes bits, std::size_t end) {
+    std::size_t byte = end / 8;
+    if (byte >= bits.size()) {
+        byte = bits.size();
+    } else {
+        const unsigned last = static_cast<unsigned>(bits[byte]) & ((1U << (end % 8)) - 1);
+        if (last != 0) return byte * 8 + static_cast<unsigned>(std::bit_width(last)) - 1;
+    }
+    while (byte >= 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bits.data() + byte - 8, 8);
+        if (word != 0) break;
+        byte -= 8;
+    }
+    while (byte-- > 0) {
+        const auto value = static_cast<unsigned>(bits[byte]);
+        if (value != 0) return byte * 8 + static_cast<unsigned>(std::bit_width(value)) - 1;
+    }
+    return std::nullopt;
+}
+
 }  // namespace jet

@@ -255,6 +255,7 @@ void Changes::RollbackTransaction() noexcept {
     keptAtSpill_ = 0;
     pages_.SetPageCount(pagesBefore_);
     inTransaction_ = false;
+    ++count_;
 }
 
 // Puts the pages back that were changed from this one on.

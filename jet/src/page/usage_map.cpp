@@ -86,6 +86,26 @@ std::optional<PageNumber> NextReferenced(Pager& pager, const MapView& map, PageN
     return std::nullopt;
 }
 
+std::optional<PageNumber> LastInline(const MapView& map, PageNumber end) {
+    if (end.value <= map.Start()) return std::nullopt;
+    const auto bit = LastBit(map.Bits(), end.value - map.Start());
+    if (!bit) return std::nullopt;
+    return PageNumber{map.Start() + static_cast<std::uint32_t>(*bit)};
+}
+
+std::optional<PageNumber> LastReferenced(Pager& pager, const MapView& map, PageNumber end) {
+    const std::uint32_t perRange = PagesOfMapPage(pager.FileFormat());
+    const std::uint32_t reached = end.value / perRange + (end.value % perRange == 0 ? 0 : 1);
+    for (std::uint32_t range = std::min(map.RangeCount(), reached); range-- > 0;) {
+        const PageRef page = OpenMapPage(pager, map, range);
+        if (page.Data().empty()) continue;
+        const std::uint32_t first = range * perRange;
+        const auto bit = LastBit(page.Data().subspan(kMapPageHead), end.value - first);
+        if (bit) return PageNumber{first + static_cast<std::uint32_t>(*bit)};
+    }
+    return std::nullopt;
+}
+
 std::vector<PageNumber> Members(const UsageMap& map) {
     std::vector<PageNumber> members;
     map.ForEach(PageNumber{0}, [&](PageNumber page) {
@@ -228,6 +248,12 @@ std::optional<PageNumber> UsageMap::NextFrom(PageNumber from) const {
     const PageRef holder = pager_->Page(row_.page);
     const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
     return map.IsInline() ? NextInline(map, from) : NextReferenced(*pager_, map, from);
+}
+
+std::optional<PageNumber> UsageMap::LastBefore(PageNumber end) const {
+    const PageRef holder = pager_->Page(row_.page);
+    const MapView map(holder.Data(), pager_->FileFormat(), row_.slot);
+    return map.IsInline() ? LastInline(map, end) : LastReferenced(*pager_, map, end);
 }
 
 void UsageMap::ForEach(PageNumber from, const std::function<bool(PageNumber)>& visit) const {

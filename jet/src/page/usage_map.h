@@ -19,6 +19,8 @@ public:
     // The members in rising order from `from` on; stops when `visit` gives false.
     void ForEach(PageNumber from, const std::function<bool(PageNumber)>& visit) const;
     [[nodiscard]] std::optional<PageNumber> NextFrom(PageNumber from) const;
+    // The last member below `end`.
+    [[nodiscard]] std::optional<PageNumber> LastBefore(PageNumber end) const;
     void Add(Operation& operation, PageNumber page);
     void Remove(Operation& operation, PageNumber page);
 

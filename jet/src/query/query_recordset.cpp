@@ -87,9 +87,10 @@ std::vector<RowId> Select(Table& table, const Query& query) {
 
 QueryRecordset::QueryRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system,
                                const Query& query)
-    : BaseRecordset(std::move(file), table, system, ColumnsOf(table, query)),
-      rows_(Select(table, query)) {
-    Arrive(GoTo(0), Place::kNowhere);
+    : BaseRecordset(std::move(file), table, system, ColumnsOf(table, query)) {
+    auto rows = std::make_unique<ListCursor>(table.Rows(), Select(table, query));
+    rows_ = rows.get();
+    UseOrder(std::move(rows));
 }
 
 void QueryRecordset::SetIndex(std::string_view name) {
@@ -100,7 +101,7 @@ void QueryRecordset::SetIndex(std::string_view name) {
 
 std::int32_t QueryRecordset::RecordCount() const {
     RequireOpen();
-    return static_cast<std::int32_t>(rows_.size());
+    return static_cast<std::int32_t>(rows_->Count());
 }
 
 void QueryRecordset::ThrowNoIndex() const {
@@ -119,74 +120,6 @@ void QueryRecordset::MakeKey(std::span<const Value> /*key*/,
 
 int QueryRecordset::CompareToKey(std::span<const std::byte> /*key*/) const {
     ThrowNoIndex();
-}
-
-std::optional<RowId> QueryRecordset::GoTo(std::size_t place) {
-    if (place >= rows_.size()) return std::nullopt;
-    at_ = place;
-    return rows_[place];
-}
-
-std::optional<RowId> QueryRecordset::GoFirst() {
-    return GoTo(0);
-}
-
-std::optional<RowId> QueryRecordset::GoLast() {
-    return rows_.empty() ? std::nullopt : GoTo(rows_.size() - 1);
-}
-
-std::optional<RowId> QueryRecordset::GoNext() {
-    return GoTo(Where() == Place::kGone ? at_ : at_ + 1);
-}
-
-std::optional<RowId> QueryRecordset::GoPrevious() {
-    return at_ == 0 ? std::nullopt : GoTo(at_ - 1);
-}
-
-void QueryRecordset::RowDeleted(const Table& table, RowId row) {
-    if (&table != &Source()) return;
-    BaseRecordset::RowDeleted(table, row);
-    const auto found = std::find(rows_.begin(), rows_.end(), row);
-    if (found == rows_.end()) return;
-    if (static_cast<std::size_t>(found - rows_.begin()) < at_) --at_;
-    rows_.erase(found);
-}
-
-// Where the first of these is that is among the rows, or the end.
-std::size_t QueryRecordset::PlaceOfFirst(std::span<const RowId> rows) const {
-    for (const RowId row : rows) {
-        const auto found = std::find(rows_.begin(), rows_.end(), row);
-        if (found != rows_.end()) return static_cast<std::size_t>(found - rows_.begin());
-    }
-    return rows_.size();
-}
-
-// Removes the rows that were not there before the transaction. Gives the new place of what is at
-// `place`, or of its follower.
-std::size_t QueryRecordset::KeepSurvivors(std::size_t place,
-                                          std::span<const DeletedRow> deleted) noexcept {
-    std::size_t kept = 0;
-    std::size_t newPlace = 0;
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        if (i == place) newPlace = kept;
-        if (Survives(rows_[i], deleted)) rows_[kept++] = rows_[i];
-    }
-    if (place >= rows_.size()) newPlace = kept;
-    rows_.resize(kept);
-    return newPlace;
-}
-
-void QueryRecordset::TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept {
-    const bool wasOn = Where() == Place::kOn;
-    BaseRecordset::TransactionRolledBack(deleted);
-    const std::size_t next = wasOn && Where() == Place::kGone ? at_ + 1 : at_;
-    if (!rowsBefore_) {
-        at_ = KeepSurvivors(next, deleted);
-        return;
-    }
-    rows_.swap(*rowsBefore_);
-    const std::span<const RowId> rest(*rowsBefore_);
-    at_ = PlaceOfFirst(rest.subspan(std::min(next, rest.size())));
 }
 
 }  // namespace jet

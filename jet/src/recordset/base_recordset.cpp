@@ -37,7 +37,6 @@ BaseRecordset::BaseRecordset(std::shared_ptr<OpenFile> file, Table& table, bool 
       columns_(FieldColumnsOf(table.Def(), columns.empty() ? AllColumns(table.Def()) : columns)) {
     const TableSchema schema = SchemaOf(table.Name(), table.Def());
     for (const FieldColumn& field : columns_) fields_.push_back(schema.columns[field.column]);
-    file_->Watch(*this);
 }
 
 std::vector<BaseRecordset::FieldColumn> BaseRecordset::FieldColumnsOf(
@@ -55,13 +54,9 @@ std::vector<BaseRecordset::FieldColumn> BaseRecordset::FieldColumnsOf(
     return fields;
 }
 
-BaseRecordset::~BaseRecordset() {
-    file_->Unwatch(*this);
-}
-
 void BaseRecordset::Close() {
     DropEdit();
-    file_->Unwatch(*this);
+    cursor_.reset();
     closed_ = true;
     viewKnown_ = false;
     stored_ = StoredRow();
@@ -105,13 +100,18 @@ bool BaseRecordset::IsEof() const {
 
 std::uint32_t BaseRecordset::RecordId() const {
     RequireOpen();
-    if (place_ != Place::kOn) ThrowNoCurrent();
-    return row_.Packed();
+    if (!IsOnRecord()) ThrowNoCurrent();
+    return cursor_->Row().Packed();
 }
 
-void BaseRecordset::Arrive(const std::optional<RowId>& row, Place otherwise) {
-    place_ = row ? Place::kOn : otherwise;
-    if (row) row_ = *row;
+void BaseRecordset::UseOrder(std::unique_ptr<TableCursor> cursor) {
+    const bool found = cursor->SeekToFirst();
+    cursor_ = std::move(cursor);
+    Arrive(found, Place::kNowhere);
+}
+
+void BaseRecordset::Arrive(bool found, Place otherwise) {
+    place_ = found ? Place::kAmong : otherwise;
     viewKnown_ = false;
 }
 
@@ -120,7 +120,7 @@ void BaseRecordset::MoveFirst() {
         RequireOpen();
         DropEdit();
         searchFailed_ = false;
-        Arrive(GoFirst(), Place::kNowhere);
+        Arrive(cursor_->SeekToFirst(), Place::kNowhere);
     });
 }
 
@@ -129,7 +129,7 @@ void BaseRecordset::MoveLast() {
         RequireOpen();
         DropEdit();
         searchFailed_ = false;
-        Arrive(GoLast(), Place::kNowhere);
+        Arrive(cursor_->SeekToLast(), Place::kNowhere);
     });
 }
 
@@ -139,7 +139,7 @@ void BaseRecordset::MoveNext() {
         DropEdit();
         searchFailed_ = false;
         if (place_ == Place::kNowhere || place_ == Place::kBehind) ThrowNoCurrent();
-        Arrive(place_ == Place::kBefore ? GoFirst() : GoNext(), Place::kBehind);
+        Arrive(place_ == Place::kBefore ? cursor_->SeekToFirst() : cursor_->Next(), Place::kBehind);
     });
 }
 
@@ -149,41 +149,8 @@ void BaseRecordset::MovePrevious() {
         DropEdit();
         searchFailed_ = false;
         if (place_ == Place::kNowhere || place_ == Place::kBefore) ThrowNoCurrent();
-        Arrive(place_ == Place::kBehind ? GoLast() : GoPrevious(), Place::kBefore);
+        Arrive(place_ == Place::kBehind ? cursor_->SeekToLast() : cursor_->Prev(), Place::kBefore);
     });
-}
-
-void BaseRecordset::RowDeleted(const Table& table, RowId row) {
-    if (&table == table_ && place_ == Place::kOn && row == row_) SetGone();
-}
-
-void BaseRecordset::TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept {
-    DropEdit();
-    viewKnown_ = false;
-    stored_ = StoredRow();
-    if (table_->IsDropped()) {
-        place_ = Place::kNowhere;
-    } else if (place_ == Place::kOn) {
-        if (Survives(row_, deleted)) {
-            CurrentChanged();
-        } else {
-            SetGone();
-        }
-    }
-}
-
-// A place that was freed may have been given to another row, so a row that was deleted counts as
-// gone although it is back.
-bool BaseRecordset::Survives(RowId row, std::span<const DeletedRow> deleted) const noexcept {
-    const DeletedRow sought{table_->Def().page, row};
-    if (std::binary_search(deleted.begin(), deleted.end(), sought)) return false;
-    try {
-        StoredRow stored;
-        return table_->Rows().Find(row, stored);
-    } catch (...) {
-        // It cannot be read, so nobody can stand on it.
-        return false;
-    }
 }
 
 void BaseRecordset::ThrowDropped() const {
@@ -196,17 +163,18 @@ void BaseRecordset::ThrowNoField() {
 }
 
 bool BaseRecordset::IsInEdit(std::size_t column) const {
-    return edit_ == EditKind::kAdd || (edit_ == EditKind::kEdit && values_.given[column]);
+    const EditKind edit = OpenEdit();
+    return edit == EditKind::kAdd || (edit == EditKind::kEdit && values_.given[column]);
 }
 
 // Finds the current record's bytes; they are looked at where they lie.
 const RowView& BaseRecordset::FindCurrentView() const {
-    if (place_ != Place::kOn) ThrowNoCurrent();
+    if (!IsOnRecord()) ThrowNoCurrent();
     const std::uint64_t change = table_->Pages().ChangeCount();
     // A page that changed may be another one in memory now.
     if (viewChange_ != change) stored_ = StoredRow();
     viewKnown_ = false;
-    if (!table_->Rows().Find(row_, stored_)) {
+    if (!table_->Rows().Find(cursor_->Row(), stored_)) {
         throw Error(ErrorKind::kDamaged, "The file is damaged: a record of the table '" +
                                              table_->Name() + "' is missing.");
     }
@@ -322,23 +290,24 @@ void BaseRecordset::RequireWritable() const {
 }
 
 void BaseRecordset::RequireCurrent() const {
-    if (place_ != Place::kOn || searchFailed_) ThrowNoCurrent();
+    if (!IsOnRecord() || searchFailed_) ThrowNoCurrent();
 }
 
-void BaseRecordset::PrepareValues() {
+void BaseRecordset::StartEdit(EditKind kind) {
     DropEdit();
     const std::size_t count = table_->Def().columns.size();
     values_.values.assign(count, Value());
     values_.given.assign(count, false);
     written_.assign(count, false);
+    if (kind == EditKind::kAdd) FillDefaults();
+    edit_ = kind;
+    editRollbacks_ = file_->Rollbacks();
 }
 
 void BaseRecordset::AddNew() {
     return Guarded([&] {
         RequireWritable();
-        PrepareValues();
-        FillDefaults();
-        edit_ = EditKind::kAdd;
+        StartEdit(EditKind::kAdd);
     });
 }
 
@@ -367,14 +336,13 @@ void BaseRecordset::Edit() {
         RequireWritable();
         RequireCurrent();
         static_cast<void>(CurrentView());
-        PrepareValues();
-        edit_ = EditKind::kEdit;
+        StartEdit(EditKind::kEdit);
     });
 }
 
 void BaseRecordset::RequireEdit() const {
     RequireOpen();
-    if (edit_ != EditKind::kNone) return;
+    if (OpenEdit() != EditKind::kNone) return;
     throw Error(ErrorKind::kNoEditBegun, "The record is not being added or edited.");
 }
 
@@ -424,27 +392,30 @@ void BaseRecordset::Update() {
     return Guarded([&] {
         RequireWritable();
         RequireEdit();
-        if (edit_ == EditKind::kEdit) RequireCurrent();
-        RowId row = row_;
-        bool indexChanged = false;
-        if (edit_ == EditKind::kAdd) MakeRoomForRow();
-        {
-            Operation operation(table_->Pages());
-            if (edit_ == EditKind::kAdd) {
-                row = table_->Insert(operation, values_);
-            } else {
-                indexChanged = table_->Update(operation, row_, values_);
-            }
-            operation.Commit();
-        }
-        const EditKind kind = edit_;
-        DropEdit();
-        if (kind == EditKind::kAdd) {
-            RowAdded(row);
-        } else if (indexChanged) {
-            CurrentChanged();
+        if (edit_ == EditKind::kEdit) {
+            RequireCurrent();
+            UpdateCurrent();
+        } else {
+            AddRow();
         }
     });
+}
+
+void BaseRecordset::AddRow() {
+    cursor_->MakeRoomForRow();
+    Operation operation(table_->Pages());
+    const RowId row = table_->Insert(operation, values_);
+    operation.Commit();
+    DropEdit();
+    cursor_->RowAdded(row);
+}
+
+void BaseRecordset::UpdateCurrent() {
+    Operation operation(table_->Pages());
+    const bool indexChanged = table_->Update(operation, cursor_->Row(), values_);
+    operation.Commit();
+    DropEdit();
+    if (indexChanged) cursor_->RowChanged();
 }
 
 void BaseRecordset::CancelUpdate() {
@@ -458,13 +429,18 @@ void BaseRecordset::Delete() {
         DropEdit();
         RequireCurrent();
         std::vector<TableRow> deleted;
-        {
-            Operation operation(table_->Pages());
-            table_->Delete(operation, row_, deleted);
-            file_->MakeRoomForDeleted(deleted.size());
-            operation.Commit();
+        Operation operation(table_->Pages());
+        table_->Delete(operation, cursor_->Row(), deleted);
+        const bool inTransaction = file_->InTransaction();
+        if (inTransaction) {
+            for (const TableRow& place : deleted) {
+                place.table->Rows().Cursors().MakeRoomForDeleted(deleted.size());
+            }
         }
-        for (const TableRow& place : deleted) file_->SignalDeleted(*place.table, place.row);
+        operation.Commit();
+        for (const TableRow& place : deleted) {
+            place.table->Rows().Cursors().RowDeleted(place.row, inTransaction);
+        }
     });
 }
 

@@ -10,13 +10,12 @@
 #include "jet/recordset.h"
 #include "recordset/open_file.h"
 #include "table/table.h"
+#include "table/table_cursor.h"
 
 namespace jet {
 
-class BaseRecordset : public Recordset, public RowWatcher {
+class BaseRecordset : public Recordset {
 public:
-    ~BaseRecordset() override;
-
     void Close() override;
     [[nodiscard]] const std::vector<ColumnSchema>& Fields() const override;
     [[nodiscard]] FieldId Field(std::string_view name) const override;
@@ -48,7 +47,7 @@ public:
     void Delete() override;
     [[nodiscard]] bool IsEditing() const override {
         RequireOpen();
-        return edit_ != EditKind::kNone;
+        return OpenEdit() != EditKind::kNone;
     }
 
 protected:
@@ -59,22 +58,9 @@ protected:
     enum class Place {
         kNowhere,  // there was no record to go to
         kBefore,   // before the first
-        kOn,       // on `row_`
-        kGone,     // on a record that was deleted; its place is still known
+        kAmong,    // where the cursor is
         kBehind,   // behind the last
     };
-
-    // The subclass knows the order. Each gives the record and notes whatever else it needs to go on
-    // from there; the two neighbors are those of the current place.
-    virtual std::optional<RowId> GoFirst() = 0;
-    virtual std::optional<RowId> GoLast() = 0;
-    virtual std::optional<RowId> GoNext() = 0;
-    virtual std::optional<RowId> GoPrevious() = 0;
-    // Called before a row is added, and when that, or a change of the current record, is done: then
-    // nothing may fail any more.
-    virtual void MakeRoomForRow() {}
-    virtual void CurrentChanged() {}
-    virtual void RowAdded(RowId row) { static_cast<void>(row); }
 
     void RequireOpen() const {
         if (closed_) ThrowClosed();
@@ -82,15 +68,12 @@ protected:
         if (table_->IsDropped()) ThrowDropped();
     }
     void DropEdit() { edit_ = EditKind::kNone; }
-    void Arrive(const std::optional<RowId>& row, Place otherwise);
+    // Goes to the first record of an order, which is the one from now on.
+    void UseOrder(std::unique_ptr<TableCursor> cursor);
+    void Arrive(bool found, Place otherwise);
     [[nodiscard]] OpenFile& File() const { return *file_; }
     [[nodiscard]] Table& Source() const { return *table_; }
-    [[nodiscard]] Place Where() const { return place_; }
-    [[nodiscard]] RowId Row() const { return row_; }
-    void SetGone() {
-        place_ = Place::kGone;
-        viewKnown_ = false;
-    }
+    [[nodiscard]] bool IsOnRecord() const { return place_ == Place::kAmong && cursor_->Valid(); }
     // After a search that found nothing the former record can be read but not be changed.
     void SetSearchFailed(bool failed) { searchFailed_ = failed; }
     [[nodiscard]] const RowView& CurrentView() const {
@@ -98,12 +81,6 @@ protected:
         if (viewKnown_ && viewChange_ == table_->Pages().ChangeCount()) return view_;
         return FindCurrentView();
     }
-    void RowDeleted(const Table& table, RowId row) override;
-    void TransactionBegun() override {}
-    void TransactionEnded() noexcept override {}
-    void TransactionRolledBack(std::span<const DeletedRow> deleted) noexcept override;
-    // Whether a row is there that was there before the transaction, too.
-    [[nodiscard]] bool Survives(RowId row, std::span<const DeletedRow> deleted) const noexcept;
 
 private:
     enum class EditKind { kNone, kAdd, kEdit };
@@ -135,6 +112,10 @@ private:
     template <typename Number>
     bool ReadPlain(const FieldColumn& field, Number& into) const;
     [[nodiscard]] const RowView& FindCurrentView() const;
+    // An edit ends with the transaction that is rolled back.
+    [[nodiscard]] EditKind OpenEdit() const {
+        return editRollbacks_ == file_->Rollbacks() ? edit_ : EditKind::kNone;
+    }
     // True when the value is that of the edit, not of the stored record.
     [[nodiscard]] bool IsInEdit(std::size_t column) const;
     void RequireCurrent() const;
@@ -142,7 +123,9 @@ private:
     void RequireEdit() const;
     template <typename Held, typename Piece>
     void AppendTo(FieldId field, ColumnType type, Piece piece);
-    void PrepareValues();
+    void StartEdit(EditKind kind);
+    void AddRow();
+    void UpdateCurrent();
     void FillDefaults();
     void FillDefault(std::size_t column);
 
@@ -152,9 +135,10 @@ private:
     std::vector<FieldColumn> columns_;
     std::vector<ColumnSchema> fields_;
     Place place_ = Place::kNowhere;
-    RowId row_;
+    std::unique_ptr<TableCursor> cursor_;
     bool searchFailed_ = false;
     EditKind edit_ = EditKind::kNone;
+    std::uint64_t editRollbacks_ = 0;  // those before it began
     RowValues values_;
     std::vector<bool> written_;  // fields that the open edit was given by its caller
     bool closed_ = false;

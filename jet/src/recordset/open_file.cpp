@@ -1,6 +1,5 @@
 #include "recordset/open_file.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -63,33 +62,9 @@ void OpenFile::ThrowClosed() {
     throw Error(ErrorKind::kClosed, "The database has been closed.");
 }
 
-void OpenFile::Watch(RowWatcher& watcher) {
-    watchers_.push_back(&watcher);
-}
-
-void OpenFile::Unwatch(RowWatcher& watcher) {
-    watchers_.erase(std::remove(watchers_.begin(), watchers_.end(), &watcher), watchers_.end());
-}
-
-void OpenFile::MakeRoomForDeleted(std::size_t count) {
-    if (!inTransaction_ || deleted_.capacity() - deleted_.size() >= count) return;
-    deleted_.reserve(deleted_.size() * 2 + count + 16);
-}
-
-void OpenFile::SignalDeleted(const Table& table, RowId row) noexcept {
-    if (inTransaction_) deleted_.push_back({table.Def().page, row});
-    for (RowWatcher* watcher : watchers_) watcher->RowDeleted(table, row);
-}
-
 void OpenFile::BeginTransaction() {
     pager_->BeginTransaction();
     inTransaction_ = true;
-    try {
-        for (RowWatcher* watcher : watchers_) watcher->TransactionBegun();
-    } catch (...) {
-        RollbackTransaction();
-        throw;
-    }
 }
 
 void OpenFile::CommitTransaction() {
@@ -100,9 +75,7 @@ void OpenFile::CommitTransaction() {
         throw;
     }
     inTransaction_ = false;
-    deleted_ = {};
     catalog_->TransactionCommitted();
-    for (RowWatcher* watcher : watchers_) watcher->TransactionEnded();
 }
 
 void OpenFile::RollbackTransaction() noexcept {
@@ -114,12 +87,8 @@ void OpenFile::RollbackTransaction() noexcept {
 // The pages are as they were; what was remembered of them follows.
 void OpenFile::UndoInMemory() noexcept {
     inTransaction_ = false;
+    ++rollbacks_;
     catalog_->TransactionRolledBack();
-    std::vector<DeletedRow> deleted;
-    deleted.swap(deleted_);
-    std::sort(deleted.begin(), deleted.end());
-    for (RowWatcher* watcher : watchers_) watcher->TransactionRolledBack(deleted);
-    for (RowWatcher* watcher : watchers_) watcher->TransactionEnded();
 }
 
 }  // namespace jet

@@ -6,6 +6,7 @@
 
 #include "jet/error.h"
 #include "os/out_of_memory.h"
+#include "table/row_cursor.h"
 #include "values/text.h"
 
 namespace jet {
@@ -31,8 +32,8 @@ SeekTo WayOf(Comparison comparison) {
 }  // namespace
 
 TableRecordset::TableRecordset(std::shared_ptr<OpenFile> file, Table& table, bool system)
-    : BaseRecordset(std::move(file), table, system, {}), rows_(table.Rows()) {
-    Arrive(GoFirst(), Place::kNowhere);
+    : BaseRecordset(std::move(file), table, system, {}) {
+    UseOrder(std::make_unique<RowCursor>(table.Rows()));
 }
 
 void TableRecordset::SetIndex(std::string_view name) {
@@ -41,20 +42,25 @@ void TableRecordset::SetIndex(std::string_view name) {
         DropEdit();
         SetSearchFailed(false);
         if (name.empty()) {
+            UseOrder(std::make_unique<RowCursor>(Source().Rows()));
             index_ = nullptr;
+            entries_ = nullptr;
             indexName_.clear();
-        } else {
-            const LogicalIndex* found = Source().Def().FindIndex(WidenName(name));
-            if (found == nullptr) {
-                throw Error(ErrorKind::kNoSuchIndex, "The table '" + Source().Name() +
-                                                         "' has no index '" + std::string(name) +
-                                                         "'.");
-            }
-            index_ = Source().Indexes()[found->real].get();
-            indexName_ = found->name;
-            entries_ = IndexCursor(index_->Tree());
+            return;
         }
-        Arrive(GoFirst(), Place::kNowhere);
+        const LogicalIndex* found = Source().Def().FindIndex(WidenName(name));
+        if (found == nullptr) {
+            throw Error(ErrorKind::kNoSuchIndex, "The table '" + Source().Name() +
+                                                     "' has no index '" + std::string(name) + "'.");
+        }
+        std::string newName = found->name;
+        const TableIndex* index = Source().Indexes()[found->real].get();
+        auto cursor = std::make_unique<KeyCursor>(Source(), *index);
+        KeyCursor* entries = cursor.get();
+        UseOrder(std::move(cursor));
+        index_ = index;
+        entries_ = entries;
+        indexName_ = std::move(newName);
     });
 }
 
@@ -73,10 +79,10 @@ bool TableRecordset::Seek(Comparison comparison, std::span<const Value> key) {
         DropEdit();
         RequireIndex();
         index_->MakeSearchKey(key, searchKey_);
-        noMatch_ = !entries_.Seek(searchKey_, WayOf(comparison));
+        noMatch_ = !entries_->Seek(searchKey_, WayOf(comparison));
         SetSearchFailed(noMatch_);
         if (noMatch_) return false;
-        Arrive(entries_.Entry().row, Place::kNowhere);
+        Arrive(true, Place::kNowhere);
         return true;
     });
 }
@@ -99,56 +105,13 @@ void TableRecordset::MakeKey(std::span<const Value> key, std::vector<std::byte>&
 int TableRecordset::CompareToKey(std::span<const std::byte> key) const {
     RequireOpen();
     RequireIndex();
-    if (Where() != Place::kOn) {
+    if (!IsOnRecord()) {
         throw Error(ErrorKind::kNoCurrentRecord, "There is no current record.");
     }
-    const Key& own = entries_.Entry().key;
+    const Key& own = entries_->RowKey();
     const std::size_t common = std::min(key.size(), own.size());
     const int order = std::memcmp(own.data(), key.data(), common);
     return order != 0 || common == key.size() ? order : -1;
-}
-
-// The row that a verb of the index's cursor led to.
-std::optional<RowId> TableRecordset::EntryRow(bool found) const {
-    return found ? std::optional(entries_.Entry().row) : std::nullopt;
-}
-
-std::optional<RowId> TableRecordset::StoredRowOf(bool found) const {
-    return found ? std::optional(rows_.Row()) : std::nullopt;
-}
-
-std::optional<RowId> TableRecordset::GoFirst() {
-    return index_ == nullptr ? StoredRowOf(rows_.SeekToFirst()) : EntryRow(entries_.SeekToFirst());
-}
-
-std::optional<RowId> TableRecordset::GoLast() {
-    return index_ == nullptr ? StoredRowOf(rows_.SeekToLast()) : EntryRow(entries_.SeekToLast());
-}
-
-std::optional<RowId> TableRecordset::GoNext() {
-    return index_ == nullptr ? StoredRowOf(rows_.Next()) : EntryRow(entries_.Next());
-}
-
-std::optional<RowId> TableRecordset::GoPrevious() {
-    return index_ == nullptr ? StoredRowOf(rows_.Prev()) : EntryRow(entries_.Prev());
-}
-
-// The record stays the current one, at the place that its new values give it in the index.
-// The change is done by now, so nothing here may fail it: without memory for the new key the
-// position keeps the old one, which leads to the same neighbors as before the change.
-void TableRecordset::CurrentChanged() {
-    if (index_ == nullptr || index_->Obstacle()) return;
-    try {
-        Guarded([&] {
-            const RowView& view = CurrentView();
-            TableIndex::RowKey key;
-            index_->MakeRowKey([&](std::size_t column) { return Source().ReadValue(view, column); },
-                               key);
-            if (key.entered) entries_.SeekToEntry({std::move(key.key), Row()});
-        });
-    } catch (const Error&) {
-        return;
-    }
 }
 
 }  // namespace jet

@@ -4,44 +4,49 @@
 
 namespace jet {
 
-bool RowCursor::Arrive(std::optional<RowId> row) {
-    if (row) Seek(*row);
+bool RowCursor::ArriveAt(std::optional<RowId> row) {
+    if (row) Arrive(*row);
     return row.has_value();
 }
 
 bool RowCursor::SeekToFirst() {
-    return Arrive(FirstOfPages(PageNumber{0}));
+    return ArriveAt(FirstOfPages(PageNumber{0}));
 }
 
 bool RowCursor::SeekToLast() {
-    return Arrive(LastBefore(RowId{PageNumber{rows_->Pages().PageCount()}, 0}));
+    return ArriveAt(LastOfPages(PageNumber{Rows().Pages().PageCount()}));
 }
 
 bool RowCursor::Next() {
-    if (row_.page.value < rows_->Pages().PageCount()) {
-        if (const auto next = SlotFrom(row_.page, row_.slot + 1U)) return Arrive(next);
+    const RowId row = Row();
+    if (row.page.value < Rows().Pages().PageCount()) {
+        if (const auto next = SlotFrom(row.page, row.slot + 1U)) return ArriveAt(next);
     }
-    return Arrive(FirstOfPages(PageNumber{row_.page.value + 1}));
+    return ArriveAt(FirstOfPages(PageNumber{row.page.value + 1}));
 }
 
 bool RowCursor::Prev() {
-    return Arrive(LastBefore(row_));
+    const RowId row = Row();
+    if (row.page.value < Rows().Pages().PageCount()) {
+        if (const auto previous = SlotBefore(row.page, row.slot)) return ArriveAt(previous);
+    }
+    return ArriveAt(LastOfPages(row.page));
 }
 
 Bytes RowCursor::PageOf(PageNumber page) {
-    Pager& pager = rows_->Pages();
-    if (page_.Data().empty() || page_.Number() != page || pageChange_ != pager.ChangeCount()) {
+    Pager& pager = Rows().Pages();
+    if (page_.Data().empty() || page_.Number() != page || change_ != pager.ChangeCount()) {
         page_ = pager.Page(page);
-        pageChange_ = pager.ChangeCount();
+        change_ = pager.ChangeCount();
     }
     return page_.Data();
 }
 
 // The first row of the page from slot `from` on.
 std::optional<RowId> RowCursor::SlotFrom(PageNumber page, std::uint32_t from) {
-    const Format& format = rows_->Pages().FileFormat();
+    const Format& format = Rows().Pages().FileFormat();
     const Bytes bytes = PageOf(page);
-    if (!rows_->IsOurs(bytes)) return std::nullopt;
+    if (!Rows().IsOurs(bytes)) return std::nullopt;
     const std::uint32_t count = SlotCount(bytes, format);
     for (std::uint32_t slot = from; slot < count; ++slot) {
         if (IsRowSlot(ReadSlotKind(bytes, format, slot))) {
@@ -53,9 +58,9 @@ std::optional<RowId> RowCursor::SlotFrom(PageNumber page, std::uint32_t from) {
 
 // The last row of the page before slot `end`.
 std::optional<RowId> RowCursor::SlotBefore(PageNumber page, std::uint32_t end) {
-    const Format& format = rows_->Pages().FileFormat();
+    const Format& format = Rows().Pages().FileFormat();
     const Bytes bytes = PageOf(page);
-    if (!rows_->IsOurs(bytes)) return std::nullopt;
+    if (!Rows().IsOurs(bytes)) return std::nullopt;
     for (std::uint32_t slot = std::min(end, SlotCount(bytes, format)); slot-- > 0;) {
         if (IsRowSlot(ReadSlotKind(bytes, format, slot))) {
             return RowId{page, static_cast<std::uint8_t>(slot)};
@@ -64,41 +69,26 @@ std::optional<RowId> RowCursor::SlotBefore(PageNumber page, std::uint32_t end) {
     return std::nullopt;
 }
 
+void RowCursor::RequireOwned(PageNumber page) {
+    if (Rows().IsOurs(PageOf(page))) return;
+    ThrowDamaged("The file is damaged: a page of a table belongs to something else.");
+}
+
 std::optional<RowId> RowCursor::FirstOfPages(PageNumber from) {
-    const UsageMap& owned = rows_->OwnedPages();
+    const UsageMap& owned = Rows().OwnedPages();
     for (auto page = owned.NextFrom(from); page;
          page = owned.NextFrom(PageNumber{page->value + 1})) {
-        if (!rows_->IsOurs(PageOf(*page))) {
-            ThrowDamaged("The file is damaged: a page of a table belongs to something else.");
-        }
+        RequireOwned(*page);
         if (const auto row = SlotFrom(*page, 0)) return row;
     }
     return std::nullopt;
 }
 
-const std::vector<PageNumber>& RowCursor::OwnedPages() {
-    const std::uint64_t change = rows_->Pages().ChangeCount();
-    if (!ownedKnown_ || ownedChange_ != change) {
-        owned_.clear();
-        rows_->OwnedPages().ForEach(PageNumber{0}, [this](PageNumber page) {
-            owned_.push_back(page);
-            return true;
-        });
-        ownedChange_ = change;
-        ownedKnown_ = true;
-    }
-    return owned_;
-}
-
-std::optional<RowId> RowCursor::LastBefore(RowId row) {
-    if (row.page.value < rows_->Pages().PageCount()) {
-        if (const auto previous = SlotBefore(row.page, row.slot)) return previous;
-    }
-    const std::vector<PageNumber>& pages = OwnedPages();
-    auto page = std::lower_bound(pages.begin(), pages.end(), row.page);
-    while (page != pages.begin()) {
-        --page;
-        if (const auto previous = SlotBefore(*page, kMostSlots + 1)) return previous;
+std::optional<RowId> RowCursor::LastOfPages(PageNumber end) {
+    const UsageMap& owned = Rows().OwnedPages();
+    for (auto page = owned.LastBefore(end); page; page = owned.LastBefore(*page)) {
+        RequireOwned(*page);
+        if (const auto row = SlotBefore(*page, kMostSlots + 1)) return row;
     }
     return std::nullopt;
 }

@@ -12,6 +12,7 @@
 #include "page/types.h"
 #include "page/usage_map.h"
 #include "record/data_page.h"
+#include "table/cursor_list.h"
 
 namespace jet {
 
@@ -30,6 +31,8 @@ inline bool IsRowSlot(SlotKind kind) {
 class RowStore {
 public:
     RowStore(Pager& pager, PageNumber table, RowId ownedMap, RowId freeMap);
+    RowStore(const RowStore&) = delete;
+    RowStore& operator=(const RowStore&) = delete;
 
     // False when no row is there (any more). kDamaged when a pointer leads nowhere.
     bool Find(RowId row, StoredRow& into) const;
@@ -42,6 +45,7 @@ public:
     [[nodiscard]] Pager& Pages() const { return *pager_; }
     [[nodiscard]] const UsageMap& OwnedPages() const { return owned_; }
     [[nodiscard]] bool IsOurs(Bytes page) const;
+    [[nodiscard]] CursorList& Cursors() { return cursors_; }
 
 private:
     [[nodiscard]] RowId FollowPointer(Bytes slot) const;
@@ -56,6 +60,7 @@ private:
     UsageMap owned_;
     UsageMap free_;
     PageNumber roomHint_;  // where the last row went; pages below it are full or unlisted
+    CursorList cursors_;
 };
 
 }  // namespace jet
