@@ -50,7 +50,9 @@ LIBRARIES = [
             first=(["./configure", "--quiet"], ["make", "--silent", "sqlite3.c"])),
     Library("minizip", "libminizip-dev", [], recipe="minizip"),
     Library("libxlsxwriter", "libxlsxwriter-dev", ["-DBUILD_SHARED_LIBS=OFF", "-DUSE_SYSTEM_MINIZIP=ON"],
-            upon=("minizip",)),
+            # It reads zlib's version from a header that it looks for beside minizip's.
+            first=(["sed", "-i", "s/{MINIZIP_INCLUDE_DIRS}.zlib.h/{ZLIB_INCLUDE_DIRS}\\/zlib.h/",
+                    "cmake/FindMINIZIP.cmake"],), upon=("minizip",)),
 ]
 
 
