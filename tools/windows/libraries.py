@@ -165,10 +165,10 @@ def build(library, version, prefix, below):
 
 def forget_others(wanted):
     """What other versions and ways of building left behind; it would fill the disk in time."""
-    names = {library.source for library in LIBRARIES}
+    names = tuple(library.source + "-" for library in LIBRARIES)
     for entry in CACHE.iterdir():
         stem = entry.name.removesuffix(".log")
-        if stem.rsplit("-", 2)[0] in names and CACHE / stem not in wanted:
+        if stem.startswith(names) and CACHE / stem not in wanted:
             shutil.rmtree(entry) if entry.is_dir() else entry.unlink()
 
 
