@@ -12,8 +12,9 @@ from pathlib import Path
 # Loaded by name, so that no program says that it needs them: the screen, work without one, and the system's own look.
 PLUGINS = ["platforms/qwindows.dll", "platforms/qoffscreen.dll", "styles/qwindowsvistastyle.dll"]
 COMPILER = "x86_64-w64-mingw32"
-# What Windows brings along, as Wine has it too.
+# What Windows brings along, as Wine has it too, and names that it has for parts of itself and no files.
 SYSTEM = [Path("/usr/lib/x86_64-linux-gnu/wine/x86_64-windows")]
+SYSTEM_PARTS = ("api-ms-win-", "ext-ms-win-")
 NEEDED = re.compile(r"^\s*DLL Name: (\S+)$", re.M)
 FONTS = Path("/usr/share/fonts/truetype/dejavu")
 LICENSES = Path("/usr/share/common-licenses")
@@ -40,7 +41,7 @@ def bring_libraries(folder, prefixes):
         listing = subprocess.run([f"{COMPILER}-objdump", "-p", waiting.pop()], capture_output=True, text=True,
                                  check=True).stdout
         for name in NEEDED.findall(listing):
-            if find(name, [folder]):
+            if name.lower().startswith(SYSTEM_PARTS) or find(name, [folder]):
                 continue
             found = find(name, places)
             if found:

@@ -1,5 +1,7 @@
 ; The installer: for one user, without an administrator's rights, into a folder that the user may write,
 ; because data files and logs lie beside the program.
+; For 64 bits like the program, so that Windows without the other kind takes it.
+Target amd64-unicode
 Unicode true
 !include "MUI2.nsh"
 !include "FileFunc.nsh"
@@ -31,23 +33,56 @@ VIAddVersionKey "LegalCopyright" "See the folder licenses"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
 
-; Data files are written into the program's folder, so it has to be one where that is possible.
-Function RequireWritable
+; Leaves in $0 whether the folder can be written: data files lie beside the program.
+Function TryToWrite
+    StrCpy $0 "no"
     CreateDirectory "$INSTDIR"
     ClearErrors
-    FileOpen $0 "$INSTDIR\writable.tmp" w
+    FileOpen $1 "$INSTDIR\writable.tmp" w
     IfErrors 0 writable
     RMDir "$INSTDIR"
+    Return
+writable:
+    FileClose $1
+    Delete "$INSTDIR\writable.tmp"
+    StrCpy $0 "yes"
+FunctionEnd
+
+Function RequireWritable
+    Call TryToWrite
+    StrCmp $0 "yes" writable
     MessageBox MB_OK|MB_ICONEXCLAMATION "You may not write into this folder, and TARN Prep keeps your data files beside \
 itself.$\r$\n$\r$\nThe folder that is offered now is yours."
     StrCpy $INSTDIR "$LOCALAPPDATA\Programs\TARN Prep"
     Abort
 writable:
-    FileClose $0
-    Delete "$INSTDIR\writable.tmp"
 FunctionEnd
 
+; Programs that run cannot be replaced or removed; that shows before anything is changed.
+!macro REQUIRE_CLOSED program name
+    try_${program}:
+    IfFileExists "$INSTDIR\${program}.exe" 0 closed_${program}
+    ClearErrors
+    FileOpen $1 "$INSTDIR\${program}.exe" a
+    IfErrors 0 close_${program}
+    MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "${name} is running. Close it, then try again." /SD IDCANCEL \
+        IDRETRY try_${program}
+    SetErrorLevel 1
+    Abort "${name} is running."
+    close_${program}:
+    FileClose $1
+    closed_${program}:
+!macroend
+
 Section
+    !insertmacro REQUIRE_CLOSED tarnprep "TARN Prep"
+    !insertmacro REQUIRE_CLOSED tarnreview "TARN Review"
+    ; Without pages, nobody has looked at the folder yet.
+    Call TryToWrite
+    StrCmp $0 "yes" writable
+    SetErrorLevel 1
+    Abort "You may not write into the folder $INSTDIR."
+writable:
     SetOutPath "$INSTDIR"
     File /r /x Costs "${STAGE}\*"
     ; Samples that were tried out and changed are the user's.
@@ -88,6 +123,8 @@ taken:
 SectionEnd
 
 Section "Uninstall"
+    !insertmacro REQUIRE_CLOSED tarnprep "TARN Prep"
+    !insertmacro REQUIRE_CLOSED tarnreview "TARN Review"
     ; The folder Costs and what the user put anywhere else stay.
     !include "${LIST}"
     Delete "$INSTDIR\TARN.LOG"
@@ -105,6 +142,8 @@ Section "Uninstall"
     DeleteRegValue HKCU "Software\Classes\.fcd" ""
 other:
     DeleteRegValue HKCU "Software\Classes\.fcd\OpenWithProgids" "${CLASS}"
+    DeleteRegKey /ifempty HKCU "Software\Classes\.fcd\OpenWithProgids"
+    DeleteRegKey /ifempty HKCU "Software\Classes\.fcd"
     DeleteRegKey HKCU "Software\Classes\${CLASS}"
     DeleteRegKey HKCU "${UNINSTALL}"
     System::Call 'shell32::SHChangeNotify(i 0x08000000, i 0, p 0, p 0)'
