@@ -48,7 +48,7 @@ format:
 	python3 tools/gates/formatting.py --fix
 
 clean:
-	rm -rf build build-sanitize build-bench build-coverage build-fuzz build-threads build-package build-windows
+	rm -rf build build-sanitize build-bench build-coverage build-fuzz build-threads build-package build-windows build-windows-program
 
 package:
 	packaging/build.sh

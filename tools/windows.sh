@@ -1,10 +1,16 @@
 #!/bin/sh
 # Builds for Windows with Debian's cross compiler and runs under Wine what can be run there: the engine with its tools
 # and tests, then the programs upon the libraries that tools/windows/libraries.py builds once.
-# Usage: tools/windows.sh [engine|program|package]   (without an argument, the engine)
+# Usage: tools/windows.sh [engine|program|package|tests]...
+#   engine    the engine alone, with its tools and its tests, which run
+#   program   all programs
+#   package   that, an archive and an installer, which is tried
+#   tests     the tests of all else, without windows on a screen; TARN_PLATFORM=windows puts them on a virtual display
+# Without an argument it does what `make windows` is to do: the programs, the engine's tests upon them, the package.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 toolchain=$root/tools/windows/mingw-w64.cmake
+window_tests="platform base datafile import worksheets shell gui"
 
 if ! command -v x86_64-w64-mingw32-g++-posix >/dev/null; then
     echo "The cross compiler is not installed, so nothing is built for Windows."
@@ -25,26 +31,79 @@ engine() {
         "$wine" "$build/bin/jet_tests.exe"
 }
 
-program() {
-    if [ -z "$wine" ]; then
-        echo "Wine is not installed; it makes the files beside the programs, which are left out."
-        return
-    fi
+# built TARGETS
+built() {
     build=$root/build-windows-program
     libraries=$("$root/tools/windows/libraries.py")
     mkdir -p "$build"
-    "$root/tools/build.sh" "$build" program -DTARN_TESTS=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    "$root/tools/build.sh" "$build" "$1" -DTARN_GATES=OFF -DCMAKE_BUILD_TYPE=Release \
+        "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG" \
         -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DTARN_WINDOWS_LIBRARIES="$libraries" \
         "-DCMAKE_CROSSCOMPILING_EMULATOR=env;WINEPREFIX=$build/wine;WINEDEBUG=-all;WINEDLLOVERRIDES=mscoree,mshtml=;$wine"
 }
 
+# under_wine PROGRAM [ARGUMENT...]
+# Wine keeps Qt's variables from its programs, and gives them what has its own name before theirs.
+under_wine() (
+    runtime=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)")
+    WINEPATH="Z:$runtime;Z:/usr/x86_64-w64-mingw32/lib"
+    for library in $(echo "$libraries" | tr ';' ' '); do
+        WINEPATH="$WINEPATH;Z:$library/bin"
+        if [ -d "$library/plugins" ]; then
+            export WINEQT_PLUGIN_PATH="Z:$library/plugins"
+        fi
+    done
+    export WINEPATH WINEQT_QPA_PLATFORM="${TARN_PLATFORM:-offscreen}"
+    export WINEQT_QPA_FONTDIR=Z:/usr/share/fonts/truetype/dejavu
+    WINEPREFIX="$build/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" "$wine" "$@"
+)
+
+program() {
+    built program
+}
+
 package() {
-    if [ -n "$wine" ]; then
-        program
-        "$root/packaging/windows/build.sh" "$build" "$libraries" "$root/build-package"
+    built program
+    "$root/packaging/windows/build.sh" "$build" "$libraries" "$root/build-package"
+    setup=$(find "$root/build-package" -name 'TARNPrep-*-setup.exe')
+    if [ -n "$setup" ]; then
+        "$root/tools/windows/install_test.sh" "$setup"
     fi
 }
 
-for part in ${1:-engine}; do
+engine_tests() {
+    built jet_tests
+    under_wine "$build/bin/jet_tests.exe"
+}
+
+tests() {
+    programs=""
+    for folder in $window_tests; do
+        programs="$programs ${folder}_tests"
+    done
+    built "program$programs"
+    if [ "${TARN_PLATFORM:-}" = windows ]; then
+        # shellcheck source=tools/tour/display.sh
+        . "$root/tools/tour/display.sh"
+        open_display 1280x900x24
+    fi
+    failed=""
+    for folder in $window_tests; do
+        under_wine "$build/bin/${folder}_tests.exe" --gtest_brief=1 || failed="$failed $folder"
+    done
+    if [ -n "$failed" ]; then
+        echo "Tests failed in:$failed" >&2
+        exit 1
+    fi
+}
+
+if [ $# -eq 0 ]; then
+    set -- engine_tests package
+fi
+for part in "$@"; do
+    if [ -z "$wine" ] && [ "$part" != engine ]; then
+        echo "Wine is not installed; it makes the files beside the programs, which are left out."
+        continue
+    fi
     "$part"
 done
