@@ -24,8 +24,6 @@ struct State {
 [[nodiscard]] State Remember();
 void Restore(const State& state);
 
-}  // namespace UIMode
-
 // BusyOn now, BusyOff at the end of the scope.
 class BusyScope {
 public:
@@ -34,3 +32,5 @@ public:
     BusyScope(const BusyScope&) = delete;
     BusyScope& operator=(const BusyScope&) = delete;
 };
+
+}  // namespace UIMode

@@ -3,6 +3,8 @@
 
 class QWidget;
 
+namespace datafile {
+
 class DatafileHost {
 public:
     virtual ~DatafileHost() = default;
@@ -14,3 +16,5 @@ public:
     // What dialogs are placed over; may be null.
     virtual QWidget* Frame() = 0;
 };
+
+}  // namespace datafile

@@ -22,6 +22,7 @@
 #include "platform/system/NativePath.h"
 #include "platform/system/ProgramFolder.h"
 
+using datafile::DatafileHost;
 using PrepDatatables::dbDatafile;
 using PrepDatatables::tblProperties;
 

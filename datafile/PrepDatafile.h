@@ -8,7 +8,9 @@
 
 #include <cstdint>
 
+namespace datafile {
 class DatafileHost;
+}
 
 namespace PrepDatafile {
 
@@ -16,7 +18,7 @@ enum class Result : std::int16_t { kOpened = 1, kCancelled = 2, kFailed = 3 };
 using enum Result;
 
 // What the operations below ask of the shell; null, and they ask for nothing.
-void SetHost(DatafileHost* host);
+void SetHost(datafile::DatafileHost* host);
 
 [[nodiscard]] bool IsDatafileOpen();
 // The name of the open file without its folder, and its whole path.

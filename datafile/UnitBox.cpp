@@ -9,6 +9,10 @@
 #include <algorithm>
 #include <utility>
 
+using platform::PasteBox;
+
+namespace datafile {
+
 namespace {
 
 bool IsBetween(QChar character, char first, char last) {
@@ -129,3 +133,5 @@ void UnitBox::mouseReleaseEvent(QMouseEvent* event) {
         setSelection(0, 2);
     }
 }
+
+}  // namespace datafile

@@ -8,7 +8,9 @@
 
 #include "platform/controls/PasteBox.h"
 
-class UnitBox : public PasteBox {
+namespace datafile {
+
+class UnitBox : public platform::PasteBox {
     Q_OBJECT
 
 public:
@@ -48,3 +50,5 @@ private:
     bool clickedIn_ = false;
     bool byProgram_ = false;
 };
+
+}  // namespace datafile

@@ -3,6 +3,8 @@
 #include "datafile/FieldNames.h"
 #include "platform/dao/IndexScope.h"
 
+namespace datafile {
+
 namespace {
 
 const QString kUnitID = QStringLiteral("UnitID");
@@ -110,3 +112,5 @@ int UnitFinder::StepBack(int steps) {
     }
     return taken;
 }
+
+}  // namespace datafile

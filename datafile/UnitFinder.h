@@ -10,6 +10,8 @@
 #include "platform/dao/Database.h"
 #include "platform/dao/Recordset.h"
 
+namespace datafile {
+
 class UnitFinder {
 public:
     enum class Code { kNotFound = 21, kFound = 22, kInSeveralStates = 23 };
@@ -60,3 +62,5 @@ private:
     std::unique_ptr<dao::Recordset> properties_;
     std::unique_ptr<dao::Recordset> units_;
 };
+
+}  // namespace datafile

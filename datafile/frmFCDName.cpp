@@ -18,6 +18,9 @@
 #include "platform/system/ProgramFolder.h"
 #include "platform/system/Screen.h"
 
+using datafile::UnitFinder;
+using UIMode::BusyScope;
+
 namespace {
 
 constexpr int kNameColumn = 0;

@@ -14,8 +14,11 @@ class QLayout;
 class QLineEdit;
 class QPushButton;
 class SSPanel;
-class UnitBox;
 class vsFlexGrid;
+
+namespace datafile {
+class UnitBox;
+}
 
 class frmFCDName : public QDialog {
     Q_OBJECT
@@ -44,8 +47,8 @@ public:
     void SetupGrid();
     bool OpenNameTables();
     void CloseNameTables();
-    UnitFinder::Code GetUnit(const QString& id);
-    UnitFinder::Code GetUnitState(const QString& id, const QString& state);
+    datafile::UnitFinder::Code GetUnit(const QString& id);
+    datafile::UnitFinder::Code GetUnitState(const QString& id, const QString& state);
     void GetMatchingIDs(const QString& text);
     void GetMatchingNames(const QString& text);
     void CreateFileTitle();
@@ -88,7 +91,7 @@ private:
     bool LookUpState();
     void ShowUnitName(const QString& name);
     // `column` is the one that was searched for `text`.
-    void ShowUnits(const UnitFinder::Listing& listing, int column, const QString& text);
+    void ShowUnits(const datafile::UnitFinder::Listing& listing, int column, const QString& text);
     // Selects the whole row of the list's current unit.
     void MarkCurrentUnit();
     // Marks the unit that the boxes name, and lists it first where it is not listed.
@@ -99,16 +102,16 @@ private:
     // of a unit that was found before.
     void DropStaleTitle();
 
-    UnitFinder finder_;
+    datafile::UnitFinder finder_;
     QString reason_;  // why the unit names could not be opened
     Outcome outcome_;
     bool loaded_ = false;
     bool yearIsMissing_ = false;  // the title was dropped only because the year is being retyped
 
-    UnitBox* txtUnitID_ = nullptr;
+    datafile::UnitBox* txtUnitID_ = nullptr;
     QLineEdit* txtUnitName_ = nullptr;
-    UnitBox* txtState_ = nullptr;
-    UnitBox* txtYear_ = nullptr;
+    datafile::UnitBox* txtState_ = nullptr;
+    datafile::UnitBox* txtYear_ = nullptr;
     QLineEdit* txtFileTitle_ = nullptr;
     QLabel* lblExtension_ = nullptr;
     QLabel* lblTie_ = nullptr;

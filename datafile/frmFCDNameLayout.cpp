@@ -20,6 +20,9 @@
 #include "platform/help/HelpViewer.h"
 #include "platform/system/Twips.h"
 
+using datafile::UnitBox;
+using platform::ScrolledPage;
+
 namespace {
 
 constexpr int kHelpContextId = 70;

@@ -2,6 +2,8 @@
 
 #include "datafile/FieldReaders.h"
 
+namespace mImport {
+
 BramFile::BramFile(const QString& path)
     : database_(dao::Database::Open(path, dao::OpenMode::kShared)),
       zones_(database_->OpenTable(QStringLiteral("FMZ"))),
@@ -53,3 +55,5 @@ const BramFile::Levels& BramFile::ValuesOf(const QVariant& tableID, int resource
     }
     return *read_.insert(row, values);
 }
+
+}  // namespace mImport

@@ -19,6 +19,8 @@
 #include "platform/dao/Database.h"
 #include "platform/dao/Recordset.h"
 
+namespace mImport {
+
 class BramFile {
 public:
     // One value for each FIL level, counted from 0 here.
@@ -50,3 +52,5 @@ private:
     std::unique_ptr<dao::Recordset> values_;
     QHash<std::pair<QString, int>, Levels> read_;
 };
+
+}  // namespace mImport

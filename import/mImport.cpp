@@ -20,11 +20,11 @@
 #include "platform/system/Pointer.h"
 #include "platform/system/ProgramFolder.h"
 
+namespace mImport {
+
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
 using PrepDatatables::tblSuppressionPerAcreCost;
-
-namespace mImport {
 
 namespace {
 

@@ -13,6 +13,8 @@
 
 class QWidget;
 
+namespace mImport {
+
 // What a long import reports of its progress. It is called before each zone, so whoever shows
 // something must not let the user change anything meanwhile.
 class ImportProgress {
@@ -20,8 +22,6 @@ public:
     virtual ~ImportProgress() = default;
     virtual void ZoneStarted(int zone, int zones) = 0;  // numbered from 1
 };
-
-namespace mImport {
 
 enum class Result : std::int16_t {
     kFailed = 0,  // an error part-way, which was rethrown

@@ -18,6 +18,8 @@
 
 class QWidget;
 
+namespace plots {
+
 // What a chart can show. No content is a chart that says so.
 using ChartContent = std::variant<std::monostate, review::CostChart, review::TotalsChart,
                                   review::HeatMap, review::BarChart>;
@@ -72,4 +74,6 @@ public:
     virtual int HeightOf(const ChartContent& content, int width) = 0;
 };
 
-Q_DECLARE_INTERFACE(ChartLibrary, "TARNPrep.ChartLibrary")
+}  // namespace plots
+
+Q_DECLARE_INTERFACE(plots::ChartLibrary, "TARNPrep.ChartLibrary")

@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 
+using platform::LivePlot;
+
 namespace plots {
 
 namespace {

@@ -6,6 +6,6 @@
 namespace plots {
 
 // An empty one; the parent owns its widget, which owns it.
-LivePlot& MakeLivePlot(QWidget& parent);
+platform::LivePlot& MakeLivePlot(QWidget& parent);
 
 }  // namespace plots

@@ -3,6 +3,10 @@
 #include "plots/Chart.h"
 #include "plots/LivePlots.h"
 
+using platform::LivePlot;
+
+namespace plots {
+
 LivePlot& PlotsPlugin::MakePlot(QWidget& parent) {
     return plots::MakeLivePlot(parent);
 }
@@ -26,3 +30,5 @@ int PlotsPlugin::HeightOf(const ChartContent& content, int width) {
     chart.Show(content, {}, {});
     return chart.minimumSizeHint().height();
 }
+
+}  // namespace plots

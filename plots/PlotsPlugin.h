@@ -6,14 +6,18 @@
 #include "platform/plots/PlotLibrary.h"
 #include "plots/ChartLibrary.h"
 
-class PlotsPlugin : public QObject, public PlotLibrary, public ChartLibrary {
+namespace plots {
+
+class PlotsPlugin : public QObject, public platform::PlotLibrary, public ChartLibrary {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID "TARNPrep.PlotLibrary")
-    Q_INTERFACES(PlotLibrary ChartLibrary)
+    Q_INTERFACES(platform::PlotLibrary plots::ChartLibrary)
 
 public:
-    LivePlot& MakePlot(QWidget& parent) override;
+    platform::LivePlot& MakePlot(QWidget& parent) override;
     ChartView& MakeChart(QWidget& parent) override;
     QImage Picture(const ChartContent& content, int width, const ChartLook& look) override;
     int HeightOf(const ChartContent& content, int width) override;
 };
+
+}  // namespace plots

@@ -14,6 +14,9 @@
 #include "worksheets/resources/frm3SRMaster.h"
 #include "worksheets/zones/frm4FMZs.h"
 
+using worksheets::Worksheet;
+using worksheets::WorksheetHost;
+
 namespace Worksheets {
 namespace {
 

@@ -8,8 +8,11 @@
 #include <span>
 
 class QWidget;
+
+namespace worksheets {
 class Worksheet;
 class WorksheetHost;
+}  // namespace worksheets
 
 namespace Worksheets {
 
@@ -20,7 +23,8 @@ struct Line {
     // What is said where the file has no zone and the worksheet needs one; null where it needs
     // none.
     const char* refusalWithoutZone;
-    std::unique_ptr<Worksheet> (*make)(WorksheetHost& host, QWidget* parent);
+    std::unique_ptr<worksheets::Worksheet> (*make)(worksheets::WorksheetHost& host,
+                                                   QWidget* parent);
 };
 
 [[nodiscard]] std::span<const Line> Lines();

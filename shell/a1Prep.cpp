@@ -18,6 +18,8 @@
 #include "shell/frm0_Prep.h"
 #include "shell/frmTabs.h"
 
+using datafile::DatafileHost;
+
 namespace {
 
 // What a person reads, in the language of the screen.

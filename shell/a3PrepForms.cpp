@@ -11,6 +11,9 @@
 #include "shell/frmTabs.h"
 #include "worksheets/Worksheet.h"
 
+using worksheets::Worksheet;
+using worksheets::WorksheetHost;
+
 namespace {
 
 constexpr int kIntroduction = 1;

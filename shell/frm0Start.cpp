@@ -23,6 +23,7 @@
 
 using base::Entry;
 using base::Handle;
+using platform::ScrolledPage;
 
 namespace {
 

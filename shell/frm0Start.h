@@ -11,7 +11,10 @@ class QLabel;
 class QPushButton;
 class QVBoxLayout;
 class SSPanel;
+
+namespace platform {
 class ScrolledPage;
+}
 
 class frm0Start : public QWidget {
     Q_OBJECT
@@ -55,7 +58,7 @@ private:
     FLabel* flbStart_ = nullptr;
     QPushButton* cmdNew_ = nullptr;
     QLabel* lblCopyright_;
-    ScrolledPage* column_;
+    platform::ScrolledPage* column_;
     QSize fittedSize_;  // what sizes and fonts were last chosen for
     QFont fittedFont_;
 };

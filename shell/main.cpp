@@ -13,6 +13,8 @@
 #include "shell/Scenery.h"
 #include "shell/frm0_Prep.h"
 
+using platform::LegibleStyle;
+
 int main(int argc, char* argv[]) {
     const QString commandLine = platform::CommandLine(argc, argv);
     int programNameOnly = 1;

@@ -4,6 +4,11 @@
 
 #include "platform/system/LateLibrary.h"
 
+using plots::ChartContent;
+using plots::ChartLibrary;
+using plots::ChartLook;
+using plots::ChartView;
+
 namespace {
 
 ChartLibrary* Library() {

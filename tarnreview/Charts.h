@@ -6,10 +6,10 @@
 namespace Charts {
 
 // A chart in a widget, named like everything in the window; null when the library is not there.
-ChartView* Make(QWidget& parent, const char* name, const QString& accessibleName);
+plots::ChartView* Make(QWidget& parent, const char* name, const QString& accessibleName);
 
 // A chart as a picture, and the height that it takes; nothing, and 0, without the library.
-QImage Picture(const ChartContent& content, int width, const ChartLook& look);
-int HeightOf(const ChartContent& content, int width);
+QImage Picture(const plots::ChartContent& content, int width, const plots::ChartLook& look);
+int HeightOf(const plots::ChartContent& content, int width);
 
 }  // namespace Charts

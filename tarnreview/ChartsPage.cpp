@@ -18,6 +18,12 @@
 #include "tarnreview/PlaceView.h"
 #include "tarnreview/ReviewCase.h"
 
+using platform::ScrolledPage;
+using plots::ChartSpot;
+using plots::ChartView;
+
+namespace tarnreview {
+
 using Parts::Text;
 using platform::EventTrap::Trapped;
 
@@ -208,3 +214,5 @@ void ChartsPage::Arrange() {
     grid_->setColumnStretch(0, 1);
     grid_->setColumnStretch(1, columns == 2 ? 1 : 0);
 }
+
+}  // namespace tarnreview

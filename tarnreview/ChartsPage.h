@@ -11,13 +11,16 @@
 class QComboBox;
 class QGridLayout;
 class QLabel;
+
+namespace tarnreview {
+
 class ReviewCase;
 
 class ChartsPage : public QWidget {
     Q_OBJECT
 
 public:
-    ChartsPage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent);
+    ChartsPage(const ReviewCase& reviewed, const plots::ChartView::Tell& tell, QWidget* parent);
 
     // After a file has been read; the zone and the location stay where they are still there.
     void ShowFile();
@@ -29,7 +32,7 @@ protected:
 
 private:
     [[nodiscard]] QWidget* BuildChoices();
-    void BuildCharts(const ChartView::Tell& tell);
+    void BuildCharts(const plots::ChartView::Tell& tell);
     void FillLocations();
     void ShowZone();
     void ShowLocation();
@@ -40,10 +43,12 @@ private:
     QComboBox* cboLocation_ = nullptr;
     QWidget* ground_ = nullptr;
     QGridLayout* grid_ = nullptr;
-    ChartView* pltNVC_ = nullptr;
-    ChartView* pltHeat_ = nullptr;
-    ChartView* pltCost_ = nullptr;
-    ChartView* pltResources_ = nullptr;
+    plots::ChartView* pltNVC_ = nullptr;
+    plots::ChartView* pltHeat_ = nullptr;
+    plots::ChartView* pltCost_ = nullptr;
+    plots::ChartView* pltResources_ = nullptr;
     double largest_ = 0;  // the amount that is darkest in all heat maps
     int columns_ = 0;
 };
+
+}  // namespace tarnreview

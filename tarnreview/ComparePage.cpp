@@ -16,6 +16,11 @@
 #include "tarnreview/Parts.h"
 #include "tarnreview/ReviewCase.h"
 
+using plots::ChartSpot;
+using plots::ChartView;
+
+namespace tarnreview {
+
 using Parts::Text;
 using platform::EventTrap::Trapped;
 
@@ -102,3 +107,5 @@ void ComparePage::MarkDifference(int row) {
     const qsizetype bar = changes_.indexOf(differences_.Text(row + 1, 2));
     pltChange_->Mark(bar < 0 ? std::nullopt : std::optional(ChartSpot{0, static_cast<int>(bar)}));
 }
+
+}  // namespace tarnreview

@@ -7,14 +7,17 @@
 #include "tarnreview/TextTable.h"
 
 class QLabel;
-class ReviewCase;
 class vsFlexGrid;
+
+namespace tarnreview {
+
+class ReviewCase;
 
 class ComparePage : public QWidget {
     Q_OBJECT
 
 public:
-    ComparePage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent);
+    ComparePage(const ReviewCase& reviewed, const plots::ChartView::Tell& tell, QWidget* parent);
     ~ComparePage() override;
 
     // After a file, or last year's, has been read.
@@ -27,6 +30,8 @@ private:
     TextTable differences_;
     QLabel* lblCompared_ = nullptr;
     vsFlexGrid* grdDifferences_ = nullptr;
-    ChartView* pltChange_ = nullptr;
+    plots::ChartView* pltChange_ = nullptr;
     QStringList changes_;  // the places of the chart's bars
 };
+
+}  // namespace tarnreview

@@ -4,6 +4,8 @@
 
 #include "platform/EventTrap.h"
 
+namespace tarnreview {
+
 using platform::EventTrap::Trapped;
 
 namespace {
@@ -40,3 +42,5 @@ void FileWatch::Restart() {
     }
     rest_.start();
 }
+
+}  // namespace tarnreview

@@ -4,6 +4,8 @@
 #include <QFileSystemWatcher>
 #include <QTimer>
 
+namespace tarnreview {
+
 class FileWatch : public QObject {
     Q_OBJECT
 
@@ -23,3 +25,5 @@ private:
     QTimer rest_;
     QString path_;
 };
+
+}  // namespace tarnreview

@@ -16,6 +16,11 @@
 #include "tarnreview/Parts.h"
 #include "tarnreview/ReviewCase.h"
 
+using platform::ScrolledPage;
+using plots::ChartView;
+
+namespace tarnreview {
+
 using Parts::Text;
 using platform::EventTrap::Trapped;
 
@@ -217,3 +222,5 @@ void FindingsPage::resizeEvent(QResizeEvent* event) {
         splitter_->setSizes({half, half});
     }
 }
+
+}  // namespace tarnreview

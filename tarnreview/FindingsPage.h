@@ -12,14 +12,17 @@
 
 class QLabel;
 class QSplitter;
-class ReviewCase;
 class vsFlexGrid;
+
+namespace tarnreview {
+
+class ReviewCase;
 
 class FindingsPage : public QWidget {
     Q_OBJECT
 
 public:
-    FindingsPage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent);
+    FindingsPage(const ReviewCase& reviewed, const plots::ChartView::Tell& tell, QWidget* parent);
     ~FindingsPage() override;
 
     // After a file has been read.
@@ -33,7 +36,7 @@ protected:
 
 private:
     [[nodiscard]] QWidget* BuildList();
-    [[nodiscard]] QWidget* BuildPlace(const ChartView::Tell& tell);
+    [[nodiscard]] QWidget* BuildPlace(const plots::ChartView::Tell& tell);
     void Choose(int row);
     void ShowPlace(const PlaceView& view);
     void ShowTable(const review::Table& table);
@@ -51,6 +54,8 @@ private:
     QLabel* lblAdvice_ = nullptr;
     QLabel* lblTable_ = nullptr;
     vsFlexGrid* grdPlace_ = nullptr;
-    ChartView* pltPlace_ = nullptr;
+    plots::ChartView* pltPlace_ = nullptr;
     bool isDivided_ = false;
 };
+
+}  // namespace tarnreview

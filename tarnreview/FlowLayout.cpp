@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace tarnreview {
+
 FlowLayout::FlowLayout(QWidget* parent) : QLayout(parent) {
     setContentsMargins(0, 0, 0, 0);
 }
@@ -65,3 +67,5 @@ int FlowLayout::Arrange(const QRect& area, bool place) const {
     }
     return y + line - area.top();
 }
+
+}  // namespace tarnreview

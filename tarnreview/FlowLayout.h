@@ -5,6 +5,8 @@
 
 #include <vector>
 
+namespace tarnreview {
+
 class FlowLayout : public QLayout {
     Q_OBJECT
 
@@ -29,3 +31,5 @@ private:
 
     std::vector<QLayoutItem*> items_;
 };
+
+}  // namespace tarnreview

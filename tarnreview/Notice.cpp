@@ -8,6 +8,8 @@
 #include "platform/EventTrap.h"
 #include "tarnreview/Parts.h"
 
+namespace tarnreview {
+
 using platform::EventTrap::Trapped;
 
 Notice::Notice(const QString& name, const QString& accept, QWidget* parent) : QFrame(parent) {
@@ -42,3 +44,5 @@ void Notice::Offer(const QString& words) {
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
 }
+
+}  // namespace tarnreview

@@ -6,6 +6,8 @@
 class QLabel;
 class QPushButton;
 
+namespace tarnreview {
+
 class Notice : public QFrame {
     Q_OBJECT
 
@@ -25,3 +27,5 @@ private:
     QLabel* label_;
     QPushButton* accept_;
 };
+
+}  // namespace tarnreview

@@ -12,6 +12,8 @@
 #include "platform/system/Twips.h"
 #include "tarnreview/TextTable.h"
 
+using tarnreview::TextTable;
+
 namespace Parts {
 
 namespace {

@@ -11,8 +11,11 @@
 class QLabel;
 class QPushButton;
 class QWidget;
-class TextTable;
 class vsFlexGrid;
+
+namespace tarnreview {
+class TextTable;
+}
 
 namespace Parts {
 
@@ -27,10 +30,10 @@ QLabel* Words(QWidget* parent, const char* name, const QString& accessibleName);
 
 // A grid to read: headings, and the room that each column's texts need, the last one the rest.
 vsFlexGrid* List(QWidget* parent, const char* name, const QString& accessibleName,
-                 const QStringList& headings, TextTable& table);
+                 const QStringList& headings, tarnreview::TextTable& table);
 // After the rows of its table have changed. `most`: no column gets more characters; the last one,
 // where it holds texts, gets what the others leave.
 // `room`: the width that the grid is going to have, in pixels.
-void ShowRows(vsFlexGrid& grid, const TextTable& table, int most, int room);
+void ShowRows(vsFlexGrid& grid, const tarnreview::TextTable& table, int most, int room);
 
 }  // namespace Parts

@@ -12,6 +12,10 @@
 #include "season/text.h"
 #include "tarnreview/Parts.h"
 
+using plots::ChartSpot;
+
+namespace tarnreview {
+
 using Parts::Text;
 
 namespace {
@@ -261,3 +265,5 @@ PlaceView PlaceOfFinding(const season::Season& season, const review::Finding& fi
     }
     return view;
 }
+
+}  // namespace tarnreview

@@ -10,15 +10,17 @@
 #include "review/finding.h"
 #include "season/season.h"
 
+namespace tarnreview {
+
 struct PlaceView {
     QString title;
     review::Table table;
     int row = -1;    // of the table, from 0; -1: none
     int column = 0;  // of the table
-    ChartContent chart;
+    plots::ChartContent chart;
     QString chartTitle;
     QString chartPlace;
-    std::optional<ChartSpot> spot;
+    std::optional<plots::ChartSpot> spot;
 };
 
 PlaceView PlaceOfFinding(const season::Season& season, const review::Finding& finding);
@@ -28,7 +30,9 @@ const season::Zone* ZoneAt(const season::Season& season, const review::Place& pl
 // What costs what, the dearest first.
 review::BarChart ResourceCosts(const season::Season& season);
 // The step of the chart that a class is drawn as; nothing when it is not.
-std::optional<ChartSpot> StepOf(const review::CostChart& chart, const season::Zone& zone,
-                                int sizeClass);
+std::optional<plots::ChartSpot> StepOf(const review::CostChart& chart, const season::Zone& zone,
+                                       int sizeClass);
 // The row of an NVC resource of this name, from 0; -1 for none.
 int RowOfResource(const season::Season& season, const std::string& name);
+
+}  // namespace tarnreview

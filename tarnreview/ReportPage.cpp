@@ -12,6 +12,8 @@
 #include "tarnreview/ReviewCase.h"
 #include "tarnreview/SaveAs.h"
 
+namespace tarnreview {
+
 using platform::EventTrap::Trapped;
 
 namespace {
@@ -93,3 +95,5 @@ void ReportPage::ShowPart(int part) {
     const int section = part < 0 ? -1 : cboPart_->itemData(part).toInt();
     txtReport_->ShowDocument(report_, section);
 }
+
+}  // namespace tarnreview

@@ -6,6 +6,9 @@
 #include "review/document.h"
 
 class QComboBox;
+
+namespace tarnreview {
+
 class ReportText;
 class ReviewCase;
 
@@ -32,3 +35,5 @@ private:
     QComboBox* cboPart_;
     ReportText* txtReport_;
 };
+
+}  // namespace tarnreview

@@ -7,6 +7,10 @@
 #include "tarnreview/Charts.h"
 #include "tarnreview/Parts.h"
 
+using plots::ChartContent;
+
+namespace tarnreview {
+
 using Parts::Text;
 
 namespace {
@@ -130,3 +134,5 @@ QVariant ReportText::loadResource(int type, const QUrl& name) {
     }
     return Charts::Picture(charts_[at], kPictureWidth, {font(), palette(), devicePixelRatioF()});
 }
+
+}  // namespace tarnreview

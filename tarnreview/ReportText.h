@@ -8,6 +8,8 @@
 #include "plots/ChartLibrary.h"
 #include "review/document.h"
 
+namespace tarnreview {
+
 class ReportText : public QTextBrowser {
     Q_OBJECT
 
@@ -21,7 +23,9 @@ public:
 private:
     void AddSection(QString& html, const review::Section& section);
     void AddTable(QString& html, const review::Table& table);
-    void AddChart(QString& html, const ChartContent& chart, const review::ChartWords& words);
+    void AddChart(QString& html, const plots::ChartContent& chart, const review::ChartWords& words);
 
-    std::vector<ChartContent> charts_;
+    std::vector<plots::ChartContent> charts_;
 };
+
+}  // namespace tarnreview

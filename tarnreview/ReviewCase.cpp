@@ -13,6 +13,8 @@
 #include "season/data_file.h"
 #include "season/file_name.h"
 
+namespace tarnreview {
+
 namespace fs = std::filesystem;
 
 std::optional<FileStamp> StampOf(const fs::path& path) {
@@ -98,3 +100,5 @@ QString ReviewCase::Summary() const {
     }
     return parts.join(QStringLiteral(", "));
 }
+
+}  // namespace tarnreview

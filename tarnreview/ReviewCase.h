@@ -16,6 +16,8 @@
 #include "review/finding.h"
 #include "season/season.h"
 
+namespace tarnreview {
+
 // By which a change of a file, or of the log beside it, is noticed.
 struct FileStamp {
     std::uintmax_t bytes = 0;
@@ -62,3 +64,5 @@ private:
     std::vector<review::Finding> findings_;
     std::vector<review::Difference> differences_;
 };
+
+}  // namespace tarnreview

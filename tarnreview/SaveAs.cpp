@@ -17,6 +17,8 @@
 #include "season/text.h"
 #include "tarnreview/ReviewCase.h"
 
+using tarnreview::ReviewCase;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -7,7 +7,9 @@
 #include <filesystem>
 #include <string>
 
+namespace tarnreview {
 class ReviewCase;
+}
 
 namespace SaveAs {
 
@@ -16,12 +18,12 @@ std::string Today();
 
 // The kinds that a file can be saved as, for a file dialog. The differences come last, where there
 // is a file to compare with.
-QStringList Filters(const ReviewCase& reviewed);
+QStringList Filters(const tarnreview::ReviewCase& reviewed);
 
 enum class What { kReport, kDifferences };
 
 // Saves by the ending of the name; differences are a web page. Throws std::runtime_error with a
 // sentence.
-void Save(const ReviewCase& reviewed, What what, const std::filesystem::path& path);
+void Save(const tarnreview::ReviewCase& reviewed, What what, const std::filesystem::path& path);
 
 }  // namespace SaveAs

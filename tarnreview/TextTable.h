@@ -8,7 +8,9 @@
 
 #include "platform/controls/GridTable.h"
 
-class TextTable : public GridTable {
+namespace tarnreview {
+
+class TextTable : public platform::GridTable {
 public:
     void SetRows(std::vector<QStringList> rows) { rows_ = std::move(rows); }
     // The column whose text names a row.
@@ -33,3 +35,5 @@ private:
     std::vector<QStringList> rows_;
     int nameColumn_ = 0;
 };
+
+}  // namespace tarnreview

@@ -12,6 +12,8 @@
 #include "season/file_name.h"
 #include "tarnreview/Parts.h"
 
+namespace tarnreview {
+
 namespace {
 
 constexpr int kHelpContextId = 92;
@@ -77,3 +79,5 @@ std::vector<std::string> frmNewYear::DroppedZones() const {
     }
     return names;
 }
+
+}  // namespace tarnreview

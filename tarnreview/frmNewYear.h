@@ -11,6 +11,8 @@
 class QListWidget;
 class QSpinBox;
 
+namespace tarnreview {
+
 class frmNewYear : public QDialog {
     Q_OBJECT
 
@@ -25,3 +27,5 @@ private:
     QSpinBox* txtYear_;
     QListWidget* lstZones_;
 };
+
+}  // namespace tarnreview

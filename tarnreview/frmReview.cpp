@@ -29,6 +29,8 @@
 #include "tarnreview/RecentFiles.h"
 #include "tarnreview/ReportPage.h"
 
+namespace tarnreview {
+
 using Parts::Text;
 using platform::EventTrap::Trapped;
 
@@ -229,3 +231,5 @@ void frmReview::dropEvent(QDropEvent* event) {
     // The program that the file was dragged from waits until this is over.
     QTimer::singleShot(0, this, Trapped("frmReview.Drop", [this, path] { OpenFile(path); }));
 }
+
+}  // namespace tarnreview

@@ -10,15 +10,18 @@
 
 #include "tarnreview/ReviewCase.h"
 
+class QLabel;
+class QMenu;
+class QPushButton;
+class QTabWidget;
+
+namespace tarnreview {
+
 class ChartsPage;
 class ComparePage;
 class FileWatch;
 class FindingsPage;
 class Notice;
-class QLabel;
-class QMenu;
-class QPushButton;
-class QTabWidget;
 class ReportPage;
 
 class frmReview : public QMainWindow {
@@ -83,3 +86,5 @@ private:
     ReportPage* report_ = nullptr;
     ComparePage* compare_ = nullptr;
 };
+
+}  // namespace tarnreview

@@ -27,6 +27,8 @@
 #include "tarnreview/frmNewYear.h"
 #include "tarnreview/frmReview.h"
 
+namespace tarnreview {
+
 using platform::EventTrap::Trapped;
 
 namespace fs = std::filesystem;
@@ -216,3 +218,5 @@ void frmReview::Help() {
     platform::HelpViewer::ShowContext(
         platform::HelpContextId(focusWidget() ? focusWidget() : this));
 }
+
+}  // namespace tarnreview

@@ -19,6 +19,9 @@
 #include "tarnreview/ReviewIcon.h"
 #include "tarnreview/frmReview.h"
 
+using platform::LegibleStyle;
+using tarnreview::frmReview;
+
 namespace {
 
 constexpr const char* kHelp =

@@ -9,6 +9,8 @@
 
 #include "base/Handle.h"
 
+namespace worksheets {
+
 namespace {
 
 constexpr int kRowsShown = 20;
@@ -81,3 +83,5 @@ void ChoiceBox::initStyleOption(QStyleOptionComboBox* option) const {
 void ChoiceBox::TellWhole() {
     setToolTip(currentText().toHtmlEscaped());
 }
+
+}  // namespace worksheets

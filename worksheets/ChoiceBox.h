@@ -9,6 +9,8 @@
 
 #include <QComboBox>
 
+namespace worksheets {
+
 class ChoiceBox : public QComboBox {
     Q_OBJECT
 
@@ -29,3 +31,5 @@ protected:
 private:
     void TellWhole();
 };
+
+}  // namespace worksheets

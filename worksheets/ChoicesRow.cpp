@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace worksheets {
+
 namespace {
 
 constexpr int kBetween = 24;  // between a box and the label of the next
@@ -79,3 +81,5 @@ void ChoicesRow::Arrange() {
     grid_->setColumnStretch(sideBySide ? 3 * count - 1 : 2, 1);
     updateGeometry();
 }
+
+}  // namespace worksheets

@@ -8,6 +8,8 @@
 
 class QGridLayout;
 
+namespace worksheets {
+
 class ChoicesRow : public QWidget {
     Q_OBJECT
 
@@ -37,3 +39,5 @@ private:
     int arranged_ = 0;  // how many of them stand as `sideBySide_` says
     bool sideBySide_ = true;
 };
+
+}  // namespace worksheets

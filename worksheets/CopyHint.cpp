@@ -5,6 +5,8 @@
 #include "worksheets/NoteLine.h"
 #include "worksheets/WorksheetPage.h"
 
+namespace worksheets {
+
 CopyHint::CopyHint(NoteLine& note, QWidget* parent)
     : QLabel(tr("Copy table: Ctrl+A, Ctrl+C"), parent) {
     setTextFormat(Qt::PlainText);
@@ -25,3 +27,5 @@ bool CopyHint::eventFilter(QObject* watched, QEvent* event) {
     }
     return QLabel::eventFilter(watched, event);
 }
+
+}  // namespace worksheets

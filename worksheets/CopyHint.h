@@ -4,6 +4,8 @@
 
 #include <QLabel>
 
+namespace worksheets {
+
 class NoteLine;
 
 class CopyHint : public QLabel {
@@ -15,3 +17,5 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
+
+}  // namespace worksheets

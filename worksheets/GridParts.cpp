@@ -11,6 +11,9 @@
 #include "worksheets/CopyHint.h"
 #include "worksheets/NoteLine.h"
 
+using worksheets::CopyHint;
+using worksheets::NoteLine;
+
 namespace {
 
 constexpr int kMostOfTheRoom = 1000;

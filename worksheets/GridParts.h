@@ -1,10 +1,13 @@
 // Small steps that the forms with a grid share.
 #pragma once
 
-class NoteLine;
 class QVBoxLayout;
 class QWidget;
 class vsFlexGrid;
+
+namespace worksheets {
+class NoteLine;
+}
 
 namespace GridParts {
 
@@ -20,6 +23,6 @@ void KeepPlace(QWidget& control);
 void AddFramed(QVBoxLayout& body, vsFlexGrid& grid, QWidget* beside = nullptr);
 // Puts the line below it: the grid's note, and how to copy the grid while there is none. `beside`
 // has a place of its own at the line's end.
-void AddNote(QVBoxLayout& body, NoteLine& note, QWidget* beside = nullptr);
+void AddNote(QVBoxLayout& body, worksheets::NoteLine& note, QWidget* beside = nullptr);
 
 }  // namespace GridParts

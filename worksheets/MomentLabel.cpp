@@ -6,6 +6,8 @@
 
 #include "platform/EventTrap.h"
 
+namespace worksheets {
+
 namespace {
 
 constexpr int kMoment = 4000;  // milliseconds, enough to look up from the keyboard and read it
@@ -48,3 +50,5 @@ void MomentLabel::Mark(bool marked) {
     }
     box_.setPalette(palette);
 }
+
+}  // namespace worksheets

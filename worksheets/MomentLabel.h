@@ -7,6 +7,8 @@
 
 class QLineEdit;
 
+namespace worksheets {
+
 class MomentLabel : public QLabel {
     Q_OBJECT
 
@@ -23,3 +25,5 @@ private:
     QLineEdit& box_;
     QTimer timer_;
 };
+
+}  // namespace worksheets

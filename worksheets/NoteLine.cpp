@@ -6,6 +6,8 @@
 #include "platform/EventTrap.h"
 #include "platform/controls/vsFlexGrid.h"
 
+using worksheets::NoteLine;
+
 NoteLine::NoteLine(vsFlexGrid& grid, QWidget* parent) : QLabel(parent) {
     setObjectName(QStringLiteral("lblNote"));
     setTextFormat(Qt::PlainText);

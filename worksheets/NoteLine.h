@@ -6,6 +6,8 @@
 
 class vsFlexGrid;
 
+namespace worksheets {
+
 class NoteLine : public QLabel {
     Q_OBJECT
 
@@ -20,3 +22,5 @@ public:
 private:
     void Show(const QString& sentence);
 };
+
+}  // namespace worksheets

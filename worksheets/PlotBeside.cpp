@@ -9,6 +9,11 @@
 #include "platform/plots/LatePlots.h"
 #include "platform/plots/PlotLibrary.h"
 
+using platform::LivePlot;
+using platform::PlotLibrary;
+
+namespace worksheets {
+
 namespace {
 
 constexpr int kFrameFrom = 1000;  // pixels of width
@@ -89,3 +94,5 @@ void PlotBeside::Arrange() {
         Refresh();
     }
 }
+
+}  // namespace worksheets

@@ -8,8 +8,13 @@
 
 #include <functional>
 
-class LivePlot;
 class vsFlexGrid;
+
+namespace platform {
+class LivePlot;
+}
+
+namespace worksheets {
 
 class PlotBeside : public QWidget {
     Q_OBJECT
@@ -17,7 +22,7 @@ class PlotBeside : public QWidget {
 public:
     // `show` gives the chart what it shows at that moment; it runs when the chart comes and at each
     // Refresh. `name` is the chart's own.
-    PlotBeside(vsFlexGrid& grid, const char* name, std::function<void(LivePlot&)> show,
+    PlotBeside(vsFlexGrid& grid, const char* name, std::function<void(platform::LivePlot&)> show,
                QWidget* parent);
 
     // After what is shown has changed.
@@ -37,7 +42,9 @@ private:
 
     vsFlexGrid& grid_;
     const char* name_;
-    std::function<void(LivePlot&)> show_;
-    LivePlot* plot_ = nullptr;
+    std::function<void(platform::LivePlot&)> show_;
+    platform::LivePlot* plot_ = nullptr;
     bool isWanted_ = false;  // the library has been asked for
 };
+
+}  // namespace worksheets

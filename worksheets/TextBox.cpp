@@ -5,6 +5,10 @@
 
 #include "platform/controls/FlexGridPastePlan.h"
 
+using platform::PasteBox;
+
+namespace worksheets {
+
 void TextBox::TakePasted(const QString& text) {
     if (!refused_) {
         PasteBox::TakePasted(text);
@@ -32,3 +36,5 @@ void TextBox::keyPressEvent(QKeyEvent* event) {
     }
     PasteBox::keyPressEvent(event);
 }
+
+}  // namespace worksheets

@@ -6,11 +6,13 @@
 
 #include "platform/controls/PasteBox.h"
 
-class TextBox : public PasteBox {
+namespace worksheets {
+
+class TextBox : public platform::PasteBox {
     Q_OBJECT
 
 public:
-    using PasteBox::PasteBox;
+    using platform::PasteBox::PasteBox;
 
     // Asked with the text of each typed key; the key is discarded when the answer is no. Pasting
     // is not typing.
@@ -31,3 +33,5 @@ private:
     std::function<bool(const QString&)> takes_;
     std::function<void()> refused_;
 };
+
+}  // namespace worksheets

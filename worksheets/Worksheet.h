@@ -4,6 +4,8 @@
 class QString;
 class QWidget;
 
+namespace worksheets {
+
 class Worksheet {
 public:
     virtual ~Worksheet() = default;
@@ -32,3 +34,5 @@ public:
     // Where forms live: the frame's client area.
     virtual QWidget& ClientArea() = 0;
 };
+
+}  // namespace worksheets

@@ -22,6 +22,11 @@
 #include "platform/help/HelpViewer.h"
 #include "worksheets/ChoiceBox.h"
 
+using platform::ScrolledPage;
+using worksheets::ChoiceBox;
+using worksheets::WorksheetHost;
+using worksheets::WorksheetPage;
+
 namespace {
 
 constexpr int kMargin = 16;

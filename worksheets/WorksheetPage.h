@@ -12,12 +12,15 @@
 #include "worksheets/Worksheet.h"
 #include "worksheets/undo/UndoHistory.h"
 
-class ChoiceBox;
 class QComboBox;
 class QKeySequence;
 class QLabel;
 class QVBoxLayout;
 class vsFlexGrid;
+
+namespace worksheets {
+
+class ChoiceBox;
 
 class WorksheetPage : public QWidget, public Worksheet {
     Q_OBJECT
@@ -92,6 +95,8 @@ private:
     QLabel* title_ = nullptr;
 };
 
+}  // namespace worksheets
+
 // The parts that pages and dialogs are made of.
 namespace PageParts {
 
@@ -105,7 +110,7 @@ QLabel* Label(QWidget* parent, const char* name, const QString& text);
 QLabel* Instruction(QWidget* parent, const char* name, const QString& text);
 using platform::Name;
 // A combo box that belongs to a label and is named like it; `characters`: how many it has room for.
-ChoiceBox* Choice(QWidget* parent, const char* name, QLabel& label, int characters);
+worksheets::ChoiceBox* Choice(QWidget* parent, const char* name, QLabel& label, int characters);
 // Makes an item current without a signal.
 void SelectSilently(QComboBox& box, int index);
 

@@ -6,6 +6,8 @@
 
 #include "platform/system/Twips.h"
 
+using platform::WrappedText;
+
 namespace {
 
 // A label of many words is given about this shape when nothing else decides it.

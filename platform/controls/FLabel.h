@@ -17,7 +17,7 @@ public:
     void SetCaption(const QString& caption);
 
     // The marks turned into paragraphs.
-    static std::vector<WrappedText::Paragraph> Paragraphs(const QString& caption);
+    static std::vector<platform::WrappedText::Paragraph> Paragraphs(const QString& caption);
     // What a screen reader says: the text without its marks.
     static QString ToPlainText(const QString& caption);
 
@@ -29,10 +29,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    [[nodiscard]] const WrappedText& Text() const;
+    [[nodiscard]] const platform::WrappedText& Text() const;
 
     QString caption_;
     // Measured when it is asked for, and in which font.
-    mutable std::optional<WrappedText> text_;
+    mutable std::optional<platform::WrappedText> text_;
     mutable QFont measured_;
 };

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace platform {
+
 void FlexGridCellEdit::Begin(const QString& text) {
     *this = FlexGridCellEdit();
     before_ = text;
@@ -31,3 +33,5 @@ bool FlexGridCellEdit::Allows(const QString& from, const QString& to, int longes
     }
     return kept == to.size();
 }
+
+}  // namespace platform

@@ -10,6 +10,8 @@
 
 #include "platform/controls/GridTable.h"
 
+namespace platform {
+
 class FlexGridCellEdit {
 public:
     // Opens an edit of a cell that holds this text.
@@ -42,3 +44,5 @@ private:
     std::optional<QString> offered_;
     GridTable::Answer answer_;
 };
+
+}  // namespace platform

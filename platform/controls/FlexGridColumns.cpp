@@ -13,6 +13,8 @@
 #include "platform/controls/FontScale.h"
 #include "platform/system/Twips.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kCellPadding = 4;
@@ -179,3 +181,5 @@ void FlexGridColumns::ApplyFont() {
     }
     FitFigures(model_.FixedRows(), model_.Rows() - 1);
 }
+
+}  // namespace platform

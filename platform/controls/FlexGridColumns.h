@@ -8,9 +8,12 @@
 
 #include <map>
 
+class QTableView;
+
+namespace platform {
+
 class FlexGridHeader;
 class FlexGridModel;
-class QTableView;
 
 class FlexGridColumns {
 public:
@@ -50,3 +53,5 @@ private:
     int digitWidth_ = 8;
     int fills_ = -1;
 };
+
+}  // namespace platform

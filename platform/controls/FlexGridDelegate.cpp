@@ -11,6 +11,8 @@
 #include "platform/controls/FlexGridModel.h"
 #include "platform/controls/FlexGridPaint.h"
 
+namespace platform {
+
 namespace {
 
 bool IsOneCell(const QAbstractItemView& view) {
@@ -101,3 +103,5 @@ bool FlexGridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     }
     return true;
 }
+
+}  // namespace platform

@@ -4,6 +4,8 @@
 
 #include <QStyledItemDelegate>
 
+namespace platform {
+
 class FlexGridDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -18,3 +20,5 @@ public:
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
 };
+
+}  // namespace platform

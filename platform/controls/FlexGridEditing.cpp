@@ -10,6 +10,8 @@
 #include "platform/controls/FlexGridEditor.h"
 #include "platform/controls/FlexGridModel.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kUnlimited = 32767;  // characters: the limit of every line edit
@@ -223,3 +225,5 @@ void FlexGridEditing::ReportKeyUp(int key) {
         emit KeyUpEdit(Row(), cell_.column(), key);
     }
 }
+
+}  // namespace platform

@@ -11,9 +11,12 @@
 #include "platform/controls/FlexGridCellEdit.h"
 #include "platform/controls/FlexGridOffers.h"
 
+class QTableView;
+
+namespace platform {
+
 class FlexGridEditor;
 class FlexGridModel;
-class QTableView;
 
 class FlexGridEditing : public QObject {
     Q_OBJECT
@@ -82,3 +85,5 @@ private:
     bool finishing_ = false;
     bool closing_ = false;
 };
+
+}  // namespace platform

@@ -15,6 +15,8 @@
 #include "platform/controls/FlexGridCellEdit.h"
 #include "platform/controls/FlexGridPaint.h"
 
+namespace platform {
+
 namespace {
 
 bool IsModifier(int key) {
@@ -257,3 +259,5 @@ void FlexGridEditor::OnTextEdited() {
     }
     emit Edited();
 }
+
+}  // namespace platform

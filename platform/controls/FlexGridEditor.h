@@ -11,6 +11,8 @@
 #include <QSet>
 #include <functional>
 
+namespace platform {
+
 class FlexGridLimit;
 
 class FlexGridEditor : public QLineEdit {
@@ -70,3 +72,5 @@ private:
     bool caret_ = false;
     QRect own_;  // the part that lies over the edited cell
 };
+
+}  // namespace platform

@@ -12,6 +12,8 @@
 #include "platform/controls/FlexGridModel.h"
 #include "platform/controls/FlexGridPaint.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kPadding = 4;
@@ -273,3 +275,5 @@ void FlexGridHeader::PaintBlock(QPainter& painter, const Block& block) const {
                           static_cast<int>(alignment), palette(), isEnabled(),
                           ShownLines(block).join(u'\n'), QPalette::ButtonText);
 }
+
+}  // namespace platform

@@ -4,6 +4,8 @@
 #include <QHeaderView>
 #include <vector>
 
+namespace platform {
+
 class FlexGridModel;
 
 class FlexGridHeader : public QHeaderView {
@@ -53,3 +55,5 @@ private:
     bool merged_ = false;
     QPoint pressed_;
 };
+
+}  // namespace platform

@@ -13,6 +13,8 @@
 #include "platform/controls/FlexGridPaste.h"
 #include "platform/controls/FlexGridSelection.h"
 
+namespace platform {
+
 namespace {
 
 using Way = FlexGridNavigation::Move;
@@ -276,3 +278,5 @@ FlexGridNavigation::Place FlexGridKeys::Current() const {
     const QModelIndex current = parts_.view.currentIndex();
     return {parts_.model.FixedRows() + current.row(), std::max(current.column(), 0)};
 }
+
+}  // namespace platform

@@ -4,8 +4,11 @@
 #include "platform/controls/FlexGridNavigation.h"
 #include "platform/controls/FlexGridParts.h"
 
-class FlexGridPaste;
 class QKeyEvent;
+
+namespace platform {
+
+class FlexGridPaste;
 
 class FlexGridKeys {
 public:
@@ -52,3 +55,5 @@ private:
     Ground ground_;
     FlexGridNavigation navigation_{ground_};
 };
+
+}  // namespace platform

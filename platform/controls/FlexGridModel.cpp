@@ -7,6 +7,8 @@
 #include "platform/controls/FlexGridNotes.h"
 #include "platform/text/Numbers.h"
 
+namespace platform {
+
 namespace {
 
 QString InOneLine(QString text) {
@@ -329,3 +331,5 @@ FlexGridModel::GridRow FlexGridModel::EmptyRow() const {
     row.cells.resize(columns_.size());
     return row;
 }
+
+}  // namespace platform

@@ -15,6 +15,8 @@
 
 #include "platform/controls/GridTable.h"
 
+namespace platform {
+
 struct FlexGridColumn {
     int twips = 960;
     bool hidden = false;
@@ -111,3 +113,5 @@ private:
     int fixedRows_ = 1;
     int rowNameColumn_ = 0;
 };
+
+}  // namespace platform

@@ -18,6 +18,8 @@
 #include "platform/controls/FlexGridSelection.h"
 #include "platform/system/Clipboard.h"
 
+namespace platform {
+
 void FlexGridMouse::Press(const QMouseEvent& event) {
     const QModelIndex index = parts_.view.indexAt(event.pos());
     if (!index.isValid()) {
@@ -172,3 +174,5 @@ void FlexGridMouse::SelectAll() {
         parts_.view.selectAll();
     }
 }
+
+}  // namespace platform

@@ -7,10 +7,13 @@
 
 #include "platform/controls/FlexGridParts.h"
 
-class FlexGridKeys;
-class FlexGridPaste;
 class QContextMenuEvent;
 class QMouseEvent;
+
+namespace platform {
+
+class FlexGridKeys;
+class FlexGridPaste;
 
 class FlexGridMouse {
     Q_DECLARE_TR_FUNCTIONS(FlexGridMouse)
@@ -42,3 +45,5 @@ private:
     QPersistentModelIndex clicked_;  // the cell of the last press, until a key comes
     bool pressed_ = false;           // the left button went down in a cell
 };
+
+}  // namespace platform

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 std::optional<FlexGridNavigation::Place> FlexGridNavigation::Lead(Move move, Place from) {
     if (move == Move::kTab || move == Move::kBacktab) {
         const std::optional<Place> stop = NextStop(from, move == Move::kTab ? 1 : -1);
@@ -84,3 +86,5 @@ std::optional<FlexGridNavigation::Place> FlexGridNavigation::NextStop(Place from
         }
     }
 }
+
+}  // namespace platform

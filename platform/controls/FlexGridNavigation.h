@@ -5,6 +5,8 @@
 
 #include <optional>
 
+namespace platform {
+
 class FlexGridNavigation {
 public:
     enum class Move {
@@ -65,3 +67,5 @@ private:
     const Ground& ground_;
     std::optional<int> runCol_;
 };
+
+}  // namespace platform

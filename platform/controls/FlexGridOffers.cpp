@@ -5,6 +5,8 @@
 
 #include "platform/controls/FlexGridModel.h"
 
+namespace platform {
+
 void FlexGridOffers::BeginAction(const QString& name) {
     if (model_.Table() != nullptr && !inAction_) {
         inAction_ = true;
@@ -141,3 +143,5 @@ FlexGridNotes::Cell FlexGridOffers::Named(const QModelIndex& cell) const {
 int FlexGridOffers::GridRow(const QModelIndex& cell) const {
     return cell.row() + model_.FixedRows();
 }
+
+}  // namespace platform

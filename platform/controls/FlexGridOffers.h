@@ -13,6 +13,8 @@
 #include "platform/controls/FlexGridNotes.h"
 #include "platform/controls/GridTable.h"
 
+namespace platform {
+
 class FlexGridModel;
 
 class FlexGridOffers : public QObject {
@@ -73,3 +75,5 @@ private:
     QList<QPersistentModelIndex> marked_;  // the cells that were marked, the latest last
     QString shown_;
 };
+
+}  // namespace platform

@@ -4,11 +4,14 @@
 
 #include <QString>
 
+class QTableView;
+
+namespace platform {
+
 class FlexGridEditing;
 class FlexGridModel;
 class FlexGridOffers;
 class FlexGridSelection;
-class QTableView;
 
 class FlexGridHost {
 public:
@@ -35,3 +38,5 @@ struct FlexGridParts {
     FlexGridOffers& offers;
     FlexGridEditing& editing;
 };
+
+}  // namespace platform

@@ -10,6 +10,8 @@
 #include "platform/dialogs/MsgBox.h"
 #include "platform/system/Clipboard.h"
 
+namespace platform {
+
 namespace {
 
 using FlexGridPastePlan::Why;
@@ -343,3 +345,5 @@ QString FlexGridPaste::RefusedLine(const Refusal& refusal) const {
 int FlexGridPaste::Row(const QModelIndex& cell) const {
     return cell.row() + parts_.model.FixedRows();
 }
+
+}  // namespace platform

@@ -11,6 +11,8 @@
 #include "platform/controls/FlexGridParts.h"
 #include "platform/controls/FlexGridPastePlan.h"
 
+namespace platform {
+
 class FlexGridPaste {
     Q_DECLARE_TR_FUNCTIONS(FlexGridPaste)
 
@@ -54,3 +56,5 @@ private:
 
     FlexGridParts parts_;
 };
+
+}  // namespace platform

@@ -5,6 +5,8 @@
 
 #include "platform/text/Numbers.h"
 
+using platform::GridTable;
+
 namespace FlexGridPastePlan {
 namespace {
 

@@ -35,7 +35,7 @@ public:
     [[nodiscard]] virtual int Cols() const = 0;
     [[nodiscard]] virtual bool IsShown(int col) const = 0;
     // Of a row beyond the end: what it would take once it has been added.
-    [[nodiscard]] virtual GridTable::Takes Takes(int row, int col) const = 0;
+    [[nodiscard]] virtual platform::GridTable::Takes Takes(int row, int col) const = 0;
     [[nodiscard]] virtual int MaxLength(int col) const = 0;  // 0: any length
     [[nodiscard]] virtual QString Text(int row, int col) const = 0;
 };

@@ -6,6 +6,8 @@
 
 #include "platform/controls/FlexGridModel.h"
 
+namespace platform {
+
 // The row may have gone with what the end of the edit before led to.
 bool FlexGridSelection::MoveTo(int row, int col, bool extend) {
     const QModelIndex target = model_.index(row - model_.FixedRows(), col);
@@ -73,3 +75,5 @@ QModelIndexList FlexGridSelection::Cells() const {
     std::sort(cells.begin(), cells.end());
     return cells;
 }
+
+}  // namespace platform

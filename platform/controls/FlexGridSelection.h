@@ -7,8 +7,11 @@
 #include <QModelIndexList>
 #include <QPersistentModelIndex>
 
-class FlexGridModel;
 class QTableView;
+
+namespace platform {
+
+class FlexGridModel;
 
 class FlexGridSelection {
 public:
@@ -48,3 +51,5 @@ private:
     QPersistentModelIndex anchor_;  // where the selected block begins
     int quiet_ = 0;
 };
+
+}  // namespace platform

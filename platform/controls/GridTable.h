@@ -15,6 +15,8 @@
 
 #include <QString>
 
+namespace platform {
+
 class GridTable {
 public:
     struct Answer {
@@ -61,3 +63,5 @@ public:
     virtual void BeginAction(const QString& name) = 0;
     virtual void EndAction() = 0;
 };
+
+}  // namespace platform

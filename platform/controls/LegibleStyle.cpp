@@ -11,6 +11,8 @@
 #include "platform/controls/FontScale.h"
 #include "platform/controls/LateIcon.h"
 
+namespace platform {
+
 namespace {
 
 constexpr double kLeastContrast = 3;  // of what need not be read letter by letter
@@ -250,3 +252,5 @@ QIcon LegibleStyle::standardIcon(StandardPixmap which, const QStyleOption* optio
                                       SP_ToolBarHorizontalExtensionButton, nullptr, nullptr);
     });
 }
+
+}  // namespace platform

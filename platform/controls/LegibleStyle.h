@@ -11,6 +11,8 @@
 #include <QPalette>
 #include <QProxyStyle>
 
+namespace platform {
+
 class LegibleStyle : public QProxyStyle {
     Q_OBJECT
 
@@ -30,3 +32,5 @@ public:
     [[nodiscard]] QIcon standardIcon(StandardPixmap standardIcon, const QStyleOption* option,
                                      const QWidget* widget) const override;
 };
+
+}  // namespace platform

@@ -11,6 +11,8 @@
 
 #include "platform/EventTrap.h"
 
+namespace platform {
+
 void PasteBox::TakePasted(const QString& text) {
     insert(text);
 }
@@ -57,3 +59,5 @@ void PasteBox::contextMenuEvent(QContextMenuEvent* event) {
     }
     menu->popup(event->globalPos());
 }
+
+}  // namespace platform

@@ -6,6 +6,8 @@
 #include <QLineEdit>
 #include <QString>
 
+namespace platform {
+
 class PasteBox : public QLineEdit {
     Q_OBJECT
 
@@ -24,3 +26,5 @@ protected:
 private:
     void Paste(QClipboard::Mode mode);
 };
+
+}  // namespace platform

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 constexpr QSize kWindowFrame(8, 40);
@@ -92,8 +94,6 @@ bool ScrolledPage::eventFilter(QObject* watched, QEvent* event) {
     }
     return QScrollArea::eventFilter(watched, event);
 }
-
-namespace platform {
 
 int HeightAtWidth(QWidget& widget, int width) {
     AskAgain(widget);

@@ -7,6 +7,8 @@
 
 class QDialog;
 
+namespace platform {
+
 class ScrolledPage : public QScrollArea {
     Q_OBJECT
 
@@ -26,8 +28,6 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 };
-
-namespace platform {
 
 // The height that a widget's layout needs at a width, with the fonts as they are at this moment.
 int HeightAtWidth(QWidget& widget, int width);

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace platform {
+
 WrappedText::WrappedText(const std::vector<Paragraph>& paragraphs, const QFont& font) {
     for (const Paragraph& paragraph : paragraphs) {
         Measure(paragraphs_.emplace_back(Measured{paragraph, {}}), font);
@@ -98,3 +100,5 @@ void WrappedText::Break(const Measured& measured, int width, const Line& line) {
     }
     line(*first, *last);
 }
+
+}  // namespace platform

@@ -11,6 +11,8 @@
 
 class QPainter;
 
+namespace platform {
+
 class WrappedText {
 public:
     struct Paragraph {
@@ -47,3 +49,5 @@ private:
     double lineHeight_ = 0;
     double ascent_ = 0;
 };
+
+}  // namespace platform

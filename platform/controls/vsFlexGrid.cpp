@@ -22,6 +22,20 @@
 #include "platform/controls/FlexGridSelection.h"
 #include "platform/text/Numbers.h"
 
+using platform::FlexGridColumns;
+using platform::FlexGridDelegate;
+using platform::FlexGridEditing;
+using platform::FlexGridHeader;
+using platform::FlexGridHost;
+using platform::FlexGridKeys;
+using platform::FlexGridModel;
+using platform::FlexGridMouse;
+using platform::FlexGridOffers;
+using platform::FlexGridParts;
+using platform::FlexGridPaste;
+using platform::FlexGridSelection;
+using platform::GridTable;
+
 namespace {
 
 using Quiet = FlexGridSelection::Quiet;

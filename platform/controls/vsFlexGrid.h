@@ -153,8 +153,8 @@ public:
 
     // The table that owns what the rows below the headings show; null for none. An open edit ends
     // first. The table is not taken over and must stay as long as it is set.
-    void SetTable(GridTable* table);
-    [[nodiscard]] GridTable* Table() const;
+    void SetTable(platform::GridTable* table);
+    [[nodiscard]] platform::GridTable* Table() const;
     // What the table's owner announces; rows count as the table's. All of it may have changed:
     void Refresh();  // an edit that is open is given up
     void RowsChanged(int first, int last);
@@ -163,7 +163,7 @@ public:
     void RowMoved(int from, int to);  // `to`: its place when it has been moved
     // Gives the table the text of the open edit as it stands, if it was changed. kStored when there
     // is nothing to offer. A refusal is reported once, when the edit ends.
-    GridTable::Answer OfferEdit();
+    platform::GridTable::Answer OfferEdit();
     // "Stored as 1" for a cell that shows, or whose editor holds, something else; else empty.
     Q_INVOKABLE QString CellNote(int row, int col) const;
     // The sentence to be read under the grid; empty while there is nothing to say.

@@ -12,6 +12,8 @@
 
 #include "platform/system/Files.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kWidth = 100;  // average characters
@@ -99,3 +101,5 @@ void OpenDialog::EnableOpen() {
         open->setEnabled(true);
     }
 }
+
+}  // namespace platform

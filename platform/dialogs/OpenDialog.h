@@ -7,6 +7,8 @@
 
 class QLineEdit;
 
+namespace platform {
+
 class OpenDialog : public QFileDialog {
     Q_OBJECT
 
@@ -27,3 +29,5 @@ private:
 
     QLineEdit* txtName_;
 };
+
+}  // namespace platform

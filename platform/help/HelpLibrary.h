@@ -10,6 +10,8 @@
 #include <functional>
 #include <memory>
 
+namespace platform {
+
 class HelpFrame : public QMainWindow {
 public:
     // The page that carries this identifier. False when none does.
@@ -31,4 +33,6 @@ public:
     virtual std::unique_ptr<HelpFrame> Open(const QString& helpFile, Trap trap) = 0;
 };
 
-Q_DECLARE_INTERFACE(HelpLibrary, "TARNPrep.HelpLibrary")
+}  // namespace platform
+
+Q_DECLARE_INTERFACE(platform::HelpLibrary, "TARNPrep.HelpLibrary")

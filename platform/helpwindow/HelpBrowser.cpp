@@ -8,6 +8,8 @@
 
 #include "platform/helpwindow/HelpFile.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kSmallest = -4;
@@ -107,3 +109,5 @@ void HelpBrowser::SetScaled(const QUrl& name, double width) {
         document()->addResource(QTextDocument::ImageResource, source().resolved(name), image);
     }
 }
+
+}  // namespace platform

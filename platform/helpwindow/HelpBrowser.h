@@ -3,6 +3,8 @@
 
 #include <QTextBrowser>
 
+namespace platform {
+
 class HelpFile;
 
 class HelpBrowser : public QTextBrowser {
@@ -32,3 +34,5 @@ private:
     const HelpFile& file_;
     int textSize_ = 0;
 };
+
+}  // namespace platform

@@ -6,6 +6,8 @@
 #include "platform/helpwindow/HelpFile.h"
 #include "platform/helpwindow/WrappedTitles.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kPage = Qt::UserRole;
@@ -48,3 +50,5 @@ void HelpContents::Mark(const QString& page) {
         scrollToItem(meant);
     }
 }
+
+}  // namespace platform

@@ -4,6 +4,8 @@
 #include <QList>
 #include <QTreeWidget>
 
+namespace platform {
+
 struct HelpSection;
 
 class HelpContents : public QTreeWidget {
@@ -20,3 +22,5 @@ public:
 signals:
     void PageChosen(const QString& page);
 };
+
+}  // namespace platform

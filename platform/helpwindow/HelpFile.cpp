@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <utility>
 
+namespace platform {
+
 namespace {
 
 constexpr auto kPageOf =
@@ -153,3 +155,5 @@ QList<HelpMatch> HelpFile::Search(const QString& words) const {
     }
     return found;
 }
+
+}  // namespace platform

@@ -8,6 +8,8 @@
 
 struct sqlite3;
 
+namespace platform {
+
 // A place in the tree of contents.
 struct HelpSection {
     int depth = 0;  // 0 for the root
@@ -61,3 +63,5 @@ private:
     QList<HelpSection> contents_;
     QList<HelpKeyword> index_;
 };
+
+}  // namespace platform

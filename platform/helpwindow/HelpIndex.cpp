@@ -10,6 +10,8 @@
 #include "platform/controls/Named.h"
 #include "platform/helpwindow/HelpFile.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kPage = Qt::UserRole;
@@ -63,3 +65,5 @@ void HelpIndex::Choose() {
         emit PageChosen(current.data(kPage).toString());
     }
 }
+
+}  // namespace platform

@@ -7,6 +7,9 @@
 class QLineEdit;
 class QListView;
 class QSortFilterProxyModel;
+
+namespace platform {
+
 struct HelpKeyword;
 
 class HelpIndex : public QWidget {
@@ -26,3 +29,5 @@ private:
     QListView* list_;
     QSortFilterProxyModel* shown_;
 };
+
+}  // namespace platform

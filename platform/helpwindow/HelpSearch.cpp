@@ -8,6 +8,8 @@
 #include "platform/controls/Named.h"
 #include "platform/helpwindow/HelpFile.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kPage = Qt::UserRole;
@@ -66,3 +68,5 @@ void HelpSearch::Choose() {
         emit PageChosen(item->data(kPage).toString());
     }
 }
+
+}  // namespace platform

@@ -3,10 +3,13 @@
 
 #include <QWidget>
 
-class HelpFile;
 class QLabel;
 class QLineEdit;
 class QListWidget;
+
+namespace platform {
+
+class HelpFile;
 
 class HelpSearch : public QWidget {
     Q_OBJECT
@@ -26,3 +29,5 @@ private:
     QLabel* count_;
     QListWidget* found_;
 };
+
+}  // namespace platform

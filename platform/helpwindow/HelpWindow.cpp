@@ -21,6 +21,8 @@
 #include "platform/helpwindow/HelpIndex.h"
 #include "platform/helpwindow/HelpSearch.h"
 
+namespace platform {
+
 namespace {
 
 constexpr int kNavigationWidth = 220;
@@ -224,3 +226,5 @@ void HelpWindow::Print() {
         browser_->print(&printer);
     }
 }
+
+}  // namespace platform

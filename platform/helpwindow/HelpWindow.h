@@ -6,13 +6,16 @@
 
 #include "platform/help/HelpLibrary.h"
 
-class HelpBrowser;
-class HelpContents;
-class HelpFile;
 class QAction;
 class QSplitter;
 class QTabWidget;
 class QToolBar;
+
+namespace platform {
+
+class HelpBrowser;
+class HelpContents;
+class HelpFile;
 
 class HelpWindow : public HelpFrame {
     Q_OBJECT
@@ -55,3 +58,5 @@ private:
     QTabWidget* tabs_ = nullptr;
     QSplitter* splitter_ = nullptr;
 };
+
+}  // namespace platform

@@ -3,6 +3,8 @@
 #include <QHeaderView>
 #include <QTreeView>
 
+namespace platform {
+
 WrappedTitles::WrappedTitles(QTreeView& tree) : QStyledItemDelegate(&tree), tree_(tree) {
     tree.setUniformRowHeights(false);
     tree.setWordWrap(true);
@@ -26,3 +28,5 @@ QSize WrappedTitles::sizeHint(const QStyleOptionViewItem& option, const QModelIn
     return {QStyledItemDelegate::sizeHint(inOneLine, index).width(),
             QStyledItemDelegate::sizeHint(inTree, index).height()};
 }
+
+}  // namespace platform

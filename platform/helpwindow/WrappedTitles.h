@@ -5,6 +5,8 @@
 
 class QTreeView;
 
+namespace platform {
+
 class WrappedTitles : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -19,3 +21,5 @@ public:
 private:
     QTreeView& tree_;
 };
+
+}  // namespace platform

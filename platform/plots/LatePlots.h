@@ -3,10 +3,11 @@
 
 #include <functional>
 
-class PlotLibrary;
 class QWidget;
 
 namespace platform {
+
+class PlotLibrary;
 
 // Calls `ready` from the event loop once, when the window of `context` has been drawn; never when
 // the library is not there or `context` goes before. `ready` runs under the program's last trap.

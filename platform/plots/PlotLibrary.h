@@ -12,6 +12,8 @@
 
 class QWidget;
 
+namespace platform {
+
 // A chart that follows what is typed. It lives as long as its widget.
 class LivePlot {
 public:
@@ -44,4 +46,6 @@ public:
     virtual LivePlot& MakePlot(QWidget& parent) = 0;
 };
 
-Q_DECLARE_INTERFACE(PlotLibrary, "TARNPrep.PlotLibrary")
+}  // namespace platform
+
+Q_DECLARE_INTERFACE(platform::PlotLibrary, "TARNPrep.PlotLibrary")

@@ -9,6 +9,8 @@
 
 #include "support/LogFolder.h"
 
+using UIMode::BusyScope;
+
 namespace {
 
 class UIModeTest : public testing::Test {

@@ -13,6 +13,8 @@
 
 #include "datafile/UnitBox.h"
 
+using datafile::UnitBox;
+
 namespace {
 
 using Rule = UnitBox::Rule;

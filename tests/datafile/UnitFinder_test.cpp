@@ -11,6 +11,8 @@
 #include "support/Corpus.h"
 #include "support/paths.h"
 
+using datafile::UnitFinder;
+
 namespace {
 
 using support::ProgramFolder;

@@ -11,7 +11,7 @@
 #include "support/BuiltProgramFolder.h"
 
 // Counts what opening and closing asks of the shell.
-class RecordingHost : public DatafileHost {
+class RecordingHost : public datafile::DatafileHost {
 public:
     void FCD_Restart() override { ++restarts; }
     void ReleaseWorksheet() override {

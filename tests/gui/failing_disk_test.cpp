@@ -24,6 +24,8 @@
 #include "platform/dao/Recordset.h"
 #include "worksheets/resources/ResourceRecords.h"
 
+using worksheets::Resource;
+
 namespace {
 
 using tarn_faults::Mode;

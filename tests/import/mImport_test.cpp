@@ -26,6 +26,7 @@
 #include "support/Corpus.h"
 #include "tools/AssessmentSchema.h"
 
+using mImport::ImportProgress;
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
 using PrepDatatables::tblSuppressionPerAcreCost;

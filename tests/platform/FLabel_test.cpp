@@ -4,6 +4,8 @@
 
 #include "platform/controls/FLabel.h"
 
+using platform::WrappedText;
+
 namespace {
 
 TEST(FLabelTest, Marks_BecomeParagraphsAndSpace) {

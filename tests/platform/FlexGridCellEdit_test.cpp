@@ -2,6 +2,8 @@
 
 #include "platform/controls/FlexGridCellEdit.h"
 
+using platform::FlexGridCellEdit;
+
 namespace {
 
 TEST(FlexGridCellEditTest, MovingThrough_OffersNothing) {

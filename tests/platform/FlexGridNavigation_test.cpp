@@ -2,6 +2,8 @@
 
 #include "platform/controls/FlexGridNavigation.h"
 
+using platform::FlexGridNavigation;
+
 namespace {
 
 using Move = FlexGridNavigation::Move;

@@ -2,6 +2,8 @@
 
 #include "platform/controls/FlexGridPastePlan.h"
 
+using platform::GridTable;
+
 namespace {
 
 using FlexGridPastePlan::Area;

@@ -10,6 +10,8 @@
 #include "platform/controls/LateIcon.h"
 #include "platform/controls/LegibleStyle.h"
 
+using platform::LegibleStyle;
+
 namespace {
 
 QIcon Square(const QColor& color) {

@@ -24,6 +24,9 @@
 #include "platform/controls/ScrolledPage.h"
 #include "platform/controls/vsIndexTab.h"
 
+using platform::LegibleStyle;
+using platform::ScrolledPage;
+
 namespace {
 
 QPalette AllOf(const QColor& ground, const QColor& text) {

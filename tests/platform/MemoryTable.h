@@ -11,7 +11,7 @@
 #include "platform/text/Numbers.h"
 
 // Column 0 is a name, the others hold singles, of which the leading number of a typed text counts.
-class MemoryTable : public GridTable {
+class MemoryTable : public platform::GridTable {
 public:
     struct Row {
         QString name;

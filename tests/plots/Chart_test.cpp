@@ -13,6 +13,10 @@
 #include "review/report_charts.h"
 #include "support/made_season.h"
 
+using platform::LivePlot;
+using plots::ChartContent;
+using plots::ChartSpot;
+
 namespace {
 
 class ChartTest : public testing::Test {

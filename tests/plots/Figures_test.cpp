@@ -9,6 +9,9 @@
 #include "review/report_charts.h"
 #include "support/made_season.h"
 
+using plots::ChartContent;
+using plots::ChartSpot;
+
 namespace {
 
 using plots::Figure;

@@ -13,6 +13,13 @@
 #include "tarnreview/ReviewCase.h"
 #include "tarnreview/SaveAs.h"
 
+using plots::ChartSpot;
+using tarnreview::LastYearsFile;
+using tarnreview::PlaceOfFinding;
+using tarnreview::PlaceView;
+using tarnreview::ResourceCosts;
+using tarnreview::ReviewCase;
+
 namespace {
 
 namespace fs = std::filesystem;

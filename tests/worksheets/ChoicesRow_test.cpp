@@ -11,6 +11,10 @@
 #include "worksheets/nvc/frm5NVCTable.h"
 #include "worksheets/zones/ZoneRecords.h"
 
+using platform::LegibleStyle;
+using platform::ScrolledPage;
+using worksheets::ChoiceBox;
+
 namespace {
 
 class ChoicesTest : public WorksheetTest {

@@ -8,6 +8,7 @@
 #include "support/print.h"
 
 using PrepDatatables::tblManagementGoals;
+using worksheets::GoalList;
 
 namespace {
 

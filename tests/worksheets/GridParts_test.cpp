@@ -13,6 +13,8 @@
 #include "worksheets/zones/ZoneRecords.h"
 #include "worksheets/zones/frm4FMZs.h"
 
+using worksheets::Resource;
+
 namespace {
 
 constexpr int kLeft = int(Qt::AlignLeft | Qt::AlignVCenter);

@@ -73,7 +73,7 @@ private:
     };
 
     undo::History& History() { return undo::HistoryOf(QLatin1String(sheet_->worksheetID)); }
-    GridTable& Table() { return *grid_->Table(); }
+    platform::GridTable& Table() { return *grid_->Table(); }
     Cell AnyCell() {
         return {Below(grid_->Rows() - grid_->FixedRows()) + grid_->FixedRows(),
                 Below(grid_->Cols())};
@@ -128,7 +128,7 @@ private:
         }
         Type(text);
         const int row = cell.row - grid_->FixedRows() + 1;
-        const bool number = Table().CellTakes(row, cell.col) == GridTable::Takes::kNumber;
+        const bool number = Table().CellTakes(row, cell.col) == platform::GridTable::Takes::kNumber;
         Press(Qt::Key_Return);
         const auto value = platform::TypedSingle(text);
         if (number && value && text.size() <= Table().MaxLength(cell.col)) {
@@ -246,7 +246,7 @@ private:
             EXPECT_TRUE(note.contains(stored)) << Where() << note.toStdString();
             return;
         }
-        if (Table().CellTakes(row, cell.col) != GridTable::Takes::kNumber) {
+        if (Table().CellTakes(row, cell.col) != platform::GridTable::Takes::kNumber) {
             return;
         }
         const std::optional<double> figure = Figure(shown);

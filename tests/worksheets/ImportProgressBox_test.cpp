@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QLabel>
 
+using worksheets::ImportProgressBox;
+
 namespace {
 
 TEST(ImportProgressBox, LongImport_ShowsAndHoldsInputOff) {

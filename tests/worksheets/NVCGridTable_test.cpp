@@ -3,6 +3,9 @@
 #include "datafile/data_file_fixture.h"
 #include "worksheets/zones/ZoneRecords.h"
 
+using platform::GridTable;
+using worksheets::NVCGridTable;
+
 namespace {
 
 using Kind = GridTable::Answer::Kind;

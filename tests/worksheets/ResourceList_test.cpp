@@ -11,7 +11,10 @@
 #include "platform/RuntimeError.h"
 #include "support/print.h"
 
+using platform::GridTable;
 using PrepDatatables::tblSRMasterList;
+using worksheets::Resource;
+using worksheets::ResourceList;
 
 namespace {
 

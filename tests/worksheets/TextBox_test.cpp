@@ -4,6 +4,8 @@
 
 #include "worksheets/TextBox.h"
 
+using worksheets::TextBox;
+
 namespace {
 
 TEST(TextBox, EnteredByTheTabKey_SelectsItsTextAndTellsOnce) {

@@ -11,6 +11,9 @@
 #include "worksheet_fixture.h"
 #include "worksheets/WorksheetPage.h"
 
+using worksheets::WorksheetHost;
+using worksheets::WorksheetPage;
+
 namespace {
 
 // A worksheet that counts; whoever leaves its box has its text counted as an action.

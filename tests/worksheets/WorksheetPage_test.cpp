@@ -24,6 +24,10 @@
 #include "worksheets/zones/ZoneRecords.h"
 #include "worksheets/zones/frm4FMZs.h"
 
+using platform::ScrolledPage;
+using worksheets::NoteLine;
+using worksheets::ResourceList;
+
 namespace {
 
 class FamilyTest : public WorksheetTest {

@@ -9,9 +9,12 @@
 #include "datafile/data_file_fixture.h"
 #include "support/print.h"
 
+using platform::GridTable;
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
 using PrepDatatables::tblSuppressionPerAcreCost;
+using worksheets::Zone;
+using worksheets::ZoneList;
 
 namespace {
 

@@ -12,6 +12,7 @@
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
 using PrepDatatables::tblSuppressionPerAcreCost;
+using worksheets::Zone;
 
 namespace {
 

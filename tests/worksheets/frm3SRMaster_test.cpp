@@ -17,6 +17,7 @@
 #include "worksheets/resources/frm3SRMasterAdd.h"
 
 using PrepDatatables::tblSRMasterList;
+using worksheets::Resource;
 
 namespace {
 

@@ -15,6 +15,7 @@
 
 using PrepDatatables::tblNVCPerAcre;
 using PrepDatatables::tblNVCResources;
+using worksheets::NVCResourceNames;
 
 namespace {
 

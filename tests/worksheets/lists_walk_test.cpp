@@ -21,6 +21,9 @@
 #include "worksheets/zones/ZoneRecords.h"
 #include "worksheets/zones/frm4FMZs.h"
 
+using worksheets::Resource;
+using worksheets::ResourceList;
+
 using namespace PrepDatatables;
 
 namespace {

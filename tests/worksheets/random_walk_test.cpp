@@ -18,6 +18,8 @@
 #include "worksheets/resources/frm3SRMaster.h"
 #include "worksheets/zones/frm4FMZs.h"
 
+using worksheets::Zone;
+
 using namespace PrepDatatables;
 using FieldReaders::LongField;
 using FieldReaders::SingleField;

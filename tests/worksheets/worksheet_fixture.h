@@ -23,7 +23,7 @@
 #include "worksheets/Worksheet.h"
 
 // The worksheet manager as the forms see it.
-class FrameHost : public WorksheetHost {
+class FrameHost : public worksheets::WorksheetHost {
 public:
     FrameHost() { frame.resize(808, 535); }
     void PositionWorksheet(QWidget& form) override {
@@ -134,6 +134,6 @@ protected:
     }
 
     FrameHost manager_;
-    std::unique_ptr<Worksheet> form_;
+    std::unique_ptr<worksheets::Worksheet> form_;
     std::vector<platform::EventTrap::Report> errors_;
 };

@@ -13,11 +13,24 @@ FOLDERS = ["platform", "base", "datafile", "import", "worksheets", "shell", "plo
 LUPDATE = shutil.which("lupdate", path="/usr/lib/qt6/bin:/usr/bin")
 
 
+def open_namespaces(text):
+    """The namespaces that are open at the end of a text, each with its colons behind it."""
+    opened = []
+    code = re.sub(r'//[^\n]*|"(?:\\.|[^"\\\n])*"', "", text)
+    for found in re.finditer(r"(?:namespace ([\w:]+) )?\{|\}", code):
+        if found[0] == "}":
+            opened.pop()
+        else:
+            opened.append(found[1] + "::" if found[1] else "")
+    return "".join(opened)
+
+
 def names_in_use(texts):
     """What a text is looked up under: a class of the toolkit's kind, or a name that the source gives."""
     names = set()
     for text in texts.values():
-        names |= set(re.findall(r"\b(?:class|struct)\s+(?:\w+::)*(\w+)[^;{]*\{\s*Q_OBJECT", text))
+        for found in re.finditer(r"^(?:class|struct)\s+(\w+)[^;{]*\{\s*Q_OBJECT", text, re.M):
+            names.add(open_namespaces(text[:found.start()]) + found[1])
         names |= set(re.findall(r"Q_DECLARE_TR_FUNCTIONS\(([\w:]+)\)", text))
         names |= set(re.findall(r"(?:translate|QT_TRANSLATE_NOOP)\(\s*\"(\w+)\"", text))
         names |= set(re.findall(r"\b(Q[A-Z]\w+)::tr\(", text))

@@ -12,6 +12,8 @@
 #include <QWindow>
 #include <cstdlib>
 
+namespace tour {
+
 namespace {
 
 constexpr int kPause = 60;        // between two steps, in milliseconds
@@ -196,3 +198,5 @@ void Player::Fail(const QString& why) const {
     QTextStream(stderr) << "The tour stops at: " << why << "\n";
     std::_Exit(3);
 }
+
+}  // namespace tour

@@ -19,6 +19,8 @@
 
 class QWidget;
 
+namespace tour {
+
 class Player : public QObject {
     Q_OBJECT
 
@@ -43,3 +45,5 @@ private:
     qsizetype step_ = 0;
     QElapsedTimer sinceStep_;
 };
+
+}  // namespace tour

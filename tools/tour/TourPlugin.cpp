@@ -4,6 +4,8 @@
 
 #include "Player.h"
 
+namespace tour {
+
 class TourPlugin : public QGenericPlugin {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "tarntour.json")
@@ -16,5 +18,7 @@ public:
         return player;
     }
 };
+
+}  // namespace tour
 
 #include "TourPlugin.moc"

@@ -8,6 +8,10 @@
 #include "platform/text/Numbers.h"
 #include "worksheets/cost/LowerBound.h"
 
+using platform::GridTable;
+
+namespace worksheets {
+
 using ZoneKeys::kCostClasses;
 
 namespace {
@@ -105,3 +109,5 @@ void CostGridTable::EndAction() {
         done_(action_.Name(), changes);
     }
 }
+
+}  // namespace worksheets

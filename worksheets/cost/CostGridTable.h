@@ -21,7 +21,9 @@
 #include "worksheets/cost/c35AACTable.h"
 #include "worksheets/undo/CellChanges.h"
 
-class CostGridTable : public GridTable {
+namespace worksheets {
+
+class CostGridTable : public platform::GridTable {
 public:
     static constexpr int kFrom = 0;
     static constexpr int kTo = 1;
@@ -62,3 +64,5 @@ private:
     std::array<QString, ZoneKeys::kCostClasses> from_;
     undo::CellChanges<float> action_;
 };
+
+}  // namespace worksheets

@@ -26,6 +26,14 @@
 
 using base::Entry;
 using base::Handle;
+using platform::LivePlot;
+using UIMode::BusyScope;
+using worksheets::ChoicesRow;
+using worksheets::CostGridTable;
+using worksheets::NoteLine;
+using worksheets::PlotBeside;
+using worksheets::WorksheetHost;
+using worksheets::WorksheetPage;
 using ZoneKeys::kCostClasses;
 
 namespace {

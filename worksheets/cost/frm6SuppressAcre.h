@@ -10,17 +10,23 @@
 #include "worksheets/WorksheetPage.h"
 #include "worksheets/cost/CostGridTable.h"
 
-class LivePlot;
-class PlotBeside;
 class vsFlexGrid;
 
-class frm6SuppressAcre : public WorksheetPage {
+namespace platform {
+class LivePlot;
+}
+
+namespace worksheets {
+class PlotBeside;
+}
+
+class frm6SuppressAcre : public worksheets::WorksheetPage {
     Q_OBJECT
 
 public:
     static constexpr const char* kID = "SCA";  // of the worksheet
 
-    frm6SuppressAcre(WorksheetHost& host, QWidget* parent);
+    frm6SuppressAcre(worksheets::WorksheetHost& host, QWidget* parent);
     ~frm6SuppressAcre() override;
 
     void SetUp() override { Setup(); }
@@ -41,10 +47,11 @@ private:
     void FormatCostGrid();
     void DisplayData();
     void ShowNextLowerBound(int row, float top);
-    void ShowPlot(LivePlot& plot) const;
+    void ShowPlot(platform::LivePlot& plot) const;
 
-    void ActionDone(const QString& name, const CostGridTable::Changes& changes);
-    void PutBack(std::int32_t zoneKey, const CostGridTable::Changes& changes, CellState state);
+    void ActionDone(const QString& name, const worksheets::CostGridTable::Changes& changes);
+    void PutBack(std::int32_t zoneKey, const worksheets::CostGridTable::Changes& changes,
+                 CellState state);
     void GoTo(std::int32_t zoneKey);
 
     void ShowZone();
@@ -54,9 +61,9 @@ private:
     void grdCosts_ChangeEdit();
     void grdCosts_AfterEdit(int row, int col);
 
-    CostGridTable table_;
-    ChoiceBox* cboFMZs_ = nullptr;
+    worksheets::CostGridTable table_;
+    worksheets::ChoiceBox* cboFMZs_ = nullptr;
     vsFlexGrid* grdCosts_ = nullptr;
-    PlotBeside* plot_ = nullptr;
+    worksheets::PlotBeside* plot_ = nullptr;
     int zoneIndex_ = -1;
 };

@@ -6,6 +6,8 @@
 
 #include <utility>
 
+namespace worksheets {
+
 namespace {
 
 constexpr int kCellPadding = 4;
@@ -76,3 +78,5 @@ void AreaList::mouseReleaseEvent(QMouseEvent* event) {
         emit ClickedAgain();
     }
 }
+
+}  // namespace worksheets

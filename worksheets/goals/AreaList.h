@@ -7,6 +7,8 @@
 
 #include <cstdint>
 
+namespace worksheets {
+
 class AreaList : public QListWidget {
     Q_OBJECT
 
@@ -27,3 +29,5 @@ protected:
 private:
     int pressed_ = -1;  // the selected row on which the mouse button went down
 };
+
+}  // namespace worksheets

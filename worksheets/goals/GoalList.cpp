@@ -8,6 +8,8 @@
 #include "platform/RuntimeError.h"
 #include "worksheets/Subjects.h"
 
+namespace worksheets {
+
 using PrepDatatables::tblManagementGoals;
 
 namespace {
@@ -128,3 +130,5 @@ int GoalList::Restore(const Goal& goal) {
         after, {.goal = {.key = goal.key, .heading = goal.heading, .body = std::nullopt}});
     return static_cast<int>(place - entries_.begin());
 }
+
+}  // namespace worksheets

@@ -12,6 +12,8 @@
 #include <optional>
 #include <vector>
 
+namespace worksheets {
+
 class GoalList {
 public:
     struct Goal {
@@ -57,3 +59,5 @@ private:
 
     std::vector<Entry> entries_;
 };
+
+}  // namespace worksheets

@@ -23,6 +23,12 @@
 
 using base::Entry;
 using base::Handle;
+using UIMode::BusyScope;
+using worksheets::AreaList;
+using worksheets::GoalList;
+using worksheets::TextBox;
+using worksheets::WorksheetHost;
+using worksheets::WorksheetPage;
 
 namespace {
 

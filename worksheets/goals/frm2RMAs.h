@@ -14,18 +14,21 @@
 #include "worksheets/WorksheetPage.h"
 #include "worksheets/goals/GoalList.h"
 
-class AreaList;
 class QPlainTextEdit;
 class QPushButton;
-class TextBox;
 
-class frm2RMAs : public WorksheetPage {
+namespace worksheets {
+class AreaList;
+class TextBox;
+}  // namespace worksheets
+
+class frm2RMAs : public worksheets::WorksheetPage {
     Q_OBJECT
 
 public:
     static constexpr const char* kID = "RMA";  // of the worksheet
 
-    frm2RMAs(WorksheetHost& host, QWidget* parent);
+    frm2RMAs(worksheets::WorksheetHost& host, QWidget* parent);
 
     void SetUp() override { Setup(); }
     void Save() override { Update(); }
@@ -64,9 +67,9 @@ private:
     void TakeBody();
     void PutText(std::int32_t key, Box box, const QString& text);
     void DidAdd(std::int32_t key);
-    void DidDelete(const GoalList::Goal& goal);
-    void TakeAway(GoalList::Goal& goal);
-    void PutBack(const GoalList::Goal& goal);
+    void DidDelete(const worksheets::GoalList::Goal& goal);
+    void TakeAway(worksheets::GoalList::Goal& goal);
+    void PutBack(const worksheets::GoalList::Goal& goal);
     void lstRMAs_Click();
     void txtHeading_GotFocus();
     void txtHeading_Change();
@@ -74,12 +77,12 @@ private:
     void cmdAdd_Click();
     void cmdDelete_Click();
 
-    GoalList goals_;
+    worksheets::GoalList goals_;
     std::optional<Typing> typing_;
-    AreaList* lstRMAs_ = nullptr;
+    worksheets::AreaList* lstRMAs_ = nullptr;
     QPushButton* cmdAdd_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;
-    TextBox* txtHeading_ = nullptr;
+    worksheets::TextBox* txtHeading_ = nullptr;
     QPlainTextEdit* txtBody_ = nullptr;
     std::int32_t currentKey_ = 0;
     // The box has objectives that the list has not.

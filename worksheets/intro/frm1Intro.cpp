@@ -10,6 +10,9 @@
 #include "platform/controls/FLabel.h"
 #include "platform/controls/SSPanel.h"
 
+using worksheets::WorksheetHost;
+using worksheets::WorksheetPage;
+
 namespace {
 
 constexpr int kHelpContextId = 10;

@@ -5,13 +5,13 @@
 
 class FLabel;
 
-class frm1Intro : public WorksheetPage {
+class frm1Intro : public worksheets::WorksheetPage {
     Q_OBJECT
 
 public:
     static constexpr const char* kID = "INT";  // of the worksheet
 
-    frm1Intro(WorksheetHost& host, QWidget* parent);
+    frm1Intro(worksheets::WorksheetHost& host, QWidget* parent);
 
     void SetUp() override { Setup(); }
     void Unload() override;

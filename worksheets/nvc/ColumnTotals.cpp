@@ -10,6 +10,7 @@
 
 using base::Entry;
 using base::Handle;
+using worksheets::ColumnTotals;
 
 namespace {
 

@@ -9,6 +9,8 @@
 class SSPanel;
 class vsFlexGrid;
 
+namespace worksheets {
+
 class ColumnTotals : public QWidget {
     Q_OBJECT
 
@@ -30,3 +32,5 @@ private:
     vsFlexGrid& grid_;
     std::vector<SSPanel*> panels_;
 };
+
+}  // namespace worksheets

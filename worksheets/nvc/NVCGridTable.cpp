@@ -6,6 +6,10 @@
 #include "platform/text/Numbers.h"
 #include "worksheets/nvc/NVCTotals.h"
 
+using platform::GridTable;
+
+namespace worksheets {
+
 using ZoneKeys::kFilLevels;
 using ZoneKeys::kResources;
 
@@ -123,3 +127,5 @@ void NVCGridTable::EndAction() {
         done_(action_.Name(), changes);
     }
 }
+
+}  // namespace worksheets

@@ -22,7 +22,9 @@
 #include "worksheets/nvc/c34NVCTable.h"
 #include "worksheets/undo/CellChanges.h"
 
-class NVCGridTable : public GridTable {
+namespace worksheets {
+
+class NVCGridTable : public platform::GridTable {
 public:
     static constexpr int kName = 0;  // the column of the names
 
@@ -81,3 +83,5 @@ private:
     undo::CellChanges<Cell> action_;
     bool takesTyping_ = true;
 };
+
+}  // namespace worksheets

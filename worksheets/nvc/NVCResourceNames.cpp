@@ -10,6 +10,8 @@
 #include "datafile/PrepDatatables.h"
 #include "platform/RuntimeError.h"
 
+namespace worksheets {
+
 using PrepDatatables::tblNVCResources;
 
 namespace {
@@ -80,3 +82,5 @@ void NVCResourceNames::Save() {
                 .arg(missing.join(QStringLiteral(", "))));
     }
 }
+
+}  // namespace worksheets

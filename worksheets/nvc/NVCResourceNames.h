@@ -7,6 +7,8 @@
 
 #include "datafile/ZoneKeys.h"
 
+namespace worksheets {
+
 class NVCResourceNames {
 public:
     // Reads all names from the open data file; a missing row gives an empty name.
@@ -29,3 +31,5 @@ private:
     };
     std::array<Entry, ZoneKeys::kResources> entries_;
 };
+
+}  // namespace worksheets

@@ -28,6 +28,15 @@
 
 using base::Entry;
 using base::Handle;
+using platform::LivePlot;
+using UIMode::BusyScope;
+using worksheets::ChoicesRow;
+using worksheets::ColumnTotals;
+using worksheets::NoteLine;
+using worksheets::NVCGridTable;
+using worksheets::PlotBeside;
+using worksheets::WorksheetHost;
+using worksheets::WorksheetPage;
 using ZoneKeys::kFilLevels;
 using ZoneKeys::kResources;
 

@@ -11,19 +11,25 @@
 #include "worksheets/WorksheetPage.h"
 #include "worksheets/nvc/NVCGridTable.h"
 
-class ColumnTotals;
-class LivePlot;
-class PlotBeside;
 class QLabel;
 class vsFlexGrid;
 
-class frm5NVCTable : public WorksheetPage {
+namespace platform {
+class LivePlot;
+}
+
+namespace worksheets {
+class ColumnTotals;
+class PlotBeside;
+}  // namespace worksheets
+
+class frm5NVCTable : public worksheets::WorksheetPage {
     Q_OBJECT
 
 public:
     static constexpr const char* kID = "NVC";  // of the worksheet
 
-    frm5NVCTable(WorksheetHost& host, QWidget* parent);
+    frm5NVCTable(worksheets::WorksheetHost& host, QWidget* parent);
     ~frm5NVCTable() override;
 
     void SetUp() override { Setup(); }
@@ -41,7 +47,8 @@ private:
         std::int32_t zoneKey = 0;
         std::int32_t location = 0;
     };
-    using CellState = NVCGridTable::Cell undo::CellChange<NVCGridTable::Cell>::*;
+    using CellState =
+        worksheets::NVCGridTable::Cell undo::CellChange<worksheets::NVCGridTable::Cell>::*;
 
     void BuildChoices();
     void BuildTable();
@@ -52,10 +59,11 @@ private:
     void ShowNVCTable();
     void ShowTotals();
     void ShowTotal(int level, double total);
-    void ShowPlot(LivePlot& plot) const;
+    void ShowPlot(platform::LivePlot& plot) const;
 
-    void ActionDone(const QString& name, const NVCGridTable::Changes& changes);
-    void PutBack(const Place& place, const NVCGridTable::Changes& changes, CellState state);
+    void ActionDone(const QString& name, const worksheets::NVCGridTable::Changes& changes);
+    void PutBack(const Place& place, const worksheets::NVCGridTable::Changes& changes,
+                 CellState state);
     void GoTo(const Place& place);
 
     void ShowZone();
@@ -71,13 +79,13 @@ private:
     // Whose table the grid shows, for messages: "North, location 2".
     [[nodiscard]] QString ShownTable() const;
 
-    NVCGridTable table_;
-    ChoiceBox* cboFMZs_ = nullptr;
-    ChoiceBox* cboRepLocs_ = nullptr;
+    worksheets::NVCGridTable table_;
+    worksheets::ChoiceBox* cboFMZs_ = nullptr;
+    worksheets::ChoiceBox* cboRepLocs_ = nullptr;
     QLabel* lblNoRepLocs_ = nullptr;
     vsFlexGrid* grdNVC_ = nullptr;
-    PlotBeside* plot_ = nullptr;
-    ColumnTotals* totals_ = nullptr;
+    worksheets::PlotBeside* plot_ = nullptr;
+    worksheets::ColumnTotals* totals_ = nullptr;
     QLabel* lblMinus_ = nullptr;
     // What the boxes chose last; location -1: none.
     int zoneIndex_ = -1;

@@ -12,6 +12,10 @@
 #include "worksheets/Subjects.h"
 #include "worksheets/resources/RowOrder.h"
 
+using platform::GridTable;
+
+namespace worksheets {
+
 namespace {
 
 // The last column cannot be typed into.
@@ -312,3 +316,5 @@ void ResourceList::CarryStep(const Change::Step& step) {
         ResourceRecords::Save(step.after->row);
     }
 }
+
+}  // namespace worksheets

@@ -23,7 +23,9 @@
 #include "worksheets/resources/ResourceRecords.h"
 #include "worksheets/undo/ListChange.h"
 
-class ResourceList : public GridTable {
+namespace worksheets {
+
+class ResourceList : public platform::GridTable {
 public:
     // The last column is hidden in the grid and gives the record's key.
     enum Column { kNumber, kName, kShortName, kUnits, kCost, kKey, kColumns };
@@ -110,3 +112,5 @@ private:
     Mover mover_;
     std::function<void()> dropListener_;
 };
+
+}  // namespace worksheets

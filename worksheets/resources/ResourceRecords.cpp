@@ -9,6 +9,7 @@ using FieldReaders::LongField;
 using FieldReaders::SingleField;
 using FieldReaders::TextField;
 using PrepDatatables::tblSRMasterList;
+using worksheets::Resource;
 
 namespace ResourceRecords {
 

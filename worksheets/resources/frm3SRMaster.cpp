@@ -28,6 +28,11 @@
 
 using base::Entry;
 using base::Handle;
+using UIMode::BusyScope;
+using worksheets::NoteLine;
+using worksheets::ResourceList;
+using worksheets::WorksheetHost;
+using worksheets::WorksheetPage;
 
 namespace {
 

@@ -12,18 +12,21 @@
 #include "worksheets/resources/ResourceList.h"
 #include "worksheets/resources/SRDataSource.h"
 
-class NoteLine;
 class QLineEdit;
 class QPushButton;
 class vsFlexGrid;
 
-class frm3SRMaster : public WorksheetPage {
+namespace worksheets {
+class NoteLine;
+}
+
+class frm3SRMaster : public worksheets::WorksheetPage {
     Q_OBJECT
 
 public:
     static constexpr const char* kID = "SRM";  // of the worksheet
 
-    frm3SRMaster(WorksheetHost& host, QWidget* parent);
+    frm3SRMaster(worksheets::WorksheetHost& host, QWidget* parent);
 
     void SetUp() override { Setup(); }
     void Save() override;
@@ -48,8 +51,9 @@ private:
     void MoveRow(int from, int to);
     void SaveRow(int row);
     void Listen();
-    void DoneInList(const QString& name, const std::shared_ptr<ResourceList::Change>& change);
-    void ShowChange(const ResourceList::Change& change);
+    void DoneInList(const QString& name,
+                    const std::shared_ptr<worksheets::ResourceList::Change>& change);
+    void ShowChange(const worksheets::ResourceList::Change& change);
     void EndTypingSource();
     void PutSource(const QString& text);
     void EnableDelete();
@@ -60,11 +64,11 @@ private:
     void cmdAdd_Click();
     void cmdDelete_Click();
 
-    ResourceList resources_;
+    worksheets::ResourceList resources_;
     SRDataSource source_;
     std::optional<QString> sourceBefore_;  // what is being typed
     vsFlexGrid* grdMasterList_ = nullptr;
-    NoteLine* note_ = nullptr;
+    worksheets::NoteLine* note_ = nullptr;
     QLineEdit* txtSource_ = nullptr;
     QPushButton* cmdAdd_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;

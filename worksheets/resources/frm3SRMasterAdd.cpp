@@ -28,6 +28,10 @@
 using base::Entry;
 using base::Handle;
 using platform::EventTrap::Trapped;
+using worksheets::MomentLabel;
+using worksheets::Resource;
+using worksheets::ResourceList;
+using worksheets::TextBox;
 
 namespace {
 

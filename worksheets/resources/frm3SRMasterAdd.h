@@ -6,19 +6,22 @@
 
 #include <optional>
 
-class MomentLabel;
 class QGridLayout;
 class QPushButton;
 class QRadioButton;
+
+namespace worksheets {
+class MomentLabel;
 class TextBox;
 class ResourceList;
+}  // namespace worksheets
 
 class frm3SRMasterAdd : public QDialog {
     Q_OBJECT
 
 public:
     // The dialog stands over `frame`.
-    frm3SRMasterAdd(ResourceList& list, QWidget& frame);
+    frm3SRMasterAdd(worksheets::ResourceList& list, QWidget& frame);
 
     // The place that is offered for the new resource, counted from 1.
     void SetPosition(int position);
@@ -33,26 +36,27 @@ private:
     void BuildTexts(QGridLayout& rows);
     void BuildCostMeasure(QGridLayout& rows);
     void BuildButtons(QGridLayout& rows);
-    TextBox* AddBox(QGridLayout& rows, int row, const char* name, const QString& label, int length);
+    worksheets::TextBox* AddBox(QGridLayout& rows, int row, const char* name, const QString& label,
+                                int length);
     void ConnectHandlers();
-    void ConnectBox(TextBox* box);
+    void ConnectBox(worksheets::TextBox* box);
     void EnableOK();
     bool txtCost_KeyPress(const QString& typed);
     bool txtPosition_KeyPress(const QString& typed);
     void cmdOK_Click();
     void cmdCancel_Click();
 
-    ResourceList& list_;
+    worksheets::ResourceList& list_;
     std::optional<int> addedRow_;
-    TextBox* txtResourceName_ = nullptr;
-    TextBox* txtShortName_ = nullptr;
+    worksheets::TextBox* txtResourceName_ = nullptr;
+    worksheets::TextBox* txtShortName_ = nullptr;
     QRadioButton* optTime_ = nullptr;
     QRadioButton* optItem_ = nullptr;
-    TextBox* txtUnits_ = nullptr;
-    TextBox* txtCost_ = nullptr;
-    TextBox* txtPosition_ = nullptr;
-    MomentLabel* lblCostCue_ = nullptr;
-    MomentLabel* lblPositionCue_ = nullptr;
+    worksheets::TextBox* txtUnits_ = nullptr;
+    worksheets::TextBox* txtCost_ = nullptr;
+    worksheets::TextBox* txtPosition_ = nullptr;
+    worksheets::MomentLabel* lblCostCue_ = nullptr;
+    worksheets::MomentLabel* lblPositionCue_ = nullptr;
     QPushButton* cmdOK_ = nullptr;
     QPushButton* cmdCancel_ = nullptr;
 };

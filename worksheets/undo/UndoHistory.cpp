@@ -10,6 +10,8 @@
 
 #include "datafile/PrepDatatables.h"
 
+using worksheets::WorksheetPage;
+
 namespace undo {
 namespace {
 

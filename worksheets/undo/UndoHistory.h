@@ -30,7 +30,9 @@
 
 #include "platform/RuntimeError.h"
 
+namespace worksheets {
 class WorksheetPage;
+}
 
 namespace undo {
 
@@ -40,7 +42,7 @@ public:
     explicit GoneError(const QString& sentence);
 };
 
-using Step = std::function<void(WorksheetPage&)>;
+using Step = std::function<void(worksheets::WorksheetPage&)>;
 
 struct Action {
     QString name;  // such as "Paste"
@@ -62,13 +64,13 @@ public:
     [[nodiscard]] QString UndoName() const { return stack_.undoText(); }
     [[nodiscard]] QString RedoName() const { return stack_.redoText(); }
     // Nothing when there is nothing to take back or to repeat.
-    void Undo(WorksheetPage& form);
-    void Redo(WorksheetPage& form);
+    void Undo(worksheets::WorksheetPage& form);
+    void Redo(worksheets::WorksheetPage& form);
     // Whether a step is running.
     [[nodiscard]] bool IsRunning() const { return running_; }
 
 private:
-    void Run(WorksheetPage& form, void (QUndoStack::*step)());
+    void Run(worksheets::WorksheetPage& form, void (QUndoStack::*step)());
 
     QUndoStack stack_;
     bool running_ = false;

@@ -9,6 +9,8 @@
 
 #include "platform/system/Screen.h"
 
+namespace worksheets {
+
 namespace {
 
 // What a person reads, in the language of the screen.
@@ -90,3 +92,5 @@ void ImportProgressBox::ZoneStarted(int zone, int zones) {
     box_->Show(zone, zones);
     QCoreApplication::processEvents();
 }
+
+}  // namespace worksheets

@@ -13,7 +13,9 @@
 
 class QWidget;
 
-class ImportProgressBox : public ImportProgress {
+namespace worksheets {
+
+class ImportProgressBox : public mImport::ImportProgress {
 public:
     explicit ImportProgressBox(QWidget* frame);
     ~ImportProgressBox() override;
@@ -33,3 +35,5 @@ private:
     QElapsedTimer sincePaint_;
     int delay_ = 500;
 };
+
+}  // namespace worksheets

@@ -13,6 +13,10 @@
 #include "platform/text/Numbers.h"
 #include "worksheets/Subjects.h"
 
+using platform::GridTable;
+
+namespace worksheets {
+
 namespace {
 
 constexpr int kNameLength = 46;
@@ -186,3 +190,5 @@ void ZoneList::CarryStep(Change& change, const undo::ListChange<Zone>::Step& ste
         ZoneRecords::PutBack(step.after->row);
     }
 }
+
+}  // namespace worksheets

@@ -20,7 +20,9 @@
 #include "worksheets/undo/ListChange.h"
 #include "worksheets/zones/ZoneRecords.h"
 
-class ZoneList : public GridTable {
+namespace worksheets {
+
+class ZoneList : public platform::GridTable {
 public:
     enum Column { kName, kLocations, kColumns };
 
@@ -96,3 +98,5 @@ private:
     std::vector<Zone> before_;  // the action that is running
     Listener listener_;
 };
+
+}  // namespace worksheets

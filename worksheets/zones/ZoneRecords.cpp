@@ -15,6 +15,7 @@
 using PrepDatatables::tblFMZList;
 using PrepDatatables::tblNVCPerAcre;
 using PrepDatatables::tblSuppressionPerAcreCost;
+using worksheets::Zone;
 using ZoneKeys::FMZRLKey;
 using ZoneKeys::kCostClasses;
 using ZoneKeys::kMostLocations;

@@ -20,12 +20,16 @@
 #include "datafile/ZoneKeys.h"
 #include "platform/RuntimeError.h"
 
+namespace worksheets {
+
 struct Zone {
     std::int32_t key = 0;
     QString name;
     std::int32_t locations = 0;
     bool operator==(const Zone&) const = default;
 };
+
+}  // namespace worksheets
 
 namespace ZoneRecords {
 
@@ -46,9 +50,9 @@ struct Dependents {
 };
 
 // All zones in the order of their keys.
-std::vector<Zone> All();
+std::vector<worksheets::Zone> All();
 // Nothing where the file has no such zone.
-std::optional<Zone> Find(std::int32_t key);
+std::optional<worksheets::Zone> Find(std::int32_t key);
 
 // Throws overflow (6), with a sentence that names the zone, for more locations than a zone can
 // have.
@@ -65,16 +69,16 @@ std::int32_t Create(const QString& name, std::int32_t locations);
 // More locations get their rows first; rows that are there from an earlier, larger number are kept
 // with their values, with a warning in the log. Fewer locations leave the rows in the file, with a
 // warning, which `belowOne` asks for too; less than one is taken as one.
-std::int32_t Change(const Zone& zone, bool belowOne = false);
+std::int32_t Change(const worksheets::Zone& zone, bool belowOne = false);
 // Whether an error of Change was a refusal, before which nothing was written.
 bool IsRefusal(const platform::RuntimeError& error);
 
 // Undoing. Writes a zone as it was before or after an action. Rows of locations that it is not to
 // have go unless they hold values, which then come back with the locations.
-void PutBack(const Zone& zone);
+void PutBack(const worksheets::Zone& zone);
 // Takes a zone out of the file with all rows that depend on it, and gives those.
-Dependents Remove(const Zone& zone);
+Dependents Remove(const worksheets::Zone& zone);
 // Puts a zone back under its former key, with these rows.
-void Restore(const Zone& zone, const Dependents& dependents);
+void Restore(const worksheets::Zone& zone, const Dependents& dependents);
 
 }  // namespace ZoneRecords

@@ -22,6 +22,12 @@
 #include "worksheets/zones/ImportProgressBox.h"
 
 using base::Handle;
+using worksheets::ImportProgressBox;
+using worksheets::NoteLine;
+using worksheets::WorksheetHost;
+using worksheets::WorksheetPage;
+using worksheets::Zone;
+using worksheets::ZoneList;
 
 namespace {
 

@@ -9,17 +9,20 @@
 #include "worksheets/WorksheetPage.h"
 #include "worksheets/zones/ZoneList.h"
 
-class NoteLine;
 class QPushButton;
 class vsFlexGrid;
 
-class frm4FMZs : public WorksheetPage {
+namespace worksheets {
+class NoteLine;
+}
+
+class frm4FMZs : public worksheets::WorksheetPage {
     Q_OBJECT
 
 public:
     static constexpr const char* kID = "FMZ";  // of the worksheet
 
-    frm4FMZs(WorksheetHost& host, QWidget* parent);
+    frm4FMZs(worksheets::WorksheetHost& host, QWidget* parent);
 
     void SetUp() override { FMZ_Setup(); }
     void Save() override { FMZ_Update(); }
@@ -42,16 +45,17 @@ private:
     void FMZ_UpdateRecord(int row);
     [[nodiscard]] bool MayDropTyped() const;
     void ShowImported();
-    void DoneInList(const QString& name, const std::shared_ptr<ZoneList::Change>& change);
-    void ShowChange(const undo::ListChange<Zone>& list);
+    void DoneInList(const QString& name,
+                    const std::shared_ptr<worksheets::ZoneList::Change>& change);
+    void ShowChange(const undo::ListChange<worksheets::Zone>& list);
     void cmdAdd_Click();
     void cmdImport_Click();
     void grdFMZs_EnterCell();
     void grdFMZs_BeforeEdit(int row, int col);
 
-    ZoneList zones_;
+    worksheets::ZoneList zones_;
     vsFlexGrid* grdFMZs_ = nullptr;
-    NoteLine* note_ = nullptr;
+    worksheets::NoteLine* note_ = nullptr;
     QPushButton* cmdAdd_ = nullptr;
     QPushButton* cmdImport_ = nullptr;
 };

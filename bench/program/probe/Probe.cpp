@@ -11,6 +11,8 @@
 #include <QWidget>
 #include <QWindow>
 
+namespace probe {
+
 namespace {
 
 constexpr int kIntroduction = 1;
@@ -130,3 +132,5 @@ QWidget* Probe::Find(const QString& name) const {
     }
     return nullptr;
 }
+
+}  // namespace probe

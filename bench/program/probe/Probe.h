@@ -10,6 +10,8 @@
 
 class QWidget;
 
+namespace probe {
+
 class Probe : public QObject {
 public:
     // Runs the scenario of this name ("switch" or "type") once the program is up, writes a line
@@ -36,3 +38,5 @@ private:
     QWidget* frame_ = nullptr;
     bool painted_ = false;
 };
+
+}  // namespace probe

@@ -3,6 +3,8 @@
 
 #include "Probe.h"
 
+namespace probe {
+
 class ProbePlugin : public QGenericPlugin {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "probe.json")
@@ -13,5 +15,7 @@ public:
                          qEnvironmentVariable("TARN_PROBE_RESULTS"));
     }
 };
+
+}  // namespace probe
 
 #include "ProbePlugin.moc"
