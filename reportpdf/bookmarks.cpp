@@ -155,8 +155,7 @@ QByteArray WithBookmarks(const QByteArray& pdf, const std::vector<Bookmark>& boo
     const qsizetype root = NumberBehind(trailer, "/Root");
     const qsizetype info = NumberBehind(trailer, "/Info");
     QByteArray catalog = ObjectAt(pdf, table, root);
-    const QList<QByteArray> pages =
-        PagesOf(ObjectAt(pdf, table, NumberBehind(catalog, "/Pages")));
+    const QList<QByteArray> pages = PagesOf(ObjectAt(pdf, table, NumberBehind(catalog, "/Pages")));
     const std::vector<Node> nodes = TreeOf(bookmarks);
     const auto reference = [size](int node) { return Reference(size + node); };
 
@@ -177,13 +176,14 @@ QByteArray WithBookmarks(const QByteArray& pdf, const std::vector<Bookmark>& boo
                             " /Fit]";
         object += node.before != 0 ? " /Prev " + reference(node.before) : QByteArray();
         object += node.behind != 0 ? " /Next " + reference(node.behind) : QByteArray();
-        object += node.first != 0 ? " /First " + reference(node.first) + " /Last " +
-                                        reference(node.last)
-                                  : QByteArray();
+        object += node.first != 0
+                      ? " /First " + reference(node.first) + " /Last " + reference(node.last)
+                      : QByteArray();
         update.Add(size + static_cast<qsizetype>(i), object + " >>");
     }
     update.Add(root, catalog.trimmed());
-    return update.Finish("<< /Size " + QByteArray::number(size + static_cast<qsizetype>(nodes.size())) +
+    return update.Finish("<< /Size " +
+                         QByteArray::number(size + static_cast<qsizetype>(nodes.size())) +
                          " /Root " + Reference(root) + " /Info " + Reference(info) + " /Prev " +
                          QByteArray::number(table) + " >>");
 }

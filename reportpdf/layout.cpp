@@ -148,7 +148,8 @@ void Layout::DrawContents(Sheet& sheet, std::size_t firstLine, std::size_t lines
         const double x = left_ + (i - firstLine >= lines ? column + 20 : 0);
         const double base = top + LineHeight(kEdge) * (static_cast<double>(line) + 0.8);
         const std::size_t section = contents_[i];
-        sheet.Text(x, base, Elided(CleanLine(document_.sections[section].heading), kEdge, column - 30),
+        sheet.Text(x, base,
+                   Elided(CleanLine(document_.sections[section].heading), kEdge, column - 30),
                    kEdge);
         sheet.TextToRight(x + column, base, QString::number(pageOfSection_[section] + 1), kEdge);
     }
@@ -299,14 +300,12 @@ void Layout::PlaceTable(const TableShape& shape) {
         double height = shape.CaptionHeight();
         std::size_t last = first;
         while (last < pieces.size() &&
-               (last == first ||
-                height + pieces[last].height + shape.LegendHeight() <= Room())) {
+               (last == first || height + pieces[last].height + shape.LegendHeight() <= Room())) {
             height += pieces[last++].height;
         }
         const bool goesOn = last < pieces.size();
-        std::vector<TableShape::Piece> shown(
-            pieces.begin() + static_cast<std::ptrdiff_t>(first),
-            pieces.begin() + static_cast<std::ptrdiff_t>(last));
+        std::vector<TableShape::Piece> shown(pieces.begin() + static_cast<std::ptrdiff_t>(first),
+                                             pieces.begin() + static_cast<std::ptrdiff_t>(last));
         Put([this, &shape, shown = std::move(shown), goesOn, top = y_](Sheet& sheet) {
             shape.Draw(sheet, left_, top, shown.data(), shown.data() + shown.size(), goesOn);
         });

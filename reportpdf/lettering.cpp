@@ -100,9 +100,8 @@ QString Clean(std::string_view text) {
     line.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     line.replace(u'\r', u'\n').replace(QChar::LineSeparator, u'\n');
     line.replace(QChar::ParagraphSeparator, u'\n').replace(u'\t', u' ');
-    line.removeIf([](QChar unit) {
-        return unit != u'\n' && unit.category() == QChar::Other_Control;
-    });
+    line.removeIf(
+        [](QChar unit) { return unit != u'\n' && unit.category() == QChar::Other_Control; });
     return line;
 }
 

@@ -1,7 +1,7 @@
 // Measuring texts and breaking them into lines, and drawing them on a page.
 //
-// Figures and Western texts are set glyph by glyph from tables of widths, which is many times faster
-// than Qt's text layout; all other texts go through that.
+// Figures and Western texts are set glyph by glyph from tables of widths, which is many times
+// faster than Qt's text layout; all other texts go through that.
 #pragma once
 
 #include <QPointF>

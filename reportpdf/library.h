@@ -9,8 +9,8 @@
 
 namespace reportpdf {
 
-// What the library exports under the name kMakePdf. Gives whether `result` is the PDF; if not, it is
-// a sentence that says why.
+// What the library exports under the name kMakePdf. Gives whether `result` is the PDF; if not, it
+// is a sentence that says why.
 using MakePdf = bool (*)(const review::Document& document, bool isLetter, std::string& result);
 
 inline constexpr const char* kLibrary = "tarnpdf";

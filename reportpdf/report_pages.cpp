@@ -20,8 +20,7 @@ constexpr QSizeF kLeastPaper(298, 420);
 }  // namespace
 
 Paper UsualPaper() {
-    return QLocale().measurementSystem() == QLocale::ImperialUSSystem ? Paper::kLetter
-                                                                      : Paper::kA4;
+    return QLocale().measurementSystem() == QLocale::ImperialUSSystem ? Paper::kLetter : Paper::kA4;
 }
 
 QSizeF SizeOf(Paper paper) {
@@ -70,8 +69,9 @@ void Print(const review::Document& document, QPagedPaintDevice& device) {
         throw std::runtime_error("The printer cannot be used.");
     }
     // A painter's origin is where the device begins to print.
-    const QPointF origin =
-        layout.mode() == QPageLayout::FullPageMode ? QPointF() : -layout.paintRect(QPageLayout::Point).topLeft();
+    const QPointF origin = layout.mode() == QPageLayout::FullPageMode
+                               ? QPointF()
+                               : -layout.paintRect(QPageLayout::Point).topLeft();
     const QPageRanges ranges = device.pageRanges();
     bool isFirst = true;
     for (int page = 0; page < pages.Count(); ++page) {

@@ -81,11 +81,11 @@ void TableShape::MeasureColumns(double width) {
                 const Style style = StyleOf(cell, isBold);
                 const double whole = WidthOf(TextOf(cell), style) + 2 * kPadding;
                 natural[column] = std::max(natural[column], whole);
-                const double word =
-                    cell.isNumber && !breaksFigures_
-                        ? whole
-                        : std::min(WidestWord(cell.text, style),
-                                   width / (breaksFigures_ ? 10 : 4)) + 2 * kPadding;
+                const double word = cell.isNumber && !breaksFigures_
+                                        ? whole
+                                        : std::min(WidestWord(cell.text, style),
+                                                   width / (breaksFigures_ ? 10 : 4)) +
+                                              2 * kPadding;
                 least[column] = std::max(least[column], word);
             }
             column += static_cast<std::size_t>(cell.columns);
@@ -147,10 +147,10 @@ std::size_t TableShape::LineCount(const std::vector<Cell>& row, bool isBold) con
     std::size_t lines = 1;
     std::size_t column = 0;
     for (const Cell& cell : row) {
-        const bool fits =
-            (cell.isNumber && !breaksFigures_) || (cell.text.find('\n') == std::string::npos &&
-                              WidthOf(TextOf(cell), StyleOf(cell, isBold)) <=
-                                  Span(column, cell.columns) - 2 * kPadding + 1e-6);
+        const bool fits = (cell.isNumber && !breaksFigures_) ||
+                          (cell.text.find('\n') == std::string::npos &&
+                           WidthOf(TextOf(cell), StyleOf(cell, isBold)) <=
+                               Span(column, cell.columns) - 2 * kPadding + 1e-6);
         if (!fits) {
             lines = std::max(lines, LinesIn(cell, column, isBold).size());
         }

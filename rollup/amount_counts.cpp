@@ -141,9 +141,9 @@ std::uint64_t AmountCounts::Near(const std::vector<Counted>& buckets, const Boun
     for (const auto& [bucket, here] : buckets) {
         const double least = LogOf(bucket << kWithin);
         const double most = LogOf(((bucket + 1) << kWithin) - 1);
-        spans.push_back(
-            {std::max({0.0, least - median.most, median.least - most}) - kRounding,
-             std::max({0.0, most - median.least, median.most - least}) + kRounding, here});
+        spans.push_back({std::max({0.0, least - median.most, median.least - most}) - kRounding,
+                         std::max({0.0, most - median.least, median.most - least}) + kRounding,
+                         here});
         count += here;
     }
     const auto [first, second] = MiddleRanks(count);

@@ -59,9 +59,8 @@ void Amounts::LookAgain(const Own& own) {
     }
     source_->EachRow([this](const ValueRow& row) {
         auto& counts = counts_[row.resource];
-        EachAmount(row, [&counts](std::size_t kind, Amount amount) {
-            counts[kind].AddWanted(amount);
-        });
+        EachAmount(row,
+                   [&counts](std::size_t kind, Amount amount) { counts[kind].AddWanted(amount); });
     });
     for (auto& [resource, counts] : counts_) {
         for (AmountCounts& each : counts) {

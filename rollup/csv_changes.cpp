@@ -53,7 +53,8 @@ void FlushFiles(const std::vector<fs::path>& files) {
 
 void FlushFolders(const std::set<fs::path>& folders) {
     const std::vector<fs::path> each(folders.begin(), folders.end());
-    FlushEach(each.size(), [&each](std::size_t at) { jet::HostFileSystem().FlushFolder(each[at]); });
+    FlushEach(each.size(),
+              [&each](std::size_t at) { jet::HostFileSystem().FlushFolder(each[at]); });
 }
 
 // Makes a folder with those above it; `changed` gets each one that has another entry now.

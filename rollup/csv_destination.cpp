@@ -152,9 +152,8 @@ public:
     }
 
     void RemoveContents(const FileRow& file) override {
-        EachTableOf(file, [this](const fs::path& place, const fs::path&, TableId) {
-            open_.Remove(place);
-        });
+        EachTableOf(
+            file, [this](const fs::path& place, const fs::path&, TableId) { open_.Remove(place); });
     }
 
     void MoveContents(const FileRow& file, std::optional<std::int64_t> year) override {
@@ -220,8 +219,8 @@ private:
         std::error_code failed;
         fs::create_directories(folder, failed);
         if (failed) {
-            throw DestinationError(folder.string() + ": The folder cannot be made: " +
-                                   failed.message() + ".");
+            throw DestinationError(folder.string() +
+                                   ": The folder cannot be made: " + failed.message() + ".");
         }
         return folder;
     }
@@ -230,22 +229,21 @@ private:
     void LookAround() {
         std::map<std::string, std::set<Year>> read;  // contents
         std::vector<std::pair<std::string, fs::path>> duplicates;
-        folder_.EachFile(TableId::kFiles,
-                         [&](const fs::path& file, Year year, const std::string& name) {
-                             const auto row = CsvFolder::ReadFileRow(file, year);
-                             if (!row || CsvFolder::NameOfPath(row->path) != name ||
-                                 known_.contains(name)) {
-                                 fs::remove(file);
-                                 return;
-                             }
-                             const std::string id = row->fileId.value_or("");
-                             Remember(name, {year, id});
-                             if (row->status == Status::kRead) {
-                                 read[id].insert(year);
-                             } else if (row->status == Status::kDuplicate) {
-                                 duplicates.emplace_back(name, file);
-                             }
-                         });
+        folder_.EachFile(
+            TableId::kFiles, [&](const fs::path& file, Year year, const std::string& name) {
+                const auto row = CsvFolder::ReadFileRow(file, year);
+                if (!row || CsvFolder::NameOfPath(row->path) != name || known_.contains(name)) {
+                    fs::remove(file);
+                    return;
+                }
+                const std::string id = row->fileId.value_or("");
+                Remember(name, {year, id});
+                if (row->status == Status::kRead) {
+                    read[id].insert(year);
+                } else if (row->status == Status::kDuplicate) {
+                    duplicates.emplace_back(name, file);
+                }
+            });
         for (const auto& [name, file] : duplicates) {
             if (!read.contains(known_[name].fileId)) {
                 fs::remove(file);
@@ -321,9 +319,7 @@ private:
         });
     }
 
-    [[nodiscard]] fs::path NewName() {
-        return folder_.Unfinished() / std::to_string(++written_);
-    }
+    [[nodiscard]] fs::path NewName() { return folder_.Unfinished() / std::to_string(++written_); }
 
     fs::path Write(const std::string& bytes) {
         fs::path file = NewName();

@@ -35,8 +35,7 @@ DestinationName ParseDestination(const std::string& name) {
             parsed.rest = name;
         }
     } else if (!kind.empty() && kind != "sqlite") {
-        throw DestinationError(name + ": There is no destination of the kind " +
-                               std::string(kind) +
+        throw DestinationError(name + ": There is no destination of the kind " + std::string(kind) +
                                "; there are sqlite:FILE, postgresql:CONNECTION and csv:DIR.");
     }
     // An empty connection string is one: the environment then says where the server is.

@@ -90,8 +90,8 @@ int GzipReader::Refill() {
         int error = Z_OK;
         gzerror(state_->file, &error);
         // What is not compressed would be passed through.
-        isWhole_ = got == 0 && (error == Z_OK || error == Z_STREAM_END) &&
-                   gzdirect(state_->file) == 0;
+        isWhole_ =
+            got == 0 && (error == Z_OK || error == Z_STREAM_END) && gzdirect(state_->file) == 0;
         return -1;
     }
     return static_cast<unsigned char>(part_[at_++]);

@@ -45,8 +45,7 @@ public:
     PostgresResult Execute(const std::string& sql, const PostgresParameters& parameters);
     // Takes the rows of a query one by one.
     using TakeRow = std::function<void(const PostgresResult& row)>;
-    void EachRow(const std::string& sql, const PostgresParameters& parameters,
-                 const TakeRow& take);
+    void EachRow(const std::string& sql, const PostgresParameters& parameters, const TakeRow& take);
     // Sends the data of a COPY.
     void Copy(const std::string& sql, std::string_view data);
     [[nodiscard]] bool IsInTransaction() const;

@@ -127,8 +127,8 @@ public:
 
     void RemoveContents(const FileRow& file) override {
         for (const Table& table : Tables().subspan(1)) {
-            connection_.Execute("DELETE FROM " + std::string(table.name) + " WHERE file_id = $1 AND " +
-                                    YearCondition(file.year),
+            connection_.Execute("DELETE FROM " + std::string(table.name) +
+                                    " WHERE file_id = $1 AND " + YearCondition(file.year),
                                 {file.fileId});
         }
     }
@@ -171,7 +171,8 @@ public:
             // They only make things easier; who may not make any, or has tables of types that they
             // do not fit, does without.
         }
-        // One transaction that the disk has means that it has all before; it has to write something.
+        // One transaction that the disk has means that it has all before; it has to write
+        // something.
         connection_.Execute("SET synchronous_commit = on");
         connection_.Execute("SELECT pg_logical_emit_message(true, 'fcdtool rollup', 'ended')");
     }
@@ -180,8 +181,9 @@ private:
     // It ends with the connection, however that ends. Roll-ups in other schemas are others.
     bool TryLock() {
         return connection_
-                   .Execute("SELECT pg_try_advisory_lock(hashtext('fcdtool rollup'), "
-                            "hashtext(coalesce(current_schema(), '')))")
+                   .Execute(
+                       "SELECT pg_try_advisory_lock(hashtext('fcdtool rollup'), "
+                       "hashtext(coalesce(current_schema(), '')))")
                    .Text(0, 0) == "t";
     }
 

@@ -58,7 +58,8 @@ PostgresSchema::PostgresSchema(PostgresConnection& connection) : connection_(con
 }
 
 bool PostgresSchema::IsThere(std::string_view relation) {
-    return connection_.Execute("SELECT to_regclass($1)", {std::string(relation)}).Field(0, 0)
+    return connection_.Execute("SELECT to_regclass($1)", {std::string(relation)})
+        .Field(0, 0)
         .has_value();
 }
 
@@ -107,8 +108,7 @@ void PostgresSchema::LookAt(const Table& table) {
     }
     const auto at = static_cast<std::size_t>(table.id);
     formats_[at] = PostgresFormat(table, std::move(types));
-    isOwn_[at] = connection_
-                     .Execute("SELECT obj_description(to_regclass($1), 'pg_class')", {name})
+    isOwn_[at] = connection_.Execute("SELECT obj_description(to_regclass($1), 'pg_class')", {name})
                      .Text(0, 0) == kMark;
 }
 

@@ -30,9 +30,8 @@ Reading::~Reading() {
 }
 
 bool Reading::HasRoom(std::uint64_t bytes) const {
-    return entries_.empty() ||
-           (bytes_ + bytes <= kMostBytes &&
-            entries_.size() < threads_.size() * kMostEntriesForEachThread);
+    return entries_.empty() || (bytes_ + bytes <= kMostBytes &&
+                                entries_.size() < threads_.size() * kMostEntriesForEachThread);
 }
 
 void Reading::Add(Task task, std::uint64_t bytes) {

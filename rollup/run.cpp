@@ -72,8 +72,7 @@ private:
                 reading.Add({*next, ledger_.KnownHash(PathText(*next))}, bytes);
             }
             Enter(reading.Take());
-            summary_.isStopped =
-                events_.isStopped() && (next != files.end() || !reading.IsEmpty());
+            summary_.isStopped = events_.isStopped() && (next != files.end() || !reading.IsEmpty());
         }
     }
 

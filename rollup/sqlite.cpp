@@ -22,8 +22,8 @@ SqliteDatabase::SqliteDatabase(const std::string& file, Mode mode) : file_(file)
                                ": This is a folder. A roll-up in CSV files is named csv:FOLDER.");
     }
     sqlite3* opened = nullptr;
-    const int flags = mode == Mode::kRead ? SQLITE_OPEN_READONLY
-                                          : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    const int flags =
+        mode == Mode::kRead ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     const int result = sqlite3_open_v2(file.c_str(), &opened, flags, nullptr);
     database_.reset(opened);
     if (result != SQLITE_OK) {
@@ -64,17 +64,16 @@ void SqliteStatement::Bind(int parameter, const Cell& value) {
     if (const auto* text = std::get_if<std::string_view>(&value)) {
         // An empty view may have no address, which would bind null.
         const char* const begin = text->empty() ? "" : text->data();
-        result = sqlite3_bind_text64(statement, at, begin, text->size(), SQLITE_STATIC,
-                                     SQLITE_UTF8);
+        result =
+            sqlite3_bind_text64(statement, at, begin, text->size(), SQLITE_STATIC, SQLITE_UTF8);
     } else if (const auto* whole = std::get_if<std::int64_t>(&value)) {
         result = sqlite3_bind_int64(statement, at, *whole);
     } else if (const auto* truth = std::get_if<bool>(&value)) {
         result = sqlite3_bind_int(statement, at, *truth ? 1 : 0);
     } else if (const auto* number = std::get_if<double>(&value)) {
         // SQLite has no such number and would take null for it.
-        result = std::isnan(*number)
-                     ? sqlite3_bind_text(statement, at, "NaN", -1, SQLITE_STATIC)
-                     : sqlite3_bind_double(statement, at, *number);
+        result = std::isnan(*number) ? sqlite3_bind_text(statement, at, "NaN", -1, SQLITE_STATIC)
+                                     : sqlite3_bind_double(statement, at, *number);
     } else {
         result = sqlite3_bind_null(statement, at);
     }

@@ -91,8 +91,9 @@ public:
         : lock_(file + "-lock", waiting), database_(file, SqliteDatabase::Mode::kWrite) {
         // A commit then waits for no disk; a power cut can lose the last files of a run, which
         // the next one reads again.
-        database_.Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
-                          "PRAGMA wal_autocheckpoint = 4000; PRAGMA cache_size = -16000");
+        database_.Execute(
+            "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
+            "PRAGMA wal_autocheckpoint = 4000; PRAGMA cache_size = -16000");
         Make();
         for (const Table& table : Tables()) {
             insert_.push_back(database_.Prepare(InsertStatement(table)));
@@ -148,8 +149,8 @@ public:
 
     void RemoveContents(const FileRow& file) override {
         for (const Table& table : Tables().subspan(1)) {
-            SqliteStatement remove = database_.Prepare(
-                "DELETE FROM " + std::string(table.name) + " WHERE file_id = ?");
+            SqliteStatement remove =
+                database_.Prepare("DELETE FROM " + std::string(table.name) + " WHERE file_id = ?");
             remove.Bind(0, std::string_view(*file.fileId));
             remove.Run();
         }
@@ -157,8 +158,8 @@ public:
 
     void MoveContents(const FileRow& file, std::optional<std::int64_t> year) override {
         for (const Table& table : Tables().subspan(1)) {
-            SqliteStatement move = database_.Prepare(
-                "UPDATE " + std::string(table.name) + " SET year = ? WHERE file_id = ?");
+            SqliteStatement move = database_.Prepare("UPDATE " + std::string(table.name) +
+                                                     " SET year = ? WHERE file_id = ?");
             move.Bind(0, year ? Cell(*year) : Cell());
             move.Bind(1, std::string_view(*file.fileId));
             move.Run();
@@ -183,8 +184,9 @@ public:
         }
         try {
             // One file again, which can be copied; who reads it just now keeps it as it is.
-            database_.Execute("PRAGMA busy_timeout = 0; PRAGMA wal_checkpoint(TRUNCATE);"
-                              "PRAGMA journal_mode = DELETE");
+            database_.Execute(
+                "PRAGMA busy_timeout = 0; PRAGMA wal_checkpoint(TRUNCATE);"
+                "PRAGMA journal_mode = DELETE");
         } catch (const DestinationError&) {
             return;
         }

@@ -11,32 +11,32 @@ namespace {
 using enum ColumnType;
 
 constexpr std::array kFileColumns{
-    Column{"file_id", kText}, Column{"path", kText},      Column{"sha256", kText},
-    Column{"bytes", kWhole},  Column{"format", kText},    Column{"jet", kWhole},
-    Column{"unit", kText},    Column{"state", kText},     Column{"year", kWhole},
+    Column{"file_id", kText},   Column{"path", kText},   Column{"sha256", kText},
+    Column{"bytes", kWhole},    Column{"format", kText}, Column{"jet", kWhole},
+    Column{"unit", kText},      Column{"state", kText},  Column{"year", kWhole},
     Column{"unit_name", kText}, Column{"status", kText}, Column{"reason", kText}};
 constexpr std::array kPropertyColumns{Column{"file_id", kText}, Column{"year", kWhole},
                                       Column{"property", kText}, Column{"value", kText}};
 constexpr std::array kGoalColumns{Column{"file_id", kText}, Column{"year", kWhole},
                                   Column{"number", kWhole}, Column{"area", kText},
                                   Column{"explanation", kText}};
-constexpr std::array kResourceColumns{
-    Column{"file_id", kText},   Column{"year", kWhole},       Column{"sequence", kWhole},
-    Column{"long_name", kText}, Column{"short_name", kText},  Column{"units", kText},
-    Column{"unit_type", kText}, Column{"cost", kNumber}};
+constexpr std::array kResourceColumns{Column{"file_id", kText},    Column{"year", kWhole},
+                                      Column{"sequence", kWhole},  Column{"long_name", kText},
+                                      Column{"short_name", kText}, Column{"units", kText},
+                                      Column{"unit_type", kText},  Column{"cost", kNumber}};
 constexpr std::array kZoneColumns{Column{"file_id", kText}, Column{"year", kWhole},
                                   Column{"zone", kWhole}, Column{"name", kText},
                                   Column{"rl_count", kWhole}};
-constexpr std::array kCostColumns{Column{"file_id", kText}, Column{"year", kWhole},
-                                  Column{"zone", kWhole},   Column{"class", kWhole},
+constexpr std::array kCostColumns{Column{"file_id", kText},    Column{"year", kWhole},
+                                  Column{"zone", kWhole},      Column{"class", kWhole},
                                   Column{"top_size", kNumber}, Column{"cost", kNumber}};
 constexpr std::array kNvcResourceColumns{Column{"file_id", kText}, Column{"year", kWhole},
                                          Column{"resource", kWhole}, Column{"name", kText}};
 constexpr std::array kNvcColumns{
-    Column{"file_id", kText}, Column{"year", kWhole},   Column{"zone", kWhole},
+    Column{"file_id", kText},   Column{"year", kWhole},     Column{"zone", kWhole},
     Column{"location", kWhole}, Column{"resource", kWhole}, Column{"fil1", kNumber},
-    Column{"fil2", kNumber},  Column{"fil3", kNumber},  Column{"fil4", kNumber},
-    Column{"fil5", kNumber},  Column{"fil6", kNumber},  Column{"live", kTruth}};
+    Column{"fil2", kNumber},    Column{"fil3", kNumber},    Column{"fil4", kNumber},
+    Column{"fil5", kNumber},    Column{"fil6", kNumber},    Column{"live", kTruth}};
 
 constexpr std::array<Table, kTables> kAll{
     Table{TableId::kFiles, "files", kFileColumns},
@@ -180,11 +180,18 @@ Status StatusOf(std::string_view name) {
 }
 
 void FileCells(const FileRow& file, const TakeRow& take) {
-    const std::array<Cell, kFileColumns.size()> row{
-        CellOf(file.fileId), Cell(std::string_view(file.path)), CellOf(file.sha256),
-        CellOf(file.bytes),  CellOf(file.format),               CellOf(file.jet),
-        CellOf(file.unit),   CellOf(file.state),                CellOf(file.year),
-        CellOf(file.unitName), Cell(StatusName(file.status)),   CellOf(file.reason)};
+    const std::array<Cell, kFileColumns.size()> row{CellOf(file.fileId),
+                                                    Cell(std::string_view(file.path)),
+                                                    CellOf(file.sha256),
+                                                    CellOf(file.bytes),
+                                                    CellOf(file.format),
+                                                    CellOf(file.jet),
+                                                    CellOf(file.unit),
+                                                    CellOf(file.state),
+                                                    CellOf(file.year),
+                                                    CellOf(file.unitName),
+                                                    Cell(StatusName(file.status)),
+                                                    CellOf(file.reason)};
     take(TableId::kFiles, row);
 }
 

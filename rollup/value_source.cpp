@@ -29,14 +29,12 @@ std::int64_t WholeOf(const std::string& text) {
 
 class SqliteValues : public ValueSource {
 public:
-    explicit SqliteValues(const std::string& file)
-        : database_(file, SqliteDatabase::Mode::kRead) {}
+    explicit SqliteValues(const std::string& file) : database_(file, SqliteDatabase::Mode::kRead) {}
 
     void EachRow(const Take& take) override { GiveRows(database_.Prepare(kValuesQuery), take); }
 
     void EachRowOf(const std::string& fileId, const Take& take) override {
-        SqliteStatement rows =
-            database_.Prepare(std::string(kValuesQuery) + " AND file_id = ?");
+        SqliteStatement rows = database_.Prepare(std::string(kValuesQuery) + " AND file_id = ?");
         rows.Bind(0, std::string_view(fileId));
         GiveRows(std::move(rows), take);
     }
@@ -75,12 +73,12 @@ public:
     }
 
     void EachRowOf(const std::string& fileId, const Take& take) override {
-        folder_.EachFile(TableId::kNvc, [&](const std::filesystem::path& file, Year,
-                                            const std::string& id) {
-            if (id == fileId) {
-                GiveRows(file, take);
-            }
-        });
+        folder_.EachFile(TableId::kNvc,
+                         [&](const std::filesystem::path& file, Year, const std::string& id) {
+                             if (id == fileId) {
+                                 GiveRows(file, take);
+                             }
+                         });
     }
 
     std::optional<std::string> ContentsOf(const std::string& path) override {

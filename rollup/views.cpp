@@ -119,9 +119,9 @@ WHERE s.deviation > 0)";
 constexpr std::string_view kOutliers = R"(
 SELECT * FROM nvc_distances WHERE others >= 20 AND distance > 5)";
 
-constexpr std::array kViews{
-    View{"nvc_values", kValues}, View{"nvc_totals", kTotals}, View{"cost_classes", kCostClasses},
-    View{"nvc_changes", kChanges}, View{"nvc_distances", kDistances}, View{"nvc_outliers", kOutliers}};
+constexpr std::array kViews{View{"nvc_values", kValues},        View{"nvc_totals", kTotals},
+                            View{"cost_classes", kCostClasses}, View{"nvc_changes", kChanges},
+                            View{"nvc_distances", kDistances},  View{"nvc_outliers", kOutliers}};
 
 }  // namespace
 
@@ -130,7 +130,7 @@ std::span<const View> Views() {
 }
 
 std::vector<std::string> ViewStatements(Dialect dialect) {
-    const std::string create = dialect == Dialect::kSqlite    ? "CREATE VIEW IF NOT EXISTS "
+    const std::string create = dialect == Dialect::kSqlite   ? "CREATE VIEW IF NOT EXISTS "
                                : dialect == Dialect::kDuckDb ? "CREATE OR REPLACE VIEW "
                                                              : "CREATE VIEW ";
     std::vector<std::string> statements;

@@ -9,7 +9,8 @@ namespace {
 
 [[noreturn]] void Refuse() {
     throw DestinationError(
-        "This build of fcdtool lacks PostgreSQL's library. Roll up into SQLite or CSV files, or do it on Linux.");
+        "This build of fcdtool lacks PostgreSQL's library. Roll up into SQLite or CSV files, or do "
+        "it on Linux.");
 }
 
 }  // namespace

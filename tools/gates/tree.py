@@ -5,8 +5,8 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
-FOLDERS = ["jet", "platform", "base", "shell", "datafile", "worksheets", "import", "tools", "tests",
-           "season", "review", "plots", "tarnreview", "jetsql", "fuzz", "bench"]
+FOLDERS = sorted(path.name for path in ROOT.iterdir()
+                 if path.is_dir() and not path.name.startswith(("build", ".")))
 CODE = {".h", ".cpp"}
 
 
