@@ -14,7 +14,7 @@ ORDERS = [["jet", "platform", "base", "datafile", "import", "worksheets", "shell
 WITHOUT_QT = {"jet", "season", "review", "rollup", "jetsql"}
 # The folders inside the engine, from the bottom up.
 ENGINE = ["os", "page", "values", "record", "index", "table", "catalog", "recordset", "query",
-          "check", "capi"]
+          "database", "check", "capi"]
 FREE = {"tools", "tests", "fuzz", "bench"}
 MAY_USE_JET = {"jet", "platform", "season", "rollup", "jetsql"} | FREE
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
@@ -35,18 +35,18 @@ def target(path, quote, included):
 
 
 def floor(name):
-    """The floor of a file of the engine's private side; None for those above all of them."""
+    """The floor of a file of the engine's private side; None for those that are above it."""
     parts = name.split("/")
-    if parts[:2] != ["jet", "src"] or len(parts) < 4:
+    if parts[:2] != ["jet", "src"]:
         return None
-    return ENGINE.index(parts[2]) if parts[2] in ENGINE else -1
+    return ENGINE.index(parts[2]) if len(parts) > 3 and parts[2] in ENGINE else -1
 
 
 def engine_offence(own, found):
     """What is wrong with an include from one file of the engine to another, or None."""
     above, below = floor(own), floor(found)
     if -1 in (above, below):
-        return "a folder of the engine that has no place in its order"
+        return "a file or folder of the engine that has no place in its order"
     if above is None:
         return None
     if found.startswith("jet/src/") and (below is None or below > above):

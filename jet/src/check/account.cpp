@@ -65,7 +65,7 @@ std::vector<std::byte> PageAccount::MapRow(RowId row, bool global) const {
     }
     const auto page = context_.pages.Read(row.page.value);
     const bool right = IsDataPage(page) && PageOwner(page) == (global ? 1U : 0U);
-    if (!right || row.slot >= ReadU16(page, context_.format.rowCountAt)) {
+    if (!right || row.slot >= ClaimedSlotCount(page, context_.format)) {
         throw Damage{"map-pointer", "A usage map is said to be " + name + ", where none is."};
     }
     const SlotKind kind = ReadSlotKind(page, context_.format, row.slot);

@@ -189,7 +189,7 @@ private:
         const auto table =
             std::find_if(tables_.begin(), tables_.end(),
                          [&](const TableLayout& candidate) { return candidate.page == owner; });
-        const std::uint32_t count = ReadU16(page, context_.format.rowCountAt);
+        const std::uint32_t count = ClaimedSlotCount(page, context_.format);
         for (std::uint32_t i = 0; table != tables_.end() && i < std::min(count, 255U); ++i) {
             if (ReadSlotKind(page, context_.format, i) != SlotKind::kDeleted) {
                 return table->name;

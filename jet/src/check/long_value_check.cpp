@@ -87,7 +87,7 @@ std::vector<std::byte> LongValueCheck::Piece(const Column& column, RowId row, co
     }
     const auto page = context_.pages.Read(row.page.value);
     if (!IsDataPage(page) || PageOwner(page) != kLongValueOwner ||
-        row.slot >= ReadU16(page, context_.format.rowCountAt)) {
+        row.slot >= ClaimedSlotCount(page, context_.format)) {
         throw Damage{code, sentence + ", where none is."};
     }
     const std::optional<Slot> slot = FindSlot(page, context_.format, row.slot);

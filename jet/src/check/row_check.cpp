@@ -157,9 +157,8 @@ std::vector<std::byte> RowCheck::Follow(Bytes pointerRow) {
         throw Damage{code, "The row has moved to " + name + ", which is not the table's."};
     }
     const auto page = context_.pages.Read(target.page.value);
-    const std::uint32_t count = ReadU16(page, context_.format.rowCountAt);
-    if (target.slot >= count ||
-        (ReadU32(page, kOwnerAt) != table_.page && !IsLenient(target.page.value))) {
+    const std::uint32_t count = ClaimedSlotCount(page, context_.format);
+    if (target.slot >= count || (PageOwner(page) != table_.page && !IsLenient(target.page.value))) {
         throw Damage{code, "The row has moved to " + name + ", which is not there."};
     }
     if (ReadSlotKind(page, context_.format, target.slot) != SlotKind::kTarget) {

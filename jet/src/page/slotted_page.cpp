@@ -20,7 +20,7 @@ std::optional<Slot> SlotAmong(Bytes page, const Format& format, std::uint32_t co
 }  // namespace
 
 std::optional<Slot> FindSlot(Bytes page, const Format& format, std::uint32_t slot) {
-    const std::uint32_t count = ReadU16(page, format.rowCountAt);
+    const std::uint32_t count = ClaimedSlotCount(page, format);
     if (count > kMostSlots + 1 || slot >= count) return std::nullopt;
     return SlotAmong(page, format, count, slot);
 }

@@ -49,9 +49,13 @@ inline bool IsDataPage(Bytes page) {
 inline std::uint32_t PageOwner(Bytes page) {
     return ReadU32(page, 4);
 }
+// What the page says, which may be more than it can have.
+inline std::uint32_t ClaimedSlotCount(Bytes page, const Format& format) {
+    return ReadU16(page, format.rowCountAt);
+}
 // kDamaged when the number is more than a page can have.
 inline std::uint32_t SlotCount(Bytes page, const Format& format) {
-    const std::uint32_t count = ReadU16(page, format.rowCountAt);
+    const std::uint32_t count = ClaimedSlotCount(page, format);
     if (count > kMostSlots + 1) ThrowDamaged("The file is damaged: a page has too many rows.");
     return count;
 }

@@ -7,6 +7,7 @@
 #include "page/bits.h"
 #include "page/bytes.h"
 #include "page/map_row.h"
+#include "page/slotted_page.h"
 
 namespace jet {
 
@@ -312,7 +313,7 @@ PageNumber FirstMapRowPage(Pager& pager) {
 bool TakesMapRows(Pager& pager, PageNumber page) {
     if (page.value < 2 || page.value >= pager.PageCount()) return false;
     const PageRef holder = pager.Page(page);
-    return ReadU16(holder.Data(), 0) == kDataPageType && ReadU32(holder.Data(), 4) == 0;
+    return IsDataPage(holder.Data()) && PageOwner(holder.Data()) == 0;
 }
 
 }  // namespace
@@ -322,7 +323,7 @@ UsageMap UsageMap::Create(Operation& operation) {
     const Format& format = pager.FileFormat();
     for (const PageNumber page : {operation.MapRowPage(), FirstMapRowPage(pager)}) {
         if (!TakesMapRows(pager, page)) continue;
-        const std::uint16_t slot = ReadU16(pager.Page(page).Data(), format.rowCountAt);
+        const std::uint32_t slot = SlotCount(pager.Page(page).Data(), format);
         if (AppendMapRow(operation.Change(page), format, format.initialMapRow)) {
             return {pager, RowId{page, static_cast<std::uint8_t>(slot)}};
         }

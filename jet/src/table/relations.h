@@ -47,7 +47,8 @@ public:
     // kNoRelatedRecord when a reference of the row leads nowhere. Only references with a column
     // that is given are looked at, or all of them of a new row. The row's entries are made.
     void RequireParents(const RowValues& row, bool isNew, const ColumnValue& value) const;
-    // Adds the rows that go with this one. kRelatedRecords when a row stays that refers to it.
+    // Adds the rows that are deleted with this one. kRelatedRecords when a row stays that refers to
+    // it.
     void CascadeDelete(RowId row, const ColumnValue& old, std::vector<TableRow>& deletions) const;
     // Adds the changes of the rows that refer to this one. kRelatedRecords when there are such and
     // the relationship does not cascade.
