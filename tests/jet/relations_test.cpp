@@ -201,6 +201,22 @@ TEST_P(RelationsTest, ACascadeThatIsRefused_ChangesNothing) {
     EXPECT_EQ(units_->RecordCount(), 2);
 }
 
+TEST_P(RelationsTest, TwoWaysToOneRow_DeleteItOnce) {
+    Relate({.deletes = true});
+    jet::Relate(*database_, u"Units", u"Key", u"Zones", u"Above", {.deletes = true});
+    Reopen();
+    AddUnit(1);
+    AddUnit(2);
+    for (int zone = 0; zone < 300; ++zone) AddZone(zone, 1, 1);
+    AddZone(300, 2, 1);
+    AddZone(301, 2, 2);
+    const auto query = database_->OpenQuery("SELECT * FROM Zones");
+    Delete(*units_, 1);
+    EXPECT_EQ(Zones(), "301:2 ");
+    EXPECT_EQ(query->RecordCount(), 1);
+    EXPECT_EQ(zones_->RecordCount(), 1);
+}
+
 TEST_P(RelationsTest, ATable_CanReferToItself) {
     RelateToSelf({});
     AddZone(1, Value(), 1);

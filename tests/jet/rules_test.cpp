@@ -65,6 +65,24 @@ TEST_P(Rules, EmptyTexts_AreRefusedWhereTheFieldSaysSo) {
     EXPECT_EQ(rows_->RecordCount(), 1);
 }
 
+TEST_P(Rules, RequiredFields_TakeNoNull) {
+    TableSchema schema = Schema({});
+    schema.columns[0].required = true;
+    schema.columns.push_back({.name = "Done", .type = ColumnType::kBoolean, .required = true});
+    Create(schema);
+    EXPECT_EQ(ErrorOf([&] { Add(Value()); }), ErrorKind::kNullNotAllowed);
+    rows_->AddNew();
+    EXPECT_EQ(ErrorOf([&] { rows_->Update(); }), ErrorKind::kNullNotAllowed);
+    Add(1);
+    rows_->MoveFirst();
+    EXPECT_EQ(rows_->Get("Done"), Value(false));
+    rows_->Edit();
+    rows_->Set("Zone", Value());
+    EXPECT_EQ(ErrorOf([&] { rows_->Update(); }), ErrorKind::kNullNotAllowed);
+    rows_->CancelUpdate();
+    EXPECT_EQ(rows_->RecordCount(), 1);
+}
+
 TEST_P(Rules, AFieldsRule_HoldsForEveryWrite) {
     Create(Schema(">0 And <100", "A zone has a number from 1 to 99."));
     Add(1);

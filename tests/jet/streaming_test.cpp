@@ -139,6 +139,52 @@ TEST_P(Streaming, Texts_AreReadAsUtf8) {
     EXPECT_FALSE(people_->ReadText(people_->Field("Name"), utf8));
 }
 
+void ExpectEveryCallClosed(Recordset& rows, FieldId field) {
+    const auto expectClosed = [&](const auto& call) {
+        EXPECT_EQ(ErrorOf(call), ErrorKind::kClosed);
+    };
+    expectClosed([&] { static_cast<void>(rows.Fields()); });
+    expectClosed([&] { static_cast<void>(rows.Field("Story")); });
+    expectClosed([&] { rows.SetIndex(""); });
+    expectClosed([&] { static_cast<void>(rows.Index()); });
+    expectClosed([&] { rows.MoveFirst(); });
+    expectClosed([&] { rows.MoveLast(); });
+    expectClosed([&] { rows.MoveNext(); });
+    expectClosed([&] { rows.MovePrevious(); });
+    expectClosed([&] { static_cast<void>(rows.IsBof()); });
+    expectClosed([&] { static_cast<void>(rows.IsEof()); });
+    expectClosed([&] { static_cast<void>(rows.RecordCount()); });
+    expectClosed([&] { static_cast<void>(rows.RecordId()); });
+    expectClosed([&] { rows.Seek(Comparison::kEqual, {1}); });
+    expectClosed([&] { static_cast<void>(rows.NoMatch()); });
+    std::vector<std::byte> key;
+    expectClosed([&] { rows.MakeKey(std::vector<Value>{1}, key); });
+    expectClosed([&] { static_cast<void>(rows.CompareToKey(key)); });
+    expectClosed([&] { rows.AddNew(); });
+    expectClosed([&] { rows.Edit(); });
+    expectClosed([&] { rows.Append(field, u"y"); });
+    expectClosed([&] { rows.Append(field, std::span<const std::byte>(key)); });
+    expectClosed([&] { rows.Update(); });
+    expectClosed([&] { rows.CancelUpdate(); });
+    expectClosed([&] { rows.Delete(); });
+    expectClosed([&] { static_cast<void>(rows.IsEditing()); });
+    for (const FieldId any : {field, FieldId{1000}}) {
+        std::int32_t number = 0;
+        float single = 0;
+        double fraction = 0;
+        std::u16string text;
+        std::string utf8;
+        expectClosed([&] { static_cast<void>(rows.Get(any)); });
+        expectClosed([&] { rows.ReadLong(any, number); });
+        expectClosed([&] { rows.ReadSingle(any, single); });
+        expectClosed([&] { rows.ReadDouble(any, fraction); });
+        expectClosed([&] { rows.ReadText(any, text); });
+        expectClosed([&] { rows.ReadText(any, utf8); });
+        expectClosed([&] { static_cast<void>(rows.OpenReader(any)); });
+        expectClosed([&] { rows.Set(any, u"y"); });
+    }
+}
+
 TEST_P(Streaming, AfterClose_EveryCallSaysSo) {
     Add(u"x", {});
     const auto query = database_->OpenQuery("SELECT * FROM People");
@@ -146,35 +192,21 @@ TEST_P(Streaming, AfterClose_EveryCallSaysSo) {
         const FieldId field = rows->Field("Story");
         rows->Close();
         rows->Close();
-        const auto expectClosed = [&](const auto& call) {
-            EXPECT_EQ(ErrorOf(call), ErrorKind::kClosed);
-        };
-        expectClosed([&] { static_cast<void>(rows->Fields()); });
-        expectClosed([&] { static_cast<void>(rows->Field("Story")); });
-        expectClosed([&] { rows->SetIndex(""); });
-        expectClosed([&] { static_cast<void>(rows->Index()); });
-        expectClosed([&] { rows->MoveFirst(); });
-        expectClosed([&] { rows->MoveLast(); });
-        expectClosed([&] { rows->MoveNext(); });
-        expectClosed([&] { rows->MovePrevious(); });
-        expectClosed([&] { static_cast<void>(rows->IsBof()); });
-        expectClosed([&] { static_cast<void>(rows->IsEof()); });
-        expectClosed([&] { static_cast<void>(rows->RecordCount()); });
-        expectClosed([&] { rows->Seek(Comparison::kEqual, {1}); });
-        expectClosed([&] { static_cast<void>(rows->NoMatch()); });
-        expectClosed([&] { static_cast<void>(rows->Get(field)); });
-        std::u16string text;
-        expectClosed([&] { rows->ReadText(field, text); });
-        expectClosed([&] { static_cast<void>(rows->OpenReader(field)); });
-        expectClosed([&] { rows->AddNew(); });
-        expectClosed([&] { rows->Edit(); });
-        expectClosed([&] { rows->Set(field, u"y"); });
-        expectClosed([&] { rows->Append(field, u"y"); });
-        expectClosed([&] { rows->Update(); });
-        expectClosed([&] { rows->CancelUpdate(); });
-        expectClosed([&] { rows->Delete(); });
-        expectClosed([&] { static_cast<void>(rows->IsEditing()); });
+        ExpectEveryCallClosed(*rows, field);
     }
+}
+
+TEST_P(Streaming, AfterTheDatabaseIsClosed_EveryCallSaysSo_InAnEditToo) {
+    Add(u"x", {});
+    const auto query = database_->OpenQuery("SELECT * FROM People");
+    const FieldId field = people_->Field("Story");
+    people_->AddNew();
+    people_->Set(field, u"y");
+    query->Edit();
+    query->Set(field, u"y");
+    database_->Close();
+    ExpectEveryCallClosed(*people_, field);
+    ExpectEveryCallClosed(*query, field);
 }
 
 }  // namespace

@@ -158,7 +158,8 @@ void BaseRecordset::ThrowDropped() const {
                 "The table '" + table_->Name() + "' is not there: its creation was rolled back.");
 }
 
-void BaseRecordset::ThrowNoField() {
+void BaseRecordset::ThrowNoField() const {
+    RequireOpen();
     throw Error(ErrorKind::kNoSuchField, "The record set has no such field.");
 }
 
@@ -241,6 +242,7 @@ bool BaseRecordset::ReadDouble(FieldId field, double& into) const {
 
 bool BaseRecordset::ReadText(FieldId field, std::u16string& into) const {
     return Guarded([&] {
+        RequireOpen();
         const std::size_t column = ColumnOf(field).column;
         if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
         const Value& value = values_.values[column];
@@ -252,6 +254,7 @@ bool BaseRecordset::ReadText(FieldId field, std::u16string& into) const {
 
 bool BaseRecordset::ReadText(FieldId field, std::string& into) const {
     return Guarded([&] {
+        RequireOpen();
         const std::size_t column = ColumnOf(field).column;
         if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
         const Value& value = values_.values[column];

@@ -102,7 +102,7 @@ private:
         if (position >= columns_.size()) ThrowNoField();
         return columns_[position];
     }
-    [[noreturn]] static void ThrowNoField();
+    [[noreturn]] void ThrowNoField() const;
     [[noreturn]] void ThrowDropped() const;
     [[noreturn]] static void ThrowClosed();
     // True when the bytes of the current record are a number of this very type.

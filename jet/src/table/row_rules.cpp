@@ -39,7 +39,9 @@ void RowRules::RequireKnown() const {
 
 void RowRules::CheckColumn(std::size_t column, const Value& value) const {
     const Column& checked = definition_->columns[column];
-    if (checked.required && value.IsNull()) {
+    // A field of yes and no has no null: without a value it is no.
+    const bool isNull = value.IsNull() && checked.type != ColumnType::kBoolean;
+    if (checked.required && isNull) {
         throw Error(ErrorKind::kNullNotAllowed,
                     "The field '" + checked.name +
                         "' cannot contain a null value because it is a required field.");

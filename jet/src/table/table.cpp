@@ -368,17 +368,16 @@ bool Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
 void Table::Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted) {
     StoredRow stored;
     deleted.assign(1, {this, id});
-    for (std::size_t i = 0; i < deleted.size();) {
+    std::size_t done = 0;
+    for (std::size_t i = 0; i < deleted.size(); ++i) {
         const TableRow next = deleted[i];
         // Two relationships can lead to one row.
-        if (i > 0 && !next.table->rows_.Find(next.row, stored)) {
-            deleted.erase(deleted.begin() + static_cast<std::ptrdiff_t>(i));
-            continue;
-        }
+        if (i > 0 && !next.table->rows_.Find(next.row, stored)) continue;
         stored = StoredRow();
         next.table->DeleteOne(operation, next.row, deleted);
-        ++i;
+        deleted[done++] = next;
     }
+    deleted.resize(done);
 }
 
 void Table::DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade) {
