@@ -400,6 +400,20 @@ TEST_P(IndexTreeTest, HasKey_PassesOverTheRowItself) {
     EXPECT_TRUE(Tree().HasKey(entry.key, entry.row));
 }
 
+// The bytes of a row behind a shorter key can look like the rest of a longer one.
+TEST_P(IndexTreeTest, RowsBeginningWith_TellsKeysFromRows) {
+    const Key start = {std::byte{1}, std::byte{2}, std::byte{3}};
+    const Key shorter = {std::byte{1}, std::byte{2}};
+    Key longer = start;
+    longer.push_back(std::byte{9});
+    Insert({shorter, {PageNumber{0x030000}, 1}});
+    Insert({start, {PageNumber{0x040000}, 2}});
+    Insert({longer, {PageNumber{0x050000}, 3}});
+    EXPECT_EQ(RowsBeginningWith(Tree(), start),
+              (std::vector<RowId>{{PageNumber{0x040000}, 2}, {PageNumber{0x050000}, 3}}));
+    EXPECT_EQ(RowsBeginningWith(Tree(), shorter).size(), 3U);
+}
+
 // Other writers leave nodes without one; it is given when an entry comes that belongs there.
 TEST_P(IndexTreeTest, RootWithoutTail_TakesEntriesAboveItsLastChild) {
     for (int i = 0; i < 500; ++i) {

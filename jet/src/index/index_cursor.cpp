@@ -1,8 +1,10 @@
 #include "index/index_cursor.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "index/leaf_search.h"
+#include "page/bytes.h"
 
 namespace jet {
 
@@ -126,6 +128,19 @@ void IndexCursor::SeekToEntry(IndexEntry entry) noexcept {
     valid_ = true;
     turn_.clear();
     leaf_ = PageRef();
+}
+
+std::vector<RowId> RowsBeginningWith(const IndexTree& tree, Bytes start) {
+    std::vector<RowId> rows;
+    IndexCursor cursor(tree);
+    for (bool on = cursor.Seek(start, SeekTo::kBeginning); on; on = cursor.Next()) {
+        const Bytes key = cursor.Entry().key;
+        const std::size_t common = std::min(key.size(), start.size());
+        if (!Equal(key.first(common), start.first(common))) break;
+        // A shorter key can look like it together with its row.
+        if (common == start.size()) rows.push_back(cursor.Entry().row);
+    }
+    return rows;
 }
 
 }  // namespace jet

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "index/index_tree.h"
 
@@ -65,5 +66,8 @@ private:
     Key turn_;
     bool forward_ = true;
 };
+
+// The rows of all entries whose key begins with `start`, in the order of the index.
+[[nodiscard]] std::vector<RowId> RowsBeginningWith(const IndexTree& tree, Bytes start);
 
 }  // namespace jet

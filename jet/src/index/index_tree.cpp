@@ -8,17 +8,6 @@ namespace jet {
 IndexTree::IndexTree(Pager& pager, PageNumber table, PageNumber root, UsageMap pages)
     : pager_(&pager), table_(table), root_(root), pages_(pages) {}
 
-std::vector<RowId> IndexTree::RowsBeginningWith(Bytes start) const {
-    const LeafSearch tree(*pager_, table_, root_);
-    std::vector<RowId> rows;
-    LeafPlace place = tree.Find({start, EntryBound::Rule::kNotBelow});
-    for (std::uint32_t hops = 0; !place.IsEnd() && place.leaf.BeginsWith(place.at, start);
-         tree.Advance(place, hops)) {
-        rows.push_back(place.leaf.RowAt(place.at));
-    }
-    return rows;
-}
-
 bool IndexTree::HasKey(Bytes key, RowId except) const {
     const LeafSearch tree(*pager_, table_, root_);
     LeafPlace place = tree.Find({key, EntryBound::Rule::kNotBelow});

@@ -29,8 +29,6 @@ public:
     [[nodiscard]] PageNumber Table() const { return table_; }
     [[nodiscard]] PageNumber Root() const { return root_; }
 
-    // The rows of all entries that begin with `start`, in the order of the index.
-    [[nodiscard]] std::vector<RowId> RowsBeginningWith(Bytes start) const;
     // True when an entry with exactly this key exists, other than that of `except`.
     [[nodiscard]] bool HasKey(Bytes key, RowId except = {}) const;
 

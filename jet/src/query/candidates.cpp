@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "index/index_cursor.h"
 #include "values/text.h"
 
 namespace jet {
@@ -57,7 +58,7 @@ std::optional<std::vector<RowId>> RowsByIndex(const Table& table, const Conditio
         if (index->Obstacle() || parts.empty() || parts.front().column != column) continue;
         const auto start = KeyStart(table, *index, condition);
         if (!start) continue;
-        std::vector<RowId> rows = index->Tree().RowsBeginningWith(*start);
+        std::vector<RowId> rows = RowsBeginningWith(index->Tree(), *start);
         std::sort(rows.begin(), rows.end());
         rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
         return rows;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "index/index_cursor.h"
 #include "jet/error.h"
 #include "table/table.h"
 
@@ -76,7 +77,7 @@ std::optional<std::vector<Value>> Relations::Reference(const LogicalIndex& relat
 std::vector<RowId> Relations::RowsOf(const Side& side, const std::vector<Value>& reference) const {
     Key key;
     side.index->MakeSearchKey(reference, key);
-    return side.index->Tree().RowsBeginningWith(key);
+    return RowsBeginningWith(side.index->Tree(), key);
 }
 
 void Relations::RequireParents(const RowValues& row, bool isNew, const ColumnValue& value) const {
