@@ -3,7 +3,7 @@
 #include "platform/EventTrap.h"
 #include "platform/controls/ButtonMnemonics.h"
 #include "platform/controls/ClipboardShortcuts.h"
-#include "platform/controls/LegibleStyle.h"
+#include "platform/controls/StyleChoice.h"
 #include "platform/system/NativePath.h"
 #include "platform/system/OwnFonts.h"
 #include "platform/system/StartHelpers.h"
@@ -13,18 +13,17 @@
 #include "shell/Scenery.h"
 #include "shell/frm0_Prep.h"
 
-using platform::LegibleStyle;
-
 int main(int argc, char* argv[]) {
     const QString commandLine = platform::CommandLine(argc, argv);
     int programNameOnly = 1;
     platform::Beside fonts(platform::ReadFonts);
+    platform::FollowSystemColors();
     QApplication application(programNameOnly, argv);
     const platform::Beside bus(platform::ConnectToSessionBus);
     platform::LoadTranslations();
     // A message box may be the only window for a while; the program ends with the main frame.
     QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setStyle(new LegibleStyle);
+    platform::InstallLegibleStyle();
     QApplication::setWindowIcon(Scenery::Icon(QApplication::palette()));
     platform::InstallClipboardShortcutFilter();
     platform::InstallImmediateMnemonics();

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "platform/controls/ButtonMnemonics.h"
-#include "platform/controls/LegibleStyle.h"
+#include "platform/controls/StyleChoice.h"
 #include "platform/dialogs/MsgBox.h"
 #include "platform/help/HelpViewer.h"
 #include "platform/system/Files.h"
@@ -19,7 +19,6 @@
 #include "tarnreview/ReviewIcon.h"
 #include "tarnreview/frmReview.h"
 
-using platform::LegibleStyle;
 using tarnreview::frmReview;
 
 namespace {
@@ -52,11 +51,12 @@ int main(int argc, char* argv[]) {
     const QString path = platform::CommandLine(argc, argv);
     int programNameOnly = 1;
     platform::Beside fonts(platform::ReadFonts);
+    platform::FollowSystemColors();
     QApplication application(programNameOnly, argv);
     const platform::Beside bus(platform::ConnectToSessionBus);
     platform::LoadTranslations();
     QGuiApplication::setDesktopFileName(QStringLiteral("tarnreview"));
-    QApplication::setStyle(new LegibleStyle);
+    platform::InstallLegibleStyle();
     QApplication::setWindowIcon(ReviewIcon());
     platform::SetMsgBoxTitle(QStringLiteral("TARN Review"));
     platform::InstallImmediateMnemonics();

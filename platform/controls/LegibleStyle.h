@@ -18,6 +18,7 @@ class LegibleStyle : public QProxyStyle {
 
 public:
     using QProxyStyle::polish;
+    using QProxyStyle::QProxyStyle;
     void polish(QPalette& palette) override;
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;

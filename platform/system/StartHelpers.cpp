@@ -43,6 +43,15 @@ void ReadFonts() {
 #endif
 }
 
+void FollowSystemColors() {
+#ifdef Q_OS_WIN
+    constexpr const char* kPlatform = "QT_QPA_PLATFORM";
+    if (!qEnvironmentVariableIsSet(kPlatform)) {
+        qputenv(kPlatform, "windows:darkmode=2");
+    }
+#endif
+}
+
 void ConnectToSessionBus() {
 #if QT_CONFIG(dbus)
     QDBusConnection::sessionBus();

@@ -1,4 +1,5 @@
-// What a start has to wait for, done in threads of their own while it goes on.
+// What belongs to a start; what it has to wait for is done in threads of their own while it goes
+// on.
 #pragma once
 
 #include <thread>
@@ -23,6 +24,10 @@ private:
 // measured, or that would read it once more. Touches nothing of the toolkit, so that it may run
 // before there is an application object.
 void ReadFonts();
+
+// Lets the colors of the desktop reach the programs where Qt has to be asked for it: the dark ones
+// of Windows. Belongs before the application object.
+void FollowSystemColors();
 
 // Connects to the session's message bus. The first accessible name of a control waits for it, for
 // some milliseconds where no bus is running. Needs the application object.

@@ -22,6 +22,7 @@
 #include "platform/controls/LegibleStyle.h"
 #include "platform/controls/SSPanel.h"
 #include "platform/controls/ScrolledPage.h"
+#include "platform/controls/StyleChoice.h"
 #include "platform/controls/vsIndexTab.h"
 
 using platform::LegibleStyle;
@@ -223,6 +224,19 @@ TEST(ScrolledPageTest, DialogWithRoom_ShowsAllOfItsPage) {
     QApplication::processEvents();
     EXPECT_EQ(page->verticalScrollBar()->maximum(), 0);
     EXPECT_GE(text->height(), text->heightForWidth(text->width()));
+}
+
+TEST(StyleChoiceTest, DarkColors_AreDrawnByAStyleThatKnowsThem) {
+    const QPalette dark = AllOf(Qt::black, Qt::white);
+    const QPalette light = AllOf(Qt::white, Qt::black);
+    EXPECT_EQ(platform::FittingStyle("windows", dark), "Fusion");
+    EXPECT_EQ(platform::FittingStyle("windows", light), "") << "the desktop's own";
+    EXPECT_EQ(platform::FittingStyle("xcb", dark), "");
+}
+
+TEST(StyleChoiceTest, InstalledStyle_IsLegible) {
+    platform::InstallLegibleStyle();
+    EXPECT_NE(qobject_cast<LegibleStyle*>(QApplication::style()), nullptr);
 }
 
 TEST(IndexTabFontTest, LargeFontInANarrowStrip_ScrollsAndKeepsItsLetters) {
