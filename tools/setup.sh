@@ -19,7 +19,8 @@ test="ccache clang clang-tidy clang-format libclang-rt-14-dev mdbtools shellchec
  at-spi2-core dbus-daemon gir1.2-atspi-2.0 python3-gi python3-openpyxl xdotool sqlite3 postgresql-15
  libbenchmark-dev mdbtools-dev $package"
 coverage="llvm"
-windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64 dpkg-dev patch tcl librsvg2-bin nsis"
+windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64 dpkg-dev patch tcl librsvg2-bin nsis
+ xdotool poppler-utils"
 bench="libbenchmark-dev libsqlite3-dev mdbtools-dev pkg-config valgrind"
 
 case "${1:-build}" in

@@ -64,7 +64,8 @@ bool HasFocus(const QWidget* widget) {
 
 }  // namespace
 
-Player::Player(const QString& script, const QString& pictures) : pictures_(pictures) {
+Player::Player(const QString& script, const QString& pictures)
+    : outside_(pictures), pictures_(pictures) {
     QFile file(script);
     if (!file.open(QIODevice::ReadOnly)) {
         Fail("cannot read the script " + script);
@@ -89,7 +90,7 @@ void Player::Next() {
     const QString step = steps_[step_];
     const QString verb = step.section(' ', 0, 0);
     const bool needsKeys = verb == "key" || verb == "type";
-    if (needsKeys && !Activate(KeyWindow())) {
+    if (!outside_.AreKeysHere() || (needsKeys && !Activate(KeyWindow()))) {
         if (sinceStep_.elapsed() > kPatience) {
             Fail("no window takes the keys for: " + step);
         }
@@ -123,10 +124,18 @@ Player::Outcome Player::Take(const QString& verb, const QString& rest) {
         const QWidget* widget = Find(rest);
         return when(widget != nullptr && HasFocus(widget));
     }
+    if (verb == "type" && Outside::IsThere()) {
+        outside_.AskForKeys("type " + rest, rest.size());
+        return Outcome::kDone;
+    }
     if (verb == "type") {
         for (const QChar letter : rest) {
             QTest::keyClick(KeyWindow()->windowHandle(), letter.toLatin1());
         }
+        return Outcome::kDone;
+    }
+    if (verb == "key" && Outside::IsThere()) {
+        outside_.AskForKeys("key " + Outside::NameOfKeys(rest), 1);
         return Outcome::kDone;
     }
     if (verb == "key") {
@@ -139,6 +148,13 @@ Player::Outcome Player::Take(const QString& verb, const QString& rest) {
     }
     if (verb == "expect") {
         return Expect(rest);
+    }
+    if (verb == "outside") {
+        if (!asked_) {
+            Outside::Ask(rest);
+        }
+        asked_ = !outside_.IsAnswered();
+        return when(!asked_);
     }
     return verb == "picture" ? Picture(rest.split(' ')) : Outcome::kWrong;
 }

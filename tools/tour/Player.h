@@ -9,6 +9,7 @@
 //   click NAME [ROW COLUMN]    a click in the middle of the control, or on a cell of a grid
 //   expect NAME ROW COLUMN TEXT    the cell of a grid shows this text
 //   picture FILE [NAME]        the whole screen, or one control, as a PNG
+//   outside WORDS              who reads the standard output does what these words say
 // Blank lines and lines that begin with # are passed over. The first step that fails ends the
 // program with exit status 3.
 #pragma once
@@ -16,6 +17,8 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
+
+#include "Outside.h"
 
 class QWidget;
 
@@ -40,6 +43,8 @@ private:
     Outcome Picture(const QStringList& words);
     void Fail(const QString& why) const;
 
+    Outside outside_;
+    bool asked_ = false;  // and not yet answered
     QStringList steps_;
     QString pictures_;
     qsizetype step_ = 0;
