@@ -1,6 +1,7 @@
 // What the grid of net value changes shows and takes, without a window.
 #include "worksheets/nvc/NVCGridTable.h"
 #include "datafile/data_file_fixture.h"
+#include "platform/text/Numbers.h"
 #include "worksheets/zones/ZoneRecords.h"
 
 using platform::GridTable;
@@ -60,6 +61,32 @@ TEST_F(NVCGridTableTest, ShowsWhatWasTypedAndTellsWhatIsStored) {
     EXPECT_EQ(nvc_.Stored(4, 3), QStringLiteral("-1"));
     EXPECT_EQ(nvc_.RowName(4), QStringLiteral("Forage"));
     EXPECT_EQ(nvc_.ShownTotal(3), -1);
+}
+
+// 0.7 and 1.8 as singles would make a little less than two and a half.
+TEST_F(NVCGridTableTest, Total_AddsTheDecimalsThatCellsShow) {
+    nvc_.Offer(1, 2, QStringLiteral("0.7"));
+    nvc_.Offer(2, 2, QStringLiteral("1.8"));
+    EXPECT_EQ(nvc_.ShownTotal(2), 2.5);
+    nvc_.Table()->SaveChanges();
+    auto again = std::make_unique<c34NVCTable>();
+    again->Initialize(zone_, 1);
+    nvc_.Show(std::move(again));
+    EXPECT_EQ(nvc_.ShownTotal(2), 2.5);
+    EXPECT_EQ(nvc_.Value(2, 2), 1.8);
+}
+
+TEST_F(NVCGridTableTest, TypedDigitsBeyondTheStoredOnes_CountInTheTotalUntilTakenBack) {
+    nvc_.BeginAction(QStringLiteral("Typing"));
+    nvc_.Offer(1, 4, QStringLiteral("12345678.5"));
+    nvc_.EndAction();
+    EXPECT_EQ(nvc_.ShownTotal(4), 12345678.5);
+    EXPECT_EQ(nvc_.Stored(1, 4), platform::Str(12345678.5F));
+    ASSERT_EQ(nvcChanges_.size(), 1U);
+    nvc_.Put(1, 4, nvcChanges_[0].before);
+    EXPECT_EQ(nvc_.ShownTotal(4), 0);
+    nvc_.Put(1, 4, nvcChanges_[0].after);
+    EXPECT_EQ(nvc_.ShownTotal(4), 12345678.5);
 }
 
 TEST_F(NVCGridTableTest, OneActionKeepsTheFirstAndTheLastOfEachCell) {

@@ -18,6 +18,12 @@ namespace {
 constexpr int kNameLength = 50;
 constexpr int kValueLength = 10;
 
+// A loaded value adds to the total the decimals that it shows: 0.7, and not 0.699999988.
+NVCGridTable::Cell Loaded(float value) {
+    const QString text = platform::Str(value);
+    return {.text = text, .value = value, .number = platform::Val(text)};
+}
+
 }  // namespace
 
 std::size_t NVCGridTable::Position(int row, int col) {
@@ -26,7 +32,11 @@ std::size_t NVCGridTable::Position(int row, int col) {
 
 void NVCGridTable::Show(std::unique_ptr<c34NVCTable> table) {
     table_ = std::move(table);
-    typed_ = {};
+    for (int resource = 1; resource <= kResources; ++resource) {
+        for (int level = 1; level <= kFilLevels; ++level) {
+            cells_[Position(resource, level)] = Loaded(table_->Value(resource, level));
+        }
+    }
     takesTyping_ = true;
 }
 
@@ -46,19 +56,15 @@ double NVCGridTable::ShownTotal(int level) const {
     return NVCTotals::Typed(values);
 }
 
-double NVCGridTable::Value(int row, int col) const {
-    return platform::Val(Text(row, col));
+double NVCGridTable::Value(int row, int level) const {
+    return cells_[Position(row, level)].number;
 }
 
 NVCGridTable::Cell NVCGridTable::Held(int row, int col) const {
     if (col == kName) {
         return {.text = names_.Name(row)};
     }
-    if (!table_) {
-        return {};
-    }
-    const float value = table_->Value(row, col);
-    return {.text = typed_[Position(row, col)].value_or(platform::Str(value)), .value = value};
+    return cells_[Position(row, col)];
 }
 
 void NVCGridTable::Put(int row, int col, const Cell& cell) {
@@ -70,11 +76,7 @@ void NVCGridTable::Put(int row, int col, const Cell& cell) {
         return;
     }
     table_->NVCCellValue(row, col, cell.value);
-    std::optional<QString>& typed = typed_[Position(row, col)];
-    typed.reset();
-    if (cell.text != platform::Str(cell.value)) {
-        typed = cell.text;
-    }
+    cells_[Position(row, col)] = cell;
 }
 
 QString NVCGridTable::Text(int row, int col) const {
@@ -109,7 +111,7 @@ GridTable::Answer NVCGridTable::Offer(int row, int col, const QString& typed) {
         // What the cell showed need not read as what it held.
         Put(row, col, *before);
     } else if (value) {
-        Put(row, col, {.text = typed, .value = *value});
+        Put(row, col, {.text = typed, .value = *value, .number = platform::Val(typed)});
     }
     if (col != kName && !value) {
         return {.kind = Answer::Kind::kRefused, .text = platform::TooLarge(typed)};

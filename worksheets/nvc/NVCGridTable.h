@@ -13,7 +13,6 @@
 #include <array>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "datafile/ZoneKeys.h"
@@ -28,10 +27,11 @@ class NVCGridTable : public platform::GridTable {
 public:
     static constexpr int kName = 0;  // the column of the names
 
-    // What a cell shows and, of a value cell, what is stored for it.
+    // What a cell shows and, of a value cell, what is stored for it and what it adds to the total.
     struct Cell {
         QString text;
         float value = 0;
+        double number = 0;  // as the text says it, without the rounding to a single
         bool operator==(const Cell&) const = default;
     };
     using Changes = std::vector<undo::CellChange<Cell>>;
@@ -54,8 +54,8 @@ public:
     // in double precision.
     [[nodiscard]] double LoadedTotal(int level) const;
     [[nodiscard]] double ShownTotal(int level) const;
-    // The number that a cell shows.
-    [[nodiscard]] double Value(int row, int col) const;
+    // The number that a value cell shows.
+    [[nodiscard]] double Value(int row, int level) const;
 
     // Puts back what a cell held before or after an action.
     void Put(int row, int col, const Cell& cell);
@@ -78,8 +78,7 @@ private:
     Done done_;
     NVCResourceNames names_;
     std::unique_ptr<c34NVCTable> table_;
-    std::array<std::optional<QString>, std::size_t{ZoneKeys::kResources} * ZoneKeys::kFilLevels>
-        typed_;
+    std::array<Cell, std::size_t{ZoneKeys::kResources} * ZoneKeys::kFilLevels> cells_;
     undo::CellChanges<Cell> action_;
     bool takesTyping_ = true;
 };
