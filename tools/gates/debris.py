@@ -13,6 +13,7 @@ STATEMENT = re.compile(
     rf"|(return|throw|emit|delete|co_return)\b.*;|(break|continue);|[+-]{{2}}{NAME};|{NAME}[+-]{{2}};"
     rf"|{NAME}\(.*\)( const)?( \{{|;)|[\w:<>*&,. >\[\]()-]+ [-+*/|&]?= .*;|#(include|define|ifn?def|endif)\b.*"
     r"|(const |static |auto[*&]? |unsigned )+[\w:<>*& ]+[;({].*|(std::|Q[A-Z])[\w:]+(<.*>)?[*&]* \w+(;|[({=].*;)"
+    rf"|{NAME}\([^()]*(\([^()]*\)[^()]*)*\)"
     r"|(bool|int|long|char|double|float|short)[*&]* \w+(\[\d*\])?;|using \w+ = .*;|template <.*>")
 BLOCK = re.compile(r"/\*(.*)\*/")
 # One spelling, the American one. Other programs' words are theirs.
@@ -49,7 +50,7 @@ def main():
         except UnicodeDecodeError:
             continue
         for number, line in enumerate(lines, 1):
-            example = path.suffix == ".h" and line.startswith("//    ")
+            example = path.suffix == ".h" and line.startswith("//   ")
             if path.suffix in CODE and not example and commented_out(line):
                 offenders.append(f"{tree.name(path)}:{number}: code that is commented out: {line.strip()[:80]}")
             for pattern, why in RULES:

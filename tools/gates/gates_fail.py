@@ -24,6 +24,9 @@ TRIALS = [
     ("layers", "platform/dao/Rows.cpp", '#include "page/pager.h"\n', "the engine's private side"),
     ("layers", "import/Copy.cpp", '#include "import/Absent.h"\n', "a file that is not there"),
     ("layers", "worksheets/Form.cpp", '#include "datafile/Zone.h"\n', ""),
+    ("layers", "worksheets/Form.cpp", '#include "../datafile/Zone.h"\n', "a path through the folder above"),
+    ("layers", "reportpdf/page.cpp", '#include "tarnreview/Window.h"\n', "reportpdf may not know tarnreview"),
+    ("layers", "rollup/rows.cpp", "#include <QString>\n", "rollup knows no Qt"),
     ("architecture", "ARCHITECTURE.md",
      "## The layers\n\n    jet  <-  attic\n\nA layer may use those below it.\n", "attic: no such folder"),
     ("architecture", "ARCHITECTURE.md",
@@ -34,6 +37,11 @@ TRIALS = [
     ("architecture", "worksheets/cost/c35AACTable.h",
      {"ARCHITECTURE.md": "## The layers\n\n    jet\n\nA layer may use those below it.\n",
       "worksheets/cost/c35AACTable.h": "#include <QWidget>\n"}, "a table object that knows a widget"),
+    ("contributing", "CONTRIBUTING.md", "## What the gates ask\n\n| Gate | |\n|---|---|\n| `absent` | |\n",
+     "absent: the page names a gate that is not there"),
+    ("contributing", "CONTRIBUTING.md", "## What the gates ask\n\nOne: `worksheets/Absent.h`.\n",
+     "`worksheets/Absent.h` is nowhere"),
+    ("contributing", "tests/absent/Row_test.cpp", "int a;\n", "absent: a folder of tests that the page does not"),
     ("namespaces", "worksheets/Row.h", "class Row {\n};\n", "Row is in no namespace"),
     ("namespaces", "worksheets/Row.cpp", "namespace {\nint a;\n}\nstruct Row final : Base {\n};\n",
      "Row.cpp:4: Row is in no namespace"),
@@ -112,6 +120,9 @@ TRIALS = [
     ("debris", "shell/Rest.cpp", "int a;  // TO" + "DO\n", "unfinished work"),
     ("debris", "shell/Rest.cpp", "int a;  // NO" + "LINT\n", "name the check"),
     ("debris", "shell/Rest.cpp", "// Close(file);\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "// Close(file)\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "// grid->Close(file, Row(3))\n", "commented out"),
+    ("debris", "shell/Rest.cpp", "// What Close (above) left.\n// Close(file) frees it.\n", ""),
     ("debris", "shell/Rest.cpp", "// const int row = grid->Rows();\n", "commented out"),
     ("debris", "shell/Rest.cpp", "    // rows = 3;\n", "commented out"),
     ("debris", "shell/Rest.cpp", "int a;  // emit Click();\n", "commented out"),
@@ -131,7 +142,7 @@ TRIALS = [
     ("debris", "shell/Rest.cpp", "// Closing it frees the lock.\n", ""),
 ]
 # What the includes of the trials mean.
-THERE = ["worksheets/Form.h", "jet/include/jet/database.h", "jet/src/page/pager.h",
+THERE = ["worksheets/Form.h", "tarnreview/Window.h", "jet/include/jet/database.h", "jet/src/page/pager.h",
          "jet/src/table/table.h",
          "datafile/Zone.h"]
 
@@ -141,7 +152,10 @@ def say(gate, name, contents):
         root = Path(folder)
         shutil.copytree(GATES, root / "tools/gates", ignore=shutil.ignore_patterns("__pycache__"))
         shutil.copytree(tree.ROOT / "help", root / "help")
-        shutil.copy(tree.ROOT / ".clang-format", root)
+        for page in (".clang-format", "Makefile", "CMakePresets.json", "CONTRIBUTING.md"):
+            shutil.copy(tree.ROOT / page, root)
+        (root / "tests").mkdir()
+        shutil.copy(tree.ROOT / "tests/README.md", root / "tests")
         files = contents if isinstance(contents, dict) else {name: contents}
         for file in [*THERE, *files]:
             (root / file).parent.mkdir(parents=True, exist_ok=True)

@@ -58,6 +58,8 @@ def offence(path, quote, included):
     own = layer(tree.name(path))
     if included.endswith(".moc"):
         return None
+    if ".." in included.split("/"):
+        return "a path through the folder above, which the compiler does not check"
     if own in WITHOUT_QT and re.match(r"Q[A-Z]|Qt", included):
         return f"{own} knows no Qt"
     found = target(path, quote, included)
