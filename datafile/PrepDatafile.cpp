@@ -236,8 +236,8 @@ QString MovedNews() {
         .arg(currentFileName);
 }
 
-void Tell(const QString& news) {
-    u91Trace::Warning(QStringLiteral("PrepDatafile.TellNews: ") + news);
+void Show(const QString& news) {
+    u91Trace::Warning(QStringLiteral("PrepDatafile.ShowNews: ") + news);
     platform::MsgOptions options;
     options.icon = platform::MsgIcon::kExclamation;
     platform::MsgBox(news, options);
@@ -433,16 +433,16 @@ bool HasNews() {
             (dbDatafile->WasMoved() && !reported.moved));
 }
 
-void TellNews() {
+void ShowNews() {
     if (!HasNews()) {
         return;
     }
-    // Marked as told before the box waits: what is done meanwhile asks for the news again.
+    // Marked as shown before the box waits: what is done meanwhile asks for the news again.
     if (dbDatafile->WasPutBack() && !std::exchange(reported.putBack, true)) {
-        Tell(PutBackNews());
+        Show(PutBackNews());
     } else {
         reported.moved = true;
-        Tell(MovedNews());
+        Show(MovedNews());
     }
 }
 

@@ -52,8 +52,8 @@ void MakeDurable();
 // Whether MakeDurable has found that another program deleted or moved the open file, and the user
 // does not know yet.
 [[nodiscard]] bool HasNews();
-// Tells one such piece of news, once; nothing when there is none.
-void TellNews();
+// Shows one such piece of news, once; nothing when there is none.
+void ShowNews();
 // Does beforehand what would make the first MakeDurable wait longer than the others.
 void SecureLog() noexcept;
 

@@ -100,7 +100,7 @@ bool Run(const char* handler, const std::function<void()>& body) noexcept {
     return !failure && !idleFailure;
 }
 
-void Tell(const char* handler, const RuntimeError& error) noexcept {
+void ReportCaught(const char* handler, const RuntimeError& error) noexcept {
     Attempt(handler, [&] {
         ReportTo(
             {QString::fromLatin1(handler), error.Number(), error.Description(), error.Subject()});

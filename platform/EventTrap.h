@@ -48,7 +48,7 @@ std::optional<Report> Attempt(const char* handler, const std::function<void()>& 
 // Runs `handler` under the trap. True when it ended without an error.
 bool Run(const char* handler, const std::function<void()>& body) noexcept;
 // Reports an error that was caught and keeps nobody from going on, as the trap would.
-void Tell(const char* handler, const RuntimeError& error) noexcept;
+void ReportCaught(const char* handler, const RuntimeError& error) noexcept;
 // How many trapped handlers are running now, one inside the other.
 int Depth();
 

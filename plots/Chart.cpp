@@ -222,8 +222,8 @@ const Figure* Chart::FigureAt(QPointF point) const {
 void Chart::Say(const QString& words) {
     if (words != said_) {
         said_ = words;
-        if (tell_) {
-            tell_(words);
+        if (listener_) {
+            listener_(words);
         }
     }
 }

@@ -38,7 +38,7 @@ public:
     QWidget& Widget() override { return *this; }
     void Show(const ChartContent& content, const QString& title, const QString& place) override;
     void Mark(std::optional<ChartSpot> spot) override;
-    void OnTell(Tell tell) override { tell_ = std::move(tell); }
+    void SetListener(Listener listener) override { listener_ = std::move(listener); }
 
     // The figure at a point of the widget; null where there is none.
     [[nodiscard]] const Figure* FigureAt(QPointF point) const;
@@ -103,7 +103,7 @@ private:
     std::vector<Spot> spots_;
     std::optional<std::size_t> current_;  // the figure that the arrow keys have reached
     QString said_;
-    Tell tell_;
+    Listener listener_;
     Ink ink_;
     QSize least_{200, 150};
     QSize drawnSize_;

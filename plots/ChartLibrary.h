@@ -35,7 +35,7 @@ struct ChartSpot {
 // A chart in a window. It lives as long as its widget.
 class ChartView {
 public:
-    using Tell = std::function<void(const QString& words)>;
+    using Listener = std::function<void(const QString& words)>;
 
     ChartView() = default;
     ChartView(const ChartView&) = delete;
@@ -50,7 +50,7 @@ public:
     virtual void Mark(std::optional<ChartSpot> spot) = 0;
     // Called with the figure under the pointer, or under the arrow keys, and its place; with an
     // empty text when there is none.
-    virtual void OnTell(Tell tell) = 0;
+    virtual void SetListener(Listener listener) = 0;
 };
 
 // How pictures of charts look.

@@ -29,7 +29,7 @@ QString Advice(int number) {
     return Texts::tr("Make room on the disk; what is on the screen can be stored then.");
 }
 
-void Tell(const Report& report) {
+void ShowReport(const Report& report) {
     try {
         u91Trace::Error(QStringLiteral("%1: Error %2, ").arg(report.handler).arg(report.number) +
                         report.Sentence());
@@ -45,16 +45,16 @@ void Tell(const Report& report) {
 }
 
 // Once the handlers have ended: a message box waits, and nothing should wait with it.
-void Later(const char* handler, const std::function<void()>& tell) {
-    QTimer::singleShot(0, &frm0_Prep::Loaded(), platform::EventTrap::Trapped(handler, tell));
+void Later(const char* handler, const std::function<void()>& show) {
+    QTimer::singleShot(0, &frm0_Prep::Loaded(), platform::EventTrap::Trapped(handler, show));
 }
 
 void NoticeNews() {
     if (PrepDatafile::HasNews()) {
-        Later("PrepDatafile.TellNews", PrepDatafile::TellNews);
+        Later("PrepDatafile.ShowNews", PrepDatafile::ShowNews);
     }
-    if (!u91Trace::PassedOverFailure().isEmpty() && !frm0_Prep::Loaded().HasToldOfLogFailure()) {
-        Later("frm0_Prep.TellOfLogFailure", [] { frm0_Prep::Loaded().TellOfLogFailure(); });
+    if (!u91Trace::PassedOverFailure().isEmpty() && !frm0_Prep::Loaded().HasShownLogFailure()) {
+        Later("frm0_Prep.ShowLogFailure", [] { frm0_Prep::Loaded().ShowLogFailure(); });
     }
 }
 
@@ -64,7 +64,7 @@ namespace LastTrap {
 
 void Install() {
     platform::EventTrap::Hooks hooks;
-    hooks.report = Tell;
+    hooks.report = ShowReport;
     hooks.remember = []() -> std::function<void()> {
         return [state = UIMode::Remember()] { UIMode::Restore(state); };
     };

@@ -130,7 +130,7 @@ void frm0_Prep::mnuFile_Click(std::int16_t index) {
         // it cannot be made so, another file can be chosen all the same.
         platform::EventTrap::Run("PrepDatafile.MakeDurable", PrepDatafile::MakeDurable);
         // It is about the file that may be closed next.
-        platform::EventTrap::Run("PrepDatafile.TellNews", PrepDatafile::TellNews);
+        platform::EventTrap::Run("PrepDatafile.ShowNews", PrepDatafile::ShowNews);
     }
     if (index == kNew) {
         a1Prep::NewDatafile();

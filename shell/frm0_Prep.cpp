@@ -128,7 +128,7 @@ void frm0_Prep::MDIForm_Load() {
         step([number] { u91Trace::Error(QStringLiteral("Error during startup %1").arg(number)); });
     }
     step([] { u91Trace::Finished(QStringLiteral("Loading TARN Prep")); });
-    TellOfLogFailure();
+    ShowLogFailure();
 }
 
 void frm0_Prep::MDIForm_Resize() {
@@ -259,12 +259,12 @@ void frm0_Prep::SaveAtExit() {
     Attempt("PrepDatafile.CloseDatafile", PrepDatafile::CloseDatafile);
 }
 
-void frm0_Prep::TellOfLogFailure() {
+void frm0_Prep::ShowLogFailure() {
     const QString failure = u91Trace::PassedOverFailure();
-    if (failure.isEmpty() || toldOfLogFailure_) {
+    if (failure.isEmpty() || logFailureShown_) {
         return;
     }
-    toldOfLogFailure_ = true;
+    logFailureShown_ = true;
     platform::MsgOptions options;
     options.informative = failure;
     platform::MsgBox(tr("The program's logs cannot be written; the program works without them."),

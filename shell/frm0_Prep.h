@@ -63,8 +63,8 @@ public:
     // Saves, when something ends the process with the frame still there.
     void SaveAtExit();
     // Warns the user once that the logs cannot be written.
-    void TellOfLogFailure();
-    [[nodiscard]] bool HasToldOfLogFailure() const { return toldOfLogFailure_; }
+    void ShowLogFailure();
+    [[nodiscard]] bool HasShownLogFailure() const { return logFailureShown_; }
 
 signals:
     void Unloaded();
@@ -104,5 +104,5 @@ private:
     QPointer<QWidget> lastControl_;  // the control of a form that had the keyboard last
     bool isUnloaded_ = false;
     bool leavesUnsaved_ = false;
-    bool toldOfLogFailure_ = false;
+    bool logFailureShown_ = false;
 };

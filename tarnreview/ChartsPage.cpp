@@ -35,7 +35,8 @@ constexpr int kShownOfZone = 28;
 
 }  // namespace
 
-ChartsPage::ChartsPage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent)
+ChartsPage::ChartsPage(const ReviewCase& reviewed, const ChartView::Listener& listener,
+                       QWidget* parent)
     : QWidget(parent), case_(reviewed) {
     platform::SetHelpContextId(*this, kHelpContextId);
     Parts::Name(*this, "pageCharts", tr("Charts"));
@@ -46,7 +47,7 @@ ChartsPage::ChartsPage(const ReviewCase& reviewed, const ChartView::Tell& tell, 
     grid_ = new QGridLayout(ground_);
     grid_->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(scrolled, 1);
-    BuildCharts(tell);
+    BuildCharts(listener);
     connect(cboZone_, &QComboBox::currentIndexChanged, this,
             Trapped("ChartsPage.ShowZone", [this](int) { ShowZone(); }));
     connect(cboLocation_, &QComboBox::currentIndexChanged, this,
@@ -76,11 +77,11 @@ QWidget* ChartsPage::BuildChoices() {
     return row;
 }
 
-void ChartsPage::BuildCharts(const ChartView::Tell& tell) {
+void ChartsPage::BuildCharts(const ChartView::Listener& listener) {
     const auto make = [&](const char* name, const QString& heard) {
         ChartView* const chart = Charts::Make(*ground_, name, heard);
         if (chart != nullptr) {
-            chart->OnTell(tell);
+            chart->SetListener(listener);
         }
         return chart;
     };

@@ -20,7 +20,8 @@ class ChartsPage : public QWidget {
     Q_OBJECT
 
 public:
-    ChartsPage(const ReviewCase& reviewed, const plots::ChartView::Tell& tell, QWidget* parent);
+    ChartsPage(const ReviewCase& reviewed, const plots::ChartView::Listener& listener,
+               QWidget* parent);
 
     // After a file has been read; the zone and the location stay where they are still there.
     void ShowFile();
@@ -32,7 +33,7 @@ protected:
 
 private:
     [[nodiscard]] QWidget* BuildChoices();
-    void BuildCharts(const plots::ChartView::Tell& tell);
+    void BuildCharts(const plots::ChartView::Listener& listener);
     void FillLocations();
     void ShowZone();
     void ShowLocation();

@@ -35,7 +35,8 @@ QString OneLine(const std::string& text) {
 
 }  // namespace
 
-ComparePage::ComparePage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent)
+ComparePage::ComparePage(const ReviewCase& reviewed, const ChartView::Listener& listener,
+                         QWidget* parent)
     : QWidget(parent), case_(reviewed) {
     platform::SetHelpContextId(*this, kHelpContextId);
     Parts::Name(*this, "pageCompare", tr("Compare"));
@@ -50,7 +51,7 @@ ComparePage::ComparePage(const ReviewCase& reviewed, const ChartView::Tell& tell
     whole->addWidget(grdDifferences_, 1);
     pltChange_ = Charts::Make(*this, "pltChange", tr("The largest changes"));
     if (pltChange_ != nullptr) {
-        pltChange_->OnTell(tell);
+        pltChange_->SetListener(listener);
         whole->addWidget(&pltChange_->Widget(), 1);
     }
     connect(

@@ -17,7 +17,8 @@ class ComparePage : public QWidget {
     Q_OBJECT
 
 public:
-    ComparePage(const ReviewCase& reviewed, const plots::ChartView::Tell& tell, QWidget* parent);
+    ComparePage(const ReviewCase& reviewed, const plots::ChartView::Listener& listener,
+                QWidget* parent);
     ~ComparePage() override;
 
     // After a file, or last year's, has been read.

@@ -35,7 +35,7 @@ void Log(const Report& report) {
     }
 }
 
-void Tell(const Report& report) {
+void ShowReport(const Report& report) {
     Log(report);
     platform::MsgOptions options;
     options.icon = platform::MsgIcon::kExclamation;
@@ -51,7 +51,7 @@ namespace Failures {
 
 void Install() {
     platform::EventTrap::Hooks hooks;
-    hooks.report = Tell;
+    hooks.report = ShowReport;
     hooks.remember = []() -> std::function<void()> {
         return [pointer = platform::MousePointer()] { platform::SetMousePointer(pointer); };
     };

@@ -57,13 +57,14 @@ QString WithoutPlace(const review::Finding& finding) {
 
 }  // namespace
 
-FindingsPage::FindingsPage(const ReviewCase& reviewed, const ChartView::Tell& tell, QWidget* parent)
+FindingsPage::FindingsPage(const ReviewCase& reviewed, const ChartView::Listener& listener,
+                           QWidget* parent)
     : QWidget(parent), case_(reviewed), splitter_(new QSplitter(this)) {
     Parts::Name(*this, "pageFindings", tr("Findings"));
     Parts::Name(*splitter_, "splFindings", tr("Findings and their place"));
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(BuildList());
-    splitter_->addWidget(BuildPlace(tell));
+    splitter_->addWidget(BuildPlace(listener));
     splitter_->setStretchFactor(0, 1);
     splitter_->setStretchFactor(1, 1);
     auto* whole = new QVBoxLayout(this);
@@ -95,7 +96,7 @@ QWidget* FindingsPage::BuildList() {
     return side;
 }
 
-QWidget* FindingsPage::BuildPlace(const ChartView::Tell& tell) {
+QWidget* FindingsPage::BuildPlace(const ChartView::Listener& listener) {
     auto* scrolled = new ScrolledPage(this, "pagePlace", tr("The place of the finding"));
     auto* column = new QVBoxLayout(&scrolled->Page());
     column->setContentsMargins(0, 0, 0, 0);
@@ -115,7 +116,7 @@ QWidget* FindingsPage::BuildPlace(const ChartView::Tell& tell) {
     column->addWidget(grdPlace_);
     pltPlace_ = Charts::Make(scrolled->Page(), "pltPlace", tr("Chart of the place"));
     if (pltPlace_ != nullptr) {
-        pltPlace_->OnTell(tell);
+        pltPlace_->SetListener(listener);
         column->addWidget(&pltPlace_->Widget(), 1);
     }
     column->addStretch(1);

@@ -22,7 +22,8 @@ class FindingsPage : public QWidget {
     Q_OBJECT
 
 public:
-    FindingsPage(const ReviewCase& reviewed, const plots::ChartView::Tell& tell, QWidget* parent);
+    FindingsPage(const ReviewCase& reviewed, const plots::ChartView::Listener& listener,
+                 QWidget* parent);
     ~FindingsPage() override;
 
     // After a file has been read.
@@ -36,7 +37,7 @@ protected:
 
 private:
     [[nodiscard]] QWidget* BuildList();
-    [[nodiscard]] QWidget* BuildPlace(const plots::ChartView::Tell& tell);
+    [[nodiscard]] QWidget* BuildPlace(const plots::ChartView::Listener& listener);
     void Choose(int row);
     void ShowPlace(const PlaceView& view);
     void ShowTable(const review::Table& table);

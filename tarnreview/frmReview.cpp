@@ -46,7 +46,7 @@ QString TitleOf(const fs::path& path) {
 }
 
 // Why a file was refused, below its name.
-void TellRefused(const fs::path& path, const std::exception& reason) {
+void ShowRefusal(const fs::path& path, const std::exception& reason) {
     platform::MsgOptions options;
     options.icon = platform::MsgIcon::kExclamation;
     options.informative = QString::fromUtf8(reason.what());
@@ -99,11 +99,11 @@ void frmReview::BuildPages() {
 
 // The first frame is there, and waits for nothing of this.
 void frmReview::Furnish() {
-    const auto tell = [this](const QString& words) { lblFigure_->setText(words); };
-    findings_ = new FindingsPage(case_, tell, this);
-    charts_ = new ChartsPage(case_, tell, this);
+    const auto listener = [this](const QString& words) { lblFigure_->setText(words); };
+    findings_ = new FindingsPage(case_, listener, this);
+    charts_ = new ChartsPage(case_, listener, this);
     report_ = new ReportPage(case_, this);
-    compare_ = new ComparePage(case_, tell, this);
+    compare_ = new ComparePage(case_, listener, this);
     watch_ = new FileWatch(this);
     connect(findings_, &FindingsPage::Chosen, charts_,
             Trapped("ChartsPage.GoTo",
@@ -124,7 +124,7 @@ void frmReview::OpenFile(const QString& path) {
     try {
         case_.Open(native);
     } catch (const season::Refused& refused) {
-        TellRefused(native, refused);
+        ShowRefusal(native, refused);
         return;
     }
     RecentFiles::Add(path);
@@ -170,7 +170,7 @@ void frmReview::OpenPrevious(const fs::path& path) {
     try {
         case_.OpenPrevious(path);
     } catch (const season::Refused& refused) {
-        TellRefused(path, refused);
+        ShowRefusal(path, refused);
         return;
     }
     lastYear_->Withdraw();
@@ -185,7 +185,7 @@ void frmReview::ReadAgain() {
     try {
         case_.OpenAgain();
     } catch (const season::Refused& refused) {
-        TellRefused(case_.Season()->path, refused);
+        ShowRefusal(case_.Season()->path, refused);
         return;
     }
     watch_->Watch(platform::FromNativePath(case_.Season()->path.c_str()));

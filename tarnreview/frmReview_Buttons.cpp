@@ -35,7 +35,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void TellNotWritten(const QString& path, const std::exception& reason) {
+void ShowNotWritten(const QString& path, const std::exception& reason) {
     platform::MsgOptions options;
     options.icon = platform::MsgIcon::kExclamation;
     options.informative = QString::fromUtf8(reason.what());
@@ -177,7 +177,7 @@ void frmReview::cmdSave_Click() {
                      filter == differences ? SaveAs::What::kDifferences : SaveAs::What::kReport,
                      platform::ToNativePath(path));
     } catch (const std::exception& reason) {
-        TellNotWritten(path, reason);
+        ShowNotWritten(path, reason);
     }
 }
 
@@ -204,7 +204,7 @@ void frmReview::cmdNewYear_Click() {
         season::WriteNew(review::NextYear(season, dialog.Year(), dialog.DroppedZones()),
                          platform::ToNativePath(path));
     } catch (const std::exception& reason) {
-        TellNotWritten(path, reason);
+        ShowNotWritten(path, reason);
         return;
     }
     platform::MsgOptions options;

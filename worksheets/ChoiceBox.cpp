@@ -42,7 +42,7 @@ ChoiceBox::ChoiceBox(int characters, QWidget* parent) : QComboBox(parent) {
     setMinimumContentsLength(characters);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
-    base::Handle<&ChoiceBox::TellWhole, base::Entry::kOwn>(this, &QComboBox::currentTextChanged,
+    base::Handle<&ChoiceBox::ShowWhole, base::Entry::kOwn>(this, &QComboBox::currentTextChanged,
                                                            this);
 }
 
@@ -80,7 +80,7 @@ void ChoiceBox::initStyleOption(QStyleOptionComboBox* option) const {
     }
 }
 
-void ChoiceBox::TellWhole() {
+void ChoiceBox::ShowWhole() {
     setToolTip(currentText().toHtmlEscaped());
 }
 

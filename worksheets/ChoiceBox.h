@@ -29,7 +29,7 @@ protected:
     void initStyleOption(QStyleOptionComboBox* option) const override;
 
 private:
-    void TellWhole();
+    void ShowWhole();
 };
 
 }  // namespace worksheets

@@ -25,7 +25,7 @@ void Shown(const char* handler, const std::function<void()>& save) {
         if (error.Number() != platform::kNoCurrentRecord) {
             throw;
         }
-        platform::EventTrap::Tell(handler, error);
+        platform::EventTrap::ReportCaught(handler, error);
     }
 }
 

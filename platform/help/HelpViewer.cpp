@@ -33,7 +33,7 @@ HelpLibrary* Library() {
 }
 
 // Shows why there is no help; nothing else depends on it.
-void TellFailure() {
+void ShowFailure() {
     QString reason = Texts::tr("The help file cannot be read.");
     if (!QFileInfo::exists(helpFile)) {
         reason = Texts::tr("The help file cannot be found.");
@@ -87,7 +87,7 @@ HelpFrame* Window() {
 void Show(const QString& identifier) {
     HelpFrame* shown = Window();
     if (shown == nullptr) {
-        TellFailure();
+        ShowFailure();
         return;
     }
     if (identifier.isEmpty() || !shown->ShowIdentifier(identifier)) {

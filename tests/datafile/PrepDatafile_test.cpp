@@ -256,7 +256,7 @@ TEST_F(LifeTest, OpenDatatables_OlderFileWithoutATable_IsRefusedUntouched) {
     ExpectRefused(path, kNotPrepFile);
 }
 
-TEST_F(LifeTest, OpenRecordsets_TableMissing_IsToldAndCloses) {
+TEST_F(LifeTest, OpenRecordsets_TableMissing_IsReportedAndCloses) {
     const QString path = folder_.CostsPath(QStringLiteral("partial.fcd"));
     MakePartialFile(folder_, path, QStringLiteral("4.01.01"));
     ExpectRefused(path, kNotPrepFile);
@@ -289,7 +289,7 @@ TEST_F(LifeTest, QueryNewDatafile_Cancelled_ChangesNothingAndWritesProcedureLine
     }
 }
 
-TEST_F(LifeTest, QueryNewDatafile_TemplateMissing_IsToldAfterTheFormerFileIsClosed) {
+TEST_F(LifeTest, QueryNewDatafile_TemplateMissing_IsReportedAfterTheFormerFileIsClosed) {
     OpenNewFile();
     QFile::remove(folder_.Path(QStringLiteral("FCD.new")));
     support::Answers answers({QMessageBox::Yes});
@@ -474,7 +474,7 @@ TEST_F(LifeTest, WithoutAShell_FilesAreOpenedAndRefusedAllTheSame) {
     EXPECT_EQ(host_.restarts + host_.releases, 0);
 }
 
-TEST_F(LifeTest, FileThatWasDeletedOrMoved_IsNewsThatIsToldOnceAndNoError) {
+TEST_F(LifeTest, FileThatWasDeletedOrMoved_IsNewsThatIsReportedOnceAndNoError) {
     OpenNewFile();
     const QString path = PrepDatafile::CurrentPath();
     PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("One"));
@@ -485,19 +485,19 @@ TEST_F(LifeTest, FileThatWasDeletedOrMoved_IsNewsThatIsToldOnceAndNoError) {
     EXPECT_NO_THROW(PrepDatafile::MakeDurable());
     EXPECT_TRUE(PrepDatafile::HasNews());
     const support::Answers answers;
-    PrepDatafile::TellNews();
+    PrepDatafile::ShowNews();
     EXPECT_FALSE(PrepDatafile::HasNews());
-    PrepDatafile::TellNews();
+    PrepDatafile::ShowNews();
     ASSERT_EQ(answers.Texts().size(), 1);
     EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("has been written anew")));
     ASSERT_TRUE(QFile::rename(path, path + QStringLiteral(".moved")));
     PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("Three"));
     EXPECT_NO_THROW(PrepDatafile::MakeDurable());
-    PrepDatafile::TellNews();
-    PrepDatafile::TellNews();
+    PrepDatafile::ShowNews();
+    PrepDatafile::ShowNews();
     ASSERT_EQ(answers.Texts().size(), 2);
     EXPECT_TRUE(answers.Texts().last().contains(QStringLiteral("moved or renamed")));
-    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("Warning! PrepDatafile.TellNews")).size(), 2);
+    EXPECT_EQ(folder_.Trace().filter(QStringLiteral("Warning! PrepDatafile.ShowNews")).size(), 2);
     EXPECT_FALSE(folder_.Trace().join(u'\n').contains(QStringLiteral("ERROR")));
 }
 

@@ -392,7 +392,7 @@ TEST_F(RunningProgram, ResourceThatCannotBeDeleted_StaysOnTheScreenAsInTheFile) 
 }
 
 // It is tried again after every event, but a user who cannot mend it must be able to go on.
-TEST_F(RunningProgram, FlushThatGoesOnFailing_IsToldOnceForEachThingStored) {
+TEST_F(RunningProgram, FlushThatGoesOnFailing_IsReportedOnceForEachThingStored) {
     RunWithFile();
     ClickTab(4);
     SwitchOn(".fcd", {"FlushFails", Mode::kForGood, tarn_faults::kFlush, EIO});
@@ -410,7 +410,7 @@ TEST_F(RunningProgram, FlushThatGoesOnFailing_IsToldOnceForEachThingStored) {
     EXPECT_EQ(Get<vsFlexGrid>(QStringLiteral("grdFMZs")).TextMatrix(1, 0), QStringLiteral("North"));
 }
 
-TEST_F(RunningProgram, FileRemovedOrRenamedUnderTheProgram_IsToldOnceAndNothingIsLost) {
+TEST_F(RunningProgram, FileRemovedOrRenamedUnderTheProgram_IsReportedOnceAndNothingIsLost) {
     const QString path = NewFile();
     Run(path);
     ClickTab(4);

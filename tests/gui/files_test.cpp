@@ -136,7 +136,7 @@ TEST_F(Files, Open_NotADataFile_GoesBackToTheStartScreen) {
     EXPECT_EQ(ShownForm(), QStringLiteral("frm1Intro"));
 }
 
-TEST_F(Files, Open_TablesMissing_IsToldAndGoesBackToTheStartScreen) {
+TEST_F(Files, Open_TablesMissing_IsReportedAndGoesBackToTheStartScreen) {
     RunWithFile();
     const QString path = folder_.CostsPath(QStringLiteral("part.fcd"));
     MakeFileWithoutTables(path);

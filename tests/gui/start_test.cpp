@@ -233,7 +233,7 @@ TEST_F(Start, WindowClosed_WorksheetCannotBeSaved_StaysUnlessTheUserLeavesIt) {
     EXPECT_EQ(unloaded.size(), 1);
 }
 
-TEST_F(Start, LogsCannotBeWritten_RunsAndTellsOnce) {
+TEST_F(Start, LogsCannotBeWritten_RunsAndReportsItOnce) {
     platform::SetProgramFolder(folder_.Path(QStringLiteral("not there")));
     support::Answers answers;
     Run();
@@ -244,11 +244,11 @@ TEST_F(Start, LogsCannotBeWritten_RunsAndTellsOnce) {
                              "them."));
     EXPECT_FALSE(answers.Messages()[0].informative.isEmpty()) << "the reason";
     frame_->resize(900, 700);
-    frame_->TellOfLogFailure();
+    frame_->ShowLogFailure();
     EXPECT_EQ(answers.Texts().size(), 1);
 }
 
-TEST_F(Start, LogsStopBeingWritten_WhileRunning_IsToldOnce) {
+TEST_F(Start, LogsStopBeingWritten_WhileRunning_IsReportedOnce) {
     Run();
     platform::SetProgramFolder(folder_.Path(QStringLiteral("not there")));
     support::Answers answers;

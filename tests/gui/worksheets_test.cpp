@@ -193,7 +193,7 @@ TEST_F(Worksheets, Resize_ClientNoHigherThanTheStrip_FollowsInWidthOnly) {
     EXPECT_EQ(a3PrepForms::CurrentForm()->geometry(), QRect(0, 0, 700, 475));
 }
 
-TEST_F(Worksheets, SetUpFails_FormIsGoneAndTheErrorTold) {
+TEST_F(Worksheets, SetUpFails_FormIsGoneAndTheErrorIsShown) {
     RunWithFile();
     PrepDatatables::tblManagementGoals.Close();
     support::Answers answers;

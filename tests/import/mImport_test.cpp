@@ -383,7 +383,7 @@ TEST_F(ImportTest, NoSetupsAtAll_WarnsOnceForEachLocation) {
     EXPECT_EQ(Value(key * 100 + 1, 14, 6), 0.0F);
 }
 
-TEST_F(ImportTest, NotABramFile_IsToldAndWritesNothing) {
+TEST_F(ImportTest, NotABramFile_IsReportedAndWritesNothing) {
     const QString text = folder_.CostsPath(QStringLiteral("text.mdb"));
     support::WriteBytes(text, "no database");
     const QStringList refused{
@@ -429,7 +429,7 @@ TEST_F(ImportTest, IndexMissingOnAnyTable_IsRefused) {
     EXPECT_EQ(tblFMZList->RecordCount(), 0);
 }
 
-TEST_F(ImportTest, NoZones_IsToldAndTheFileCanBeOpenedAgain) {
+TEST_F(ImportTest, NoZones_IsReportedAndTheFileCanBeOpenedAgain) {
     for (int time = 0; time < 2; ++time) {
         const support::Answers answers;
         EXPECT_EQ(Import(QStringLiteral("no-zones.mdb")), mImport::kNoZones);

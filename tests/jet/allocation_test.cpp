@@ -275,7 +275,7 @@ TEST_P(AllocationTest, MakeDurable_WithoutMemory_CanBeTriedAgain) {
     FailEachOfReading([&] { database_->MakeDurable(); });
 }
 
-TEST_P(AllocationTest, Walk_WithoutMemory_IsTold) {
+TEST_P(AllocationTest, Walk_WithoutMemory_IsReported) {
     FailEachOfReading([&] {
         const auto rows = database_->OpenTable("People");
         rows->SetIndex("Name");
@@ -291,13 +291,13 @@ TEST_P(AllocationTest, Walk_WithoutMemory_IsTold) {
     });
 }
 
-TEST_P(AllocationTest, Query_WithoutMemory_IsTold) {
+TEST_P(AllocationTest, Query_WithoutMemory_IsReported) {
     FailEachOfReading([&] {
         static_cast<void>(database_->OpenQuery("SELECT * FROM People WHERE ID > 9 ORDER BY Name"));
     });
 }
 
-TEST_P(AllocationTest, Check_WithoutMemory_IsToldAndFindsNothingWrong) {
+TEST_P(AllocationTest, Check_WithoutMemory_IsReportedAndFindsNothingWrong) {
     database_->MakeDurable();
     FailEachOfReading([&] {
         const CheckReport report = CheckDatabase(*database_);

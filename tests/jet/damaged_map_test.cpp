@@ -89,7 +89,7 @@ TEST_P(DamagedMap, RangeBehindTheRow_LengthensItAsLongAsThePageHasRoom) {
     EXPECT_TRUE(map_.Contains(PageNumber{3}));
 }
 
-TEST_P(DamagedMap, Visit_EndsWhenItIsToldTo) {
+TEST_P(DamagedMap, Visit_EndsWhenItIsAskedTo) {
     for (const std::uint32_t page : {3U, 5U, 9U}) map_.Add(*operation_, PageNumber{page});
     std::vector<std::uint32_t> seen;
     map_.ForEach(PageNumber{0}, [&](PageNumber page) {

@@ -85,7 +85,7 @@ TEST_P(OpeningTest, FileCutOff_IsRefused) {
     ExpectRefused(ErrorKind::kDamaged, [](Contents& file) { file.resize(1000); });
 }
 
-TEST_P(OpeningTest, FileThatIsMissing_IsToldSo) {
+TEST_P(OpeningTest, FileThatIsMissing_IsReportedAsMissing) {
     try {
         (void)Database::Open("another.mdb", {}, files_);
         FAIL() << "opened";
@@ -95,7 +95,7 @@ TEST_P(OpeningTest, FileThatIsMissing_IsToldSo) {
     }
 }
 
-TEST_P(OpeningTest, CommitCounter_TellsStatesApart) {
+TEST_P(OpeningTest, CommitCounter_KeepsStatesApart) {
     const Contents before = files_.Contents(kFile);
     const auto database = Database::Open(kFile, {}, files_);
     TableSchema schema;

@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(Versions, ToolTest, ::testing::Values(Version::kJet3, V
                              return instance.index == 0 ? "Jet3" : "Jet4";
                          });
 
-TEST_P(ToolTest, Doctor_TellsCleanFromDamagedFromUnreadable) {
+TEST_P(ToolTest, Doctor_DistinguishesCleanFromDamagedFromUnreadable) {
     const CommandResult clean = RunTool("jetdoctor", Named());
     EXPECT_EQ(clean.status, 0) << clean.output;
     EXPECT_NE(clean.output.find("clean"), std::string::npos);

@@ -93,7 +93,7 @@ TEST_F(JetSql, ValuesOfEveryKind_ComeAsSqlKnowsThem) {
         "\"memo\": \"two\\u000alines \u00e9\", \"none\": null}\n]\n");
 }
 
-TEST_F(JetSql, Csv_QuotesWhatNeedsItAndTellsNullFromEmpty) {
+TEST_F(JetSql, Csv_QuotesWhatNeedsItAndDistinguishesNullFromEmpty) {
     MakeFile("a.mdb");
     const CommandResult result =
         Run("--csv a.mdb \"SELECT Zone, Name, NULL AS n, '' AS e FROM Zones WHERE Zone = 2\"");
@@ -130,7 +130,7 @@ TEST_F(JetSql, TablesAndSchema_NameWhatThereIs) {
         << schema;
 }
 
-TEST_F(JetSql, Status_TellsAQueryFromAFile) {
+TEST_F(JetSql, Status_DistinguishesAQueryFromAFile) {
     MakeFile("a.mdb");
     std::ofstream(folder_ / "text.mdb") << "no database";
     EXPECT_EQ(Run("a.mdb 'SELECT 1'").status, 0);

@@ -47,9 +47,9 @@ TEST_F(EventTrapTest, HandlerThatEndsWell_RunsOnlyTheIdleStep) {
     EXPECT_EQ(EventTrap::Depth(), 0);
 }
 
-TEST_F(EventTrapTest, Tell_ReportsAnErrorThatWasCaughtAndDoesNoMore) {
+TEST_F(EventTrapTest, ReportCaught_ReportsTheErrorThatWasCaughtAndDoesNoMore) {
     platform::RuntimeError error(platform::kNoCurrentRecord, "No row");
-    EventTrap::Tell("form.Save", error);
+    EventTrap::ReportCaught("form.Save", error);
     EXPECT_EQ(steps_, QStringList("report"));
     ASSERT_EQ(reports_.size(), 1U);
     EXPECT_EQ(reports_[0].handler, "form.Save");
@@ -125,7 +125,7 @@ TEST_F(EventTrapTest, FailingIdleStep_IsReportedToo) {
     EXPECT_EQ(EventTrap::Depth(), 0);
 }
 
-TEST_F(EventTrapTest, FailingIdleStep_OfTheSameCause_IsToldOnce) {
+TEST_F(EventTrapTest, FailingIdleStep_OfTheSameCause_IsReportedOnce) {
     idleFails_ = true;
     EventTrap::Run("form.cmd_Click",
                    [] { throw platform::RuntimeError(platform::kDiskFull, "Disk full"); });
@@ -160,7 +160,7 @@ TEST_F(EventTrapTest, EveryHookFails_NothingGetsOut) {
     EXPECT_EQ(EventTrap::Depth(), 0);
 }
 
-TEST_F(EventTrapTest, Attempt_GivesWhatWasThrownAndTellsNobody) {
+TEST_F(EventTrapTest, Attempt_GivesWhatWasThrownAndReportsNothing) {
     EXPECT_FALSE(EventTrap::Attempt("a", [] {}));
     const auto failure =
         EventTrap::Attempt("a", [] { throw platform::RuntimeError(6, "Overflow"); });

@@ -289,7 +289,7 @@ TEST_F(FlexGridEditing, PageKeys_GoToFirstAndLastRowOfAShortGrid) {
     EXPECT_EQ(Current(), Cell(1, 0));
 }
 
-TEST_F(FlexGridEditing, Escape_RestoresCellAndTells) {
+TEST_F(FlexGridEditing, Escape_RestoresCellAndReports) {
     ClickCell(1, 0);
     Type("x");
     // A form that stores at every keystroke has put the text into the cell already.
@@ -301,7 +301,7 @@ TEST_F(FlexGridEditing, Escape_RestoresCellAndTells) {
     EXPECT_EQ(TakeLog(), QStringList({"Cancelled North"}));
 }
 
-TEST_F(FlexGridEditing, Escape_WithoutChange_TellsNothing) {
+TEST_F(FlexGridEditing, Escape_WithoutChange_ReportsNothing) {
     ClickCell(1, 0);
     TakeLog();
     Key(Qt::Key_Escape);
@@ -545,12 +545,12 @@ TEST_F(FlexGridEditing, MenuBarFocus_KeepsEditAndSelection) {
     EXPECT_EQ(grid_->EditSelText(), "North");
 }
 
-TEST_F(FlexGridEditing, EditorName_TellsHeadingAndRow) {
+TEST_F(FlexGridEditing, EditorName_HoldsHeadingAndRow) {
     ClickCell(2, 2);
     EXPECT_EQ(grid_->findChild<QLineEdit*>()->accessibleName(), "Cost, East");
 }
 
-TEST_F(FlexGridEditing, DestructionWhileEditing_TellsNothing) {
+TEST_F(FlexGridEditing, DestructionWhileEditing_ReportsNothing) {
     ClickCell(1, 0);
     Type("x");
     TakeLog();

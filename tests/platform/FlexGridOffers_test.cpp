@@ -97,7 +97,7 @@ TEST_F(FlexGridTable, Escape_OffersAgainWhatTheCellHeld) {
     EXPECT_EQ(table_.log.last(), "End");
 }
 
-TEST_F(FlexGridTable, TextReadAsAnotherNumber_IsMarkedAndTold) {
+TEST_F(FlexGridTable, TextReadAsAnotherNumber_IsMarkedAndReported) {
     EditTo(2, 3, "-1,250");
     EXPECT_EQ(table_.Value(2, 3), -1);
     EXPECT_EQ(grid_->DisplayText(2, 3), "-1,250");
@@ -141,7 +141,7 @@ TEST_F(FlexGridTable, SameNumberWrittenOtherwise_IsNotMarked) {
     EXPECT_EQ(grid_->Note(), "");
 }
 
-TEST_F(FlexGridTable, ChangedAnswer_ShowsTheStoredNumberAndTells) {
+TEST_F(FlexGridTable, ChangedAnswer_ShowsTheStoredNumberAndReports) {
     table_.showsStored = true;
     EditTo(2, 2, "1,200");
     EXPECT_EQ(grid_->TextMatrix(2, 2), "1");
@@ -152,7 +152,7 @@ TEST_F(FlexGridTable, ChangedAnswer_ShowsTheStoredNumberAndTells) {
     EXPECT_EQ(grid_->Note(), "");
 }
 
-TEST_F(FlexGridTable, RefusedText_IsToldWithItsCellAndLeavesTheCell) {
+TEST_F(FlexGridTable, RefusedText_IsReportedWithItsCellAndLeavesTheCell) {
     QStringList refused;
     QObject::connect(grid_, &vsFlexGrid::Refused, grid_,
                      [&](int, int, const QString& sentence) { refused += sentence; });

@@ -20,7 +20,7 @@ protected:
         grid_->SetEditSelText(text);
     }
     // The lines of the message that came, and none the next time.
-    QStringList Told() {
+    QStringList Said() {
         QStringList lines;
         for (const QString& text : answers_.Texts().mid(told_)) {
             lines += text.split("\r\n");
@@ -39,9 +39,9 @@ protected:
     qsizetype told_ = 0;
 };
 
-TEST_F(FlexGridPaste, WholeBlock_TellsNothing) {
+TEST_F(FlexGridPaste, WholeBlock_ReportsNothing) {
     PasteAt(2, 0, "West\t7\r\nx\t8\r\n");
-    EXPECT_EQ(Told(), QStringList());
+    EXPECT_EQ(Said(), QStringList());
 }
 
 TEST_F(FlexGridPaste, BeyondTheTable_ListsTheCellsThatWereLeftOut) {
@@ -49,20 +49,20 @@ TEST_F(FlexGridPaste, BeyondTheTable_ListsTheCellsThatWereLeftOut) {
     EXPECT_EQ(grid_->TextMatrix(3, 1), "7");
     EXPECT_EQ(grid_->TextMatrix(3, 2), "70");
     EXPECT_EQ(grid_->Rows(), 4);
-    EXPECT_EQ(Told(),
+    EXPECT_EQ(Said(),
               QStringList({"3 cells were not pasted:", "row 3: '9' lies beyond the last column.",
                            "row 4: '8' lies beyond the last row.",
                            "row 4: '80' lies beyond the last row."}));
 }
 
-TEST_F(FlexGridPaste, CellThatCannotBeChanged_IsToldUnlessItHoldsThatTextAlready) {
+TEST_F(FlexGridPaste, CellThatCannotBeChanged_IsReportedUnlessItHoldsThatTextAlready) {
     QObject::connect(grid_, &vsFlexGrid::BeforeEdit, grid_,
                      [](int, int col, bool* cancel) { *cancel = col == 1; });
     PasteAt(2, 0, "West\t2\r\n");
-    EXPECT_EQ(Told(), QStringList());
+    EXPECT_EQ(Said(), QStringList());
     PasteAt(2, 0, "West\t9\r\n");
     EXPECT_EQ(grid_->TextMatrix(2, 1), "2");
-    EXPECT_EQ(Told(), QStringList({"One cell was not pasted:",
+    EXPECT_EQ(Said(), QStringList({"One cell was not pasted:",
                                    "# RLs, West: '9'; this cell cannot be changed."}));
 }
 
@@ -72,7 +72,7 @@ TEST_F(FlexGridPaste, TextTooLong_LeavesTheCellAsItWas) {
     PasteAt(1, 0, "Northern\t4\t123456\r\n");
     EXPECT_EQ(grid_->TextMatrix(1, 0), "North");
     EXPECT_EQ(grid_->TextMatrix(1, 2), "1000");
-    EXPECT_EQ(Told(), QStringList({"2 cells were not pasted:",
+    EXPECT_EQ(Said(), QStringList({"2 cells were not pasted:",
                                    "Name, row 1: 'Northern' is longer than 5 characters.",
                                    "Cost, North: '123456' is longer than 5 characters."}));
 }
@@ -82,15 +82,15 @@ TEST_F(FlexGridPaste, OneNumberInPlaceOfTheWholeCell_ArrivesWholeOrNotAtAll) {
                      [this](int, int, bool*) { grid_->SetEditMaxLength(5); });
     PasteAt(1, 2, "$1,250");
     EXPECT_EQ(grid_->EditText(), "1250");
-    EXPECT_EQ(Told(), QStringList());
+    EXPECT_EQ(Said(), QStringList());
     ClickCell(2, 2);
     const QString before = grid_->EditText();
     grid_->SetEditSelText("123456");
     EXPECT_EQ(grid_->EditText(), before);
-    EXPECT_EQ(Told().value(1), "Cost, East: '123456' is longer than 5 characters.");
+    EXPECT_EQ(Said().value(1), "Cost, East: '123456' is longer than 5 characters.");
     grid_->SetEditSelText("FIL 1");
     EXPECT_EQ(grid_->EditText(), before);
-    EXPECT_EQ(Told().value(1), "Cost, East: 'FIL 1' is not a number.");
+    EXPECT_EQ(Said().value(1), "Cost, East: 'FIL 1' is not a number.");
 }
 
 TEST_F(FlexGridPaste, PartOfANumber_IsPutInWhenTheWholeIsOne) {
@@ -100,7 +100,7 @@ TEST_F(FlexGridPaste, PartOfANumber_IsPutInWhenTheWholeIsOne) {
     EXPECT_EQ(grid_->EditText(), "1234");
     grid_->SetEditSelText("-5");
     EXPECT_EQ(grid_->EditText(), "1234");
-    EXPECT_EQ(Told().value(1), "Cost, North: '-5' is not a number.");
+    EXPECT_EQ(Said().value(1), "Cost, North: '-5' is not a number.");
 }
 
 TEST_F(FlexGridPaste, SelectedBlock_IsFilledFromItsTopLeft) {
@@ -121,7 +121,7 @@ TEST_F(FlexGridPaste, SelectedBlock_IsFilledFromItsTopLeft) {
     Key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(grid_->TextMatrix(1, 1), "5");
     EXPECT_EQ(grid_->TextMatrix(2, 2), "5");
-    EXPECT_EQ(Told(), QStringList());
+    EXPECT_EQ(Said(), QStringList());
 }
 
 TEST_F(FlexGridPaste, SelectionMadeUpwards_BeginsAtItsTopLeft) {

@@ -315,7 +315,7 @@ TEST_F(BuiltHelpTest, Escape_ClosesTheWindow) {
     EXPECT_EQ(HelpWindowShown(), nullptr);
 }
 
-TEST_F(HelpViewerTest, MissingFile_IsToldToTheUser) {
+TEST_F(HelpViewerTest, MissingFile_IsShownToTheUser) {
     platform::HelpViewer::SetHelpFile(folder_.filePath("Nothing.hlp"));
     support::Answers answers;
     platform::HelpViewer::ShowContext(40);
@@ -324,7 +324,7 @@ TEST_F(HelpViewerTest, MissingFile_IsToldToTheUser) {
     EXPECT_EQ(HelpWindowShown(), nullptr);
 }
 
-TEST_F(HelpViewerTest, DamagedFile_IsToldToTheUser) {
+TEST_F(HelpViewerTest, DamagedFile_IsShownToTheUser) {
     QFile file(folder_.filePath("Bad.hlp"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(QByteArray(5000, 'x'));
@@ -337,7 +337,7 @@ TEST_F(HelpViewerTest, DamagedFile_IsToldToTheUser) {
     EXPECT_EQ(HelpWindowShown(), nullptr);
 }
 
-TEST_F(HelpViewerTest, CutFile_IsToldToTheUser) {
+TEST_F(HelpViewerTest, CutFile_IsShownToTheUser) {
     const QString copy = folder_.filePath("Cut.hlp");
     ASSERT_TRUE(QFile::copy(BuiltHelpFile(), copy));
     ASSERT_TRUE(QFile::resize(copy, 9000));

@@ -47,7 +47,7 @@ TEST(MsgBox, YesNo_DefaultsToNoAndEscapeIsNo) {
     EXPECT_EQ(platform::MsgBox("Really?", DeleteQuestion()), platform::MsgAnswer::kNo);
 }
 
-TEST(MsgBox, YesNo_AnswersAreTold) {
+TEST(MsgBox, YesNo_AnswersAreGiven) {
     for (const auto button : {QMessageBox::Yes, QMessageBox::No}) {
         OnNext<QMessageBox> answer([button](QMessageBox& box) { box.button(button)->click(); });
         EXPECT_EQ(platform::MsgBox("Really?", DeleteQuestion()), button == QMessageBox::Yes

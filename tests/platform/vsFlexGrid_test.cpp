@@ -206,7 +206,7 @@ TEST_F(FlexGridShape, CutText_IsShownInAToolTip) {
     EXPECT_EQ(tipAt(2), "");
 }
 
-TEST_F(FlexGridShape, List_IsNeverEditedAndTellsEnterAsClick) {
+TEST_F(FlexGridShape, List_IsNeverEditedAndReportsEnterAsClick) {
     FillList();
     Listen();
     Show();

@@ -23,7 +23,7 @@ class ChartTest : public testing::Test {
 protected:
     void Show(const ChartContent& content, const QString& place) {
         chart_.resize(900, 700);
-        chart_.OnTell([this](const QString& words) { told_ = words; });
+        chart_.SetListener([this](const QString& words) { told_ = words; });
         chart_.Show(content, QStringLiteral("A title"), place);
         chart_.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&chart_));
@@ -59,25 +59,25 @@ protected:
     QString told_;
 };
 
-TEST_F(ChartTest, Totals_TellEveryFigureUnderThePointer) {
+TEST_F(ChartTest, Totals_ShowEveryFigureUnderThePointer) {
     ExpectAllAreFound(review::TotalsChartOf(season_.zones[0]), "Zone 1");
 }
 
-TEST_F(ChartTest, HeatMap_TellsEveryFigureUnderThePointer) {
+TEST_F(ChartTest, HeatMap_ShowsEveryFigureUnderThePointer) {
     ExpectAllAreFound(review::HeatMapOf(season_, season_.zones[0], 2, 100), "Zone 1, location 2");
 }
 
-TEST_F(ChartTest, CostSteps_TellEveryFigureUnderThePointer) {
+TEST_F(ChartTest, CostSteps_ShowEveryFigureUnderThePointer) {
     ExpectAllAreFound(review::CostChartOf(season_.zones[0]), "Zone 1");
 }
 
-TEST_F(ChartTest, Bars_TellEveryFigureUnderThePointer) {
+TEST_F(ChartTest, Bars_ShowEveryFigureUnderThePointer) {
     review::BarChart bars;
     bars.bars = {{"Dozer", 2350, "$2,350"}, {"Loss", -20, "-$20"}, {"Nothing", 0, "$0"}};
     ExpectAllAreFound(bars, {});
 }
 
-TEST_F(ChartTest, ThePointer_TellsTheFigureAndItsEnd) {
+TEST_F(ChartTest, ThePointer_ShowsTheFigureAndItsEnd) {
     Show(review::HeatMapOf(season_, season_.zones[0], 2, 100), "Zone 1, location 2");
     QTest::mouseMove(&chart_, QPoint(chart_.width() / 2, chart_.height() / 2));
     QTRY_VERIFY_WITH_TIMEOUT(told_.startsWith("Zone 1, location 2, Value "), 5000);

@@ -80,7 +80,7 @@ TEST(Differences, Compare_AddedAndRemoved_TakesOneLineEach) {
                     "removed\tzone\tZone 2\tZone 2\t"));
 }
 
-TEST(Differences, Compare_Names_TellsCaseFromRenaming) {
+TEST(Differences, Compare_Names_DistinguishesCaseFromRenaming) {
     const Season older = SoundSeason();
     Season newer = SoundSeason();
     newer.zones[0].name = "ZONE 1";

@@ -75,7 +75,7 @@ TEST_F(Export, ToJson_HoldsEveryTable) {
               "'SRMasterList', 'SuppressionPerAcreCost'] 84 None\n");
 }
 
-TEST_F(Export, ToAFolder_TellsNullFromEmpty) {
+TEST_F(Export, ToAFolder_DistinguishesNullFromEmpty) {
     const auto out = folder_ / "out folder";
     EXPECT_EQ(Run(Quoted(out) + "/").status, 0);
     EXPECT_EQ(Contents(out / "FMZList.csv"),

@@ -76,7 +76,7 @@ TEST(Report, HoldsEveryFigureAsText) {
     EXPECT_THAT(html, Not(HasSubstr("src=")));
 }
 
-TEST(Report, WithFaults_TellsThemInTheSentencesOfCheck) {
+TEST(Report, WithFaults_GivesThemInTheSentencesOfCheck) {
     const tarn_test::TempFolder folder;
     const Season season = tarn_test::PlantedFile(folder / "UMFOR26.fcd", [](Season& s) {
         s.zones[0].name = "A <b> & \"c\"";

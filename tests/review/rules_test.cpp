@@ -360,7 +360,7 @@ TEST(RulesAgainstOthers, Outlier_IsAnAmountFarFromTheOthers) {
     EXPECT_TRUE(review::Check({season, nullptr, &usual}).empty()) << "all alike";
 }
 
-TEST(Findings, LineAndJson_TellRulePlaceAndSentence) {
+TEST(Findings, LineAndJson_HoldRulePlaceAndSentence) {
     const tarn_test::TempFolder folder;
     const Season season = tarn_test::PlantedFile(folder / "UMFOR26.fcd", [](Season& s) {
         s.zones[0].name = "Wet\tPrairie \"A\"";

@@ -75,7 +75,7 @@ void ExpectSame(const std::vector<float>& amounts, const std::vector<float>& wit
     EXPECT_NEAR(found.distance, wanted.distance, 1e-12) << amounts.size();
 }
 
-TEST(AmountCounts, OfAnyAmounts_TellTheirMiddle) {
+TEST(AmountCounts, OfAnyAmounts_GiveTheirMiddle) {
     std::mt19937 random(7);
     std::lognormal_distribution<float> spread(3, 4);
     std::uniform_int_distribution<int> place(0, 3);

@@ -31,7 +31,7 @@ protected:
     LogFolder folder_;
 };
 
-TEST_F(LastTrapTest, Error_IsToldInWordsForPeople_WithTheRestAsDetails) {
+TEST_F(LastTrapTest, Error_IsShownInWordsForPeople_WithTheRestAsDetails) {
     const support::Message box = Shown(3022, "North, location 2");
     EXPECT_EQ(box.title, "TARN Prep");
     EXPECT_EQ(box.text, "North, location 2: It failed.");
@@ -40,7 +40,7 @@ TEST_F(LastTrapTest, Error_IsToldInWordsForPeople_WithTheRestAsDetails) {
     EXPECT_EQ(box.buttons, QMessageBox::Ok);
 }
 
-TEST_F(LastTrapTest, ErrorOfNothingInParticular_IsToldAsItIs) {
+TEST_F(LastTrapTest, ErrorOfNothingInParticular_IsShownAsItIs) {
     EXPECT_EQ(Shown(9, QString()).text, "It failed.");
 }
 

@@ -117,7 +117,7 @@ private:
     void TypeOver() {
         const Cell cell = AnyCell();
         const QString text = AnyText();
-        did_ = Told(QStringLiteral("type over"), cell) + text;
+        did_ = Words(QStringLiteral("type over"), cell) + text;
         const bool open = grid_->Editing() && grid_->Row() == cell.row && grid_->Col() == cell.col;
         if (open) {
             Press(Qt::Key_Return);
@@ -149,7 +149,7 @@ private:
         }
     }
     void Click(const Cell& cell, bool twice) {
-        did_ = Told(twice ? QStringLiteral("click twice") : QStringLiteral("click"), cell);
+        did_ = Words(twice ? QStringLiteral("click twice") : QStringLiteral("click"), cell);
         ClickCell(*grid_, cell.row, cell.col);
         if (twice) {
             ClickCell(*grid_, cell.row, cell.col);
@@ -158,7 +158,7 @@ private:
     void Drag() {
         const Cell from = AnyCell();
         const Cell to = AnyCell();
-        did_ = Told(QStringLiteral("drag from"), from) + Told(QStringLiteral("to"), to);
+        did_ = Words(QStringLiteral("drag from"), from) + Words(QStringLiteral("to"), to);
         const QPoint end = PlaceOf(to);
         const QPoint begin = PlaceOf(from);
         QWindow* window = manager_.frame.windowHandle();
@@ -250,13 +250,13 @@ private:
             return;
         }
         const std::optional<double> figure = Figure(shown);
-        ASSERT_TRUE(figure) << Where() << Told(QString(), cell).toStdString()
+        ASSERT_TRUE(figure) << Where() << Words(QString(), cell).toStdString()
                             << shown.toStdString();
         // Formats show two decimals, or none.
         const double value = platform::Val(stored);
         const double step = shown.contains(u'$') ? 0.5 : 0.005;
         EXPECT_NEAR(*figure, value, step + std::abs(value) * 1e-6)
-            << Where() << Told(QString(), cell).toStdString() << shown.toStdString();
+            << Where() << Words(QString(), cell).toStdString() << shown.toStdString();
     }
     // As before the first step.
     void ExpectUnmarked() {
@@ -297,7 +297,7 @@ private:
         return Below(3) == 0 ? QString::number(Below(99999))
                              : QString::fromLatin1(kTexts[std::size_t(Below(18))]);
     }
-    static QString Told(const QString& what, const Cell& cell) {
+    static QString Words(const QString& what, const Cell& cell) {
         return QStringLiteral("%1 (%2, %3) ").arg(what).arg(cell.row).arg(cell.col);
     }
     std::string Where() const {

@@ -55,7 +55,7 @@ TEST_F(NVCGridTableTest, BeforeTheFirstTable_IsEmptyAndTakesNothing) {
     EXPECT_EQ(none.CellTakes(1, 1), Takes::kNothing);
 }
 
-TEST_F(NVCGridTableTest, ShowsWhatWasTypedAndTellsWhatIsStored) {
+TEST_F(NVCGridTableTest, ShowsWhatWasTypedAndReportsWhatIsStored) {
     EXPECT_EQ(nvc_.Offer(4, 3, QStringLiteral("-1,250")).kind, Kind::kStored);
     EXPECT_EQ(nvc_.Text(4, 3), QStringLiteral("-1,250"));
     EXPECT_EQ(nvc_.Stored(4, 3), QStringLiteral("-1"));

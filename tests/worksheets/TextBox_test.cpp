@@ -8,7 +8,7 @@ using worksheets::TextBox;
 
 namespace {
 
-TEST(TextBox, EnteredByTheTabKey_SelectsItsTextAndTellsOnce) {
+TEST(TextBox, EnteredByTheTabKey_SelectsItsTextAndReportsThatOnce) {
     QWidget window;
     TextBox box(&window);
     box.setText(QStringLiteral("Budget"));

@@ -168,7 +168,7 @@ TEST_F(UndoHistoryTest, FailedStep_LeavesTheActionWhereItWas) {
     EXPECT_FALSE(form.Past().CanUndo());
 }
 
-TEST_F(UndoHistoryTest, StepWithoutItsObject_IsToldAndDropped) {
+TEST_F(UndoHistoryTest, StepWithoutItsObject_IsReportedAndDropped) {
     auto& form = Load<Counter>();
     form.Count(1);
     form.Count(10);

@@ -245,7 +245,7 @@ TEST_F(ResourcesTest, MovedRow_StaysCurrent) {
     EXPECT_EQ(StoredNames(), ShownNames());
 }
 
-TEST_F(ResourcesTest, CostReadAsAnotherNumber_ShowsTheStoredOneAndIsTold) {
+TEST_F(ResourcesTest, CostReadAsAnotherNumber_ShowsTheStoredOneAndIsReported) {
     AddResources(1);
     Load<frm3SRMaster>();
     Enter(Grid("grdMasterList"), 1, 4, QStringLiteral("1,450"));
@@ -391,7 +391,7 @@ TEST_F(ResourcesTest, Dialog_TakesOnlyDigitsForCostAndPosition) {
     });
 }
 
-TEST_F(ResourcesTest, Dialog_TellsOfAKeyThatItDiscards) {
+TEST_F(ResourcesTest, Dialog_ReportsAKeyThatItDiscards) {
     Load<frm3SRMaster>();
     InDialog([](QWidget& dialog) {
         auto* cue = dialog.findChild<QLabel*>(QStringLiteral("lblCostCue"));

@@ -189,7 +189,7 @@ TEST_F(ZonesTest, HugeCount_IsRefusedWhenItIsTyped) {
     EXPECT_EQ(tblNVCPerAcre->RecordCount(), 14);
 }
 
-TEST_F(ZonesTest, CountReadAsAnotherNumber_ShowsTheStoredOneAndIsTold) {
+TEST_F(ZonesTest, CountReadAsAnotherNumber_ShowsTheStoredOneAndIsReported) {
     const int key = ZoneRecords::Create(QStringLiteral("A"), 1);
     Load<frm4FMZs>();
     EXPECT_FALSE(Find<QLabel>("lblNote").isVisible());

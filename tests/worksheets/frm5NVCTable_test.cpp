@@ -263,7 +263,7 @@ TEST_F(NVCTest, Letters_CountAsZeroAndStayOnTheScreen) {
     EXPECT_EQ(Stored(first_ * 100 + 1, 1, 1), 0);
 }
 
-TEST_F(NVCTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
+TEST_F(NVCTest, MissingRows_AreReportedAndNeverAddedAndLeavingStaysPossible) {
     for (const int resource : {4, 14}) {
         tblNVCPerAcre->Seek("=", {first_ * 100 + 1, resource});
         tblNVCPerAcre->Delete();
@@ -284,7 +284,7 @@ TEST_F(NVCTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
     EXPECT_EQ(errors_.size(), 1U) << "reported once";
 }
 
-TEST_F(NVCTest, MissingName_IsToldAndTheOthersAreStored) {
+TEST_F(NVCTest, MissingName_IsReportedAndTheOthersAreStored) {
     tblNVCResources->Seek("=", {2});
     tblNVCResources->Delete();
     Load<frm5NVCTable>();
@@ -397,7 +397,7 @@ TEST_F(NVCTest, FiguresPastedOverTheWholeTable_LeaveTheNames) {
     EXPECT_EQ(Stored(first_ * 100 + 1, 14, 6), -1406);
 }
 
-TEST_F(NVCTest, NumberBeyondTheSingles_IsToldAndTheCellIsAsBefore) {
+TEST_F(NVCTest, NumberBeyondTheSingles_IsReportedAndTheCellIsAsBefore) {
     Load<frm5NVCTable>();
     vsFlexGrid& grid = Grid("grdNVC");
     Enter(grid, 4, 1, QStringLiteral("7"));
@@ -534,7 +534,7 @@ TEST_F(NVCTest, ActionOfAnotherLocation_IsShownWhenItIsTakenBack) {
     EXPECT_EQ(Stored(first_ * 100 + 2, 3, 3), 0);
 }
 
-TEST_F(NVCTest, ActionOfALocationThatIsGone_IsToldAndPassedOver) {
+TEST_F(NVCTest, ActionOfALocationThatIsGone_IsReportedAndPassedOver) {
     Load<frm5NVCTable>();
     vsFlexGrid& grid = Grid("grdNVC");
     Enter(grid, 1, 1, QStringLiteral("11"));

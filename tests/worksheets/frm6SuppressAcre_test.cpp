@@ -124,7 +124,7 @@ TEST(CostTable, IndexOutside_IsASubscriptError) {
     EXPECT_THROW(table.Cost(-1, 1), platform::RuntimeError);
 }
 
-TEST_F(CostTest, MissingRows_AreToldAndNeverAddedAndLeavingStaysPossible) {
+TEST_F(CostTest, MissingRows_AreReportedAndNeverAddedAndLeavingStaysPossible) {
     for (const int sequence : {2, 9}) {
         tblSuppressionPerAcreCost->Seek("=", {first_, sequence});
         tblSuppressionPerAcreCost->Delete();
@@ -273,7 +273,7 @@ TEST_F(CostTest, EveryKeystroke_IsStored) {
     EXPECT_EQ(Stored(first_, 3, "TopSize"), 12) << "the leading number, with the editor open";
 }
 
-TEST_F(CostTest, ThousandsSeparator_EndsTheNumberAndIsTold) {
+TEST_F(CostTest, ThousandsSeparator_EndsTheNumberAndIsReported) {
     Load<frm6SuppressAcre>();
     vsFlexGrid& grid = Grid("grdCosts");
     Enter(grid, 2, 2, QStringLiteral("1,200"));
@@ -402,7 +402,7 @@ TEST_F(CostTest, NegativeSizeThatIsShownEmpty_SurvivesEsc) {
     EXPECT_EQ(Stored(first_, 1, "TopSize"), -3);
 }
 
-TEST_F(CostTest, NumberBeyondTheSingles_IsToldAndPutBack) {
+TEST_F(CostTest, NumberBeyondTheSingles_IsReportedAndPutBack) {
     Load<frm6SuppressAcre>();
     vsFlexGrid& grid = Grid("grdCosts");
     Enter(grid, 2, 2, QStringLiteral("40"));

@@ -79,7 +79,7 @@ int RunCheck(const Arguments& arguments) {
             progress.Step(season::CountRows(season));
             ++read;
         } catch (const season::Refused& refused) {
-            Tell(file + ": " + refused.what());
+            Report(file + ": " + refused.what());
             anything = true;
         }
     }

@@ -86,9 +86,9 @@ int main(int argc, char** argv) {
         fcdtool::FinishOutput();
         return status;
     } catch (const std::bad_alloc&) {
-        fcdtool::Tell("fcdtool: There is not enough memory.");
+        fcdtool::Report("fcdtool: There is not enough memory.");
     } catch (const std::exception& error) {
-        fcdtool::Tell(std::string("fcdtool: ") + error.what());
+        fcdtool::Report(std::string("fcdtool: ") + error.what());
     }
     return fcdtool::kFailed;
 }

@@ -33,7 +33,7 @@ void Say(std::string_view line) {
     }
 }
 
-void Tell(std::string_view line) {
+void Report(std::string_view line) {
     std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
 }
 

@@ -9,7 +9,7 @@ namespace fcdtool {
 // A line of the result. Throws std::runtime_error when it cannot be written.
 void Say(std::string_view line);
 // A line about what went wrong or on.
-void Tell(std::string_view line);
+void Report(std::string_view line);
 // Whatever waits is written now; throws std::runtime_error when it cannot be.
 void FinishOutput();
 

@@ -40,7 +40,7 @@ void SaySummary(const rollup::Summary& summary) {
 
 int StatusOf(const rollup::Summary& summary) {
     if (summary.isStopped) {
-        Tell("fcdtool: Stopped. What was read is in the destination; the same command goes on.");
+        Report("fcdtool: Stopped. What was read is in the destination; the same command goes on.");
         return kFailed;
     }
     if (summary.files == 0 && summary.unsearchable > 0) {
@@ -61,7 +61,7 @@ int RunRollup(const Arguments& arguments) {
     }
     const EndRequests requests;
     const auto destination = rollup::OpenDestination(
-        target, {[] { Tell("Another run is writing to the destination; waiting for its end."); },
+        target, {[] { Report("Another run is writing to the destination; waiting for its end."); },
                  [] { return !EndRequests::Came(); }});
     std::optional<Progress> progress;
     rollup::Events events;
@@ -71,7 +71,7 @@ int RunRollup(const Arguments& arguments) {
         if (progress) {
             progress->Hide();
         }
-        Tell(path + ": " + reason);
+        Report(path + ": " + reason);
     };
     events.isStopped = EndRequests::Came;
     const rollup::Summary summary = rollup::Run(where, *destination, options, events);

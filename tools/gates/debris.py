@@ -16,11 +16,14 @@ STATEMENT = re.compile(
     rf"|{NAME}\([^()]*(\([^()]*\)[^()]*)*\)"
     r"|(bool|int|long|char|double|float|short)[*&]* \w+(\[\d*\])?;|using \w+ = .*;|template <.*>")
 BLOCK = re.compile(r"/\*(.*)\*/")
+# One word for one thing: an error is reported, shown or signaled.
+TELLING = re.compile(r"\bTell[A-Z]\w*\(|\bTell\((?!\w*\s*==)|TEST\w*\(\w+, \w*(IsTold|AreTold|AndTold|Tells)")
 # One spelling, the American one. Other programs' words are theirs.
 BRITISH = re.compile(r"(?i)behaviour|colour|neighbour|favour|honour|licence|catalogue(?!-)|centre|\bgrey\b|defence"
                      r"|artefact|judgement|labelled(?!_?by)|modell(ed|ing)|(recogn|optim|initial|normal|serial|minim"
                      r"|maxim|summar|organ|synchron|general|special)is(e|ing|ation)|\banalys(e|ed|ing)\b")
 RULES = [
+    (TELLING, "an error is reported or shown, not told"),
     (BRITISH, "one spelling: the American one"),
     (re.compile(r"^\s*#\s*if\s+0\b"), "code that is switched off"),
     (re.compile(r"\b(TODO|FIXME|XXX|HACK)\b"), "unfinished work is not left in the tree"),

@@ -137,6 +137,8 @@ TRIALS = [
     ("debris", "shell/Rest.cpp", "int a; \n", "blanks at the end"),
     ("debris", "shell/Rest.cpp", "// As in iss" + "ue 3.\n", "give the reason itself"),
     ("debris", "shell/Rest.cpp", "// Its col" + "our.\n", "one spelling"),
+    ("debris", "shell/Rest.cpp", "void Tell" + "Failure() {}\n", "reported or shown"),
+    ("debris", "tests/shell/Rest_test.cpp", "TEST_F(Rest, NoFile_Is" + "Told) {}\n", "reported or shown"),
     ("debris", "README.md", "Look into /ho" + "me/ann/prep.\n", "one person's machine"),
     ("debris", "README.md", "<<<<<" + "<< main\n", "a merge that was not finished"),
     ("debris", "shell/Rest.cpp", "// Closing it frees the lock.\n", ""),

@@ -12,17 +12,17 @@
 
 namespace {
 
-void Tell(const char* what) {
+void Say(const char* what) {
     std::puts(what);
     std::fflush(stdout);
 }
 
 [[noreturn]] void ImportForEver(const QString& source) {
     for (;;) {
-        Tell("begin");
+        Say("begin");
         mImport::CopyFMZsFrom(source);
         PrepDatafile::MakeDurable();
-        Tell("told");
+        Say("told");
     }
 }
 
