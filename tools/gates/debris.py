@@ -13,7 +13,7 @@ STATEMENT = re.compile(
     rf"|(return|throw|emit|delete|co_return)\b.*;|(break|continue);|[+-]{{2}}{NAME};|{NAME}[+-]{{2}};"
     rf"|{NAME}\(.*\)( const)?( \{{|;)|[\w:<>*&,. >\[\]()-]+ [-+*/|&]?= .*;|#(include|define|ifn?def|endif)\b.*"
     r"|(const |static |auto[*&]? |unsigned )+[\w:<>*& ]+[;({].*|(std::|Q[A-Z])[\w:]+(<.*>)?[*&]* \w+(;|[({=].*;)"
-    rf"|{NAME}\([^()]*(\([^()]*\)[^()]*)*\)"
+    rf"|{NAME}\([^()]*(\([^()]*\)[^()]*)*\)|{NAME} [-+*/|&]= .*"
     r"|(bool|int|long|char|double|float|short)[*&]* \w+(\[\d*\])?;|using \w+ = .*;|template <.*>")
 BLOCK = re.compile(r"/\*(.*)\*/")
 # One word for one thing: an error is reported, shown or signaled.
@@ -25,7 +25,7 @@ BRITISH = re.compile(r"(?i)behaviour|colour|neighbour|favour|honour|licence|cata
 RULES = [
     (TELLING, "an error is reported or shown, not told"),
     (BRITISH, "one spelling: the American one"),
-    (re.compile(r"^\s*#\s*if\s+0\b"), "code that is switched off"),
+    (re.compile(r"^\s*#\s*if\s+(0|false)\b|^\s*#\s*ifdef\s+NEVER\b"), "code that is switched off"),
     (re.compile(r"\b(TODO|FIXME|XXX|HACK)\b"), "unfinished work is not left in the tree"),
     (re.compile(r"NOLINT(NEXTLINE|BEGIN|END)?(?!\w|\()"), "name the check that is switched off"),
     (re.compile(r"(?i)\b(see|per|by|in|of) (part|issue|decision|section) \d"),
@@ -43,15 +43,28 @@ def commented_out(line):
     return STATEMENT.fullmatch(comment.partition("//")[0].strip().removeprefix("/").strip()) is not None
 
 
+def in_blocks(text):
+    """Number and text of each line of code within a comment of several lines."""
+    for block in re.finditer(r"/\*(.*?)\*/", text, re.S):
+        first = text.count("\n", 0, block.start()) + 1
+        lines = block[1].split("\n")
+        for number, line in enumerate(lines if len(lines) > 1 else [], first):
+            if STATEMENT.fullmatch(line.strip()):
+                yield number, line
+
+
 def main():
     offenders = []
     for path in tree.text_files():
         if path.suffix not in TEXT or path.name == "debris.py" or path.name == "LICENSE":
             continue
         try:
-            lines = path.read_text(encoding="utf-8").splitlines()
+            text = path.read_text(encoding="utf-8")
         except UnicodeDecodeError:
             continue
+        lines = text.splitlines()
+        offenders += [f"{tree.name(path)}:{number}: code that is commented out: {line.strip()[:80]}"
+                      for number, line in in_blocks(text) if path.suffix in CODE]
         for number, line in enumerate(lines, 1):
             example = path.suffix == ".h" and line.startswith("//   ")
             if path.suffix in CODE and not example and commented_out(line):

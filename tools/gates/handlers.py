@@ -10,6 +10,7 @@ import tree
 FOLDERS = ("base/", "shell/", "datafile/", "import/", "worksheets/", "tarnreview/")
 TRAPS = re.compile(r"\b(Trapped|EventTrap::Run)\s*\(|\bRunHandler\s*<")
 CONNECT = re.compile(r"\b(connect|singleShot|callOnTimeout|invokeMethod|addAction|QShortcut)\s*\(")
+BY_NAME = re.compile(r"\bconnectSlotsByName\b")  # Qt's own way, which gives no trap
 ALWAYS_CALLS = ("connect", "singleShot", "callOnTimeout", "invokeMethod")
 SLOT = re.compile(r"&\s*\w+::\w+|\[[^\]]*\]\s*[({]|\bSLOT\s*\(")
 QTS_SLOT = re.compile(r"(qOverload<[^()]*>\()?&\s*Q\w+::\w+\)?")
@@ -17,6 +18,8 @@ QTS_SLOT = re.compile(r"(qOverload<[^()]*>\()?&\s*Q\w+::\w+\)?")
 
 def connections(text):
     """Line, name and arguments of each call that connects something."""
+    for match in BY_NAME.finditer(text):
+        yield text.count("\n", 0, match.start()) + 1, "connect", ["this", match[0]]
     for match in CONNECT.finditer(text):
         depth, arguments, begin = 0, [], match.end()
         for end in range(match.end() - 1, len(text)):

@@ -9,7 +9,9 @@ import tree
 HELP = tree.ROOT / "help"
 # How forms give their help context ids.
 CONTEXT = re.compile(r"\bkHelpContextId\s*=\s*(\d+)|\bhelpContextId\s*=\s*(\d+)"
-                     r"|\bSetHelpContextId\s*\([^;]*?,\s*(\d+)\s*\)")
+                     r"|\bSetHelpContextId\s*\([^;]*?,\s*(\d+)\s*\)|\"helpContextId\"\s*,\s*(\d+)")
+# A name that stands for one and is not recognized above.
+NAMED = re.compile(r"\bSetHelpContextId\s*\([^;(]*?,\s*(?!\d|(?:[\w.]+::)*kHelpContextId\b|\w+\.helpContextId\b)([\w:.]+)\s*\)")
 PAIRED = {"p", "ul", "ol", "li", "table", "tr", "td", "th", "h1", "h2", "h3", "b", "i", "a", "pre",
           "html", "head", "body", "title"}
 
@@ -61,6 +63,9 @@ def main():
     offenders += [f"{where}: help/TARNPlus.qhp has no topic context-{number}"
                   for number, where in contexts().items()
                   if f"context-{number}" not in identifiers]
+    offenders += [f"{tree.name(path)}: {match[1]}: give the number as kHelpContextId"
+                  for path in tree.code_files() if not tree.name(path).startswith(("tests/", "platform/"))
+                  for match in NAMED.finditer(path.read_text(encoding="utf-8"))]
     offenders += [f"help/{page}: not in the contents list" for page in pages if page not in listed]
     for ref in listed | {keyword.get("ref") for keyword in keywords}:
         if ref not in pages:

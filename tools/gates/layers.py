@@ -15,6 +15,8 @@ WITHOUT_QT = {"jet", "season", "review", "rollup", "jetsql"}
 # The folders inside the engine, from the bottom up.
 ENGINE = ["os", "page", "values", "record", "index", "table", "catalog", "recordset", "query",
           "database", "check", "capi"]
+# A worksheet's folder; what all share lies beside these, and undo/ serves them all.
+FORMS = re.compile(r"worksheets/(\w+)/frm\w+\.h$")
 FREE = {"tools", "tests", "fuzz", "bench"}
 MAY_USE_JET = {"jet", "platform", "season", "rollup", "jetsql"} | FREE
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
@@ -66,6 +68,9 @@ def offence(path, quote, included):
     if found is None:
         return "includes a file that is not there" if quote == '"' else None
     other = layer(found)
+    form = FORMS.match(found)
+    if form and own == "worksheets" and not tree.name(path).startswith(f"worksheets/{form[1]}/"):
+        return "worksheets do not know each other's forms"
     if other == "jet" and own not in MAY_USE_JET:
         return "only platform, season, rollup, jetsql, tools and tests include the engine"
     if own != "jet" and found.startswith("jet/src/") and own not in FREE:

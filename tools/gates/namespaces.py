@@ -11,7 +11,7 @@ KNOWN = {"frm0_Prep", "frm0Start", "frmTabs", "frmFCDName", "frm1Intro", "frm2RM
          "frm3SRMasterAdd", "frm4FMZs", "frm5NVCTable", "frm6SuppressAcre", "c34NVCTable",
          "c35AACTable", "SRDataSource", "vsFlexGrid", "vsIndexTab", "FLabel", "SSPanel"}
 NO_CODE = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])\'', re.S)
-STEP = re.compile(r"\{|\}|^(?:template\s*<.*>\s*)?(?:class|struct|union|enum(?: class)?)\s+(\w+)[^;{}()]*\{", re.M)
+STEP = re.compile(r"\{|\}|^(?:template\s*<.*>\s*)?(?:class|struct|union|enum(?: class)?)\s+(?:\[\[.*?\]\]\s*)?(\w+)[^;{}()]*\{", re.M)
 
 
 def bare_classes(text):
