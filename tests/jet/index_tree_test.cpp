@@ -401,7 +401,7 @@ TEST_P(IndexTreeTest, HasKey_PassesOverTheRowItself) {
 }
 
 // The bytes of a row behind a shorter key can look like the rest of a longer one.
-TEST_P(IndexTreeTest, RowsBeginningWith_TellsKeysFromRows) {
+TEST_P(IndexTreeTest, RowsBeginningWith_DistinguishesKeysFromRows) {
     const Key start = {std::byte{1}, std::byte{2}, std::byte{3}};
     const Key shorter = {std::byte{1}, std::byte{2}};
     Key longer = start;
