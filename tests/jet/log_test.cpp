@@ -34,6 +34,12 @@ constexpr std::size_t kKindAt = kLogHeaderSize + 4;
 constexpr std::size_t kPagesAt = kLogHeaderSize + 16;
 constexpr std::size_t kEntryAt = kLogHeaderSize + kLogRecordHead;
 
+Contents AllOf(LogBuffer& buffer) {
+    Contents all;
+    for (const Bytes piece : buffer.Pieces()) all.insert(all.end(), piece.begin(), piece.end());
+    return all;
+}
+
 // Seals the records anew.
 void PutChecksumsRight(Contents& log) {
     std::uint64_t checksum = ReadU64(log, kLogHeaderSize - kLogChecksumSize);
@@ -68,21 +74,26 @@ protected:
                 .version = version,
                 .otherCounters = OtherCounters(firstPage, FormatOf(GetParam()))};
     }
-    // A log that changes one byte of one page, as `mutate` leaves it before its checksum is made.
+    // A log that changes one byte of one page, as `mutate` leaves it, with the right checksum.
     [[nodiscard]] Contents Log(const Mutation& mutate, int entries = 1) const {
-        Contents log;
-        const std::uint64_t seed = AppendLogHeader(log, Header(kLogVersion));
+        LogBuffer built;
+        const std::uint64_t seed = AppendLogHeader(built, Header(kLogVersion));
         const Bytes before = Bytes(file_).subspan(kPage.value * pageSize_, pageSize_);
         Contents after(before.begin(), before.end());
         after[500] ^= std::byte{1};
-        LogRecordWriter record(log, LogRecordKind::kCommit, 1, kPages);
+        LogRecordWriter record(built, LogRecordKind::kCommit, 1, kPages);
         for (int i = 0; i < entries; ++i) {
             record.AddPage(
                 {.page = kPage, .before = before, .after = after, .firstDifference = 500},
                 LogBase::kImage, {{.begin = 500, .end = 501}});
         }
-        mutate(log);
         record.Finish(seed);
+        Contents log = AllOf(built);
+        log.resize(log.size() - kLogChecksumSize);
+        mutate(log);
+        log.resize(log.size() + kLogChecksumSize);
+        WriteU32(log, kLogHeaderSize, static_cast<std::uint32_t>(log.size() - kLogHeaderSize));
+        PutChecksumsRight(log);
         return log;
     }
     // Opens the file beside that log and gives whether the log counted.
@@ -108,6 +119,21 @@ INSTANTIATE_TEST_SUITE_P(Versions, LogContents, testing::Values(Version::kJet3, 
                          [](const auto& tested) {
                              return tested.param == Version::kJet3 ? "Jet3" : "Jet4";
                          });
+
+TEST(Checksum, IsTheSameHoweverTheBytesAreCut) {
+    Contents bytes(300);
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::byte>(i * 7);
+    for (const std::size_t size : {0U, 5U, 31U, 32U, 33U, 300U}) {
+        const Bytes all = Bytes(bytes).first(size);
+        for (std::size_t cut = 0; cut <= size; ++cut) {
+            RunningChecksum checksum(3);
+            checksum.Add(all.first(cut / 2));
+            checksum.Add(all.subspan(cut / 2, cut - cut / 2));
+            checksum.Add(all.subspan(cut));
+            ASSERT_EQ(checksum.Result(), Checksum(all, 3)) << size << " bytes cut at " << cut;
+        }
+    }
+}
 
 TEST_P(LogContents, WholeRecord_IsBroughtIn) {
     const Recovery recovery = Open(Log([](Contents&) {}));
@@ -165,8 +191,9 @@ protected:
         states_.push_back(next);
     }
     [[nodiscard]] Contents Log(std::uint16_t version = kLogVersion) const {
-        Contents log;
-        std::uint64_t seed = AppendLogHeader(log, Header(version));
+        LogBuffer built;
+        std::uint64_t seed = AppendLogHeader(built, Header(version));
+        Contents log = AllOf(built);
         LoggedAs state = LoggedAs::kNothing;
         for (std::size_t i = 1; i < states_.size(); ++i) {
             PageChange change{.page = kPage, .before = states_[i - 1], .after = states_[i]};
@@ -175,9 +202,12 @@ protected:
             FindRanges(change, ranges);
             LogBase base = BaseFor(change, state, ranges);
             if (version < 3) base = i == 1 ? LogBase::kImage : LogBase::kInLog;
-            LogRecordWriter record(log, LogRecordKind::kCommit, i, kPages);
+            built.Clear();
+            LogRecordWriter record(built, LogRecordKind::kCommit, i, kPages);
             record.AddPage(change, base, ranges);
             seed = record.Finish(seed);
+            const Contents bytes = AllOf(built);
+            log.insert(log.end(), bytes.begin(), bytes.end());
             state = LoggedAfter(base);
         }
         return log;

@@ -18,10 +18,12 @@
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 
 #include "os/clock.h"
@@ -243,6 +245,9 @@ TEST(HostFiles, CallsThatTheSystemRefuses_AreErrorsOfTheEngine) {
     std::vector<std::byte> into(5);
     EXPECT_THROW(file->Read(0, into), Error);
     EXPECT_THROW(file->Write(0, SomeBytes(1)), Error);
+    const std::vector<std::byte> piece = SomeBytes(1);
+    const std::vector<std::span<const std::byte>> pieces(2, piece);
+    EXPECT_THROW(file->WriteAll(0, pieces), Error);
     EXPECT_THROW((void)file->Size(), Error);
     EXPECT_THROW(file->Truncate(1), Error);
     EXPECT_THROW(file->Flush(), Error);
@@ -258,6 +263,38 @@ TEST(HostFiles, FolderThatCannotBeFlushed_IsLeftAsItIs) {
 }
 
 #ifdef __linux__
+// For its life no file grows beyond so many bytes.
+class LongestFile {
+public:
+    explicit LongestFile(rlim_t bytes) : former_(std::signal(SIGXFSZ, SIG_IGN)) {
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &limit_), 0);
+        const rlimit wanted{bytes, limit_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &wanted), 0);
+    }
+    LongestFile(const LongestFile&) = delete;
+    LongestFile& operator=(const LongestFile&) = delete;
+    ~LongestFile() {
+        ::setrlimit(RLIMIT_FSIZE, &limit_);
+        std::signal(SIGXFSZ, former_);
+    }
+
+private:
+    void (*former_)(int);
+    rlimit limit_{};
+};
+
+TEST(HostFiles, PiecesThatTheSystemTakesHalf_AreAnErrorAndWhatWasTakenIsThere) {
+    const TempFolder folder;
+    const auto file = HostFileSystem().Open(folder / "a.bin", OpenMode::kCreateNew);
+    const std::vector<std::byte> piece = SomeBytes(600);
+    const std::vector<std::span<const std::byte>> pieces(3, piece);
+    {
+        const LongestFile limit(1000);
+        EXPECT_THROW(file->WriteAll(0, pieces), Error);
+    }
+    EXPECT_EQ(file->Size(), 1000U);
+}
+
 // For its life the process has the rights of nobody, if it is the one that has all.
 class AsNobody {
 public:
@@ -424,6 +461,22 @@ TEST_P(AnyFileSystem, ReadingPastTheEnd_IsAnErrorAndReadingNothingIsNone) {
     EXPECT_THROW(file->Read(9, into), Error);
     file->Read(4, {});
     EXPECT_EQ(file->Size(), 4U);
+}
+
+TEST_P(AnyFileSystem, PiecesAreWrittenOneBehindTheOther) {
+    const auto file = Files().Open(Name("a"), OpenMode::kCreateNew);
+    file->Write(0, SomeBytes(3));
+    std::vector<std::byte> expected = SomeBytes(3);
+    // More pieces than a system takes at once, some of them empty.
+    std::vector<std::vector<std::byte>> bytes;
+    for (std::size_t i = 0; i < 2500; ++i) {
+        bytes.emplace_back(i % 5, static_cast<std::byte>(i));
+        expected.insert(expected.end(), bytes.back().begin(), bytes.back().end());
+    }
+    file->WriteAll(3, std::vector<std::span<const std::byte>>(bytes.begin(), bytes.end()));
+    std::vector<std::byte> stored(file->Size());
+    file->Read(0, stored);
+    EXPECT_EQ(stored, expected);
 }
 
 TEST_P(AnyFileSystem, FileOpenedForReading_IsNotWritten) {

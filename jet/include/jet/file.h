@@ -30,6 +30,9 @@ public:
     virtual void Read(std::uint64_t offset, std::span<std::byte> into) = 0;
     // Writes the whole of `from`, lengthening the file when it must.
     virtual void Write(std::uint64_t offset, std::span<const std::byte> from) = 0;
+    // Writes these, one behind the other, as Write would write them in one. Without an own version
+    // of it they are put together first.
+    virtual void WriteAll(std::uint64_t offset, std::span<const std::span<const std::byte>> pieces);
     [[nodiscard]] virtual std::uint64_t Size() = 0;
     virtual void Truncate(std::uint64_t size) = 0;
     // Returns when all that was written is on the medium.

@@ -2,8 +2,11 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <string>
 
@@ -69,6 +72,24 @@ public:
         }
     }
 
+    void WriteAll(std::uint64_t offset,
+                  std::span<const std::span<const std::byte>> pieces) override {
+        std::array<iovec, kMostPieces> parts;
+        while (!pieces.empty()) {
+            const auto some = pieces.first(std::min(pieces.size(), parts.size()));
+            std::transform(some.begin(), some.end(), parts.begin(), [](const auto& piece) {
+                return iovec{const_cast<std::byte*>(piece.data()), piece.size()};
+            });
+            const ssize_t put = Retrying([&] {
+                return ::pwritev(descriptor_, parts.data(), static_cast<int>(some.size()),
+                                 static_cast<off_t>(offset));
+            });
+            if (put < 0) throw ErrorOfTransfer(errno, "written");
+            offset = WriteRest(offset, some, static_cast<std::size_t>(put));
+            pieces = pieces.subspan(some.size());
+        }
+    }
+
     std::uint64_t Size() override {
         struct stat status {};
         if (::fstat(descriptor_, &status) != 0) throw ErrorOfTransfer(errno, "examined");
@@ -117,6 +138,22 @@ public:
     }
 
 private:
+    // The most that every system takes at once.
+    static constexpr std::size_t kMostPieces = 1024;
+
+    // What the system did not take of these, when it took that many bytes: on a full disk, say. The
+    // place behind them.
+    std::uint64_t WriteRest(std::uint64_t offset,
+                            std::span<const std::span<const std::byte>> pieces, std::size_t taken) {
+        for (const auto piece : pieces) {
+            const std::size_t done = std::min(taken, piece.size());
+            Write(offset + done, piece.subspan(done));
+            taken -= done;
+            offset += piece.size();
+        }
+        return offset;
+    }
+
     // Some programs lock ranges of a file, which the lock of a whole file does not conflict with.
     [[nodiscard]] bool IsHeldByRecordLock(bool exclusive) const {
 #if defined(F_OFD_GETLK)

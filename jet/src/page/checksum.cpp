@@ -1,6 +1,6 @@
 #include "page/checksum.h"
 
-#include <array>
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -29,21 +29,52 @@ std::uint64_t Spread(std::uint64_t value) {
 
 }  // namespace
 
-std::uint64_t Checksum(Bytes bytes, std::uint64_t seed) {
-    // Four lanes, because a multiplication takes longer than reading the next word.
-    std::array<std::uint64_t, 4> lanes = {seed ^ kOdd1, seed ^ kOdd2, seed + 1, ~seed};
-    const std::byte* at = bytes.data();
-    std::size_t left = bytes.size();
-    for (; left >= 32; left -= 32, at += 32) {
+RunningChecksum::RunningChecksum(std::uint64_t seed)
+    : seed_(seed), lanes_{seed ^ kOdd1, seed ^ kOdd2, seed + 1, ~seed} {}
+
+// Four lanes, because a multiplication takes longer than reading the next word.
+void RunningChecksum::AddBlocks(const std::byte* at, std::size_t count) {
+    std::array<std::uint64_t, 4> lanes = lanes_;
+    for (; count > 0; --count, at += kBlock) {
         for (std::size_t lane = 0; lane < 4; ++lane) {
             lanes[lane] = Mix(lanes[lane], Load(at + 8 * lane, 8));
         }
     }
-    std::uint64_t result = Mix(seed, bytes.size());
+    lanes_ = lanes;
+}
+
+void RunningChecksum::Add(Bytes bytes) {
+    size_ += bytes.size();
+    if (restSize_ > 0) {
+        const std::size_t taken = std::min(kBlock - restSize_, bytes.size());
+        std::copy_n(bytes.begin(), taken, rest_.begin() + static_cast<std::ptrdiff_t>(restSize_));
+        restSize_ += taken;
+        bytes = bytes.subspan(taken);
+        if (restSize_ < kBlock) return;
+        AddBlocks(rest_.data(), 1);
+        restSize_ = 0;
+    }
+    const std::size_t blocks = bytes.size() / kBlock;
+    AddBlocks(bytes.data(), blocks);
+    bytes = bytes.subspan(blocks * kBlock);
+    std::copy(bytes.begin(), bytes.end(), rest_.begin());
+    restSize_ = bytes.size();
+}
+
+std::uint64_t RunningChecksum::Result() const {
+    std::uint64_t result = Mix(seed_, size_);
+    const std::byte* at = rest_.data();
+    std::size_t left = restSize_;
     for (; left >= 8; left -= 8, at += 8) result = Mix(result, Load(at, 8));
     if (left > 0) result = Mix(result, Load(at, left));
-    for (const std::uint64_t lane : lanes) result = Spread(Mix(result, lane));
+    for (const std::uint64_t lane : lanes_) result = Spread(Mix(result, lane));
     return result;
+}
+
+std::uint64_t Checksum(Bytes bytes, std::uint64_t seed) {
+    RunningChecksum checksum(seed);
+    checksum.Add(bytes);
+    return checksum.Result();
 }
 
 }  // namespace jet

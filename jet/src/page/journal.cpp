@@ -65,7 +65,7 @@ void Journal::Resume(const LogPosition& position) {
 }
 
 std::uint64_t Journal::StartBuffer(std::uint32_t pagesAfter) {
-    buffer_.clear();
+    buffer_.Clear();
     if (!IsEmpty()) {
         if (logged_.size() < pagesAfter) {
             logged_.resize(std::max<std::size_t>(pagesAfter, logged_.size() * 2));
@@ -152,12 +152,12 @@ void Journal::WriteBuffer() {
         cutFirst_ = false;
     }
     try {
-        file_->Write(end_, buffer_);
+        file_->WriteAll(end_, buffer_.Pieces());
     } catch (...) {
         CutQuietly();
         throw;
     }
-    end_ += buffer_.size();
+    end_ += buffer_.Size();
 }
 
 void Journal::CutQuietly() noexcept {
@@ -174,7 +174,7 @@ void Journal::CutQuietly() noexcept {
 
 std::uint16_t Journal::WriteCheckpoint() {
     const std::uint16_t counter = NextCommitCounter(lastCounter_);
-    buffer_.clear();
+    buffer_.Clear();
     LogRecordWriter record(buffer_, LogRecordKind::kCheckpoint, operation_, counter);
     const std::uint64_t checksum = record.Finish(checksum_);
     WriteBuffer();

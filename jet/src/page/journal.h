@@ -34,6 +34,7 @@
 #include "jet/file.h"
 #include "page/data_file.h"
 #include "page/header.h"
+#include "page/log_buffer.h"
 #include "page/log_format.h"
 #include "page/log_replay.h"
 
@@ -59,9 +60,10 @@ public:
     // to be used for others; only when there are no parts. A record that is not written is
     // forgotten when the next one is started.
     void Start(LogRecordKind kind, std::uint32_t pagesAfter);
-    // What has changed of the page; its bytes may be used for others afterwards.
+    // What has changed of the page. Its former bytes may be used for others afterwards, its new
+    // ones stay until the record is written.
     void Add(const PageChange& change);
-    // All of the page. Gives where its bytes will lie in the log.
+    // All of the page, the same way. Gives where its bytes will lie in the log.
     std::uint64_t AddWhole(const PageChange& change);
     // When it throws, nothing of the record is in the log. kDiskFull, kIo, kRecordTooLarge.
     void Write();
@@ -128,7 +130,7 @@ private:
     std::vector<LoggedAs> logged_;   // by page
     std::optional<Good> beforeParts_;
     std::vector<LoggedPage> loggedByParts_;  // as they were before
-    std::vector<std::byte> buffer_;
+    LogBuffer buffer_;
     LogRecordKind kind_ = LogRecordKind::kCommit;  // of the record that is being built
     std::uint64_t seed_ = 0;
     std::optional<LogRecordWriter> record_;

@@ -13,11 +13,6 @@ namespace {
 
 constexpr char kMagic[8] = "JetLog1";
 
-MutableBytes Extend(std::vector<std::byte>& out, std::size_t size) {
-    out.resize(out.size() + size);
-    return MutableBytes(out).last(size);
-}
-
 std::uint64_t Word(Bytes bytes, std::size_t at) {
     std::uint64_t word = 0;
     std::memcpy(&word, bytes.data() + at, sizeof word);
@@ -104,9 +99,8 @@ LogBase BaseForWhole(const PageChange& change, LoggedAs state) {
     return LogBase::kPieces;
 }
 
-std::uint64_t AppendLogHeader(std::vector<std::byte>& out, const LogHeader& header) {
-    const MutableBytes bytes = Extend(out, kLogHeaderSize);
-    std::fill(bytes.begin(), bytes.end(), std::byte{0});
+std::uint64_t AppendLogHeader(LogBuffer& out, const LogHeader& header) {
+    const MutableBytes bytes = out.Extend(kLogHeaderSize);
     std::memcpy(bytes.data(), kMagic, sizeof kMagic);
     WriteU32(bytes, 8, header.pageSize);
     WriteU32(bytes, 12, header.pageCount);
@@ -137,30 +131,26 @@ std::optional<CheckedLogHeader> ParseLogHeader(Bytes bytes) {
     return result;
 }
 
-LogRecordWriter::LogRecordWriter(std::vector<std::byte>& out, LogRecordKind kind,
-                                 std::uint64_t operation, std::uint32_t value)
-    : out_(out), start_(out.size()) {
-    const MutableBytes head = Extend(out_, kLogRecordHead);
+LogRecordWriter::LogRecordWriter(LogBuffer& out, LogRecordKind kind, std::uint64_t operation,
+                                 std::uint32_t value)
+    : out_(out), start_(out.Size()) {
+    const MutableBytes head = out_.Extend(kLogRecordHead);
     WriteU32(head, 4, static_cast<std::uint32_t>(kind));
     WriteU64(head, 8, operation);
     WriteU32(head, 16, value);
 }
 
-void LogRecordWriter::Put(Bytes bytes) {
-    out_.insert(out_.end(), bytes.begin(), bytes.end());
-}
-
 void LogRecordWriter::StartEntry(const PageChange& change, LogBase base, std::size_t ranges) {
-    const MutableBytes head = Extend(out_, kLogEntryHead);
+    const MutableBytes head = out_.Extend(kLogEntryHead);
     WriteU32(head, 0, change.page.value);
     WriteU16(head, 4, static_cast<std::uint16_t>(base));
     WriteU16(head, 6, static_cast<std::uint16_t>(ranges));
     ++entries_;
-    if (base == LogBase::kImage) Put(change.before);
-    if (base == LogBase::kSum) WriteU64(Extend(out_, 8), 0, Checksum(change.before, 0));
+    if (base == LogBase::kImage) out_.PutCopy(change.before);
+    if (base == LogBase::kSum) WriteU64(out_.Extend(8), 0, Checksum(change.before, 0));
     if (base == LogBase::kPieces) {
         for (std::size_t at = 0; at < change.before.size(); at += kLogPiece) {
-            WriteU64(Extend(out_, 8), 0, Checksum(change.before.subspan(at, kLogPiece), 0));
+            WriteU64(out_.Extend(8), 0, Checksum(change.before.subspan(at, kLogPiece), 0));
         }
     }
 }
@@ -178,28 +168,28 @@ void LogRecordWriter::AddPage(const PageChange& change, LogBase base,
 std::size_t LogRecordWriter::AddWholePage(const PageChange& change, LogBase base) {
     StartEntry(change, base, 1);
     AddRange(change, base, {0, static_cast<std::uint16_t>(change.after.size())});
-    return out_.size() - change.after.size();
+    return out_.Size() - change.after.size();
 }
 
 void LogRecordWriter::AddRange(const PageChange& change, LogBase base, LogRange range) {
     const std::size_t length = range.end - range.begin;
-    const MutableBytes head = Extend(out_, 4);
+    const MutableBytes head = out_.Extend(4);
     WriteU16(head, 0, range.begin);
     WriteU16(head, 2, static_cast<std::uint16_t>(length));
-    if (HasFormerBytes(base)) Put(change.before.subspan(range.begin, length));
-    Put(change.after.subspan(range.begin, length));
+    if (HasFormerBytes(base)) out_.PutCopy(change.before.subspan(range.begin, length));
+    out_.Put(change.after.subspan(range.begin, length));
 }
 
 std::uint64_t LogRecordWriter::Finish(std::uint64_t seed) {
-    const std::size_t length = out_.size() - start_ + kLogChecksumSize;
+    const std::size_t length = out_.Size() - start_ + kLogChecksumSize;
     if (length > kLargestLogRecord) {
         throw Error(ErrorKind::kRecordTooLarge, "The change is too large for one operation.");
     }
-    const MutableBytes head = MutableBytes(out_).subspan(start_, kLogRecordHead);
+    const MutableBytes head = out_.At(start_, kLogRecordHead);
     WriteU32(head, 0, static_cast<std::uint32_t>(length));
     WriteU32(head, 20, entries_);
-    const std::uint64_t checksum = Checksum(Bytes(out_).subspan(start_), seed);
-    WriteU64(Extend(out_, kLogChecksumSize), 0, checksum);
+    const std::uint64_t checksum = out_.ChecksumFrom(start_, seed);
+    WriteU64(out_.Extend(kLogChecksumSize), 0, checksum);
     return checksum;
 }
 

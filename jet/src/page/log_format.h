@@ -65,6 +65,7 @@
 #include <optional>
 #include <vector>
 
+#include "page/log_buffer.h"
 #include "page/types.h"
 
 namespace jet {
@@ -107,7 +108,7 @@ struct LogHeader {
 };
 
 // Writes the 64 bytes at the end of `out` and gives their checksum, the seed of the first record.
-std::uint64_t AppendLogHeader(std::vector<std::byte>& out, const LogHeader& header);
+std::uint64_t AppendLogHeader(LogBuffer& out, const LogHeader& header);
 
 struct CheckedLogHeader {
     LogHeader header;
@@ -138,10 +139,11 @@ LogBase BaseFor(const PageChange& change, LoggedAs state, const std::vector<LogR
 // The same for an entry with all bytes of the page.
 LogBase BaseForWhole(const PageChange& change, LoggedAs state);
 
-// Builds one record at the end of `out`, which is reused from record to record.
+// Builds one record in `out`, which holds nothing else but the log's header. The new bytes of pages
+// must not change before the record is written.
 class LogRecordWriter {
 public:
-    LogRecordWriter(std::vector<std::byte>& out, LogRecordKind kind, std::uint64_t operation,
+    LogRecordWriter(LogBuffer& out, LogRecordKind kind, std::uint64_t operation,
                     std::uint32_t value);
     void AddPage(const PageChange& change, LogBase base, const std::vector<LogRange>& ranges);
     // Adds all bytes of the page as it is now, and gives their place in `out`.
@@ -152,9 +154,8 @@ public:
 private:
     void StartEntry(const PageChange& change, LogBase base, std::size_t ranges);
     void AddRange(const PageChange& change, LogBase base, LogRange range);
-    void Put(Bytes bytes);
 
-    std::vector<std::byte>& out_;
+    LogBuffer& out_;
     std::size_t start_;
     std::uint32_t entries_ = 0;
 };
