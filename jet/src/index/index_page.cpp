@@ -75,6 +75,29 @@ inline int Compare(Bytes left, Bytes right) {
     return left.size() < right.size() ? -1 : left.size() > right.size() ? 1 : 0;
 }
 
+// The first eight bytes of what is searched for, or all of them if there are fewer.
+class BeginningOf {
+public:
+    explicit BeginningOf(Bytes bytes) {
+        std::array<std::byte, sizeof value_> first{};
+        const std::size_t size = std::min(bytes.size(), first.size());
+        if (size == 0) return;
+        std::memcpy(first.data(), bytes.data(), size);
+        value_ = ReadBigU64(first, 0);
+        mask_ = ~std::uint64_t{0} << 8 * (sizeof value_ - size);
+    }
+    // Of the entry against them; 0 when the rest has to tell.
+    [[nodiscard]] int Order(Bytes entry) const {
+        if (entry.size() < sizeof value_) return 0;
+        const std::uint64_t first = ReadBigU64(entry, 0) & mask_;
+        return first < value_ ? -1 : first > value_ ? 1 : 0;
+    }
+
+private:
+    std::uint64_t value_ = 0;
+    std::uint64_t mask_ = 0;
+};
+
 std::size_t CommonStart(Bytes left, Bytes right) {
     const std::size_t most = std::min(left.size(), right.size());
     std::size_t i = 0;
@@ -239,13 +262,17 @@ std::size_t IndexPage::Find(const EntryBound& bound) const {
 }
 
 // Halves the stored bytes, not the entries: the entry around a byte is found through the bitmap.
+// Most entries differ from the bound in their first eight bytes, which are compared as a number.
 std::size_t IndexPage::Find(const EntryBound& bound, std::size_t from) const {
+    const BeginningOf wanted(bound.bytes);
     std::size_t low = from;
     std::size_t high = used_;
     while (low < high) {
         const std::size_t start = LastBitUpTo(low + (high - low) / 2);
         const std::size_t end = NextBit(start + 1);
-        if (PassesBound(bound, StoredKeyAndRow(start, end))) {
+        const Bytes entry = StoredKeyAndRow(start, end);
+        const int order = wanted.Order(entry);
+        if (order != 0 ? order < 0 : PassesBound(bound, entry)) {
             low = end;
         } else {
             high = start;

@@ -37,11 +37,11 @@ public:
         const std::size_t near = distance % kWordBits;
         const std::uint64_t below = words_[0] & ~Above(firstBit_);
         words_[0] &= Above(firstBit_);
-        for (std::size_t i = count_; i-- > 0;) {
-            std::uint64_t moved = i >= far ? words_[i - far] << near : 0;
-            if (near != 0 && i > far) moved |= words_[i - far - 1] >> (kWordBits - near);
-            words_[i] = moved;
+        for (std::size_t i = count_; i-- > far + 1;) {
+            words_[i] = Joined(words_[i - far - 1], words_[i - far], kWordBits - near);
         }
+        if (far < count_) words_[far] = words_[0] << near;
+        std::fill_n(words_.begin(), std::min(far, count_), 0);
         words_[0] |= below;
         const std::size_t end = firstBit_ + distance;
         words_[end / kWordBits] |= std::uint64_t{1} << end % kWordBits;
@@ -55,19 +55,18 @@ public:
         const std::size_t end = firstBit_ + distance;
         std::fill_n(words_.begin(), end / kWordBits, 0);
         words_[end / kWordBits] &= Above(end % kWordBits);
-        const auto word = [this](std::size_t i) { return i < count_ ? words_[i] : 0; };
-        for (std::size_t i = 0; i < count_; ++i) {
-            std::uint64_t moved = word(i + far) >> near;
-            if (near != 0) moved |= word(i + far + 1) << (kWordBits - near);
-            words_[i] = moved;
+        const std::size_t kept = count_ - std::min(far, count_);
+        for (std::size_t i = 0; i + 1 < kept; ++i) {
+            words_[i] = Joined(words_[i + far], words_[i + far + 1], near);
         }
+        if (kept > 0) words_[kept - 1] = words_[count_ - 1] >> near;
+        std::fill_n(words_.begin() + static_cast<std::ptrdiff_t>(kept), count_ - kept, 0);
         words_[0] |= below;
     }
 
     void Store() {
-        std::array<std::byte, sizeof words_> bytes{};
-        for (std::size_t i = 0; i < count_; ++i) WriteU64(bytes, i * kWordBytes, words_[i]);
-        std::copy_n(bytes.begin(), bytes_.size(), bytes_.begin());
+        for (std::size_t i = 0; i < count_; ++i) words_[i] = LowestFirst(words_[i]);
+        std::memcpy(bytes_.data(), words_.data(), bytes_.size());
     }
 
 private:
@@ -76,6 +75,11 @@ private:
     // The bits of a word above number `bit`. Twice, since moving by the whole width at once is
     // undefined.
     static std::uint64_t Above(std::size_t bit) { return ~std::uint64_t{0} << bit << 1; }
+
+    // The word that begins at bit `from` of two that follow each other. Twice, as above.
+    static std::uint64_t Joined(std::uint64_t low, std::uint64_t high, std::size_t from) {
+        return from == kWordBits ? high : low >> from | high << 1 << (kWordBits - 1 - from);
+    }
 
     // The last word reaches beyond the bitmap.
     [[nodiscard]] std::uint64_t Load(std::size_t at) const {
