@@ -1,6 +1,8 @@
 #include <sqlite3.h>
 
+#include <cstdlib>
 #include <stdexcept>
+#include <string>
 
 #include "bench/Peer.h"
 
@@ -57,7 +59,8 @@ public:
             throw std::runtime_error("cannot open");
         }
         Run("PRAGMA journal_mode=WAL");
-        Run("PRAGMA synchronous=OFF");
+        const char* synchronous = std::getenv("TARN_BENCH_SYNCHRONOUS");
+        Run(std::string("PRAGMA synchronous=") + (synchronous != nullptr ? synchronous : "OFF"));
         // As much cache as the engine gives itself.
         Run("PRAGMA cache_size=-24576");
     }
@@ -203,8 +206,8 @@ private:
                               sizeof(char16_t));
         return into.size();
     }
-    void Run(const char* sql) {
-        if (sqlite3_exec(database_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
+    void Run(const std::string& sql) {
+        if (sqlite3_exec(database_, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
             throw std::runtime_error(sqlite3_errmsg(database_));
         }
     }
