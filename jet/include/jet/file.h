@@ -45,6 +45,9 @@ public:
     [[nodiscard]] virtual Whereabouts WhereIs(const std::filesystem::path& /*path*/) {
         return Whereabouts::kInPlace;
     }
+    // The system's own handle, by which CreateLike learns the rights and the group; -1 for none. A
+    // File that stands before another one hands on that one's.
+    [[nodiscard]] virtual std::intptr_t Handle() const { return -1; }
 };
 
 enum class OpenMode {

@@ -35,10 +35,12 @@ public:
 
     // Gives the file, which is new, the access rights and the group of another one. Where the group
     // cannot be given, its members get nothing.
-    void Resemble(const PosixFile& model) const {
+    void Resemble(const File& model) const {
         struct stat wanted {};
         struct stat mine {};
-        if (::fstat(model.descriptor_, &wanted) != 0 || ::fstat(descriptor_, &mine) != 0) return;
+        if (::fstat(static_cast<int>(model.Handle()), &wanted) != 0 ||
+            ::fstat(descriptor_, &mine) != 0)
+            return;
         mode_t mode = (wanted.st_mode & 0777) | S_IRUSR | S_IWUSR;
         if (mine.st_gid != wanted.st_gid &&
             ::fchown(descriptor_, static_cast<uid_t>(-1), wanted.st_gid) != 0) {
@@ -137,6 +139,10 @@ public:
         return same ? Whereabouts::kInPlace : Whereabouts::kElsewhere;
     }
 
+    [[nodiscard]] std::intptr_t Handle() const override {
+        return descriptor_;
+    }
+
 private:
     // The most that every system takes at once.
     static constexpr std::size_t kMostPieces = 1024;
@@ -199,7 +205,7 @@ public:
 
     std::unique_ptr<File> CreateLike(const std::filesystem::path& path, File& model) override {
         auto file = OpenWith(path, OpenMode::kCreateNew, O_NOFOLLOW, 0600);
-        if (const auto* other = dynamic_cast<const PosixFile*>(&model)) file->Resemble(*other);
+        file->Resemble(model);
         return file;
     }
 

@@ -36,6 +36,56 @@ extern "C" bool Has(const char* file, const char* table) {
 """
 
 
+# Its own files, in a program that is compiled in other ways than the library.
+OWN_FILES = """#include <memory>
+#include "jet/database.h"
+#include "jet/recordset.h"
+using Path = std::filesystem::path;
+struct OwnFile final : jet::File {
+    explicit OwnFile(std::unique_ptr<jet::File> other) : file(std::move(other)) {}
+    void Read(std::uint64_t at, std::span<std::byte> into) override { file->Read(at, into); }
+    void Write(std::uint64_t at, std::span<const std::byte> from) override { file->Write(at, from); }
+    std::uint64_t Size() override { return file->Size(); }
+    void Truncate(std::uint64_t size) override { file->Truncate(size); }
+    void Flush() override { file->Flush(); }
+    bool TryLock(bool exclusive) override { return file->TryLock(exclusive); }
+    std::intptr_t Handle() const override { return file->Handle(); }
+    std::unique_ptr<jet::File> file;
+};
+struct OwnFiles final : jet::FileSystem {
+    std::unique_ptr<jet::File> Open(const Path& path, jet::OpenMode mode) override {
+        return std::make_unique<OwnFile>(host.Open(path, mode));
+    }
+    std::unique_ptr<jet::File> CreateLike(const Path& path, jet::File& model) override {
+        return std::make_unique<OwnFile>(host.CreateLike(path, model));
+    }
+    bool Exists(const Path& path) override { return host.Exists(path); }
+    void Remove(const Path& path) override { host.Remove(path); }
+    void Rename(const Path& from, const Path& to) override { host.Rename(from, to); }
+    Path Resolve(const Path& path) override { return host.Resolve(path); }
+    void FlushFolder(const Path& folder) override { host.FlushFolder(folder); }
+    jet::FileSystem& host = jet::HostFileSystem();
+};
+int main() {
+    namespace fs = std::filesystem;
+    OwnFiles files;
+    jet::Database::Create("own.mdb", jet::Version::kJet4, files)->Close();
+    fs::permissions("own.mdb", fs::perms(0640));
+    const auto database = jet::Database::Open("own.mdb", {}, files);
+    database->CreateTable({"Zones", {{"Zone"}}, {}});
+    const auto rights = fs::status("own.mdb-log").permissions();
+    try {
+        database->CreateTable({"Zones", {{"Zone"}}, {}});
+    } catch (const jet::Error& error) {
+        return rights == fs::perms(0640) && error.Number() == 3010 ? 0 : 1;
+    }
+    return 2;
+}
+"""
+FLAGS_OF_OTHERS = ["-fno-rtti", "-funsigned-char", "-D_GLIBCXX_ASSERTIONS", "-fshort-enums", "-O2",
+                   "-fvisibility=hidden"]
+
+
 C_PROGRAM = """#include "jet/jet.h"
 #include <stdio.h>
 int main(void) {
@@ -106,6 +156,12 @@ def with_pkg_config(folder, prefix, compiler):
     run(compiler, "-std=c++20", *STRICT, source, *flags, "-o", folder / "zones")
     expect(run(folder / "zones", folder=folder), "11 characters\n")
     expect(run(*ask, "--modversion", "jet").strip(), version())
+    (folder / "own_files.cpp").write_text(OWN_FILES, encoding="utf-8")
+    for other in filter(shutil.which, ("c++", "clang++")):
+        run(other, "-std=c++20", *FLAGS_OF_OTHERS, folder / "own_files.cpp", *flags, "-o",
+            folder / "own_files")
+        run(folder / "own_files", folder=folder)
+        (folder / "own.mdb").unlink()
     flags = shlex.split(run(*ask, "--cflags", "--libs", "jet_c"))
     program = folder / "consumer/asks_version.c"
     run("cc", "-std=c99", "-Wall", "-Wextra", "-Wpedantic", "-Wstrict-prototypes", "-Werror", program,
