@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "jet/convert.h"
 #include "jet/error.h"
 
 namespace jet {
@@ -157,6 +158,28 @@ TEST(ColumnValue, Decimal_RefusesWhatIsNoneOrTooLong) {
     EXPECT_EQ(KindOf(MakeDecimal(3, 0), 1000), ErrorKind::kOverflow);
     // A file may say nothing of the digits.
     EXPECT_EQ(AsDecimalText(MakeDecimal(0, 0), 1000), u"1000");
+}
+
+TEST(ColumnValue, MoneyMadeOfDecimalDigits_KeepsThemAll) {
+    const Column money = Make(ColumnType::kCurrency);
+    const auto convert = [&](const Value& value) {
+        return std::get<Currency>(ConvertForSearch(money, value).Get()).tenThousandths;
+    };
+    EXPECT_EQ(convert(u"922337203685477.5807"), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(convert(u"-922337203685477.5808"), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(convert(ParseDecimal("90071992547409.93005")), 900719925474099300);
+    EXPECT_EQ(convert(ParseDecimal("90071992547409.93015")), 900719925474099302);
+    EXPECT_EQ(convert(ParseDecimal("90071992547409.930050001")), 900719925474099301);
+    EXPECT_EQ(KindOf(money, u"922337203685477.5808"), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(money, ParseDecimal("1e30")), ErrorKind::kOverflow);
+    EXPECT_EQ(KindOf(money, u"a lot"), ErrorKind::kTypeMismatch);
+}
+
+TEST(ColumnValue, DecimalThatRoundsToZero_HasNoSign) {
+    Column column = Make(ColumnType::kDecimal);
+    column.precision = 18;
+    column.scale = 2;
+    EXPECT_EQ(ConvertForSearch(column, u"-0.001"), ConvertForSearch(column, 0));
 }
 
 TEST(ColumnValue, GuidsAndBytes_StandForEachOther) {

@@ -93,5 +93,20 @@ TEST(ConvertGuid, OtherTexts_AreRefused) {
     }
 }
 
+TEST(ConvertDecimal, Text_ComesBack) {
+    for (const char* text : {"0", "-12.5", "1234567890123456789012345678.123456"}) {
+        EXPECT_EQ(ToUtf8(Value(ParseDecimal(text)).AsText()), text);
+    }
+    EXPECT_EQ(Value(ParseDecimal(" 1.50e3 ")).AsText(), u"1500");
+}
+
+TEST(ConvertDecimal, OtherTexts_AreRefused) {
+    for (const char* text : {"", "-", "1,5", "one", "nan", "inf", "1.2.3", "1e"}) {
+        EXPECT_EQ(ErrorOf([&] { static_cast<void>(ParseDecimal(text)); }), ErrorKind::kTypeMismatch)
+            << text;
+    }
+    EXPECT_EQ(ErrorOf([] { static_cast<void>(ParseDecimal("1e60")); }), ErrorKind::kOverflow);
+}
+
 }  // namespace
 }  // namespace jet

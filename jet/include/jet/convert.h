@@ -1,4 +1,5 @@
-// Text, dates and GUIDs as other code has them: UTF-8, calendar days, and the usual notation.
+// Text, dates, decimals and GUIDs as other code has them: UTF-8, calendar days, and the usual
+// notation.
 #pragma once
 
 #include <string>
@@ -36,5 +37,9 @@ CalendarTime ToCalendar(Date date);
 std::string GuidText(const Guid& guid);
 // The same with or without braces, in either case of letters. kTypeMismatch for anything else.
 Guid ParseGuid(std::string_view text);
+
+// The number that a text like "-12.50" or "1.25e3" stands for, exactly; Value::AsText is the way
+// back. kTypeMismatch for anything else, kOverflow for more digits than a decimal holds.
+Decimal ParseDecimal(std::string_view text);
 
 }  // namespace jet

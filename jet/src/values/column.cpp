@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "jet/convert.h"
 #include "jet/error.h"
@@ -40,11 +41,29 @@ std::int32_t ToRange(const Column& column, const Value& value, std::int32_t low,
     return number;
 }
 
+// Of what holds decimal digits: a double in between would lose the last ones of large sums.
+std::optional<Currency> ExactCurrency(const Value& value) {
+    std::optional<Decimal> decimal;
+    if (const auto* text = std::get_if<std::u16string>(&value.Get())) decimal = ParseDecimal(*text);
+    if (const auto* held = std::get_if<Decimal>(&value.Get())) decimal = *held;
+    if (!decimal || !Rescale(*decimal, 4, Halves::kToEven)) return std::nullopt;
+    std::uint64_t low = 0;
+    for (std::size_t i = 0; i < decimal->magnitude.size(); ++i) {
+        if (i < 8 && decimal->magnitude[i] != 0) return std::nullopt;
+        low = low << 8 | decimal->magnitude[i];
+    }
+    const std::uint64_t largest =
+        std::uint64_t{std::numeric_limits<std::int64_t>::max()} + (decimal->negative ? 1 : 0);
+    if (low > largest) return std::nullopt;
+    return Currency{static_cast<std::int64_t>(decimal->negative ? 0 - low : low)};
+}
+
 Currency ToCurrency(const Column& column, const Value& value) {
     if (const auto* money = std::get_if<Currency>(&value.Get())) return *money;
     if (const auto* number = std::get_if<std::int32_t>(&value.Get())) {
         return {std::int64_t{*number} * 10000};
     }
+    if (const auto exact = ExactCurrency(value)) return *exact;
     const double scaled = value.AsDouble() * 10000;
     constexpr double kLimit = 9223372036854775807.0;
     if (!(std::abs(scaled) < kLimit)) ThrowTooLarge(column);
@@ -67,15 +86,7 @@ Decimal DecimalOf(const Column& column, const Value& value) {
 
 Decimal ToDecimal(const Column& column, const Value& value) {
     Decimal decimal = DecimalOf(column, value);
-    while (decimal.scale < column.scale) {
-        if (!TimesTen(decimal)) ThrowTooLarge(column);
-        ++decimal.scale;
-    }
-    while (decimal.scale > column.scale) {
-        const bool up = DivideByTen(decimal) >= 5 && decimal.scale == column.scale + 1;
-        if (up) AddOne(decimal);
-        --decimal.scale;
-    }
+    if (!Rescale(decimal, column.scale, Halves::kAwayFromZero)) ThrowTooLarge(column);
     if (column.precision != 0 && DigitCount(decimal) > column.precision) ThrowTooLarge(column);
     return decimal;
 }

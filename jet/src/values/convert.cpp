@@ -8,6 +8,7 @@
 
 #include "jet/error.h"
 #include "os/out_of_memory.h"
+#include "values/decimal.h"
 #include "values/text.h"
 
 namespace jet {
@@ -146,6 +147,18 @@ Guid ParseGuid(std::string_view text) {
     const auto guid = ReadGuid(text);
     if (!guid) throw Error(ErrorKind::kTypeMismatch, "The text is no GUID.");
     return *guid;
+}
+
+Decimal ParseDecimal(std::string_view text) {
+    return Guarded([&] {
+        const std::u16string wide = WidenName(text);
+        if (const auto decimal = ParseDecimal(wide)) return *decimal;
+        const double number = Value(wide).AsDouble();  // which says so when it is no number
+        const bool isNumber = std::isfinite(number);
+        throw Error(isNumber ? ErrorKind::kOverflow : ErrorKind::kTypeMismatch,
+                    isNumber ? "The number has more digits than a decimal holds."
+                             : "The text is no number.");
+    });
 }
 
 }  // namespace jet

@@ -101,6 +101,23 @@ void AddOne(Decimal& decimal) {
     }
 }
 
+bool Rescale(Decimal& decimal, int scale, Halves halves) {
+    for (; decimal.scale < scale; ++decimal.scale) {
+        if (!TimesTen(decimal)) return false;
+    }
+    unsigned last = 0;
+    bool more = false;
+    for (; decimal.scale > scale; --decimal.scale) {
+        more = more || last != 0;
+        last = DivideByTen(decimal);
+    }
+    const bool isOdd = (decimal.magnitude.back() & 1U) != 0;
+    const bool halfUp = halves == Halves::kAwayFromZero || more || isOdd;
+    if (last > 5 || (last == 5 && halfUp)) AddOne(decimal);
+    if (IsZero(decimal)) decimal.negative = false;
+    return true;
+}
+
 int DigitCount(Decimal decimal) {
     int digits = 0;
     while (!IsZero(decimal)) {

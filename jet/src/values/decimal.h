@@ -13,6 +13,10 @@ bool TimesTen(Decimal& decimal);
 // Divides the magnitude by ten and gives the last digit.
 unsigned DivideByTen(Decimal& decimal);
 void AddOne(Decimal& decimal);
+enum class Halves { kToEven, kAwayFromZero };
+// The nearest value with so many digits behind the point, and never a negative zero; false when it
+// does not fit.
+bool Rescale(Decimal& decimal, int scale, Halves halves);
 // Digits of the magnitude, 0 for zero.
 int DigitCount(Decimal decimal);
 
