@@ -2,6 +2,7 @@
 """The C interface, used as another language uses it: by ctypes, from the shared library."""
 import ctypes as c
 import os
+import shutil
 import sys
 import tempfile
 import unittest
@@ -12,9 +13,9 @@ LIBRARY.jet_recordset_close.restype = None
 LIBRARY.jet_rollback.restype = None
 
 (OK, FILE_NOT_FOUND, NO_CURRENT, DUPLICATE_KEY, NO_SUCH_TABLE, NO_SUCH_FIELD, SYNTAX, TYPE_MISMATCH,
- CLOSED, BAD_ARGUMENT) = 0, 1, 12, 13, 16, 18, 21, 22, 27, 1000
-BOOLEAN, LONG, CURRENCY, DOUBLE, DATE, BINARY, TEXT, OLE, MEMO, GUID = (
-    1, 4, 5, 7, 8, 9, 10, 11, 12, 15)
+ OVERFLOW, CLOSED, BAD_ARGUMENT) = 0, 1, 12, 13, 16, 18, 21, 22, 23, 27, 1000
+BOOLEAN, LONG, CURRENCY, DOUBLE, DATE, BINARY, TEXT, OLE, MEMO, GUID, DECIMAL = (
+    1, 4, 5, 7, 8, 9, 10, 11, 12, 15, 16)
 EQUAL, GREATER_OR_EQUAL = 0, 1
 
 
@@ -30,7 +31,7 @@ class Value(c.Structure):
 class Column(c.Structure):
     _fields_ = [("name", c.c_char_p), ("type", c.c_int32), ("length", c.c_int32),
                 ("auto_number", c.c_int32), ("required", c.c_int32),
-                ("allow_zero_length", c.c_int32)]
+                ("allow_zero_length", c.c_int32), ("precision", c.c_int32), ("scale", c.c_int32)]
 
 
 class Index(c.Structure):
@@ -42,6 +43,12 @@ class Index(c.Structure):
 class Options(c.Structure):
     _fields_ = [("read_only", c.c_int32), ("shared", c.c_int32), ("cache_bytes", c.c_uint64),
                 ("changed_bytes", c.c_uint64), ("log_bytes", c.c_uint64)]
+
+
+class Recovery(c.Structure):
+    _fields_ = [("applied", c.c_int32), ("foreign_log_ignored", c.c_int32),
+                ("operations", c.c_uint64), ("discarded_bytes", c.c_uint64),
+                ("kept_logs", c.c_size_t)]
 
 
 class JetError(Exception):
@@ -167,6 +174,71 @@ class CInterface(unittest.TestCase):
             whole += buffer.raw[:size.value]
         return whole
 
+    def test_decimals_and_currency_keep_every_digit(self):
+        database = handle("jet_create", self.path, 4, None)
+        columns = (Column * 3)(Column(b"Amount", DECIMAL, precision=28, scale=6),
+                               Column(b"Cost", CURRENCY), Column(b"Plain", DECIMAL))
+        names = (c.c_char_p * 1)(b"Amount")
+        indexes = (Index * 1)(Index(b"Amount", names, None, 1, 1, 1))
+        call("jet_create_table", database, b"Sums", columns, c.c_size_t(3), indexes, c.c_size_t(1))
+        sums = handle("jet_open_table", database, b"Sums")
+        amounts = [b"1234567890123456789012.654321", b"-0.000001",
+                   b"1234567890123456789012.654322", b"0"]
+        for amount in amounts:
+            call("jet_add_new", sums)
+            call("jet_set_decimal", sums, c.c_size_t(0), amount)
+            call("jet_set_text", sums, c.c_size_t(1), b"-922337203685477.5807")
+            call("jet_set", sums, c.c_size_t(2), c.byref(Value(type=DECIMAL, data=b"2.5e3")))
+            call("jet_update", sums)
+        call("jet_set_index", sums, b"Amount")
+        found = []
+        while not asked("jet_is_eof", c.c_int, sums):
+            found.append(self.text(sums, 0)[0].encode())
+            self.assertEqual(self.number(sums, "jet_get_currency", c.c_int64, 1),
+                             -9223372036854775807)
+            self.assertEqual(self.text(sums, 1)[0], "-922337203685477.5807")
+            self.assertEqual(self.text(sums, 2)[0], "2500")
+            self.assertEqual(self.number(sums, "jet_get_currency", c.c_int64, 2), 25000000)
+            call("jet_move_next", sums)
+        self.assertEqual(found, [amounts[1], amounts[3], amounts[0], amounts[2]])
+        key = (Value * 1)(Value(type=DECIMAL, data=amounts[2]))
+        self.assertEqual(asked("jet_seek", c.c_int, sums, EQUAL, key, c.c_size_t(1)), 1)
+        self.assertEqual(self.text(sums, 0)[0].encode(), amounts[2])
+        rows = handle("jet_open_query", database, b"SELECT * FROM Sums WHERE Amount < ?", key,
+                      c.c_size_t(1))
+        self.assertEqual(asked("jet_record_count", c.c_int32, rows), 3)
+        LIBRARY.jet_recordset_close(rows)
+        call("jet_edit", sums)
+        self.refused(TYPE_MISMATCH, "jet_set_decimal", sums, c.c_size_t(0), b"12,5")
+        self.refused(OVERFLOW, "jet_set_decimal", sums, c.c_size_t(0), b"1" * 60)
+        self.refused(OVERFLOW, "jet_set_decimal", sums, c.c_size_t(1), b"922337203685477.5808")
+        column = Column()
+        call("jet_describe_field", sums, c.c_size_t(0), c.byref(column))
+        self.assertEqual((column.type, column.precision, column.scale), (DECIMAL, 28, 6))
+        LIBRARY.jet_recordset_close(sums)
+        call("jet_close", database)
+
+    def test_memos_are_read_in_parts(self):
+        database = self.create()
+        zones = handle("jet_open_table", database, b"Zones")
+        whole = "zone \u20ac \U0001f525 " * 3000
+        call("jet_add_new", zones)
+        call("jet_set_long", zones, c.c_size_t(0), 1)
+        call("jet_set_text", zones, c.c_size_t(6), whole.encode())
+        call("jet_set_bytes", zones, c.c_size_t(7), b"map", c.c_size_t(3))
+        call("jet_update", zones)
+        call("jet_move_first", zones)
+        units, buffer, size = b"", (c.c_uint16 * 777)(), c.c_size_t(1)
+        while size.value:
+            call("jet_get_memo_part", zones, c.c_size_t(6), c.c_uint64(len(units) // 2), buffer,
+                 c.c_size_t(777), c.byref(size), None)
+            units += bytes(buffer)[:2 * size.value]
+        self.assertEqual(units.decode(f"utf-16-{sys.byteorder[0]}e"), whole)
+        self.refused(TYPE_MISMATCH, "jet_get_memo_part", zones, c.c_size_t(7), c.c_uint64(0), buffer,
+                     c.c_size_t(777), c.byref(size), None)
+        LIBRARY.jet_recordset_close(zones)
+        call("jet_close", database)
+
     def test_moving_seeking_and_deleting(self):
         database = self.create()
         zones = handle("jet_open_table", database, b"Zones")
@@ -220,6 +292,14 @@ class CInterface(unittest.TestCase):
         zones = handle("jet_open_table", database, b"Zones")
         self.assertEqual(asked("jet_find_field", c.c_size_t, zones, b"acres"), 2)
         self.assertEqual(asked("jet_field_type", c.c_int32, zones, c.c_size_t(3)), CURRENCY)
+        self.assertEqual(asked("jet_index_count", c.c_size_t, database, b"zones"), 1)
+        call("jet_index_name", database, b"Zones", c.c_size_t(0), name, c.c_size_t(4), c.byref(size))
+        self.assertEqual((name.value, size.value), (b"Pri", 10))
+        self.refused(BAD_ARGUMENT, "jet_index_name", database, b"Zones", c.c_size_t(1), name,
+                     c.c_size_t(4), c.byref(size))
+        column = Column()
+        call("jet_describe_field", zones, c.c_size_t(1), c.byref(column))
+        self.assertEqual((column.name, column.type, column.length), (None, TEXT, 50))
         self.refused(NO_SUCH_FIELD, "jet_find_field", zones, b"none", c.byref(size))
         self.refused(BAD_ARGUMENT, "jet_field_type", zones, c.c_size_t(99), c.byref(c.c_int32()))
         LIBRARY.jet_recordset_close(zones)
@@ -278,6 +358,33 @@ class CInterface(unittest.TestCase):
         self.assertEqual(asked("jet_table_count", c.c_size_t, second), 1)
         call("jet_close", second)
         call("jet_close", first)
+
+    def test_what_opening_found_is_told(self):
+        database = self.create()
+        zones = handle("jet_open_table", database, b"Zones")
+        self.add(zones, 1, b"one")
+        left = self.path + b".left.mdb"
+        shutil.copy(self.path, left)
+        shutil.copy(self.path + b"-log", left + b"-log")
+        self.add(zones, 3, b"three")
+        call("jet_close", database)
+        recovery = Recovery()
+        database = handle("jet_open", left, None)
+        call("jet_opening_recovery", database, c.byref(recovery))
+        self.assertEqual((recovery.applied, recovery.operations, recovery.kept_logs), (1, 2, 0))
+        self.add(handle("jet_open_table", database, b"Zones"), 2, b"two")
+        shutil.copy(left + b"-log", self.path + b"-log")
+        call("jet_close", database)
+        # The log of another file is set aside, and named at every opening.
+        for foreign in (1, 0):
+            database = handle("jet_open", self.path, None)
+            call("jet_opening_recovery", database, c.byref(recovery))
+            self.assertEqual((recovery.applied, recovery.foreign_log_ignored, recovery.kept_logs),
+                             (0, foreign, 1))
+            name, size = c.create_string_buffer(500), c.c_size_t()
+            call("jet_kept_log", database, c.c_size_t(0), name, c.c_size_t(500), c.byref(size))
+            self.assertEqual(name.value, self.path + b"-log-old")
+            call("jet_close", database)
 
     def test_version(self):
         self.assertRegex(LIBRARY.jet_version().decode(), r"^\d+\.\d+\.\d+$")

@@ -3,7 +3,8 @@
  * Every function that can fail returns JET_OK or the kind of its error, and writes the kind, the
  * customary number and a sentence into *error unless that is a null pointer. Nothing is written to
  * the other results of a call that failed. Texts are UTF-8 and end with a zero byte; dates count
- * days since 1899-12-30 with the time of day as fraction; currency counts ten-thousandths.
+ * days since 1899-12-30 with the time of day as fraction; currency counts ten-thousandths; decimals
+ * are texts like "-12.50", so that no digit of them is lost.
  *
  * Texts and bytes that are read go into a buffer of the caller's: *size is the size of the whole
  * value (of a text, without its zero byte), whether or not it fits. A buffer that is too small
@@ -93,18 +94,19 @@ enum jet_type {
     JET_TEXT = 0x0A,
     JET_OLE = 0x0B,
     JET_MEMO = 0x0C,
-    JET_GUID = 0x0F, /* 16 bytes */
-    JET_DECIMAL = 0x10
+    JET_GUID = 0x0F,        /* 16 bytes */
+    JET_DECIMAL = 0x10,     /* not in a file of version 3 */
+    JET_FIXED_BINARY = 0x11 /* in files of others only */
 };
 
 /* A value that is handed in: of a key, of a query's question mark, of a field. */
 typedef struct jet_value {
     int32_t type; /* JET_NULL, JET_BOOLEAN, JET_LONG, JET_CURRENCY, JET_DOUBLE, JET_DATE, JET_TEXT,
-                     JET_BINARY or JET_GUID */
+                     JET_BINARY, JET_GUID or JET_DECIMAL */
     int32_t long_value;     /* JET_BOOLEAN, JET_LONG */
     int64_t currency_value; /* JET_CURRENCY */
     double double_value;    /* JET_DOUBLE, JET_DATE */
-    const void* data;       /* JET_TEXT (zero-terminated), JET_BINARY, JET_GUID */
+    const void* data;       /* JET_TEXT and JET_DECIMAL (zero-terminated), JET_BINARY, JET_GUID */
     size_t size;            /* of JET_BINARY, in bytes */
 } jet_value;
 
@@ -115,6 +117,8 @@ typedef struct jet_column {
     int32_t auto_number; /* JET_LONG only */
     int32_t required;
     int32_t allow_zero_length; /* texts and memos */
+    int32_t precision;         /* JET_DECIMAL: digits, up to 28; 0 for 18 */
+    int32_t scale;             /* JET_DECIMAL: how many of them stand behind the point */
 } jet_column;
 
 typedef struct jet_index {
@@ -135,6 +139,15 @@ typedef struct jet_options {
     uint64_t log_bytes;
 } jet_options;
 
+/* What opening found; see Recovery in jet/database.h. */
+typedef struct jet_recovery {
+    int32_t applied; /* operations of an interrupted run were recovered */
+    int32_t foreign_log_ignored;
+    uint64_t operations;
+    uint64_t discarded_bytes;
+    size_t kept_logs; /* logs that hold changes which the file lacks; jet_kept_log names them */
+} jet_recovery;
+
 /* The library's version, "1.0.0". */
 JET_API const char* jet_version(void);
 
@@ -146,10 +159,18 @@ JET_API int jet_create(const char* path, int version, const jet_options* options
 JET_API int jet_close(jet_database* database, jet_error* error);
 JET_API int jet_make_durable(jet_database* database, jet_error* error);
 
-/* Tables. */
+JET_API int jet_opening_recovery(jet_database* database, jet_recovery* recovery, jet_error* error);
+JET_API int jet_kept_log(jet_database* database, size_t log, char* path, size_t capacity,
+                         size_t* size, jet_error* error);
+
+/* Tables and the names of their indexes, counted from 0. */
 JET_API int jet_table_count(jet_database* database, size_t* count, jet_error* error);
 JET_API int jet_table_name(jet_database* database, size_t table, char* name, size_t capacity,
                            size_t* size, jet_error* error);
+JET_API int jet_index_count(jet_database* database, const char* table, size_t* count,
+                            jet_error* error);
+JET_API int jet_index_name(jet_database* database, const char* table, size_t index, char* name,
+                           size_t capacity, size_t* size, jet_error* error);
 JET_API int jet_create_table(jet_database* database, const char* name, const jet_column* columns,
                              size_t column_count, const jet_index* indexes, size_t index_count,
                              jet_error* error);
@@ -167,6 +188,9 @@ JET_API int jet_field_count(jet_recordset* recordset, size_t* count, jet_error* 
 JET_API int jet_field_name(jet_recordset* recordset, size_t field, char* name, size_t capacity,
                            size_t* size, jet_error* error);
 JET_API int jet_field_type(jet_recordset* recordset, size_t field, int32_t* type, jet_error* error);
+/* All that is known of it but the name, for which there is a null pointer. */
+JET_API int jet_describe_field(jet_recordset* recordset, size_t field, jet_column* column,
+                               jet_error* error);
 JET_API int jet_find_field(jet_recordset* recordset, const char* name, size_t* field,
                            jet_error* error);
 
@@ -193,7 +217,8 @@ JET_API int jet_get_double(jet_recordset* recordset, size_t field, double* value
                            jet_error* error);
 JET_API int jet_get_currency(jet_recordset* recordset, size_t field, int64_t* value, int* is_null,
                              jet_error* error);
-/* Everything but bytes can be read as text. */
+/* Everything but bytes can be read as text; that of a decimal and of a currency has all its digits.
+ */
 JET_API int jet_get_text(jet_recordset* recordset, size_t field, char* text, size_t capacity,
                          size_t* size, int* is_null, jet_error* error);
 /* Binary and OLE values, and GUIDs. */
@@ -203,6 +228,10 @@ JET_API int jet_get_bytes(jet_recordset* recordset, size_t field, void* bytes, s
  * of the part, 0 behind the end. */
 JET_API int jet_get_part(jet_recordset* recordset, size_t field, uint64_t offset, void* bytes,
                          size_t capacity, size_t* size, int* is_null, jet_error* error);
+/* The same of a memo, in UTF-16: `offset`, `capacity` and *size count units of two bytes. */
+JET_API int jet_get_memo_part(jet_recordset* recordset, size_t field, uint64_t offset,
+                              uint16_t* units, size_t capacity, size_t* size, int* is_null,
+                              jet_error* error);
 
 /* Changing. */
 JET_API int jet_add_new(jet_recordset* recordset, jet_error* error);
@@ -215,6 +244,8 @@ JET_API int jet_set_long(jet_recordset* recordset, size_t field, int32_t value, 
 JET_API int jet_set_double(jet_recordset* recordset, size_t field, double value, jet_error* error);
 JET_API int jet_set_currency(jet_recordset* recordset, size_t field, int64_t value,
                              jet_error* error);
+JET_API int jet_set_decimal(jet_recordset* recordset, size_t field, const char* decimal,
+                            jet_error* error);
 JET_API int jet_set_date(jet_recordset* recordset, size_t field, double days, jet_error* error);
 JET_API int jet_set_text(jet_recordset* recordset, size_t field, const char* text,
                          jet_error* error);

@@ -48,6 +48,8 @@ jet::ColumnSchema ColumnOf(const jet_column& column) {
     made.autoNumber = column.auto_number != 0;
     made.required = column.required != 0;
     made.allowZeroLength = column.allow_zero_length != 0;
+    if (column.precision != 0) made.precision = column.precision;
+    made.scale = column.scale;
     return made;
 }
 
@@ -108,6 +110,24 @@ int jet_make_durable(jet_database* database, jet_error* error) {
     return Guarded(error, [&] { Opened(database).MakeDurable(); });
 }
 
+int jet_opening_recovery(jet_database* database, jet_recovery* recovery, jet_error* error) {
+    return Guarded(error, [&] {
+        const jet::Recovery& found = Opened(database).OpeningRecovery();
+        Require(recovery) = {found.applied ? 1 : 0, found.foreignLogIgnored ? 1 : 0,
+                             found.operations, found.discardedBytes, found.keptLogs.size()};
+    });
+}
+
+int jet_kept_log(jet_database* database, size_t log, char* path, size_t capacity, size_t* size,
+                 jet_error* error) {
+    return Guarded(error, [&] {
+        const auto& logs = Opened(database).OpeningRecovery().keptLogs;
+        if (log >= logs.size()) ThrowBadArgument();
+        const std::u8string name = logs[log].u8string();
+        GiveText(std::string(name.begin(), name.end()), path, capacity, size);
+    });
+}
+
 int jet_table_count(jet_database* database, size_t* count, jet_error* error) {
     return Guarded(error, [&] { Require(count) = Opened(database).TableNames().size(); });
 }
@@ -118,6 +138,20 @@ int jet_table_name(jet_database* database, size_t table, char* name, size_t capa
         const std::vector<std::string> names = Opened(database).TableNames();
         if (table >= names.size()) ThrowBadArgument();
         GiveText(names[table], name, capacity, size);
+    });
+}
+
+int jet_index_count(jet_database* database, const char* table, size_t* count, jet_error* error) {
+    return Guarded(
+        error, [&] { Require(count) = Opened(database).Describe(&Require(table)).indexes.size(); });
+}
+
+int jet_index_name(jet_database* database, const char* table, size_t index, char* name,
+                   size_t capacity, size_t* size, jet_error* error) {
+    return Guarded(error, [&] {
+        const auto indexes = Opened(database).Describe(&Require(table)).indexes;
+        if (index >= indexes.size()) ThrowBadArgument();
+        GiveText(indexes[index].name, name, capacity, size);
     });
 }
 

@@ -52,6 +52,8 @@ Value ValueOf(const jet_value& value) {
             return Date{value.double_value};
         case JET_TEXT:
             return ToUtf16(&Require(static_cast<const char*>(value.data)));
+        case JET_DECIMAL:
+            return ParseDecimal(&Require(static_cast<const char*>(value.data)));
         case JET_BINARY: {
             const auto* bytes = static_cast<const std::byte*>(value.data);
             if (value.size > 0) Require(bytes);

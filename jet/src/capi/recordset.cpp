@@ -8,6 +8,7 @@
 
 #include "capi/guard.h"
 #include "jet/convert.h"
+#include "values/column.h"
 
 namespace {
 
@@ -38,6 +39,23 @@ int Do(jet_recordset* recordset, jet_error* error, const Call& call) {
     return Guarded(error, [&] { call(RowsOf(recordset)); });
 }
 
+// A part of a long value, in bytes or in units of text.
+template <typename Unit, typename Given>
+int GetPart(jet_recordset* recordset, size_t field, uint64_t offset, Given* to, size_t capacity,
+            size_t* size, int* is_null, jet_error* error) {
+    return Guarded(error, [&] {
+        const jet::Recordset& rows = RowsOf(recordset);
+        const auto reader = rows.OpenReader(FieldOf(rows, field), offset);
+        if (reader) {
+            auto* const units = static_cast<Unit*>(static_cast<void*>(to));
+            if (capacity > 0) Require(units);
+            const std::size_t count = reader->Read(std::span(units, capacity));
+            if (size != nullptr) *size = count;
+        }
+        GiveNull(!reader, is_null);
+    });
+}
+
 // The value of a field, converted; `convert` is not called for null.
 template <typename Result, typename Convert>
 int GetAs(jet_recordset* recordset, size_t field, Result* value, int* is_null, jet_error* error,
@@ -58,12 +76,11 @@ int SetTo(jet_recordset* recordset, size_t field, jet_error* error, const Value&
     });
 }
 
+// Exactly, where the field holds decimal digits.
 std::int64_t TenThousandths(const Value& value) {
-    const auto* money = std::get_if<jet::Currency>(&value.Get());
-    if (money == nullptr) {
-        throw jet::Error(jet::ErrorKind::kTypeMismatch, "The field holds no currency.");
-    }
-    return money->tenThousandths;
+    jet::Column currency;
+    currency.type = jet::ColumnType::kCurrency;
+    return std::get<jet::Currency>(jet::ConvertForSearch(currency, value).Get()).tenThousandths;
 }
 
 std::span<const std::byte> BytesOf(const Value& value) {
@@ -121,6 +138,24 @@ int jet_field_type(jet_recordset* recordset, size_t field, int32_t* type, jet_er
         const auto& fields = RowsOf(recordset).Fields();
         if (field >= fields.size()) ThrowBadArgument();
         Require(type) = static_cast<int32_t>(fields[field].type);
+    });
+}
+
+int jet_describe_field(jet_recordset* recordset, size_t field, jet_column* column,
+                       jet_error* error) {
+    return Guarded(error, [&] {
+        const auto& fields = RowsOf(recordset).Fields();
+        if (field >= fields.size()) ThrowBadArgument();
+        const jet::ColumnSchema& found = fields[field];
+        const bool isDecimal = found.type == jet::ColumnType::kDecimal;
+        Require(column) = {nullptr,
+                           static_cast<int32_t>(found.type),
+                           found.length,
+                           found.autoNumber ? 1 : 0,
+                           found.required ? 1 : 0,
+                           found.allowZeroLength ? 1 : 0,
+                           isDecimal ? found.precision : 0,
+                           isDecimal ? found.scale : 0};
     });
 }
 
@@ -217,17 +252,13 @@ int jet_get_bytes(jet_recordset* recordset, size_t field, void* bytes, size_t ca
 
 int jet_get_part(jet_recordset* recordset, size_t field, uint64_t offset, void* bytes,
                  size_t capacity, size_t* size, int* is_null, jet_error* error) {
-    return Guarded(error, [&] {
-        const jet::Recordset& rows = RowsOf(recordset);
-        const auto reader = rows.OpenReader(FieldOf(rows, field), offset);
-        if (reader) {
-            auto* to = static_cast<std::byte*>(bytes);
-            if (capacity > 0) Require(to);
-            const std::size_t count = reader->Read(std::span(to, capacity));
-            if (size != nullptr) *size = count;
-        }
-        GiveNull(!reader, is_null);
-    });
+    return GetPart<std::byte>(recordset, field, offset, bytes, capacity, size, is_null, error);
+}
+
+int jet_get_memo_part(jet_recordset* recordset, size_t field, uint64_t offset, uint16_t* units,
+                      size_t capacity, size_t* size, int* is_null, jet_error* error) {
+    static_assert(sizeof(char16_t) == sizeof(uint16_t));
+    return GetPart<char16_t>(recordset, field, offset, units, capacity, size, is_null, error);
 }
 
 int jet_add_new(jet_recordset* recordset, jet_error* error) {
@@ -263,6 +294,11 @@ int jet_set_double(jet_recordset* recordset, size_t field, double value, jet_err
 
 int jet_set_currency(jet_recordset* recordset, size_t field, int64_t value, jet_error* error) {
     return SetTo(recordset, field, error, Value(jet::Currency{value}));
+}
+
+int jet_set_decimal(jet_recordset* recordset, size_t field, const char* decimal, jet_error* error) {
+    const jet_value value = {JET_DECIMAL, 0, 0, 0, decimal, 0};
+    return jet_set(recordset, field, &value, error);
 }
 
 int jet_set_date(jet_recordset* recordset, size_t field, double days, jet_error* error) {
