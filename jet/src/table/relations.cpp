@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint8_t kReferenced = 1;
 constexpr std::uint8_t kReferencing = 2;
-constexpr std::uint8_t kCascades = 1;
+constexpr unsigned kCascades = 1;
 
 bool IsRelation(const LogicalIndex& index) {
     return index.role == IndexRole::kRelation || index.partnerTable;
@@ -36,6 +36,14 @@ bool HasGivenPart(const RealIndex& index, const RowValues& row) {
     return std::any_of(index.parts.begin(), index.parts.end(), [&](const RealIndex::Part& part) {
         return static_cast<bool>(row.given[part.column]);
     });
+}
+
+bool HaveSameKey(const TableIndex& index, const std::vector<Value>& left,
+                 const std::vector<Value>& right) {
+    Key keys[2];
+    index.MakeSearchKey(left, keys[0]);
+    index.MakeSearchKey(right, keys[1]);
+    return keys[0] == keys[1];
 }
 
 }  // namespace
@@ -105,7 +113,7 @@ void Relations::CascadeDelete(RowId row, const ColumnValue& old,
         for (const RowId found : RowsOf(child, *reference)) {
             const TableRow place = {child.table, found};
             if (place == TableRow{table_, row}) continue;
-            if (relation.cascadeDeletes != kCascades) ThrowRelated(*child.table);
+            if ((relation.cascadeDeletes & kCascades) == 0) ThrowRelated(*child.table);
             deletions.push_back(place);
         }
     }
@@ -122,8 +130,11 @@ void Relations::CascadeUpdate(const RowValues& given, const ColumnValue& old,
         const auto after = Reference(relation, now);
         if (!before || before == after) continue;
         const Side child = PartnerOf(relation);
+        const bool cascades = (relation.cascadeUpdates & kCascades) != 0;
+        // Only spelled in another way, it is still what the others refer to.
+        if (!cascades && after && HaveSameKey(*child.index, *before, *after)) continue;
         for (const RowId found : RowsOf(child, *before)) {
-            if (relation.cascadeUpdates != kCascades || !after) ThrowRelated(*child.table);
+            if (!cascades || !after) ThrowRelated(*child.table);
             RowChange change = {{child.table, found}, {}};
             const std::size_t count = child.table->Def().columns.size();
             change.values.values.resize(count);

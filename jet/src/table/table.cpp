@@ -331,9 +331,18 @@ bool Table::Update(Operation& operation, RowId id, const RowValues& row) {
     std::vector<RowChange> cascade;
     bool indexChanged = UpdateOne(operation, id, row, cascade);
     for (std::size_t i = 0; i < cascade.size(); ++i) {
-        const RowChange change = std::move(cascade[i]);
+        const RowChange change = cascade[i];
         indexChanged |=
             change.place.table->UpdateOne(operation, change.place.row, change.values, cascade);
+    }
+    const auto requireParents = [](Table& table, RowId place, const RowValues& given) {
+        const RowView now = table.TakeOldRow(place);
+        const auto read = [&](std::size_t column) { return table.ReadValue(now, column); };
+        table.relations_.RequireParents(given, false, read);
+    };
+    if (!cascade.empty()) requireParents(*this, id, row);
+    for (const RowChange& change : cascade) {
+        requireParents(*change.place.table, change.place.row, change.values);
     }
     return indexChanged;
 }
@@ -361,7 +370,9 @@ bool Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
             RaiseAutoNumber(operation, row.values[i].AsLong());
         }
     }
-    relations_.RequireParents(row, false, newValue);
+    // Two relationships can lead to one row, and change it one after the other: when something goes
+    // on from here, references are looked at when all is done.
+    if (cascade.empty()) relations_.RequireParents(row, false, newValue);
     return !changed.empty();
 }
 
