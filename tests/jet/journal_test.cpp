@@ -675,6 +675,22 @@ TEST_P(JournalTest, LogSetAside_IsReportedUntilItIsRemoved) {
     EXPECT_TRUE(recovery.keptLogs.empty());
 }
 
+TEST_P(JournalTest, Log_WithADamagedHeader_IsKeptAndReported) {
+    Pair pair = LeaveLog(files_, 5);
+    for (const std::size_t at : {0U, 6U, 24U, 60U}) {
+        const auto files = files_.Copy();
+        std::vector<std::byte> log = pair.log;
+        log[at] ^= std::byte{0x10};
+        files->SetContents(kLog, log);
+        for (int opening = 0; opening < 2; ++opening) {
+            Recovery recovery;
+            OpenFile(*files, &recovery)->Close();
+            EXPECT_EQ(recovery.keptLogs.size(), 1U) << at;
+            EXPECT_EQ(files->Contents(std::string(kLog) + "-old"), log);
+        }
+    }
+}
+
 // Another program counts up its own counter, whichever of them that is.
 TEST_P(JournalTest, Log_BesideAFileThatAnotherProgramCommittedTo_IsKeptAndReported) {
     const Pair pair = LeaveLog(files_, 5);

@@ -42,6 +42,8 @@ bool HoldsOperations(FileSystem& files, const std::filesystem::path& log) {
         const auto file = files.OpenBeside(log, OpenMode::kReadOnly);
         LogReader reader(*file);
         if (reader.HasHeader() && reader.Header().version > kLogVersion) return true;
+        // With a beginning that says nothing, the rest may be operations all the same.
+        if (reader.IsUnknown()) return file->Size() > kLogHeaderSize;
         while (reader.Next()) {
             if (reader.Kind() == LogRecordKind::kCommit) return true;
         }

@@ -12,9 +12,9 @@ namespace jet {
 
 // Gives the log another name.
 void SetAside(FileSystem& files, const std::filesystem::path& log);
-// Those that hold whole operations, or cannot be read.
+// Those that hold whole operations, or what nobody can read.
 std::vector<std::filesystem::path> KeptLogs(FileSystem& files, const std::filesystem::path& log);
-// Whether a log holds whole operations, or cannot be read.
+// Whether a log holds whole operations, or what nobody can read.
 bool HoldsOperations(FileSystem& files, const std::filesystem::path& log);
 
 }  // namespace jet
