@@ -25,7 +25,7 @@ enum class ErrorKind {
     kNoCurrentRecord,     // 3021
     kDuplicateKey,        // 3022 a unique index holds the key already
     kNoEditBegun,         // 3020 Update without AddNew or Edit
-    kNullNotAllowed,      // 3058 null in a required index column
+    kNullNotAllowed,      // 3058 null in a required field or index column
     kNoSuchTable,         // 3078
     kNoSuchIndex,         // 3015
     kNoSuchField,         // 3265

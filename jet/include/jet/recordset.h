@@ -119,8 +119,10 @@ public:
 
     // Changing. AddNew, Edit, Delete: kReadOnly, kNoCurrentRecord. Set converts between number
     // types; kNoEditBegun, kNoSuchField, kTypeMismatch, kOverflow, kTextTooLong.
-    // Update: kDuplicateKey, kNullNotAllowed, kRecordTooLarge, kUnsupported, kDiskFull, kIo; after
-    // an error the edit stays open with its values and the file is as before.
+    // Update: kDuplicateKey, kNullNotAllowed, kZeroLengthNotAllowed, kRuleViolated,
+    // kNoRelatedRecord, kRelatedRecords, kRecordTooLarge, kUnsupported, kDiskFull, kIo; after
+    // an error the edit stays open with its values and the file is as before. Delete:
+    // kRelatedRecords, kUnsupported, kDiskFull, kIo.
     virtual void AddNew() = 0;
     virtual void Edit() = 0;
     virtual void Set(FieldId field, const Value& value) = 0;
