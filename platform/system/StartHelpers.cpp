@@ -1,5 +1,6 @@
 #include "platform/system/StartHelpers.h"
 
+#include <QByteArray>
 #include <QtGlobal>
 #include <system_error>
 
