@@ -142,9 +142,11 @@ class Walk:
         """Whether this name is the last that a screen reader is told when these keys move the keyboard."""
         self.heard.clear()
         self.session.keys(*keys)
-        end = time.monotonic() + PATIENCE
-        while name not in self.heard and time.monotonic() < end:
+
+        def hears():
             self.listen(EVENTS)
+            return name in self.heard
+        wait_for(hears, f"{name!r} to be said")
         self.listen(EVENTS)
         return self.heard[-1:] == [name]
 

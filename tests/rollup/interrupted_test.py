@@ -172,13 +172,16 @@ def disk_full(runs, destination, wanted):
 
 def on_a_terminal(runs):
     """How far it is stands there once it takes noticeably long; Ctrl+C ends it with a sentence."""
-    destination, place, begun = Sqlite(), runs.new(), time.monotonic()
+    destination, place = Sqlite(), runs.new()
+    # It says nothing within its first second, a second of this clock.
+    begun = time.monotonic()
     pid, terminal = pty.fork()
     if pid == 0:
         os.execv(runs.tool, [runs.tool, "rollup", runs.source, "--to", destination.to(place)])
-    while destination.count(place) < 2 and time.monotonic() < begun + 60:
+    while destination.count(place) < 2 and os.waitpid(pid, os.WNOHANG) == (0, 0):
         pass
     os.kill(pid, signal.SIGSTOP)
+    # See above: nothing else changes within that second.
     while time.monotonic() < begun + 1:
         pass
     os.kill(pid, signal.SIGCONT)

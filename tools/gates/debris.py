@@ -26,7 +26,7 @@ RULES = [
     (TELLING, "an error is reported or shown, not told"),
     (BRITISH, "one spelling: the American one"),
     (re.compile(r"^\s*#\s*if\s+(0|false)\b|^\s*#\s*ifdef\s+NEVER\b"), "code that is switched off"),
-    (re.compile(r"\b(TODO|FIXME|XXX|HACK)\b"), "unfinished work is not left in the tree"),
+    (re.compile(r"(?i)\b(TODO|FIXME|XXX|HACK)\b"), "unfinished work is not left in the tree"),
     (re.compile(r"NOLINT(NEXTLINE|BEGIN|END)?(?!\w|\()"), "name the check that is switched off"),
     (re.compile(r"(?i)\b(see|per|by|in|of) (part|issue|decision|section) \d"),
      "give the reason itself, not a number"),

@@ -13,7 +13,8 @@ DOORS = ("jet/src/os/", "platform/system/", "tools/fcdtool/terminal.cpp", "tools
 HEADER = re.compile(r'^\s*#\s*include\s*[<"]((sys|linux|netinet|arpa|net|mach)/.*|unistd\.h|fcntl\.h'
                     r"|dirent\.h|dlfcn\.h|grp\.h|pwd\.h|poll\.h|pthread\.h|pty\.h|sched\.h|semaphore\.h"
                     r"|signal\.h|csignal|spawn\.h|syslog\.h|termios\.h|utime\.h|windows\.h|io\.h"
-                    r'|direct\.h|process\.h|shlobj\.h)[>"]')
+                    r"|direct\.h|process\.h|shlobj\.h|(QtDBus|qpa|X11|xcb)/.*|Q\w+/private/.*|QtDBus|QDBus\w+"
+                    r')[>"]')
 CASE = re.compile(r"\b(_WIN32|WIN32|_MSC_VER|__linux__|__unix__|__APPLE__|_POSIX_VERSION|Q_OS_[A-Z]+)\b")
 CALL = re.compile(r"(?<![\w.>])(?:(?:std)?::)?(popen|pclose|fork|execl|execv|execvp|waitpid|getpid|getuid"
                   r"|usleep|nanosleep|setenv|unsetenv|strcasecmp|strncasecmp|strndup|gettimeofday"

@@ -15,21 +15,30 @@ USUAL_FUNCTION = 35
 # The class of a member function that is defined outside it: the outermost one, without namespaces.
 MEMBER = re.compile(r"[^(=]*?\b(?:[a-z_]+::)*(\w+)(::~?\w+)*::(~?\w+|operator\W+)\s*\(")
 # Lines at the left margin that open something other than a function.
-OTHER = re.compile(r"^(namespace|class|struct|enum|union|extern|#|//|}|using|template\s*<[^>]*>\s*"
+OTHER = re.compile(r"^(namespace|class|struct|enum|union|extern|public|protected|private|#|//|}|using|template\s*<[^>]*>\s*"
                    r"(class|struct))")
+
+
+LAMBDA = re.compile(r"(?<![\w\]])\[[^\]]*\]\s*(\(.*\)\s*)?((mutable|constexpr|noexcept)\s*)*(->[^{]*)?\{$")
+
+
+def ends_function(lines, begin, number):
+    """Whether this line at the left margin ends a function, or a lambda that a name is given to."""
+    return lines[number] == "}" or lines[number].startswith("}") and any(
+        LAMBDA.search(line) for line in lines[begin:number])
 
 
 def functions(lines):
     """Begin and length of every function at the left margin, as the formatter lays it out."""
     begin = None
     for number, line in enumerate(lines):
-        if line == "}" and begin is not None:
+        if begin is not None and ends_function(lines, begin, number):
             yield begin, number - begin + 1
             begin = None
         elif line and not line[0].isspace() and line[0] not in "}{/" and begin is None:
             if not OTHER.match(line):
                 begin = number
-        elif line.startswith("}"):
+        elif line.startswith(("}", "class ", "struct ")):
             begin = None
         if begin is not None and line.rstrip().endswith(";") and not line[:1].isspace():
             begin = None
