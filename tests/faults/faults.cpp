@@ -5,13 +5,16 @@
 #include <limits.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -84,6 +87,19 @@ Verdict ForOpening(const char* path, int flags) {
 // A write that takes half says so, and the caller then meets the failure of the next one.
 std::size_t Taken(Verdict verdict, std::size_t size) {
     return verdict == Verdict::kHalf ? (size + 1) / 2 : size;
+}
+
+// The same of a write of several pieces.
+std::vector<iovec> TakenOf(Verdict verdict, const iovec* pieces, int count) {
+    std::vector<iovec> taken(pieces, pieces + count);
+    std::size_t size = 0;
+    for (const iovec& piece : taken) size += piece.iov_len;
+    std::size_t left = Taken(verdict, size);
+    for (iovec& piece : taken) {
+        piece.iov_len = std::min(piece.iov_len, left);
+        left -= piece.iov_len;
+    }
+    return taken;
 }
 
 int ModeOf(int flags, std::va_list arguments) {
@@ -162,6 +178,20 @@ ssize_t pwrite64(int descriptor, const void* from, size_t size, off64_t at) {
     static auto* const really = Next(&::pwrite64, "pwrite64");
     const Verdict verdict = ForDescriptor(tarn_faults::kWrite, descriptor);
     return verdict == Verdict::kFail ? -1 : really(descriptor, from, Taken(verdict, size), at);
+}
+
+ssize_t pwritev(int descriptor, const iovec* pieces, int count, off_t at) {
+    static auto* const really = Next(&::pwritev, "pwritev");
+    const Verdict verdict = ForDescriptor(tarn_faults::kWrite, descriptor);
+    if (verdict == Verdict::kFail) return -1;
+    return really(descriptor, TakenOf(verdict, pieces, count).data(), count, at);
+}
+
+ssize_t pwritev64(int descriptor, const iovec* pieces, int count, off64_t at) {
+    static auto* const really = Next(&::pwritev64, "pwritev64");
+    const Verdict verdict = ForDescriptor(tarn_faults::kWrite, descriptor);
+    if (verdict == Verdict::kFail) return -1;
+    return really(descriptor, TakenOf(verdict, pieces, count).data(), count, at);
 }
 
 int fsync(int descriptor) {

@@ -14,11 +14,15 @@
 #include <array>
 #include <cerrno>
 #include <iostream>
+#include <span>
+#include <vector>
 
 #include "RunningProgram.h"
 #include "datafile/PrepDatatables.h"
 #include "faults/faults.h"
 #include "jet/check.h"
+#include "jet/error.h"
+#include "jet/file.h"
 #include "platform/controls/vsFlexGrid.h"
 #include "platform/dao/Database.h"
 #include "platform/dao/Recordset.h"
@@ -336,6 +340,18 @@ TEST_P(FailingDisk, LeaveTable_AnyCallFailing_StoresAllItsRowsOrNone) {
                           EXPECT_TRUE(rows == 0 || rows == 3) << rows;
                       },
                   .done = [&] { EXPECT_EQ(stored(), 3); }});
+}
+
+// Whatever the engine writes with has to be among the calls that fail here.
+TEST_F(RunningProgram, WriteOfSeveralPieces_IsACallThatFails) {
+    const auto file = jet::HostFileSystem().Open(
+        folder_.CostsPath(QStringLiteral("Pieces.fcd")).toStdString(), jet::OpenMode::kCreateNew);
+    const std::vector<std::byte> page(4096);
+    const std::vector<std::span<const std::byte>> pieces(3, page);
+    SwitchOn("Pieces.fcd", {"FullDiskAfterHalf", Mode::kShort, tarn_faults::kWrite, ENOSPC});
+    EXPECT_THROW(file->WriteAll(0, pieces), jet::Error);
+    SwitchOff();
+    EXPECT_EQ(file->Size(), pieces.size() * page.size() / 2);
 }
 
 // Flushes are what makes a slow disk felt.
