@@ -8,14 +8,12 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 import warnings
 from pathlib import Path
 
-SKIPPED = 77
-DISPLAY = Path(__file__).resolve().parents[2] / "tools/tour/display.sh"
+from screen import PATIENCE, SKIPPED, Screen, keyboard_to, press, wait_for
+
 SYSTEM_PYTHON = "/usr/bin/python3"
-PATIENCE = 30  # seconds
 REPLY_MS = 3000
 EVENTS = 0.2  # seconds in which those of one key arrive
 START_MS = 20000
@@ -44,39 +42,17 @@ def import_atspi():
         skip("python3-gi or gir1.2-atspi-2.0 is not installed")
 
 
-def wait_for(condition, what):
-    end = time.monotonic() + PATIENCE
-    while time.monotonic() < end:
-        found = condition()
-        if found:
-            return found
-        time.sleep(0.05)
-    raise AssertionError(f"waited in vain for {what}")
-
-
 class Session:
     """An X server, the accessibility bus and the program, all of them ended with the test."""
 
     def __init__(self, folder):
         self.folder = Path(folder)
         self.running = []
-        for _ in range(3):
-            display = self.screen()
-            if display:
-                break
-        assert display, "no X server starts"
-        os.environ["DISPLAY"] = ":" + display
+        self.screen = Screen()
         os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
-        os.environ["QT_QPA_PLATFORM"] = "xcb"
         os.environ["QT_ASSUME_STDERR_HAS_CONSOLE"] = "1"
         self.start(BUS_LAUNCHER, "--launch-immediately")
         self.program = None
-
-    def screen(self):
-        """The number of a new X server; empty when it did not start."""
-        server = self.start("sh", "-c", '. "$0"; open_display 1024x768x24; echo "${DISPLAY#:}"; wait', DISPLAY,
-                            stdout=subprocess.PIPE, text=True)
-        return server.stdout.readline().strip()
 
     def start(self, *command, **options):
         options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, **options}
@@ -99,17 +75,7 @@ class Session:
             if process.poll() is None:
                 os.killpg(process.pid, signal.SIGKILL)
                 process.wait()
-
-    def keys(self, *keys):
-        subprocess.run(["xdotool", "key", "--clearmodifiers", "--delay", "20", *keys], check=True)
-
-    def keyboard_to_program(self):
-        """Without a window manager nobody gives the keyboard to a window."""
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid",
-                                str(self.program.pid)], capture_output=True, text=True,
-                               check=False).stdout.split()
-        if found:
-            subprocess.run(["xdotool", "windowfocus", "--sync", found[-1]], check=False, timeout=10)
+        self.screen.take_away()
 
 
 class Walk:
@@ -134,14 +100,14 @@ class Walk:
     def told_of_focus(self, *keys):
         """The names that a screen reader is told when these keys move the keyboard."""
         self.heard.clear()
-        self.session.keys(*keys)
+        press(*keys)
         self.listen(EVENTS)
         return list(self.heard)
 
     def told_last(self, name, *keys):
         """Whether this name is the last that a screen reader is told when these keys move the keyboard."""
         self.heard.clear()
-        self.session.keys(*keys)
+        press(*keys)
 
         def hears():
             self.listen(EVENTS)
@@ -382,7 +348,7 @@ def start_and_dialogs(walk, session):
 def worksheets(walk, session, path, wanted):
     session.start_program(str(path))
     walk.find("menu item", "Introduction")
-    session.keyboard_to_program()
+    keyboard_to(session.program)
     for menu_item, form in wanted:
         where = f"{form}, {path.name}"
         step(walk, where, lambda m=menu_item, f=form: (choose_worksheet(walk, m),
@@ -410,12 +376,12 @@ def cells_while_walking(walk, session):
     walk.find("filler", "Edit suppression costs per acre")
     where = "cells of the cost table"
     walk.listen(EVENTS)
-    session.keys("Tab")  # from the zones' box on to the grid
+    press("Tab")  # from the zones' box on to the grid
     told = walk.told_of_focus("ctrl+Home", "Right")
     if "Fire size, in acres, To, Class 1" not in told:
         walk.offenders.append(f"{where}: the open cell editor does not say its cell: {told}")
     for keys in (["Down"], ["Right"], ["1", "2"], ["Down"], ["ctrl+End"], ["Escape"], ["ctrl+Home"]):
-        session.keys(*keys)
+        press(*keys)
         walk.find("table", "Suppression cost per acre by fire size")
         walk.tree(where)
 
@@ -424,7 +390,7 @@ def review(walk, session, path):
     """TARN Review: its pages, and what a chart says of the figure that the keys reach."""
     session.start_program(str(path), name="tarnreview")
     walk.find("page tab", "Charts")
-    session.keyboard_to_program()
+    keyboard_to(session.program)
     for page, part in (("Findings", "Findings"), ("Charts", "Costs of suppression resources"),
                        ("Report", "Report"), ("Compare", "What is compared")):
         where = f"TARN Review, {page}"

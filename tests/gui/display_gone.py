@@ -4,63 +4,15 @@
 Usage: display_gone.py PROGRAM_FOLDER JETSQL"""
 import os
 import shutil
-import signal
 import subprocess
 import sys
 import tempfile
-import time
 from pathlib import Path
 
-SKIPPED = 77
-DISPLAY = Path(__file__).resolve().parents[2] / "tools/tour/display.sh"
-PATIENCE = 60  # seconds
+from screen import PATIENCE, SKIPPED, Screen, keyboard_to, press, wait_for
+
 LOST_DISPLAY = 1  # the exit status by which Qt ends a program without a display
 WORKSHEETS_TO_COSTS = 5  # from the introduction, by Ctrl+PageDown
-
-
-def wait_for(condition, what):
-    end = time.monotonic() + PATIENCE
-    while time.monotonic() < end:
-        found = condition()
-        if found:
-            return found
-        time.sleep(0.05)
-    raise AssertionError(f"waited in vain for {what}")
-
-
-class Display:
-    def __init__(self):
-        self.server = subprocess.Popen(
-            ["sh", "-c", '. "$0"; open_display 1024x768x24; echo "$DISPLAY $display_pid"; wait', DISPLAY],
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        os.environ["DISPLAY"], pid = self.server.stdout.readline().split()
-        self.pid = int(pid)
-        os.environ["QT_QPA_PLATFORM"] = "xcb"
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.take_away()
-
-    def take_away(self):
-        if self.server.poll() is None:
-            os.kill(self.pid, signal.SIGKILL)
-            self.server.wait(PATIENCE)
-
-
-def xdotool(*words):
-    return subprocess.run(["xdotool", *words], capture_output=True, text=True, check=False, timeout=PATIENCE).stdout
-
-
-def press(*keys):
-    xdotool("key", "--clearmodifiers", "--delay", "20", *keys)
-
-
-def keyboard_to(program):
-    """Without a window manager nobody gives the keyboard to a window."""
-    windows = wait_for(lambda: xdotool("search", "--onlyvisible", "--pid", str(program.pid)).split(), "a window")
-    xdotool("windowfocus", "--sync", windows[-1])
 
 
 def costs(jetsql, path):
@@ -85,7 +37,7 @@ def typed_and_gone(folder, jetsql, typed, keys, last_entry):
     """`keys` are pressed after the typing; the last of them is logged by `last_entry`."""
     path = folder / "Costs" / "UMFOR26.FCD"
     assert typed not in costs(jetsql, path)
-    with Display():
+    with Screen():
         program, wait_until_logged = start(folder, path)
         press(*["ctrl+Next"] * WORKSHEETS_TO_COSTS, "Tab", "Right", "Right", *typed, *keys)
         wait_until_logged(last_entry)
