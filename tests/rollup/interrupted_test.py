@@ -173,7 +173,7 @@ def disk_full(runs, destination, wanted):
 def on_a_terminal(runs):
     """How far it is stands there once it takes noticeably long; Ctrl+C ends it with a sentence."""
     destination, place = Sqlite(), runs.new()
-    # It says nothing within its first second, a second of this clock.
+    # It says how far it is only after half a second of its own clock.
     begun = time.monotonic()
     pid, terminal = pty.fork()
     if pid == 0:
@@ -181,7 +181,7 @@ def on_a_terminal(runs):
     while destination.count(place) < 2 and os.waitpid(pid, os.WNOHANG) == (0, 0):
         pass
     os.kill(pid, signal.SIGSTOP)
-    # See above: nothing else changes within that second.
+    # Nothing but that clock changes now.
     while time.monotonic() < begun + 1:
         pass
     os.kill(pid, signal.SIGCONT)
