@@ -23,14 +23,6 @@ constexpr int kHelpContextId = 93;
 constexpr std::size_t kMostAtOnce = 40;
 constexpr int kShownOfPart = 40;  // characters
 
-class Hourglass {
-public:
-    Hourglass() { platform::SetMousePointer(platform::Pointer::kHourglass); }
-    ~Hourglass() { platform::SetMousePointer(platform::Pointer::kDefault); }
-    Hourglass(const Hourglass&) = delete;
-    Hourglass& operator=(const Hourglass&) = delete;
-};
-
 }  // namespace
 
 ReportPage::ReportPage(const ReviewCase& reviewed, QWidget* parent)
@@ -91,7 +83,7 @@ void ReportPage::Fill() {
 }
 
 void ReportPage::ShowPart(int part) {
-    const Hourglass busy;
+    const platform::PointerScope busy(platform::Pointer::kHourglass);
     const int section = part < 0 ? -1 : cboPart_->itemData(part).toInt();
     txtReport_->ShowDocument(report_, section);
 }
