@@ -11,6 +11,7 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/log_format.h"
 #include "page/operation.h"
 #include "page/usage_map.h"
 #include "sample_table.h"
@@ -244,10 +245,10 @@ TEST_P(PagerTest, LogsThatDoNotBelong_ArePutAsideUnderNamesThatAreFree) {
     for (const char* name : {"-old", "-old2", "-old3"}) {
         EXPECT_TRUE(files_->Exists(std::string("a file.mdb-log") + name)) << name;
     }
-    // Beyond that one that holds nothing gives its name.
+    // Beyond that one that can hold nothing behind its beginning gives its name.
     for (int round = 0; round < 100; ++round) {
         files_->Open("a file.mdb-log", OpenMode::kCreateNew)
-            ->Write(0, std::vector<std::byte>(700, std::byte{8}));
+            ->Write(0, std::vector<std::byte>(kLogHeaderSize, std::byte{8}));
         Reopen()->Close();
     }
     EXPECT_TRUE(files_->Exists("a file.mdb-log-old99"));
