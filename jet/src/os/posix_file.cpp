@@ -76,7 +76,11 @@ public:
 
     void WriteAll(std::uint64_t offset,
                   std::span<const std::span<const std::byte>> pieces) override {
-        std::array<iovec, kMostPieces> parts;
+        if (pieces.size() == 1) {
+            Write(offset, pieces.front());
+            return;
+        }
+        std::array<iovec, kMostPieces> parts{};
         while (!pieces.empty()) {
             const auto some = pieces.first(std::min(pieces.size(), parts.size()));
             std::transform(some.begin(), some.end(), parts.begin(), [](const auto& piece) {
