@@ -44,8 +44,9 @@ void RunOnGrid(std::int16_t command, vsFlexGrid& grid) {
 void RunOnText(std::int16_t command, const QString& selected, bool readOnly,
                const std::function<void(const QString&)>& replaceSelection) {
     if (command == kPaste) {
-        if (!readOnly) {
-            replaceSelection(platform::ClipboardText());
+        const QString text = platform::ClipboardText();
+        if (!readOnly && !text.isEmpty()) {
+            replaceSelection(text);
         }
         return;
     }

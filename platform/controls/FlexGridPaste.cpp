@@ -81,7 +81,8 @@ void FlexGridPaste::Paste() {
 
 void FlexGridPaste::Put(const QString& text) {
     FlexGridEditing& editing = parts_.editing;
-    if (!parts_.view.currentIndex().isValid() || (!editing.IsOpen() && parts_.host.IsList())) {
+    const bool taken = editing.IsOpen() || !parts_.host.IsList();
+    if (text.isEmpty() || !taken || !parts_.view.currentIndex().isValid()) {
         return;
     }
     const FlexGridClip::Block block = FlexGridClip::FromText(text);

@@ -17,8 +17,12 @@ void PasteBox::TakePasted(const QString& text) {
     insert(text);
 }
 
+// Qt would put nothing in the place of the selection when there is no text, and so delete it.
 void PasteBox::Paste(QClipboard::Mode mode) {
-    TakePasted(QGuiApplication::clipboard()->text(mode));
+    const QString text = QGuiApplication::clipboard()->text(mode);
+    if (!text.isEmpty()) {
+        TakePasted(text);
+    }
 }
 
 void PasteBox::keyPressEvent(QKeyEvent* event) {

@@ -1,5 +1,6 @@
 // A line edit in which all ways of pasting are one and the same: the keys, the box's own menu, the
-// middle mouse button and dropped text all hand what they bring to TakePasted.
+// middle mouse button and dropped text all hand what they bring to TakePasted. A clipboard without
+// text leaves the box as it is.
 #pragma once
 
 #include <QClipboard>

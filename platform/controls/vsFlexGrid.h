@@ -142,7 +142,8 @@ public:
     // texts. A block of cells as a spreadsheet copies it begins at the top left of the selection.
     // Numbers arrive as the spreadsheet meant them; what does not fit, or is no number where one is
     // wanted, is refused, and a message lists it with its cells. Headings above numbers are left
-    // out if the user agrees, rows beyond the end added if the table has room.
+    // out if the user agrees, rows beyond the end added if the table has room. An empty text, as a
+    // clipboard without one gives, changes nothing.
     void SetEditSelText(const QString& text);
     // Empties what Clip gives: the editor's selection, or the selected cells, which stay selected.
     void ClearClip();

@@ -52,6 +52,18 @@ TEST_F(EditCommandsTest, Paste_Selection_IsReplacedWithinTheLengthLimit) {
     EXPECT_EQ(box.text(), QStringLiteral("Nbefor"));
 }
 
+TEST_F(EditCommandsTest, Paste_ClipboardWithoutText_LeavesTheSelection) {
+    platform::SetClipboardText(QString());
+    QLineEdit box(QStringLiteral("North"));
+    box.selectAll();
+    Execute(kPaste, &box);
+    EXPECT_EQ(box.text(), QStringLiteral("North"));
+    QPlainTextEdit lines(QStringLiteral("one\ntwo"));
+    lines.selectAll();
+    Execute(kPaste, &lines);
+    EXPECT_EQ(lines.toPlainText(), QStringLiteral("one\ntwo"));
+}
+
 TEST_F(EditCommandsTest, PasteAndCut_ReadOnlyBox_ChangeNothing) {
     QLineEdit box(QStringLiteral("North"));
     box.setReadOnly(true);
@@ -119,6 +131,15 @@ TEST_F(EditCommandsInGrid, CutAndPaste_CellIsEdited_WorkOnTheEditorsSelection) {
     Execute(kPaste, &grid_);
     EXPECT_EQ(grid_.EditText(), QStringLiteral("South"));
     EXPECT_EQ(folder_.Trace().last(), QStringLiteral("   Paste South"));
+}
+
+TEST_F(EditCommandsInGrid, Paste_ClipboardWithoutText_LeavesTheOpenCell) {
+    platform::SetClipboardText(QString());
+    grid_.EditCell();
+    ASSERT_EQ(grid_.EditSelText(), QStringLiteral("North"));
+    Execute(kPaste, &grid_);
+    EXPECT_EQ(grid_.EditText(), QStringLiteral("North"));
+    EXPECT_FALSE(grid_.EditIsChanged());
 }
 
 TEST_F(EditCommandsInGrid, Cut_EmptyCell_LeavesTheClipboard) {
