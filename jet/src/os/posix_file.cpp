@@ -6,9 +6,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <string>
+#include <vector>
 
 #include "jet/error.h"
 #include "jet/file.h"
@@ -80,14 +80,14 @@ public:
             Write(offset, pieces.front());
             return;
         }
-        std::array<iovec, kMostPieces> parts{};
+        parts_.resize(std::min(pieces.size(), kMostPieces));
         while (!pieces.empty()) {
-            const auto some = pieces.first(std::min(pieces.size(), parts.size()));
-            std::transform(some.begin(), some.end(), parts.begin(), [](const auto& piece) {
+            const auto some = pieces.first(std::min(pieces.size(), parts_.size()));
+            std::transform(some.begin(), some.end(), parts_.begin(), [](const auto& piece) {
                 return iovec{const_cast<std::byte*>(piece.data()), piece.size()};
             });
             const ssize_t put = Retrying([&] {
-                return ::pwritev(descriptor_, parts.data(), static_cast<int>(some.size()),
+                return ::pwritev(descriptor_, parts_.data(), static_cast<int>(some.size()),
                                  static_cast<off_t>(offset));
             });
             if (put < 0) throw ErrorOfTransfer(errno, "written");
@@ -179,6 +179,7 @@ private:
     }
 
     int descriptor_ = -1;
+    std::vector<iovec> parts_;  // of the last write
 };
 
 int FlagsOf(OpenMode mode) {
