@@ -345,6 +345,57 @@ TEST_P(IndexTreeTest, Ascending_LeavesFullLeaves) {
     EXPECT_LE(leaves, 2000 * 6 / capacity + 3);
 }
 
+// The tree is told where the cursor came to an entry. The next change makes that worthless, whether
+// it is kept or not.
+TEST_P(IndexTreeTest, EraseWhereACursorStands_EqualsASet) {
+    while (model_.size() < 700) {
+        const IndexEntry entry = RandomEntry();
+        if (model_.count(Bytewise(entry)) == 0) Insert(entry);
+    }
+    IndexTree tree = Tree();
+    IndexCursor cursor(tree);
+    for (int step = 0; !model_.empty(); ++step) {
+        const bool on = step % 3 == 0 ? cursor.SeekToFirst()
+                                      : cursor.Seek(RandomEntry().key, SeekTo::kNotBelow);
+        if (!on) continue;
+        const IndexEntry found = cursor.Entry();
+        Operation operation(*pager_);
+        tree.Erase(operation, found.key, found.row);
+        // The same operation goes on with others, as a deletion that cascades does.
+        if (step % 5 == 0 && model_.size() > 1) {
+            const IndexEntry other =
+                model_.begin()->second == found ? model_.rbegin()->second : model_.begin()->second;
+            tree.Erase(operation, other.key, other.row);
+            model_.erase(Bytewise(other));
+        } else if (step % 7 == 0) {
+            tree.Insert(operation, found.key, found.row);
+            tree.Erase(operation, found.key, found.row);
+        } else if (step % 11 == 0) {
+            continue;  // rolled back
+        }
+        operation.Commit();
+        model_.erase(Bytewise(found));
+        ASSERT_NO_FATAL_FAILURE(Verify());
+        ASSERT_FALSE(HasFailure());
+    }
+    Verify();
+}
+
+// The entries of a compressed leaf leave out what the first one begins with, which goes first.
+TEST_P(IndexTreeTest, EraseInKeyOrder_LeavesTheRest) {
+    IndexEntry entry{Key(10, std::byte{1}), {PageNumber{1}, 0}};
+    for (unsigned i = 0; i < 1500; ++i) {
+        entry.key[8] = static_cast<std::byte>(i >> 8);
+        entry.key[9] = static_cast<std::byte>(i & 0xFF);
+        Insert(entry);
+    }
+    while (!model_.empty()) {
+        Erase(model_.begin()->second);
+        ASSERT_NO_FATAL_FAILURE(Verify());
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
 TEST_P(IndexTreeTest, LevelsOfNodes_GrowAndShrink) {
     const std::size_t size = std::get<0>(GetParam()) == Version::kJet3 ? 250 : 1100;
     const int count = 300;

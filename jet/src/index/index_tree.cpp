@@ -25,6 +25,7 @@ bool IndexTree::HasKey(Bytes key, RowId except) const {
 }
 
 bool IndexTree::Insert(Operation& operation, Bytes key, RowId row) {
+    place_ = {};
     TreeChange change(operation, table_, root_, pages_);
     if (const auto isNew = change.InsertInPlace(key, row, *this)) {
         return *isNew;
@@ -36,9 +37,11 @@ bool IndexTree::Insert(Operation& operation, Bytes key, RowId row) {
 
 void IndexTree::Erase(Operation& operation, Bytes key, RowId row) {
     TreeChange change(operation, table_, root_, pages_);
-    if (!change.EraseInPlace(key, row)) {
+    if (!change.EraseInPlace(key, row, place_)) {
         change.Erase(key, row, *this);
     }
+    // Here, since a change looks around with cursors of its own.
+    place_ = {};
 }
 
 PageNumber IndexTree::Create(Operation& operation, PageNumber table, UsageMap& pages) {

@@ -21,6 +21,13 @@ struct IndexEntry {
     bool operator==(const IndexEntry&) const = default;
 };
 
+// Where a cursor came to an entry, good until the next change.
+struct CursorPlace {
+    PageNumber leaf;
+    std::size_t at = 0;
+    std::uint64_t change = 0;  // the change count then
+};
+
 class IndexTree {
 public:
     IndexTree(Pager& pager, PageNumber table, PageNumber root, UsageMap pages);
@@ -37,6 +44,8 @@ public:
     // entry has the same key (the caller keeps the statistics).
     bool Insert(Operation& operation, Bytes key, RowId row);
     void Erase(Operation& operation, Bytes key, RowId row);
+    // Tells where a cursor stands: a row is deleted where it has been found, as a rule.
+    void NotePlace(const CursorPlace& place) const { place_ = place; }
 
     // Makes an empty tree: allocates the root page and enters it in `pages`.
     static PageNumber Create(Operation& operation, PageNumber table, UsageMap& pages);
@@ -46,6 +55,7 @@ private:
     PageNumber table_;
     PageNumber root_;
     UsageMap pages_;
+    mutable CursorPlace place_;
 };
 
 }  // namespace jet

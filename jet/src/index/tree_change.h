@@ -32,8 +32,9 @@ public:
     // Gives whether no other entry has the key; nothing, and nothing done, in any other case.
     // `tree` is the tree itself, for looking around.
     std::optional<bool> InsertInPlace(Bytes key, RowId row, const IndexTree& tree);
-    // False, and nothing done, in any other case.
-    bool EraseInPlace(Bytes key, RowId row);
+    // False, and nothing done, in any other case. `place` is where a cursor stands, on this entry
+    // or on another one.
+    bool EraseInPlace(Bytes key, RowId row, const CursorPlace& place);
     // kDamaged when there is no such entry.
     void Erase(Bytes key, RowId row, const IndexTree& tree);
 
@@ -54,6 +55,7 @@ private:
 
     // None below a node that has to be mended first.
     [[nodiscard]] std::optional<LeafWay> FindLeaf(Bytes entry) const;
+    [[nodiscard]] std::optional<LeafWay> LeafOf(const CursorPlace& place, Bytes entry) const;
     MutableBytes ChangeEntries(PageNumber page, std::size_t from, std::size_t to);
     bool RepeatInstead(PageNumber number, std::size_t at, const Key& old, const Key& greatest);
     [[nodiscard]] IndexPageContent Load(PageNumber page) const;

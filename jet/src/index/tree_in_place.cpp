@@ -85,22 +85,40 @@ MutableBytes TreeChange::ChangeEntries(PageNumber page, std::size_t from, std::s
     return operation_.ChangePart(page, format_.entryAreaAt + from, to - from);
 }
 
-bool TreeChange::EraseInPlace(Bytes key, RowId row) {
+// The leaf where a cursor stands on the entry. Not if it is the last one of its leaf: that one
+// stands in a node too, and is looked for from the root.
+std::optional<TreeChange::LeafWay> TreeChange::LeafOf(const CursorPlace& place, Bytes entry) const {
+    if (!place.leaf || place.change != pager_.ChangeCount()) return std::nullopt;
+    PageRef page = pager_.Page(place.leaf);
+    const IndexPage leaf(page.Data(), format_, place.leaf, table_);
+    if (!Holds(leaf, place.at, entry) || leaf.After(place.at) == leaf.End() ||
+        leaf.FreeField() != format_.entryCapacity - leaf.End()) {
+        return std::nullopt;
+    }
+    return LeafWay{{std::move(page), leaf, place.at}, {}, 0};
+}
+
+bool TreeChange::EraseInPlace(Bytes key, RowId row, const CursorPlace& place) {
     const Key entry = EntryBytes(key, row);
-    const auto way = FindLeaf(entry);
+    auto way = LeafOf(place, entry);
+    if (!way) way = FindLeaf(entry);
     if (!way) return false;
     const auto& [page, leaf, at] = way->leaf;
-    if (!Holds(leaf, at, entry) || (at == 0 && leaf.PrefixSize() != 0)) return false;
+    if (!Holds(leaf, at, entry)) return false;
     const std::size_t end = leaf.After(at);
+    const bool isLast = end == leaf.End();
     // An empty leaf has to go.
-    if (at == 0 && end == leaf.End() && page.Number() != root_) return false;
+    if (at == 0 && isLast && page.Number() != root_) return false;
+    // What the others leave out of the first entry stays for the next one.
+    const std::size_t from = at == 0 && !isLast ? leaf.PrefixSize() : at;
+    if (from == end) return false;
     if (way->repeatedOn) {
-        if (at == 0 || end != leaf.End()) return false;
+        if (at == 0 || !isLast) return false;
         Key greatest;
         leaf.Read(leaf.Before(at), greatest);
         if (!RepeatInstead(way->repeatedOn, way->repeatedAt, entry, greatest)) return false;
     }
-    EraseStored(ChangeEntries(page.Number(), at, leaf.End()), format_, leaf.End(), at, end);
+    EraseStored(ChangeEntries(page.Number(), from, leaf.End()), format_, leaf.End(), from, end);
     return true;
 }
 
