@@ -39,7 +39,7 @@ std::optional<fs::path> LastYearsFile(const fs::path& path) {
     }
     const std::string title = name->unit + name->state + season::TwoDigits((name->year + 99) % 100);
     const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
-    const QString found = platform::FindFile(platform::FromNativePath(folder.c_str()),
+    const QString found = platform::FindFile(platform::FromNativePath(folder),
                                              QString::fromStdString(title + ".fcd"));
     const fs::path other = platform::ToNativePath(found);
     std::error_code failed;

@@ -42,7 +42,7 @@ constexpr int kHelpContextId = 90;
 constexpr QSize kUsual(1180, 720);
 
 QString TitleOf(const fs::path& path) {
-    return platform::ShownPath(platform::FromNativePath(path.filename().c_str()));
+    return platform::ShownPath(platform::FromNativePath(path.filename()));
 }
 
 // Why a file was refused, below its name.
@@ -188,7 +188,7 @@ void frmReview::ReadAgain() {
         ShowRefusal(case_.Season()->path, refused);
         return;
     }
-    watch_->Watch(platform::FromNativePath(case_.Season()->path.c_str()));
+    watch_->Watch(platform::FromNativePath(case_.Season()->path));
     ShowFile();
 }
 

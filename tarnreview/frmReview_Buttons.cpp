@@ -131,7 +131,7 @@ QString frmReview::AskForDataFile(const QString& title) const {
     platform::OpenFileRequest request;
     request.title = title;
     request.initialFolder =
-        HasFile() ? QFileInfo(platform::FromNativePath(case_.Season()->path.c_str())).absolutePath()
+        HasFile() ? QFileInfo(platform::FromNativePath(case_.Season()->path)).absolutePath()
                   : platform::CostsFolder();
     request.filter = tr("TARN Prep files (*.fcd)|*.fcd|All Files (*.*)|*.*");
     return platform::CommonDialog::ShowOpen(request, const_cast<frmReview*>(this));
@@ -152,16 +152,16 @@ void frmReview::cmdPrevious_Click() {
 }
 
 void frmReview::cmdPrint_Click() {
-    const QString name = tr("%1 report")
-                             .arg(platform::ShownPath(platform::FromNativePath(
-                                 case_.Season()->path.filename().c_str())));
+    const QString name =
+        tr("%1 report")
+            .arg(platform::ShownPath(platform::FromNativePath(case_.Season()->path.filename())));
     PrintReport::Preview(this, case_.Report(SaveAs::Today()), name);
 }
 
 void frmReview::cmdSave_Click() {
     const fs::path& source = case_.Season()->path;
-    const QString base = platform::FromNativePath(source.stem().c_str());
-    const QString folder = QFileInfo(platform::FromNativePath(source.c_str())).absolutePath();
+    const QString base = platform::FromNativePath(source.stem());
+    const QString folder = QFileInfo(platform::FromNativePath(source)).absolutePath();
     const QStringList filters = SaveAs::Filters(case_);
     const qsizetype differences = case_.Previous() != nullptr ? filters.size() - 1 : -1;
     // Whoever looks at the differences means them.
@@ -191,7 +191,7 @@ void frmReview::cmdNewYear_Click() {
     const QString title =
         name ? Parts::Text(name->unit + name->state + season::TwoDigits(dialog.Year()) + ".FCD")
              : QString();
-    const QString folder = QFileInfo(platform::FromNativePath(season.path.c_str())).absolutePath();
+    const QString folder = QFileInfo(platform::FromNativePath(season.path)).absolutePath();
     const QString path =
         SaveDialog::Ask(
             this,

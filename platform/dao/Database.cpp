@@ -132,8 +132,7 @@ int Database::RecoveredOperations() const {
 QString Database::KeptLog() const {
     QStringList names;
     for (const std::filesystem::path& log : database_->OpeningRecovery().keptLogs) {
-        const std::string name = log.filename().string();
-        names << platform::ShownPath(platform::FromNativePath(name.c_str()));
+        names << platform::ShownPath(platform::FromNativePath(log.filename()));
     }
     return names.join(QStringLiteral("\", \""));
 }

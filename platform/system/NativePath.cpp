@@ -48,8 +48,8 @@ bool IsStray(const QString& text, qsizetype at) {
 
 }  // namespace
 
-QString FromNativePath(const char* path) {
-    QByteArrayView rest(path);
+QString FromNativePath(const std::filesystem::path& path) {
+    QByteArrayView rest(path.native());
     QString text;
     while (!rest.isEmpty()) {
         const qsizetype length = FirstCharacter(rest);
@@ -87,8 +87,8 @@ QString ShownPath(QString path) {
 
 #else
 
-QString FromNativePath(const char* path) {
-    return QString::fromLocal8Bit(path);
+QString FromNativePath(const std::filesystem::path& path) {
+    return QString::fromStdWString(path.native());
 }
 
 std::filesystem::path ToNativePath(const QString& path) {

@@ -11,7 +11,7 @@
 
 namespace platform {
 
-QString FromNativePath(const char* path);
+QString FromNativePath(const std::filesystem::path& path);
 // What stands behind the program's name, as one text, the path of a file: nothing in it is a
 // switch, and no blank separates arguments.
 QString CommandLine(int argc, char* argv[]);

@@ -540,9 +540,10 @@ TEST_F(LifeTest, QueryNewDatafile_YesToAFileOfOtherCase_ReplacesThatFile) {
 }
 
 TEST_F(LifeTest, OpenDatatables_NameThatIsNoUtf8_IsOpenedAndShown) {
-    const QString path = platform::FromNativePath(QFile::encodeName(folder_.CostsPath("Monta")) +
-                                                  "\xF1"
-                                                  "a.fcd");
+    const QString path =
+        platform::FromNativePath(platform::ToNativePath(folder_.CostsPath("Monta")) +=
+                                 "\xF1"
+                                 "a.fcd");
     std::filesystem::copy_file(platform::ToNativePath(folder_.Path(QStringLiteral("FCD.new"))),
                                platform::ToNativePath(path));
     OpenFile(path);

@@ -20,7 +20,7 @@ TEST(NativePath, Names_ComeBackByteForByte) {
           "Monta\xF1"
           "a.fcd",
           "\xF0\x9F\x94\xA5 fire.fcd", "\xFF\xFE", "cut \xE2\x82", "\xED\xB2\x80 half"}) {
-        EXPECT_EQ(ToNativePath(FromNativePath(name.c_str())).string(), name);
+        EXPECT_EQ(ToNativePath(FromNativePath(name)).string(), name);
     }
 }
 

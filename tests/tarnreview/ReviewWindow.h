@@ -28,7 +28,7 @@ protected:
     ReviewWindow() { platform::SetMsgBoxTitle(QStringLiteral("TARN Review")); }
     // Starts the program and waits until its pages are there.
     void Run(const std::filesystem::path& file = {}) {
-        window_ = std::make_unique<tarnreview::frmReview>(platform::FromNativePath(file.c_str()));
+        window_ = std::make_unique<tarnreview::frmReview>(platform::FromNativePath(file));
         window_->resize(1200, 760);
         window_->show();
         window_->activateWindow();

@@ -25,7 +25,7 @@ season::Season WithASlip() {
 }
 
 QByteArray BytesOf(const fs::path& path) {
-    return support::Bytes(platform::FromNativePath(path.c_str()));
+    return support::Bytes(platform::FromNativePath(path));
 }
 
 TEST_F(ReviewWindow, StartsWithoutAFile_AndOffersToOpenOne) {
@@ -69,7 +69,7 @@ TEST_F(ReviewWindow, ARefusedFile_IsASentenceAndNothingElseChanges) {
     const fs::path text = platform::ToNativePath(folder_.CostsPath("text.fcd"));
     std::ofstream(text) << "no database";
     support::Answers answers;
-    window_->OpenFile(platform::FromNativePath(text.c_str()));
+    window_->OpenFile(platform::FromNativePath(text));
     ASSERT_EQ(answers.Messages().size(), 1U);
     EXPECT_EQ(answers.Messages()[0].title, "TARN Review");
     EXPECT_EQ(answers.Messages()[0].text, "text.fcd cannot be read.");
@@ -84,9 +84,9 @@ TEST_F(ReviewWindow, HalfWrittenFiles_AreRefused) {
     const fs::path half = platform::ToNativePath(folder_.CostsPath("half.fcd"));
     for (const qsizetype size : {qsizetype(0), qsizetype(100), qsizetype(4096), whole.size() / 3,
                                  whole.size() / 2, whole.size() - 4096}) {
-        support::WriteBytes(platform::FromNativePath(half.c_str()), whole.left(size));
+        support::WriteBytes(platform::FromNativePath(half), whole.left(size));
         support::Answers answers;
-        window_->OpenFile(platform::FromNativePath(half.c_str()));
+        window_->OpenFile(platform::FromNativePath(half));
         ASSERT_EQ(answers.Messages().size(), 1U) << size;
         EXPECT_EQ(answers.Messages()[0].text, "half.fcd cannot be read.");
     }
@@ -133,7 +133,7 @@ TEST_F(ReviewWindow, ADroppedFile_IsOpened) {
     const fs::path file = Write("UMFOR26.fcd", SoundSeason());
     Run();
     QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(platform::FromNativePath(file.c_str()))});
+    data.setUrls({QUrl::fromLocalFile(platform::FromNativePath(file))});
     QDragEnterEvent enter(QPoint(20, 20), Qt::CopyAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(window_.get(), &enter);
     EXPECT_TRUE(enter.isAccepted());
@@ -147,8 +147,7 @@ TEST_F(ReviewWindow, Open_TakesAFileAndRemembersIt) {
     const fs::path file = Write("UMFOR26.fcd", SoundSeason());
     Run();
     support::Answers answers;
-    answers.Then(
-        [&](QWidget& dialog) { TypeName(dialog, platform::FromNativePath(file.c_str())); });
+    answers.Then([&](QWidget& dialog) { TypeName(dialog, platform::FromNativePath(file)); });
     Press(Qt::Key_O, Qt::ControlModifier);
     EXPECT_EQ(window_->windowTitle(), "TARN Review - UMFOR26.fcd");
     const QList<QAction*> recent = Get<QMenu>("mnuRecent").actions();
