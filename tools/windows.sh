@@ -36,7 +36,7 @@ built() {
     build=$root/build-windows-program
     libraries=$("$root/tools/windows/libraries.py")
     mkdir -p "$build"
-    "$root/tools/build.sh" "$build" "$1" -DTARN_GATES=OFF -DCMAKE_BUILD_TYPE=Release \
+    "$root/tools/build.sh" "$build" "$1" -DTARN_GATES=OFF -DTARN_PRECOMPILE=ON -DCMAKE_BUILD_TYPE=Release \
         "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG" \
         -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DTARN_WINDOWS_LIBRARIES="$libraries" \
         "-DCMAKE_CROSSCOMPILING_EMULATOR=env;WINEPREFIX=$build/wine;WINEDEBUG=-all;WINEDLLOVERRIDES=mscoree,mshtml=;$wine"

@@ -1,0 +1,6 @@
+// What most files with charts read.
+#pragma once
+
+#include <qcustomplot.h>
+
+#include "standard.h"

@@ -1,0 +1,25 @@
+# Compiles the headers that nearly every file of a target reads once for it. Only a build that is to be
+# quick asks for it: the others show that each file includes what it uses.
+function(tarn_precompile headers)
+  foreach(target ${ARGN})
+    if(TARGET ${target})
+      target_precompile_headers(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tools/precompiled/${headers}.h)
+    endif()
+  endforeach()
+endfunction()
+
+# The same with what another target compiled; what is defined for both has to be the same.
+function(tarn_precompiled_by other)
+  foreach(target ${ARGN})
+    if(TARGET ${target})
+      target_precompile_headers(${target} REUSE_FROM ${other})
+    endif()
+  endforeach()
+endfunction()
+
+tarn_precompile(standard jet season rollup)
+tarn_precompile(widgets platform review_window)
+tarn_precompiled_by(platform base datafile bram_import worksheets shell)
+tarn_precompile(charts plots)
+tarn_precompile(window_tests platform_tests)
+tarn_precompiled_by(platform_tests base_tests datafile_tests import_tests worksheets_tests shell_tests gui_tests)
