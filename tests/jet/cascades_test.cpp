@@ -174,6 +174,25 @@ TEST_P(CascadesTest, ADeletion_ReachesARowByTwoRoads_AndGivesItsPagesBack) {
     Reopen();
 }
 
+TEST_P(CascadesTest, ADeletionThatSetsNull_FreesAllColumnsOfTheReference) {
+    Relate(*database_, u"Units", u"Key", u"Stands", u"Unit", {.nulls = true});
+    Reopen();
+    Relate(*database_, u"Forests", u"Key", u"Stands", u"Forest", {});
+    Reopen();
+    AddSome();
+    {
+        Transaction transaction = database_->Begin();
+        Find("Units", u"South").Delete();
+        EXPECT_EQ(All("Stands"), "1 North A;2 North B;3 - -;4 North -;");
+    }
+    EXPECT_EQ(All("Stands"), "1 North A;2 North B;3 South A;4 North -;");
+    EXPECT_EQ(ErrorOf([&] { Find("Forests", u"South").Delete(); }), ErrorKind::kRelatedRecords);
+    Find("Units", u"South").Delete();
+    Find("Forests", u"South").Delete();
+    EXPECT_EQ(All("Units") + All("Stands"), "North B;North A;1 North A;2 North B;3 - -;4 North -;");
+    Reopen();
+}
+
 TEST_P(CascadesTest, InATransaction_ARefusedRowIsTakenBackAloneAndARollbackTakesAll) {
     RelateAll(kAll);
     AddSome();

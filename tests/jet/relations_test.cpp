@@ -185,6 +185,89 @@ TEST_P(RelationsTest, ATable_CanReferToItself) {
     EXPECT_EQ(Zones(), "");
 }
 
+TEST_P(RelationsTest, ADeletionThatSetsNull_LeavesTheRowsWithoutTheReference) {
+    Relate({.nulls = true});
+    AddUnit(1);
+    AddUnit(2);
+    for (int zone = 0; zone < 300; ++zone) AddZone(zone, zone < 2 ? 2 : 1);
+    ASSERT_TRUE(zones_->Seek(Comparison::kEqual, {7}));
+    const auto byUnit = database_->OpenTable("Zones");
+    byUnit->SetIndex("Unit");
+    ASSERT_TRUE(byUnit->Seek(Comparison::kEqual, {1}));
+    Delete(*units_, 1);
+    EXPECT_EQ(Zones().substr(0, 20), "0:2 1:2 2:- 3:- 4:- ");
+    EXPECT_EQ(zones_->RecordCount(), 300);
+    EXPECT_TRUE(zones_->Get("Unit").IsNull());
+    EXPECT_TRUE(byUnit->Get("Unit").IsNull());
+    EXPECT_FALSE(byUnit->Seek(Comparison::kEqual, {1}));
+    // Only deletions set null: a key in use keeps its value.
+    EXPECT_EQ(ErrorOf([&] { Change(*units_, 2, "Unit", 3); }), ErrorKind::kRelatedRecords);
+    Delete(*units_, 2);
+    EXPECT_EQ(Zones().substr(0, 8), "0:- 1:- ");
+}
+
+TEST_P(RelationsTest, RowsThatCannotBearTheNull_KeepTheirParent) {
+    TableSchema posts;
+    posts.name = "Posts";
+    posts.columns = {{.name = "Post"}, {.name = "Unit", .required = true}};
+    posts.indexes = {{.name = "Key", .columns = {{"Post"}}, .primary = true},
+                     {.name = "Unit", .columns = {{"Unit"}}}};
+    database_->CreateTable(posts);
+    jet::Relate(*database_, u"Units", u"Key", u"Posts", u"Unit", {.nulls = true});
+    Reopen();
+    Relate({.nulls = true});
+    AddUnit(1);
+    AddZone(10, 1);
+    const auto rows = database_->OpenTable("Posts");
+    rows->AddNew();
+    rows->Set("Post", 1);
+    rows->Set("Unit", 1);
+    rows->Update();
+    EXPECT_EQ(ErrorOf([&] { Delete(*units_, 1); }), ErrorKind::kNullNotAllowed);
+    EXPECT_EQ(Zones(), "10:1 ");
+    rows->MoveFirst();
+    rows->Delete();
+    Delete(*units_, 1);
+    EXPECT_EQ(Zones(), "10:- ");
+}
+
+TEST_P(RelationsTest, ARowThatOneRoadDeletesAndAnotherFrees_IsDeleted) {
+    Relate({.nulls = true});
+    jet::Relate(*database_, u"Units", u"Key", u"Zones", u"Above", {.deletes = true});
+    Reopen();
+    AddUnit(1);
+    AddUnit(2);
+    AddZone(10, 1, 1);
+    AddZone(11, 1, 2);
+    Delete(*units_, 1);
+    EXPECT_EQ(Zones(), "11:- ");
+}
+
+TEST_P(RelationsTest, ADeletion_SetsNullInTheRowsBelowItsCascade) {
+    Relate({.deletes = true});
+    jet::Relate(*database_, u"Zones", u"Key", u"Zones", u"Above", {.nulls = true});
+    Reopen();
+    AddUnit(1);
+    AddUnit(2);
+    AddZone(10, 1, 10);
+    AddZone(11, 2, 10);
+    AddZone(12, 2, 11);
+    Delete(*units_, 1);
+    EXPECT_EQ(Zones(), "11:2 12:2 ");
+    ASSERT_TRUE(zones_->Seek(Comparison::kEqual, {11}));
+    EXPECT_TRUE(zones_->Get("Above").IsNull());
+    ASSERT_TRUE(zones_->Seek(Comparison::kEqual, {12}));
+    EXPECT_EQ(zones_->Get("Above"), Value(11));
+}
+
+TEST_P(RelationsTest, DeletionsThatAreToDoTwoThings_AreRefused) {
+    Relate({.deletes = true, .nulls = true});
+    AddUnit(1);
+    AddZone(10, 1);
+    EXPECT_EQ(ErrorOf([&] { Delete(*units_, 1); }), ErrorKind::kRelatedRecords);
+    EXPECT_EQ(Zones(), "10:1 ");
+}
+
 TEST_P(RelationsTest, LongChainsOfCascades_EndWell) {
     RelateToSelf({.updates = true, .deletes = true});
     AddZone(0, 0, 0);

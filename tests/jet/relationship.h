@@ -13,6 +13,7 @@ namespace jet {
 struct Cascades {
     bool updates = false;
     bool deletes = false;
+    bool nulls = false;  // on deletion
 };
 
 // Makes an index of each of two tables the side of a relationship. The engine itself makes none.
@@ -41,7 +42,8 @@ inline void Relate(Database& database, const char16_t* parent, const char16_t* p
         index.partner = numbers[1 - side];
         index.partnerTable = definitions[1 - side].page;
         index.cascadeUpdates = cascades.updates ? 1 : 0;
-        index.cascadeDeletes = cascades.deletes ? 1 : 0;
+        index.cascadeDeletes =
+            static_cast<std::uint8_t>((cascades.deletes ? 1 : 0) + (cascades.nulls ? 2 : 0));
         definitions[self ? 0 : side].logicalIndexes.push_back(index);
     }
     Operation operation(file.Pages());

@@ -13,6 +13,10 @@ namespace {
 constexpr std::uint8_t kReferenced = 1;
 constexpr std::uint8_t kReferencing = 2;
 constexpr unsigned kCascades = 1;
+// What a deletion does to the rows that refer to the deleted one. Both at once, or anything else,
+// is no instruction, and so no row is deleted.
+constexpr std::uint8_t kDeletes = 1;
+constexpr std::uint8_t kSetsNull = 2;
 
 bool IsRelation(const LogicalIndex& index) {
     return index.role == IndexRole::kRelation || index.partnerTable;
@@ -30,6 +34,20 @@ bool IsRelation(const LogicalIndex& index) {
     throw Error(ErrorKind::kRelatedRecords,
                 "The record cannot be deleted or changed because the table '" + other.Name() +
                     "' includes related records.");
+}
+
+// What a row of the index's table is given to refer to something else, or to nothing.
+std::shared_ptr<const RowValues> Redirection(const Table& table, const RealIndex& index,
+                                             const std::optional<std::vector<Value>>& reference) {
+    auto row = std::make_shared<RowValues>();
+    row->values.resize(table.Def().columns.size());
+    row->given.resize(row->values.size());
+    for (std::size_t i = 0; i < index.parts.size(); ++i) {
+        const std::size_t column = index.parts[i].column;
+        if (reference) row->values[column] = (*reference)[i];
+        row->given[column] = true;
+    }
+    return row;
 }
 
 bool HasGivenPart(const RealIndex& index, const RowValues& row) {
@@ -103,18 +121,24 @@ void Relations::RequireParents(const RowValues& row, bool isNew, const ColumnVal
     }
 }
 
-void Relations::CascadeDelete(RowId row, const ColumnValue& old,
-                              std::vector<TableRow>& deletions) const {
+void Relations::CascadeDelete(RowId row, const ColumnValue& old, std::vector<TableRow>& deletions,
+                              std::vector<RowChange>& releases) const {
     for (const LogicalIndex& relation : table_->Def().logicalIndexes) {
         if (!IsRelation(relation) || relation.side != kReferenced) continue;
         const auto reference = Reference(relation, old);
         if (!reference) continue;
         const Side child = PartnerOf(relation);
+        const auto nulls = Redirection(*child.table, child.index->Real(), std::nullopt);
         for (const RowId found : RowsOf(child, *reference)) {
             const TableRow place = {child.table, found};
             if (place == TableRow{table_, row}) continue;
-            if ((relation.cascadeDeletes & kCascades) == 0) ThrowRelated(*child.table);
-            deletions.push_back(place);
+            if (relation.cascadeDeletes == kDeletes) {
+                deletions.push_back(place);
+            } else if (relation.cascadeDeletes == kSetsNull) {
+                releases.push_back({place, nulls});
+            } else {
+                ThrowRelated(*child.table);
+            }
         }
     }
 }
@@ -133,18 +157,10 @@ void Relations::CascadeUpdate(const RowValues& given, const ColumnValue& old,
         const bool cascades = (relation.cascadeUpdates & kCascades) != 0;
         // Only spelled in another way, it is still what the others refer to.
         if (!cascades && after && HaveSameKey(*child.index, *before, *after)) continue;
+        const auto values = Redirection(*child.table, child.index->Real(), after);
         for (const RowId found : RowsOf(child, *before)) {
             if (!cascades || !after) ThrowRelated(*child.table);
-            RowChange change = {{child.table, found}, {}};
-            const std::size_t count = child.table->Def().columns.size();
-            change.values.values.resize(count);
-            change.values.given.resize(count);
-            for (std::size_t i = 0; i < after->size(); ++i) {
-                const std::size_t column = child.index->Real().parts[i].column;
-                change.values.values[column] = (*after)[i];
-                change.values.given[column] = true;
-            }
-            changes.push_back(std::move(change));
+            changes.push_back({{child.table, found}, values});
         }
     }
 }

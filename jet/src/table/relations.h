@@ -5,6 +5,7 @@
 // changes to be made next, so that no chain of them is deeper than the stack.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -35,7 +36,7 @@ struct TableRow {
 
 struct RowChange {
     TableRow place;
-    RowValues values;
+    std::shared_ptr<const RowValues> values;  // the same for all rows that follow one
 };
 
 class Relations {
@@ -47,9 +48,10 @@ public:
     // kNoRelatedRecord when a reference of the row leads nowhere. Only references with a column
     // that is given are looked at, or all of them of a new row. The row's entries are made.
     void RequireParents(const RowValues& row, bool isNew, const ColumnValue& value) const;
-    // Adds the rows that are deleted with this one. kRelatedRecords when a row stays that refers to
-    // it.
-    void CascadeDelete(RowId row, const ColumnValue& old, std::vector<TableRow>& deletions) const;
+    // Adds the rows that are deleted with this one, and the changes of those that refer to nothing
+    // from then on. kRelatedRecords when a row stays that refers to it.
+    void CascadeDelete(RowId row, const ColumnValue& old, std::vector<TableRow>& deletions,
+                       std::vector<RowChange>& releases) const;
     // Adds the changes of the rows that refer to this one. kRelatedRecords when there are such and
     // the relationship does not cascade.
     void CascadeUpdate(const RowValues& given, const ColumnValue& old, const ColumnValue& now,

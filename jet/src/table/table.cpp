@@ -327,26 +327,6 @@ std::vector<std::size_t> Table::ChangedIndexes(const RowValues& row, const Colum
     return changed;
 }
 
-bool Table::Update(Operation& operation, RowId id, const RowValues& row) {
-    std::vector<RowChange> cascade;
-    bool indexChanged = UpdateOne(operation, id, row, cascade);
-    for (std::size_t i = 0; i < cascade.size(); ++i) {
-        const RowChange change = cascade[i];
-        indexChanged |=
-            change.place.table->UpdateOne(operation, change.place.row, change.values, cascade);
-    }
-    const auto requireParents = [](Table& table, RowId place, const RowValues& given) {
-        const RowView now = table.TakeOldRow(place);
-        const auto read = [&](std::size_t column) { return table.ReadValue(now, column); };
-        table.relations_.RequireParents(given, false, read);
-    };
-    if (!cascade.empty()) requireParents(*this, id, row);
-    for (const RowChange& change : cascade) {
-        requireParents(*change.place.table, change.place.row, change.values);
-    }
-    return indexChanged;
-}
-
 bool Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
                       std::vector<RowChange>& cascade) {
     RequireWritable();
@@ -376,27 +356,13 @@ bool Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
     return !changed.empty();
 }
 
-void Table::Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted) {
-    StoredRow stored;
-    deleted.assign(1, {this, id});
-    std::size_t done = 0;
-    for (std::size_t i = 0; i < deleted.size(); ++i) {
-        const TableRow next = deleted[i];
-        // Two relationships can lead to one row.
-        if (i > 0 && !next.table->rows_.Find(next.row, stored)) continue;
-        stored = StoredRow();
-        next.table->DeleteOne(operation, next.row, deleted);
-        deleted[done++] = next;
-    }
-    deleted.resize(done);
-}
-
-void Table::DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade) {
+void Table::DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade,
+                      std::vector<RowChange>& releases) {
     RequireWritable();
     for (const auto& index : indexes_) RequireIndex(*index);
     const RowView old = TakeOldRow(id);
     const auto value = [&](std::size_t column) { return ReadValue(old, column); };
-    relations_.CascadeDelete(id, value, cascade);
+    relations_.CascadeDelete(id, value, cascade, releases);
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
         indexes_[i]->MakeRowKey(value, oldKeys_[i]);
         EraseKey(operation, i, oldKeys_[i], id);

@@ -68,7 +68,9 @@ private:
     void RequireIndex(const TableIndex& index) const;
     bool UpdateOne(Operation& operation, RowId id, const RowValues& row,
                    std::vector<RowChange>& cascade);
-    void DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade);
+    void DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade,
+                   std::vector<RowChange>& releases);
+    [[nodiscard]] bool Has(RowId id);
     // kDuplicateKey; the entry that was made is rolled back with the operation.
     void EnterKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
     void EraseKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
