@@ -155,7 +155,7 @@ def on_threads(summary):
     if subprocess.run(tests, check=False).returncode == 0:
         summary.passed += 1
     else:
-        summary.add_failure("threads: two databases at once")
+        summary.add_failure("threads: databases at once")
 
 
 def main():
