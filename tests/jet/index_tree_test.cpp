@@ -345,8 +345,7 @@ TEST_P(IndexTreeTest, Ascending_LeavesFullLeaves) {
     EXPECT_LE(leaves, 2000 * 6 / capacity + 3);
 }
 
-// The tree is told where the cursor came to an entry. The next change makes that worthless, whether
-// it is kept or not.
+// A place counts until the next operation, whether that is kept or not.
 TEST_P(IndexTreeTest, EraseWhereACursorStands_EqualsASet) {
     while (model_.size() < 700) {
         const IndexEntry entry = RandomEntry();
@@ -359,8 +358,9 @@ TEST_P(IndexTreeTest, EraseWhereACursorStands_EqualsASet) {
                                       : cursor.Seek(RandomEntry().key, SeekTo::kNotBelow);
         if (!on) continue;
         const IndexEntry found = cursor.Entry();
+        const EntryPlace place = cursor.Place();
         Operation operation(*pager_);
-        tree.Erase(operation, found.key, found.row);
+        tree.Erase(operation, found.key, found.row, place);
         // The same operation goes on with others, as a deletion that cascades does.
         if (step % 5 == 0 && model_.size() > 1) {
             const IndexEntry other =

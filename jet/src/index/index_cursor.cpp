@@ -25,7 +25,6 @@ bool IndexCursor::Arrive(LeafPlace& place) {
     leaf_ = std::move(place.page);
     at_ = place.at;
     change_ = tree_->Pages().ChangeCount();
-    tree_->NotePlace({leaf_.Number(), at_, change_});
     return true;
 }
 

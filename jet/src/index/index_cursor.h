@@ -34,6 +34,9 @@ public:
 
     [[nodiscard]] bool Valid() const { return valid_; }
     [[nodiscard]] const IndexEntry& Entry() const { return entry_; }
+    [[nodiscard]] EntryPlace Place() const {
+        return leaf_.Data().empty() ? EntryPlace() : EntryPlace{leaf_.Number(), at_, change_};
+    }
 
     bool SeekToFirst();
     bool SeekToLast();

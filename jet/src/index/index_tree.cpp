@@ -25,7 +25,6 @@ bool IndexTree::HasKey(Bytes key, RowId except) const {
 }
 
 bool IndexTree::Insert(Operation& operation, Bytes key, RowId row) {
-    place_ = {};
     TreeChange change(operation, table_, root_, pages_);
     if (const auto isNew = change.InsertInPlace(key, row, *this)) {
         return *isNew;
@@ -35,13 +34,11 @@ bool IndexTree::Insert(Operation& operation, Bytes key, RowId row) {
     return isNew;
 }
 
-void IndexTree::Erase(Operation& operation, Bytes key, RowId row) {
+void IndexTree::Erase(Operation& operation, Bytes key, RowId row, const EntryPlace& place) {
     TreeChange change(operation, table_, root_, pages_);
-    if (!change.EraseInPlace(key, row, place_)) {
+    if (!change.EraseInPlace(key, row, place)) {
         change.Erase(key, row, *this);
     }
-    // Here, since a change looks around with cursors of its own.
-    place_ = {};
 }
 
 PageNumber IndexTree::Create(Operation& operation, PageNumber table, UsageMap& pages) {

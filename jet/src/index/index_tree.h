@@ -21,8 +21,8 @@ struct IndexEntry {
     bool operator==(const IndexEntry&) const = default;
 };
 
-// Where a cursor came to an entry, good until the next change.
-struct CursorPlace {
+// Where a cursor came to an entry; of no cursor, nowhere. The next operation ends it.
+struct EntryPlace {
     PageNumber leaf;
     std::size_t at = 0;
     std::uint64_t change = 0;  // the change count then
@@ -43,9 +43,9 @@ public:
     // be erased is missing; kRecordTooLarge for a key that no page can hold. True when no other
     // entry has the same key (the caller keeps the statistics).
     bool Insert(Operation& operation, Bytes key, RowId row);
-    void Erase(Operation& operation, Bytes key, RowId row);
-    // Tells where a cursor stands: a row is deleted where it has been found, as a rule.
-    void NotePlace(const CursorPlace& place) const { place_ = place; }
+    // `place` is where a cursor stands, on this entry or on another one: as a rule a row is deleted
+    // where it has been found. It counts for the first change that an operation makes to the tree.
+    void Erase(Operation& operation, Bytes key, RowId row, const EntryPlace& place = {});
 
     // Makes an empty tree: allocates the root page and enters it in `pages`.
     static PageNumber Create(Operation& operation, PageNumber table, UsageMap& pages);
@@ -55,7 +55,6 @@ private:
     PageNumber table_;
     PageNumber root_;
     UsageMap pages_;
-    mutable CursorPlace place_;
 };
 
 }  // namespace jet

@@ -32,9 +32,8 @@ public:
     // Gives whether no other entry has the key; nothing, and nothing done, in any other case.
     // `tree` is the tree itself, for looking around.
     std::optional<bool> InsertInPlace(Bytes key, RowId row, const IndexTree& tree);
-    // False, and nothing done, in any other case. `place` is where a cursor stands, on this entry
-    // or on another one.
-    bool EraseInPlace(Bytes key, RowId row, const CursorPlace& place);
+    // False, and nothing done, in any other case. `place` is where a cursor stands.
+    bool EraseInPlace(Bytes key, RowId row, const EntryPlace& place);
     // kDamaged when there is no such entry.
     void Erase(Bytes key, RowId row, const IndexTree& tree);
 
@@ -55,7 +54,7 @@ private:
 
     // None below a node that has to be mended first.
     [[nodiscard]] std::optional<LeafWay> FindLeaf(Bytes entry) const;
-    [[nodiscard]] std::optional<LeafWay> LeafOf(const CursorPlace& place, Bytes entry) const;
+    [[nodiscard]] std::optional<LeafWay> LeafOf(const EntryPlace& place, Bytes entry) const;
     MutableBytes ChangeEntries(PageNumber page, std::size_t from, std::size_t to);
     bool RepeatInstead(PageNumber number, std::size_t at, const Key& old, const Key& greatest);
     [[nodiscard]] IndexPageContent Load(PageNumber page) const;

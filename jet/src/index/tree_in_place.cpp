@@ -87,7 +87,7 @@ MutableBytes TreeChange::ChangeEntries(PageNumber page, std::size_t from, std::s
 
 // The leaf where a cursor stands on the entry. Not if it is the last one of its leaf: that one
 // stands in a node too, and is looked for from the root.
-std::optional<TreeChange::LeafWay> TreeChange::LeafOf(const CursorPlace& place, Bytes entry) const {
+std::optional<TreeChange::LeafWay> TreeChange::LeafOf(const EntryPlace& place, Bytes entry) const {
     if (!place.leaf || place.change != pager_.ChangeCount()) return std::nullopt;
     PageRef page = pager_.Page(place.leaf);
     const IndexPage leaf(page.Data(), format_, place.leaf, table_);
@@ -98,7 +98,7 @@ std::optional<TreeChange::LeafWay> TreeChange::LeafOf(const CursorPlace& place, 
     return LeafWay{{std::move(page), leaf, place.at}, {}, 0};
 }
 
-bool TreeChange::EraseInPlace(Bytes key, RowId row, const CursorPlace& place) {
+bool TreeChange::EraseInPlace(Bytes key, RowId row, const EntryPlace& place) {
     const Key entry = EntryBytes(key, row);
     auto way = LeafOf(place, entry);
     if (!way) way = FindLeaf(entry);

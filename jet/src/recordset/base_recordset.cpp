@@ -433,7 +433,7 @@ void BaseRecordset::Delete() {
         RequireCurrent();
         std::vector<TableRow> deleted;
         Operation operation(table_->Pages());
-        table_->Delete(operation, cursor_->Row(), deleted);
+        table_->Delete(operation, cursor_->Row(), deleted, cursor_->Place());
         const bool inTransaction = file_->InTransaction();
         if (inTransaction) {
             for (const TableRow& place : deleted) {

@@ -15,6 +15,7 @@ public:
 
     // The key of the row that it is on.
     [[nodiscard]] const Key& RowKey() const { return entries_.Entry().key; }
+    [[nodiscard]] IndexPlace Place() const override { return {index_, entries_.Place()}; }
 
     bool SeekToFirst() override { return ArriveAt(entries_.SeekToFirst()); }
     bool SeekToLast() override { return ArriveAt(entries_.SeekToLast()); }

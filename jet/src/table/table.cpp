@@ -141,8 +141,11 @@ void Table::EnterKey(Operation& operation, std::size_t index, const TableIndex::
 }
 
 void Table::EraseKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key,
-                     RowId id) {
-    if (key.entered) indexes_[index]->Tree().Erase(operation, key.key, id);
+                     RowId id, const IndexPlace& found) {
+    if (!key.entered) return;
+    TableIndex& erased = *indexes_[index];
+    erased.Tree().Erase(operation, key.key, id,
+                        found.index == &erased ? found.entry : EntryPlace());
 }
 
 void Table::RaiseAutoNumber(Operation& operation, std::int32_t value) {
@@ -356,8 +359,8 @@ bool Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
     return !changed.empty();
 }
 
-void Table::DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade,
-                      std::vector<RowChange>& releases) {
+void Table::DeleteOne(Operation& operation, RowId id, const IndexPlace& found,
+                      std::vector<TableRow>& cascade, std::vector<RowChange>& releases) {
     RequireWritable();
     for (const auto& index : indexes_) RequireIndex(*index);
     const RowView old = TakeOldRow(id);
@@ -365,7 +368,7 @@ void Table::DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cas
     relations_.CascadeDelete(id, value, cascade, releases);
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
         indexes_[i]->MakeRowKey(value, oldKeys_[i]);
-        EraseKey(operation, i, oldKeys_[i], id);
+        EraseKey(operation, i, oldKeys_[i], id, found);
     }
     for (std::size_t i = 0; i < definition_.columns.size(); ++i)
         ReleaseLongValue(operation, i, old);

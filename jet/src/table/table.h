@@ -20,6 +20,7 @@
 #include "table/row_rules.h"
 #include "table/row_store.h"
 #include "table/row_values.h"
+#include "table/table_cursor.h"
 
 namespace jet {
 
@@ -57,23 +58,26 @@ public:
     // Values must have been converted (ConvertForColumn). Errors: kDuplicateKey, kNullNotAllowed,
     // kZeroLengthNotAllowed, kRuleViolated, kRelatedRecords, kNoRelatedRecord, kRecordTooLarge,
     // kUnsupported and those of the pager. Changes and deletions go on to other rows where a
-    // relationship says so; `deleted` takes all rows that were deleted.
+    // relationship says so; `deleted` takes all rows that were deleted. `found` is where a cursor
+    // stands on the row.
     RowId Insert(Operation& operation, const RowValues& row);
     // True when an index has other entries now.
     bool Update(Operation& operation, RowId id, const RowValues& row);
-    void Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted);
+    void Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted,
+                const IndexPlace& found = {});
 
 private:
     void RequireWritable() const;
     void RequireIndex(const TableIndex& index) const;
     bool UpdateOne(Operation& operation, RowId id, const RowValues& row,
                    std::vector<RowChange>& cascade);
-    void DeleteOne(Operation& operation, RowId id, std::vector<TableRow>& cascade,
-                   std::vector<RowChange>& releases);
+    void DeleteOne(Operation& operation, RowId id, const IndexPlace& found,
+                   std::vector<TableRow>& cascade, std::vector<RowChange>& releases);
     [[nodiscard]] bool Has(RowId id);
     // kDuplicateKey; the entry that was made is rolled back with the operation.
     void EnterKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
-    void EraseKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id);
+    void EraseKey(Operation& operation, std::size_t index, const TableIndex::RowKey& key, RowId id,
+                  const IndexPlace& found = {});
     Bytes BuildRow(Operation& operation, const RowValues& row, const RowView* old);
     [[nodiscard]] LongValueStore& LongValuesOf(std::size_t column);
     void EncodeLongValue(const Value& value, std::size_t& plainLength);

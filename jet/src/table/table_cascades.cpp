@@ -28,7 +28,8 @@ bool Table::Has(RowId id) {
     return rows_.Find(id, stored);
 }
 
-void Table::Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted) {
+void Table::Delete(Operation& operation, RowId id, std::vector<TableRow>& deleted,
+                   const IndexPlace& found) {
     std::vector<RowChange> releases;
     deleted.assign(1, {this, id});
     std::size_t done = 0;
@@ -36,7 +37,8 @@ void Table::Delete(Operation& operation, RowId id, std::vector<TableRow>& delete
         const TableRow next = deleted[i];
         // Two relationships can lead to one row.
         if (i > 0 && !next.table->Has(next.row)) continue;
-        next.table->DeleteOne(operation, next.row, deleted, releases);
+        next.table->DeleteOne(operation, next.row, i == 0 ? found : IndexPlace(), deleted,
+                              releases);
         deleted[done++] = next;
     }
     deleted.resize(done);

@@ -9,10 +9,19 @@
 
 #include <span>
 
+#include "index/index_tree.h"
 #include "page/types.h"
 #include "table/row_store.h"
 
 namespace jet {
+
+class TableIndex;
+
+// Where a row was found in an index; by no index, nowhere.
+struct IndexPlace {
+    const TableIndex* index = nullptr;
+    EntryPlace entry;
+};
 
 class TableCursor {
 public:
@@ -24,6 +33,7 @@ public:
     [[nodiscard]] bool Valid() const { return valid_; }
     // The row, or the one that was there.
     [[nodiscard]] RowId Row() const { return row_; }
+    [[nodiscard]] virtual IndexPlace Place() const { return {}; }
 
     virtual bool SeekToFirst() = 0;
     virtual bool SeekToLast() = 0;
