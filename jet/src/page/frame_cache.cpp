@@ -1,6 +1,7 @@
 #include "page/frame_cache.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace jet {
 
@@ -16,12 +17,7 @@ Frame& FrameCache::Insert(std::uint32_t page, bool passing) {
     Frame* frame = passing ? EvictPassing() : nullptr;
     if (frame == nullptr) frame = EvictSpent();
     if (frame == nullptr && frames_.size() >= capacity_) frame = Evict();
-    if (frame == nullptr) {
-        auto made = std::make_unique<Frame>();
-        made->bytes = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
-        frames_.push_back(std::move(made));
-        frame = frames_.back().get();
-    }
+    if (frame == nullptr) frame = &Grow();
     frame->number = page;
     frame->recent = true;
     if (passing && !frame->passing && passing_.size() < kMostPassing) {
@@ -30,6 +26,15 @@ Frame& FrameCache::Insert(std::uint32_t page, bool passing) {
     }
     SetFrame(page, frame);
     return *frame;
+}
+
+Frame& FrameCache::Grow() {
+    auto bytes = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
+    if (idle_ == nullptr) idle_ = &store_.emplace_back();
+    frames_.push_back(idle_);
+    Frame& frame = *std::exchange(idle_, idle_->nextIdle);
+    frame.bytes = std::move(bytes);
+    return frame;
 }
 
 void FrameCache::Drop(Frame& frame) {
@@ -101,10 +106,12 @@ void FrameCache::Shrink() {
     nextSpent_ = 0;
     for (Frame* frame : passing_) frame->passing = false;
     passing_.clear();
-    std::erase_if(frames_, [&](const std::unique_ptr<Frame>& frame) {
+    std::erase_if(frames_, [&](Frame* frame) {
         if (surplus == 0 || !CanLeave(*frame)) return false;
         --surplus;
         if (frame->number != Frame::kNone) SetFrame(frame->number, nullptr);
+        *frame = Frame();
+        frame->nextIdle = std::exchange(idle_, frame);
         return true;
     });
 }

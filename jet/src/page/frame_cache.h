@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -27,6 +28,7 @@ struct Frame {
     bool recent = false;         // used since the clock's hand came by
     bool passing = false;        // of a scan of a file that is larger than the cache
     bool spent = false;          // leaves before others, unless it is used again
+    Frame* nextIdle = nullptr;
 };
 
 class FrameCache {
@@ -59,7 +61,7 @@ public:
 
     template <typename Visit>
     void ForEach(Visit visit) {
-        for (const auto& frame : frames_) {
+        for (Frame* frame : frames_) {
             if (frame->number != Frame::kNone) visit(*frame);
         }
     }
@@ -77,13 +79,18 @@ private:
         (*frameOf_[page / kPart])[page % kPart] = frame;
     }
     void MakeRoomFor(std::uint32_t page);
+    Frame& Grow();
     Frame* Evict();
     Frame* EvictPassing();
     Frame* EvictSpent();
 
     std::uint32_t pageSize_;
     std::size_t capacity_;
-    std::vector<std::unique_ptr<Frame>> frames_;
+    // Frames lie close together, apart from their pages: the clock's hand comes by thousands of
+    // them.
+    std::deque<Frame> store_;
+    Frame* idle_ = nullptr;  // those that have no page and no bytes
+    std::vector<Frame*> frames_;
     std::vector<std::unique_ptr<Part>> frameOf_;  // by page number
     std::vector<Frame*> passing_;                 // taken in turn
     std::size_t nextPassing_ = 0;
