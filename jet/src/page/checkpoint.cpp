@@ -73,9 +73,15 @@ void Checkpoint::WritePages(std::span<const std::uint32_t> pages) {
 }
 
 void Checkpoint::WriteRun(std::uint32_t first, std::size_t count) {
-    const Frame* frame = pages_.Find(first);
-    if (count == 1 && frame != nullptr) {
-        file_.Write(PageNumber{first}, pages_.BytesOf(*frame));
+    std::vector<Bytes> inMemory;
+    inMemory.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Frame* frame = pages_.Find(first + static_cast<std::uint32_t>(i));
+        if (frame == nullptr) break;
+        inMemory.push_back(pages_.BytesOf(*frame));
+    }
+    if (inMemory.size() == count) {
+        file_.Write(PageNumber{first}, inMemory);
         return;
     }
     const std::size_t size = pages_.PageSize();

@@ -103,6 +103,10 @@ void DataFile::Write(PageNumber first, Bytes pages) {
     file_->Write(std::uint64_t{first.value} * format_.pageSize, pages);
 }
 
+void DataFile::Write(PageNumber first, std::span<const Bytes> pages) {
+    file_->WriteAll(std::uint64_t{first.value} * format_.pageSize, pages);
+}
+
 // The counters on the header page distinguish one state from the next.
 void DataFile::RequireUntouched() {
     if (state_.pageCount == 0) return;

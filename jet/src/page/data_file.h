@@ -54,6 +54,8 @@ public:
     // Reads and writes whole pages. kIo, kDiskFull.
     void Read(PageNumber first, MutableBytes into);
     void Write(PageNumber first, Bytes pages);
+    // The same for pages that follow each other in the file, but not in memory.
+    void Write(PageNumber first, std::span<const Bytes> pages);
     void Flush() { file_->Flush(); }
     [[nodiscard]] std::uint64_t Size() const { return file_->Size(); }
     void Truncate(std::uint64_t size) { file_->Truncate(size); }
