@@ -22,6 +22,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "jet/error.h"
@@ -126,7 +127,9 @@ public:
     virtual void AddNew() = 0;
     virtual void Edit() = 0;
     virtual void Set(FieldId field, const Value& value) = 0;
+    virtual void Set(FieldId field, Value&& value) = 0;
     void Set(std::string_view field, const Value& value) { Set(Field(field), value); }
+    void Set(std::string_view field, Value&& value) { Set(Field(field), std::move(value)); }
     // A memo or OLE value in pieces: each call adds one to the value that the open edit has for the
     // field, the first one to nothing. kTypeMismatch for fields of other types.
     virtual void Append(FieldId field, std::u16string_view text) = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <numeric>
+#include <utility>
 
 #include "catalog/new_table.h"
 #include "jet/convert.h"
@@ -299,7 +300,8 @@ void BaseRecordset::RequireCurrent() const {
 void BaseRecordset::StartEdit(EditKind kind) {
     DropEdit();
     const std::size_t count = table_->Def().columns.size();
-    values_.values.assign(count, Value());
+    values_.values.clear();
+    values_.values.resize(count);
     values_.given.assign(count, false);
     written_.assign(count, false);
     if (kind == EditKind::kAdd) FillDefaults();
@@ -350,11 +352,15 @@ void BaseRecordset::RequireEdit() const {
 }
 
 void BaseRecordset::Set(FieldId field, const Value& value) {
+    return Guarded([&] { Set(field, Value(value)); });
+}
+
+void BaseRecordset::Set(FieldId field, Value&& value) {
     return Guarded([&] {
         RequireEdit();
         const std::size_t column = ColumnOf(field).column;
-        values_.values[column] =
-            ConvertForColumn(table_->Def().columns[column], value, table_->Def().version);
+        values_.values[column] = ConvertForColumn(table_->Def().columns[column], std::move(value),
+                                                  table_->Def().version);
         values_.given[column] = true;
         written_[column] = true;
     });

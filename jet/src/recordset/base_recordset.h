@@ -40,6 +40,7 @@ public:
     void AddNew() override;
     void Edit() override;
     void Set(FieldId field, const Value& value) override;
+    void Set(FieldId field, Value&& value) override;
     void Append(FieldId field, std::u16string_view text) override;
     void Append(FieldId field, std::span<const std::byte> bytes) override;
     void Update() override;

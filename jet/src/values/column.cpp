@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "jet/convert.h"
 #include "jet/error.h"
@@ -140,6 +141,14 @@ void AppendDecimal(const Decimal& decimal, std::vector<std::byte>& into) {
     }
 }
 
+// Text in a text field and bytes in one of bytes need no conversion.
+bool IsAsHeld(const Column& column, const Value& value) {
+    if (column.type == ColumnType::kText || column.type == ColumnType::kMemo) {
+        return std::holds_alternative<std::u16string>(value.Get());
+    }
+    return IsLongValue(column.type) && std::holds_alternative<Binary>(value.Get());
+}
+
 // A value of a fixed length is filled up: text with blanks, bytes with zeros.
 void FillUp(const Column& column, Version version, Value& value) {
     if (!column.fixed) return;
@@ -267,9 +276,9 @@ Value ConvertForSearch(const Column& column, const Value& value) {
     }
 }
 
-Value ConvertForColumn(const Column& column, const Value& value, Version version) {
+Value ConvertForColumn(const Column& column, Value value, Version version) {
     if (column.type == ColumnType::kBoolean) return !value.IsNull() && value.AsBoolean();
-    Value converted = ConvertForSearch(column, value);
+    Value converted = IsAsHeld(column, value) ? std::move(value) : ConvertForSearch(column, value);
     if (const auto* text = std::get_if<std::u16string>(&converted.Get())) {
         const std::size_t size = text->size() * (version == Version::kJet3 ? 1 : 2);
         if (size > (column.type == ColumnType::kMemo ? kLongestLongValue : column.length)) {

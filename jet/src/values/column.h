@@ -69,7 +69,7 @@ std::uint32_t SizeOfType(ColumnType type);
 Value DecodeValue(const Column& column, Bytes stored, Version version);
 
 // The value as the column would hold it. Errors: kTypeMismatch, kOverflow, kTextTooLong.
-Value ConvertForColumn(const Column& column, const Value& value, Version version);
+Value ConvertForColumn(const Column& column, Value value, Version version);
 // The same for a value to be looked for, which may be longer than any in the column.
 Value ConvertForSearch(const Column& column, const Value& value);
 
