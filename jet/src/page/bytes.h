@@ -30,7 +30,8 @@ inline MutableBytes Slice(MutableBytes bytes, std::size_t offset, std::size_t le
 }
 
 inline bool Equal(Bytes left, Bytes right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end());
+    return left.size() == right.size() &&
+           (left.empty() || std::memcmp(left.data(), right.data(), left.size()) == 0);
 }
 
 // From the machine's order of bytes to that of the file, and back.

@@ -75,9 +75,23 @@ inline std::uint32_t SlotEnd(Bytes page, const Format& format, std::uint32_t slo
     return slot == 0 ? format.pageSize : SlotStart(page, format, slot - 1);
 }
 // Nothing when there is no such slot, or its bytes lie outside the page.
-std::optional<Slot> FindSlot(Bytes page, const Format& format, std::uint32_t slot);
+inline std::optional<Slot> FindSlot(Bytes page, const Format& format, std::uint32_t slot) {
+    const std::uint32_t count = ClaimedSlotCount(page, format);
+    if (count > kMostSlots + 1 || slot >= count) return std::nullopt;
+    const std::uint32_t start = SlotStart(page, format, slot);
+    const std::uint32_t end = SlotEnd(page, format, slot);
+    if (start > end || end > format.pageSize || start < SlotEntryAt(format, count)) {
+        return std::nullopt;
+    }
+    return Slot{.kind = ReadSlotKind(page, format, slot), .start = start, .length = end - start};
+}
+[[noreturn]] void ThrowNoSlot(Bytes page, const Format& format, std::uint32_t slot);
 // kDamaged in either case.
-Slot ReadSlot(Bytes page, const Format& format, std::uint32_t slot);
+inline Slot ReadSlot(Bytes page, const Format& format, std::uint32_t slot) {
+    const std::optional<Slot> found = FindSlot(page, format, slot);
+    if (!found) ThrowNoSlot(page, format, slot);
+    return *found;
+}
 Bytes SlotBytes(Bytes page, const Format& format, std::uint32_t slot);
 // Free bytes, from the directory; kDamaged when rows and directory overlap.
 std::uint32_t PageRoom(Bytes page, const Format& format);
