@@ -281,6 +281,16 @@ std::size_t IndexPage::Find(const EntryBound& bound, std::size_t from) const {
     return low;
 }
 
+std::size_t IndexPage::FindFromEnd(const EntryBound& bound) const {
+    if (used_ == 0) return used_;
+    const std::size_t last = Before(used_);
+    const std::size_t shared = last == 0 ? 0 : prefix_;
+    const bool passes =
+        bound.bytes.size() >= shared && Equal(Prefix().first(shared), bound.bytes.first(shared)) &&
+        PassesBound({bound.bytes.subspan(shared), bound.rule}, StoredKeyAndRow(last, used_));
+    return passes ? used_ : Find(bound);
+}
+
 bool IndexPage::BeginsWith(std::size_t at, Bytes start) const {
     const Bytes stored = StoredKeyAndRow(at, After(at));
     if (at != 0) {

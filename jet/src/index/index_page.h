@@ -93,6 +93,8 @@ public:
     [[nodiscard]] std::size_t Before(std::size_t at) const;
     // The first entry that the bound does not pass, or End().
     [[nodiscard]] std::size_t Find(const EntryBound& bound) const;
+    // The same, soonest when it is the end: rows are added in key order, as a rule.
+    [[nodiscard]] std::size_t FindFromEnd(const EntryBound& bound) const;
 
     // Key and row pointer in full, without a node's child.
     void Read(std::size_t at, Key& into) const;

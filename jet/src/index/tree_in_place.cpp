@@ -38,7 +38,7 @@ std::optional<TreeChange::LeafWay> TreeChange::FindLeaf(Bytes entry) const {
     for (int depth = 0; depth < kDeepestTree; ++depth) {
         PageRef page = pager_.Page(number);
         const IndexPage stored(page.Data(), format_, number, table_);
-        const std::size_t at = stored.Find({entry, EntryBound::Rule::kNotBelow});
+        const std::size_t at = stored.FindFromEnd({entry, EntryBound::Rule::kNotBelow});
         if (stored.IsLeaf()) {
             if (stored.FreeField() != format_.entryCapacity - stored.End()) break;
             return LeafWay{{std::move(page), stored, at}, repeatedOn, repeatedAt};
