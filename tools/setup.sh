@@ -20,7 +20,7 @@ test="ccache clang clang-tidy clang-format libclang-rt-14-dev mdbtools shellchec
  libbenchmark-dev mdbtools-dev $package"
 coverage="llvm"
 windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64 dpkg-dev patch tcl librsvg2-bin nsis
- xdotool poppler-utils"
+ fonts-wine xdotool poppler-utils"
 bench="libbenchmark-dev libsqlite3-dev mdbtools-dev pkg-config valgrind"
 
 case "${1:-build}" in

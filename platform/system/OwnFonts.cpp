@@ -5,12 +5,45 @@
 #include <QDir>
 #include <QFontDatabase>
 #include <QFontMetrics>
+#ifdef Q_OS_WIN
+#include <QSettings>
+#endif
 
 #include "platform/system/Files.h"
 
 namespace platform {
 
+#ifdef Q_OS_WIN
+
+namespace {
+
+// The system may call its letters by a name that no font has ("MS Shell Dlg") and keep elsewhere
+// which one it means; the toolkit would take any font for it, one with serifs as well.
+void NameTheFontThatIsMeant() {
+    const QString name = QApplication::font().family();
+    if (QFontDatabase::hasFamily(name)) {
+        return;
+    }
+    const QSettings meant(QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\"
+                                         "CurrentVersion\\FontSubstitutes"),
+                          QSettings::NativeFormat);
+    for (const QString& family : {meant.value(name).toString(), QStringLiteral("Segoe UI"),
+                                  QStringLiteral("Tahoma"), QStringLiteral("DejaVu Sans")}) {
+        if (QFontDatabase::hasFamily(family)) {
+            QFont::insertSubstitution(name, family);
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+#endif
+
 void BringFontsWhereThereAreNone() {
+#ifdef Q_OS_WIN
+    NameTheFontThatIsMeant();
+#endif
     // The families of a bare system are not empty: they hold names that stand for nothing.
     if (QFontMetrics(QApplication::font()).inFont(u'A')) {
         return;
