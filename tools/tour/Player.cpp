@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QKeySequence>
 #include <QPixmap>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QTest>
 #include <QTextStream>
@@ -90,7 +91,7 @@ void Player::Next() {
     const QString step = steps_[step_];
     const QString verb = step.section(' ', 0, 0);
     const bool needsKeys = verb == "key" || verb == "type";
-    if (!outside_.AreKeysHere() || (needsKeys && !Activate(KeyWindow()))) {
+    if (isTyping_ || !outside_.AreKeysHere() || (needsKeys && !Activate(KeyWindow()))) {
         if (sinceStep_.elapsed() > kPatience) {
             Fail("no window takes the keys for: " + step);
         }
@@ -129,6 +130,8 @@ Player::Outcome Player::Take(const QString& verb, const QString& rest) {
         return Outcome::kDone;
     }
     if (verb == "type") {
+        // Each letter lets the program's events run, the next step's too, which has to wait.
+        const QScopedValueRollback typing(isTyping_, true);
         for (const QChar letter : rest) {
             QTest::keyClick(KeyWindow()->windowHandle(), letter.toLatin1());
         }

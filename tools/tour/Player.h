@@ -45,6 +45,7 @@ private:
 
     Outside outside_;
     bool asked_ = false;  // and not yet answered
+    bool isTyping_ = false;
     QStringList steps_;
     QString pictures_;
     qsizetype step_ = 0;
