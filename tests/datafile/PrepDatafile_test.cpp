@@ -374,6 +374,9 @@ TEST_F(LifeTest, OpenDatatables_ConversionThatWasCutOff_IsFinished) {
 }
 
 TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedEarly_BringsItsChangesInAndSaysSo) {
+    if (!support::kHeldFilesCanBeRead) {
+        GTEST_SKIP() << "what is in a file that is held cannot be read there";
+    }
     OpenNewFile();
     tblFMZList->AddNew();
     tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("North"));
@@ -399,6 +402,9 @@ TEST_F(LifeTest, OpenDatatables_AfterARunThatEndedEarly_BringsItsChangesInAndSay
 }
 
 TEST_F(LifeTest, OpenDatatables_OfAZoneThatLacksRows_AddsNone) {
+    if (!support::kHeldFilesCanBeRead) {
+        GTEST_SKIP() << "what is in a file that is held cannot be read there";
+    }
     OpenNewFile();
     tblFMZList->AddNew();
     tblFMZList->SetField(QStringLiteral("Name"), QStringLiteral("North"));
@@ -436,6 +442,9 @@ TEST_F(LifeTest, QueryNewDatafile_OverAFileWithWaitingChanges_DoesNotGetThem) {
 }
 
 TEST_F(LifeTest, OpenDatatables_OlderCopyBesideALog_SaysThatTheLogIsKept) {
+    if (!support::kHeldFilesCanBeRead) {
+        GTEST_SKIP() << "what is in a file that is held cannot be read there";
+    }
     OpenNewFile();
     const QString left = folder_.CostsPath(QStringLiteral("LEFT26.FCD"));
     support::Copy(PrepDatafile::CurrentPath(), left);

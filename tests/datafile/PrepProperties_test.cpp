@@ -41,6 +41,9 @@ TEST_F(PropertiesTest, SetProperty_NewThenChanged_IsStored) {
 }
 
 TEST_F(PropertiesTest, SetProperty_SameValue_WritesNothing) {
+    if (!support::kHeldFilesCanBeRead) {
+        GTEST_SKIP() << "what is in a file that is held cannot be read there";
+    }
     PrepProperties::SetProperty(QStringLiteral("UnitName"), QStringLiteral("Here"));
     PrepDatafile::MakeDurable();
     const QByteArray before = support::Bytes(PrepDatafile::CurrentPath());

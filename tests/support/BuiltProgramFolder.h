@@ -22,6 +22,13 @@ inline QString BuiltFolder() {
     return QString::fromStdU16String((support::BuildFolder() / "TARNPrep").u16string());
 }
 
+// Whether a file that a program holds for itself can still be read and copied.
+#ifdef Q_OS_WIN
+constexpr bool kHeldFilesCanBeRead = false;
+#else
+constexpr bool kHeldFilesCanBeRead = true;
+#endif
+
 inline QByteArray Bytes(const QString& path) {
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();

@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QString>
 #include <QStringList>
 
@@ -44,7 +45,8 @@ inline QString OwnComplaints(const QString& path, bool strict) {
 // when `strict`.
 inline QString Complaints(const QString& path, bool strict = true) {
     const QString judge = SharedFolder() + QStringLiteral("/tools/jetcheck.py");
-    if (!QFileInfo::exists(judge)) {
+    const QString python = QStandardPaths::findExecutable(QStringLiteral("python3"));
+    if (!QFileInfo::exists(judge) || python.isEmpty()) {
         return OwnComplaints(path, strict);
     }
     QProcess process;
@@ -53,7 +55,7 @@ inline QString Complaints(const QString& path, bool strict = true) {
     if (strict) {
         arguments << QStringLiteral("--strict");
     }
-    process.start(QStringLiteral("python3"), arguments);
+    process.start(python, arguments);
     if (!process.waitForFinished(120000)) {
         return QStringLiteral("the judge did not finish");
     }
