@@ -1,10 +1,11 @@
 #!/bin/sh
 # Builds for Windows with Debian's cross compiler and runs under Wine what can be run there: the engine with its tools
 # and tests, then the programs upon the libraries that tools/windows/libraries.py builds once.
-# Usage: tools/windows.sh [engine|program|package|tests]...
+# Usage: tools/windows.sh [engine|program|package|start|tests]...
 #   engine    the engine alone, with its tools and its tests, which run
 #   program   all programs
-#   package   that, an archive and an installer, which is tried
+#   package   that, an archive and an installer, which are tried
+#   start     that, and how soon the programs show
 #   tests     the tests of all else, without windows on a screen; TARN_PLATFORM=windows puts them on a virtual display
 # Without an argument it does what `make windows` is to do: the programs, the engine's tests upon them, the package.
 set -eu
@@ -65,10 +66,22 @@ program() {
 package() {
     built program
     "$root/packaging/windows/build.sh" "$build" "$libraries" "$root/build-package"
+    "$root/tools/windows/archive_test.sh" "$root"/build-package/TARNPrep-*-windows.zip
     setup=$(find "$root/build-package" -name 'TARNPrep-*-setup.exe')
     if [ -n "$setup" ]; then
         "$root/tools/windows/install_test.sh" "$setup"
     fi
+}
+
+# How soon the programs show, beside the least that a program with a window can be.
+start() {
+    package
+    built bare_window
+    folder=$(find "$root/build-package/windows" -mindepth 1 -maxdepth 1 -name 'TARNPrep-*')
+    measured=$(mktemp -d)
+    cp -r "$folder/." "$build/bin/bare_window.exe" "$measured"
+    "$root/tools/windows/start_time.py" "$measured/bare_window.exe" "$measured/tarnprep.exe" "$measured/tarnreview.exe"
+    rm -rf "$measured"
 }
 
 engine_tests() {
