@@ -4,9 +4,12 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 
 #include "jet/check.h"
 #include "jet/database.h"
@@ -18,8 +21,10 @@
 
 #ifndef _WIN32
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace jet {
@@ -48,6 +53,17 @@ void AddTable(Database& database, const char* name) {
     database.CreateTable(schema);
 }
 
+const OpenOptions kShared = {.exclusive = false, .readOnly = true};
+
+bool IsRefused(const std::function<void()>& call) {
+    try {
+        call();
+        return false;
+    } catch (const Error& error) {
+        return error.Kind() == ErrorKind::kFileInUse;
+    }
+}
+
 class SideFiles : public testing::Test {
 protected:
     SideFiles() {
@@ -72,6 +88,33 @@ protected:
     fs::path victim_ = folder_ / "victim";
 };
 
+TEST_F(SideFiles, LockFileBesideALink_RefusesTheFileToo) {
+    const fs::path link = folder_ / "link.mdb";
+    fs::create_symlink(path_, link);
+    std::ofstream(folder_ / "link.LDB") << "somebody";
+    const int holder = ::open((folder_ / "link.LDB").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(::flock(holder, LOCK_EX), 0);
+    EXPECT_TRUE(IsRefused([&] { Database::Open(link); }));
+    ::close(holder);
+    Database::Open(link)->Close();
+}
+
+TEST_F(SideFiles, LockFileThatNobodyHolds_KeepsNoReaderFromAnother) {
+    std::ofstream(lock_) << "somebody";
+    const int reader = ::open(lock_.c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(reader, LOCK_SH), 0);
+    const auto first = Database::Open(path_, kShared);
+    const auto second = Database::Open(path_, kShared);
+    EXPECT_TRUE(CheckFile(path_).IsSound());
+    ::close(reader);
+}
+
+TEST_F(SideFiles, DataFileNamedLikeALockFile_IsNotItsOwn) {
+    const fs::path odd = folder_ / "odd.ldb";
+    fs::rename(path_, odd);
+    Database::Open(odd)->Close();
+}
+
 TEST_F(SideFiles, LockFile_ThatIsHeld_RefusesTheFile) {
     std::ofstream(lock_) << "somebody";
     Database::Open(path_)->Close();
@@ -84,15 +127,15 @@ TEST_F(SideFiles, LockFile_ThatIsHeld_RefusesTheFile) {
         range.l_start = 0x10000001;
         range.l_len = 1;
         ASSERT_EQ(whole ? ::flock(holder, LOCK_EX) : ::fcntl(holder, F_OFD_SETLK, &range), 0);
-        try {
-            Database::Open(path_);
-            ADD_FAILURE() << "the file is in use";
-        } catch (const Error& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::kFileInUse);
+        const fs::path link = folder_ / "link.mdb";
+        if (whole) fs::create_symlink(path_, link);
+        for (const fs::path& name : {path_, link}) {
+            EXPECT_TRUE(IsRefused([&] { Database::Open(name); }));
+            EXPECT_TRUE(IsRefused([&] { Database::RequireFree(name); }));
+            // Its pages change under those who only read, too.
+            EXPECT_TRUE(IsRefused([&] { Database::Open(name, kShared); }));
+            EXPECT_TRUE(IsRefused([&] { CheckFile(name); }));
         }
-        EXPECT_THROW(Database::RequireFree(path_), Error);
-        // Reading along is not working with it.
-        Database::Open(path_, {.exclusive = false, .readOnly = true})->Close();
         ::close(holder);
     }
     Database::Open(path_)->Close();
@@ -121,6 +164,35 @@ TEST_F(SideFiles, Log_HasTheRightsOfTheFile) {
         EXPECT_EQ(RightsOf(log_), rights);
     }
     ::umask(former);
+}
+
+// What a log's rights become when a user makes it who may not give it the file's group.
+TEST_F(SideFiles, Log_OfAGroupThatTheUserIsNotIn_OpensToNobodyElse) {
+    if (::geteuid() != 0) GTEST_SKIP() << "Only the superuser can become somebody else.";
+    constexpr uid_t kSomebody = 65534;
+    constexpr gid_t kForeignGroup = 54321;
+    fs::permissions(folder_.Path(), fs::perms(0777));
+    ASSERT_EQ(::chown(path_.c_str(), kSomebody, kForeignGroup), 0);
+    for (const auto& [rights, expected] :
+         {std::pair{0664U, 0604U}, {0660U, 0600U}, {0604U, 0600U}, {0640U, 0600U}}) {
+        fs::permissions(path_, fs::perms(rights));
+        const pid_t child = ::fork();
+        if (child == 0) {
+            int failed = ::setgroups(0, nullptr) | ::setgid(kSomebody) | ::setuid(kSomebody);
+            try {
+                const auto database = Database::Open(path_);
+                AddTable(*database, "Zones");
+                ::_exit(failed == 0 ? 0 : 2);  // the log stays
+            } catch (const Error&) {
+                ::_exit(1);
+            }
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_EQ(status, 0);
+        EXPECT_EQ(RightsOf(log_), expected) << std::oct << rights;
+        fs::remove(log_);
+    }
 }
 
 TEST_F(SideFiles, FilePutBackOrKept_HasTheRightsOfTheFile) {
@@ -174,15 +246,22 @@ TEST_F(SideFiles, ReadersBesideALog_SeeWhatItHoldsAndWriteNothing) {
     const fs::path left = LeaveInterrupted();
     const std::string file = Bytes(left);
     const std::string log = Bytes(left.string() + "-log");
-    const OpenOptions reading{.exclusive = false, .readOnly = true};
-    const auto first = Database::Open(left, reading);
-    const auto second = Database::Open(left, reading);
+    const auto names = [&] {
+        std::set<fs::path> found;
+        for (const auto& entry : fs::directory_iterator(folder_.Path())) found.insert(entry.path());
+        return found;
+    };
+    const std::set<fs::path> before = names();
+    const auto first = Database::Open(left, kShared);
+    const auto second = Database::Open(left, kShared);
     EXPECT_TRUE(first->HasTable("Zones"));
     EXPECT_TRUE(second->HasTable("Zones"));
     EXPECT_EQ(second->OpeningRecovery().operations, 1U);
     EXPECT_THROW(Database::Open(left), Error);
+    EXPECT_EQ(names(), before);
     first->Close();
     second->Close();
+    EXPECT_EQ(names(), before);
     EXPECT_EQ(Bytes(left), file);
     EXPECT_EQ(Bytes(left.string() + "-log"), log);
 }

@@ -10,10 +10,7 @@ namespace jet {
 
 InspectedFile OpenForInspection(const std::filesystem::path& path, FileSystem& files) {
     const std::filesystem::path resolved = files.Resolve(path);
-    InspectedFile opened{files.Open(resolved, OpenMode::kReadOnly), {}, {}};
-    if (!opened.file->TryLock(false)) {
-        throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
-    }
+    InspectedFile opened{OpenLocked(files, path, {.exclusive = false, .readOnly = true}), {}, {}};
     std::vector<std::byte> head(kHeaderPrefix);
     if (opened.file->Size() < head.size()) {
         throw Error(ErrorKind::kNotADatabase, "The file is not a database.");

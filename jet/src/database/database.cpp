@@ -62,8 +62,7 @@ std::unique_ptr<Database> Database::Impl::Create(const std::filesystem::path& pa
 
 void Database::RequireFree(const std::filesystem::path& path, FileSystem& files) {
     return Guarded([&] {
-        const std::filesystem::path resolved = files.Resolve(path);
-        if (files.Exists(resolved)) (void)OpenLocked(files, resolved, {});
+        if (files.Exists(files.Resolve(path))) (void)OpenLocked(files, path, {});
     });
 }
 

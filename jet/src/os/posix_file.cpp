@@ -34,7 +34,7 @@ public:
     void Take(int descriptor) { descriptor_ = descriptor; }
 
     // Gives the file, which is new, the access rights and the group of another one. Where the group
-    // cannot be given, its members get nothing.
+    // cannot be given, its members count among all others: nobody gets more than they have.
     void Resemble(const File& model) const {
         struct stat wanted {};
         struct stat mine {};
@@ -44,7 +44,8 @@ public:
         mode_t mode = (wanted.st_mode & 0777) | S_IRUSR | S_IWUSR;
         if (mine.st_gid != wanted.st_gid &&
             ::fchown(descriptor_, static_cast<uid_t>(-1), wanted.st_gid) != 0) {
-            mode &= ~static_cast<mode_t>(S_IRWXG);
+            const mode_t groups = (mode & S_IRWXG) >> 3;
+            mode &= S_IRWXU | groups;
         }
         static_cast<void>(::fchmod(descriptor_, mode));
     }

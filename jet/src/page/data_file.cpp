@@ -15,12 +15,12 @@ namespace jet {
 namespace {
 
 // Other programs note in a lock file who works with a database. One that nobody holds was left by a
-// program that ended over it.
-void RequireNoLockFile(FileSystem& files, const std::filesystem::path& dataFile) {
+// program that ended over it. Readers look at it together.
+void RequireNoLockFile(FileSystem& files, const std::filesystem::path& dataFile, bool exclusive) {
     for (const char* ending : {".ldb", ".LDB", ".laccdb"}) {
         std::filesystem::path path = dataFile;
         path.replace_extension(ending);
-        if (!files.Exists(path)) continue;
+        if (path == dataFile || !files.Exists(path)) continue;
         std::unique_ptr<File> file;
         try {
             file = files.Open(path, OpenMode::kReadOnly);
@@ -28,7 +28,9 @@ void RequireNoLockFile(FileSystem& files, const std::filesystem::path& dataFile)
             if (error.Kind() == ErrorKind::kFileInUse) throw;
             continue;
         }
-        RequireLock(*file, true);
+        if (file->TryLock(exclusive)) continue;
+        throw Error(ErrorKind::kFileInUse,
+                    "The file is in use by another program, which holds " + Quoted(path) + ".");
     }
 }
 
@@ -70,9 +72,11 @@ void RequireLock(File& file, bool exclusive) {
 std::unique_ptr<File> OpenLocked(FileSystem& files, const std::filesystem::path& path,
                                  const OpenOptions& options) {
     const bool exclusive = options.exclusive || !options.readOnly;
-    auto file = files.Open(path, options.readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
+    const std::filesystem::path resolved = files.Resolve(path);
+    auto file = files.Open(resolved, options.readOnly ? OpenMode::kReadOnly : OpenMode::kReadWrite);
     RequireLock(*file, exclusive);
-    if (exclusive) RequireNoLockFile(files, path);
+    RequireNoLockFile(files, resolved, exclusive);
+    if (path != resolved) RequireNoLockFile(files, path, exclusive);
     return file;
 }
 

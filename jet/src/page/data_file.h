@@ -26,8 +26,9 @@ std::filesystem::path LogPath(const std::filesystem::path& dataFile);
 void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) noexcept;
 // kFileInUse.
 void RequireLock(File& file, bool exclusive);
-// Opens a file and locks it; `path` has been resolved. kFileInUse also when a program that notes in
-// a lock file beside it who works with it holds that. Other errors: those of FileSystem::Open.
+// Opens a file and locks it. kFileInUse also when a program that notes in a lock file beside it, or
+// beside the link that leads to it, who works with it holds that. Other errors: those of
+// FileSystem::Open.
 std::unique_ptr<File> OpenLocked(FileSystem& files, const std::filesystem::path& path,
                                  const OpenOptions& options);
 

@@ -45,7 +45,7 @@ std::unique_ptr<Pager> Pager::Open(FileSystem& files, const std::filesystem::pat
     recovery = {};
     const std::filesystem::path resolved = files.Resolve(path);
     const std::filesystem::path log = LogPath(resolved);
-    auto file = OpenLocked(files, resolved, options);
+    auto file = OpenLocked(files, path, options);
     const FileHeader header = ReadHeaderOf(*file);
     const Format& format = FormatOf(header.version);
     const std::vector<std::byte> headerPage = ReadHeaderPage(*file, format);
