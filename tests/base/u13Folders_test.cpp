@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/LogFolder.h"
+#include "support/system.h"
 
 namespace {
 
@@ -15,6 +16,9 @@ TEST(u13Folders, CostsPath_FolderExists_IsBelowTheProgramFolder) {
 
 TEST(u13Folders, CostsPath_FolderInOtherCase_IsThatFolder) {
     const LogFolder folder;
+    if (!support::kNamesDifferByCase) {
+        GTEST_SKIP() << "the system itself finds folders without regard to case";
+    }
     ASSERT_TRUE(QDir(folder.Path()).mkdir(QStringLiteral("costs")));
     EXPECT_EQ(u13Folders::CostsPath(), folder.Path(QStringLiteral("costs")));
 }

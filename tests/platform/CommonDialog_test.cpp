@@ -27,7 +27,7 @@ TEST(NameFilters, PairsBecomeFilters) {
 class ShowOpenTest : public testing::Test {
 protected:
     void SetUp() override {
-        QFile file(folder_.filePath("A unit.fcd"));
+        QFile file(QDir::toNativeSeparators(folder_.filePath("A unit.fcd")));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         request_.title = "Open a file";
         request_.initialFolder = folder_.path();
@@ -76,7 +76,8 @@ TEST_F(ShowOpenTest, ChosenFile_ComesBackWithItsPath) {
     request_.fileName = "A unit.fcd";
     OnNext<QFileDialog> answer(
         [](QFileDialog& dialog) { static_cast<QDialog&>(dialog).done(QDialog::Accepted); });
-    EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr), folder_.filePath("A unit.fcd"));
+    EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr),
+              QDir::toNativeSeparators(folder_.filePath("A unit.fcd")));
 }
 
 TEST_F(ShowOpenTest, TypedNameInOtherCase_OpensTheFile) {
@@ -98,7 +99,7 @@ TEST_F(ShowOpenTest, TypedNameInOtherCase_OpensTheFile) {
             }
         });
         EXPECT_EQ(platform::CommonDialog::ShowOpen(request_, nullptr),
-                  folder_.filePath("A unit.fcd"));
+                  QDir::toNativeSeparators(folder_.filePath("A unit.fcd")));
     }
 }
 

@@ -33,13 +33,14 @@ TEST(NativePath, BytesThatAreNoCharacters_AreShownAsLatinLetters) {
     EXPECT_EQ(ShownPath(QStringLiteral("🔥.fcd")), QStringLiteral("🔥.fcd"));
 }
 
-#endif
-
+// The other system is asked itself; what a test hands over does not count there.
 TEST(CommandLine, Words_AreOnePathWithItsBlanks) {
     std::string words[] = {"tarnprep", "-style", "my", "unit.fcd"};
     char* argv[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data()};
     EXPECT_EQ(platform::CommandLine(4, argv), QStringLiteral("-style my unit.fcd"));
     EXPECT_EQ(platform::CommandLine(1, argv), QString());
 }
+
+#endif
 
 }  // namespace

@@ -13,7 +13,9 @@
 
 class SystemTest : public testing::Test {
 protected:
-    [[nodiscard]] QString Path(const QString& name) const { return folder_.filePath(name); }
+    [[nodiscard]] QString Path(const QString& name) const {
+        return QDir::toNativeSeparators(folder_.filePath(name));
+    }
     void Put(const QString& name, const QByteArray& bytes) const {
         QFile file(Path(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));

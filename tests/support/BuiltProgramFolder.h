@@ -22,13 +22,6 @@ inline QString BuiltFolder() {
     return QString::fromStdU16String((support::BuildFolder() / "TARNPrep").u16string());
 }
 
-// Whether a file that a program holds for itself can still be read and copied.
-#ifdef Q_OS_WIN
-constexpr bool kHeldFilesCanBeRead = false;
-#else
-constexpr bool kHeldFilesCanBeRead = true;
-#endif
-
 inline QByteArray Bytes(const QString& path) {
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
@@ -60,7 +53,9 @@ public:
     ProgramFolder(const ProgramFolder&) = delete;
     ProgramFolder& operator=(const ProgramFolder&) = delete;
 
-    [[nodiscard]] QString Path(const QString& name) const { return folder_.filePath(name); }
+    [[nodiscard]] QString Path(const QString& name) const {
+        return QDir::toNativeSeparators(folder_.filePath(name));
+    }
     [[nodiscard]] QString CostsPath(const QString& name) const {
         return Path(QStringLiteral("Costs/") + name);
     }

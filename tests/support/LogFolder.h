@@ -15,14 +15,14 @@ class LogFolder {
 public:
     LogFolder() : folder_(QDir::tempPath() + QStringLiteral("/tarn prep XXXXXX")) {
         EXPECT_TRUE(folder_.isValid());
-        platform::SetProgramFolder(folder_.path());
+        platform::SetProgramFolder(Path());
     }
     ~LogFolder() { platform::SetProgramFolder(QString()); }
     LogFolder(const LogFolder&) = delete;
     LogFolder& operator=(const LogFolder&) = delete;
 
     [[nodiscard]] QString Path(const QString& name = QString()) const {
-        return name.isEmpty() ? folder_.path() : folder_.filePath(name);
+        return QDir::toNativeSeparators(name.isEmpty() ? folder_.path() : folder_.filePath(name));
     }
     [[nodiscard]] QByteArray Bytes(const QString& name) const {
         QFile file(Path(name));
