@@ -11,6 +11,7 @@
 #include "jet/check.h"
 #include "jet/error.h"
 #include "jet/path.h"
+#include "parts/help.h"
 
 namespace {
 
@@ -18,10 +19,9 @@ constexpr int kClean = 0;
 constexpr int kFindings = 1;
 constexpr int kUnreadable = 2;
 
-int Usage() {
-    std::fputs("usage: jetdoctor FILE [--repair NEW]\n", stderr);
-    return kUnreadable;
-}
+constexpr const char* kUsage =
+    "usage: jetdoctor FILE [--repair NEW]\n"
+    "Checks a database file. With --repair, writes all that can be read into the new file NEW.\n";
 
 int Check(const std::string& path) {
     const jet::CheckReport report = jet::CheckFile(jet::PathOf(path));
@@ -47,8 +47,13 @@ int Repair(const std::string& path, const std::string& target) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (AsksForHelp(argc, argv)) {
+        std::fputs(kUsage, stdout);
+        return kClean;
+    }
     if (argc != 2 && (argc != 4 || std::string(argv[2]) != "--repair")) {
-        return Usage();
+        std::fputs(kUsage, stderr);
+        return kUnreadable;
     }
     try {
         return argc == 4 ? Repair(argv[1], argv[3]) : Check(argv[1]);

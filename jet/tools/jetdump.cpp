@@ -17,6 +17,7 @@
 #include "jet/path.h"
 #include "page/header.h"
 #include "parts/dump_values.h"
+#include "parts/help.h"
 #include "parts/page_words.h"
 #include "recordset/open_file.h"
 #include "table/row_cursor.h"
@@ -171,14 +172,17 @@ int ShowPage(const char* path, const std::string& number) {
     return kShown;
 }
 
-int Usage() {
-    std::fputs("usage: jetdump FILE [TABLE | page N | index TABLE.INDEX]\n", stderr);
-    return kUnreadable;
-}
+constexpr const char* kUsage =
+    "usage: jetdump FILE [TABLE | page N | index TABLE.INDEX]\n"
+    "Shows the tables of a database file, the rows of one, a page, or the entries of an index.\n";
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (AsksForHelp(argc, argv)) {
+        std::fputs(kUsage, stdout);
+        return kShown;
+    }
     try {
         const std::string what = argc > 2 ? argv[2] : "";
         if (argc == 2) {
@@ -193,7 +197,8 @@ int main(int argc, char** argv) {
         if (argc == 4 && what == "index") {
             return ShowIndex(argv[1], argv[3]);
         }
-        return Usage();
+        std::fputs(kUsage, stderr);
+        return kUnreadable;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s: %s\n", argv[1], error.what());
         return kUnreadable;

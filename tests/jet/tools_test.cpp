@@ -56,6 +56,16 @@ INSTANTIATE_TEST_SUITE_P(Versions, ToolTest, ::testing::Values(Version::kJet3, V
                              return instance.index == 0 ? "Jet3" : "Jet4";
                          });
 
+TEST(Tools, Help_SaysWhatTheyDo) {
+    for (const char* tool : {"jetdoctor", "jetdump"}) {
+        for (const char* word : {"--help", "-h"}) {
+            const CommandResult help = RunTool(tool, word);
+            EXPECT_EQ(help.status, 0) << tool;
+            EXPECT_EQ(help.output.rfind("usage: " + std::string(tool), 0), 0U) << help.output;
+        }
+    }
+}
+
 TEST_P(ToolTest, Doctor_DistinguishesCleanFromDamagedFromUnreadable) {
     const CommandResult clean = RunTool("jetdoctor", Named());
     EXPECT_EQ(clean.status, 0) << clean.output;

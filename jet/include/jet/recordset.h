@@ -123,7 +123,8 @@ public:
     // Update: kDuplicateKey, kNullNotAllowed, kZeroLengthNotAllowed, kRuleViolated,
     // kNoRelatedRecord, kRelatedRecords, kRecordTooLarge, kUnsupported, kDiskFull, kIo; after
     // an error the edit stays open with its values and the file is as before. Delete:
-    // kRelatedRecords, kUnsupported, kDiskFull, kIo.
+    // kRelatedRecords, kUnsupported, kDiskFull, kIo, and those of Update where a relationship sets
+    // the references of other rows to null.
     virtual void AddNew() = 0;
     virtual void Edit() = 0;
     virtual void Set(FieldId field, const Value& value) = 0;

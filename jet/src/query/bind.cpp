@@ -15,8 +15,8 @@ Query Bind(const Query& query, std::span<const Value> parameters) {
         places = std::max(places, static_cast<std::size_t>(condition.parameter) + 1);
     }
     if (places != parameters.size()) {
-        throw Error(ErrorKind::kSyntax, "The query has places for " + std::to_string(places) +
-                                            " values, but is given " +
+        throw Error(ErrorKind::kSyntax, "The number of values that the query takes is " +
+                                            std::to_string(places) + ", not " +
                                             std::to_string(parameters.size()) + ".");
     }
     Query bound = query;

@@ -26,8 +26,12 @@ constexpr sys_days kFirstDay = year_month_day(year(100), month(1), day(1));
 constexpr sys_days kLastDay = year_month_day(year(9999), month(12), day(31));
 constexpr std::int64_t kDayMilliseconds = 86'400'000;
 
-[[noreturn]] void ThrowNoDate() {
+[[noreturn]] void ThrowOutOfRange() {
     throw Error(ErrorKind::kOverflow, "The date lies outside the years 100 to 9999.");
+}
+
+[[noreturn]] void ThrowNoDate() {
+    throw Error(ErrorKind::kOverflow, "There is no such day or time of day.");
 }
 
 bool IsTimeOfDay(const CalendarTime& time) {
@@ -91,7 +95,8 @@ std::u16string ToUtf16(std::string_view utf8) {
 
 // Before the first day the time counts the other way: -1.25 is six o'clock of the day -1.
 Date ToDate(const CalendarTime& time) {
-    if (time.year < 100 || time.year > 9999 || time.month < 1 || time.day < 1) ThrowNoDate();
+    if (time.year < 100 || time.year > 9999) ThrowOutOfRange();
+    if (time.month < 1 || time.day < 1) ThrowNoDate();
     const year_month_day date(year(time.year), month(static_cast<unsigned>(time.month)),
                               day(static_cast<unsigned>(time.day)));
     if (!date.ok() || !IsTimeOfDay(time)) ThrowNoDate();
@@ -106,7 +111,7 @@ Date ToDate(const CalendarTime& time) {
 CalendarTime ToCalendar(Date date) {
     // The two days around the range are looked at below, when the time has been rounded.
     constexpr double kFarthest = 3'000'000;
-    if (!(std::abs(date.days) < kFarthest)) ThrowNoDate();
+    if (!(std::abs(date.days) < kFarthest)) ThrowOutOfRange();
     const double whole = std::trunc(date.days);
     auto milliseconds = static_cast<std::int64_t>(
         std::llround(std::abs(date.days - whole) * static_cast<double>(kDayMilliseconds)));
@@ -115,7 +120,7 @@ CalendarTime ToCalendar(Date date) {
         milliseconds = 0;
         days += std::chrono::days(1);
     }
-    if (days < kFirstDay || days > kLastDay) ThrowNoDate();
+    if (days < kFirstDay || days > kLastDay) ThrowOutOfRange();
     const year_month_day calendar(days);
     CalendarTime time;
     time.year = static_cast<int>(calendar.year());
