@@ -1,5 +1,7 @@
 #include "support/Screen.h"
 
+#include <QFileInfo>
+
 #include <stdexcept>
 
 namespace support {
@@ -11,6 +13,10 @@ Screen::Screen(int width, int height) {
                      "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})")
                                .arg(width)
                                .arg(height);
+#ifdef Q_OS_WIN
+    // A colon separates the settings of a platform: there is no room for a drive's.
+    file_.setFileTemplate(QStringLiteral("tarn screen XXXXXX"));
+#endif
     if (!file_.open() || file_.write(screen.toUtf8()) < 0) {
         throw std::runtime_error("no screen can be described");
     }
@@ -18,7 +24,12 @@ Screen::Screen(int width, int height) {
 }
 
 QByteArray Screen::Platform() const {
-    return "offscreen:configfile=" + file_.fileName().toLocal8Bit();
+#ifdef Q_OS_WIN
+    const QString name = QFileInfo(file_.fileName()).fileName();
+#else
+    const QString name = file_.fileName();
+#endif
+    return "offscreen:configfile=" + name.toLocal8Bit();
 }
 
 }  // namespace support
