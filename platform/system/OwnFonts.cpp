@@ -6,6 +6,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #ifdef Q_OS_WIN
+#include <QFontInfo>
 #include <QSettings>
 #endif
 
@@ -18,19 +19,21 @@ namespace platform {
 namespace {
 
 // The system may call its letters by a name that no font has ("MS Shell Dlg") and keep elsewhere
-// which one it means; the toolkit would take any font for it, one with serifs as well.
-void NameTheFontThatIsMeant() {
-    const QString name = QApplication::font().family();
-    if (QFontDatabase::hasFamily(name)) {
+// which one it means; the toolkit takes any font for it, one with serifs as well.
+void TakeTheFontThatIsMeant() {
+    QFont font = QApplication::font();
+    const QString taken = QFontInfo(font).family();
+    if (taken == font.family()) {
         return;
     }
     const QSettings meant(QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\"
                                          "CurrentVersion\\FontSubstitutes"),
                           QSettings::NativeFormat);
-    for (const QString& family : {meant.value(name).toString(), QStringLiteral("Segoe UI"),
+    for (const QString& family : {meant.value(font.family()).toString(), QStringLiteral("Segoe UI"),
                                   QStringLiteral("Tahoma"), QStringLiteral("DejaVu Sans")}) {
         if (QFontDatabase::hasFamily(family)) {
-            QFont::insertSubstitution(name, family);
+            font.setFamily(family);
+            QApplication::setFont(font);
             return;
         }
     }
@@ -42,7 +45,7 @@ void NameTheFontThatIsMeant() {
 
 void BringFontsWhereThereAreNone() {
 #ifdef Q_OS_WIN
-    NameTheFontThatIsMeant();
+    TakeTheFontThatIsMeant();
 #endif
     // The families of a bare system are not empty: they hold names that stand for nothing.
     if (QFontMetrics(QApplication::font()).inFont(u'A')) {
