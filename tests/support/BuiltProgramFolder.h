@@ -47,7 +47,7 @@ public:
         for (const char* name : {"FCD.new", "fcdname.dat"}) {
             Copy(BuiltFolder() + u'/' + QString::fromLatin1(name), Path(QString::fromLatin1(name)));
         }
-        platform::SetProgramFolder(folder_.path());
+        platform::SetProgramFolder(QDir::toNativeSeparators(folder_.path()));
     }
     ~ProgramFolder() { platform::SetProgramFolder(QString()); }
     ProgramFolder(const ProgramFolder&) = delete;
