@@ -81,6 +81,12 @@ void FlexGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     }
 }
 
+QSize FlexGridDelegate::sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const {
+    // The pixel that TextRoom keeps for rounding.
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(1, 0);
+}
+
 bool FlexGridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
                                  const QStyleOptionViewItem& option, const QModelIndex& index) {
     if (event->type() != QEvent::ToolTip || !index.isValid()) {

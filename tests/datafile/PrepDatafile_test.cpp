@@ -326,7 +326,8 @@ TEST_F(LifeTest, QueryOpenDatafile_AFile_ClosesTheFormerOneAfterTheChoice) {
         EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Open TARN Prep file"));
         EXPECT_EQ(dialog.objectName(), QStringLiteral("CMDialog1"));
         const auto& files = dynamic_cast<QFileDialog&>(dialog);
-        EXPECT_EQ(files.directory().path(), folder_.Path(QStringLiteral("Costs")));
+        EXPECT_EQ(QDir::toNativeSeparators(files.directory().path()),
+                  folder_.Path(QStringLiteral("Costs")));
         EXPECT_EQ(files.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QString());
         EXPECT_EQ(files.nameFilters(), QStringList({"TARN Prep files (*.fcd)", "All Files (*.*)"}));
         EXPECT_EQ(files.selectedNameFilter(), QStringLiteral("TARN Prep files (*.fcd)"));

@@ -549,7 +549,8 @@ TEST_F(ImportTest, OpenFileDialog_AsksInTheCostsFolderForTheUsualName) {
         auto* files = qobject_cast<QFileDialog*>(&dialog);
         ASSERT_NE(files, nullptr);
         EXPECT_EQ(files->windowTitle(), QStringLiteral("Select BRAM file"));
-        EXPECT_EQ(files->directory().path(), folder_.Path(QStringLiteral("Costs")));
+        EXPECT_EQ(QDir::toNativeSeparators(files->directory().path()),
+                  folder_.Path(QStringLiteral("Costs")));
         EXPECT_EQ(files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(),
                   QStringLiteral("BRAM0000.mdb"));
         EXPECT_EQ(files->nameFilters(), QStringList({"BRAM files (*.mdb)", "All Files (*.*)"}));

@@ -84,6 +84,18 @@ TEST_F(FlexGridSizes, FigureInAColumnMadeNarrow_ShowsAsSignsWithATip) {
     EXPECT_NE(CellPicture(2, 2), CellPicture(3, 2));
 }
 
+TEST_F(FlexGridSizes, ColumnFitToItsFigures_ShowsThemWhole) {
+    Show();
+    const QString figures = QStringLiteral("29384756102");
+    for (qsizetype length = 1; length <= figures.size(); ++length) {
+        const QString figure = figures.left(length);
+        grid_->SetTextMatrix(2, 2, figure + u'1');
+        grid_->SetTextMatrix(3, 2, figure + u'2');
+        grid_->resizeColumnToContents(2);
+        EXPECT_NE(CellPicture(2, 2), CellPicture(3, 2)) << figure.toStdString();
+    }
+}
+
 TEST_F(FlexGridSizes, WidthsByUser_ComeBackInANewGrid) {
     EXPECT_TRUE(grid_->WidthsByUser().empty());
     grid_->horizontalHeader()->resizeSection(0, 300);
