@@ -237,11 +237,12 @@ TEST_F(BuiltHelpTest, Tree_InLargeLetters_GoesOnInAnotherLineInsteadOfCuttingTit
         for (QModelIndex at = tree->model()->index(0, 0); at.isValid(); at = tree->indexBelow(at)) {
             const QRect place = tree->visualRect(at);
             const QRect room(0, 0, place.width() - kMargins, 1000);
-            const int needed = QFontMetrics(tree->font())
-                                   .boundingRect(room, Qt::TextWordWrap, at.data().toString())
-                                   .height();
-            wrapped += needed > QFontMetrics(tree->font()).height() ? 1 : 0;
-            if (place.height() < needed) {
+            const QFontMetrics letters(tree->font());
+            const int height =
+                letters.boundingRect(room, Qt::TextWordWrap, at.data().toString()).height();
+            const int lines = (height + letters.leading()) / letters.lineSpacing();
+            wrapped += lines > 1 ? 1 : 0;
+            if (place.height() < lines * letters.height()) {
                 return at.data().toString();
             }
         }
