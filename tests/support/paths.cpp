@@ -2,12 +2,13 @@
 
 namespace support {
 
+// Compiled here, the paths name no drive, which dialogs of Windows take for a part of a path.
 std::filesystem::path SourceFolder() {
-    return TARN_SOURCE;
+    return std::filesystem::absolute(TARN_SOURCE);
 }
 
 std::filesystem::path BuildFolder() {
-    return TARN_BUILD;
+    return std::filesystem::absolute(TARN_BUILD);
 }
 
 }  // namespace support
