@@ -16,6 +16,7 @@
 #include "jet/recordset.h"
 #include "jet/transaction.h"
 #include "sample_table.h"
+#include "support/system.h"
 #include "support/temp_folder.h"
 
 namespace jet {
@@ -141,14 +142,18 @@ TEST(Threads, ReadersOfOneFile_ShareNothing) {
     database->OpenTable("People")->Delete();
     // What a run that was killed here would leave: a file and its log.
     const std::filesystem::path left = folder / "left.mdb";
-    std::filesystem::copy_file(path, left);
-    std::filesystem::copy_file(folder / "a file.mdb-log", folder / "left.mdb-log");
+    std::vector<std::filesystem::path> files = {path};
+    if (support::kOthersReachHeldFiles) {
+        std::filesystem::copy_file(path, left);
+        std::filesystem::copy_file(folder / "a file.mdb-log", folder / "left.mdb-log");
+        files.push_back(left);
+    }
     database->Close();
-    for (const auto& file : {path, left}) {
+    for (const auto& file : files) {
         SCOPED_TRACE(file.string());
         EXPECT_EQ(FailuresOn(4, [&](int) { Read(file, 199); }), 0);
     }
-    EXPECT_TRUE(std::filesystem::exists(folder / "left.mdb-log"));
+    EXPECT_EQ(std::filesystem::exists(folder / "left.mdb-log"), files.size() == 2);
 }
 
 TEST(Threads, TheInterfaceForC_SharesNothing) {
