@@ -6,6 +6,7 @@ import tree
 
 TEXT = {".h", ".cpp", ".py", ".sh", ".md", ".txt", ".cmake", ".html", ".qhp", ".xml", ""}
 CODE = {".h", ".cpp"}
+PICTURES = {".png", ".jpg", ".jpeg", ".gif", ".bmp"}
 # What only code looks like: whole statements, the openings and ends of blocks, declarations.
 NAME = r"[\w.:>\[\]-]+"
 STATEMENT = re.compile(
@@ -53,9 +54,18 @@ def in_blocks(text):
                 yield number, line
 
 
+def stray(path):
+    """What speaks against a file by its name alone: pictures of a screen are easily committed with the rest."""
+    if " " in path.name:
+        yield "a file's name has no blanks"
+    if path.suffix in PICTURES and path.parent.name not in ("pictures", "icons"):
+        yield "a picture lies in a folder of pictures or icons"
+
+
 def main():
     offenders = []
     for path in tree.text_files():
+        offenders += [f"{tree.name(path)}: {why}" for why in stray(path)]
         if path.suffix not in TEXT or path.name == "debris.py" or path.name == "LICENSE":
             continue
         try:
