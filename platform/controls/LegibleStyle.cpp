@@ -82,10 +82,9 @@ private:
 };
 
 // The button that Enter presses, of which the style makes only a shade.
-bool IsDefaultButton(QStyle::PrimitiveElement element, const QStyleOption& option) {
+bool IsDefaultButton(const QStyleOption& option) {
     const auto* button = qstyleoption_cast<const QStyleOptionButton*>(&option);
-    return element == QStyle::PE_PanelButtonCommand && button != nullptr &&
-           (button->features & QStyleOptionButton::DefaultButton) != 0;
+    return button != nullptr && (button->features & QStyleOptionButton::DefaultButton) != 0;
 }
 
 // The style marks a box that has the keyboard in its own way, other controls only when it came by
@@ -144,17 +143,11 @@ void LegibleStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
     if (!LacksOutlines(option->palette)) {
         return;
     }
-    if (IsDefaultButton(element, *option)) {
-        Outline(*painter, option->palette)
-            .Thick(option->rect, option->palette.color(QPalette::ButtonText));
-        return;
-    }
     if (IsMarked(*option, isBox)) {
         return;
     }
     switch (element) {
         case PE_FrameLineEdit:
-        case PE_PanelButtonCommand:
         case PE_IndicatorCheckBox:
         case PE_FrameMenu:
         case PE_Frame:
@@ -196,6 +189,15 @@ void LegibleStyle::drawControl(ControlElement element, const QStyleOption* optio
             break;
         case CE_ProgressBarGroove:
             Outline(*painter, option->palette).Box(option->rect);
+            break;
+        // Not every style draws a button's panel as a part of its own.
+        case CE_PushButtonBevel:
+            if (IsDefaultButton(*option)) {
+                Outline(*painter, option->palette)
+                    .Thick(option->rect, option->palette.color(QPalette::ButtonText));
+            } else if (!IsMarked(*option, false)) {
+                Outline(*painter, option->palette).Box(option->rect);
+            }
             break;
         default:
             break;

@@ -86,25 +86,30 @@ TEST(LegibleStyleTest, BoxesOfTheGroundsColor_AreOutlined) {
 }
 
 TEST(LegibleStyleTest, DefaultButtonOfHighContrast_HasAFrameThatNeedsNoColor) {
-    LegibleStyle style;
-    QDialog dialog;
-    dialog.setPalette(AllOf(Qt::black, Qt::white));
-    QVBoxLayout layout(&dialog);
-    QPushButton ok(QStringLiteral("OK"));
-    QPushButton cancel(QStringLiteral("Cancel"));
-    for (QPushButton* button : {&ok, &cancel}) {
-        button->setStyle(&style);
-        button->setAutoDefault(false);
-        layout.addWidget(button);
+    for (const auto& [ground, text] :
+         {std::pair(Qt::black, Qt::white), std::pair(Qt::white, Qt::black)}) {
+        const QPalette colors = AllOf(ground, text);
+        const QString fitting = platform::FittingStyle(QGuiApplication::platformName(), colors);
+        LegibleStyle style(fitting.isEmpty() ? QApplication::style()->name() : fitting);
+        QDialog dialog;
+        dialog.setPalette(colors);
+        QVBoxLayout layout(&dialog);
+        QPushButton ok(QStringLiteral("OK"));
+        QPushButton cancel(QStringLiteral("Cancel"));
+        for (QPushButton* button : {&ok, &cancel}) {
+            button->setStyle(&style);
+            button->setAutoDefault(false);
+            layout.addWidget(button);
+        }
+        ok.setDefault(true);
+        dialog.show();
+        QApplication::processEvents();
+        const auto inside = [](QPushButton& button) {
+            return button.grab().toImage().pixelColor(1, button.height() / 2);
+        };
+        EXPECT_EQ(inside(ok), QColor(text));
+        EXPECT_NE(inside(cancel), QColor(text));
     }
-    ok.setDefault(true);
-    dialog.show();
-    QApplication::processEvents();
-    const auto inside = [](QPushButton& button) {
-        return button.grab().toImage().pixelColor(1, button.height() / 2);
-    };
-    EXPECT_EQ(inside(ok), QColor(Qt::white));
-    EXPECT_NE(inside(cancel), QColor(Qt::white));
 }
 
 TEST(LegibleStyleTest, CirclesOfOptions_GrowWithLargeLetters) {
