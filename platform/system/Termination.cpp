@@ -4,6 +4,7 @@
 #include <QSocketNotifier>
 
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 #ifdef Q_OS_UNIX
@@ -12,6 +13,10 @@
 
 #include <array>
 #include <csignal>
+#else
+#include <QAbstractNativeEventFilter>
+
+#include <windows.h>
 #endif
 
 namespace platform {
@@ -83,8 +88,41 @@ void OnTermination(std::function<void()> handler) {
 
 #else
 
-// The session manager's requests reach the application object by themselves there.
-void OnTermination(std::function<void()> /*handler*/) {}
+namespace {
+
+// The end of the session reaches the application object by itself there. This is for who asks the
+// program to end and finds no window to close: the message goes to its thread then.
+class EndMessages : public QAbstractNativeEventFilter {
+public:
+    explicit EndMessages(std::function<void()> handler) : handler_(std::move(handler)) {
+        qApp->installNativeEventFilter(this);
+    }
+
+    bool nativeEventFilter(const QByteArray& /*type*/, void* event, qintptr* /*result*/) override {
+        const auto* message = static_cast<const MSG*>(event);
+        if (message->hwnd != nullptr || message->message != WM_CLOSE) {
+            return false;
+        }
+        // The handler may be replaced while it is at work.
+        const auto handler = handler_;
+        handler();
+        return true;
+    }
+
+private:
+    std::function<void()> handler_;
+};
+
+std::unique_ptr<EndMessages> endMessages;
+
+}  // namespace
+
+void OnTermination(std::function<void()> handler) {
+    endMessages.reset();
+    if (handler) {
+        endMessages = std::make_unique<EndMessages>(std::move(handler));
+    }
+}
 
 #endif
 

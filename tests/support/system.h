@@ -8,9 +8,12 @@ namespace support {
 constexpr bool kOthersReachHeldFiles = false;
 // Whether a folder can hold two files whose names differ in case alone.
 constexpr bool kNamesDifferByCase = false;
+// Whether a file can have a name that is no text.
+constexpr bool kNamesAreBytes = false;
 #else
 constexpr bool kOthersReachHeldFiles = true;
 constexpr bool kNamesDifferByCase = true;
+constexpr bool kNamesAreBytes = true;
 #endif
 
 }  // namespace support
