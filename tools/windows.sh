@@ -27,9 +27,7 @@ engine() {
         echo "Wine is not installed; the tests were compiled only."
         return
     fi
-    # A system of their own, so that no settings of this user's count.
-    WINEPREFIX="$build/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" \
-        "$wine" "$build/bin/jet_tests.exe"
+    "$root/tools/windows/run_tests.py" "$build" "" jet_tests
 }
 
 # built TARGETS
@@ -42,22 +40,6 @@ built() {
         -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DTARN_WINDOWS_LIBRARIES="$libraries" \
         "-DCMAKE_CROSSCOMPILING_EMULATOR=env;WINEPREFIX=$build/wine;WINEDEBUG=-all;WINEDLLOVERRIDES=mscoree,mshtml=;$wine"
 }
-
-# under_wine PROGRAM [ARGUMENT...]
-# Wine keeps Qt's variables from its programs, and gives them what has its own name before theirs.
-under_wine() (
-    runtime=$(dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)")
-    WINEPATH="Z:$runtime;Z:/usr/x86_64-w64-mingw32/lib"
-    for library in $(echo "$libraries" | tr ';' ' '); do
-        WINEPATH="$WINEPATH;Z:$library/bin"
-        if [ -d "$library/plugins" ]; then
-            export WINEQT_PLUGIN_PATH="Z:$library/plugins"
-        fi
-    done
-    export WINEPATH WINEQT_QPA_PLATFORM="${TARN_PLATFORM:-offscreen}"
-    export WINEQT_QPA_FONTDIR=Z:/usr/share/fonts/truetype/dejavu
-    WINEPREFIX="$build/wine" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" "$wine" "$@"
-)
 
 program() {
     built program
@@ -84,9 +66,13 @@ start() {
     rm -rf "$measured"
 }
 
-engine_tests() {
+# The engine's tests run while the rest is compiled, which waits for nothing of theirs.
+everything() {
     built jet_tests
-    under_wine "$build/bin/jet_tests.exe"
+    "$root/tools/windows/run_tests.py" "$build" "$libraries" jet_tests &
+    engine_tests=$!
+    package
+    wait "$engine_tests"
 }
 
 tests() {
@@ -95,23 +81,12 @@ tests() {
         programs="$programs ${folder}_tests"
     done
     built "program$programs"
-    if [ "${TARN_PLATFORM:-}" = windows ]; then
-        # shellcheck source=tools/tour/display.sh
-        . "$root/tools/tour/display.sh"
-        open_display 1280x900x24
-    fi
-    failed=""
-    for folder in $window_tests; do
-        under_wine "$build/bin/${folder}_tests.exe" --gtest_brief=1 || failed="$failed $folder"
-    done
-    if [ -n "$failed" ]; then
-        echo "Tests failed in:$failed" >&2
-        exit 1
-    fi
+    # shellcheck disable=SC2086
+    "$root/tools/windows/run_tests.py" "$build" "$libraries" $programs
 }
 
 if [ $# -eq 0 ]; then
-    set -- engine_tests package
+    set -- everything
 fi
 for part in "$@"; do
     if [ -z "$wine" ] && [ "$part" != engine ]; then
