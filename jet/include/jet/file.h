@@ -77,6 +77,11 @@ public:
                                                            File& /*model*/) {
         return Open(path, OpenMode::kCreateNew);
     }
+    // Makes a file that nobody else opens and that is gone when it is closed or the process ends.
+    // It may have this name for a moment or, on some systems, all the time; what has the name
+    // already is removed. Like CreateLike besides; kFileInUse when another such file has the name.
+    [[nodiscard]] virtual std::unique_ptr<File> CreateTemporary(const std::filesystem::path& path,
+                                                                File& model);
     [[nodiscard]] virtual bool Exists(const std::filesystem::path& path) = 0;
     virtual void Remove(const std::filesystem::path& path) = 0;
     // Gives the file its new name at one stroke; a file that had it is replaced.

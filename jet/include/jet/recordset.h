@@ -132,7 +132,11 @@ public:
     void Set(std::string_view field, const Value& value) { Set(Field(field), value); }
     void Set(std::string_view field, Value&& value) { Set(Field(field), std::move(value)); }
     // A memo or OLE value in pieces: each call adds one to the value that the open edit has for the
-    // field, the first one to nothing. kTypeMismatch for fields of other types.
+    // field, the first one to nothing. A value of any size takes little memory in this way: pieces
+    // beyond the first 256 KiB wait in a temporary file beside the database until Update. Errors:
+    // kNoEditBegun, kNoSuchField, kTypeMismatch for fields of other types, kTextTooLong; kDiskFull,
+    // kIo, kPermissionDenied and kReadOnly of the temporary file. After an error the value is as it
+    // was before the call.
     virtual void Append(FieldId field, std::u16string_view text) = 0;
     virtual void Append(FieldId field, std::span<const std::byte> bytes) = 0;
     virtual void Update() = 0;

@@ -14,4 +14,11 @@ void File::WriteAll(std::uint64_t offset, std::span<const std::span<const std::b
     Write(offset, all);
 }
 
+std::unique_ptr<File> FileSystem::CreateTemporary(const std::filesystem::path& path, File& model) {
+    if (Exists(path)) Remove(path);
+    auto file = CreateLike(path, model);
+    Remove(path);
+    return file;
+}
+
 }  // namespace jet

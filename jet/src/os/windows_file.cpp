@@ -196,6 +196,15 @@ public:
         return OpenBeside(path, OpenMode::kCreateNew);
     }
 
+    // The name of an open file that has been removed stays taken, so this one goes when it is
+    // closed.
+    std::unique_ptr<File> CreateTemporary(const std::filesystem::path& path, File&) override {
+        if (Exists(path)) Remove(path);
+        return OpenShared(
+            path, OpenMode::kCreateNew, 0,
+            FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_DELETE_ON_CLOSE | FILE_ATTRIBUTE_TEMPORARY);
+    }
+
     static std::unique_ptr<File> OpenShared(const std::filesystem::path& path, OpenMode mode,
                                             DWORD share, DWORD flags = 0) {
         const bool reading = mode == OpenMode::kReadOnly;

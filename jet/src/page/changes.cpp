@@ -45,6 +45,9 @@ void Changes::BeginOperation() {
     inOperation_ = true;
     pagesBeforeOperation_ = pages_.PageCount();
     firstOfOperation_ = changed_.Size();
+    partsBeforeOperation_ = journal_.Parts();
+    inLogBeforeOperation_ = pages_.InLog().Entries();
+    settled_ = 0;
 }
 
 MutableBytes Changes::Change(PageNumber page) {
@@ -54,12 +57,14 @@ MutableBytes Changes::Change(PageNumber page) {
         frame.inTransaction = true;
         frame.changing = true;
     }
+    frame.settled = false;
     return pages_.BytesOf(frame);
 }
 
 MutableBytes Changes::ChangePart(PageNumber page, std::size_t from, std::size_t size) {
     Frame& frame = pages_.Fetch(page);
     if (!frame.inTransaction) return Change(page);
+    frame.settled = false;
     if (!frame.changing) savepointParts_.Add(frame, Slice(pages_.BytesOf(frame), from, size), from);
     return pages_.BytesOf(frame);
 }
@@ -184,8 +189,29 @@ void Changes::SpillPart(std::span<const UndoImage* const> images) {
     journal_.Write();
     for (std::size_t i = 0; i < images.size(); ++i) {
         images[i]->frame->inTransaction = false;
+        images[i]->frame->changing = false;
         pages_.MoveToLog(*images[i]->frame, places[i]);
     }
+}
+
+void Changes::Settle(PageNumber page) {
+    Frame* frame = pages_.Find(page.value);
+    if (frame == nullptr || !frame->changing) return;
+    frame->settled = true;
+    if (++settled_ < lookPages_) return;
+    settled_ = 0;
+    Spill(SettledPages());
+}
+
+// Those that nobody but the open operation has changed and that nobody looks at.
+std::vector<const UndoImage*> Changes::SettledPages() {
+    std::vector<const UndoImage*> settled;
+    for (const UndoImage& image : changed_.From(firstOfOperation_)) {
+        if (!image.frame->settled || image.frame->dirty || image.frame->pins > 0) continue;
+        image.frame->recent = false;
+        settled.push_back(&image);
+    }
+    return settled;
 }
 
 // The same for pages that were committed.
@@ -229,8 +255,9 @@ void Changes::RollbackOperation() noexcept {
     savepointParts_.Restore();
     if (savepoint_.Size() > 0 || !savepointParts_.IsEmpty()) ++count_;
     UndoFrom(firstOfOperation_);
+    ForgetPagesInLog(inLogBeforeOperation_);
+    journal_.DropPartsSince(partsBeforeOperation_);
     pages_.SetPageCount(pagesBeforeOperation_);
-    if (!inTransaction_) journal_.DropParts();
     EndOperation();
 }
 
@@ -247,15 +274,19 @@ void Changes::CommitTransaction() {
 
 void Changes::RollbackTransaction() noexcept {
     UndoFrom(0);
-    // What is in memory of the pages that were moved to the log is of the transaction.
-    pages_.InLog().Undo([this](std::uint32_t page) {
-        if (Frame* frame = pages_.Find(page)) pages_.Drop(*frame);
-    });
+    ForgetPagesInLog(0);
     journal_.DropParts();
     keptAtSpill_ = 0;
     pages_.SetPageCount(pagesBefore_);
     inTransaction_ = false;
     ++count_;
+}
+
+// What is in memory of the pages that were moved to the log is what was undone.
+void Changes::ForgetPagesInLog(std::size_t from) noexcept {
+    pages_.InLog().UndoFrom(from, [this](std::uint32_t page) {
+        if (Frame* frame = pages_.Find(page)) pages_.Drop(*frame);
+    });
 }
 
 // Puts the pages back that were changed from this one on.

@@ -3,8 +3,9 @@
 //
 // Outside a transaction an operation is one by itself. Inside one, it is a savepoint. Either hands
 // the differences to the journal, in one write; a transaction that has grown large moves pages to
-// the log before. So does everybody with pages at the end of the file that have not been used for a
-// while: a table that is filled does not come back to them.
+// the log before, and so does an operation that has done with many. So does everybody with pages at
+// the end of the file that have not been used for a while: a table that is filled does not come
+// back to them.
 #pragma once
 
 #include <cstddef>
@@ -38,6 +39,9 @@ public:
     MutableBytes ChangePart(PageNumber page, std::size_t from, std::size_t size);
     // Lengthens the file by a page of zeros. kFileTooLarge.
     void Append();
+    // The operation has done with the page: its bytes are no longer valid, and when there are many
+    // such pages they move to the log. kDiskFull, kIo; the operation then goes on, to be undone.
+    void Settle(PageNumber page);
     // Errors, outside a transaction: kDiskFull, kIo; the operation then goes on, to be undone.
     void CommitOperation();
     void RollbackOperation() noexcept;
@@ -58,10 +62,12 @@ private:
     void SpillWhenDue();
     void Spill(const std::vector<const UndoImage*>& images);
     void SpillPart(std::span<const UndoImage* const> images);
+    [[nodiscard]] std::vector<const UndoImage*> SettledPages();
     [[nodiscard]] std::vector<const UndoImage*> ColdNewPages();
     void MoveWhenDue();
     void MovePart(std::span<Frame* const> frames);
     void UndoFrom(std::size_t first) noexcept;
+    void ForgetPagesInLog(std::size_t from) noexcept;
     void EndOperation() noexcept;
     void ForgetImages() noexcept;
 
@@ -75,6 +81,9 @@ private:
     std::uint32_t pagesBeforeOperation_ = 0;  // the operation
     UndoImages changed_;                      // all pages since pagesBefore_ was noted
     std::size_t firstOfOperation_ = 0;        // those from here on, by the operation
+    PartsMark partsBeforeOperation_;
+    std::size_t inLogBeforeOperation_ = 0;  // entries of pages in the log
+    std::size_t settled_ = 0;               // pages since they were last moved
     UndoImages savepoint_;  // pages that the operation changed after the transaction had done so
     UndoParts savepointParts_;       // and parts of such pages, before they were in savepoint_
     std::vector<std::byte> before_;  // a page that was read again

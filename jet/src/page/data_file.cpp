@@ -63,6 +63,18 @@ std::filesystem::path LogPath(const std::filesystem::path& dataFile) {
     return log;
 }
 
+namespace {
+
+// The name that temporary files have, as far as they have one.
+std::filesystem::path TemporaryPath(const std::filesystem::path& dataFile, int number) {
+    std::filesystem::path path = LogPath(dataFile);
+    path += "-tmp";
+    if (number > 1) path += std::to_string(number);
+    return path;
+}
+
+}  // namespace
+
 void RequireLock(File& file, bool exclusive) {
     if (!file.TryLock(exclusive)) {
         throw Error(ErrorKind::kFileInUse, "The file is in use by another program.");
@@ -87,6 +99,27 @@ DataFile::DataFile(FileSystem& files, std::filesystem::path path, std::unique_pt
       file_(std::move(file)),
       format_(format),
       readOnly_(readOnly) {}
+
+std::unique_ptr<File> DataFile::MakeTemporary() const {
+    constexpr int kMostAtOnce = 99;
+    for (int number = 1;; ++number) {
+        try {
+            return files_.CreateTemporary(TemporaryPath(path_, number), Model());
+        } catch (const Error& error) {
+            if (error.Kind() != ErrorKind::kFileInUse || number == kMostAtOnce) throw;
+        }
+    }
+}
+
+void DataFile::RemoveTemporary() const noexcept {
+    try {
+        const std::filesystem::path path = TemporaryPath(path_, 1);
+        if (files_.Exists(path)) files_.Remove(path);
+    } catch (...) {
+        // The next one that is made begins with doing so.
+        return;
+    }
+}
 
 void DataFile::RequireWritable() const {
     if (!file_) throw Error(ErrorKind::kClosed, "The database is closed.");

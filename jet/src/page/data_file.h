@@ -47,6 +47,12 @@ public:
     // The open file, for whoever makes another one like it.
     [[nodiscard]] File& Model() const { return *file_; }
 
+    // A file beside this one, with its access rights, that is gone when it is closed. Errors: those
+    // of FileSystem::CreateTemporary.
+    [[nodiscard]] std::unique_ptr<File> MakeTemporary() const;
+    // Removes one that a process left which ended just when it had made it.
+    void RemoveTemporary() const noexcept;
+
     // As the last checkpoint left it; no pages in a file that has had none.
     [[nodiscard]] const FileState& State() const { return state_; }
     // Takes the counters of a header page, and the number of pages that the file has.

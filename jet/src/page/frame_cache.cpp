@@ -43,6 +43,7 @@ void FrameCache::Drop(Frame& frame) {
     frame.dirty = false;
     frame.inTransaction = false;
     frame.changing = false;
+    frame.settled = false;
 }
 
 Frame* FrameCache::Evict() {

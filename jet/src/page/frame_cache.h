@@ -25,6 +25,7 @@ struct Frame {
     bool dirty = false;          // differs from the file
     bool inTransaction = false;  // changed by the open transaction
     bool changing = false;       // changed by the open operation
+    bool settled = false;        // by now, the open operation has done with it
     bool recent = false;         // used since the clock's hand came by
     bool passing = false;        // of a scan of a file that is larger than the cache
     bool spent = false;          // leaves before others, unless it is used again

@@ -128,13 +128,19 @@ void Journal::Write() {
 
 void Journal::DropParts() noexcept {
     if (!beforeParts_) return;
-    end_ = beforeParts_->end;
-    checksum_ = beforeParts_->checksum;
-    beforeParts_.reset();
-    for (auto entry = loggedByParts_.rbegin(); entry != loggedByParts_.rend(); ++entry) {
-        logged_[entry->page] = entry->state;
-    }
+    DropPartsSince({.end = beforeParts_->end, .checksum = beforeParts_->checksum});
     loggedByParts_ = {};
+}
+
+void Journal::DropPartsSince(const PartsMark& mark) noexcept {
+    if (end_ == mark.end) return;
+    end_ = mark.end;
+    checksum_ = mark.checksum;
+    if (!mark.any) beforeParts_.reset();
+    while (loggedByParts_.size() > mark.entries) {
+        logged_[loggedByParts_.back().page] = loggedByParts_.back().state;
+        loggedByParts_.pop_back();
+    }
     CutQuietly();
 }
 

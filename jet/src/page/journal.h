@@ -40,6 +40,14 @@
 
 namespace jet {
 
+// A place between the parts of a transaction.
+struct PartsMark {
+    bool any = false;            // parts before it
+    std::uint64_t end = 0;       // length of the log
+    std::uint64_t checksum = 0;  // of its last record
+    std::size_t entries = 0;     // of pages, in parts
+};
+
 class Journal {
 public:
     // A new log takes its access rights, and the state that it begins with, from the data file,
@@ -71,6 +79,12 @@ public:
     [[nodiscard]] bool HasParts() const { return beforeParts_.has_value(); }
     // Removes them: the transaction has been rolled back.
     void DropParts() noexcept;
+    // How far the parts go by now.
+    [[nodiscard]] PartsMark Parts() const {
+        return {beforeParts_.has_value(), end_, checksum_, loggedByParts_.size()};
+    }
+    // Removes those that have been written since then; no commit has.
+    void DropPartsSince(const PartsMark& mark) noexcept;
     // The bytes of a page that lie there. kIo.
     void ReadPage(std::uint64_t place, MutableBytes into);
 

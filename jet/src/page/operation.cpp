@@ -40,6 +40,11 @@ MutableBytes Operation::ChangePart(PageNumber page, std::size_t from, std::size_
     return pager_.changes_.ChangePart(page, from, size);
 }
 
+void Operation::Settle(PageNumber page) {
+    RequireOpen();
+    pager_.changes_.Settle(page);
+}
+
 void Operation::Extend(PageNumber page) {
     RequireOpen();
     // Writers reserve a few pages past the end; a map that skips many is no map of this file.

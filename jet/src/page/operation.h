@@ -34,6 +34,9 @@ public:
     PageNumber Allocate();
     // Marks the page as free in the global map and clears its first bytes.
     void Free(PageNumber page);
+    // Says that nobody needs the page's bytes any more: they are no longer valid, so that the
+    // memory that a large operation takes stays bounded. kDiskFull, kIo.
+    void Settle(PageNumber page);
     // Lengthens the file with zeroed pages until it has this one. kFileTooLarge.
     void Extend(PageNumber page);
 

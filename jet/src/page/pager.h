@@ -104,6 +104,9 @@ public:
     void SecureLog() noexcept { journal_.SecurePlace(); }
     // The number of operations that the data file does not hold yet.
     [[nodiscard]] std::uint64_t PendingOperations() const { return journal_.Operations(); }
+    // For what does not become part of the file, or not yet. Errors: those of
+    // FileSystem::CreateTemporary.
+    [[nodiscard]] std::unique_ptr<File> MakeTemporaryFile() const { return file_.MakeTemporary(); }
     // Whether the last MakeDurable found the file under another name; whether one put it back after
     // it had been removed.
     [[nodiscard]] bool WasMoved() const { return file_.WasMoved(); }

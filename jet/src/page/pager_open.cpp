@@ -90,6 +90,7 @@ void Pager::Start(const FileHeader& header, Bytes headerPage, FoundLog found, Re
         }
         return;
     }
+    file_.RemoveTemporary();
     if (recovery.foreignLogIgnored) SetAside(files, log);
     recovery.keptLogs = KeptLogs(files, log);
     if (pending) {

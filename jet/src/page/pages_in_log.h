@@ -21,14 +21,19 @@ public:
     void Enter(std::uint32_t page, std::uint64_t offset) noexcept;
     // The transaction that entered pages has been committed.
     void Keep() noexcept { former_ = {}; }
-    // It has been rolled back: visits its pages, after they have been given their former places.
+    // How many entries the open transaction has made.
+    [[nodiscard]] std::size_t Entries() const { return former_.size(); }
+    // Those from this one on have been undone: visits their pages, the latest first, after they
+    // have been given their former places.
     template <typename Visit>
-    void Undo(Visit visit) noexcept {
-        for (auto entry = former_.rbegin(); entry != former_.rend(); ++entry) {
-            offsets_[entry->first] = entry->second;
-            visit(entry->first);
+    void UndoFrom(std::size_t entry, Visit visit) noexcept {
+        while (former_.size() > entry) {
+            const auto [page, place] = former_.back();
+            former_.pop_back();
+            offsets_[page] = place;
+            visit(page);
         }
-        former_ = {};
+        if (entry == 0) former_ = {};
     }
     template <typename Visit>
     void ForEach(Visit visit) const {

@@ -55,6 +55,19 @@ void ReadChain(Pager& pager, const LongValueHead& head, std::vector<std::byte>& 
     }
 }
 
+class HeldBytes final : public LongValueBytes {
+public:
+    explicit HeldBytes(Bytes bytes) : bytes_(bytes) {}
+
+    [[nodiscard]] std::uint64_t Size() const override { return bytes_.size(); }
+    Bytes Read(std::uint64_t at, std::size_t size) override {
+        return bytes_.subspan(static_cast<std::size_t>(at), size);
+    }
+
+private:
+    Bytes bytes_;
+};
+
 void AppendHead(std::size_t length, LongValueForm form, RowId first,
                 std::vector<std::byte>& inRow) {
     const std::size_t at = inRow.size();
@@ -173,20 +186,31 @@ void LongValueStore::Write(Operation& operation, Bytes value, std::size_t plainL
         AppendHead(value.size(), LongValueForm::kRow, Append(operation, value), inRow);
         return;
     }
+    HeldBytes held(value);
+    WriteChain(operation, held, inRow);
+}
+
+void LongValueStore::WriteChain(Operation& operation, LongValueBytes& value,
+                                std::vector<std::byte>& inRow) {
+    if (value.Size() > kLengthMask) {
+        throw Error(ErrorKind::kTextTooLong, "The value is longer than the format allows.");
+    }
+    const auto size = static_cast<std::size_t>(value.Size());
+    const std::size_t chunk = pager_->FileFormat().longValueChunk;
     // The last part is written first, so that each row can name the next one.
     RowId next;
     std::vector<std::byte> row;
-    std::size_t end = value.size();
+    std::size_t end = size;
     while (end > 0) {
-        const std::size_t start = (end - 1) / format.longValueChunk * format.longValueChunk;
+        const std::size_t start = (end - 1) / chunk * chunk;
         row.assign(kPointerSize, std::byte{0});
         WriteU32(row, 0, next.Packed());
-        row.insert(row.end(), value.begin() + static_cast<std::ptrdiff_t>(start),
-                   value.begin() + static_cast<std::ptrdiff_t>(end));
+        const Bytes part = value.Read(start, end - start);
+        row.insert(row.end(), part.begin(), part.end());
         next = Append(operation, row);
         end = start;
     }
-    AppendHead(value.size(), LongValueForm::kChain, next, inRow);
+    AppendHead(size, LongValueForm::kChain, next, inRow);
 }
 
 void LongValueStore::Replace(Operation& operation, Bytes old, Bytes value, std::size_t plainLength,
@@ -242,6 +266,8 @@ RowId LongValueStore::Append(Operation& operation, Bytes row) {
     const bool isFull = PageRoom(bytes, pager_->FileFormat()) <= kPointerSize &&
                         PossibleRoom(bytes, pager_->FileFormat()) <= kPointerSize;
     if (free_ && isFull) free_->Remove(operation, page);
+    // The parts of a long chain need not stay in memory.
+    if (isFull) operation.Settle(page);
     return {page, slot};
 }
 
@@ -292,6 +318,7 @@ void LongValueStore::ReleaseRow(Operation& operation, RowId row) {
     if (free_) free_->Remove(operation, row.page);
     owned_.Remove(operation, row.page);
     operation.Free(row.page);
+    operation.Settle(row.page);
 }
 
 }  // namespace jet

@@ -67,6 +67,19 @@ private:
     std::uint64_t steps_ = 0;
 };
 
+// The bytes of a value that is to be stored, which need not all be in memory.
+class LongValueBytes {
+public:
+    LongValueBytes() = default;
+    LongValueBytes(const LongValueBytes&) = delete;
+    LongValueBytes& operator=(const LongValueBytes&) = delete;
+    virtual ~LongValueBytes() = default;
+
+    [[nodiscard]] virtual std::uint64_t Size() const = 0;
+    // Those from `at` on; there are as many. Valid until the next call. kIo.
+    virtual Bytes Read(std::uint64_t at, std::size_t size) = 0;
+};
+
 // The pages of one column, for writing.
 class LongValueStore {
 public:
@@ -76,8 +89,10 @@ public:
     // compression and decides about the form.
     void Write(Operation& operation, Bytes value, std::size_t plainLength,
                std::vector<std::byte>& inRow);
-    // The same in the place of a value that is stored already; what that had outside the row is
-    // given back, or used again.
+    // The same with a value that is longer than a page. kTextTooLong.
+    void WriteChain(Operation& operation, LongValueBytes& value, std::vector<std::byte>& inRow);
+    // The same as Write in the place of a value that is stored already; what that had outside the
+    // row is given back, or used again.
     void Replace(Operation& operation, Bytes old, Bytes value, std::size_t plainLength,
                  std::vector<std::byte>& inRow);
     // Gives back everything outside the row.

@@ -18,6 +18,9 @@ namespace jet {
 
 namespace {
 
+// The bytes of a long value that are kept in memory before its pieces go to a draft.
+constexpr std::size_t kLongestHeld = std::size_t{256} << 10;
+
 std::vector<std::size_t> AllColumns(const Definition& definition) {
     std::vector<std::size_t> columns(definition.columns.size());
     std::iota(columns.begin(), columns.end(), std::size_t{0});
@@ -190,7 +193,7 @@ Value BaseRecordset::Get(FieldId field) const {
     return Guarded([&] {
         RequireOpen();
         const std::size_t column = ColumnOf(field).column;
-        if (IsInEdit(column)) return values_.values[column];
+        if (IsInEdit(column)) return values_.ValueOf(column);
         return table_->ReadValue(CurrentView(), column);
     });
 }
@@ -246,7 +249,7 @@ bool BaseRecordset::ReadText(FieldId field, std::u16string& into) const {
         RequireOpen();
         const std::size_t column = ColumnOf(field).column;
         if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
-        const Value& value = values_.values[column];
+        const Value value = values_.ValueOf(column);
         if (value.IsNull()) return false;
         into = value.AsText();
         return true;
@@ -258,7 +261,7 @@ bool BaseRecordset::ReadText(FieldId field, std::string& into) const {
         RequireOpen();
         const std::size_t column = ColumnOf(field).column;
         if (!IsInEdit(column)) return table_->ReadText(CurrentView(), column, into);
-        const Value& value = values_.values[column];
+        const Value value = values_.ValueOf(column);
         if (value.IsNull()) return false;
         ToUtf8(value.AsText(), into);
         return true;
@@ -277,7 +280,11 @@ std::unique_ptr<ValueReader> BaseRecordset::OpenReader(FieldId field, std::uint6
         std::unique_ptr<LongValueReader> reader;
         if (IsInEdit(place)) {
             const Value& value = values_.values[place];
-            if (!value.IsNull()) reader = std::make_unique<LongValueReader>(file_, value);
+            if (values_.DraftOf(place) != nullptr) {
+                reader = std::make_unique<LongValueReader>(file_, values_.drafts[place]);
+            } else if (!value.IsNull()) {
+                reader = std::make_unique<LongValueReader>(file_, value);
+            }
         } else if (const auto bytes = table_->ColumnBytes(CurrentView(), place)) {
             reader = std::make_unique<LongValueReader>(file_, column, *bytes);
         }
@@ -363,6 +370,7 @@ void BaseRecordset::Set(FieldId field, Value&& value) {
                                                   table_->Def().version);
         values_.given[column] = true;
         written_[column] = true;
+        if (values_.DraftOf(column) != nullptr) values_.SetDraft(column, nullptr);
     });
 }
 
@@ -375,18 +383,43 @@ void BaseRecordset::AppendTo(FieldId field, ColumnType type, Piece piece) {
         throw Error(ErrorKind::kTypeMismatch,
                     "The field '" + column.name + "' is not written in such pieces.");
     }
-    Value& value = values_.values[place];
     // What a default has filled in is no beginning.
-    if (!written_[place] || value.IsNull()) value = Held();
+    if (!written_[place]) values_.values[place] = Held();
     values_.given[place] = true;
     written_[place] = true;
-    Held& held = std::get<Held>(value.Get());
-    constexpr std::size_t kBytesOfPiece = sizeof(*piece.data());
-    if ((held.size() + piece.size()) * kBytesOfPiece > kLongestLongValue) {
+    AppendToColumn<Held>(place, piece);
+}
+
+template <typename Held, typename Piece>
+void BaseRecordset::AppendToColumn(std::size_t place, Piece piece) {
+    const Column& column = table_->Def().columns[place];
+    ValueDraft* draft = values_.DraftOf(place);
+    Value& value = values_.values[place];
+    if (draft == nullptr && value.IsNull()) value = Held();
+    constexpr std::size_t kBytesOfUnit = sizeof(*piece.data());
+    const std::uint64_t before =
+        draft != nullptr ? draft->Size() : std::get<Held>(value.Get()).size() * kBytesOfUnit;
+    const std::uint64_t after = before + piece.size() * kBytesOfUnit;
+    if (after > kLongestLongValue) {
         throw Error(ErrorKind::kTextTooLong,
                     "The field '" + column.name + "' is too small to accept the amount of data.");
     }
-    held.insert(held.end(), piece.begin(), piece.end());
+    if (draft != nullptr) {
+        draft->Append(piece);
+        return;
+    }
+    Held& held = std::get<Held>(value.Get());
+    if (after <= kLongestHeld || column.fixed) {
+        held.insert(held.end(), piece.begin(), piece.end());
+        return;
+    }
+    auto fresh = std::make_shared<ValueDraft>(table_->Pages(), column.type == ColumnType::kMemo
+                                                                   ? ValueDraft::Kind::kText
+                                                                   : ValueDraft::Kind::kBytes);
+    fresh->Append(Piece(held));
+    fresh->Append(piece);
+    values_.SetDraft(place, std::move(fresh));
+    value = Value();
 }
 
 void BaseRecordset::Append(FieldId field, std::u16string_view text) {

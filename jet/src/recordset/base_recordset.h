@@ -68,7 +68,10 @@ protected:
         file_->RequireOpen();
         if (table_->IsDropped()) ThrowDropped();
     }
-    void DropEdit() { edit_ = EditKind::kNone; }
+    void DropEdit() {
+        edit_ = EditKind::kNone;
+        values_.drafts.clear();
+    }
     // Goes to the first record of an order, which is the one from now on.
     void UseOrder(std::unique_ptr<TableCursor> cursor);
     void Arrive(bool found, Place otherwise);
@@ -124,6 +127,8 @@ private:
     void RequireEdit() const;
     template <typename Held, typename Piece>
     void AppendTo(FieldId field, ColumnType type, Piece piece);
+    template <typename Held, typename Piece>
+    void AppendToColumn(std::size_t place, Piece piece);
     void StartEdit(EditKind kind);
     void AddRow();
     void UpdateCurrent();

@@ -20,8 +20,9 @@ constexpr std::size_t kPieceBytes = 4096;
 
 // The next elements of what is in memory.
 template <typename Elements, typename Element>
-std::size_t Take(const Elements& from, std::size_t& at, std::span<Element> into) {
-    const std::size_t count = std::min(from.size() - at, into.size());
+std::size_t Take(const Elements& from, std::uint64_t& at, std::span<Element> into) {
+    const auto count =
+        static_cast<std::size_t>(std::min<std::uint64_t>(from.size() - at, into.size()));
     std::copy_n(from.begin() + static_cast<std::ptrdiff_t>(at), count, into.begin());
     at += count;
     return count;
@@ -59,6 +60,14 @@ LongValueReader::LongValueReader(std::shared_ptr<OpenFile> file, const Value& va
     }
 }
 
+LongValueReader::LongValueReader(std::shared_ptr<OpenFile> file,
+                                 std::shared_ptr<const ValueDraft> draft)
+    : file_(std::move(file)), stored_(false), draft_(std::move(draft)), draftSize_(draft_->Size()) {
+    if (draft_->What() == ValueDraft::Kind::kBytes) return;
+    form_ = Form::kUnits;
+    piece_.resize(kPieceBytes);
+}
+
 void LongValueReader::RequireUnchanged() const {
     file_->RequireOpen();
     if (!stored_ || change_ == file_->Pages().ChangeCount()) return;
@@ -68,22 +77,34 @@ void LongValueReader::RequireUnchanged() const {
 
 std::uint64_t LongValueReader::Size() const {
     if (form_ == Form::kText) return text_.size();
+    if (draft_) return draftSize_ / UnitSize();
     return stored_ ? cursor_.Size() / UnitSize() : bytes_.size();
 }
 
 void LongValueReader::Skip(std::uint64_t units) {
-    if (form_ == Form::kText || !stored_) {
-        at_ = static_cast<std::size_t>(std::min(units, Size()));
+    if (draft_) {
+        at_ = std::min(units, Size()) * UnitSize();
+    } else if (form_ == Form::kText || !stored_) {
+        at_ = std::min(units, Size());
     } else {
         cursor_.Skip(std::min(units, Size()) * UnitSize());
     }
+}
+
+std::size_t LongValueReader::ReadBytes(MutableBytes into) {
+    if (!draft_) return cursor_.Read(into);
+    const auto count =
+        static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), draftSize_ - at_));
+    draft_->Read(at_, into.first(count));
+    at_ += count;
+    return count;
 }
 
 std::size_t LongValueReader::Read(std::span<std::byte> into) {
     return Guarded([&] {
         RequireUnchanged();
         if (form_ != Form::kBytes) ThrowOtherKind();
-        return stored_ ? cursor_.Read(into) : Take(bytes_, at_, into);
+        return stored_ || draft_ ? ReadBytes(into) : Take(bytes_, at_, into);
     });
 }
 
@@ -96,7 +117,7 @@ std::size_t LongValueReader::Read(std::span<char16_t> into) {
         while (done < into.size()) {
             const std::size_t wanted = std::min(piece_.size(), (into.size() - done) * UnitSize());
             // An odd byte at the end is no character.
-            const std::size_t units = cursor_.Read(MutableBytes(piece_).first(wanted)) / UnitSize();
+            const std::size_t units = ReadBytes(MutableBytes(piece_).first(wanted)) / UnitSize();
             if (units == 0) break;
             for (std::size_t i = 0; i < units; ++i) {
                 into[done++] = form_ == Form::kCodePage

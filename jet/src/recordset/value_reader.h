@@ -7,6 +7,7 @@
 
 #include "jet/recordset.h"
 #include "record/long_value.h"
+#include "record/value_draft.h"
 #include "recordset/open_file.h"
 #include "table/table.h"
 
@@ -18,6 +19,8 @@ public:
     LongValueReader(std::shared_ptr<OpenFile> file, const Column& column, Bytes inRow);
     // A value that is not stored yet.
     LongValueReader(std::shared_ptr<OpenFile> file, const Value& value);
+    // One whose pieces are being collected: those that there are by now.
+    LongValueReader(std::shared_ptr<OpenFile> file, std::shared_ptr<const ValueDraft> draft);
 
     void Skip(std::uint64_t units);
 
@@ -30,6 +33,8 @@ private:
     enum class Form { kBytes, kCodePage, kUnits, kText };
 
     void RequireUnchanged() const;
+    // The next bytes of the stored value, or of the draft, as many as there are.
+    std::size_t ReadBytes(MutableBytes into);
     [[nodiscard]] std::size_t UnitSize() const { return form_ == Form::kUnits ? 2 : 1; }
 
     std::shared_ptr<OpenFile> file_;
@@ -39,10 +44,12 @@ private:
     std::vector<std::byte> inRow_;
     LongValueCursor cursor_;
     std::vector<std::byte> piece_;
-    // Without a cursor: the value, and how much of it has been read.
+    std::shared_ptr<const ValueDraft> draft_;
+    std::uint64_t draftSize_ = 0;
+    // The value, where it is in memory.
     std::u16string text_;
     Binary bytes_;
-    std::size_t at_ = 0;
+    std::uint64_t at_ = 0;  // how much of it, or of the draft, has been read
 };
 
 }  // namespace jet

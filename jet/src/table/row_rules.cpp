@@ -55,6 +55,7 @@ void RowRules::CheckColumn(std::size_t column, const Value& value) const {
 
 void RowRules::Check(const RowValues& row, bool isNew, const ColumnValue& value) const {
     for (std::size_t i = 0; i < row.values.size(); ++i) {
+        if (row.DraftOf(i) != nullptr) continue;  // which is neither null nor empty
         if (row.given[i]) {
             CheckColumn(i, row.values[i]);
         } else if (isNew) {

@@ -6,6 +6,7 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "record/draft_form.h"
 #include "values/text.h"
 
 namespace jet {
@@ -209,6 +210,13 @@ void Table::BuildLongValue(Operation& operation, std::size_t column, const Value
     }
 }
 
+void Table::BuildFromDraft(Operation& operation, std::size_t column, const ValueDraft& draft,
+                           const RowView* old, std::vector<std::byte>& into) {
+    LongValueStore& store = LongValuesOf(column);
+    store.WriteChain(operation, *StoredForm(*pager_, draft), into);
+    if (const auto stored = OldBytes(old, column)) store.Release(operation, *stored);
+}
+
 std::optional<Bytes> Table::OldBytes(const RowView* old, std::size_t column) const {
     return old == nullptr ? std::nullopt : ColumnBytes(*old, column);
 }
@@ -246,6 +254,8 @@ void Table::BuildVariablePart(Operation& operation, const RowValues& row, const 
             const auto bytes = OldBytes(old, i);
             if (!bytes) continue;
             into.insert(into.end(), bytes->begin(), bytes->end());
+        } else if (const ValueDraft* draft = row.DraftOf(i)) {
+            BuildFromDraft(operation, i, *draft, old, into);
         } else if (row.values[i].IsNull()) {
             if (old != nullptr) ReleaseLongValue(operation, i, *old);
             continue;
@@ -292,7 +302,7 @@ RowId Table::Insert(Operation& operation, const RowValues& given) {
     if (hasAutoColumn_) numbered = WithAutoNumbers(operation, given);
     const RowValues& row = hasAutoColumn_ ? numbered : given;
     const auto value = [&row](std::size_t column) {
-        return row.given[column] ? row.values[column] : Value();
+        return row.given[column] ? row.ValueOf(column) : Value();
     };
     rules_.Check(row, true, value);
     for (std::size_t i = 0; i < indexes_.size(); ++i) {
@@ -336,7 +346,7 @@ bool Table::UpdateOne(Operation& operation, RowId id, const RowValues& row,
     const RowView old = TakeOldRow(id);
     const auto readOld = [&](std::size_t column) { return ReadValue(old, column); };
     const auto readNew = [&](std::size_t column) {
-        return row.given[column] ? row.values[column] : ReadValue(old, column);
+        return row.given[column] ? row.ValueOf(column) : ReadValue(old, column);
     };
     const ColumnValue oldValue = std::ref(readOld);
     const ColumnValue newValue = std::ref(readNew);

@@ -83,6 +83,8 @@ private:
     void EncodeLongValue(const Value& value, std::size_t& plainLength);
     void BuildLongValue(Operation& operation, std::size_t column, const Value& value,
                         const RowView* old, std::vector<std::byte>& into);
+    void BuildFromDraft(Operation& operation, std::size_t column, const ValueDraft& draft,
+                        const RowView* old, std::vector<std::byte>& into);
     void ReleaseLongValue(Operation& operation, std::size_t column, const RowView& old);
     RowValues WithAutoNumbers(Operation& operation, const RowValues& row);
     void RaiseAutoNumber(Operation& operation, std::int32_t value);

@@ -14,7 +14,6 @@ namespace jet {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
-constexpr char16_t kCompressionMark = 0xFEFF;
 constexpr std::byte kSwitch{0};
 
 bool IsCompressed(Bytes stored) {
@@ -26,15 +25,6 @@ char16_t UnitAt(Bytes stored, std::size_t at) {
     std::memcpy(&unit, stored.data() + at, sizeof unit);
     if constexpr (std::endian::native != std::endian::little) unit = __builtin_bswap16(unit);
     return static_cast<char16_t>(unit);
-}
-
-void DecodePlain(Bytes stored, std::u16string& into) {
-    into.resize(stored.size() / 2);
-    if constexpr (std::endian::native == std::endian::little) {
-        if (!into.empty()) std::memcpy(into.data(), stored.data(), 2 * into.size());
-    } else {
-        for (std::size_t i = 0; i < into.size(); ++i) into[i] = UnitAt(stored, 2 * i);
-    }
 }
 
 // The next switch from `at` on, or the end.
@@ -61,49 +51,6 @@ void DecodeCompressed(Bytes stored, std::u16string& into) {
         ++at;
     }
     into.resize(static_cast<std::size_t>(unit - into.data()));
-}
-
-// A unit whose low byte is zero would be taken for a switch.
-bool CanCompress(std::u16string_view text) {
-    for (const char16_t unit : text) {
-        if ((unit & 0xFF) == 0) return false;
-    }
-    return true;
-}
-
-void AppendCompressed(std::u16string_view text, std::vector<std::byte>& into) {
-    into.push_back(std::byte{0xFF});
-    into.push_back(std::byte{0xFE});
-    if (std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x100; })) {
-        const std::size_t before = into.size();
-        into.resize(before + text.size());
-        std::transform(text.begin(), text.end(), into.begin() + static_cast<std::ptrdiff_t>(before),
-                       [](char16_t unit) { return static_cast<std::byte>(unit); });
-        return;
-    }
-    bool narrow = true;
-    for (const char16_t unit : text) {
-        if ((unit < 0x100) != narrow) {
-            into.push_back(kSwitch);
-            narrow = !narrow;
-        }
-        into.push_back(static_cast<std::byte>(unit & 0xFF));
-        if (!narrow) into.push_back(static_cast<std::byte>(unit >> 8));
-    }
-}
-
-void AppendPlain(std::u16string_view text, std::vector<std::byte>& into) {
-    if constexpr (std::endian::native == std::endian::little) {
-        const auto* bytes = reinterpret_cast<const std::byte*>(text.data());
-        into.insert(into.end(), bytes, bytes + 2 * text.size());
-        return;
-    }
-    auto at = into.size();
-    into.resize(at + 2 * text.size());
-    for (const char16_t unit : text) {
-        into[at++] = static_cast<std::byte>(unit & 0xFF);
-        into[at++] = static_cast<std::byte>(unit >> 8);
-    }
 }
 
 // The length of the sequence that begins with this byte, 0 for none.
@@ -254,13 +201,66 @@ void AppendCompressedUtf8(Bytes stored, std::string& into) {
 
 }  // namespace
 
+void ReadUnits(Bytes units, std::u16string& into) {
+    into.resize(units.size() / 2);
+    if constexpr (std::endian::native == std::endian::little) {
+        if (!into.empty()) std::memcpy(into.data(), units.data(), 2 * into.size());
+    } else {
+        for (std::size_t i = 0; i < into.size(); ++i) into[i] = UnitAt(units, 2 * i);
+    }
+}
+
+void AppendUnits(std::u16string_view text, std::vector<std::byte>& into) {
+    if constexpr (std::endian::native == std::endian::little) {
+        const auto* bytes = reinterpret_cast<const std::byte*>(text.data());
+        into.insert(into.end(), bytes, bytes + 2 * text.size());
+        return;
+    }
+    auto at = into.size();
+    into.resize(at + 2 * text.size());
+    for (const char16_t unit : text) {
+        into[at++] = static_cast<std::byte>(unit & 0xFF);
+        into[at++] = static_cast<std::byte>(unit >> 8);
+    }
+}
+
+// A unit whose low byte is zero would be taken for a switch.
+bool CanCompress(std::u16string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char16_t unit) { return (unit & 0xFF) != 0; });
+}
+
+void TextCompressor::Append(std::u16string_view piece, std::vector<std::byte>& into) {
+    if (!begun_) {
+        into.push_back(std::byte{0xFF});
+        into.push_back(std::byte{0xFE});
+        begun_ = true;
+    }
+    if (narrow_ &&
+        std::all_of(piece.begin(), piece.end(), [](char16_t unit) { return unit < 0x100; })) {
+        const std::size_t before = into.size();
+        into.resize(before + piece.size());
+        std::transform(piece.begin(), piece.end(),
+                       into.begin() + static_cast<std::ptrdiff_t>(before),
+                       [](char16_t unit) { return static_cast<std::byte>(unit); });
+        return;
+    }
+    for (const char16_t unit : piece) {
+        if ((unit < 0x100) != narrow_) {
+            into.push_back(kSwitch);
+            narrow_ = !narrow_;
+        }
+        into.push_back(static_cast<std::byte>(unit & 0xFF));
+        if (!narrow_) into.push_back(static_cast<std::byte>(unit >> 8));
+    }
+}
+
 void DecodeText(Bytes stored, Version version, std::u16string& into) {
     if (version == Version::kJet3) {
         DecodeCodePage(stored, into);
     } else if (IsCompressed(stored)) {
         DecodeCompressed(stored, into);
     } else {
-        DecodePlain(stored, into);
+        ReadUnits(stored, into);
     }
 }
 
@@ -288,21 +288,21 @@ void EncodeText(std::u16string_view text, Version version, bool compress,
         return;
     }
     // Stored plainly, a text that begins with this unit would read as a compressed one.
-    while (text.starts_with(kCompressionMark)) {
+    if (text.starts_with(kCompressionMark)) {
         if (CanCompress(text)) {
-            AppendCompressed(text, into);
+            TextCompressor().Append(text, into);
             return;
         }
         // It has no width; the text is what it was to every reader.
-        text.remove_prefix(1);
+        text.remove_prefix(std::min(text.find_first_not_of(kCompressionMark), text.size()));
     }
     if (compress && text.size() > 2 && CanCompress(text)) {
         const std::size_t before = into.size();
-        AppendCompressed(text, into);
+        TextCompressor().Append(text, into);
         if (into.size() - before < 2 * text.size()) return;
         into.resize(before);
     }
-    AppendPlain(text, into);
+    AppendUnits(text, into);
 }
 
 std::u16string WidenName(std::string_view utf8) {

@@ -30,6 +30,25 @@ void DecodeText(Bytes stored, Version version, std::string& into);
 void EncodeText(std::u16string_view text, Version version, bool compress,
                 std::vector<std::byte>& into);
 
+// The same of a text that comes in pieces, compressed whether that is shorter or not.
+class TextCompressor {
+public:
+    void Append(std::u16string_view piece, std::vector<std::byte>& into);
+
+private:
+    bool begun_ = false;
+    bool narrow_ = true;
+};
+// Whether all of its units can stand in a compressed text.
+[[nodiscard]] bool CanCompress(std::u16string_view text);
+// A text that begins with this unit has to be compressed, or stored without it.
+inline constexpr char16_t kCompressionMark = 0xFEFF;
+
+// Units as they are, two bytes each, the lower one first.
+void AppendUnits(std::u16string_view text, std::vector<std::byte>& into);
+// Replaces `into`; an odd byte at the end is passed over.
+void ReadUnits(Bytes units, std::u16string& into);
+
 // Names: UTF-8 in the engine's face, plain text in the file.
 std::u16string WidenName(std::string_view utf8);
 std::string NarrowName(std::u16string_view name);
