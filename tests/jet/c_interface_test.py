@@ -17,6 +17,7 @@ LIBRARY.jet_rollback.restype = None
 BOOLEAN, LONG, CURRENCY, DOUBLE, DATE, BINARY, TEXT, OLE, MEMO, GUID, DECIMAL = (
     1, 4, 5, 7, 8, 9, 10, 11, 12, 15, 16)
 EQUAL, GREATER_OR_EQUAL = 0, 1
+STATUS = "/proc/self/status"
 
 
 class Error(c.Structure):
@@ -76,6 +77,11 @@ def handle(name, *arguments):
     made = c.c_void_p()
     call(name, *arguments, c.byref(made))
     return made
+
+
+def peak_in_kib():
+    with open(STATUS, encoding="ascii") as status:
+        return int(next(line for line in status if line.startswith("VmHWM:")).split()[1])
 
 
 class CInterface(unittest.TestCase):
@@ -238,6 +244,75 @@ class CInterface(unittest.TestCase):
                      c.c_size_t(777), c.byref(size), None)
         LIBRARY.jet_recordset_close(zones)
         call("jet_close", database)
+
+    @unittest.skipUnless(os.path.exists(STATUS), "This system does not say how much memory we took.")
+    def test_long_values_take_little_memory(self):
+        before = peak_in_kib()
+        database = self.create()
+        zones = handle("jet_open_table", database, b"Zones")
+        part, parts = bytes(range(256)) * 256, 900
+        call("jet_add_new", zones)
+        call("jet_set_long", zones, c.c_size_t(0), 1)
+        for _ in range(parts):
+            call("jet_append_bytes", zones, c.c_size_t(7), part, c.c_size_t(len(part)))
+            call("jet_append_text", zones, c.c_size_t(6), b"\xe2\x82\xac" * 1000)
+        call("jet_update", zones)
+        call("jet_move_first", zones)
+        buffer, size, at = c.create_string_buffer(len(part)), c.c_size_t(1), 0
+        while True:
+            call("jet_get_part", zones, c.c_size_t(7), c.c_uint64(at), buffer,
+                 c.c_size_t(len(part)), c.byref(size), None)
+            if size.value == 0:
+                break
+            self.assertEqual(buffer.raw[:size.value], part)
+            at += size.value
+        self.assertEqual(at, parts * len(part))
+        units, at = (c.c_uint16 * 5000)(), 0
+        while size.value or at == 0:
+            call("jet_get_memo_part", zones, c.c_size_t(6), c.c_uint64(at), units,
+                 c.c_size_t(5000), c.byref(size), None)
+            self.assertEqual(set(units[:size.value]), {0x20ac} if size.value else set())
+            at += size.value
+        self.assertEqual(at, parts * 1000)
+        LIBRARY.jet_recordset_close(zones)
+        call("jet_close", database)
+        self.assertLess(peak_in_kib() - before, 45 << 10)
+
+    def test_parts_follow_the_record_and_its_changes(self):
+        database = self.create()
+        zones = handle("jet_open_table", database, b"Zones")
+        for zone, letter in ((1, b"a"), (2, b"b")):
+            call("jet_add_new", zones)
+            call("jet_set_long", zones, c.c_size_t(0), zone)
+            call("jet_set_bytes", zones, c.c_size_t(7), letter * 20000, c.c_size_t(20000))
+            call("jet_update", zones)
+        call("jet_move_first", zones)
+        self.assertEqual(self.part(zones, 7, 0, 9), b"a" * 9)
+        call("jet_move_next", zones)
+        self.assertEqual(self.part(zones, 7, 9, 9), b"b" * 9)
+        call("jet_edit", zones)
+        call("jet_append_bytes", zones, c.c_size_t(7), b"c" * 30, c.c_size_t(30))
+        self.assertEqual(self.part(zones, 7, 18, 9), b"c" * 9)
+        call("jet_append_bytes", zones, c.c_size_t(7), b"d" * 30, c.c_size_t(30))
+        self.assertEqual(self.part(zones, 7, 27, 9), b"cccdddddd")
+        call("jet_update", zones)
+        self.assertEqual(self.part(zones, 7, 36, 30), b"d" * 24)
+        self.assertEqual(self.part(zones, 7, 60, 30), b"")
+        call("jet_edit", zones)
+        call("jet_set_null", zones, c.c_size_t(7))
+        call("jet_update", zones)
+        self.assertIsNone(self.part(zones, 7, 60, 30))
+        call("jet_delete", zones)
+        with self.assertRaises(JetError):
+            self.part(zones, 7, 60, 30)
+        LIBRARY.jet_recordset_close(zones)
+        call("jet_close", database)
+
+    def part(self, rows, field, offset, capacity):
+        buffer, size, is_null = c.create_string_buffer(capacity), c.c_size_t(), c.c_int()
+        call("jet_get_part", rows, c.c_size_t(field), c.c_uint64(offset), buffer,
+             c.c_size_t(capacity), c.byref(size), c.byref(is_null))
+        return None if is_null.value else buffer.raw[:size.value]
 
     def test_moving_seeking_and_deleting(self):
         database = self.create()

@@ -225,7 +225,8 @@ JET_API int jet_get_text(jet_recordset* recordset, size_t field, char* text, siz
 JET_API int jet_get_bytes(jet_recordset* recordset, size_t field, void* bytes, size_t capacity,
                           size_t* size, int* is_null, jet_error* error);
 /* A part of an OLE value, which is not read as a whole: `offset` and *size in bytes; *size is that
- * of the part, 0 behind the end. */
+ * of the part, 0 behind the end. Parts that follow each other take the time of reading the value
+ * once. */
 JET_API int jet_get_part(jet_recordset* recordset, size_t field, uint64_t offset, void* bytes,
                          size_t capacity, size_t* size, int* is_null, jet_error* error);
 /* The same of a memo, in UTF-16: `offset`, `capacity` and *size count units of two bytes. */
@@ -251,7 +252,9 @@ JET_API int jet_set_text(jet_recordset* recordset, size_t field, const char* tex
                          jet_error* error);
 JET_API int jet_set_bytes(jet_recordset* recordset, size_t field, const void* bytes, size_t size,
                           jet_error* error);
-/* Adds a part to an OLE value or, as text, to a memo; the first one of an edit begins it. */
+/* Adds a part to an OLE value or, as text of whole characters, to a memo; the first one of an edit
+ * begins it. A long value takes little memory in this way: its parts wait in a temporary file
+ * beside the database, so besides the errors of setting there are those of writing. */
 JET_API int jet_append_bytes(jet_recordset* recordset, size_t field, const void* bytes, size_t size,
                              jet_error* error);
 JET_API int jet_append_text(jet_recordset* recordset, size_t field, const char* text,

@@ -16,9 +16,18 @@ struct jet_database {
     std::unique_ptr<jet::Database> opened;
 };
 
+// A long value that is read part by part: where the next part would begin.
+struct jet_part_reader {
+    std::unique_ptr<jet::ValueReader> reader;
+    size_t field = 0;
+    uint32_t record = 0;
+    uint64_t next = 0;
+};
+
 struct jet_recordset {
     std::unique_ptr<jet::Recordset> rows;
     std::string text;  // memory that is used again
+    jet_part_reader parts;
 };
 
 struct jet_transaction {

@@ -39,20 +39,57 @@ int Do(jet_recordset* recordset, jet_error* error, const Call& call) {
     return Guarded(error, [&] { call(RowsOf(recordset)); });
 }
 
+// Goes on with the reader of the part before this one, where there is one: to begin anew at each
+// part takes the time of reading everything before it.
+template <typename Unit>
+std::optional<std::size_t> ReadNext(jet_recordset& recordset, size_t field, uint64_t offset,
+                                    std::span<Unit> into) {
+    jet_part_reader& parts = recordset.parts;
+    const jet::Recordset& rows = *recordset.rows;
+    if (!parts.reader || parts.field != field || parts.next != offset || rows.IsEditing() ||
+        parts.record != rows.RecordId()) {
+        return std::nullopt;
+    }
+    try {
+        return parts.reader->Read(into);
+    } catch (const jet::Error& error) {
+        // The database has been changed since.
+        if (error.Kind() != jet::ErrorKind::kNoCurrentRecord) throw;
+        return std::nullopt;
+    }
+}
+
+template <typename Unit>
+std::optional<std::size_t> ReadPart(jet_recordset& recordset, size_t field, uint64_t offset,
+                                    std::span<Unit> into) {
+    jet_part_reader& parts = recordset.parts;
+    std::optional<std::size_t> count = ReadNext(recordset, field, offset, into);
+    if (!count) {
+        parts.reader = recordset.rows->OpenReader(FieldOf(*recordset.rows, field), offset);
+        if (!parts.reader) return std::nullopt;
+        count = parts.reader->Read(into);
+    }
+    parts.next = offset + *count;
+    parts.field = field;
+    if (recordset.rows->IsEditing()) {
+        parts.reader.reset();
+    } else {
+        parts.record = recordset.rows->RecordId();
+    }
+    return count;
+}
+
 // A part of a long value, in bytes or in units of text.
 template <typename Unit, typename Given>
 int GetPart(jet_recordset* recordset, size_t field, uint64_t offset, Given* to, size_t capacity,
             size_t* size, int* is_null, jet_error* error) {
     return Guarded(error, [&] {
-        const jet::Recordset& rows = RowsOf(recordset);
-        const auto reader = rows.OpenReader(FieldOf(rows, field), offset);
-        if (reader) {
-            auto* const units = static_cast<Unit*>(static_cast<void*>(to));
-            if (capacity > 0) Require(units);
-            const std::size_t count = reader->Read(std::span(units, capacity));
-            if (size != nullptr) *size = count;
-        }
-        GiveNull(!reader, is_null);
+        FieldOf(RowsOf(recordset), field);
+        auto* const units = static_cast<Unit*>(static_cast<void*>(to));
+        if (capacity > 0) Require(units);
+        const auto count = ReadPart(*recordset, field, offset, std::span(units, capacity));
+        if (count && size != nullptr) *size = *count;
+        GiveNull(!count, is_null);
     });
 }
 
