@@ -63,7 +63,40 @@ TEST_P(CreateTable, FieldsThatTheFormatLacks_AreRefused) {
     EXPECT_EQ(Refusal(many), ErrorKind::kUnsupported);
 }
 
+TEST_P(CreateTable, TwoFieldsThatNumberTheRecords_AreRefused) {
+    EXPECT_EQ(Refusal({{.name = "A", .autoNumber = true}, {.name = "B", .autoNumber = true}}),
+              ErrorKind::kUnsupported);
+}
+
+TEST_P(CreateTable, NamesThatTheFileWouldChange_AreRefused) {
+    std::vector<std::string> refused = {"\xFF\xFE", "a\xC3", "\xED\xA0\x80"};
+    if (GetParam() == Version::kJet3) refused.emplace_back("\u4E00");
+    for (const std::string& name : refused) {
+        EXPECT_EQ(ErrorOf([&] {
+                      database_->CreateTable({name, {{"A"}}, {}});
+                  }),
+                  ErrorKind::kBadName);
+        EXPECT_EQ(Refusal({{.name = name}}), ErrorKind::kBadName);
+        EXPECT_EQ(Refusal({{.name = "A"}}, {{.name = name, .columns = {{"A"}}}}),
+                  ErrorKind::kBadName);
+    }
+    EXPECT_TRUE(database_->TableNames().empty());
+}
+
+TEST_P(CreateTable, PropertiesThatAreTooLong_AreRefused) {
+    const std::string tooLong(70000, 'x');
+    const std::string longest(30000, '7');
+    EXPECT_EQ(Refusal({{.name = "A", .defaultValue = tooLong}}), ErrorKind::kUnsupported);
+    EXPECT_EQ(Refusal({{.name = "A", .validationRule = tooLong}}), ErrorKind::kUnsupported);
+    EXPECT_EQ(Refusal({{.name = "A", .validationRule = "1", .validationText = tooLong}}),
+              ErrorKind::kUnsupported);
+    const TableSchema made = Made({"T", {{.name = "A", .defaultValue = longest}}, {}});
+    EXPECT_EQ(made.columns[0].defaultValue, longest);
+}
+
 TEST_P(CreateTable, IndexesThatCannotBe_AreRefused) {
+    EXPECT_EQ(Refusal({{.name = "A"}}, {{.name = "I", .columns = {{"A"}, {"a", false}}}}),
+              ErrorKind::kUnsupported);
     const std::vector<ColumnSchema> columns = {{.name = "A"}, {.name = "B"}};
     EXPECT_EQ(Refusal(columns, {{.name = "I"}}), ErrorKind::kUnsupported);
     EXPECT_EQ(Refusal(columns, {{.name = "I", .columns = std::vector<IndexColumn>(11, {"A"})}}),

@@ -1,10 +1,13 @@
 #include "catalog/new_table.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 #include "catalog/table_maker.h"
 #include "jet/error.h"
 #include "table/definition_layout.h"
+#include "values/code_page.h"
 #include "values/text.h"
 
 namespace jet {
@@ -17,6 +20,21 @@ constexpr int kLongestText = 255;
 constexpr int kLongestBinaryJet3 = 255;
 constexpr int kLongestBinaryJet4 = 510;
 constexpr int kHighestPrecision = 28;
+
+// A name that the file cannot hold as it is would be another one, perhaps that of something else.
+void RequireName(std::string_view utf8, Version version) {
+    constexpr std::u16string_view kForbidden = u".!`[]";
+    const std::u16string name = WidenName(utf8);
+    bool held = NarrowName(name) == utf8;
+    if (version == Version::kJet3) static_cast<void>(EncodeCodePage(name, &held));
+    const bool bad = name.empty() || name.size() > kLongestName || name.front() == u' ' ||
+                     std::any_of(name.begin(), name.end(), [&](char16_t c) {
+                         return c < u' ' || kForbidden.find(c) != std::u16string_view::npos;
+                     });
+    if (bad || !held) {
+        throw Error(ErrorKind::kBadName, "'" + NarrowName(name) + "' is not a valid name.");
+    }
+}
 
 [[noreturn]] void ThrowUnsupported(const std::string& what) {
     throw Error(ErrorKind::kUnsupported, what);
@@ -93,6 +111,13 @@ RealIndex RealIndexOf(const IndexSchema& schema, const Definition& definition) {
                 ErrorKind::kNoSuchField,
                 "The index '" + schema.name + "' names the unknown field '" + part.name + "'.");
         }
+        const bool again = std::any_of(
+            index.parts.begin(), index.parts.end(),
+            [&column](const RealIndex::Part& other) { return other.column == *column; });
+        if (again) {
+            ThrowUnsupported("The index '" + schema.name + "' names the field '" + part.name +
+                             "' twice.");
+        }
         index.parts.push_back({*column, part.ascending});
     }
     return index;
@@ -119,7 +144,7 @@ void AddIndex(const IndexSchema& schema, Definition& definition) {
     LogicalIndex index;
     index.wide = WidenName(schema.name);
     index.name = schema.name;
-    RequireName(index.wide);
+    RequireName(schema.name, definition.version);
     if (definition.FindIndex(index.wide) != nullptr) {
         throw Error(ErrorKind::kAlreadyExists, "The index '" + schema.name + "' already exists.");
     }
@@ -155,19 +180,8 @@ ColumnSchema SchemaOfColumn(const Column& column, Version version) {
 
 }  // namespace
 
-void RequireName(std::u16string_view name) {
-    constexpr std::u16string_view kForbidden = u".!`[]";
-    const bool bad = name.empty() || name.size() > kLongestName || name.front() == u' ' ||
-                     std::any_of(name.begin(), name.end(), [&](char16_t c) {
-                         return c < u' ' || kForbidden.find(c) != std::u16string_view::npos;
-                     });
-    if (bad) {
-        throw Error(ErrorKind::kBadName, "'" + NarrowName(name) + "' is not a valid name.");
-    }
-}
-
 Definition DefinitionOf(const TableSchema& schema, Version version) {
-    RequireName(WidenName(schema.name));
+    RequireName(schema.name, version);
     if (schema.columns.empty() || schema.columns.size() > kMostColumns) {
         ThrowUnsupported("A table must have between 1 and 255 fields.");
     }
@@ -176,9 +190,13 @@ Definition DefinitionOf(const TableSchema& schema, Version version) {
     }
     Definition definition;
     definition.version = version;
+    bool numbered = false;
     for (const ColumnSchema& column : schema.columns) {
         Column made = ColumnOf(column, version);
-        RequireName(made.wide);
+        RequireName(column.name, version);
+        if (made.autoNumber && std::exchange(numbered, true)) {
+            ThrowUnsupported("A table can number its records in one field only.");
+        }
         if (definition.FindColumn(made.wide)) {
             throw Error(ErrorKind::kAlreadyExists,
                         "The field '" + column.name + "' already exists.");

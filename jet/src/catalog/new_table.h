@@ -13,8 +13,6 @@ Definition DefinitionOf(const TableSchema& schema, Version version);
 void RequireIndexable(const Definition& definition);
 // kRecordTooLarge when not even a record without any text would fit.
 void RequireRowFits(const Definition& definition, const Format& format);
-// kBadName.
-void RequireName(std::u16string_view name);
 
 // What an existing table is made of.
 TableSchema SchemaOf(const std::string& name, const Definition& definition);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 #include "jet/error.h"
 #include "page/bytes.h"
@@ -137,7 +138,12 @@ public:
         U16(kind);
         Add(contents.bytes_);
     }
+    // Its length takes two bytes.
     void Property(std::uint16_t name, ColumnType type, Bytes value) {
+        if (kPropertyHead + value.size() > std::numeric_limits<std::uint16_t>::max()) {
+            throw Error(ErrorKind::kUnsupported,
+                        "A default value, a rule or its text is longer than the format allows.");
+        }
         U16(kPropertyHead + value.size());
         U8(1);
         U8(static_cast<std::uint8_t>(type));

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "catalog/new_table.h"
 #include "catalog/properties.h"
@@ -269,6 +270,11 @@ private:
             return lost;
         });
         TableSchema schema = SchemaOf(layout.name, definition);
+        bool numbered = false;
+        for (ColumnSchema& column : schema.columns) {
+            // One field numbers the records; damage can make it look like two.
+            if (column.autoNumber) column.autoNumber = !std::exchange(numbered, true);
+        }
         for (const LogicalIndexLayout& index : layout.logicalIndexes) {
             AddIndex(layout, index, requirements, schema);
         }
@@ -295,7 +301,10 @@ private:
                      " is on a field that is not there.");
                 return;
             }
-            added.columns.push_back({column->name, part.ascending});
+            const bool again = std::any_of(
+                added.columns.begin(), added.columns.end(),
+                [column](const IndexColumn& other) { return other.name == column->name; });
+            if (!again) added.columns.push_back({column->name, part.ascending});
         }
         if (added.columns.empty()) {
             return;
