@@ -11,9 +11,16 @@ import os
 import re
 import subprocess
 import sys
+import tempfile
+from collections import defaultdict
 from pathlib import Path
 
 import tree
+
+# Files of a folder are examined together, as most of the time goes to the headers that all of them read.
+TOGETHER = 10
+# No other code includes files like these; what is found in them counts wherever they lie.
+OF_TOGETHER = ("--checks=-bugprone-suspicious-include", f"--header-filter=^{re.escape(str(tree.ROOT))}/")
 
 
 def remembered():
@@ -39,7 +46,22 @@ def headers_of(build):
     return found
 
 
-def commands(build, wanted):
+class Source:
+    """A file and how it is compiled; a file of several targets counts with the first of them."""
+
+    def __init__(self, entry):
+        self.path = Path(entry["file"])
+        self.command = entry["command"]
+        self.folder = entry["directory"]
+        self.output = re.search(r" -o (\S+)", self.command)[1]
+
+    def options(self):
+        """What files have in common that can be examined together."""
+        return re.sub(r" -o \S+| -c \S+", "", self.command), self.path.parent
+
+
+def sources(build, wanted):
+    found = {}
     for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
         path = Path(entry["file"])
         if path.is_relative_to(build) or not path.is_relative_to(tree.ROOT):
@@ -48,32 +70,64 @@ def commands(build, wanted):
             continue
         if wanted and path.resolve() not in wanted:
             continue
-        yield path, re.search(r" -o (\S+)", entry["command"])[1], entry["command"]
+        found.setdefault(path, Source(entry))
+    return list(found.values())
 
 
 def version():
     return subprocess.run(["clang-tidy", "--version"], capture_output=True, check=False).stdout
 
 
-def fingerprint(path, command, headers, judge):
+def fingerprint(source, headers, judge):
     digest = hashlib.sha256(judge)
     digest.update((tree.ROOT / ".clang-tidy").read_bytes())
     # How far the compiler optimizes changes nothing for clang-tidy, nor where the clone is.
-    told = [word for word in command.replace(str(tree.ROOT), "").split()
+    told = [word for word in source.command.replace(str(tree.ROOT), "").split()
             if not word.startswith(("-O", "-g")) and word != "-DNDEBUG"]
     digest.update(" ".join(told).encode())
-    for part in sorted({path, *headers}):
+    for part in sorted({source.path, *headers}):
         digest.update(tree.name(part).encode() + part.read_bytes())
     return digest.hexdigest()
 
 
-def examine(build, path, known, key):
-    run = subprocess.run(["clang-tidy", "--quiet", "-p", str(build), str(path)],
-                         capture_output=True, text=True, check=False)
+def judged(path, entry, *options):
+    """What clang-tidy says of a file that is compiled as the entry says; None where that is nothing."""
+    with tempfile.TemporaryDirectory() as folder:
+        (Path(folder) / "compile_commands.json").write_text(json.dumps([entry]), encoding="utf-8")
+        run = subprocess.run(["clang-tidy", "--quiet", "-p", folder, f"--config-file={tree.ROOT}/.clang-tidy",
+                              *options, str(path)], capture_output=True, text=True, check=False)
     if run.returncode == 0 and "warning:" not in run.stdout:
-        (known / key).touch()
         return None
     return run.stdout + ("" if run.stdout.strip() else run.stderr)
+
+
+def examined(group):
+    """The findings in files of one folder. Those that cannot be read as one, because names that each keeps
+    to itself are the same, and those with a finding, are examined in halves, in the end each alone."""
+    first = group[0]
+    if len(group) == 1:
+        found = judged(first.path, {"file": str(first.path), "command": first.command,
+                                    "directory": first.folder})
+        return [found] if found else []
+    with tempfile.NamedTemporaryFile("w", suffix=".cpp", encoding="utf-8") as whole:
+        whole.write("".join(f'#include "{source.path}"\n' for source in group))
+        whole.flush()
+        command = first.command.replace(f" -c {first.path}", f" -c {whole.name}")
+        if not judged(whole.name, {"file": whole.name, "command": command, "directory": first.folder},
+                      *OF_TOGETHER):
+            return []
+    half = len(group) // 2
+    return examined(group[:half]) + examined(group[half:])
+
+
+def groups(work):
+    alike = defaultdict(list)
+    for source in sorted(work, key=lambda source: source.path):
+        alike[source.options()].append(source)
+    for members in alike.values():
+        parts = -(-len(members) // TOGETHER)
+        size = -(-len(members) // parts)
+        yield from (members[start:start + size] for start in range(0, len(members), size))
 
 
 def main():
@@ -82,22 +136,23 @@ def main():
     known = remembered()
     judge = version()
     headers = headers_of(build)
-    work, seen, total = [], set(), 0
-    for path, output, command in commands(build, wanted):
-        if path in seen:
-            continue
-        seen.add(path)
-        total += 1
-        key = fingerprint(path, command, headers.get(output, []), judge)
-        if not (known / key).exists():
-            work.append((path, key))
+    listed = sources(build, wanted)
+    keys = {source: fingerprint(source, headers.get(source.output, []), judge) for source in listed}
+    work = [source for source in listed if not (known / keys[source]).exists()]
     offenders = []
+
+    def look(group):
+        found = examined(group)
+        if not found:
+            for source in group:
+                (known / keys[source]).touch()
+        return found
+
     jobs = int(os.environ.get("TARN_JOBS", os.cpu_count()))
     with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
-        for result in pool.map(lambda item: examine(build, item[0], known, item[1]), work):
-            if result:
-                offenders.append(result)
-    print(f"{len(work)} of {total} files examined")
+        for found in pool.map(look, sorted(groups(work), key=len, reverse=True)):
+            offenders += found
+    print(f"{len(work)} of {len(listed)} files examined")
     tree.finish(offenders, "nothing for clang-tidy to say")
 
 
