@@ -18,6 +18,7 @@
 #include "jet/error.h"
 #include "jet/failing_allocations.h"
 #include "jet/recordset.h"
+#include "support/sanitizers.h"
 
 namespace jet {
 namespace {
@@ -98,7 +99,7 @@ protected:
     static void FailEach(
         const std::function<void()>& operation, const std::function<void()>& look,
         const std::function<void()>& restore = [] {}) {
-        for (long nth = 0; nth < 20000; ++nth) {
+        for (long nth = 0; nth < 20000; nth += support::kOneOf) {
             restore();
             if (Passes(nth, operation)) {
                 RecordProperty("allocations", static_cast<int>(nth));

@@ -176,7 +176,7 @@ TEST_P(SmallFile, AnyByteOfItsStructuresDamaged_IsSurvivedReportedAndRepaired) {
     const Look sound = LookAt(*files_);
     ASSERT_TRUE(sound.opened);
     std::mt19937 draw(99);
-    for (int i = 0; i < 60 * PlacesForEachFile(); ++i) {
+    for (int i = 0; i < 60 * PlacesForEachFile() / support::kOneOf; ++i) {
         // Headers and directories begin a page, rows end it.
         const std::size_t page = draw() % (contents.size() / pageSize);
         const std::size_t within = draw() % 160;

@@ -15,6 +15,7 @@
 #include "page/bytes.h"
 #include "page/operation.h"
 #include "page/pager.h"
+#include "support/sanitizers.h"
 
 namespace jet {
 namespace {
@@ -213,6 +214,10 @@ protected:
         Erase(place->second);
     }
 
+    void VerifyOneOf(int step) {
+        if (step % support::kOneOf == 0) Verify();
+    }
+
     void Verify() {
         const TreeVerifier verifier(*pager_, root_);
         std::vector<Key> expected;
@@ -311,7 +316,7 @@ TEST_P(IndexTreeTest, RandomChanges_EqualASetAfterEveryStep) {
             } else {
                 EraseAny();
             }
-            ASSERT_NO_FATAL_FAILURE(Verify());
+            ASSERT_NO_FATAL_FAILURE(VerifyOneOf(step));
             ASSERT_FALSE(HasFailure());
             Key search = RandomEntry().key;
             search.resize(
@@ -406,13 +411,14 @@ TEST_P(IndexTreeTest, LevelsOfNodes_GrowAndShrink) {
             entry.key[at] = static_cast<std::byte>(random_() & 0xFF);
         }
         Insert(entry);
-        ASSERT_NO_FATAL_FAILURE(Verify());
+        ASSERT_NO_FATAL_FAILURE(VerifyOneOf(i));
     }
+    ASSERT_NO_FATAL_FAILURE(Verify());
     EXPECT_GE(levels_, 4);
     ASSERT_NO_FATAL_FAILURE(VerifyWalk());
     while (!model_.empty()) {
         EraseAny();
-        ASSERT_NO_FATAL_FAILURE(Verify());
+        ASSERT_NO_FATAL_FAILURE(VerifyOneOf(static_cast<int>(model_.size())));
         ASSERT_FALSE(HasFailure());
     }
 }

@@ -12,4 +12,8 @@ inline constexpr bool kIsSanitized =
 inline constexpr bool kIsSanitized = false;
 #endif
 
+// Under a sanitizer all takes several times as long: where a test tries case after case, it tries
+// one of so many there; the optimized build tries them all.
+inline constexpr int kOneOf = kIsSanitized ? 5 : 1;
+
 }  // namespace support

@@ -1,9 +1,10 @@
-// Five thousand steps of a person on each grid of figures.
+// Thousands of steps of a person on each grid of figures.
 #include "GridWalk.h"
 
 #include "datafile/FieldReaders.h"
 #include "datafile/ZoneKeys.h"
 #include "platform/controls/SSPanel.h"
+#include "support/sanitizers.h"
 #include "worksheets/cost/frm6SuppressAcre.h"
 #include "worksheets/nvc/frm5NVCTable.h"
 #include "worksheets/zones/ZoneRecords.h"
@@ -14,7 +15,7 @@ using FieldReaders::TextField;
 
 namespace {
 
-constexpr int kSteps = 5000;
+constexpr int kSteps = 5000 / support::kOneOf;
 
 class FigureWalk : public GridWalk {
 protected:

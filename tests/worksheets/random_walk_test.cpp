@@ -11,6 +11,7 @@
 #include "datafile/FieldReaders.h"
 #include "datafile/ZoneKeys.h"
 #include "platform/text/Numbers.h"
+#include "support/sanitizers.h"
 #include "worksheet_fixture.h"
 #include "worksheets/cost/frm6SuppressAcre.h"
 #include "worksheets/goals/frm2RMAs.h"
@@ -27,7 +28,7 @@ using FieldReaders::TextField;
 
 namespace {
 
-constexpr int kSteps = 2000;
+constexpr int kSteps = 2000 / support::kOneOf;
 constexpr int kMostZones = 5;
 constexpr int kMostResources = 12;
 constexpr int kMostGoals = 6;
@@ -371,7 +372,7 @@ void RandomWalk::ExpectZones() {
     }
 }
 
-TEST_F(RandomWalk, TwoThousandActions_EndInAFileEqualToTheModel) {
+TEST_F(RandomWalk, ThousandsOfActions_EndInAFileEqualToTheModel) {
     Load<frm4FMZs>();
     StepInZones();
     for (int step = 0; step < kSteps && !HasFailure(); ++step) {
