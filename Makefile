@@ -1,5 +1,5 @@
 # One-word commands for contributors; `make` alone builds.
-.PHONY: build check quick long format coverage windows bench fuzz package run tour pictures clean
+.PHONY: build check quick long format coverage windows windows-tests bench fuzz package run tour pictures clean
 
 build:
 	tools/setup.sh build
@@ -34,6 +34,11 @@ coverage:
 windows:
 	tools/setup.sh windows
 	tools/windows.sh
+
+windows-tests:
+	tools/setup.sh windows
+	tools/windows.sh tests
+	TARN_PLATFORM=windows tools/windows.sh tests
 
 bench:
 	tools/setup.sh bench
