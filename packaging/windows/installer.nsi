@@ -54,6 +54,10 @@ Function RequireWritable
     MessageBox MB_OK|MB_ICONEXCLAMATION "You may not write into this folder, and TARN Prep keeps your data files beside \
 itself.$\r$\n$\r$\nThe folder that is offered now is yours."
     StrCpy $INSTDIR "$LOCALAPPDATA\Programs\TARN Prep"
+    ; The page shows what was typed, and would take that again.
+    FindWindow $1 "#32770" "" $HWNDPARENT
+    GetDlgItem $2 $1 1019
+    SendMessage $2 ${WM_SETTEXT} 0 "STR:$INSTDIR"
     Abort
 writable:
 FunctionEnd
