@@ -125,14 +125,14 @@ TEST_F(FlexGridSizes, CurrentCell_IsFramedWithoutColors) {
 TEST_F(FlexGridSizes, LongNumber_ShowsWholeWhileItIsTyped) {
     EditOnEntering();
     Show();
-    grid_->horizontalHeader()->resizeSection(2, 60);
+    grid_->horizontalHeader()->resizeSection(2, 40);
     ClickCell(2, 2);
     Type("-1234567.5");
     const auto* editor = grid_->findChild<QLineEdit*>("txtCellEditor");
     EXPECT_GT(editor->width(), editor->fontMetrics().horizontalAdvance("-1234567.5"));
     EXPECT_EQ(editor->geometry().right(), grid_->CellRect(2, 2).right() - 1);
     // A click beside the cell is meant for what lies below the box.
-    const QPoint beside = grid_->CellRect(2, 2).center() - QPoint(40, 0);
+    const QPoint beside = grid_->CellRect(2, 2).center() - QPoint(30, 0);
     EXPECT_TRUE(editor->geometry().contains(beside));
     QTest::mouseClick(window_.windowHandle(), Qt::LeftButton, {},
                       grid_->viewport()->mapTo(&window_, beside));
