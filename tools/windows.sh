@@ -48,11 +48,13 @@ program() {
 package() {
     built program
     "$root/packaging/windows/build.sh" "$build" "$libraries" "$root/build-package"
-    "$root/tools/windows/archive_test.sh" "$root"/build-package/TARNPrep-*-windows.zip
+    "$root/tools/windows/archive_test.sh" "$root"/build-package/TARNPrep-*-windows.zip &
+    archive_test=$!
     setup=$(find "$root/build-package" -name 'TARNPrep-*-setup.exe')
     if [ -n "$setup" ]; then
         "$root/tools/windows/install_test.sh" "$setup"
     fi
+    wait "$archive_test"
 }
 
 # How soon the programs show, beside the least that a program with a window can be.

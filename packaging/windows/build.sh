@@ -18,10 +18,12 @@ cmake --install "$build" --prefix "$stage" --component windows --strip >/dev/nul
 
 archive=$out/TARNPrep-$version-windows.zip
 rm -f "$archive"
-(cd "$out/windows" && cmake -E tar cf "$archive" --format=zip "TARNPrep-$version")
-echo "$archive"
+(cd "$out/windows" && cmake -E tar cf "$archive" --format=zip "TARNPrep-$version") &
+packing=$!
 
 if ! command -v makensis >/dev/null; then
+    wait "$packing"
+    echo "$archive"
     echo "makensis (nsis) is not installed, so there is no installer." >&2
     exit 0
 fi
@@ -34,4 +36,6 @@ list=$out/windows/uninstall.nsh
 makensis -V2 -NOCD "-DVERSION=$version" "-DSTAGE=$stage" "-DLIST=$list" \
     "-DICON=$build/windows/tarnprep.ico" "-DOUT=$out/TARNPrep-$version-setup.exe" \
     "$root/packaging/windows/installer.nsi"
+wait "$packing"
+echo "$archive"
 echo "$out/TARNPrep-$version-setup.exe"
