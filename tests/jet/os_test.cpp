@@ -484,6 +484,19 @@ TEST_P(AnyFileSystem, PiecesAreWrittenOneBehindTheOther) {
     EXPECT_EQ(stored, expected);
 }
 
+TEST_P(AnyFileSystem, TemporaryFile_IsGoneWhenItIsClosed) {
+    const auto model = Files().Open(Name("a"), OpenMode::kCreateNew);
+    Files().Open(Name("b"), OpenMode::kCreateNew)->Write(0, SomeBytes(9));
+    auto file = Files().CreateTemporary(Name("b"), *model);
+    EXPECT_EQ(file->Size(), 0U);
+    file->Write(0, SomeBytes(4));
+    std::vector<std::byte> stored(4);
+    file->Read(0, stored);
+    EXPECT_EQ(stored, SomeBytes(4));
+    file.reset();
+    EXPECT_FALSE(Files().Exists(Name("b")));
+}
+
 TEST_P(AnyFileSystem, FileOpenedForReading_IsNotWritten) {
     Files().Open(Name("a"), OpenMode::kCreateNew)->Write(0, SomeBytes(4));
     const auto file = Files().Open(Name("a"), OpenMode::kReadOnly);

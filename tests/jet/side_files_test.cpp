@@ -233,6 +233,29 @@ TEST_F(SideFiles, LinkInPlaceOfTheLog_IsNotFollowed) {
     ExpectSound(path_);
 }
 
+TEST_F(SideFiles, LinkInPlaceOfATemporaryFile_IsNotFollowed) {
+    const auto database = Database::Open(path_);
+    database->CreateTable({"Maps", {{.name = "Map", .type = ColumnType::kOle}}, {}});
+    const auto maps = database->OpenTable("Maps");
+    const fs::path temporary = folder_ / "Unit.mdb-log-tmp";
+    const std::vector<std::byte> piece(300000);
+    for (const bool hard : {false, true}) {
+        if (hard) {
+            fs::create_hard_link(victim_, temporary);
+        } else {
+            fs::create_symlink(victim_, temporary);
+        }
+        maps->AddNew();
+        maps->Append(maps->Field("Map"), piece);
+        maps->Append(maps->Field("Map"), piece);
+        maps->Update();
+        EXPECT_FALSE(fs::exists(fs::symlink_status(temporary)));
+    }
+    EXPECT_EQ(Bytes(victim_), "somebody's own");
+    database->Close();
+    ExpectSound(path_);
+}
+
 TEST_F(SideFiles, EmptyFileWithASecondName_IsNotWrittenThrough) {
     const fs::path other = folder_ / "empty";
     std::ofstream(other).close();

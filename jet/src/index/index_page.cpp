@@ -307,16 +307,6 @@ std::size_t IndexPage::SizeOf(std::size_t at) const {
     return StoredKeyAndRow(at, After(at)).size() + (at == 0 ? 0 : prefix_);
 }
 
-RowId IndexPage::RowAt(std::size_t at) const {
-    const Bytes stored = StoredKeyAndRow(at, After(at));
-    if (stored.size() >= kRowPointerSize) {
-        return RowOf(stored);
-    }
-    Key entry;
-    Read(at, entry);
-    return RowOf(entry);
-}
-
 void IndexPage::Read(std::size_t at, Key& into) const {
     const Bytes stored = StoredKeyAndRow(at, After(at));
     into.clear();

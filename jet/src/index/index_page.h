@@ -102,7 +102,6 @@ public:
     // Key and row pointer, without putting them together.
     [[nodiscard]] bool BeginsWith(std::size_t at, Bytes start) const;
     [[nodiscard]] std::size_t SizeOf(std::size_t at) const;
-    [[nodiscard]] RowId RowAt(std::size_t at) const;
 
 private:
     // An entry as it is stored, without a node's child.

@@ -196,7 +196,7 @@ public:
         return OpenBeside(path, OpenMode::kCreateNew);
     }
 
-    // The name of an open file that has been removed stays taken, so this one goes when it is
+    // The name of an open file that has been removed stays taken, so this one is removed when it is
     // closed.
     std::unique_ptr<File> CreateTemporary(const std::filesystem::path& path, File&) override {
         if (Exists(path)) Remove(path);
