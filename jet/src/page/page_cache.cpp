@@ -46,11 +46,13 @@ Frame& PageCache::FetchMissing(PageNumber page) {
     return Load(page);
 }
 
-// How many pages to read at once: one, unless pages are asked for in the order of the file.
+// How many pages to read at once: as many as have been read in the order of the file just now. Two
+// in a row happen at random too, a row and its memo say.
 std::uint32_t PageCache::ReadAhead(PageNumber page) const {
     std::uint32_t pages = 1;
     if (page.value != nextInRow_ || inLog_.Find(page.value) != 0) return pages;
-    while (pages < kReadAheadPages && page.value + pages < file_.State().pageCount &&
+    const std::uint32_t most = std::min(inRow_, kReadAheadPages);
+    while (pages < most && page.value + pages < file_.State().pageCount &&
            frames_.Find(page.value + pages) == nullptr && inLog_.Find(page.value + pages) == 0) {
         ++pages;
     }
@@ -59,6 +61,7 @@ std::uint32_t PageCache::ReadAhead(PageNumber page) const {
 
 Frame& PageCache::Load(PageNumber page) {
     const std::uint32_t pages = ReadAhead(page);
+    inRow_ = page.value == nextInRow_ ? inRow_ + pages : 1;
     nextInRow_ = page.value + pages;
     if (pages == 1) return LoadAlone(page);
     const bool passing = file_.State().pageCount > frames_.Capacity();
@@ -114,6 +117,7 @@ void PageCache::MarkDirty(Frame& frame) noexcept {
 
 std::vector<Frame*> PageCache::ColdNewPages() {
     std::vector<Frame*> cold;
+    if (pageCount_ == file_.State().pageCount) return cold;
     frames_.ForEach([&](Frame& frame) {
         if (!frame.dirty || frame.number < file_.State().pageCount) return;
         if (!frame.recent) cold.push_back(&frame);

@@ -79,6 +79,7 @@ private:
     std::uint32_t pageCount_ = 0;
     std::size_t dirtyCount_ = 0;
     std::uint32_t nextInRow_ = 0;  // the page that reading in file order would ask for next
+    std::uint32_t inRow_ = 0;      // pages read in file order until now
     std::vector<std::byte> readBuffer_;
 };
 
