@@ -80,20 +80,22 @@ class BeginningOf {
 public:
     explicit BeginningOf(Bytes bytes) {
         std::array<std::byte, sizeof value_> first{};
-        const std::size_t size = std::min(bytes.size(), first.size());
-        if (size == 0) return;
-        std::memcpy(first.data(), bytes.data(), size);
+        size_ = std::min(bytes.size(), first.size());
+        if (size_ == 0) return;
+        std::memcpy(first.data(), bytes.data(), size_);
         value_ = ReadBigU64(first, 0);
-        mask_ = ~std::uint64_t{0} << 8 * (sizeof value_ - size);
+        mask_ = ~std::uint64_t{0} << 8 * (sizeof value_ - size_);
     }
-    // Of the entry against them; 0 when the rest has to tell.
-    [[nodiscard]] int Order(Bytes entry) const {
-        if (entry.size() < sizeof value_) return 0;
-        const std::uint64_t first = ReadBigU64(entry, 0) & mask_;
+    // Of the entry of this size at the beginning of `page` against them; 0 when the rest has to
+    // tell. The eight bytes may end in the next entry: what does not count is masked out.
+    [[nodiscard]] int Order(Bytes page, std::size_t entrySize) const {
+        if (entrySize < size_ || page.size() < sizeof value_) return 0;
+        const std::uint64_t first = ReadBigU64(page, 0) & mask_;
         return first < value_ ? -1 : first > value_ ? 1 : 0;
     }
 
 private:
+    std::size_t size_ = 0;
     std::uint64_t value_ = 0;
     std::uint64_t mask_ = 0;
 };
@@ -271,7 +273,7 @@ std::size_t IndexPage::Find(const EntryBound& bound, std::size_t from) const {
         const std::size_t start = LastBitUpTo(low + (high - low) / 2);
         const std::size_t end = NextBit(start + 1);
         const Bytes entry = StoredKeyAndRow(start, end);
-        const int order = wanted.Order(entry);
+        const int order = wanted.Order(page_.subspan(format_->entryAreaAt + start), entry.size());
         if (order != 0 ? order < 0 : PassesBound(bound, entry)) {
             low = end;
         } else {
@@ -330,6 +332,18 @@ Bytes EntryList::At(std::size_t i) const {
     return Bytes(bytes_).subspan(StartOf(i), ends_[i] - StartOf(i));
 }
 
+// As many as entries of a usual size would take; more are no error.
+void EntryList::Reserve(std::size_t size) {
+    constexpr std::size_t kUsualSize = 8;
+    bytes_.reserve(2 * size);
+    ends_.reserve(size / kUsualSize + 2);
+}
+
+void EntryList::Append(Bytes entry) {
+    bytes_.insert(bytes_.end(), entry.begin(), entry.end());
+    ends_.push_back(bytes_.size());
+}
+
 void EntryList::Insert(std::size_t i, Bytes entry) {
     const std::size_t start = StartOf(i);
     bytes_.insert(bytes_.begin() + static_cast<std::ptrdiff_t>(start), entry.begin(), entry.end());
@@ -351,6 +365,7 @@ void EntryList::Erase(std::size_t i) {
 }
 
 void EntryList::MoveTail(std::size_t i, EntryList& to) {
+    to.Reserve(bytes_.size() - StartOf(i));
     for (std::size_t n = i; n < Count(); ++n) {
         to.Append(At(n));
     }
@@ -418,14 +433,14 @@ IndexPageContent IndexPageContent::Decode(Bytes page, const Format& format, Page
     content.previous = stored.Previous();
     content.next = stored.Next();
     content.tail = stored.IsLeaf() ? PageNumber{} : stored.Tail();
+    content.entries.Reserve(stored.End());
     Key entry;
-    Key before;
     for (std::size_t at = 0; at != stored.End(); at = stored.After(at)) {
         stored.Read(at, entry);
-        if (!before.empty() && Compare(before, entry) >= 0) {
+        const std::size_t count = content.entries.Count();
+        if (count != 0 && Compare(content.KeyAndRow(count - 1), entry) >= 0) {
             damaged("has entries out of order");
         }
-        before = entry;
         if (!stored.IsLeaf()) {
             AppendBig(entry, stored.Child(at).value);
         }
@@ -434,27 +449,29 @@ IndexPageContent IndexPageContent::Decode(Bytes page, const Format& format, Page
     return content;
 }
 
-std::size_t IndexPageContent::CommonPrefix(const Format& format) const {
-    if (!IsLeaf() || entries.Count() < 2) {
+// A page is compressed only when it would not fit otherwise, and only leaves are.
+std::size_t IndexPageContent::PrefixFor(std::size_t first, std::size_t end,
+                                        const Format& format) const {
+    if (!IsLeaf() || end - first < 2 || entries.SizeOf(first, end) <= format.entryCapacity) {
         return 0;
     }
     const std::size_t widest = format.prefixWidth == 1 ? 0xFF : 0xFFFF;
-    return std::min(CommonStart(entries.At(0), entries.At(entries.Count() - 1)), widest);
-}
-
-// A page is compressed only when it would not fit otherwise, and only leaves are.
-std::size_t IndexPageContent::PrefixFor(const Format& format) const {
-    return entries.TotalSize() <= format.entryCapacity ? 0 : CommonPrefix(format);
+    return std::min(CommonStart(entries.At(first), entries.At(end - 1)), widest);
 }
 
 bool IndexPageContent::Fits(const Format& format) const {
-    const std::size_t saved = entries.Count() < 2 ? 0 : PrefixFor(format) * (entries.Count() - 1);
-    return entries.TotalSize() - saved <= format.entryCapacity;
+    return PartFits(0, entries.Count(), format);
+}
+
+bool IndexPageContent::PartFits(std::size_t first, std::size_t end, const Format& format) const {
+    const std::size_t saved =
+        end - first < 2 ? 0 : PrefixFor(first, end, format) * (end - first - 1);
+    return entries.SizeOf(first, end) - saved <= format.entryCapacity;
 }
 
 void IndexPageContent::Encode(MutableBytes page, const Format& format, PageNumber table) const {
     std::fill(page.begin(), page.end(), std::byte{0});
-    const std::size_t prefix = PrefixFor(format);
+    const std::size_t prefix = PrefixFor(0, entries.Count(), format);
     std::size_t used = 0;
     for (std::size_t i = 0; i < entries.Count(); ++i) {
         const Bytes stored = i == 0 ? entries.At(0) : entries.At(i).subspan(prefix);

@@ -151,7 +151,12 @@ public:
     [[nodiscard]] std::size_t Count() const { return ends_.size(); }
     [[nodiscard]] Bytes At(std::size_t i) const;
     [[nodiscard]] std::size_t TotalSize() const { return bytes_.size(); }
-    void Append(Bytes entry) { Insert(Count(), entry); }
+    // Of the entries from number `first` on, before number `end`.
+    [[nodiscard]] std::size_t SizeOf(std::size_t first, std::size_t end) const {
+        return StartOf(end) - StartOf(first);
+    }
+    void Reserve(std::size_t size);
+    void Append(Bytes entry);
     void Insert(std::size_t i, Bytes entry);
     void Erase(std::size_t i);
     // Moves the entries from number `i` on to the end of another list.
@@ -184,11 +189,13 @@ struct IndexPageContent {
     static IndexPageContent Decode(Bytes page, const Format& format, PageNumber number,
                                    PageNumber table);
     [[nodiscard]] bool Fits(const Format& format) const;
+    // Whether the entries from number `first` on, before number `end`, would fit on such a page.
+    [[nodiscard]] bool PartFits(std::size_t first, std::size_t end, const Format& format) const;
     void Encode(MutableBytes page, const Format& format, PageNumber table) const;
 
 private:
-    [[nodiscard]] std::size_t PrefixFor(const Format& format) const;
-    [[nodiscard]] std::size_t CommonPrefix(const Format& format) const;
+    [[nodiscard]] std::size_t PrefixFor(std::size_t first, std::size_t end,
+                                        const Format& format) const;
 };
 
 }  // namespace jet

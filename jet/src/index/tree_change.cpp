@@ -34,19 +34,18 @@ void TreeChange::RemovePage(PageNumber page) {
 }
 
 void TreeChange::SetNext(PageNumber page, PageNumber next) {
-    if (page) {
-        IndexPageContent content = Load(page);
-        content.next = next;
-        Save(page, content);
-    }
+    if (page) SetLink(page, format_.nextPageAt, next);
 }
 
 void TreeChange::SetPrevious(PageNumber page, PageNumber previous) {
-    if (page) {
-        IndexPageContent content = Load(page);
-        content.previous = previous;
-        Save(page, content);
-    }
+    if (page) SetLink(page, format_.previousPageAt, previous);
+}
+
+// Of a page that is of this index.
+void TreeChange::SetLink(PageNumber page, std::size_t at, PageNumber to) {
+    const PageRef ref = pager_.Page(page);
+    static_cast<void>(IndexPage(ref.Data(), format_, page, table_));
+    WriteU32(operation_.ChangePart(page, at, sizeof(std::uint32_t)), at, to.value);
 }
 
 TreeChange::Path TreeChange::Descend(Bytes entry, IndexPageContent& content) const {
@@ -72,9 +71,13 @@ TreeChange::Path TreeChange::DescendToInsert(Bytes entry, IndexPageContent& cont
     Path path = Descend(entry, content);
     bool changed = false;
     for (std::size_t depth = 0; depth + 1 < path.size(); ++depth) {
-        IndexPageContent node = Load(path[depth].page);
+        const PageNumber page = path[depth].page;
+        if (IndexPage(pager_.Page(page).Data(), format_, page, table_).Tail()) {
+            continue;
+        }
+        IndexPageContent node = Load(page);
         const std::size_t last = node.entries.Count() - 1;
-        if (node.tail || node.Find({entry, EntryBound::Rule::kNotBelow}) != last + 1) {
+        if (node.Find({entry, EntryBound::Rule::kNotBelow}) != last + 1) {
             continue;
         }
         const PageNumber child = node.ChildAt(last);
@@ -84,7 +87,7 @@ TreeChange::Path TreeChange::DescendToInsert(Bytes entry, IndexPageContent& cont
         } else {
             node.tail = child;
         }
-        Save(path[depth].page, node);
+        Save(page, node);
         changed = true;
     }
     return changed ? Descend(entry, content) : path;
@@ -178,11 +181,7 @@ std::size_t TreeChange::SplitPoint(const IndexPageContent& content, bool appende
     }
     middle = std::max(middle, lowest);
     const auto fits = [&](std::size_t point) {
-        IndexPageContent left = content;
-        IndexPageContent right;
-        right.level = content.level;
-        left.entries.MoveTail(point, right.entries);
-        return left.Fits(format_) && right.Fits(format_);
+        return content.PartFits(0, point, format_) && content.PartFits(point, count, format_);
     };
     for (std::size_t distance = 0; distance < count; ++distance) {
         if (middle + distance <= count - 1 && fits(middle + distance)) {

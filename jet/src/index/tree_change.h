@@ -63,6 +63,7 @@ private:
     void RemovePage(PageNumber page);
     void SetNext(PageNumber page, PageNumber next);
     void SetPrevious(PageNumber page, PageNumber previous);
+    void SetLink(PageNumber page, std::size_t at, PageNumber to);
 
     // Leads to the leaf where an entry belongs; `content` is then that leaf.
     [[nodiscard]] Path Descend(Bytes entry, IndexPageContent& content) const;
