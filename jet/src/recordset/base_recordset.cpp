@@ -384,7 +384,7 @@ void BaseRecordset::AppendTo(FieldId field, ColumnType type, Piece piece) {
                     "The field '" + column.name + "' is not written in such pieces.");
     }
     // What a default has filled in is no beginning.
-    if (!written_[place]) values_.values[place] = Held();
+    if (!written_[place]) values_.values[place] = Value();
     values_.given[place] = true;
     written_[place] = true;
     AppendToColumn<Held>(place, piece);
