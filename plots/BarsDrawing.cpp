@@ -31,7 +31,9 @@ void ShapeDown(QCPAxis& axis, const review::BarChart& content, bool isLabel,
                        isLabel ? metrics.elidedText(text, Qt::ElideMiddle, room) : text);
     }
     axis.setTicker(texts);
+    // A tick without length still leaves a dot, which is read as a minus before the amount.
     axis.setTickLength(0);
+    axis.setTickPen(Qt::NoPen);
     axis.setSubTicks(false);
     axis.grid()->setVisible(false);
     axis.setRangeReversed(true);

@@ -129,6 +129,18 @@ TEST_F(ChartTest, LossAndGain_DifferWithoutColors) {
     EXPECT_NE(chart_.Fill(-1).style(), chart_.Fill(1).style());
 }
 
+TEST_F(ChartTest, AmountsBesideBars_HaveNothingBeforeThem) {
+    review::BarChart bars;
+    bars.bars = {{"Dozer", 2350, "$2,350"}, {"Engine", 1100, "$1,100"}};
+    Show(bars, {});
+    const auto* const axes = qobject_cast<QCPAxisRect*>(chart_.Body().element(0, 0));
+    ASSERT_NE(axes, nullptr);
+    const QImage picture = chart_.grab().toImage();
+    for (int y = axes->top(); y < axes->bottom(); ++y) {
+        EXPECT_EQ(picture.pixelColor(axes->right() + 1, y), picture.pixelColor(2, 2)) << y;
+    }
+}
+
 TEST_F(ChartTest, ADarkPalette_TurnsTheGroundDark) {
     Show(review::CostChartOf(season_.zones[0]), "Z");
     QPalette dark;
