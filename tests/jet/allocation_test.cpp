@@ -195,6 +195,23 @@ TEST_P(AllocationTest, Update_WithoutMemory_KeepsTheEditAndItsValues) {
     });
 }
 
+TEST_P(AllocationTest, Append_WithoutMemory_KeepsTheEditAndItsPieces) {
+    const auto rows = database_->OpenTable("People");
+    const FieldId remarks = rows->Field("Remarks");
+    const std::u16string piece(std::size_t{1} << 15, u'p');
+    rows->Edit();
+    int pieces = 0;
+    const auto appendTheRest = [&] {
+        for (; pieces < 10; ++pieces) rows->Append(remarks, piece);
+        rows->Update();
+    };
+    for (long nth = 0; !Passes(nth, appendTheRest); nth += 1 + nth / 64) {
+        ASSERT_TRUE(rows->IsEditing()) << "at allocation " << nth;
+    }
+    EXPECT_TRUE(rows->Get(remarks) == Value(std::u16string(10 * piece.size(), u'p')));
+    ExpectSoundAfterClosing();
+}
+
 TEST_P(AllocationTest, Edit_WithoutMemory_LeavesTheFileAsItWas) {
     const auto rows = database_->OpenTable("People");
     rows->SetIndex("PrimaryKey");

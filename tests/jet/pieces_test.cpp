@@ -11,7 +11,6 @@
 #include "jet/check.h"
 #include "jet/convert.h"
 #include "jet/database.h"
-#include "jet/failing_allocations.h"
 #include "jet/recordset.h"
 #include "sample_table.h"
 #include "support/command.h"
@@ -416,37 +415,6 @@ TEST_P(PiecesTest, AnyStep_IsTheLastOfTheProcessOrTheMachine) {
             }
         }
     }
-}
-
-TEST_P(PiecesTest, MemoryRunsOut_TheEditGoesOn) {
-    const Binary bytes = LongBytes();
-    const auto database = Open(files_);
-    const auto people = database->OpenTable("People");
-    const FieldId picture = people->Field("Picture");
-    people->Edit();
-    std::size_t done = 0;
-    const auto step = [&] {
-        for (; done < kLong; done += 1 << 16) {
-            people->Append(picture, std::span(bytes).subspan(done, 1 << 16));
-        }
-        people->Update();
-    };
-    bool passed = false;
-    for (long nth = 0; !passed; nth += 1 + nth / 64) {
-        tarn_test::FailAllocation(nth);
-        try {
-            step();
-            passed = true;
-        } catch (const Error& error) {
-            tarn_test::FailAllocation(-1);
-            EXPECT_EQ(error.Kind(), ErrorKind::kOutOfMemory) << error.what();
-            ASSERT_TRUE(people->IsEditing());
-        }
-        tarn_test::FailAllocation(-1);
-    }
-    EXPECT_TRUE(people->Get(picture) == Value(bytes));
-    database->Close();
-    ExpectSound(files_);
 }
 
 // A file that was made just before the end of its process is not there for ever.
