@@ -27,10 +27,10 @@ def differences(said, there, what):
 
 def wrong_commands(text):
     makefile = (tree.ROOT / "Makefile").read_text(encoding="utf-8")
-    there = set(re.findall(r"^(\w+):", makefile, re.M)) - {"clean"}
+    there = set(re.findall(r"^([\w-]+):", makefile, re.M)) - {"clean"}
     said = [name.removeprefix("make ") for name in rows(text, "One-word commands")]
     yield from differences(said, there, "command")
-    yield from (f"make {name}: no such command" for name in re.findall(r"`make (\w+)`", text) if name not in there)
+    yield from (f"make {name}: no such command" for name in re.findall(r"`make ([\w-]+)`", text) if name not in there)
 
 
 def wrong_presets(text):
