@@ -209,5 +209,23 @@ TEST_P(Streaming, AfterTheDatabaseIsClosed_EveryCallSaysSo_InAnEditToo) {
     ExpectEveryCallClosed(*query, field);
 }
 
+TEST_P(Streaming, AReader_IsClosedWithItsDatabase) {
+    Add(u"x", Binary(5000, std::byte{1}));
+    const FieldId story = people_->Field("Story");
+    const auto memo = people_->OpenReader(story);
+    const auto picture = people_->OpenReader(people_->Field("Picture"));
+    people_->Edit();
+    people_->Append(story, u"y");
+    const auto inEdit = people_->OpenReader(story);
+    database_->Close();
+    for (ValueReader* reader : {memo.get(), picture.get(), inEdit.get()}) {
+        std::vector<std::byte> bytes(10);
+        std::vector<char16_t> units(10);
+        EXPECT_EQ(ErrorOf([&] { static_cast<void>(reader->Size()); }), ErrorKind::kClosed);
+        EXPECT_EQ(ErrorOf([&] { reader->Read(std::span(bytes)); }), ErrorKind::kClosed);
+        EXPECT_EQ(ErrorOf([&] { reader->Read(std::span(units)); }), ErrorKind::kClosed);
+    }
+}
+
 }  // namespace
 }  // namespace jet

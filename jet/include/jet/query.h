@@ -36,22 +36,22 @@ enum class Operator {
 };
 
 struct Condition {
-    std::string field;
+    std::string field = {};
     Operator comparison = Operator::kEqual;
     Value literal = {};
     int parameter = -1;  // the place, from 0, of the value that takes the literal's; -1 for none
 };
 
 struct OrderTerm {
-    std::string field;
+    std::string field = {};
     bool ascending = true;
 };
 
 struct Query {
-    std::vector<std::string> fields;  // empty: all
-    std::string table;
-    std::vector<Condition> conditions;  // joined by AND
-    std::vector<OrderTerm> order;
+    std::vector<std::string> fields = {};  // empty: all
+    std::string table = {};
+    std::vector<Condition> conditions = {};  // joined by AND
+    std::vector<OrderTerm> order = {};
 };
 
 // Without bound values. Throws kSyntax with the place of the fault.

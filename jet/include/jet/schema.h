@@ -29,7 +29,7 @@ enum class ColumnType : std::uint8_t {
 };
 
 struct ColumnSchema {
-    std::string name;
+    std::string name = {};
     ColumnType type = ColumnType::kLong;
     int length = 0;               // characters for text, bytes for binary; ignored for other types
     bool autoNumber = false;      // kLong only
@@ -47,12 +47,12 @@ struct ColumnSchema {
 };
 
 struct IndexColumn {
-    std::string name;
+    std::string name = {};
     bool ascending = true;
 };
 
 struct IndexSchema {
-    std::string name;
+    std::string name = {};
     std::vector<IndexColumn> columns = {};
     bool primary = false;  // implies unique and required
     bool unique = false;
@@ -62,10 +62,10 @@ struct IndexSchema {
 };
 
 struct TableSchema {
-    std::string name;
-    std::vector<ColumnSchema> columns;  // in column-number order
-    std::vector<IndexSchema> indexes;   // in creation order
-    std::string validationRule = {};    // of every record
+    std::string name = {};
+    std::vector<ColumnSchema> columns = {};  // in column-number order
+    std::vector<IndexSchema> indexes = {};   // in creation order
+    std::string validationRule = {};         // of every record
     std::string validationText = {};
 };
 

@@ -76,6 +76,7 @@ void LongValueReader::RequireUnchanged() const {
 }
 
 std::uint64_t LongValueReader::Size() const {
+    file_->RequireOpen();
     if (form_ == Form::kText) return text_.size();
     if (draft_) return draftSize_ / UnitSize();
     return stored_ ? cursor_.Size() / UnitSize() : bytes_.size();

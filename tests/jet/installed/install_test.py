@@ -30,8 +30,12 @@ add_library(module MODULE module.cpp)
 target_link_libraries(module PRIVATE jet::jet)
 """
 MODULE = """#include "jet/database.h"
+#include "jet/query.h"
 extern "C" bool Has(const char* file, const char* table) {
     return jet::Database::Open(file)->HasTable(table);
+}
+extern "C" int Count(const char* file, const char* table) {
+    return jet::Database::Open(file)->OpenQuery({.table = table})->RecordCount();
 }
 """
 
