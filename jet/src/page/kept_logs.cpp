@@ -41,7 +41,7 @@ bool HoldsOperations(FileSystem& files, const std::filesystem::path& log) {
     try {
         const auto file = files.OpenBeside(log, OpenMode::kReadOnly);
         LogReader reader(*file);
-        if (reader.HasHeader() && reader.Header().version > kLogVersion) return true;
+        if (reader.IsLater()) return true;
         // With a beginning that says nothing, the rest may be operations all the same.
         if (reader.IsUnknown()) return file->Size() > kLogHeaderSize;
         while (reader.Next()) {

@@ -12,6 +12,11 @@ namespace jet {
 namespace {
 
 constexpr char kMagic[8] = "JetLog1";
+constexpr std::size_t kVersionAt = 26;
+
+bool BeginsLog(Bytes bytes) {
+    return bytes.size() >= kLogHeaderSize && std::memcmp(bytes.data(), kMagic, sizeof kMagic) == 0;
+}
 
 std::uint64_t Word(Bytes bytes, std::size_t at) {
     std::uint64_t word = 0;
@@ -106,17 +111,19 @@ std::uint64_t AppendLogHeader(LogBuffer& out, const LogHeader& header) {
     WriteU32(bytes, 12, header.pageCount);
     WriteU64(bytes, 16, header.salt);
     WriteU16(bytes, 24, header.commitCounter);
-    WriteU16(bytes, 26, header.version);
+    WriteU16(bytes, kVersionAt, header.version);
     WriteU64(bytes, 28, header.otherCounters);
     const std::uint64_t checksum = Checksum(bytes.first(kLogHeaderSize - kLogChecksumSize), 0);
     WriteU64(bytes, kLogHeaderSize - kLogChecksumSize, checksum);
     return checksum;
 }
 
+bool IsLaterLog(Bytes bytes) {
+    return BeginsLog(bytes) && ReadU16(bytes, kVersionAt) > kLogVersion;
+}
+
 std::optional<CheckedLogHeader> ParseLogHeader(Bytes bytes) {
-    if (bytes.size() < kLogHeaderSize || std::memcmp(bytes.data(), kMagic, sizeof kMagic) != 0) {
-        return std::nullopt;
-    }
+    if (!BeginsLog(bytes)) return std::nullopt;
     CheckedLogHeader result;
     result.checksum = ReadU64(bytes, kLogHeaderSize - kLogChecksumSize);
     if (result.checksum != Checksum(bytes.first(kLogHeaderSize - kLogChecksumSize), 0)) {
@@ -126,7 +133,7 @@ std::optional<CheckedLogHeader> ParseLogHeader(Bytes bytes) {
                      .pageCount = ReadU32(bytes, 12),
                      .salt = ReadU64(bytes, 16),
                      .commitCounter = ReadU16(bytes, 24),
-                     .version = ReadU16(bytes, 26),
+                     .version = ReadU16(bytes, kVersionAt),
                      .otherCounters = ReadU64(bytes, 28)};
     return result;
 }

@@ -114,6 +114,8 @@ struct CheckedLogHeader {
     LogHeader header;
     std::uint64_t checksum = 0;
 };
+// Whether the bytes begin a log of a later version.
+bool IsLaterLog(Bytes bytes);
 // Nothing when the bytes are no whole header of a log.
 std::optional<CheckedLogHeader> ParseLogHeader(Bytes bytes);
 

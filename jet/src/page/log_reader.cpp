@@ -11,6 +11,8 @@ LogReader::LogReader(File& log) : log_(log), size_(log.Size()) {
     std::vector<std::byte> head(
         static_cast<std::size_t>(std::min<std::uint64_t>(size_, kLogHeaderSize)));
     log.Read(0, head);
+    later_ = IsLaterLog(head);
+    if (later_) return;
     if (const auto parsed = ParseLogHeader(head)) {
         hasHeader_ = true;
         header_ = parsed->header;

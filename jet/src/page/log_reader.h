@@ -16,6 +16,9 @@ public:
 
     // Something lies there that is not the beginning of a log, torn or whole.
     [[nodiscard]] bool IsUnknown() const { return unknown_; }
+    // The beginning of a log of a later version, of which nothing else can be told: its checksums
+    // may be others.
+    [[nodiscard]] bool IsLater() const { return later_; }
     [[nodiscard]] bool HasHeader() const { return hasHeader_; }
     [[nodiscard]] const LogHeader& Header() const { return header_; }
 
@@ -36,6 +39,7 @@ private:
     File& log_;
     std::uint64_t size_ = 0;
     bool unknown_ = false;
+    bool later_ = false;
     bool hasHeader_ = false;
     LogHeader header_;
     std::uint64_t end_ = 0;

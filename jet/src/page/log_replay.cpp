@@ -28,17 +28,17 @@ LogReplay::LogReplay(File& dataFile, const Format& format, Bytes headerPage)
 LogReplay::Finding LogReplay::Read(File& log) {
     log_ = &log;
     LogReader reader(log);
+    if (reader.IsLater()) {
+        throw Error(ErrorKind::kUnsupportedVersion,
+                    "The last changes of the file are in a log beside it that a later version of "
+                    "this program has written.");
+    }
     if (reader.IsUnknown()) return Finding::kForeign;
     if (!reader.HasHeader()) {
         discardedBytes_ = log.Size();
         return Finding::kNothing;
     }
     header_ = reader.Header();
-    if (header_.version > kLogVersion) {
-        throw Error(ErrorKind::kUnsupportedVersion,
-                    "The last changes of the file are in a log beside it that a later version of "
-                    "this program has written.");
-    }
     FindCommittedEnd(reader);
     pageCount_ = header_.pageCount;
     position_.lastCounter = header_.commitCounter;
