@@ -199,6 +199,20 @@ TEST_F(Elsewhere, Replaced_BothAreKept) {
     EXPECT_EQ(Bytes(path_), other);
 }
 
+// A copy that somebody made before, say: the log would fit it.
+TEST_F(Elsewhere, ReplacedByTheFileAsItWas_IsNotGivenTheChangesLater) {
+    EXPECT_EQ(MakeDurable(), "");
+    const std::string backup = Bytes(path_);
+    Overwrite(folder_ / "backup", backup);
+    Add(2);
+    fs::rename(folder_ / "backup", path_);
+    EXPECT_THROW(database_->Close(), Error);
+    EXPECT_EQ(Bytes(path_), backup);
+    EXPECT_EQ(ZonesIn(path_.parent_path() / "Unit-kept.fcd"), 2);
+    EXPECT_EQ(ZonesIn(path_), 1);
+    EXPECT_EQ(Database::Open(path_)->OpeningRecovery().keptLogs.size(), 1U);
+}
+
 TEST_F(Elsewhere, ReplacedWhereTheNameForKeepingIsTaken_SaysWhatToDo) {
     const fs::path kept = path_.parent_path() / "Unit-kept.fcd";
     Overwrite(kept, "kept before");

@@ -22,6 +22,8 @@ public:
     // stay in memory. kDiskFull, kIo, kFileInUse (another program has changed or replaced the
     // file).
     void Run();
+    // All that was committed is in a copy beside a file that has replaced this one.
+    [[nodiscard]] bool IsKeptBeside() const { return rescue_.IsKeptBeside(); }
 
 private:
     void WriteChangedPages();

@@ -8,6 +8,7 @@
 #include "jet/error.h"
 #include "page/checksum.h"
 #include "page/header.h"
+#include "page/kept_logs.h"
 #include "page/log_reader.h"
 
 namespace jet {
@@ -240,6 +241,17 @@ void Journal::Empty() noexcept {
     flushFailed_ = false;
     logged_.clear();
     CutQuietly();
+}
+
+void Journal::SetAside() noexcept {
+    try {
+        const bool mine = file_ && file_->WhereIs(path_) == Whereabouts::kInPlace;
+        file_.reset();
+        if (mine) jet::SetAside(dataFile_.Files(), path_);
+    } catch (...) {
+        // The next opening does it, unless the log fits the file.
+        return;
+    }
 }
 
 void Journal::Remove() noexcept {

@@ -97,6 +97,9 @@ public:
     void Empty() noexcept;
     // Closes the log file and leaves it where it is.
     void Release() noexcept { file_.reset(); }
+    // The same with another name for it, which no opening takes for the file's log. It stays when
+    // that fails, or when another log has its name by now.
+    void SetAside() noexcept;
     // Closes and removes the log file.
     void Remove() noexcept;
     // The number of operations that the data file does not hold yet.

@@ -74,6 +74,8 @@ void Pager::Close() {
             journal_.Remove();
         }
     } catch (...) {
+        // It would get into the file that has the name now, if that one happens to fit.
+        if (checkpoint_.IsKeptBeside()) journal_.SetAside();
         Release();
         throw;
     }

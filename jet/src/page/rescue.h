@@ -22,6 +22,9 @@ public:
     // then. kFileInUse when another file has its name: all that was committed here is then in a
     // copy beside that one.
     bool PutBackIfRemoved();
+    [[nodiscard]] bool IsKeptBeside() const {
+        return keptOperations_ > 0 && keptOperations_ == journal_.Operations();
+    }
 
 private:
     [[nodiscard]] bool IsUnplaced(const std::filesystem::path& path) const;
