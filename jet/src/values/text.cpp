@@ -62,6 +62,17 @@ int SequenceLength(unsigned lead) {
     return 0;
 }
 
+// Whether no shorter sequence stands for the same.
+bool IsShortest(char32_t point, int length) {
+    constexpr std::array<char32_t, 5> kFirst = {0, 0, 0x80, 0x800, 0x10000};
+    return point >= kFirst[static_cast<std::size_t>(length)];
+}
+
+// Halves of surrogate pairs are for UTF-16 alone.
+bool IsCharacter(char32_t point) {
+    return point <= 0x10FFFF && (point < 0xD800 || point > 0xDFFF);
+}
+
 // The code point at `at`, which moves behind it; the replacement character for what is none.
 char32_t NextCodePoint(std::string_view utf8, std::size_t& at) {
     const auto lead = static_cast<unsigned char>(utf8[at++]);
@@ -76,7 +87,7 @@ char32_t NextCodePoint(std::string_view utf8, std::size_t& at) {
         point = point << 6 | (next & 0x3FU);
         ++at;
     }
-    return point;
+    return IsShortest(point, length) && IsCharacter(point) ? point : kReplacement;
 }
 
 // Writes the bytes of a code point and gives the place behind them.
