@@ -255,6 +255,28 @@ TEST_P(PiecesTest, OfARefusedRow_StayInTheEdit) {
     ExpectSound(files_);
 }
 
+// Neither what is stored nor what a default fills in is lost with them.
+TEST_P(PiecesTest, OfWhichTheFirstFails_LeaveTheFieldAsItWas) {
+    const auto database = Open(files_);
+    const auto people = database->OpenTable("People");
+    const Value stored = people->Get("Picture");
+    const FieldId picture = people->Field("Picture");
+    people->Edit();
+    files_.Arm(Fault::kFail, 1);
+    EXPECT_EQ(ErrorOf([&] { people->Append(picture, LongBytes()); }), ErrorKind::kIo);
+    files_.Arm(Fault::kNone, 0);
+    EXPECT_TRUE(people->Get("Picture") == stored);
+    people->Set("Name", u"renamed");
+    people->Update();
+    EXPECT_TRUE(people->Get("Picture") == stored);
+    people->Edit();
+    people->Set("Picture", Value());
+    files_.Arm(Fault::kFail, 1);
+    EXPECT_EQ(ErrorOf([&] { people->Append(picture, LongBytes()); }), ErrorKind::kIo);
+    files_.Arm(Fault::kNone, 0);
+    EXPECT_TRUE(people->Get("Picture").IsNull());
+}
+
 TEST_P(PiecesTest, OfATransaction_AreGoneWhenItIsRolledBack) {
     const auto database = Open(files_);
     const auto people = database->OpenTable("People");

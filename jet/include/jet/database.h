@@ -87,12 +87,12 @@ public:
     [[nodiscard]] Transaction Begin();
 
     // Rolls an open transaction back, makes everything durable, removes the log and gives up the
-    // file, even when it throws: the log
-    // then stays for the next opening. Safe to call twice. Errors: kDiskFull, kIo.
+    // file, even when it throws: the log then stays for the next opening. Safe to call twice.
+    // Errors: those of MakeDurable but kTransactionOpen.
     void Close();
     // At most two flushes, or three in the first call without SecureLog before it; none when
-    // nothing changed since the last call. A file that was removed
-    // meanwhile is written anew at its place. Errors: kTransactionOpen (nothing is done inside a
+    // nothing changed since the last call. A file that was removed meanwhile is written anew at its
+    // place. Errors: kTransactionOpen (nothing is done inside a
     // transaction), kDiskFull, kIo, kClosed; nothing is lost, and the next call tries again.
     // kFileInUse when another program has replaced or overwritten the file; all that was done here
     // is kept in NAME-kept beside one that was replaced.

@@ -136,7 +136,7 @@ public:
     // beyond the first 256 KiB wait in a temporary file beside the database until Update. Errors:
     // kNoEditBegun, kNoSuchField, kTypeMismatch for fields of other types, kTextTooLong; kDiskFull,
     // kIo, kPermissionDenied and kReadOnly of the temporary file. After an error the value is as it
-    // was before the call.
+    // was before the call, and the field untouched if it was so before.
     virtual void Append(FieldId field, std::u16string_view text) = 0;
     virtual void Append(FieldId field, std::span<const std::byte> bytes) = 0;
     virtual void Update() = 0;

@@ -5,8 +5,11 @@
 //   transaction.Commit()
 //
 // Record sets see the changes at once, whether they were opened before Begin or after it. Nothing
-// is in the file, or in its log, before Commit, which is one write: it survives the end of the
-// process entirely or not at all. Database::MakeDurable afterwards carries it through a power cut.
+// of them is in the file before Commit, which is one write to its log: it survives the end of the
+// process entirely or not at all. (A transaction that outgrows the memory of
+// OpenOptions::changedBytes, or fills a table with more pages than it comes back to, moves pages to
+// the log before; they count for nothing until that write.) Database::MakeDurable afterwards
+// carries it through a power cut.
 //
 // A change that is refused or fails within a transaction (a key that exists, no memory) is undone
 // alone; what was changed before it stays, and the transaction goes on.
@@ -41,7 +44,7 @@ public:
     ~Transaction();  // rolls back unless committed
 
     // When it throws, everything is as it was before Begin. Errors: kNoTransaction (it has ended
-    // already), kClosed, kDiskFull, kIo, kOutOfMemory.
+    // already), kClosed, kDiskFull, kFileTooLarge, kIo, kOutOfMemory.
     void Commit();
     // Nothing happens when it has ended already.
     void Rollback() noexcept;

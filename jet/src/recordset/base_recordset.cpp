@@ -383,11 +383,20 @@ void BaseRecordset::AppendTo(FieldId field, ColumnType type, Piece piece) {
         throw Error(ErrorKind::kTypeMismatch,
                     "The field '" + column.name + "' is not written in such pieces.");
     }
+    if (written_[place]) {
+        AppendToColumn<Held>(place, piece);
+        return;
+    }
     // What a default has filled in is no beginning.
-    if (!written_[place]) values_.values[place] = Value();
+    Value filledIn = std::exchange(values_.values[place], Value());
+    try {
+        AppendToColumn<Held>(place, piece);
+    } catch (...) {
+        values_.values[place] = std::move(filledIn);
+        throw;
+    }
     values_.given[place] = true;
     written_[place] = true;
-    AppendToColumn<Held>(place, piece);
 }
 
 template <typename Held, typename Piece>
@@ -395,10 +404,11 @@ void BaseRecordset::AppendToColumn(std::size_t place, Piece piece) {
     const Column& column = table_->Def().columns[place];
     ValueDraft* draft = values_.DraftOf(place);
     Value& value = values_.values[place];
-    if (draft == nullptr && value.IsNull()) value = Held();
+    Held* held = std::get_if<Held>(&value.Get());
     constexpr std::size_t kBytesOfUnit = sizeof(*piece.data());
-    const std::uint64_t before =
-        draft != nullptr ? draft->Size() : std::get<Held>(value.Get()).size() * kBytesOfUnit;
+    const std::uint64_t before = draft != nullptr  ? draft->Size()
+                                 : held != nullptr ? held->size() * kBytesOfUnit
+                                                   : 0;
     const std::uint64_t after = before + piece.size() * kBytesOfUnit;
     if (after > kLongestLongValue) {
         throw Error(ErrorKind::kTextTooLong,
@@ -408,15 +418,18 @@ void BaseRecordset::AppendToColumn(std::size_t place, Piece piece) {
         draft->Append(piece);
         return;
     }
-    Held& held = std::get<Held>(value.Get());
     if (after <= kLongestHeld || column.fixed) {
-        held.insert(held.end(), piece.begin(), piece.end());
+        if (held == nullptr) {
+            value = Held(piece.begin(), piece.end());
+        } else {
+            held->insert(held->end(), piece.begin(), piece.end());
+        }
         return;
     }
     auto fresh = std::make_shared<ValueDraft>(table_->Pages(), column.type == ColumnType::kMemo
                                                                    ? ValueDraft::Kind::kText
                                                                    : ValueDraft::Kind::kBytes);
-    fresh->Append(Piece(held));
+    if (held != nullptr) fresh->Append(Piece(*held));
     fresh->Append(piece);
     values_.SetDraft(place, std::move(fresh));
     value = Value();
