@@ -10,20 +10,20 @@ namespace plots {
 
 namespace {
 
-constexpr double kHalfBar = 0.38;
+constexpr double kHalfTotal = 0.38;
 constexpr int kTextsAcross = 15;  // widths of a figure that a panel wants, its axis included
 constexpr int kAroundAxis = 16;
 constexpr int kAroundBars = 12;
-constexpr int kLevels = 6;
+constexpr int kFireLevels = 6;
 
 struct Bars {
     QCPBars* losses;
     QCPBars* gains;
 };
 
-QCPBars* AddBars(Chart& chart, QCPAxisRect& axes, double sign) {
+QCPBars* AddTotals(Chart& chart, QCPAxisRect& axes, double sign) {
     auto* bars = new QCPBars(axes.axis(QCPAxis::atBottom), axes.axis(QCPAxis::atLeft));
-    bars->setWidth(2 * kHalfBar);
+    bars->setWidth(2 * kHalfTotal);
     bars->setBrush(chart.Fill(sign));
     bars->setPen(QPen(sign < 0 ? chart.Colors().loss : chart.Colors().gain, 1.4));
     return bars;
@@ -48,7 +48,7 @@ private:
 // the figures finds them under the pointer and in the table.
 int LeastWidth(const QFontMetrics& metrics) {
     return metrics.horizontalAdvance(QStringLiteral("-88k")) + kAroundAxis +
-           kLevels * metrics.horizontalAdvance(QStringLiteral("8")) * 4 / 3 + kAroundBars;
+           kFireLevels * metrics.horizontalAdvance(QStringLiteral("8")) * 4 / 3 + kAroundBars;
 }
 
 void ShapeAxes(Chart& chart, QCPAxisRect& axes, const Scale& scale, bool isNarrow) {
@@ -85,8 +85,8 @@ QString Fitting(const Chart& chart, double total, int room) {
 
 void DrawPanel(Chart& chart, QCPAxisRect& axes, const review::TotalsChart::Panel& panel,
                int roomForText) {
-    QCPBars* const losses = AddBars(chart, axes, -1);
-    QCPBars* const gains = AddBars(chart, axes, 1);
+    QCPBars* const losses = AddTotals(chart, axes, -1);
+    QCPBars* const gains = AddTotals(chart, axes, 1);
     const QCPRange range = axes.axis(QCPAxis::atLeft)->range();
     for (int level = 1; level <= 6; ++level) {
         const double total = panel.totals[static_cast<std::size_t>(level - 1)];
@@ -133,7 +133,7 @@ void Draw(Chart& chart, const review::TotalsChart& content) {
     const bool isNarrow = chart.width() < panelWidth;
     const QString longest = isNarrow ? ShortDollars(scale.least) : Dollars(scale.least);
     const int axisWidth = metrics.horizontalAdvance(longest) + kAroundAxis;
-    const int room = (chart.width() / columns - axisWidth - kAroundBars) / kLevels;
+    const int room = (chart.width() / columns - axisWidth - kAroundBars) / kFireLevels;
     // A row without anything in it would take its share of the room.
     const int titles = content.panels.front().title.empty() ? 0 : 1;
     for (int i = 0; i < count; ++i) {

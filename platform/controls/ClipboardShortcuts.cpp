@@ -2,18 +2,12 @@
 
 #include <QApplication>
 #include <QFocusEvent>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPointer>
 
 namespace platform {
 namespace {
-
-bool IsClipboardKey(const QKeyEvent& key) {
-    return key.matches(QKeySequence::Cut) || key.matches(QKeySequence::Copy) ||
-           key.matches(QKeySequence::Paste);
-}
 
 // Redo has this key on other systems only; there are users who know no other.
 bool IsRedoKey(const QKeyEvent& key) {
@@ -78,6 +72,11 @@ private:
 };
 
 }  // namespace
+
+bool IsClipboardKey(const QKeyEvent& key) {
+    return key.matches(QKeySequence::Cut) || key.matches(QKeySequence::Copy) ||
+           key.matches(QKeySequence::Paste);
+}
 
 void InstallClipboardShortcutFilter() {
     static QPointer<ClipboardShortcutFilter> filter;

@@ -7,7 +7,12 @@
 // opened by keyboard, so that the menu's Cut and Copy have something to work on.
 #pragma once
 
+#include <QKeyEvent>
+
 namespace platform {
+
+// Whether the key is one of the system's for Cut, Copy or Paste.
+bool IsClipboardKey(const QKeyEvent& key);
 
 // Installs the filter for the whole application; a second call does nothing.
 void InstallClipboardShortcutFilter();

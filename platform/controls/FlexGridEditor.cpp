@@ -12,6 +12,7 @@
 #include <QValidator>
 #include <algorithm>
 
+#include "platform/controls/ClipboardShortcuts.h"
 #include "platform/controls/FlexGridCellEdit.h"
 #include "platform/controls/FlexGridPaint.h"
 
@@ -27,11 +28,6 @@ bool IsModifier(int key) {
 
 bool IsTab(const QKeyEvent& key) {
     return key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab;
-}
-
-bool IsClipboardKey(const QKeyEvent& key) {
-    return key.matches(QKeySequence::Cut) || key.matches(QKeySequence::Copy) ||
-           key.matches(QKeySequence::Paste);
 }
 
 // Focus that comes back by itself: a menu, a tool of the editor's own, another window.
@@ -89,8 +85,8 @@ void FlexGridEditor::SetLongest(int longest) {
 
 // What the cell holds already is never cut off.
 void FlexGridEditor::SetMaxLength(const QString& text, int longest) {
-    constexpr int kUnlimited = 32767;  // the limit of every line edit
-    setMaxLength(longest > 0 ? std::max(longest, static_cast<int>(text.size())) : kUnlimited);
+    constexpr int kLongest = 32767;  // the limit of every line edit
+    setMaxLength(longest > 0 ? std::max(longest, static_cast<int>(text.size())) : kLongest);
 }
 
 // Selected backwards: of a text that is wider than its cell, the beginning shows.

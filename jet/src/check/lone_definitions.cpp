@@ -11,7 +11,7 @@ namespace jet {
 
 namespace {
 
-constexpr std::uint16_t kDefinitionPage = 0x0102;
+constexpr std::uint16_t kDefinitionMark = 0x0102;
 constexpr std::size_t kNextAt = 4;
 
 }  // namespace
@@ -21,7 +21,7 @@ std::vector<std::uint32_t> LoneDefinitions(const PageSource& pages, const PageAc
     std::set<std::uint32_t> continued;
     for (std::uint32_t page = 2; page < pages.PageCount(); ++page) {
         const auto bytes = pages.Read(page);
-        if (ReadU16(bytes, 0) == kDefinitionPage && !account.IsClaimed(page)) {
+        if (ReadU16(bytes, 0) == kDefinitionMark && !account.IsClaimed(page)) {
             found.insert(page);
             continued.insert(ReadU32(bytes, kNextAt));
         }

@@ -10,7 +10,7 @@ namespace jet {
 
 namespace {
 
-constexpr std::size_t kFreeAt = 2;
+constexpr std::size_t kUnusedAt = 2;
 constexpr std::size_t kTableAt = 4;
 
 std::uint32_t ReadBig(Bytes bytes, std::size_t at) {
@@ -196,10 +196,10 @@ void TreeCheck::ReadEntries(Bytes page, const Spot& spot, Node& node) {
         AddEntry(page, start, bit, prefix, node);
         start = bit;
     }
-    if (ReadU16(page, kFreeAt) != format.entryCapacity - start) {
+    if (ReadU16(page, kUnusedAt) != format.entryCapacity - start) {
         context_.findings.Error(
             spot, "free-space",
-            Named("The page claims " + std::to_string(ReadU16(page, kFreeAt)) +
+            Named("The page claims " + std::to_string(ReadU16(page, kUnusedAt)) +
                   " free bytes and has " + std::to_string(format.entryCapacity - start) + "."));
     }
 }

@@ -1,6 +1,5 @@
 #include "jet/convert.h"
 
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -9,6 +8,7 @@
 #include "jet/error.h"
 #include "os/out_of_memory.h"
 #include "values/decimal.h"
+#include "values/guid.h"
 #include "values/text.h"
 
 namespace jet {
@@ -40,10 +40,6 @@ bool IsTimeOfDay(const CalendarTime& time) {
            within(time.millisecond, 1000);
 }
 
-// The places of the digits' bytes: the first three groups are stored with the lowest byte first.
-constexpr std::array<std::size_t, 16> kTextOrder = {3, 2, 1,  0,  5,  4,  7,  6,
-                                                    8, 9, 10, 11, 12, 13, 14, 15};
-
 bool HyphenFollows(std::size_t bytes) {
     return bytes == 4 || bytes == 6 || bytes == 8 || bytes == 10;
 }
@@ -63,12 +59,12 @@ std::optional<Guid> ReadGuid(std::string_view text) {
     if (text.size() != kLength) return std::nullopt;
     Guid guid;
     std::size_t at = 0;
-    for (std::size_t i = 0; i < kTextOrder.size(); ++i) {
+    for (std::size_t i = 0; i < kGuidTextOrder.size(); ++i) {
         if (HyphenFollows(i) && text[at++] != '-') return std::nullopt;
         const auto high = HexDigit(text[at]);
         const auto low = HexDigit(text[at + 1]);
         if (!high || !low) return std::nullopt;
-        guid.bytes[kTextOrder[i]] = static_cast<std::byte>(*high << 4 | *low);
+        guid.bytes[kGuidTextOrder[i]] = static_cast<std::byte>(*high << 4 | *low);
         at += 2;
     }
     return guid;
@@ -137,9 +133,9 @@ std::string GuidText(const Guid& guid) {
     return Guarded([&] {
         constexpr std::string_view kDigits = "0123456789ABCDEF";
         std::string text = "{";
-        for (std::size_t i = 0; i < kTextOrder.size(); ++i) {
+        for (std::size_t i = 0; i < kGuidTextOrder.size(); ++i) {
             if (HyphenFollows(i)) text.push_back('-');
-            const auto byte = static_cast<unsigned>(guid.bytes[kTextOrder[i]]);
+            const auto byte = static_cast<unsigned>(guid.bytes[kGuidTextOrder[i]]);
             text.push_back(kDigits[byte >> 4]);
             text.push_back(kDigits[byte & 0xF]);
         }

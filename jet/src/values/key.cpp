@@ -18,6 +18,7 @@
 #include "jet/error.h"
 #include "values/code_page.h"
 #include "values/collation.h"
+#include "values/guid.h"
 
 namespace jet {
 
@@ -67,13 +68,11 @@ void AppendPieces(Key& key, Bytes value, bool ascending) {
     }
 }
 
-// The first three fields of a stored identifier are little-endian; its key has them as its text.
+// A key has the bytes of an identifier in the order of its text.
 void AppendGuid(Key& key, const Guid& guid, bool ascending) {
-    constexpr std::array<std::size_t, 16> kTextOrder = {3, 2, 1,  0,  5,  4,  7,  6,
-                                                        8, 9, 10, 11, 12, 13, 14, 15};
     std::array<std::byte, 16> ordered{};
     for (std::size_t i = 0; i < ordered.size(); ++i) {
-        ordered[i] = guid.bytes[kTextOrder[i]];
+        ordered[i] = guid.bytes[kGuidTextOrder[i]];
     }
     AppendPieces(key, ordered, ascending);
 }

@@ -64,8 +64,8 @@ int SequenceLength(unsigned lead) {
 
 // Whether no shorter sequence stands for the same.
 bool IsShortest(char32_t point, int length) {
-    constexpr std::array<char32_t, 5> kFirst = {0, 0, 0x80, 0x800, 0x10000};
-    return point >= kFirst[static_cast<std::size_t>(length)];
+    constexpr std::array<char32_t, 5> kFirstOfLength = {0, 0, 0x80, 0x800, 0x10000};
+    return point >= kFirstOfLength[static_cast<std::size_t>(length)];
 }
 
 // Halves of surrogate pairs are for UTF-16 alone.
