@@ -7,7 +7,7 @@
 #   package   that, an archive and an installer, which are tried
 #   start     that, and how soon the programs show
 #   tests     the tests of all else, without windows on a screen; TARN_PLATFORM=windows puts them on a virtual display
-# Without an argument it does what `make windows` is to do: the programs, the engine's tests upon them, the package.
+# Without an argument it does what `make windows` is to do: the programs, the package, the engine's tests upon them.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 toolchain=$root/tools/windows/mingw-w64.cmake
@@ -47,6 +47,10 @@ program() {
 
 package() {
     built program
+    packed
+}
+
+packed() {
     "$root/packaging/windows/build.sh" "$build" "$libraries" "$root/build-package"
     "$root/tools/windows/archive_test.sh" "$root"/build-package/TARNPrep-*-windows.zip &
     archive_test=$!
@@ -68,13 +72,14 @@ start() {
     rm -rf "$measured"
 }
 
-# The engine's tests run while the rest is compiled, which waits for nothing of theirs.
+# Packing keeps one processor busy; meanwhile the engine's tests are compiled, which wait for nothing of it.
 everything() {
+    built program
+    packed &
+    package=$!
     built jet_tests
-    "$root/tools/windows/run_tests.py" "$build" "$libraries" jet_tests &
-    engine_tests=$!
-    package
-    wait "$engine_tests"
+    "$root/tools/windows/run_tests.py" "$build" "$libraries" jet_tests
+    wait "$package"
 }
 
 tests() {

@@ -18,6 +18,7 @@ from pathlib import Path
 COMPILER = "x86_64-w64-mingw32-g++-posix"
 WINE = shutil.which("wine64") or "/usr/lib/wine/wine64"
 JOBS = int(os.environ.get("TARN_JOBS") or os.cpu_count() or 2)
+PARTS = 4 * JOBS  # of each program, so that all places are busy nearly to the end
 PLATFORM = os.environ.get("TARN_PLATFORM") or "offscreen"
 FILTER = os.environ.get("TARN_FILTER") or "*"
 LIMIT = 3600  # seconds, for one part
@@ -103,7 +104,7 @@ def run(build, libraries, place, parts, outcome):
                 return
             log = build / "tests" / f"{program}-{part}.log"
             variables = {**environment(build, libraries, place), **display.variables,
-                         "GTEST_TOTAL_SHARDS": str(JOBS), "GTEST_SHARD_INDEX": str(part)}
+                         "GTEST_TOTAL_SHARDS": str(PARTS), "GTEST_SHARD_INDEX": str(part)}
             chosen, _, left_out = FILTER.partition("-")
             left_out = ":".join([*WINE_FAILS[PLATFORM], left_out])
             with open(log, "w", encoding="utf-8") as out:
@@ -126,7 +127,7 @@ def main(build, libraries, *programs):
     libraries = [Path(library) for library in libraries.split(";") if library]
     parts, outcome = queue.Queue(), Outcome()
     for program in programs:
-        for part in range(JOBS):
+        for part in range(PARTS):
             parts.put((program, part))
     places = [threading.Thread(target=run, args=(build, libraries, place, parts, outcome)) for place in range(JOBS)]
     for place in places:
