@@ -1,6 +1,0 @@
-// What most files with charts read.
-#pragma once
-
-#include <qcustomplot.h>
-
-#include "standard.h"
