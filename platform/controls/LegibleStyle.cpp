@@ -45,6 +45,15 @@ bool LacksOutlines(const QPalette& palette) {
                      std::abs(box.blue() - ground.blue())}) < kSameColor;
 }
 
+bool IsDark(const QColor& color) {
+    return color.lightness() < 128;
+}
+
+// Like what is chosen, that is.
+bool IsStrong(const QColor& color) {
+    return color.hsvSaturation() > 128;
+}
+
 void MakeDisabledReadable(QPalette& palette, QPalette::ColorRole text, QPalette::ColorRole ground) {
     const QColor below = palette.color(QPalette::Disabled, ground);
     if (Contrast(palette.color(QPalette::Disabled, text), below) < kLeastContrast) {
@@ -129,15 +138,41 @@ void LegibleStyle::polish(QPalette& palette) {
     MakeDisabledReadable(palette, QPalette::ButtonText, QPalette::Button);
     // Palettes made from a few colors keep a blue of links that is too dark on a dark ground.
     const QColor page = palette.color(QPalette::Base);
-    const bool dark = page.lightness() < 128;
+    const bool dark = IsDark(page);
     if (dark && Contrast(palette.color(QPalette::Link), page) < 2 * kLeastContrast) {
         palette.setColor(QPalette::Link, QColor(kLightBlue));
         palette.setColor(QPalette::LinkVisited, QColor(kLightBlue));
+    }
+    // Every second row of a list would look chosen.
+    if (dark && IsStrong(palette.color(QPalette::AlternateBase))) {
+        palette.setColor(QPalette::AlternateBase, page.lighter(125));
+    }
+}
+
+// Dark colors of Windows give these the color of what is chosen as their ground, chosen or not. The
+// usual one needs an outline there.
+void LegibleStyle::DrawIndicator(PrimitiveElement element, const QStyleOptionButton& option,
+                                 QPainter& painter, const QWidget* widget) const {
+    QStyleOptionButton plain = option;
+    plain.palette.setColor(QPalette::Base, QGuiApplication::palette().color(QPalette::Base));
+    QProxyStyle::drawPrimitive(element, &plain, &painter, widget);
+    Outline outline(painter, plain.palette);
+    if (element == PE_IndicatorRadioButton) {
+        outline.Circle(option.rect);
+    } else {
+        outline.Box(option.rect);
     }
 }
 
 void LegibleStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                  QPainter* painter, const QWidget* widget) const {
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    if ((element == PE_IndicatorRadioButton || element == PE_IndicatorCheckBox) &&
+        button != nullptr && IsDark(button->palette.color(QPalette::Window)) &&
+        IsStrong(button->palette.color(QPalette::Base))) {
+        DrawIndicator(element, *button, *painter, widget);
+        return;
+    }
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     const bool isBox = element == PE_FrameLineEdit || element == PE_Frame;
     if (!LacksOutlines(option->palette)) {

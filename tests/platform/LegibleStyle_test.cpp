@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
@@ -110,6 +111,38 @@ TEST(LegibleStyleTest, DefaultButtonOfHighContrast_HasAFrameThatNeedsNoColor) {
         EXPECT_EQ(inside(ok), QColor(text));
         EXPECT_NE(inside(cancel), QColor(text));
     }
+}
+
+// As the dark colors of Windows do.
+TEST(LegibleStyleTest, DarkColorsThatMarkWhatIsNotChosen_AreTakenFromIt) {
+    LegibleStyle style(QStringLiteral("Fusion"));
+    const QColor accent(0, 120, 215);
+    QPalette palette = AllOf(QColor(30, 30, 30), Qt::white);
+    palette.setColor(QPalette::AlternateBase, accent);
+    style.polish(palette);
+    EXPECT_LT(palette.color(QPalette::AlternateBase).hsvSaturation(), 20);
+    palette.setColor(QPalette::Base, accent);
+    const auto pixelsOf = [&](QAbstractButton& button, const QColor& color) {
+        button.setStyle(&style);
+        button.setPalette(palette);
+        button.setAutoExclusive(false);
+        button.resize(button.sizeHint());
+        const QImage picture = button.grab().toImage();
+        int found = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                found += picture.pixelColor(x, y) == color ? 1 : 0;
+            }
+        }
+        return found;
+    };
+    QRadioButton option;
+    QCheckBox box;
+    for (QAbstractButton* button : std::initializer_list<QAbstractButton*>{&option, &box}) {
+        EXPECT_EQ(pixelsOf(*button, accent), 0) << button->metaObject()->className();
+    }
+    const QColor outline((30 + 255) / 2, (30 + 255) / 2, (30 + 255) / 2);
+    EXPECT_GT(pixelsOf(box, outline), 4 * 8);
 }
 
 TEST(LegibleStyleTest, CirclesOfOptions_GrowWithLargeLetters) {
