@@ -56,6 +56,33 @@ TEST(FrameCache, AFullCacheOfPassingPages_TakesOthersAllTheSame) {
     EXPECT_LE(CountFrames(cache), 32U + 64U + 1U);
 }
 
+TEST(FrameCache, Shrink_GivesBackWhatNobodyNeeds) {
+    FrameCache cache(kPageSize, 2000);
+    for (std::uint32_t page = 0; page < 20'000; ++page) {
+        Frame& frame = cache.Insert(page);
+        frame.dirty = true;
+        std::fill_n(frame.bytes, kPageSize, static_cast<std::byte>(page));
+    }
+    ASSERT_EQ(CountFrames(cache), 20'000U);
+    cache.ForEach([](Frame& frame) { frame.dirty = frame.number % 5000 == 4000; });
+    cache.Shrink();
+    EXPECT_GE(CountFrames(cache), 2000U);
+    EXPECT_LT(CountFrames(cache), 10'000U);
+    for (std::uint32_t page = 4000; page < 20'000; page += 5000) {
+        ASSERT_NE(cache.Find(page), nullptr);
+        EXPECT_EQ(cache.Find(page)->bytes[kPageSize - 1], static_cast<std::byte>(page));
+    }
+    for (std::uint32_t page = 50'000; page < 60'000; ++page) {
+        Frame& frame = cache.Insert(page);
+        frame.dirty = true;
+        std::fill_n(frame.bytes, kPageSize, static_cast<std::byte>(page));
+    }
+    for (std::uint32_t page = 50'000; page < 60'000; ++page) {
+        ASSERT_NE(cache.Find(page), nullptr);
+        EXPECT_EQ(cache.Find(page)->bytes[0], static_cast<std::byte>(page));
+    }
+}
+
 TEST(FrameCache, PagesFarApart_AreFound) {
     FrameCache cache(kPageSize, 10);
     EXPECT_EQ(cache.Find(16'000'000), nullptr);

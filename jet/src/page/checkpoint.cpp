@@ -30,7 +30,6 @@ void Checkpoint::Run() {
     WriteChangedPages();
     file_.EndCheckpoint(pages_.PageCount(), counter);
     journal_.Empty();
-    pages_.Shrink();
 }
 
 void Checkpoint::WriteChangedPages() {

@@ -1,9 +1,17 @@
 #include "page/frame_cache.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace jet {
+
+namespace {
+
+constexpr std::size_t kSmallestStore = std::size_t{64} << 10;
+constexpr std::size_t kLargestStore = std::size_t{256} << 10;
+
+}  // namespace
 
 void FrameCache::MakeRoomFor(std::uint32_t page) {
     const std::size_t part = page / kPart;
@@ -29,12 +37,27 @@ Frame& FrameCache::Insert(std::uint32_t page, bool passing) {
 }
 
 Frame& FrameCache::Grow() {
-    auto bytes = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
-    if (idle_ == nullptr) idle_ = &store_.emplace_back();
-    frames_.push_back(idle_);
-    Frame& frame = *std::exchange(idle_, idle_->nextIdle);
-    frame.bytes = std::move(bytes);
+    if (frames_.size() == room_) AddStore();
+    Frame& frame = stores_.back().frames[UsedOfLast()];
+    frames_.push_back(&frame);
     return frame;
+}
+
+// A small file takes little memory, a large one few parts.
+void FrameCache::AddStore() {
+    const std::size_t size = PageMemory::kApart ? pageSize_
+                                                : std::clamp(std::bit_floor(room_ * pageSize_),
+                                                             kSmallestStore, kLargestStore);
+    Store store{PageMemory(size), std::vector<Frame>(size / pageSize_)};
+    std::byte* bytes = store.memory.Data();
+    for (Frame& frame : store.frames) {
+        frame.bytes = bytes;
+        bytes += pageSize_;
+    }
+    const std::size_t room = room_ + store.frames.size();
+    if (frames_.capacity() < room) frames_.reserve(2 * room);
+    stores_.push_back(std::move(store));
+    room_ = room;
 }
 
 void FrameCache::Drop(Frame& frame) {
@@ -101,20 +124,25 @@ Frame* FrameCache::EvictSpent() {
 void FrameCache::Shrink() {
     unmovable_ = 0;
     if (frames_.size() <= capacity_) return;
-    std::size_t surplus = frames_.size() - capacity_;
     for (Frame* frame : spent_) frame->spent = false;
     spent_.clear();
     nextSpent_ = 0;
     for (Frame* frame : passing_) frame->passing = false;
     passing_.clear();
-    std::erase_if(frames_, [&](Frame* frame) {
-        if (surplus == 0 || !CanLeave(*frame)) return false;
-        --surplus;
-        if (frame->number != Frame::kNone) SetFrame(frame->number, nullptr);
-        *frame = Frame();
-        frame->nextIdle = std::exchange(idle_, frame);
-        return true;
-    });
+    std::size_t end = frames_.size();
+    for (std::size_t i = stores_.size(); i-- > 0;) {
+        const std::size_t used = i + 1 == stores_.size() ? UsedOfLast() : stores_[i].frames.size();
+        end -= used;
+        const std::span<Frame* const> frames = std::span(frames_).subspan(end, used);
+        if (frames_.size() - used < capacity_ || !CanLeave(frames)) continue;
+        for (const Frame* frame : frames) {
+            if (frame->number != Frame::kNone) SetFrame(frame->number, nullptr);
+        }
+        const auto first = frames_.begin() + static_cast<std::ptrdiff_t>(end);
+        frames_.erase(first, first + static_cast<std::ptrdiff_t>(used));
+        room_ -= stores_[i].frames.size();
+        stores_.erase(stores_.begin() + static_cast<std::ptrdiff_t>(i));
+    }
 }
 
 }  // namespace jet

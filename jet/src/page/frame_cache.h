@@ -6,20 +6,23 @@
 // its capacity, and shrinks again later.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <limits>
 #include <memory>
+#include <span>
 #include <vector>
+
+#include "os/page_memory.h"
 
 namespace jet {
 
 struct Frame {
     static constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
 
-    std::unique_ptr<std::byte[]> bytes;
+    std::byte* bytes = nullptr;
     std::uint32_t number = kNone;
     std::uint32_t pins = 0;
     bool dirty = false;          // differs from the file
@@ -29,7 +32,6 @@ struct Frame {
     bool recent = false;         // used since the clock's hand came by
     bool passing = false;        // of a scan of a file that is larger than the cache
     bool spent = false;          // leaves before others, unless it is used again
-    Frame* nextIdle = nullptr;
 };
 
 class FrameCache {
@@ -57,7 +59,7 @@ public:
         frame.spent = true;
     }
     void ReserveSpent(std::size_t more);
-    // Gives memory beyond the capacity back.
+    // Gives memory beyond the capacity back, as far as it goes in large pieces.
     void Shrink();
 
     template <typename Visit>
@@ -71,6 +73,10 @@ private:
     static bool CanLeave(const Frame& frame) {
         return frame.pins == 0 && !frame.dirty && !frame.inTransaction;
     }
+    static bool CanLeave(std::span<Frame* const> frames) {
+        return std::all_of(frames.begin(), frames.end(),
+                           [](const Frame* frame) { return CanLeave(*frame); });
+    }
     // The frames of as many neighboring pages; those of pages that were never read take no memory.
     static constexpr std::size_t kPart = 512;
     using Part = std::array<Frame*, kPart>;
@@ -81,17 +87,28 @@ private:
     }
     void MakeRoomFor(std::uint32_t page);
     Frame& Grow();
+    void AddStore();
+    // How many frames of the last store are in use.
+    [[nodiscard]] std::size_t UsedOfLast() const {
+        return frames_.size() - (room_ - stores_.back().frames.size());
+    }
     Frame* Evict();
     Frame* EvictPassing();
     Frame* EvictSpent();
 
+    // Memory comes in parts of many pages. Frames lie close together, apart from their pages: the
+    // clock's hand comes by thousands of them.
+    struct Store {
+        PageMemory memory;
+        std::vector<Frame> frames;
+    };
+
     std::uint32_t pageSize_;
     std::size_t capacity_;
-    // Frames lie close together, apart from their pages: the clock's hand comes by thousands of
-    // them.
-    std::deque<Frame> store_;
-    Frame* idle_ = nullptr;  // those that have no page and no bytes
-    std::vector<Frame*> frames_;
+    std::vector<Store> stores_;
+    std::size_t room_ = 0;  // frames of all stores
+    std::vector<Frame*>
+        frames_;  // those in use, in the order of the stores: all but some last ones
     std::vector<std::unique_ptr<Part>> frameOf_;  // by page number
     std::vector<Frame*> passing_;                 // taken in turn
     std::size_t nextPassing_ = 0;

@@ -31,8 +31,8 @@ void PageCache::Take(const LogReplay& replay) {
             continue;
         }
         Frame& frame = frames_.Insert(number);
-        std::memset(frame.bytes.get(), 0, pageSize_);
-        std::copy(page.image.begin(), page.image.end(), frame.bytes.get());
+        std::memset(frame.bytes, 0, pageSize_);
+        std::copy(page.image.begin(), page.image.end(), frame.bytes);
         MarkDirty(frame);
     }
     inLog_.Keep();
@@ -69,11 +69,11 @@ Frame& PageCache::Load(PageNumber page) {
     file_.Read(page, readBuffer_);
     // The page asked for comes last, so that none of the others can take its frame.
     for (std::uint32_t i = pages - 1; i > 0; --i) {
-        std::memcpy(frames_.Insert(page.value + i, passing).bytes.get(),
+        std::memcpy(frames_.Insert(page.value + i, passing).bytes,
                     readBuffer_.data() + std::size_t{i} * pageSize_, pageSize_);
     }
     Frame& frame = frames_.Insert(page.value, passing);
-    std::memcpy(frame.bytes.get(), readBuffer_.data(), pageSize_);
+    std::memcpy(frame.bytes, readBuffer_.data(), pageSize_);
     return frame;
 }
 
@@ -98,7 +98,7 @@ void PageCache::ReadStored(PageNumber page, MutableBytes into) {
 
 void PageCache::Copy(PageNumber page, MutableBytes into) {
     if (const Frame* frame = frames_.Find(page.value)) {
-        std::copy_n(frame->bytes.get(), pageSize_, into.begin());
+        std::copy_n(frame->bytes, pageSize_, into.begin());
     } else {
         ReadStored(page, into);
     }
@@ -106,7 +106,7 @@ void PageCache::Copy(PageNumber page, MutableBytes into) {
 
 Frame& PageCache::AddZeroed() {
     Frame& frame = frames_.Insert(pageCount_);
-    std::memset(frame.bytes.get(), 0, pageSize_);
+    std::memset(frame.bytes, 0, pageSize_);
     return frame;
 }
 

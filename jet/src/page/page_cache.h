@@ -40,10 +40,8 @@ public:
     Frame& AddZeroed();
     void Drop(Frame& frame) { frames_.Drop(frame); }
     void Shrink() { frames_.Shrink(); }
-    [[nodiscard]] Bytes BytesOf(const Frame& frame) const { return {frame.bytes.get(), pageSize_}; }
-    [[nodiscard]] MutableBytes BytesOf(Frame& frame) const {
-        return {frame.bytes.get(), pageSize_};
-    }
+    [[nodiscard]] Bytes BytesOf(const Frame& frame) const { return {frame.bytes, pageSize_}; }
+    [[nodiscard]] MutableBytes BytesOf(Frame& frame) const { return {frame.bytes, pageSize_}; }
     // Reads a page as it is in the log or else in the data file, whatever is in memory. kIo.
     void ReadStored(PageNumber page, MutableBytes into);
     // Copies a page without keeping it in memory.

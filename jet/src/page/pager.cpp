@@ -33,7 +33,8 @@ Pager::~Pager() {
 }
 
 void Pager::CheckpointWhenDue(std::size_t mostChangedBytes) {
-    if (cache_.DirtyBytes() > mostChangedBytes || journal_.Size() > logBytes_) MakeDurable();
+    // More changes follow, for which the memory is kept.
+    if (cache_.DirtyBytes() > mostChangedBytes || journal_.Size() > logBytes_) checkpoint_.Run();
 }
 
 void Pager::BeginTransaction() {
@@ -61,6 +62,7 @@ void Pager::MakeDurable() {
                     "What a transaction has changed so far cannot be made durable: it is open.");
     }
     checkpoint_.Run();
+    cache_.Shrink();
 }
 
 void Pager::Close() {

@@ -53,7 +53,7 @@ public:
 
 private:
     friend class Pager;
-    PageRef(Frame& frame, std::size_t size) : frame_(&frame), data_(frame.bytes.get(), size) {
+    PageRef(Frame& frame, std::size_t size) : frame_(&frame), data_(frame.bytes, size) {
         ++frame.pins;
     }
 

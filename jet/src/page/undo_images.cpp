@@ -26,7 +26,7 @@ void UndoImages::Add(Frame& frame, bool fresh) {
     image.fresh = fresh;
     if (!fresh) {
         if (!image.before) image.before = std::make_unique_for_overwrite<std::byte[]>(pageSize_);
-        std::memcpy(image.before.get(), frame.bytes.get(), pageSize_);
+        std::memcpy(image.before.get(), frame.bytes, pageSize_);
     }
     ++size_;
 }
@@ -37,7 +37,7 @@ void UndoImages::AddStored(Frame& frame) {
 }
 
 void UndoImages::Restore(const UndoImage& image) const noexcept {
-    std::memcpy(image.frame->bytes.get(), image.before.get(), pageSize_);
+    std::memcpy(image.frame->bytes, image.before.get(), pageSize_);
 }
 
 void UndoImages::RemoveSettled() noexcept {
@@ -63,7 +63,7 @@ void UndoParts::Add(Frame& frame, MutableBytes bytes, std::size_t at) {
 
 void UndoParts::Restore() const noexcept {
     for (auto part = parts_.rbegin(); part != parts_.rend(); ++part) {
-        std::memcpy(part->frame->bytes.get() + part->at, bytes_.data() + part->begin, part->size);
+        std::memcpy(part->frame->bytes + part->at, bytes_.data() + part->begin, part->size);
     }
 }
 
