@@ -84,7 +84,7 @@ protected:
         LogRecordWriter record(built, LogRecordKind::kCommit, 1, kPages);
         for (int i = 0; i < entries; ++i) {
             record.AddPage(
-                {.page = kPage, .before = before, .after = after, .firstDifference = 500},
+                {.page = kPage, .before = before, .after = after, .from = 500, .end = 501},
                 LogBase::kImage, {{.begin = 500, .end = 501}});
         }
         record.Finish(seed);
@@ -196,8 +196,11 @@ protected:
         Contents log = AllOf(built);
         LoggedAs state = LoggedAs::kNothing;
         for (std::size_t i = 1; i < states_.size(); ++i) {
-            PageChange change{.page = kPage, .before = states_[i - 1], .after = states_[i]};
-            change.firstDifference = FirstDifference(change.before, change.after, 0);
+            PageChange change{.page = kPage,
+                              .before = states_[i - 1],
+                              .after = states_[i],
+                              .end = states_[i].size()};
+            change.from = FirstDifference(change.before, change.after, 0);
             std::vector<LogRange> ranges;
             FindRanges(change, ranges);
             LogBase base = BaseFor(change, state, ranges);

@@ -25,7 +25,6 @@ Changes::Changes(PageCache& pages, Journal& journal, const Format& format, std::
       format_(format),
       spillPages_(std::max<std::size_t>(1, spillBytes / format.pageSize)),
       changed_(format.pageSize),
-      savepoint_(format.pageSize),
       before_(format.pageSize),
       lookPages_(std::max<std::size_t>(1, spillPages_ / 32)) {}
 
@@ -53,8 +52,9 @@ void Changes::BeginOperation() {
 MutableBytes Changes::Change(PageNumber page) {
     Frame& frame = pages_.Fetch(page);
     if (!frame.changing) {
-        Remember(frame);
-        frame.inTransaction = true;
+        Enter(frame);
+        if (frame.image < firstOfOperation_) savepoint_.Add(frame, pages_.BytesOf(frame), 0);
+        changed_.Cover(frame, 0, format_.pageSize);
         frame.changing = true;
     }
     frame.settled = false;
@@ -63,10 +63,15 @@ MutableBytes Changes::Change(PageNumber page) {
 
 MutableBytes Changes::ChangePart(PageNumber page, std::size_t from, std::size_t size) {
     Frame& frame = pages_.Fetch(page);
-    if (!frame.inTransaction) return Change(page);
+    const MutableBytes bytes = pages_.BytesOf(frame);
+    if (!frame.changing) {
+        const MutableBytes part = Slice(bytes, from, size);
+        Enter(frame);
+        if (frame.image < firstOfOperation_) savepoint_.Add(frame, part, from);
+        changed_.Cover(frame, from, size);
+    }
     frame.settled = false;
-    if (!frame.changing) savepointParts_.Add(frame, Slice(pages_.BytesOf(frame), from, size), from);
-    return pages_.BytesOf(frame);
+    return bytes;
 }
 
 void Changes::Append() {
@@ -76,7 +81,7 @@ void Changes::Append() {
     }
     Frame& frame = pages_.AddZeroed();
     try {
-        changed_.Add(frame, true);
+        changed_.AddFresh(frame);
     } catch (...) {
         pages_.Drop(frame);
         throw;
@@ -86,14 +91,15 @@ void Changes::Append() {
     pages_.SetPageCount(pages_.PageCount() + 1);
 }
 
-void Changes::Remember(Frame& frame) {
-    if (frame.inTransaction) {
-        savepoint_.Add(frame, false);
-    } else if (frame.dirty || changed_.Size() < std::min(kMostCopies, spillPages_ / 4)) {
-        changed_.Add(frame, false);
+// Makes the page one of the transaction.
+void Changes::Enter(Frame& frame) {
+    if (frame.inTransaction) return;
+    if (frame.dirty || changed_.Size() < std::min(kMostCopies, spillPages_ / 4)) {
+        changed_.Add(frame);
     } else {
         changed_.AddStored(frame);
     }
+    frame.inTransaction = true;
 }
 
 PageChange Changes::ChangeOf(const UndoImage& image) {
@@ -101,17 +107,19 @@ PageChange Changes::ChangeOf(const UndoImage& image) {
     if (image.stored) pages_.ReadStored(page, before_);
     const Bytes before = image.stored ? Bytes(before_) : changed_.Before(image);
     const Bytes after = pages_.BytesOf(*image.frame);
+    const std::size_t end = std::max(image.from, image.end);
     return {.page = page,
             .fresh = image.fresh,
             .before = before,
             .after = after,
-            .firstDifference = FirstDifference(before, after, 0)};
+            .from = FirstDifference(before.first(end), after.first(end), image.from),
+            .end = end};
 }
 
 void Changes::AddChanges(std::span<const UndoImage> images) {
     for (const UndoImage& image : images) {
         const PageChange change = ChangeOf(image);
-        if (!change.fresh && change.firstDifference == format_.pageSize) continue;
+        if (!change.fresh && change.from == change.end) continue;
         journal_.Add(change);
         written_.push_back(image.frame);
     }
@@ -196,7 +204,7 @@ void Changes::SpillPart(std::span<const UndoImage* const> images) {
 
 void Changes::Settle(PageNumber page) {
     Frame* frame = pages_.Find(page.value);
-    if (frame == nullptr || !frame->changing) return;
+    if (frame == nullptr || !frame->inTransaction || frame->image < firstOfOperation_) return;
     frame->settled = true;
     if (++settled_ < lookPages_) return;
     settled_ = 0;
@@ -251,9 +259,8 @@ void Changes::CommitOperation() {
 }
 
 void Changes::RollbackOperation() noexcept {
-    for (const UndoImage& image : savepoint_.From(0)) savepoint_.Restore(image);
-    savepointParts_.Restore();
-    if (savepoint_.Size() > 0 || !savepointParts_.IsEmpty()) ++count_;
+    savepoint_.Restore();
+    if (!savepoint_.IsEmpty()) ++count_;
     UndoFrom(firstOfOperation_);
     ForgetPagesInLog(inLogBeforeOperation_);
     journal_.DropPartsSince(partsBeforeOperation_);
@@ -308,9 +315,7 @@ void Changes::UndoFrom(std::size_t first) noexcept {
 
 void Changes::EndOperation() noexcept {
     for (const UndoImage& image : changed_.From(firstOfOperation_)) image.frame->changing = false;
-    for (const UndoImage& image : savepoint_.From(0)) image.frame->changing = false;
-    savepoint_.CutTo(0);
-    savepointParts_.Clear();
+    savepoint_.Clear();
     inOperation_ = false;
     if (!inTransaction_) ForgetImages();
 }

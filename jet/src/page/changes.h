@@ -55,7 +55,7 @@ public:
     PageNumber mapRowPage;  // lately had room for a usage map; 0 when none is known
 
 private:
-    void Remember(Frame& frame);
+    void Enter(Frame& frame);
     [[nodiscard]] PageChange ChangeOf(const UndoImage& image);
     void AddChanges(std::span<const UndoImage> images);
     void WriteToLog();
@@ -84,8 +84,7 @@ private:
     PartsMark partsBeforeOperation_;
     std::size_t inLogBeforeOperation_ = 0;  // entries of pages in the log
     std::size_t settled_ = 0;               // pages since they were last moved
-    UndoImages savepoint_;  // pages that the operation changed after the transaction had done so
-    UndoParts savepointParts_;       // and parts of such pages, before they were in savepoint_
+    UndoParts savepoint_;  // what the operation changed of pages that the transaction had changed
     std::vector<std::byte> before_;  // a page that was read again
     std::vector<Frame*> written_;    // the frames of changes that are in the log
     std::size_t keptAtSpill_ = 0;    // pages that could not be moved to the log

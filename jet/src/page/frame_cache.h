@@ -32,6 +32,7 @@ struct Frame {
     bool recent = false;         // used since the clock's hand came by
     bool passing = false;        // of a scan of a file that is larger than the cache
     bool spent = false;          // leaves before others, unless it is used again
+    std::size_t image = 0;       // its undo image, when it is in a transaction
 };
 
 class FrameCache {

@@ -1,6 +1,7 @@
 #include "page/log_format.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "jet/error.h"
@@ -22,6 +23,20 @@ std::uint64_t Word(Bytes bytes, std::size_t at) {
     std::uint64_t word = 0;
     std::memcpy(&word, bytes.data() + at, sizeof word);
     return word;
+}
+
+// The page as it was, in pieces, from one byte to another.
+std::array<Bytes, 3> FormerPieces(const PageChange& change, std::size_t begin, std::size_t past) {
+    const std::size_t from = std::clamp(change.from, begin, past);
+    const std::size_t end = std::clamp(change.end, from, past);
+    return {change.after.subspan(begin, from - begin), change.before.subspan(from, end - from),
+            change.after.subspan(end, past - end)};
+}
+
+std::uint64_t FormerChecksum(const PageChange& change, std::size_t begin, std::size_t past) {
+    RunningChecksum checksum(0);
+    for (const Bytes piece : FormerPieces(change, begin, past)) checksum.Add(piece);
+    return checksum.Result();
 }
 
 // The end of the difference that begins at `from`: where many equal bytes lie in a row. Entries
@@ -60,11 +75,12 @@ std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from) {
 
 void FindRanges(const PageChange& change, std::vector<LogRange>& into) {
     into.clear();
-    std::size_t at = change.firstDifference;
-    while (at < change.after.size()) {
-        const std::size_t end = DifferenceEnd(change.before, change.after, at);
+    const Bytes before = change.before.first(change.end);
+    const Bytes after = change.after.first(change.end);
+    for (std::size_t at = change.from; at < change.end;) {
+        const std::size_t end = DifferenceEnd(before, after, at);
         into.push_back({static_cast<std::uint16_t>(at), static_cast<std::uint16_t>(end)});
-        at = FirstDifference(change.before, change.after, end);
+        at = FirstDifference(before, after, end);
     }
 }
 
@@ -153,11 +169,14 @@ void LogRecordWriter::StartEntry(const PageChange& change, LogBase base, std::si
     WriteU16(head, 4, static_cast<std::uint16_t>(base));
     WriteU16(head, 6, static_cast<std::uint16_t>(ranges));
     ++entries_;
-    if (base == LogBase::kImage) out_.PutCopy(change.before);
-    if (base == LogBase::kSum) WriteU64(out_.Extend(8), 0, Checksum(change.before, 0));
+    const std::size_t size = change.after.size();
+    if (base == LogBase::kImage) {
+        for (const Bytes piece : FormerPieces(change, 0, size)) out_.PutCopy(piece);
+    }
+    if (base == LogBase::kSum) WriteU64(out_.Extend(8), 0, FormerChecksum(change, 0, size));
     if (base == LogBase::kPieces) {
-        for (std::size_t at = 0; at < change.before.size(); at += kLogPiece) {
-            WriteU64(out_.Extend(8), 0, Checksum(change.before.subspan(at, kLogPiece), 0));
+        for (std::size_t at = 0; at < size; at += kLogPiece) {
+            WriteU64(out_.Extend(8), 0, FormerChecksum(change, at, at + kLogPiece));
         }
     }
 }

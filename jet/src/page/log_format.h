@@ -122,9 +122,10 @@ std::optional<CheckedLogHeader> ParseLogHeader(Bytes bytes);
 struct PageChange {
     PageNumber page;
     bool fresh = false;  // made by this operation, `before` is all zeros
-    Bytes before;
+    Bytes before;        // counts from `from` on, before `end`: all else is as in `after`
     Bytes after;
-    std::size_t firstDifference = 0;  // from FirstDifference; the page's size where there is none
+    std::size_t from = 0;  // where they differ first; `end` where they are the same
+    std::size_t end = 0;
 };
 
 // The first place from `from` on where two pages differ, or their size.

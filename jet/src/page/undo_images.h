@@ -16,7 +16,9 @@ struct UndoImage {
     Frame* frame = nullptr;
     bool fresh = false;                   // the page did not exist
     bool stored = false;                  // the page as it was can be read again
-    std::unique_ptr<std::byte[]> before;  // of any other
+    std::unique_ptr<std::byte[]> before;  // of any other, as far as it may have changed:
+    std::size_t from = 0;                 // from here on,
+    std::size_t end = 0;                  // before this
 };
 
 class UndoImages {
@@ -27,15 +29,20 @@ public:
     [[nodiscard]] std::span<const UndoImage> From(std::size_t first) const {
         return std::span(images_).subspan(first, size_ - first);
     }
-    // Of a page that is not stored.
+    // Of a page that is not stored, as far as it may have changed.
     [[nodiscard]] Bytes Before(const UndoImage& image) const {
         return image.fresh ? Bytes(zeros_) : Bytes(image.before.get(), pageSize_);
     }
-    // The page as it is now; all zeros for a fresh one. When it throws, nothing is added.
-    void Add(Frame& frame, bool fresh);
-    // The same for a page that can be read again as it is now: nothing is copied. Restoring it is
-    // the caller's part, who drops the frame.
+    // Each notes its place in the frame. When it throws, nothing is added.
+    // A page that is about to change, which nothing is kept of so far.
+    void Add(Frame& frame);
+    // One that has just been made.
+    void AddFresh(Frame& frame);
+    // One that can be read again as it is now: nothing is copied. Restoring it is the caller's
+    // part, who drops the frame.
     void AddStored(Frame& frame);
+    // These bytes of the frame's page are about to change.
+    void Cover(const Frame& frame, std::size_t from, std::size_t size) noexcept;
     // Puts the bytes of a page back that is neither fresh nor stored.
     void Restore(const UndoImage& image) const noexcept;
     // Forgets the images of pages that are no longer of the transaction.
@@ -45,6 +52,7 @@ public:
 
 private:
     UndoImage& Next(Frame& frame);
+    void Enter(Frame& frame) noexcept;
 
     std::uint32_t pageSize_;
     std::vector<std::byte> zeros_;
@@ -60,6 +68,7 @@ public:
     void Add(Frame& frame, MutableBytes bytes, std::size_t at);
     // Puts them back, the latest first.
     void Restore() const noexcept;
+    // The operation that changed them has ended.
     void Clear() noexcept;
 
 private:
