@@ -7,8 +7,10 @@ namespace jet {
 
 namespace {
 
-// Fewer bytes are copied sooner than they are written by themselves.
+// Few bytes are copied sooner than they are written by themselves: less than so many,
 constexpr std::size_t kLong = 512;
+// and those of a short record.
+constexpr std::size_t kShortRecord = 16U << 10;
 
 }  // namespace
 
@@ -39,7 +41,7 @@ void LogBuffer::PutCopy(Bytes bytes) {
 }
 
 void LogBuffer::Put(Bytes bytes) {
-    if (bytes.size() < kLong) {
+    if (bytes.size() < kLong || size_ + bytes.size() <= kShortRecord) {
         PutCopy(bytes);
         return;
     }

@@ -18,7 +18,7 @@ public:
 
     // Room at the end, filled with zeros; the caller fills it before the next call.
     MutableBytes Extend(std::size_t size);
-    // Short ones are copied; long ones stay where they are and must not change before Clear.
+    // Few are copied; many stay where they are and must not change before Clear.
     void Put(Bytes bytes);
     // A copy in any case.
     void PutCopy(Bytes bytes);
