@@ -46,12 +46,20 @@ Frame& PageCache::FetchMissing(PageNumber page) {
     return Load(page);
 }
 
+// A good part of a file that fits into the cache has been read: the rest will be needed too.
+bool PageCache::IsReadWhole() const {
+    constexpr std::uint32_t kGoodPart = 8;
+    const std::uint32_t pages = file_.State().pageCount;
+    return pages <= frames_.Capacity() && readAlone_ > pages / kGoodPart;
+}
+
 // How many pages to read at once: as many as have been read in the order of the file just now. Two
 // in a row happen at random too, a row and its memo say.
 std::uint32_t PageCache::ReadAhead(PageNumber page) const {
     std::uint32_t pages = 1;
-    if (page.value != nextInRow_ || inLog_.Find(page.value) != 0) return pages;
-    const std::uint32_t most = std::min(inRow_, kReadAheadPages);
+    const bool isWhole = IsReadWhole();
+    if ((page.value != nextInRow_ && !isWhole) || inLog_.Find(page.value) != 0) return pages;
+    const std::uint32_t most = isWhole ? kReadAheadPages : std::min(inRow_, kReadAheadPages);
     while (pages < most && page.value + pages < file_.State().pageCount &&
            frames_.Find(page.value + pages) == nullptr && inLog_.Find(page.value + pages) == 0) {
         ++pages;
@@ -78,6 +86,7 @@ Frame& PageCache::Load(PageNumber page) {
 }
 
 Frame& PageCache::LoadAlone(PageNumber page) {
+    ++readAlone_;
     Frame& frame = frames_.Insert(page.value);
     try {
         ReadStored(page, BytesOf(frame));

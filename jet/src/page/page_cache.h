@@ -68,6 +68,7 @@ private:
     Frame& FetchMissing(PageNumber page);
     Frame& Load(PageNumber page);
     Frame& LoadAlone(PageNumber page);
+    [[nodiscard]] bool IsReadWhole() const;
     [[nodiscard]] std::uint32_t ReadAhead(PageNumber page) const;
     DataFile& file_;
     Journal& journal_;
@@ -78,6 +79,7 @@ private:
     std::size_t dirtyCount_ = 0;
     std::uint32_t nextInRow_ = 0;  // the page that reading in file order would ask for next
     std::uint32_t inRow_ = 0;      // pages read in file order until now
+    std::uint32_t readAlone_ = 0;  // pages that were read one at a time
     std::vector<std::byte> readBuffer_;
 };
 
