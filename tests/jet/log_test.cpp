@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -13,6 +14,7 @@
 #include "page/checksum.h"
 #include "page/header.h"
 #include "page/log_format.h"
+#include "page/log_ranges.h"
 #include "page/operation.h"
 #include "page/pager.h"
 #include "support/fault_file_system.h"
@@ -187,7 +189,15 @@ protected:
     void Change(std::size_t at, std::size_t size) {
         if (states_.empty()) states_.push_back(PageIn(file_));
         Contents next = states_.back();
-        for (std::size_t i = at; i < at + size; ++i) next[i] ^= static_cast<std::byte>(i % 7 + 1);
+        for (std::size_t i = at; i < at + size; ++i) {
+            next[i] ^= static_cast<std::byte>((i * 2654435761U >> 13) | 1);
+        }
+        states_.push_back(next);
+    }
+    // Moves the bytes from one place to another, as erasing or adding an entry of an index does.
+    void Move(std::size_t from, std::size_t to, std::size_t size) {
+        Contents next = states_.back();
+        std::memmove(next.data() + to, states_.back().data() + from, size);
         states_.push_back(next);
     }
     [[nodiscard]] Contents Log(std::uint16_t version = kLogVersion) const {
@@ -207,7 +217,13 @@ protected:
             if (version < 3) base = i == 1 ? LogBase::kImage : LogBase::kInLog;
             built.Clear();
             LogRecordWriter record(built, LogRecordKind::kCommit, i, kPages);
-            record.AddPage(change, base, ranges);
+            const auto move =
+                base == LogBase::kInLog && version > 3 ? TakeMove(change, ranges) : std::nullopt;
+            if (move) {
+                record.AddMovedPage(change, *move, ranges);
+            } else {
+                record.AddPage(change, base, ranges);
+            }
             seed = record.Finish(seed);
             const Contents bytes = AllOf(built);
             log.insert(log.end(), bytes.begin(), bytes.end());
@@ -286,17 +302,47 @@ TEST_P(LogOfChanges, PageThatChangedALittleAndThenByMuch_IsMendedFromAnyMixture)
     ExpectMendedAndToldFromOthers();
 }
 
-TEST_P(LogOfChanges, LogOfTheFormerVersion_IsBroughtIn) {
+TEST_P(LogOfChanges, BytesThatMoved_TakeNoRoomAndAreMendedFromAnyMixture) {
+    Change(100, pageSize_ - 200);
+    const std::size_t whole = Log().size();
+    Move(613, 600, 1000);
+    Move(300, 309, 900);
+    Change(320, 3);
+    Move(400, 464, 1300);
+    Move(1300, 1299, 500);
+    EXPECT_LT(Log().size(), whole + 900);
+    ExpectMendedAndToldFromOthers();
+}
+
+TEST_P(LogOfChanges, BytesThatMoveOutOfThePage_PutTheLogAside) {
+    Change(100, pageSize_ - 200);
+    const std::size_t second = Log().size() + kLogRecordHead;
+    Move(613, 600, 1000);
+    const auto opened = [&](std::size_t at, std::size_t value) {
+        Contents log = Log();
+        WriteU16(log, second + at, static_cast<std::uint16_t>(value));
+        PutChecksumsRight(log);
+        return Open(log);
+    };
+    EXPECT_TRUE(opened(4, 6).applied);
+    EXPECT_TRUE(opened(kLogEntryHead, pageSize_ - 900).foreignLogIgnored);
+    EXPECT_TRUE(opened(kLogEntryHead + 2, pageSize_ - 900).foreignLogIgnored);
+    EXPECT_TRUE(opened(kLogEntryHead + 4, pageSize_).foreignLogIgnored);
+}
+
+TEST_P(LogOfChanges, LogOfAFormerVersion_IsBroughtIn) {
     Change(500, 20);
     Change(600, 20);
-    FaultFileSystem files;
-    files.SetContents(kFile, file_);
-    files.SetContents(kLog, Log(2));
-    Recovery recovery;
-    Pager::Open(files, kFile, {}, recovery)->Close();
-    EXPECT_TRUE(recovery.applied);
-    EXPECT_EQ(recovery.operations, 2U);
-    EXPECT_EQ(PageIn(files.Contents(kFile)), states_.back());
+    for (const std::uint16_t version : {std::uint16_t{2}, std::uint16_t{3}}) {
+        FaultFileSystem files;
+        files.SetContents(kFile, file_);
+        files.SetContents(kLog, Log(version));
+        Recovery recovery;
+        Pager::Open(files, kFile, {}, recovery)->Close();
+        EXPECT_TRUE(recovery.applied);
+        EXPECT_EQ(recovery.operations, 2U);
+        EXPECT_EQ(PageIn(files.Contents(kFile)), states_.back());
+    }
 }
 
 // Whatever is wrong in a page entry with whole checksums.

@@ -4,6 +4,7 @@
 
 #include "jet/error.h"
 #include "page/bytes.h"
+#include "page/log_ranges.h"
 
 namespace jet {
 

@@ -9,6 +9,7 @@
 #include "page/checksum.h"
 #include "page/header.h"
 #include "page/kept_logs.h"
+#include "page/log_ranges.h"
 #include "page/log_reader.h"
 
 namespace jet {
@@ -98,6 +99,12 @@ void Journal::Add(const PageChange& change) {
     FindRanges(change, ranges_);
     const LogBase base = BaseFor(change, StateOf(change.page), ranges_);
     NoteEntry(change, base);
+    if (base == LogBase::kInLog) {
+        if (const auto move = TakeMove(change, ranges_)) {
+            record_->AddMovedPage(change, *move, ranges_);
+            return;
+        }
+    }
     record_->AddPage(change, base, ranges_);
 }
 

@@ -19,12 +19,6 @@ bool BeginsLog(Bytes bytes) {
     return bytes.size() >= kLogHeaderSize && std::memcmp(bytes.data(), kMagic, sizeof kMagic) == 0;
 }
 
-std::uint64_t Word(Bytes bytes, std::size_t at) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes.data() + at, sizeof word);
-    return word;
-}
-
 // The page as it was, in pieces, from one byte to another.
 std::array<Bytes, 3> FormerPieces(const PageChange& change, std::size_t begin, std::size_t past) {
     const std::size_t from = std::clamp(change.from, begin, past);
@@ -39,50 +33,7 @@ std::uint64_t FormerChecksum(const PageChange& change, std::size_t begin, std::s
     return checksum.Result();
 }
 
-// The end of the difference that begins at `from`: where many equal bytes lie in a row. Entries
-// that moved differ in a byte here and there; one long range takes less time than many short ones,
-// to write and to recover, and not much more room.
-std::size_t DifferenceEnd(Bytes a, Bytes b, std::size_t from) {
-    constexpr std::size_t kGap = 64;
-    std::size_t end = from + 1;
-    while (end + kGap <= a.size() && std::memcmp(a.data() + end, b.data() + end, kGap) != 0) {
-        end += kGap;
-    }
-    if (end + kGap > a.size()) end = a.size();
-    while (end - from > sizeof(std::uint64_t) &&
-           Word(a, end - sizeof(std::uint64_t)) == Word(b, end - sizeof(std::uint64_t))) {
-        end -= sizeof(std::uint64_t);
-    }
-    while (a[end - 1] == b[end - 1]) --end;
-    return end;
-}
-
 }  // namespace
-
-std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from) {
-    // Most of a page is as it was: it is passed over in blocks, then in words.
-    constexpr std::size_t kBlock = 256;
-    const std::size_t size = a.size();
-    while (from + kBlock <= size && std::memcmp(a.data() + from, b.data() + from, kBlock) == 0) {
-        from += kBlock;
-    }
-    while (from + sizeof(std::uint64_t) <= size && Word(a, from) == Word(b, from)) {
-        from += sizeof(std::uint64_t);
-    }
-    while (from < size && a[from] == b[from]) ++from;
-    return from;
-}
-
-void FindRanges(const PageChange& change, std::vector<LogRange>& into) {
-    into.clear();
-    const Bytes before = change.before.first(change.end);
-    const Bytes after = change.after.first(change.end);
-    for (std::size_t at = change.from; at < change.end;) {
-        const std::size_t end = DifferenceEnd(before, after, at);
-        into.push_back({static_cast<std::uint16_t>(at), static_cast<std::uint16_t>(end)});
-        at = FirstDifference(before, after, end);
-    }
-}
 
 LoggedAs LoggedAfter(LogBase base) {
     return HasFormerBytes(base) ? LoggedAs::kChanges : LoggedAs::kWhole;
@@ -94,6 +45,8 @@ std::size_t SizeOfBase(LogBase base, std::size_t pageSize) {
             return pageSize;
         case LogBase::kSum:
             return sizeof(std::uint64_t);
+        case LogBase::kMovedInLog:
+            return kLogMoveSize;
         case LogBase::kPieces:
             return pageSize / kLogPiece * sizeof(std::uint64_t);
         default:
@@ -179,6 +132,16 @@ void LogRecordWriter::StartEntry(const PageChange& change, LogBase base, std::si
             WriteU64(out_.Extend(8), 0, FormerChecksum(change, at, at + kLogPiece));
         }
     }
+}
+
+void LogRecordWriter::AddMovedPage(const PageChange& change, LogMove move,
+                                   const std::vector<LogRange>& ranges) {
+    StartEntry(change, LogBase::kMovedInLog, ranges.size());
+    const MutableBytes moved = out_.Extend(kLogMoveSize);
+    WriteU16(moved, 0, move.to);
+    WriteU16(moved, 2, move.from);
+    WriteU16(moved, 4, move.length);
+    for (const LogRange range : ranges) AddRange(change, LogBase::kMovedInLog, range);
 }
 
 void LogRecordWriter::AddPage(const PageChange& change, LogBase base,

@@ -10,9 +10,8 @@
 //   12  4  pages of the data file when the log began
 //   16  8  salt, another one for each log
 //   24  2  the data file's commit counter when the log began
-//   26  2  version of this format, 3; version 2 had no entries of bases 3 to 5, version 1 no
-//   records
-//          of kind 4 either
+//   26  2  version of this format, 4; version 3 had no entries of base 6, version 2 none of bases
+//          3 to 5, version 1 no records of kind 4 either
 //   28  8  the other counters of page 0, as one number
 //   36  20 zeros
 //   56  8  checksum of the 56 bytes before
@@ -41,6 +40,9 @@
 //   3      is not in the log yet        the checksum of the page as it was
 //   4      is in the log by changes     -
 //   5      is not in the log yet        checksums of its 512-byte pieces; one range, the whole page
+//   6      is in the log, all of it,    u16 to, u16 from, u16 length
+//          and so many bytes move
+//          before the ranges
 //
 // What is logged of a page when it changes for the first time serves two ends. It tells this data
 // file from any other: each byte of the page has to be there, as the log began with or as it left
@@ -75,8 +77,9 @@ inline constexpr std::size_t kLogRecordHead = 24;
 inline constexpr std::size_t kLogChecksumSize = 8;
 inline constexpr std::size_t kLogEntryHead = 8;
 inline constexpr std::uint32_t kLargestLogRecord = 1U << 30;
-inline constexpr std::uint16_t kLogVersion = 3;
+inline constexpr std::uint16_t kLogVersion = 4;
 inline constexpr std::size_t kLogPiece = 512;
+inline constexpr std::size_t kLogMoveSize = 6;
 
 enum class LogRecordKind : std::uint32_t { kCommit = 1, kCheckpoint = 2, kPart = 3, kMoved = 4 };
 enum class LogBase : std::uint16_t {
@@ -86,6 +89,7 @@ enum class LogBase : std::uint16_t {
     kSum = 3,
     kInLogByChanges = 4,
     kPieces = 5,
+    kMovedInLog = 6,
 };
 // What the log says of a page so far.
 enum class LoggedAs : std::uint8_t { kNothing, kChanges, kWhole };
@@ -128,15 +132,16 @@ struct PageChange {
     std::size_t end = 0;
 };
 
-// The first place from `from` on where two pages differ, or their size.
-std::size_t FirstDifference(Bytes a, Bytes b, std::size_t from);
-
 struct LogRange {
     std::uint16_t begin = 0;
     std::uint16_t end = 0;  // past the last byte
 };
-// Where the page differs, as ranges that are worth an entry of their own.
-void FindRanges(const PageChange& change, std::vector<LogRange>& into);
+// Bytes that lie elsewhere on the page than before.
+struct LogMove {
+    std::uint16_t to = 0;
+    std::uint16_t from = 0;
+    std::uint16_t length = 0;
+};
 // The base that takes the least room for these ranges.
 LogBase BaseFor(const PageChange& change, LoggedAs state, const std::vector<LogRange>& ranges);
 // The same for an entry with all bytes of the page.
@@ -149,6 +154,8 @@ public:
     LogRecordWriter(LogBuffer& out, LogRecordKind kind, std::uint64_t operation,
                     std::uint32_t value);
     void AddPage(const PageChange& change, LogBase base, const std::vector<LogRange>& ranges);
+    // Of a page that is in the log, all of it: what else is new than the bytes that moved.
+    void AddMovedPage(const PageChange& change, LogMove move, const std::vector<LogRange>& ranges);
     // Adds all bytes of the page as it is now, and gives their place in `out`.
     std::size_t AddWholePage(const PageChange& change, LogBase base);
     // Completes the record and gives its checksum. kRecordTooLarge.

@@ -1,6 +1,7 @@
 #include "page/log_replay.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "jet/error.h"
 #include "page/bytes.h"
@@ -110,6 +111,7 @@ bool LogReplay::ApplyPages(const LogReader& reader) {
         if (brought.size() < brings) return false;
         LoggedPage* page = FindPage(PageNumber{ReadU32(head, 0)}, base, brought);
         if (page == nullptr) return false;
+        if (base == LogBase::kMovedInLog && !ApplyMove(*page, brought)) return false;
         for (std::uint32_t range = ReadU16(head, 6); range > 0; --range) {
             const Bytes place = take(4);
             if (place.size() < 4) return false;
@@ -138,7 +140,8 @@ LogReplay::LoggedPage* LogReplay::FindPage(PageNumber page, LogBase base, Bytes 
     if (found == pages_.end()) return StartPage(page, base, brought);
     LoggedAs& state = position_.logged[page.value];
     const bool byChanges = state == LoggedAs::kChanges;
-    if (base == LogBase::kInLog) return byChanges ? nullptr : &found->second;
+    const bool isWhole = base == LogBase::kInLog || base == LogBase::kMovedInLog;
+    if (isWhole) return byChanges ? nullptr : &found->second;
     if (base == LogBase::kInLogByChanges) return byChanges ? &found->second : nullptr;
     if (base != LogBase::kImage || !byChanges) return nullptr;
     state = LoggedAs::kWhole;
@@ -257,6 +260,24 @@ void LogReplay::ForgetWhenExplained(LoggedPage& page) {
     }
 }
 
+void LogReplay::TakeToMemory(LoggedPage& page) {
+    page.image.resize(format_.pageSize);
+    if (page.place != 0) log_->Read(page.place, page.image);
+    page.place = 0;
+}
+
+// False when there are no such bytes.
+bool LogReplay::ApplyMove(LoggedPage& page, Bytes brought) {
+    const std::size_t to = ReadU16(brought, 0);
+    const std::size_t from = ReadU16(brought, 2);
+    const std::size_t length = ReadU16(brought, 4);
+    if (std::max(to, from) + length > format_.pageSize) return false;
+    TakeToMemory(page);
+    std::memmove(page.image.data() + to, page.image.data() + from, length);
+    Explain(page, to, Bytes(page.image).subspan(to, length));
+    return true;
+}
+
 void LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place) {
     Explain(page, offset, bytes);
     if (bytes.size() == format_.pageSize) {
@@ -264,12 +285,7 @@ void LogReplay::ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, st
         page.image = {};
         return;
     }
-    if (page.place != 0) {
-        page.image.resize(format_.pageSize);
-        log_->Read(page.place, page.image);
-        page.place = 0;
-    }
-    page.image.resize(format_.pageSize);
+    TakeToMemory(page);
     std::copy(bytes.begin(), bytes.end(), page.image.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 

@@ -72,6 +72,8 @@ private:
     static void ExplainPieces(LoggedPage& page, Bytes sums);
     static bool CompleteBase(LoggedPage& page, Bytes image);
     static bool ApplyFormer(LoggedPage& page, std::size_t offset, Bytes bytes);
+    void TakeToMemory(LoggedPage& page);
+    bool ApplyMove(LoggedPage& page, Bytes brought);
     void ApplyRange(LoggedPage& page, std::size_t offset, Bytes bytes, std::uint64_t place);
     static void Explain(LoggedPage& page, std::size_t offset, Bytes bytes);
     static void ForgetWhenExplained(LoggedPage& page);
