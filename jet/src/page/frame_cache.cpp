@@ -1,15 +1,15 @@
 #include "page/frame_cache.h"
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 
 namespace jet {
 
 namespace {
 
-constexpr std::size_t kSmallestStore = std::size_t{64} << 10;
-constexpr std::size_t kLargestStore = std::size_t{256} << 10;
+// Larger pieces of memory go back to the system as soon as they are freed, and are had from it anew
+// by the next file that is opened.
+constexpr std::size_t kStoreSize = std::size_t{64} << 10;
 
 }  // namespace
 
@@ -43,11 +43,8 @@ Frame& FrameCache::Grow() {
     return frame;
 }
 
-// A small file takes little memory, a large one few parts.
 void FrameCache::AddStore() {
-    const std::size_t size = PageMemory::kApart ? pageSize_
-                                                : std::clamp(std::bit_floor(room_ * pageSize_),
-                                                             kSmallestStore, kLargestStore);
+    const std::size_t size = PageMemory::kApart ? pageSize_ : kStoreSize;
     Store store{PageMemory(size), std::vector<Frame>(size / pageSize_)};
     std::byte* bytes = store.memory.Data();
     for (Frame& frame : store.frames) {
