@@ -8,7 +8,7 @@ namespace jet {
 
 namespace {
 
-constexpr std::size_t kMostKept = 256;
+constexpr std::size_t kMostImagesKept = 256;
 constexpr std::size_t kMostBytesKept = 1U << 20;
 
 }  // namespace
@@ -85,7 +85,7 @@ void UndoImages::RemoveSettled() noexcept {
 
 void UndoImages::CutTo(std::size_t size) noexcept {
     size_ = size;
-    const std::size_t kept = std::max(size, kMostKept);
+    const std::size_t kept = std::max(size, kMostImagesKept);
     if (images_.size() > kept)
         images_.erase(images_.begin() + static_cast<std::ptrdiff_t>(kept), images_.end());
 }
