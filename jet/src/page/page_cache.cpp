@@ -46,11 +46,14 @@ Frame& PageCache::FetchMissing(PageNumber page) {
     return Load(page);
 }
 
-// A good part of a file that fits into the cache has been read: the rest will be needed too.
+// A good part of a file that fits into the cache has been read, and more than opening it takes: the
+// rest will be needed too.
 bool PageCache::IsReadWhole() const {
     constexpr std::uint32_t kGoodPart = 8;
+    constexpr std::uint32_t kMoreThanOpening = 16;
     const std::uint32_t pages = file_.State().pageCount;
-    return pages <= frames_.Capacity() && readAlone_ > pages / kGoodPart;
+    return pages <= frames_.Capacity() &&
+           readAlone_ > std::max(pages / kGoodPart, kMoreThanOpening);
 }
 
 // How many pages to read at once: as many as have been read in the order of the file just now. Two
