@@ -21,14 +21,12 @@ public:
     // `size` bytes that are undefined, all of which will be used. std::bad_alloc.
     explicit PageMemory(std::size_t size);
 
-    // Begins at a page of the processor, which others can be copied into sooner, unless apart.
     [[nodiscard]] std::byte* Data() const {
-        return data_;
+        return bytes_.get();
     }
 
 private:
     std::unique_ptr<std::byte[]> bytes_;
-    std::byte* data_;
 };
 
 }  // namespace jet
